@@ -1,0 +1,65 @@
+#include <benchmark/benchmark.h>
+#include <keltra/foundation.h>
+
+#include <cstdlib>
+
+namespace {
+
+// Draws the given number of identifiers from an empty table and gives them back: the time for one must not
+// depend on how many there are.
+void drawIdentifiers(benchmark::State &state) {
+    const unsigned int count = static_cast<unsigned int>(state.range(0));
+    vnfOpenLog(nullptr);
+    const unsigned int first = vnfNewId(), second = vnfNewId();
+    releaseId(first);
+    const unsigned int again = vnfNewId();
+    if (first != 1 || second != 2 || again != first)
+        return state.SkipWithError("the lowest free identifier is not drawn");
+    releaseId(first);
+    releaseId(second);
+    for (auto _ : state) {
+        for (unsigned int i = 0; i < count; ++i) benchmark::DoNotOptimize(vnfNewId());
+        for (unsigned int id = count; id >= 1; --id) releaseId(id);
+    }
+    state.SetItemsProcessed(state.iterations() * count);
+}
+BENCHMARK(drawIdentifiers)->Arg(1000)->Arg(10000)->Arg(60000);
+
+// One identifier leaves and comes back while all the others stay.
+void replaceIdentifierAmongMany(benchmark::State &state) {
+    const unsigned int count = static_cast<unsigned int>(state.range(0));
+    vnfOpenLog(nullptr);
+    for (unsigned int i = 0; i < count; ++i) vnfNewId();
+    unsigned int id = 1;
+    for (auto _ : state) {
+        releaseId(id);
+        if (vnfNewId() != id) return state.SkipWithError("another identifier was free");
+        id = id % count + 1;
+    }
+    state.SetItemsProcessed(state.iterations());
+    vnfOpenLog(nullptr);
+}
+BENCHMARK(replaceIdentifierAmongMany)->Arg(10000)->Arg(60000);
+
+// Beside the plain allocator: the difference is the sample of the physical memory.
+void countedAllocation(benchmark::State &state) {
+    for (auto _ : state) {
+        void *block = vnfMalloc(256);
+        benchmark::DoNotOptimize(block);
+        vnfFree(block);
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(countedAllocation);
+
+void plainAllocation(benchmark::State &state) {
+    for (auto _ : state) {
+        void *block = std::malloc(256);
+        benchmark::DoNotOptimize(block);
+        std::free(block);
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(plainAllocation);
+
+}  // namespace

@@ -1,0 +1,132 @@
+#include <EGL/egl.h>
+#include <GLES/gl.h>
+#include <SDL/SDL.h>
+#include <SDL/SDL_syswm.h>
+
+#include <keltra/anim.h>
+#include <keltra/engine.h>
+#include <keltra/foundation.h>
+#include <keltra/settings.h>
+#include <keltra/shader.h>
+#include <keltra/texture.h>
+
+#include <cstdint>
+
+#include "foundation/text.h"
+#include "platform/platform.h"
+
+namespace {
+
+const EGLint kMaxConfigs = 32;
+
+// The flags of the mode check and of the mode itself differ: swapping belongs to EGL, so SDL makes no second buffer. The
+// full-screen and resizable settings change neither.
+const Uint32 kCheckedMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_DOUBLEBUF | SDL_FULLSCREEN;
+const Uint32 kWindowMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_FULLSCREEN;
+
+bool modeAvailable(const KTSETTINGS::RECORD &record) {
+    if (record.windowX <= 0 || record.windowY <= 0) return false;
+    return SDL_VideoModeOK(record.windowX, record.windowY, record.colorDepth, kCheckedMode) != 0;
+}
+
+// Number of matching configurations, the best in `config`; -1 when EGL cannot tell.
+EGLint chooseConfig(EGLDisplay display, int depthBits, EGLConfig *config) {
+    EGLint wanted[] = {EGL_LEVEL,        0,         EGL_NATIVE_RENDERABLE, EGL_FALSE,      EGL_DEPTH_SIZE,
+                       depthBits,        EGL_SURFACE_TYPE, EGL_WINDOW_BIT, EGL_NONE};
+    EGLConfig found[kMaxConfigs];
+    EGLint count = 0;
+    if (!eglChooseConfig(display, wanted, found, kMaxConfigs, &count)) return -1;
+    if (count < 1) {
+        // Some drivers mark every configuration as native-renderable; for them the attribute is left free.
+        wanted[3] = EGL_DONT_CARE;
+        if (!eglChooseConfig(display, wanted, found, kMaxConfigs, &count)) return -1;
+    }
+    if (count > 0) *config = found[0];
+    return count;
+}
+
+int glInteger(GLenum name) {
+    GLint value = 0;
+    glGetIntegerv(name, &value);
+    return value;
+}
+
+}  // namespace
+
+bool KTSETTINGS::isOk() { return modeAvailable(record); }
+
+bool KTSETTINGS::init(KTSETTINGS *settings) {
+    if (active || !settings) return false;
+    const RECORD &record = settings->record;
+    if (!modeAvailable(record)) return false;
+    KELTRA::setKTEPath(record.ktePath);
+    KTANIM::setKTAPath(record.ktaPath);
+    KTTEXTURE::setPath(record.texturePath);
+    KTSHADER::setPath(record.shaderPath);
+    if (!openWindow(record) || !openContext(record)) {
+        closeContext();
+        return false;
+    }
+    keltra::copyText(title, record.title);
+    windowX = record.windowX;
+    windowY = record.windowY;
+    colorDepth = glInteger(GL_RED_BITS) + glInteger(GL_GREEN_BITS) + glInteger(GL_BLUE_BITS) + glInteger(GL_ALPHA_BITS);
+    zetaDepth = glInteger(GL_DEPTH_BITS);
+    stencilDepth = glInteger(GL_STENCIL_BITS);
+    fullScreen = record.fullScreen;
+    resizable = record.resizable;
+    landscape = record.landscape;
+    useShaders = record.useShaders;
+    active = true;
+    return true;
+}
+
+// On top of everything else, at the top-left corner of the screen.
+bool KTSETTINGS::openWindow(const RECORD &record) {
+    SDL_WM_SetCaption(nullptr, nullptr);
+    if (!SDL_SetVideoMode(record.windowX, record.windowY, record.colorDepth, kWindowMode)) return false;
+    SDL_SysWMinfo info = {};
+    info.version.major = 1;
+    info.version.minor = 2;
+    info.version.patch = 12;
+    SDL_GetWMInfo(&info);
+    keltra::NativeWindow native = keltra::platformNativeWindow(&info);
+    window = native.window;
+    keltra::platformPlaceWindow(native, 0, 0, record.windowX, record.windowY);
+    keltra::platformWindowDevice(native);
+    return true;
+}
+
+bool KTSETTINGS::openContext(const RECORD &record) {
+    glesDisplay = eglGetDisplay(EGL_DEFAULT_DISPLAY);
+    if (!eglInitialize(glesDisplay, nullptr, nullptr)) return false;
+    EGLConfig config = nullptr;
+    EGLint count = chooseConfig(glesDisplay, record.zetaDepth, &config);
+    if (count < 0) return false;
+    vnfLog("      Number of available configs: %d\n", count);
+    if (count < 1) return false;
+    EGLNativeWindowType native = (EGLNativeWindowType)(std::uintptr_t)window;
+    glesSurface = eglCreateWindowSurface(glesDisplay, config, native, nullptr);
+    if (!glesSurface) return false;
+    glesContext = eglCreateContext(glesDisplay, config, EGL_NO_CONTEXT, nullptr);
+    if (!glesContext) return false;
+    return eglMakeCurrent(glesDisplay, glesSurface, glesSurface, glesContext) == EGL_TRUE;
+}
+
+void KTSETTINGS::closeContext() {
+    if (glesDisplay) {
+        eglMakeCurrent(glesDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        if (glesContext) eglDestroyContext(glesDisplay, glesContext);
+        if (glesSurface) eglDestroySurface(glesDisplay, glesSurface);
+        eglTerminate(glesDisplay);
+    }
+    glesDisplay = glesSurface = glesContext = nullptr;
+    window = nullptr;
+}
+
+bool KTSETTINGS::free() {
+    if (!active) return false;
+    closeContext();
+    active = false;
+    return true;
+}

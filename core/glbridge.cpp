@@ -1,0 +1,170 @@
+#include <keltra/glbridge.h>
+
+#include <keltra/matrix.h>
+
+#include <cstring>
+
+#include "core/glbridge.h"
+#include "math/fixed.h"
+
+namespace {
+
+using keltra::toFixed;
+
+const unsigned int kLevels = 32;  // matrices a stack, and the deepest push
+const int kStacks = 2;            // 0 model-view, 1 projection
+
+// The stacks stand one behind the other, and depth runs from 0 to 32. So level 32 of the model-view stack is the base of
+// the projection stack: meant, applications have been tuned against it. Level 32 of the projection gets room of its own.
+float mirror[kStacks * kLevels + 1][16];
+unsigned int depths[kStacks];
+int current;
+
+float *top() { return mirror[current * kLevels + depths[current]]; }
+
+// top := m x top, where the last row of m is (0, 0, 0, 1) and m does not translate.
+void rotateTop(const float *m) {
+    float *t = top();
+    for (int j = 0; j < 4; ++j) {
+        float x = t[j], y = t[4 + j], z = t[8 + j];
+        t[j] = m[0] * x + m[1] * y + m[2] * z;
+        t[4 + j] = m[4] * x + m[5] * y + m[6] * z;
+        t[8 + j] = m[8] * x + m[9] * y + m[10] * z;
+    }
+}
+
+void translateTop(float x, float y, float z) {
+    float *t = top();
+    for (int j = 0; j < 4; ++j) t[12 + j] = x * t[j] + y * t[4 + j] + z * t[8 + j] + t[12 + j];
+}
+
+void multiplyTop(const R3XMATRIX &matrix) {
+    R3XMATRIX product = matrix;
+    product *= R3XMATRIX(top());
+    std::memcpy(top(), product.m, sizeof product.m);
+}
+
+struct Fixed4 {
+    explicit Fixed4(const float *values) { keltra::toFixed(values, v, 4); }
+    GLfixed v[4];
+};
+
+struct Fixed16 {
+    explicit Fixed16(const float *values) { keltra::toFixed(values, v, 16); }
+    GLfixed v[16];
+};
+
+}  // namespace
+
+namespace keltra {
+
+void resetMatrixMirror() {
+    for (current = kStacks - 1; current > 0; --current)
+        while (depths[current]) std::memcpy(mirror[current * kLevels + depths[current]--], R3XMATRIX().m, sizeof mirror[0]);
+    while (depths[0]) std::memcpy(mirror[depths[0]--], R3XMATRIX().m, sizeof mirror[0]);
+}
+
+bool pushMatrix() {
+    if (depths[current] >= kLevels) return false;
+    const float *below = top();
+    ++depths[current];
+    std::memcpy(top(), below, sizeof mirror[0]);
+    glPushMatrix();
+    return true;
+}
+
+}  // namespace keltra
+
+void KT_glLightModelf(GLenum pname, float param) { glLightModelx(pname, toFixed(param)); }
+
+void KT_glLightModelfv(GLenum pname, const float *params) {
+    if (params) glLightModelxv(pname, Fixed4(params).v);
+}
+
+void KT_glColor4f(float r, float g, float b, float a) { glColor4x(toFixed(r), toFixed(g), toFixed(b), toFixed(a)); }
+
+void KT_glClearColor(float r, float g, float b, float a) { glClearColorx(toFixed(r), toFixed(g), toFixed(b), toFixed(a)); }
+
+void KT_glLightf(GLenum light, GLenum pname, float param) { glLightx(light, pname, toFixed(param)); }
+
+void KT_glLightfv(GLenum light, GLenum pname, const float *params) {
+    if (params) glLightxv(light, pname, Fixed4(params).v);
+}
+
+void KT_glMaterialf(GLenum face, GLenum pname, float param) { glMaterialx(face, pname, toFixed(param)); }
+
+void KT_glMaterialfv(GLenum face, GLenum pname, const float *params) {
+    if (params) glMaterialxv(face, pname, Fixed4(params).v);
+}
+
+void KT_glAlphaFunc(GLenum func, float ref) { glAlphaFuncx(func, toFixed(ref)); }
+
+void KT_glClearDepthf(float depth) { glClearDepthx(toFixed(depth)); }
+
+void KT_glMatrixMode(GLenum mode) {
+    if (mode == GL_MODELVIEW) current = 0;
+    if (mode == GL_PROJECTION) current = 1;
+    glMatrixMode(mode);
+}
+
+void KT_glLoadIdentity() {
+    std::memcpy(top(), R3XMATRIX().m, sizeof mirror[0]);
+    glLoadIdentity();
+}
+
+void KT_glLoadMatrixf(const float *m) {
+    if (!m) return;
+    std::memmove(top(), m, sizeof mirror[0]);
+    glLoadMatrixx(Fixed16(m).v);
+}
+
+void KT_glMultMatrixf(const float *m) {
+    if (!m) return;
+    multiplyTop(R3XMATRIX(m));
+    glMultMatrixx(Fixed16(m).v);
+}
+
+// A rotation by 0 degrees is the identity, which leaves the mirror as it is; most nodes turn about one axis or none.
+void KT_glRotatef(float angle, float x, float y, float z) {
+    if (angle != 0.0f) {
+        R3XMATRIX rotation;
+        rotation.setRotation(angle, x, y, z);
+        rotateTop(rotation.m);
+    }
+    glRotatex(toFixed(angle), toFixed(x), toFixed(y), toFixed(z));
+}
+
+void KT_glTranslatef(float x, float y, float z) {
+    translateTop(x, y, z);
+    glTranslatex(toFixed(x), toFixed(y), toFixed(z));
+}
+
+void KT_glFrustum(float l, float r, float b, float t, float n, float f) {
+    multiplyTop(R3XMATRIX(2.0f * n / (r - l), 0.0f, 0.0f, 0.0f,                                      //
+                          0.0f, 2.0f * n / (t - b), 0.0f, 0.0f,                                      //
+                          (r + l) / (r - l), (t + b) / (t - b), -(f + n) / (f - n), -1.0f,           //
+                          0.0f, 0.0f, -2.0f * f * n / (f - n), 0.0f));
+    glFrustumx(toFixed(l), toFixed(r), toFixed(b), toFixed(t), toFixed(n), toFixed(f));
+}
+
+void KT_glOrtho(float l, float r, float b, float t, float n, float f) {
+    multiplyTop(R3XMATRIX(2.0f / (r - l), 0.0f, 0.0f, 0.0f,   //
+                          0.0f, 2.0f / (t - b), 0.0f, 0.0f,   //
+                          0.0f, 0.0f, -2.0f / (f - n), 0.0f,  //
+                          -(r + l) / (r - l), -(t + b) / (t - b), -(f + n) / (f - n), 1.0f));
+    glOrthox(toFixed(l), toFixed(r), toFixed(b), toFixed(t), toFixed(n), toFixed(f));
+}
+
+void KT_glPushMatrix() { keltra::pushMatrix(); }
+
+void KT_glPopMatrix() {
+    if (depths[current] == 0) return;
+    std::memcpy(top(), R3XMATRIX().m, sizeof mirror[0]);
+    --depths[current];
+    glPopMatrix();
+}
+
+void KT_glGetFloatv(int which, float *out) {
+    if (!out || which < 0 || which >= kStacks) return;
+    std::memcpy(out, mirror[which * kLevels + depths[which]], sizeof mirror[0]);
+}

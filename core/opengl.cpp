@@ -1,0 +1,186 @@
+#include <keltra/opengl.h>
+
+#include <keltra/glbridge.h>
+#include <keltra/settings.h>
+
+#include <cmath>
+
+#include "core/glbridge.h"
+
+const int KTOPENGL::fbos;
+bool KTOPENGL::active = false;
+float KTOPENGL::nearPlane = 1.0f;
+float KTOPENGL::farPlane = 1024.0f;
+float KTOPENGL::angleOfView = 45.0f;
+KT_OPENGL_PROFILE KTOPENGL::currentProfile = KT_PROFILE_NORMAL;
+R3XVECTOR4D KTOPENGL::backgroundColor(0.2f, 0.2f, 0.6f, 1.0f);
+R3XVECTOR4D KTOPENGL::globalAmbientLight(0.2f, 0.2f, 0.2f, 1.0f);
+KTFBO *KTOPENGL::fbo[fbos];
+float KTOPENGL::anisotropicLevel = 0.0f;
+bool KTOPENGL::blending = false;
+bool KTOPENGL::scissor = false;
+bool KTOPENGL::culling = false;
+bool KTOPENGL::twoSide = false;
+bool KTOPENGL::vertexArrayStatus = false;
+bool KTOPENGL::indexArrayStatus = false;
+bool KTOPENGL::normalArrayStatus = false;
+bool KTOPENGL::colorArrayStatus = false;
+bool KTOPENGL::textureArrayStatus = false;
+bool KTOPENGL::multitextureFlag = false;
+bool KTOPENGL::VBOFlag = false;
+bool KTOPENGL::shadersFlag = false;
+bool KTOPENGL::anisotropicFlag = false;
+bool KTOPENGL::FBOFlag = false;
+bool KTOPENGL::OcclusionQueryFlag = false;
+
+namespace {
+
+void enableCached(bool &cached, GLenum capability) {
+    if (cached) return;
+    glEnable(capability);
+    cached = true;
+}
+
+void disableCached(bool &cached, GLenum capability) {
+    if (!cached) return;
+    glDisable(capability);
+    cached = false;
+}
+
+void enableArray(bool &cached, GLenum array) {
+    if (cached) return;
+    glEnableClientState(array);
+    cached = true;
+}
+
+void disableArray(bool &cached, GLenum array) {
+    if (!cached) return;
+    glDisableClientState(array);
+    cached = false;
+}
+
+float ratio(int width, int height) { return static_cast<float>(width) / static_cast<float>(height); }
+
+}  // namespace
+
+// The cached flags outlive the context that they were true of, so a new context starts with all of them off.
+bool KTOPENGL::init() {
+    if (active) return false;
+    glGetString(GL_EXTENSIONS);
+    blending = scissor = culling = twoSide = false;
+    vertexArrayStatus = indexArrayStatus = normalArrayStatus = colorArrayStatus = textureArrayStatus = false;
+    keltra::resetMatrixMirror();
+    reset();
+    active = true;
+    return true;
+}
+
+bool KTOPENGL::free() {
+    if (!active) return false;
+    active = false;
+    return true;
+}
+
+void KTOPENGL::reset() {
+    setBackgroundColor(backgroundColor);
+    setGlobalAmbientLight(globalAmbientLight);
+    KT_glClearDepthf(1.0f);
+    glClearStencil(0);
+    glDepthFunc(GL_LESS);
+    glEnable(GL_DEPTH_TEST);
+    glShadeModel(GL_SMOOTH);
+    // Both hints are meant, in this order: some drivers set up their fast path only when the hint changes.
+    glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
+    glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_FASTEST);
+    glDisable(GL_DITHER);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    KT_glAlphaFunc(GL_GREATER, 0.5f);
+    cullingOn();
+    for (GLenum light = GL_LIGHT0; light <= GL_LIGHT3; ++light) {
+        KT_glLightf(light, GL_SPOT_EXPONENT, 0.0f);
+        KT_glLightf(light, GL_SPOT_CUTOFF, 180.0f);
+        KT_glLightf(light, GL_CONSTANT_ATTENUATION, 1.0f);
+        KT_glLightf(light, GL_LINEAR_ATTENUATION, 0.0f);
+        KT_glLightf(light, GL_QUADRATIC_ATTENUATION, 0.0f);
+    }
+}
+
+bool KTOPENGL::resize(int x, int y, int width, int height) {
+    // An empty or negative area keeps a usable projection and gives GL an empty viewport.
+    if (width < 0) width = 0;
+    if (height < 0) height = 0;
+    int across = width > 0 ? width : 1, down = height > 0 ? height : 1;
+    KT_glMatrixMode(GL_PROJECTION);
+    KT_glLoadIdentity();
+    // In 64 bits: any two ints may come in.
+    glViewport(x, static_cast<GLint>(static_cast<long long>(KTSETTINGS::windowY) - y - height), width, height);
+    if (KTSETTINGS::landscape) {
+        KT_glRotatef(90.0f, 0.0f, 0.0f, 1.0f);
+        setPerspective(angleOfView, ratio(down, across), nearPlane, farPlane);
+    } else {
+        setPerspective(angleOfView, ratio(across, down), nearPlane, farPlane);
+    }
+    KT_glMatrixMode(GL_MODELVIEW);
+    KT_glLoadIdentity();
+    return true;
+}
+
+void KTOPENGL::setPerspective(float angle, float aspect, float nearDistance, float farDistance) {
+    // The factor is pi / 360: half the angle, in radians.
+    float top = static_cast<float>(std::tan(static_cast<double>(angle * 0.008726646f))) * nearDistance;
+    float right = top * aspect;
+    KT_glFrustum(-right, right, -top, top, nearDistance, farDistance);
+}
+
+bool KTOPENGL::setFrustum(float left, float right, float bottom, float top, float nearDistance, float farDistance, bool) {
+    KT_glMatrixMode(GL_PROJECTION);
+    KT_glLoadIdentity();
+    KT_glFrustum(left, right, bottom, top, nearDistance, farDistance);
+    KT_glMatrixMode(GL_MODELVIEW);
+    KT_glLoadIdentity();
+    return true;
+}
+
+void KTOPENGL::setBackgroundColor(float r, float g, float b, float a) {
+    backgroundColor.set(r, g, b, a);
+    KT_glClearColor(r, g, b, a);
+}
+
+void KTOPENGL::setBackgroundColor(R3XVECTOR4D color) { setBackgroundColor(color.x, color.y, color.z, color.w); }
+
+void KTOPENGL::setGlobalAmbientLight(float r, float g, float b, float a) {
+    globalAmbientLight.set(r, g, b, a);
+    KT_glLightModelfv(GL_LIGHT_MODEL_AMBIENT, &globalAmbientLight.x);
+}
+
+void KTOPENGL::setGlobalAmbientLight(R3XVECTOR4D color) { setGlobalAmbientLight(color.x, color.y, color.z, color.w); }
+
+void KTOPENGL::cullingOn() { enableCached(culling, GL_CULL_FACE); }
+void KTOPENGL::cullingOff() { disableCached(culling, GL_CULL_FACE); }
+void KTOPENGL::blendingOn() { enableCached(blending, GL_BLEND); }
+void KTOPENGL::blendingOff() { disableCached(blending, GL_BLEND); }
+void KTOPENGL::scissorOn() { enableCached(scissor, GL_SCISSOR_TEST); }
+void KTOPENGL::scissorOff() { disableCached(scissor, GL_SCISSOR_TEST); }
+
+void KTOPENGL::twoSideOn() {
+    if (twoSide) return;
+    KT_glLightModelf(GL_LIGHT_MODEL_TWO_SIDE, 1.0f);
+    twoSide = true;
+}
+
+void KTOPENGL::twoSideOff() {
+    if (!twoSide) return;
+    KT_glLightModelf(GL_LIGHT_MODEL_TWO_SIDE, 0.0f);
+    twoSide = false;
+}
+
+void KTOPENGL::vertexArrayOn() { enableArray(vertexArrayStatus, GL_VERTEX_ARRAY); }
+void KTOPENGL::vertexArrayOff() { disableArray(vertexArrayStatus, GL_VERTEX_ARRAY); }
+void KTOPENGL::normalArrayOn() { enableArray(normalArrayStatus, GL_NORMAL_ARRAY); }
+void KTOPENGL::normalArrayOff() { disableArray(normalArrayStatus, GL_NORMAL_ARRAY); }
+void KTOPENGL::colorArrayOn() { enableArray(colorArrayStatus, GL_COLOR_ARRAY); }
+void KTOPENGL::colorArrayOff() { disableArray(colorArrayStatus, GL_COLOR_ARRAY); }
+void KTOPENGL::textureArrayOn() { enableArray(textureArrayStatus, GL_TEXTURE_COORD_ARRAY); }
+void KTOPENGL::textureArrayOff() { disableArray(textureArrayStatus, GL_TEXTURE_COORD_ARRAY); }
+
+KTFBO *KTOPENGL::getFbo(int i) { return i >= 0 && i < fbos ? fbo[i] : nullptr; }

@@ -1,0 +1,69 @@
+#include <keltra/settings.h>
+
+#include <keltra/opengl.h>
+
+#include "foundation/text.h"
+
+bool KTSETTINGS::active = false;
+char KTSETTINGS::title[256];
+int KTSETTINGS::windowX = 0;
+int KTSETTINGS::windowY = 0;
+int KTSETTINGS::colorDepth = 0;
+int KTSETTINGS::zetaDepth = 0;
+int KTSETTINGS::stencilDepth = 0;
+bool KTSETTINGS::fullScreen = false;
+bool KTSETTINGS::resizable = false;
+bool KTSETTINGS::landscape = false;
+bool KTSETTINGS::useShaders = false;
+void *KTSETTINGS::window = nullptr;
+void *KTSETTINGS::glesDisplay = nullptr;
+void *KTSETTINGS::glesSurface = nullptr;
+void *KTSETTINGS::glesContext = nullptr;
+int KTSETTINGS::shadowMapSize = 0;
+int KTSETTINGS::FBOSizeX = 0;
+int KTSETTINGS::FBOSizeY = 0;
+int KTSETTINGS::waterSize = 0;
+bool KTSETTINGS::forceFBO = false;
+int KTSETTINGS::renderingElements = 0;
+int KTSETTINGS::audioChannels = 0;
+int KTSETTINGS::audioBuffers = 0;
+int KTSETTINGS::audioElements = 0;
+
+using keltra::copyText;
+
+KTSETTINGS::KTSETTINGS() { constructor(); }
+
+void KTSETTINGS::constructor() {
+    record = RECORD();
+    setTitle("Keltra 3D Graphics Engine for PDA v1.6.6a");
+    record.windowX = 240;
+    record.windowY = 320;
+    record.colorDepth = 16;
+    record.zetaDepth = 16;
+    record.fullScreen = true;
+    record.audioChannels = 16;
+    record.audioBuffers = 32;
+    record.audioElements = 128;
+    record.shadowMapSize = 1024;
+    record.FBOSizeX = 1024;
+    record.FBOSizeY = 768;
+    record.waterSize = 256;
+}
+
+void KTSETTINGS::setTitle(const char *text) { copyText(record.title, text); }
+void KTSETTINGS::setKTEPath(const char *path) { copyText(record.ktePath, path); }
+void KTSETTINGS::setKTAPath(const char *path) { copyText(record.ktaPath, path); }
+void KTSETTINGS::setMPGPath(const char *path) { copyText(record.mpgPath, path); }
+void KTSETTINGS::setTexturePath(const char *path) { copyText(record.texturePath, path); }
+void KTSETTINGS::setShaderPath(const char *path) { copyText(record.shaderPath, path); }
+void KTSETTINGS::setFontPath(const char *path) { copyText(record.fontPath, path); }
+
+bool KTSETTINGS::resize(int x, int y, int width, int height) {
+    int oldX = windowX, oldY = windowY;
+    windowX = width;
+    windowY = height;
+    if (KTOPENGL::resize(x, y, width, height)) return true;
+    windowX = oldX;
+    windowY = oldY;
+    return false;
+}

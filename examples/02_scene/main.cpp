@@ -1,0 +1,141 @@
+// A scene from files: textured, with more lights than the GL has, opaque and transparent meshes, two skinned
+// ones, and a camera that sways before it.
+
+#include <GLES/gl.h>
+#include <keltra/keltra.h>
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "examples/support/example.h"
+
+namespace {
+
+constexpr float kFrameTime =
+    1.0f / 30.0f;  // of runs with a given number of frames, which must repeat exactly
+constexpr float kDegree = 3.14159265f / 180.0f;
+
+// The nodes that the program moves, found once.
+struct Cast {
+    std::vector<KTNODE *> neck, tail, halos, fireflies;
+    KTNODE *water = nullptr;
+};
+
+// Nodes `prefix` with a number behind it, from 1 up to the last that there is.
+std::vector<KTNODE *> findAll(KTNODE *root, const char *prefix) {
+    std::vector<KTNODE *> found;
+    for (int i = 1;; ++i) {
+        KTNODE *node = root->findByNameInHierarchy((prefix + std::to_string(i)).c_str());
+        if (node == nullptr) return found;
+        found.push_back(node);
+    }
+}
+
+// What a scene file does not hold: how far lamps reach, which light always counts, the sky, the filters.
+bool prepare(KTNODE *scene, Cast *cast) {
+    std::vector<KTNODE *> lights = findAll(scene, "lantern");
+    lights.push_back(scene->findByNameInHierarchy("poolLight"));
+    lights.push_back(scene->findByNameInHierarchy("moonlight"));
+    for (KTNODE *light : lights) {
+        if (light == nullptr || light->getType() != KT_LIGHT) return false;
+        const bool moon = light == lights.back();
+        static_cast<KTLIGHT *>(light)->setExclusive(moon);
+        if (!moon) static_cast<KTLIGHT *>(light)->setAttenuation(0.9f, 0.0f, 0.06f);
+    }
+    KTNODE *sky = scene->findByNameInHierarchy("sky");
+    cast->water = scene->findByNameInHierarchy("water");
+    if (sky == nullptr || !sky->unlink() || cast->water == nullptr) return false;
+    KELTRA::setSkybox(sky);
+    KTOPENGL::setGlobalAmbientLight(0.34f, 0.29f, 0.46f, 1.0f);
+    for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture != nullptr; texture = texture->getNext()) {
+        texture->setFilter(true, true, false);
+    }
+    cast->neck = findAll(scene, "neck");
+    cast->tail = findAll(scene, "tail");
+    cast->halos = findAll(scene, "halo");
+    cast->fireflies = findAll(scene, "firefly");
+    return true;
+}
+
+// Bends a chain of bones: each a little, and later than the one before.
+void sway(const std::vector<KTNODE *> &bones, float time, float degrees) {
+    float phase = 0.0f;
+    for (KTNODE *bone : bones) {
+        phase += 0.6f;
+        bone->setRotation(degrees * std::sin(1.1f * time - phase), 0.0f,
+                          1.3f * degrees * std::sin(0.8f * time - phase + 1.0f));
+    }
+}
+
+void animate(const Cast &cast, KTCAMERA *camera, float time) {
+    const float azimuth = 36.0f * std::sin(0.22f * time - 0.55f);  // degrees
+    camera->setPosition(21.0f * std::sin(azimuth * kDegree), 5.8f + 0.5f * std::sin(0.31f * time),
+                        21.0f * std::cos(azimuth * kDegree));
+    sway(cast.neck, time, 1.6f);
+    sway(cast.tail, time + 2.0f, 3.0f);
+    cast.water->setRotation(0.0f, 2.0f * time, 0.0f);
+    // Halos are flat: they keep facing the viewer.
+    for (KTNODE *halo : cast.halos) halo->setRotation(0.0f, azimuth, 0.0f);
+    float phase = 0.0f;
+    for (KTNODE *fly : cast.fireflies) {
+        phase += 2.4f;
+        fly->setRotation(0.0f, azimuth, 0.0f);
+        fly->setOrigin(std::sin(0.7f * time + phase), 0.5f * std::sin(1.3f * time + 2.0f * phase),
+                       std::cos(0.6f * time + phase));
+    }
+}
+
+bool draw(KTNODE *scene, KTCAMERA *camera) {
+    return KELTRA::clear(true, true, false) && KELTRA::begin3D(camera) && scene->pass() && KELTRA::end3D() &&
+           KELTRA::begin2D() && KELTRA::end2D();
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    example::Options options;
+    int exitCode = 0;
+    if (!example::parse(argc, argv, "Shows the sample scene", &options, &exitCode)) return exitCode;
+
+    // 1. Start.
+    KTSETTINGS settings;
+    if (!settings.load((options.data + "scene.cfg").c_str())) {
+        std::fprintf(stderr, "02_scene: no scene.cfg in %s\n", options.data.c_str());
+        return 1;
+    }
+    settings.setKTEPath(options.data.c_str());
+    settings.setTexturePath(options.data.c_str());
+    if (!KELTRA::init(&settings)) {
+        std::fprintf(stderr, "02_scene: the engine does not start\n");
+        return 1;
+    }
+    KTNODE *scene = KELTRA::load("scene.kte");
+    Cast cast;
+    bool ok = scene != nullptr && prepare(scene, &cast);
+    if (!ok) std::fprintf(stderr, "02_scene: no usable scene.kte in %s\n", options.data.c_str());
+    {
+        KTCAMERA camera;
+        camera.setTargetNode(&camera);  // itself: it looks at its fixed target
+        camera.setTarget(0.0f, 5.4f, 0.0f);
+        float time = 0.0f;
+        for (int frame = 1; ok && !example::quitRequested(); ++frame) {
+            // 2. Per frame.
+            const bool last = frame == options.frames;
+            time += options.frames > 0 ? kFrameTime : std::fmax(KELTRA::getFPSfactor(), 0.0f);
+            animate(cast, &camera, time);
+
+            // 3. Draw.
+            ok = draw(scene, &camera);
+            if (ok && last && !options.shot.empty()) ok = example::saveShot(options.shot);
+            ok = ok && KELTRA::swap() && glGetError() == GL_NO_ERROR;
+            if (!ok) std::fprintf(stderr, "02_scene: frame %d could not be drawn\n", frame);
+            if (last) break;
+        }
+    }
+
+    // 4. Stop: the lists that own nodes, materials and textures destroy them.
+    KELTRA::setSkybox(nullptr);
+    return KELTRA::free() && ok ? 0 : 1;
+}

@@ -1,0 +1,69 @@
+#include <keltra/foundation.h>
+
+#include "foundation/lifecycle.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr unsigned int kTableSize = 262144;
+constexpr unsigned int kLargestId = 65535;
+
+// Constant-initialised; one byte an identifier, 0 for free. No identifier below `lowestFree` is free.
+unsigned char *table = nullptr;
+unsigned int lowestFree = 1;
+
+}  // namespace
+
+namespace keltra {
+
+// A table that was never dropped is replaced, not handed back: the log's counters have always shown it as
+// held, and applications compare them between runs. Its memory is released all the same.
+void takeIdentifierTable() {
+    std::free(table);
+    table = static_cast<unsigned char *>(vnfMalloc(kTableSize));
+    if (table) std::memset(table, 0, kTableSize);
+    lowestFree = 1;
+}
+
+void dropIdentifierTable() {
+    if (!table) return;
+    vnfFree(table);
+    table = nullptr;
+}
+
+}  // namespace keltra
+
+unsigned int vnfNewId() {
+    if (!table) {
+        vnfLog("vnfNewId: ID table not initialized\n");
+        return 0;
+    }
+    void *entry = std::memchr(table + lowestFree, 0, kLargestId + 1 - lowestFree);
+    if (!entry) {
+        lowestFree = kLargestId + 1;
+        vnfLog("vnfNewId: all ID are used\n");
+        return 0;
+    }
+    unsigned int id = static_cast<unsigned int>(static_cast<unsigned char *>(entry) - table);
+    table[id] = 1;
+    lowestFree = id + 1;
+    return id;
+}
+
+bool releaseId(unsigned int id) {
+    if (id == 0 || id > kLargestId) {
+        vnfLog("releaseId: invalid params (%d)\n", int(id));
+        return false;
+    }
+    // Without a table every identifier is free: objects that outlive the foundation come here.
+    if (!table || !table[id]) {
+        vnfLog("releaseId: ID already released (%d)",
+               int(id));  // no line feed: existing logs are matched against it
+        return false;
+    }
+    table[id] = 0;
+    if (id < lowestFree) lowestFree = id;
+    return true;
+}

@@ -1,0 +1,144 @@
+#include <keltra/foundation.h>
+
+#include "foundation/lifecycle.h"
+#include "platform/platform.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr char kLibraryName[] = "Vontal foundation 0.4";
+constexpr char kTextRule[] = "-------------------------------------------------------\n";
+constexpr char kHtmlRule[] = "<HR ALIGN=CENTER WIDTH=\"100%\" SIZE=\"2\">";
+constexpr std::size_t kTextSize = 1024;
+constexpr double kMebibyte = 1048576.0;
+
+// Constant-initialised: a static object of another source may log before the load step below has run.
+std::FILE *logFile = nullptr;
+bool html = false;
+bool echoing = false;
+
+struct TimeText {
+    char text[96];
+};
+
+TimeText localTime() {
+    keltra::LocalTime now = keltra::platformLocalTime();
+    TimeText result;
+    std::snprintf(result.text, sizeof result.text, "%u/%u/%u %u:%u:%u.%u", now.day, now.month, now.year,
+                  now.hour, now.minute, now.second, now.millisecond);
+    return result;
+}
+
+void write(const char *text) {
+    std::fputs(text, logFile);
+    std::fflush(logFile);
+}
+
+void writeOpeningBanner(const char *time) {
+    if (html)
+        std::fprintf(logFile, "<H4>[%s started at %s]\n%s\n\n</H4>", kLibraryName, time, kHtmlRule);
+    else
+        std::fprintf(logFile, "[%s started at %s]\n%s\n", kLibraryName, time, kTextRule);
+    std::fflush(logFile);
+}
+
+void writeMemorySummary(const keltra::MemoryCounters &memory) {
+    std::fprintf(logFile, "Final memory ratio: %d (%u/%u)\n", int(memory.live), memory.allocations,
+                 memory.releases);
+    std::fprintf(logFile, "Max. physical memory usage: %.2f mb (%d bytes)\n", memory.peak / kMebibyte,
+                 int(memory.peak));
+    std::fprintf(logFile, "Total allocated memory (vnfMalloc): %.2f mb (%u bytes)\n",
+                 memory.totalBytes / kMebibyte, memory.totalBytes);
+    std::fflush(logFile);
+}
+
+// The blank's entity has no semicolon; logs have always read so, and browsers accept it.
+void translateToHtml(const char *text, char (&result)[kTextSize]) {
+    std::size_t length = 0;
+    for (; *text; ++text) {
+        char single[2] = {*text, '\0'};
+        const char *piece = single;
+        if (text[0] == '\n') piece = "<BR>\n";
+        if (text[0] == ' ' && text[1] == ' ') piece = "&nbsp";
+        std::size_t pieceLength = std::strlen(piece);
+        if (length + pieceLength >= sizeof result) break;
+        std::memcpy(result + length, piece, pieceLength);
+        length += pieceLength;
+    }
+    result[length] = '\0';
+}
+
+// The library's load and unload steps. With the earliest priority the identifiers are there for every other
+// static object of the library; a static object that outlives this one finds no table, which releaseId
+// tolerates.
+struct LibraryLife {
+    LibraryLife() {
+        vnfOpenLog(nullptr);
+        vnfSetLogEcho(false);
+    }
+    ~LibraryLife() { vnfCloseLog(); }
+};
+
+#if defined(__GNUC__)
+__attribute__((init_priority(101)))
+#endif
+LibraryLife libraryLife;
+
+}  // namespace
+
+bool vnfOpenLog(const char *path) {
+    if (path) {
+        if (logFile) return false;
+        logFile = std::fopen(path, "wt");
+        if (!logFile) return false;
+        // Never cleared again: applications get every later log of the process as HTML as well.
+        if (std::strstr(path, ".html")) html = true;
+        if (html) write("<HTML><BODY>");
+    }
+    keltra::restartMemoryPeak();
+    TimeText now = localTime();
+    keltra::takeIdentifierTable();
+    keltra::freeAllTimers();
+    if (logFile) writeOpeningBanner(now.text);
+    return true;
+}
+
+bool vnfCloseLog() {
+    keltra::dropIdentifierTable();
+    if (!logFile) return true;
+    TimeText now = localTime();
+    if (html)
+        std::fprintf(logFile, "<H4>\n%s", kHtmlRule);
+    else
+        std::fprintf(logFile, "\n%s", kTextRule);
+    writeMemorySummary(keltra::memoryCounters());
+    std::fprintf(logFile, "[%s terminated at %s]\n", kLibraryName, now.text);
+    if (html) write("</H4></BODY></HTML>");
+    std::fclose(logFile);
+    logFile = nullptr;
+    return true;
+}
+
+bool vnfLog(const char *format, ...) {
+    if (!logFile || !format) return false;
+    char text[kTextSize];
+    std::va_list arguments;
+    va_start(arguments, format);
+    int length = std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    if (length < 0) return false;
+    if (echoing) std::fputs(text, stdout);
+    if (!html) {
+        write(text);
+        return true;
+    }
+    char translated[kTextSize];
+    translateToHtml(text, translated);
+    write(translated);
+    return true;
+}
+
+void vnfSetLogEcho(bool echo) { echoing = echo; }

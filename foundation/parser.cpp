@@ -1,0 +1,176 @@
+#include <keltra/foundation.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr std::size_t kLineSize = 256;
+constexpr long kLargestFile = INT32_MAX - 2;  // the position may come to rest two bytes past the contents
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
+
+const char *find(const char *begin, const char *end, char wanted) {
+    return static_cast<const char *>(std::memchr(begin, wanted, std::size_t(end - begin)));
+}
+
+bool isText(const vnfParser *parser) { return parser && parser->buffer && parser->size > 0; }
+
+// Copies the line at `position` into `line` (kLineSize characters) and moves the position behind it.
+bool readLine(const vnfParser &parser, std::int32_t &position, char *line) {
+    if (position < 0 || position >= parser.size) return false;
+    const char *begin = parser.buffer + position;
+    const char *contentsEnd = parser.buffer + parser.size;
+    const char *stop = find(begin, contentsEnd, '\n');
+    std::size_t length, consumed;
+    if (stop) {
+        length = std::size_t(stop - begin);
+        consumed = length + 1;
+    } else if ((stop = find(begin, contentsEnd, '\r'))) {
+        // Meant: before a lone carriage return the last character is lost. Settings files are written around
+        // it.
+        length = stop > begin ? std::size_t(stop - begin) - 1 : 0;
+        consumed = std::size_t(stop - begin) + 1;
+    } else {
+        // The last line reaches over the spare byte, which is then dropped again, so it is never read.
+        length = std::size_t(contentsEnd - begin);
+        consumed = length + 2;
+    }
+    length = std::min(length, kLineSize - 1);
+    std::memcpy(line, begin, length);
+    line[length] = '\0';
+    position += std::int32_t(consumed);
+    return true;
+}
+
+void squeeze(char *line) {
+    char *kept = line;
+    for (const char *read = line; *read; ++read)
+        if (*read != ' ' && *read != '\t') *kept++ = *read;
+    *kept = '\0';
+}
+
+// Looks the key up from the beginning of the text. Returns the value text inside `line`, null without the
+// key.
+const char *findValue(const vnfParser &parser, const char *key, char (&line)[kLineSize]) {
+    std::int32_t cursor = 0;
+    while (readLine(parser, cursor, line)) {
+        squeeze(line);
+        const char *match = std::strstr(line, key);
+        if (!match) continue;
+        const char *separator = match + std::strlen(key);
+        return *separator ? separator + 1 : separator;
+    }
+    return nullptr;
+}
+
+int toInt(const char *text) {
+    long value = std::strtol(text, nullptr, 10);
+    return int(std::clamp<long>(value, INT_MIN, INT_MAX));
+}
+
+}  // namespace
+
+bool vnfOpenParser(vnfParser *parser, const char *path) {
+    if (!parser || !path) {
+        vnfLog("vnfOpenParser: invalid params\n");
+        return false;
+    }
+    File file(std::fopen(path, "rb"), std::fclose);
+    if (!file) {
+        vnfLog("vnfOpenParser: unable to open file %s\n", path);
+        return false;
+    }
+    long size = std::fseek(file.get(), 0, SEEK_END) == 0 ? std::ftell(file.get()) : 0;
+    if (size < 1) {
+        vnfLog("vnfOpenParser: file '%s' is empty\n", path);
+        return false;
+    }
+    if (size > kLargestFile || std::fseek(file.get(), 0, SEEK_SET) != 0) {
+        vnfLog("vnfOpenParser: file '%s' is corrupted\n", path);
+        return false;
+    }
+    unsigned int needed = static_cast<unsigned int>(size) + 1;
+    char *buffer = static_cast<char *>(vnfMalloc(needed));
+    if (!buffer) {
+        vnfLog("vnfOpenParser: out of memory (%u bytes needed)\n", needed);
+        return false;
+    }
+    if (std::fread(buffer, 1, std::size_t(size), file.get()) != std::size_t(size)) {
+        // Meant: released behind the counters' back, so the log's summary shows the broken file as one live
+        // block.
+        std::free(buffer);
+        vnfLog("vnfOpenParser: file '%s' is corrupted\n", path);
+        return false;
+    }
+    parser->buffer = buffer;
+    parser->size = std::int32_t(size);
+    parser->position = 0;
+    return true;
+}
+
+bool vnfCloseParser(vnfParser *parser) {
+    if (!parser) {
+        vnfLog("vnfCloseParser: invalid params\n");
+        return false;
+    }
+    if (!parser->buffer) {
+        vnfLog("vnfCloseParser: parser already free\n");
+        return false;
+    }
+    vnfFree(parser->buffer);
+    *parser = vnfParser();
+    return true;
+}
+
+bool vnfRemoveComments(vnfParser *parser, char mark) {
+    if (!isText(parser)) return false;
+    bool found = false;
+    char *end = parser->buffer + parser->size;
+    for (char *byte = parser->buffer; byte != end;) {
+        if (*byte != mark) {
+            ++byte;
+            continue;
+        }
+        found = true;
+        do {
+            *byte++ = ' ';
+        } while (byte != end && *byte != '\n' && *byte != '\r');
+    }
+    return found;
+}
+
+bool vnfReadLine(vnfParser *parser, char *line) {
+    if (!isText(parser) || !line) return false;
+    return readLine(*parser, parser->position, line);
+}
+
+bool vnfParseInt(vnfParser *parser, const char *key, int *value) {
+    if (!isText(parser) || !key || !value) return false;
+    char line[kLineSize];
+    const char *text = findValue(*parser, key, line);
+    if (!text) return false;
+    *value = toInt(text);
+    return true;
+}
+
+bool vnfParseString(vnfParser *parser, const char *key, char *value) {
+    if (!isText(parser) || !key || !value) return false;
+    char line[kLineSize];
+    const char *text = findValue(*parser, key, line);
+    if (!text) return false;
+    std::memcpy(value, text, std::strlen(text) + 1);
+    const char *first = std::strchr(value, '"');
+    const char *last = std::strrchr(value, '"');
+    // Meant: with fewer than two quotes the caller keeps the raw rest of the line, although the key counts as
+    // missing.
+    if (!first || first == last) return false;
+    std::size_t length = std::size_t(last - first) - 1;
+    std::memmove(value, first + 1, length);
+    value[length] = '\0';
+    return true;
+}

@@ -1,0 +1,74 @@
+#include <keltra/foundation.h>
+
+#include "foundation/lifecycle.h"
+#include "platform/platform.h"
+
+namespace {
+
+constexpr unsigned int kTimers = 8;
+
+struct Timer {
+    float fps;
+    float factor;
+    float base;  // 0.0 marks a free timer
+    std::int64_t frequency;
+    std::int64_t now;
+    std::int64_t last;
+};
+
+Timer timers[kTimers];
+
+// Null, with a line in the log, for a bad index or a free timer.
+Timer *findTimer(int index, const char *caller) {
+    if (static_cast<unsigned int>(index) < kTimers && timers[index].base != 0.0f) return &timers[index];
+    vnfLog("%s: wrong params\n", caller);
+    return nullptr;
+}
+
+}  // namespace
+
+void keltra::freeAllTimers() {
+    for (Timer &timer : timers) timer.base = 0.0f;
+}
+
+int vnfNewTimer(float base) {
+    for (unsigned int index = 0; index < kTimers; ++index) {
+        Timer &timer = timers[index];
+        if (timer.base != 0.0f) continue;
+        timer.base = base;
+        timer.last = keltra::platformCounter();
+        timer.frequency = keltra::platformCounterFrequency();
+        return int(index);
+    }
+    vnfLog("vnfNewTimer: no more timers\n");
+    return -1;
+}
+
+bool vnfFreeTimer(int index) {
+    Timer *timer = findTimer(index, "vnfFreeTimer");
+    if (!timer) return false;
+    timer->base = 0.0f;
+    return true;
+}
+
+bool vnfAdjournTimer(int index) {
+    Timer *timer = findTimer(index, "vnfAdjournTimer");
+    if (!timer) return false;
+    timer->now = keltra::platformCounter();
+    timer->factor = float(timer->now - timer->last) / (float(timer->frequency) / timer->base);
+    // Two frames in one tick, and a negative base, would give a rate without meaning.
+    if (timer->factor <= 0.0f) timer->factor = 1.0f;
+    timer->fps = timer->base / timer->factor;
+    timer->last = timer->now;
+    return true;
+}
+
+float vnfGetTimerFactor(int index) {
+    const Timer *timer = findTimer(index, "vnfGetTimerFactor");
+    return timer ? timer->factor : -1.0f;
+}
+
+float vnfGetTimerFps(int index) {
+    const Timer *timer = findTimer(index, "vnfGetTimerFps");
+    return timer ? timer->fps : -1.0f;
+}

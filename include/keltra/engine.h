@@ -1,0 +1,121 @@
+#ifndef KELTRA_ENGINE_H
+#define KELTRA_ENGINE_H
+
+// The engine: start-up and shut-down, the frame, loading, picking, and the counters that everything shares. All members
+// are static. A frame is: clear, begin3D(camera), pass of the nodes to draw, end3D, begin2D, pass of the interface,
+// end2D, swap.
+
+#include <keltra/export.h>
+
+class KTCAMERA;
+class KTNODE;
+class KTSETTINGS;
+
+class KT_API KELTRA {
+   public:
+    /** Opens the window and starts every subsystem; null stands for default settings. False when active or when a step
+     *  fails; everything that was started is shut down again then. */
+    static bool init(KTSETTINGS *settings);
+    /** Destroys all resources and shuts everything down; false when not active. */
+    static bool free();
+    static bool isActive() { return active; }
+
+    /** Starts a frame: chooses the render target and clears the chosen buffers. Always true. */
+    static bool clear(bool color, bool depth, bool stencil);
+    /** Starts the 3D pass, seen from `camera`; null stands for a camera at the origin. Always true. */
+    static bool begin3D(KTCAMERA *camera);
+    /** Sorts and draws what was passed. The argument is not used. Always true. */
+    static bool end3D(bool = false);
+    /** Starts the 2D pass: one unit is one pixel, the origin is top left, y grows downward. Always true. */
+    static bool begin2D();
+    /** Sorts and draws what was passed since `begin2D`, lights and meshes left out. Always true. */
+    static bool end2D();
+    /** Ends the frame and shows it; true when the buffers were swapped. */
+    static bool swap();
+
+    /** Code of the mesh drawn at a point of the window (pixels from the top left): its `auxId`, or its `id` when that is 0, as
+     *  far as the screen's colours hold it (16 or 24 bits); 0 for the background. To be called between `end3D` and
+     *  `begin2D` of a frame; the pixel at the point is spoilt until the next `clear`. */
+    static unsigned int select(int x, int y);
+
+    /** Advances the frame timer unless this frame has already done so. */
+    static void updateTimer();
+    /** Frames per second, and seconds, of the last frame; -1 while not active. */
+    static float getFPS();
+    static float getFPSfactor();
+    /** Frame counter: 65536 at first, one more at each `begin3D`. */
+    static long int getTimeStamp() { return timeStamp; }
+
+    /** Video memory in bytes: budget (8 MiB), used, and their difference, which wraps around when the budget is
+     *  exceeded. `pushVideoMemory` and `popVideoMemory` are bookkeeping without a limit and return the bytes used. */
+    static unsigned int getVideoMemory() { return videoMemoryTotal; }
+    static unsigned int getUsedVideoMemory() { return videoMemoryUsed; }
+    static unsigned int getFreeVideoMemory() { return videoMemoryTotal - videoMemoryUsed; }
+    static unsigned int pushVideoMemory(unsigned int bytes) { return videoMemoryUsed += bytes; }
+    static unsigned int popVideoMemory(unsigned int bytes) { return videoMemoryUsed -= bytes; }
+
+    /** Prefix of scene file names, up to 255 characters; null empties it. */
+    static void setKTEPath(const char *path);
+    static char *getKTEPath() { return ktePath; }
+    /** Loads the scene file KTE path + `fileName` and returns the root of the new tree, which the list of nodes owns.
+     *  Null for a missing or damaged file, which leaves nothing behind. A name with ".xml" or ".XML" in it is handed to
+     *  `loadXML`. */
+    static KTNODE *load(const char *fileName);
+    /** Loads an interface description. Null on failure, and always as long as the engine has no interface classes. */
+    static KTNODE *loadXML(const char *fileName);
+    /** Reads the node record at `buffer + *cursor` and its subtree. It trusts that whole records stand there. Null on bad
+     *  data or when out of memory. */
+    static KTNODE *recursiveLoad(const char *buffer, long *cursor, KTNODE *parent);
+    /** Binds the skins of all meshes below `node` to the bones below `root`. Always true. */
+    static bool recursiveInitBones(KTNODE *root, KTNODE *node);
+
+    /** Node whose first child is drawn around the eye, before everything else; null for none. Not owned; forgotten when the
+     *  node is destroyed. */
+    static void setSkybox(KTNODE *node);
+    static KTNODE *getSkybox() { return skybox; }
+
+    /** Draw the edges of triangles instead of their faces. */
+    static void wireframeOn() { wireframe = true; }
+    static void wireframeOff() { wireframe = false; }
+    static bool isWireframed() { return wireframe; }
+    /** Takes effect only where shaders support shadows. */
+    static void shadowingOn();
+    static void shadowingOff() { shadowing = false; }
+    static bool isShadowed() { return shadowing; }
+    static void skipShadowsGeneration() { skipShadows = true; }
+    static void bloomingOn() { blooming = true; }
+    static void bloomingOff() { blooming = false; }
+    static bool isBlooming() { return blooming; }
+    static void setBloomingIntensity(float value) { bloomingIntensity = value; }
+    static float getBloomingIntensity() { return bloomingIntensity; }
+    static void HDROn() { HDR = true; }
+    static void HDROff() { HDR = false; }
+    static bool isHDR() { return HDR; }
+    static void setHDRExposure(float value) { HDRExposure = value; }
+    static float getHDRExposure() { return HDRExposure; }
+    static void DOFOn() { DOF = true; }
+    static void DOFOff() { DOF = false; }
+    static void setDOFFocus(float distance) { DOFFocus = distance; }
+    static float getDOFFocus() { return DOFFocus; }
+    static void setDOFRange(float distance) { DOFRange = distance; }
+    static float getDOFRange() { return DOFRange; }
+    /** Does nothing; video textures are advanced by their own update. */
+    static void updateVideo() {}
+
+    static bool active;
+    static bool wireframe, shadowing, blooming, HDR, DOF, skipShadows;
+    static bool renderingOnFbo;
+    static int timer;
+    static long int timeStamp;
+    static float bloomingIntensity;
+    static float HDRExposure, HDRCurrentLuminance;
+    static float DOFFocus, DOFRange;
+    static unsigned int videoMemoryTotal, videoMemoryUsed;
+    static KTNODE *skybox;
+    static char ktePath[256];
+
+   private:
+    static bool timerUpdated;
+};
+
+#endif

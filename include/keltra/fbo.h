@@ -1,0 +1,70 @@
+#ifndef KELTRA_FBO_H
+#define KELTRA_FBO_H
+
+// Off-screen targets on a GL without frame buffer objects: a target records a size and a texture and switches the
+// viewport, and only while `KTOPENGL::FBOFlag` is set, which the engine never does. All targets are on one list, which owns them.
+
+#include <keltra/registered.h>
+
+class KTFBO;
+class KTSHADER;
+class KTTEXTURE;
+extern template class KT_API KTREGISTERED<KTFBO>;
+
+class KT_API KTFBO : public KTREGISTERED<KTFBO> {
+   public:
+    KTFBO();
+    KTFBO(const KTFBO &other);
+    KTFBO &operator=(const KTFBO &other);
+    ~KTFBO();
+
+    /** True when targets can be used (`KTOPENGL::FBOFlag`). */
+    bool isOk() const;
+    /** Records the texture and takes its size; false for null or while targets are off. The texture is not owned. */
+    bool bindTexture(int attachment, KTTEXTURE *target);
+    /** Records a size in pixels; false while targets are off. */
+    bool bindRenderBuffer(int type, int width, int height);
+    /** Makes this the current target and sets its viewport, once. Always true. */
+    bool render(void *data);
+    /** Goes back to the screen; the viewport is not restored. */
+    static void unbind();
+    /** True; no effect. */
+    bool blur(KTFBO *target, KTSHADER *shader, int passes);
+    bool computeLuminance(float *luminance);
+    /** Destroys every target; false when there is none. */
+    static bool cleanUp();
+    static unsigned int getNumberOfFbos();
+    /** The current target; null for the screen. */
+    static KTFBO *getCurrent() { return currentFbo; }
+
+    unsigned int getId() const { return id; }
+    const char *getName() const { return name; }
+    KTTEXTURE *getTexture() const { return texture; }
+    int getSizeX() const { return sizeX; }
+    int getSizeY() const { return sizeY; }
+    unsigned int getGLId() const { return glId; }
+    static KTFBO *getFirst() { return firstFbo; }
+    KTFBO *getNext() const { return isRegistered() ? registeredNext() : next; }
+    KTFBO *getPrevious() const { return isRegistered() ? registeredPrevious() : previous; }
+
+    unsigned int id;
+    char name[256];
+    KTFBO *previous, *next;
+    KTTEXTURE *texture;
+    int sizeX, sizeY;
+    unsigned int glId;
+
+    static KTFBO *firstFbo;
+    static KTFBO *currentFbo;
+
+   private:
+    friend class KTREGISTERED<KTFBO>;
+    friend class KTTEXTURE;
+    static void setLink(KTFBO &target, KTFBO *before, KTFBO *after);
+    static void setFirst(KTFBO *first) { firstFbo = first; }
+    static void letGo(KTFBO &target);
+    static void forgetTexture(const KTTEXTURE *gone);
+    void copyFields(const KTFBO &other);
+};
+
+#endif

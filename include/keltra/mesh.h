@@ -1,0 +1,147 @@
+#ifndef KELTRA_MESH_H
+#define KELTRA_MESH_H
+
+// Triangle meshes in 16.16 fixed point, rigid or skinned. A mesh comes from a scene file (`KELTRA::load`); it
+// refers to a material, which it does not own. A skinned mesh follows nodes of the tree, its bones, whose
+// matrices the frame's pass collects into one of 16 slots: a seventeenth skinned mesh of a frame is not
+// drawn.
+
+#include <cstdint>
+
+#include <keltra/node.h>
+
+class KTELEMENT;
+class KTMATERIAL;
+
+namespace keltra {
+struct MeshRecord;
+}
+
+/** One bone of a skin. */
+struct KTBONE {
+    char name[256];
+    KTNODE *node;                 // the node that drives the bone, or null; compared, never followed
+    R3XMATRIX inverseBindMatrix;  // inverse of the node's matrix relative to the node "HumanoidRoot" in the
+                                  // bind pose
+};
+
+class KT_API KTMESH : public KTNODE {
+   public:
+    static const unsigned int maxSkins = 16;   // skinned meshes a frame
+    static const unsigned int maxBones = 100;  // bones a skin
+
+    KTMESH();
+    /** A copy shares the geometry and holds no use of the material. */
+    KTMESH(const KTMESH &other);
+    KTMESH &operator=(const KTMESH &other);
+    ~KTMESH() override;
+
+    /** Refers to a material (null for none) and counts the use in both the old and the new one. */
+    void setMaterial(KTMATERIAL *value);
+    KTMATERIAL *getMaterial() const { return material; }
+    void setShadowCaster(bool status) { shadowCaster = status; }
+    bool getShadowCaster() const { return shadowCaster; }
+    /** A mesh whose display status is off is neither passed nor drawn. */
+    void setDisplayStatus(bool status) { hidden = !status; }
+    bool isHidden() const { return hidden; }
+    bool isClosed() const { return closed; }
+    bool isSkinned() const { return numberOfInfluences != 0; }
+    float getRadius() const { return radius; }
+    R3XVECTOR3D getMinimum() const { return minimum; }
+    R3XVECTOR3D getMaximum() const { return maximum; }
+    unsigned int getNumberOfVertices() const { return numberOfVertices; }
+    unsigned int getNumberOfUVs() const { return numberOfUVs; }
+    unsigned int getNumberOfFaces() const { return numberOfFaces; }
+    unsigned int getNumberOfBones() const { return numberOfBones; }
+    /** `numberOfVertices` x 3 values in 16.16. */
+    std::int32_t *getVertexNormalPtr() const { return vertexNormals; }
+    /** `numberOfFaces` x 3 floats. */
+    float *getFaceNormalPtr() const { return faceNormals; }
+
+    /** Makes the pool of bone matrices; false when it is made already or out of memory. Called by
+     *  `KELTRA::init`. */
+    static bool init();
+    /** Releases the pool; always true. */
+    static bool free();
+    /** Starts a frame: all slots are free, all client arrays off. */
+    static void reset();
+    /** Draws a line along each vertex normal in normal drawing, while switched on. */
+    static void showNormals() { normalsShown = true; }
+    static void hideNormals() { normalsShown = false; }
+
+    /** Reads the body of one mesh record at `buffer + *cursor` and advances the cursor; `oldVersion` for a v1.5a
+     *  file. It trusts that a whole record stands there. The node gets its number of children, all empty. Null
+     *  on bad data or when out of memory. */
+    static KTNODE *load(const char *buffer, long *cursor, bool oldVersion);
+    /** Finds the skin's bones (mesh nodes: only those feed a skin) by name below `root` and takes their present pose, relative to the node
+     *  "HumanoidRoot", as bind pose. A bone that is not found gets no node and the identity. False for null. */
+    bool resetBones(KTNODE *root);
+    /** Skins the vertices with the matrices of pool slot `slot`; false for 16 (no slot left) and beyond. */
+    bool animate(unsigned int slot);
+    /** Draws the mesh. `data` is its `KTELEMENT`; false when it is null or the skin got no slot. */
+    bool render(void *data) override;
+
+    float radius;  // bounding radius; -1 for none
+    R3XVECTOR3D minimum;
+    R3XVECTOR3D maximum;
+    KTMATERIAL *material;
+    bool shadowCaster;
+    bool closed;
+    bool hidden;
+    std::uint16_t numberOfVertices;
+    std::uint16_t numberOfUVs;
+    std::uint16_t numberOfFaces;
+    std::uint16_t numberOfInfluences;  // per vertex; 0 for a rigid mesh
+    std::uint16_t numberOfBones;
+    void *dataBlock;               // holds the five arrays that follow
+    std::int32_t *vertices;        // numberOfVertices x 3, 16.16
+    std::int32_t *vertexNormals;   // numberOfVertices x 3, 16.16
+    float *faceNormals;            // numberOfFaces x 3
+    std::int32_t *uvs;             // numberOfUVs x 2, 16.16
+    std::uint16_t *faces;          // numberOfFaces x 3 vertex indices
+    std::uint8_t *influenceBones;  // numberOfVertices x numberOfInfluences
+    float *influenceWeights;       // numberOfVertices x numberOfInfluences
+    float *influenceBonesFloat;    // the bone indices as floats, for shaders
+    KTBONE *bones;
+    std::int32_t *skinnedVertices;  // numberOfVertices x 3, 16.16; null for a rigid mesh
+    std::int32_t *skinnedNormals;   // numberOfVertices x 3, 16.16
+
+    /** Pool of bone matrices: `maxSkins` x `maxBones`; null outside `init` and `free`. */
+    static R3XMATRIX *boneMatrices;
+    /** The mesh of each slot in use; null in an entry whose mesh was destroyed. */
+    static KTMESH *slotMesh[maxSkins];
+    /** Slots in use this frame. */
+    static unsigned int usedSlots;
+    /** Skin matrices of the mesh being drawn; for shaders as quaternion and translation. */
+    static R3XMATRIX skinMatrices[maxBones];
+    static float boneQuaternions[maxBones][4];
+    static float boneTranslations[maxBones][3];
+    static bool normalsShown;
+
+   private:
+    friend class KTMATERIAL;
+    struct DRAWING;
+    void copyMesh(const KTMESH &other);
+    void releaseMesh();
+    static void forgetMaterial(KTMATERIAL *gone);
+    bool build(const keltra::MeshRecord &record);
+    bool buildGeometry(const keltra::MeshRecord &record);
+    bool buildSkin(const keltra::MeshRecord &record);
+    unsigned int countPoolBones() const;
+    bool usesSkinningShader() const;
+    bool makeSkinnedArrays();
+    bool skinVertices(unsigned int boneCount);
+    void beginSpecialPass() const;
+    void renderMaterial(const KTELEMENT &element);
+    DRAWING prepareDrawing(bool special);
+    static void draw(const DRAWING &drawing);
+    void drawNormals(const DRAWING &drawing);
+    bool makeLineIndices();
+    bool makeNormalLines(const DRAWING &drawing);
+
+    std::uint16_t *lineIndices;  // wireframe, made when first drawn
+    std::int32_t *normalLines;   // two ends a vertex, made when first drawn
+    bool holdsMaterial;
+};
+
+#endif

@@ -1,0 +1,208 @@
+#ifndef KELTRA_NODE_H
+#define KELTRA_NODE_H
+
+// Nodes: everything that is drawn hangs in a tree of KTNODE. A node has a local transform (position plus origin, then
+// rotation about X, Y, Z in degrees; or an explicit matrix), a name and an identifier. Every node is also on one
+// list of all nodes in creation order, which owns the nodes made with `new`; a parent does not own its children.
+// Trees nest at most 256 deep: what hangs deeper is neither searched nor drawn.
+
+#include <keltra/matrix.h>
+#include <keltra/registered.h>
+#include <keltra/vector.h>
+
+/** Node type codes, as `KTNODE::type` holds them. */
+enum KT_NODE_TYPE {
+    KT_NODE = 0,
+    KT_ROOT = 1,
+    KT_LIGHT = 2,
+    KT_MESH = 3,
+    KT_CAMERA = 4,
+    KT_EMITTER = 5,
+    KT_SKYDOME = 6,
+    KT_WATER = 7,
+    KT_TERRAIN = 8,
+    KT_HELPER = 9,
+    KT_SOUND = 10,
+    KT_BOX = 11,
+    KT_LABEL = 12,
+    KT_BUTTON = 13,
+    KT_WINDOW = 14,
+    KT_TEXTFIELD = 15,
+    KT_HSCROLLBAR = 16,
+    KT_VSCROLLBAR = 17,
+    KT_CUSTOM = 18
+};
+
+class KTNODE;
+extern template class KT_API KTREGISTERED<KTNODE>;
+
+/** A node of the scene: a transform, a name and children. Draws nothing itself. */
+class KT_API KTNODE : public KTREGISTERED<KTNODE> {
+   public:
+    /** Takes a new identifier, the name "[node <id>]" and the tail of the list of all nodes. */
+    KTNODE();
+    /** The same as `KTNODE()`; the argument is not used. */
+    explicit KTNODE(bool);
+    /** Copies every field, identifier, name, links and child array included; a copy is on no list and has no children
+     *  of its own to give away: it shares the array until it is linked to or unlinked from. */
+    KTNODE(const KTNODE &other);
+    KTNODE &operator=(const KTNODE &other);
+    /** Gives the identifier back and leaves the list. Children stay alive without a parent; the parent keeps its count
+     *  of children, with an empty (null) entry in this node's place. */
+    virtual ~KTNODE();
+    /** Draws the node. `data` is the node's `KTELEMENT` of this frame. A plain node draws nothing and returns false. */
+    virtual bool render(void *data);
+
+    /** Destroys every node; false when there is none. */
+    static bool cleanUp();
+    static unsigned int getNumberOfNodes();
+    /** First node of the list of all nodes in creation order; null when there is none. */
+    static KTNODE *getFirstNode();
+    KTNODE *getNextNode() const;
+    KTNODE *getPreviousNode() const;
+
+    /** Appends this node to the children of `parent`. False, with nothing changed, when `parent` is null or this node,
+     *  or when this node already has a parent. Linking below one's own descendant is not detected. */
+    bool link(KTNODE *parent);
+    /** Takes this node from its parent's children; false without a parent or when the parent does not list it. An only
+     *  child is taken without being compared. */
+    bool unlink();
+    /** Hands the children to this node's parent, in order, behind its own, and unlinks this node. False without a
+     *  parent. The node is not destroyed. When memory runs out it returns false too; children that were on their way
+     *  may then be left without a parent. */
+    bool remove();
+    KTNODE *getParent() const { return parent; }
+    bool isRoot() const { return parent == nullptr; }
+    unsigned int getNumberOfChildren() const { return numberOfChildren; }
+    /** Child `index` in linking order; null when there is no such child or it was destroyed. */
+    KTNODE *getChild(unsigned int index) const;
+
+    /** First node of that name in creation order (exact, case-sensitive); null when `name` is null or unknown. */
+    static KTNODE *findByName(const char *name);
+    static KTNODE *findById(unsigned int id);
+    /** Searches this node and its subtree, depth first, a node before its children, children in order. */
+    KTNODE *findByNameInHierarchy(const char *name);
+    KTNODE *findByIdInHierarchy(unsigned int id);
+
+    unsigned int getId() const { return id; }
+    void setAuxId(unsigned int value) { auxId = value; }
+    unsigned int getAuxId() const { return auxId; }
+    /** Sets the name; null and names of 256 characters or more leave the name as it was. */
+    void setName(const char *text);
+    const char *getName() const { return name; }
+    unsigned int getType() const { return type; }
+    /** Name of the node's type, "node" to "custom"; "unknown" for a code beyond 18. */
+    const char *getTypeName() const;
+    /** A pointer for the application; the engine neither reads nor frees it. */
+    void setData(void *pointer) { data = pointer; }
+    void *getData() const { return data; }
+    void setSharedStatus(bool status) { shared = status; }
+    bool isShared() const { return shared; }
+
+    /** Setters of position, rotation (degrees), origin (added to the position), direction and target. The forms with
+     *  two arguments keep Z. */
+    void setPosition(float x, float y);
+    void setPosition(float x, float y, float z);
+    void setPosition(R3XVECTOR3D value);
+    R3XVECTOR3D getPosition() const { return position; }
+    void setRotation(float x, float y);
+    void setRotation(float x, float y, float z);
+    void setRotation(R3XVECTOR3D value);
+    R3XVECTOR3D getRotation() const { return rotation; }
+    void setOrigin(float x, float y);
+    void setOrigin(float x, float y, float z);
+    void setOrigin(R3XVECTOR3D value);
+    R3XVECTOR3D getOrigin() const { return origin; }
+    void setDirection(float x, float y);
+    void setDirection(float x, float y, float z);
+    void setDirection(R3XVECTOR3D value);
+    R3XVECTOR3D getDirection() const { return direction; }
+    void setTarget(float x, float y);
+    void setTarget(float x, float y, float z);
+    void setTarget(R3XVECTOR3D value);
+    R3XVECTOR3D getTarget() const { return target; }
+    /** Adds to the position; the form with two arguments leaves Z alone. */
+    void move(float x, float y);
+    void move(float x, float y, float z);
+    void move(R3XVECTOR3D step);
+    /** Adds degrees to the rotation, without wrapping. */
+    void rotate(float x, float y);
+    void rotate(float x, float y, float z);
+    void rotate(R3XVECTOR3D step);
+    /** The node that a camera or a light aims at (itself: the fixed `target`); null for none. It is forgotten when that
+     *  node is destroyed. */
+    void setTargetNode(KTNODE *node);
+    KTNODE *getTargetNode() const { return targetNode; }
+    /** Stores the explicit matrix; it is used while `transformMode` is 1, which this call does not set. */
+    void setMatrix(R3XMATRIX value) { matrix = value; }
+    R3XMATRIX getMatrix() const { return matrix; }
+    /** The model-view matrix under which the node was passed last. */
+    R3XMATRIX *getCachedMatrix() { return &cachedMatrix; }
+    /** World matrix of this node; with `stopName`, the matrix up to and including the nearest ancestor of that name.
+     *  Identity when there are 64 ancestors or more. The model-view stack must be selected; its top is kept. */
+    R3XMATRIX getFinalMatrix(const char *stopName);
+
+    /** Stamps the node with the frame and queues it and its subtree for drawing (`KTELEMENT::pass`). Always true. */
+    bool pass(bool flag = false);
+    /** Writes the subtree to the run log, one line a node, two more blanks a level. */
+    static void displayTreeRecursive(KTNODE *node, int indent);
+    /** Reads the body of one plain node record at `buffer + *cursor` and advances the cursor. It trusts that a whole
+     *  record stands there; `KELTRA::load` checks files before it comes here. Null on bad data. */
+    static KTNODE *load(const char *buffer, long *cursor);
+
+    unsigned int id;
+    unsigned int auxId;
+    char name[256];
+    unsigned int type;
+    unsigned int timeStamp;
+    bool shared;
+    void *data;
+    unsigned int transformMode;
+    R3XVECTOR3D position;
+    R3XVECTOR3D rotation;
+    R3XVECTOR3D origin;
+    R3XVECTOR3D direction;
+    R3XVECTOR3D target;
+    KTNODE *targetNode;
+    R3XMATRIX matrix;
+    R3XMATRIX cachedMatrix;
+    KTNODE *previousNode;
+    KTNODE *nextNode;
+    unsigned int numberOfChildren;
+    KTNODE *parent;
+    KTNODE **children;
+
+   protected:
+    /** For the constructors of node classes: sets the type and the default name, `pattern` formatted with the id. */
+    void setIdentity(unsigned int typeCode, const char *pattern);
+
+   private:
+    friend class KTREGISTERED<KTNODE>;
+    friend class KELTRA;
+    static void setLink(KTNODE &node, KTNODE *previous, KTNODE *next);
+    static void setFirst(KTNODE *first);
+    static void letGo(KTNODE &node);
+    void copyFields(const KTNODE &other);
+    bool allocateChildren(unsigned int count);
+    void setChildren(KTNODE **block, unsigned int count);
+    unsigned int findChild(const KTNODE *child) const;
+    KTNODE *lister() const { return borrows ? listedBy : parent; }
+    void leaveLister();
+    void abandonChildren();
+    void borrow(KTNODE *listingNode);
+    void forget(const KTNODE *gone);
+    void forgetEverywhere();
+
+    static KTNODE *ancestors[64];
+    static KTNODE *firstBorrower;
+
+    // A borrower has pointers that `link` and `setTargetNode` did not give it: a copy, a node that was assigned to, a
+    // node on the stack that outlived `cleanUp`. Whatever is destroyed is looked for in all of them.
+    bool borrows;
+    bool targeted;      // some other node may aim at this one
+    unsigned int slot;  // index in the parent's children when it was linked; it can only have shrunk since
+    KTNODE *listedBy;   // of a borrower: the node whose children really list this one
+    KTNODE *previousBorrower, *nextBorrower;
+};
+
+#endif

@@ -1,0 +1,235 @@
+#include <keltra/matrix.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr float kRadiansPerDegree = 0.017453294f;
+constexpr double kInversePi = 0.31830987732601135;  // as it always was; the last digits of 1/pi are others
+constexpr float kPole = 0.998f;
+
+struct SineCosine {
+    float sine, cosine;
+};
+
+// Most rotations of a scene are by zero, and the sine of a zero is that zero: no library call.
+SineCosine sineCosine(float radians) {
+    if (radians == 0.0f) return {radians, 1.0f};
+    return {float(std::sin(double(radians))), float(std::cos(double(radians)))};
+}
+
+float degrees(double radians) { return float(radians * kInversePi) * 180.0f; }
+
+// One column of a product: the sums run over k from 0 to 3.
+inline void productColumn(const float *a, const float *b, float *result) {
+    result[0] = a[0] * b[0] + a[1] * b[4] + a[2] * b[8] + a[3] * b[12];
+    result[1] = a[0] * b[1] + a[1] * b[5] + a[2] * b[9] + a[3] * b[13];
+    result[2] = a[0] * b[2] + a[1] * b[6] + a[2] * b[10] + a[3] * b[14];
+    result[3] = a[0] * b[3] + a[1] * b[7] + a[2] * b[11] + a[3] * b[15];
+}
+
+}  // namespace
+
+R3XMATRIX::R3XMATRIX(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8,
+                     float m9, float m10, float m11, float m12, float m13, float m14, float m15)
+    : m{m0, m1, m2, m3, m4, m5, m6, m7, m8, m9, m10, m11, m12, m13, m14, m15} {}
+
+R3XMATRIX::R3XMATRIX(const float *values) : R3XMATRIX() {
+    if (values) std::copy(values, values + 16, m);
+}
+
+void R3XMATRIX::setIdentity() {
+    std::fill(m, m + 16, 0.0f);
+    m[0] = m[5] = m[10] = m[15] = 1.0f;
+}
+
+R3XVECTOR4D R3XMATRIX::getRow(int row) const {
+    if (row < 0 || row > 3) return R3XVECTOR4D(0.0f, 0.0f, 0.0f, 0.0f);
+    return R3XVECTOR4D(m[row], m[4 + row], m[8 + row], m[12 + row]);
+}
+
+R3XVECTOR4D R3XMATRIX::getColumn(int column) const {
+    if (column < 0 || column > 3) return R3XVECTOR4D(0.0f, 0.0f, 0.0f, 0.0f);
+    return R3XVECTOR4D(m + 4 * column);
+}
+
+R3XMATRIX R3XMATRIX::operator*(const R3XMATRIX &other) const {
+    R3XMATRIX result(*this);
+    productColumn(m, other.m, result.m);
+    productColumn(m + 4, other.m, result.m + 4);
+    productColumn(m + 8, other.m, result.m + 8);
+    productColumn(m + 12, other.m, result.m + 12);
+    return result;
+}
+
+R3XVECTOR4D R3XMATRIX::transform(const R3XVECTOR3D &v) const {
+    return R3XVECTOR4D(
+        m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12], m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13],
+        m[2] * v.x + m[6] * v.y + m[10] * v.z + m[14], m[3] * v.x + m[7] * v.y + m[11] * v.z + m[15]);
+}
+
+R3XVECTOR4D R3XMATRIX::transform(const R3XVECTOR2D &v) const {
+    return R3XVECTOR4D(m[0] * v.x + m[4] * v.y + m[12], m[1] * v.x + m[5] * v.y + m[13],
+                       m[2] * v.x + m[6] * v.y + m[14], m[3] * v.x + m[7] * v.y + m[15]);
+}
+
+R3XVECTOR4D R3XMATRIX::transform(const R3XVECTOR4D &v) const {
+    return R3XVECTOR4D(m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12] * v.w,
+                       m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13] * v.w,
+                       m[2] * v.x + m[6] * v.y + m[10] * v.z + m[14] * v.w,
+                       m[3] * v.x + m[7] * v.y + m[11] * v.z + m[15] * v.w);
+}
+
+R3XVECTOR3D R3XMATRIX::rotate(const R3XVECTOR4D &v) const {
+    return R3XVECTOR3D(m[0] * v.x + m[4] * v.y + m[8] * v.z, m[1] * v.x + m[5] * v.y + m[9] * v.z,
+                       m[2] * v.x + m[6] * v.y + m[10] * v.z);
+}
+
+R3XVECTOR3D R3XMATRIX::rotate(const R3XVECTOR2D &v) const {
+    return R3XVECTOR3D(m[0] * v.x + m[4] * v.y, m[1] * v.x + m[5] * v.y, m[2] * v.x + m[6] * v.y);
+}
+
+void R3XMATRIX::transpose() {
+    std::swap(m[1], m[4]);
+    std::swap(m[2], m[8]);
+    std::swap(m[3], m[12]);
+    std::swap(m[6], m[9]);
+    std::swap(m[7], m[13]);
+    std::swap(m[11], m[14]);
+}
+
+float R3XMATRIX::determinant() const {
+    return m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[8] * m[6]) +
+           m[2] * (m[4] * m[9] - m[8] * m[5]);
+}
+
+R3XMATRIX R3XMATRIX::inverse() const {
+    R3XMATRIX result;
+    float *R = result.m;
+    float r = 1.0f / determinant();
+    R[0] = (m[10] * m[5] - m[9] * m[6]) * r;
+    R[1] = -(m[10] * m[1] - m[9] * m[2]) * r;
+    R[2] = (m[6] * m[1] - m[5] * m[2]) * r;
+    R[4] = -(m[10] * m[4] - m[8] * m[6]) * r;
+    R[5] = (m[10] * m[0] - m[8] * m[2]) * r;
+    R[6] = -(m[6] * m[0] - m[4] * m[2]) * r;
+    R[8] = (m[9] * m[4] - m[8] * m[5]) * r;
+    R[9] = -(m[9] * m[0] - m[8] * m[1]) * r;
+    R[10] = (m[5] * m[0] - m[4] * m[1]) * r;
+    R[12] = -(m[14] * R[8] + m[13] * R[4] + m[12] * R[0]);
+    R[13] = -(m[14] * R[9] + m[13] * R[5] + m[12] * R[1]);
+    R[14] = -(m[14] * R[10] + m[13] * R[6] + m[12] * R[2]);
+    return result;
+}
+
+void R3XMATRIX::setRotation(float angle, float x, float y, float z) {
+    SineCosine turn = sineCosine(angle * 0.0055555557f * 3.1415927f);
+    float s = turn.sine, c = turn.cosine, u = 1.0f - c;
+    m[0] = u * x * x + c;
+    m[1] = u * y * x + s * z;
+    m[2] = u * z * x - s * y;
+    m[4] = u * x * y - s * z;
+    m[5] = u * y * y + c;
+    m[6] = s * x + u * z * y;
+    m[8] = s * y + u * z * x;
+    m[9] = u * z * y - s * x;
+    m[10] = u * z * z + c;
+    m[3] = m[7] = m[11] = m[12] = m[13] = m[14] = 0.0f;
+    m[15] = 1.0f;
+}
+
+void R3XMATRIX::setRotationX(float angle) {
+    SineCosine turn = sineCosine(angle * kRadiansPerDegree);
+    m[0] = 1.0f;
+    m[5] = m[10] = turn.cosine;
+    m[6] = turn.sine;
+    m[9] = -turn.sine;
+    m[1] = m[2] = m[3] = m[4] = m[7] = m[8] = m[11] = m[13] = m[14] = 0.0f;
+    m[12] = 1.0f;  // meant, like the untouched m[15], in all three
+}
+
+void R3XMATRIX::setRotationY(float angle) {
+    SineCosine turn = sineCosine(angle * kRadiansPerDegree);
+    m[5] = 1.0f;
+    m[0] = m[10] = turn.cosine;
+    m[2] = -turn.sine;
+    m[8] = turn.sine;
+    m[1] = m[3] = m[4] = m[6] = m[7] = m[9] = m[11] = m[13] = m[14] = 0.0f;
+    m[12] = 1.0f;
+}
+
+void R3XMATRIX::setRotationZ(float angle) {
+    SineCosine turn = sineCosine(angle * kRadiansPerDegree);
+    m[10] = 1.0f;
+    m[0] = m[5] = turn.cosine;
+    m[1] = turn.sine;
+    m[4] = -turn.sine;
+    m[2] = m[3] = m[6] = m[7] = m[8] = m[9] = m[11] = m[13] = m[14] = 0.0f;
+    m[12] = 1.0f;
+}
+
+R3XMATRIX R3XMATRIX::fromQuaternion(const R3XVECTOR4D &q) {
+    float xx = q.x * q.x, xy = q.x * q.y, xz = q.x * q.z, xw = q.x * q.w;
+    float yy = q.y * q.y, yz = q.y * q.z, yw = q.y * q.w, zz = q.z * q.z, zw = q.z * q.w;
+    m[0] = 1.0f - 2.0f * (zz + yy);
+    m[1] = 2.0f * (xy - zw);
+    m[2] = 2.0f * (yw + xz);
+    m[4] = 2.0f * (zw + xy);
+    m[5] = 1.0f - 2.0f * (zz + xx);
+    m[6] = 2.0f * (yz - xw);
+    m[8] = 2.0f * (xz - yw);
+    m[9] = 2.0f * (yz + xw);
+    m[10] = 1.0f - 2.0f * (yy + xx);
+    m[3] = m[7] = m[11] = m[12] = m[13] = m[14] = 0.0f;
+    m[15] = 1.0f;
+    return *this;
+}
+
+// Meant: the first branch and the three others disagree about the sign of the vector part. Callers compensate
+// for it, so it is not to be harmonised.
+R3XVECTOR4D R3XMATRIX::toQuaterion() const {
+    float trace = m[0] + m[5] + m[10] + 1.0f;
+    if (trace > 0.0f) {
+        float s = 0.5f / std::sqrt(trace);
+        return R3XVECTOR4D((m[9] - m[6]) * s, (m[2] - m[8]) * s, (m[4] - m[1]) * s, 0.25f / s);
+    }
+    if (m[0] > m[5] && m[0] > m[10]) {
+        float s = 2.0f * std::sqrt(m[0] + 1.0f - m[5] - m[10]);
+        return R3XVECTOR4D(0.25f * s, (m[4] + m[1]) / s, (m[8] + m[2]) / s, (m[6] - m[9]) / s);
+    }
+    if (m[5] > m[10]) {
+        float s = 2.0f * std::sqrt(m[5] + 1.0f - m[0] - m[10]);
+        return R3XVECTOR4D((m[4] + m[1]) / s, 0.25f * s, (m[9] + m[6]) / s, (m[2] - m[8]) / s);
+    }
+    float s = 2.0f * std::sqrt(m[10] + 1.0f - m[0] - m[5]);
+    return R3XVECTOR4D((m[8] + m[2]) / s, (m[9] + m[6]) / s, 0.25f * s, (m[1] - m[4]) / s);
+}
+
+R3XVECTOR4D R3XMATRIX::toQuaternionVelto() const {
+    float trace = m[0] + m[5] + m[10];
+    if (trace > 0.0f) {
+        float root = std::sqrt(trace + 1.0f), s = 0.5f / root;
+        return R3XVECTOR4D((m[6] - m[9]) * s, (m[8] - m[2]) * s, (m[1] - m[4]) * s, 0.5f * root);
+    }
+    static const int next[3] = {1, 2, 0};
+    int i = 0;
+    if (m[5] > m[0]) i = 1;
+    if (m[10] > m[5 * i]) i = 2;
+    int j = next[i], k = next[j];
+    float s = std::sqrt(m[5 * i] - (m[5 * k] + m[5 * j]) + 1.0f);
+    float q[3];
+    q[i] = 0.5f * s;
+    if (s != 0.0f) s = 0.5f / s;
+    q[j] = (m[4 * j + i] + m[4 * i + j]) * s;
+    q[k] = (m[4 * k + i] + m[4 * i + k]) * s;
+    return R3XVECTOR4D(q[0], q[1], q[2], (m[4 * j + k] - m[4 * k + j]) * s);
+}
+
+// Meant: at the poles the right angle goes to y, elsewhere that angle goes to z; callers read it so.
+R3XVECTOR3D R3XMATRIX::toEuler() const {
+    if (m[4] > kPole) return R3XVECTOR3D(degrees(std::atan2(double(m[2]), double(m[10]))), 90.0f, 0.0f);
+    if (m[4] < -kPole) return R3XVECTOR3D(degrees(std::atan2(double(m[2]), double(m[10]))), -90.0f, 0.0f);
+    return R3XVECTOR3D(degrees(std::atan2(-double(m[8]), double(m[0]))),
+                       degrees(std::atan2(-double(m[6]), double(m[5]))), degrees(std::asin(double(m[4]))));
+}

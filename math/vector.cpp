@@ -1,0 +1,115 @@
+#include <keltra/vector.h>
+
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+constexpr double kNoRotation = 0.0001;  // radians; below, an axis cannot be told
+
+template <class Vector>
+float reciprocalLength(const Vector &vector) {
+    float length = vector.length();
+    return 1.0f / (length == 0.0f ? 1.0f : length);
+}
+
+template <class Vector>
+double angleBetween(const Vector &a, const Vector &b) {
+    double lengths = std::sqrt(double(b.squaredLength())) * std::sqrt(double(a.squaredLength()));
+    double angle = std::acos(double(a % b) / lengths);
+    return std::isnan(angle) ? 0.0 : angle;
+}
+
+}  // namespace
+
+float &R3XVECTOR2D::operator[](int index) {
+    switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        default:
+            std::exit(1);
+    }
+}
+
+const float &R3XVECTOR2D::operator[](int index) const { return const_cast<R3XVECTOR2D &>(*this)[index]; }
+
+float R3XVECTOR2D::length() const { return std::sqrt(squaredLength()); }
+
+R3XVECTOR2D R3XVECTOR2D::normalize() { return *this *= reciprocalLength(*this); }
+
+double R3XVECTOR2D::angle(const R3XVECTOR2D &other) const { return angleBetween(*this, other); }
+
+float &R3XVECTOR3D::operator[](int index) {
+    switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        case 2:
+            return z;
+        default:
+            std::exit(1);
+    }
+}
+
+const float &R3XVECTOR3D::operator[](int index) const { return const_cast<R3XVECTOR3D &>(*this)[index]; }
+
+float R3XVECTOR3D::length() const { return std::sqrt(squaredLength()); }
+
+R3XVECTOR3D R3XVECTOR3D::normalize() { return *this *= reciprocalLength(*this); }
+
+double R3XVECTOR3D::angle(const R3XVECTOR3D &other) const { return angleBetween(*this, other); }
+
+float &R3XVECTOR4D::operator[](int index) {
+    switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        case 2:
+            return z;
+        case 3:
+            return w;
+        default:
+            std::exit(1);
+    }
+}
+
+const float &R3XVECTOR4D::operator[](int index) const { return const_cast<R3XVECTOR4D &>(*this)[index]; }
+
+float R3XVECTOR4D::length() const { return std::sqrt(squaredLength()); }
+
+R3XVECTOR4D R3XVECTOR4D::normalize() { return *this *= reciprocalLength(*this); }
+
+// The fourth term takes z a second time; callers compare distances that were measured so.
+float R3XVECTOR4D::distance(const R3XVECTOR3D &other) const {
+    float dx = other.x - x, dy = other.y - y, dz = other.z - z, dw = other.z - w;
+    return std::sqrt(dx * dx + dy * dy + dz * dz + dw * dw);
+}
+
+double R3XVECTOR4D::angle(const R3XVECTOR4D &other) const { return angleBetween(*this, other); }
+
+R3XVECTOR4D R3XVECTOR4D::quaternionSetEulers(float a, float b, float c) {
+    float sa = float(std::sin(a / 2.0)), ca = float(std::cos(a / 2.0));
+    float sb = float(std::sin(b / 2.0)), cb = float(std::cos(b / 2.0));
+    float sc = float(std::sin(c / 2.0)), cc = float(std::cos(c / 2.0));
+    x = sc * cb * sa + cc * sb * ca;
+    y = cc * cb * sa - sc * sb * ca;
+    z = sc * cb * ca - cc * sb * sa;
+    w = sc * sb * sa + cc * cb * ca;
+    return *this;
+}
+
+R3XVECTOR4D R3XVECTOR4D::quaternionGetAxisAngles() const {
+    float angle = float(2.0 * std::acos(double(w)));
+    if (std::fabs(double(angle)) < kNoRotation) return R3XVECTOR4D(0.0f, 1.0f, 0.0f, angle);
+    R3XVECTOR3D axis = R3XVECTOR3D(x, y, z) / float(std::sin(angle / 2.0));
+    return R3XVECTOR4D(axis.x, axis.y, axis.z, angle);
+}
+
+R3XVECTOR4D R3XVECTOR4D::quaternionMultiply(const R3XVECTOR4D &q) const {
+    return R3XVECTOR4D(w * q.x + x * q.w + y * q.z - z * q.y, w * q.y + y * q.w + z * q.x - x * q.z,
+                       w * q.z + z * q.w + x * q.y - y * q.x, w * q.w - x * q.x - y * q.y - z * q.z);
+}

@@ -1,0 +1,97 @@
+#include "platform/platform.h"
+
+#include <SDL_syswm.h>
+
+#include <dlfcn.h>
+#include <sys/sysinfo.h>
+#include <time.h>
+
+namespace keltra {
+namespace {
+
+constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
+constexpr int kLargestWindow = 32767;  // the X server ends the process over a size that it cannot hold
+
+#if defined(SDL_VIDEO_DRIVER_X11)
+// SDL brings libX11 into the process when it opens a window on X, so the engine does not link it.
+class LoadedX11 {
+   public:
+    LoadedX11() : library(dlopen("libX11.so.6", RTLD_LAZY | RTLD_NOLOAD)) {}
+    ~LoadedX11() {
+        if (library) dlclose(library);
+    }
+    LoadedX11(const LoadedX11 &) = delete;
+    LoadedX11 &operator=(const LoadedX11 &) = delete;
+
+    template <class Function>
+    Function *find(const char *name) const {
+        return library ? reinterpret_cast<Function *>(dlsym(library, name)) : nullptr;
+    }
+
+   private:
+    void *library;
+};
+
+static_assert(sizeof(Window) <= sizeof(void *), "an X window identifier travels in a pointer");
+#endif
+
+}  // namespace
+
+std::int64_t platformCounter() {
+    timespec now;
+    if (clock_gettime(CLOCK_MONOTONIC, &now) != 0) return 0;
+    return now.tv_sec * kNanosecondsPerSecond + now.tv_nsec;
+}
+
+std::int64_t platformCounterFrequency() { return kNanosecondsPerSecond; }
+
+PhysicalMemory platformMemory() {
+    struct sysinfo info;
+    if (sysinfo(&info) != 0) return {0, 0};
+    std::uint64_t unit = info.mem_unit;
+    return {info.totalram * unit, (std::uint64_t(info.freeram) + info.bufferram) * unit};
+}
+
+LocalTime platformLocalTime() {
+    timespec now;
+    tm fields;
+    if (clock_gettime(CLOCK_REALTIME, &now) != 0 || !localtime_r(&now.tv_sec, &fields)) return {};
+    return {unsigned(fields.tm_mday),       unsigned(fields.tm_mon + 1), unsigned(fields.tm_year + 1900),
+            unsigned(fields.tm_hour),       unsigned(fields.tm_min),     unsigned(fields.tm_sec),
+            unsigned(now.tv_nsec / 1000000)};
+}
+
+#if defined(SDL_VIDEO_DRIVER_X11)
+
+NativeWindow platformNativeWindow(const void *windowInfo) {
+    const SDL_SysWMinfo *info = static_cast<const SDL_SysWMinfo *>(windowInfo);
+    if (!info || info->subsystem != SDL_SYSWM_X11) return {nullptr, nullptr};
+    return {info->info.x11.display, reinterpret_cast<void *>(info->info.x11.window)};
+}
+
+void platformPlaceWindow(const NativeWindow &window, int x, int y, int width, int height) {
+    if (!window.display || !window.window) return;
+    if (width < 1 || height < 1 || width > kLargestWindow || height > kLargestWindow) return;
+    LoadedX11 x11;
+    auto moveResize = x11.find<decltype(XMoveResizeWindow)>("XMoveResizeWindow");
+    auto raise = x11.find<decltype(XRaiseWindow)>("XRaiseWindow");
+    auto flush = x11.find<decltype(XFlush)>("XFlush");
+    if (!moveResize || !raise || !flush) return;
+    Display *display = static_cast<Display *>(window.display);
+    Window handle = reinterpret_cast<Window>(window.window);
+    moveResize(display, handle, x, y, unsigned(width), unsigned(height));
+    raise(display, handle);
+    flush(display);
+}
+
+#else
+
+NativeWindow platformNativeWindow(const void *) { return {nullptr, nullptr}; }
+
+void platformPlaceWindow(const NativeWindow &, int, int, int, int) {}
+
+#endif
+
+void *platformWindowDevice(const NativeWindow &) { return nullptr; }
+
+}  // namespace keltra

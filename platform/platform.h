@@ -1,0 +1,44 @@
+#ifndef KELTRA_PLATFORM_PLATFORM_H
+#define KELTRA_PLATFORM_PLATFORM_H
+
+// What the engine asks of the operating system beyond the C library.
+
+#include <cstdint>
+
+namespace keltra {
+
+// Ticks since some fixed moment, never running backwards, and ticks per second.
+std::int64_t platformCounter();
+std::int64_t platformCounterFrequency();
+
+struct PhysicalMemory {
+    std::uint64_t total, available;  // bytes
+};
+
+// Sampled at every counted allocation: costs about a microsecond.
+PhysicalMemory platformMemory();
+
+struct LocalTime {
+    unsigned int day, month, year, hour, minute, second, millisecond;  // month 1 to 12, year with its century
+};
+
+LocalTime platformLocalTime();
+
+// A window as its system names it. The display is null where the system has no such thing.
+struct NativeWindow {
+    void *display, *window;
+};
+
+// Takes the handles out of a filled SDL_SysWMinfo; nulls when it describes no window of this system.
+NativeWindow platformNativeWindow(const void *windowInfo);
+
+// Puts the window above all others at the given place. Does nothing without a window or with sizes
+// outside 1..32767.
+void platformPlaceWindow(const NativeWindow &window, int x, int y, int width, int height);
+
+// The window's device context; null where the system has no such thing.
+void *platformWindowDevice(const NativeWindow &window);
+
+}  // namespace keltra
+
+#endif

@@ -1,0 +1,53 @@
+#include "platform/platform.h"
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include <SDL_syswm.h>
+
+namespace keltra {
+namespace {
+
+constexpr int kLargestWindow = 32767;
+
+}  // namespace
+
+std::int64_t platformCounter() {
+    LARGE_INTEGER ticks;
+    return QueryPerformanceCounter(&ticks) ? ticks.QuadPart : 0;
+}
+
+std::int64_t platformCounterFrequency() {
+    LARGE_INTEGER ticks;
+    return QueryPerformanceFrequency(&ticks) ? ticks.QuadPart : 0;
+}
+
+PhysicalMemory platformMemory() {
+    MEMORYSTATUS status;
+    status.dwLength = sizeof status;
+    GlobalMemoryStatus(&status);
+    return {status.dwTotalPhys, status.dwAvailPhys};
+}
+
+LocalTime platformLocalTime() {
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    return {now.wDay, now.wMonth, now.wYear, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds};
+}
+
+NativeWindow platformNativeWindow(const void *windowInfo) {
+    const SDL_SysWMinfo *info = static_cast<const SDL_SysWMinfo *>(windowInfo);
+    return {nullptr, info ? static_cast<void *>(info->window) : nullptr};
+}
+
+void platformPlaceWindow(const NativeWindow &window, int x, int y, int width, int height) {
+    if (!window.window) return;
+    if (width < 1 || height < 1 || width > kLargestWindow || height > kLargestWindow) return;
+    SetWindowPos(static_cast<HWND>(window.window), HWND_TOPMOST, x, y, width, height, SWP_SHOWWINDOW);
+}
+
+void *platformWindowDevice(const NativeWindow &window) {
+    return window.window ? GetDC(static_cast<HWND>(window.window)) : nullptr;
+}
+
+}  // namespace keltra

@@ -1,0 +1,210 @@
+#include <keltra/engine.h>
+#include <keltra/glbridge.h>
+#include <keltra/material.h>
+#include <keltra/mesh.h>
+#include <keltra/opengl.h>
+#include <keltra/settings.h>
+#include <keltra/shader.h>
+#include <keltra/texture.h>
+
+#include "foundation/registry.h"
+#include "foundation/text.h"
+
+#include <cstdio>
+#include <cstring>
+
+template class KTREGISTERED<KTMATERIAL>;
+
+const unsigned int KTMATERIAL::levels;
+KTMATERIAL *KTMATERIAL::firstMaterial = nullptr;
+KTMATERIAL *KTMATERIAL::currentMaterial = nullptr;
+
+namespace {
+
+enum LightType { kOmni, kDirectional, kSpot };
+
+// Rows: light type, the last for a spot with shadows. Columns: plain, textured, skinned, textured and
+// skinned.
+KTSHADER **const kLightingShaders[4][4] = {
+    {&KTSHADER::pplOmni, &KTSHADER::pplOmniT, &KTSHADER::pplOmniA, &KTSHADER::pplOmniTA},
+    {&KTSHADER::pplDirect, &KTSHADER::pplDirectT, &KTSHADER::pplDirectA, &KTSHADER::pplDirectTA},
+    {&KTSHADER::pplSpot, &KTSHADER::pplSpotT, &KTSHADER::pplSpotA, &KTSHADER::pplSpotTA},
+    {&KTSHADER::pplSpotS, &KTSHADER::pplSpotTS, &KTSHADER::pplSpotSA, &KTSHADER::pplSpotTSA},
+};
+const unsigned int kShadowRow = 3;
+
+bool usesShadowMap(const KTSHADER *shader) {
+    for (KTSHADER **named : kLightingShaders[kShadowRow])
+        if (*named == shader) return true;
+    return false;
+}
+
+void bindShader(KTSHADER *shader) {
+    if (!shader || !shader->isOperative()) {
+        KTSHADER::disable();
+        return;
+    }
+    shader->render(nullptr);
+    if (usesShadowMap(shader)) {
+        KTSHADER::bindSizes(KTSETTINGS::shadowMapSize, KTSETTINGS::shadowMapSize);
+        KTSHADER::bindTexture(1);
+    }
+}
+
+void setColor(GLenum pname, const R3XVECTOR4D &color) {
+    const float values[4] = {color.x, color.y, color.z, color.w};
+    KT_glMaterialfv(GL_FRONT_AND_BACK, pname, values);
+}
+
+// GL refuses other values, and the error would be found at the end of the frame, far from the file that
+// caused it.
+float withinShininess(float value) {
+    if (!(value > 0.0f)) return 0.0f;
+    return value < 128.0f ? value : 128.0f;
+}
+
+}  // namespace
+
+KTMATERIAL::KTMATERIAL()
+    : timeStamp(0),
+      references(0),
+      ambient(0.2f, 0.2f, 0.2f, 1.0f),
+      diffuse(0.6f, 0.6f, 0.6f, 1.0f),
+      specular(0.2f, 0.2f, 0.2f, 1.0f),
+      emission(0.0f, 0.0f, 0.0f, 1.0f),
+      transparency(1.0f),
+      shininess(0.0f),
+      texture(),
+      shader(nullptr),
+      skinning(false) {
+    id = enlist();
+    std::snprintf(name, sizeof name, "[material %u]", id);
+}
+
+KTMATERIAL::KTMATERIAL(const KTMATERIAL &other) : KTREGISTERED<KTMATERIAL>(other) { copyFields(other); }
+
+KTMATERIAL &KTMATERIAL::operator=(const KTMATERIAL &other) {
+    if (this == &other) return *this;
+    if (currentMaterial == this) currentMaterial = nullptr;
+    copyFields(other);
+    return *this;
+}
+
+KTMATERIAL::~KTMATERIAL() { letGo(*this); }
+
+void KTMATERIAL::copyFields(const KTMATERIAL &other) {
+    id = other.id;
+    std::memcpy(name, other.name, sizeof name);
+    timeStamp = other.timeStamp;
+    references = other.references;
+    copySurface(other);
+    skinning = other.skinning;
+    previous = other.previous;
+    next = other.next;
+}
+
+void KTMATERIAL::copySurface(const KTMATERIAL &other) {
+    ambient = other.ambient;
+    diffuse = other.diffuse;
+    specular = other.specular;
+    emission = other.emission;
+    transparency = other.transparency;
+    shininess = other.shininess;
+    std::memcpy(texture, other.texture, sizeof texture);
+    shader = other.shader;
+}
+
+void KTMATERIAL::clone(const KTMATERIAL *source) {
+    if (!source) return;
+    char text[sizeof name + 16];
+    std::snprintf(text, sizeof text, "%s%u", source->name, id);
+    keltra::copyText(name, text);
+    copySurface(*source);
+}
+
+void KTMATERIAL::setLink(KTMATERIAL &material, KTMATERIAL *before, KTMATERIAL *after) {
+    material.previous = before;
+    material.next = after;
+}
+
+void KTMATERIAL::letGo(KTMATERIAL &material) {
+    if (currentMaterial == &material) currentMaterial = nullptr;
+    KTMESH::forgetMaterial(&material);
+    material.delist();
+}
+
+void KTMATERIAL::forgetTexture(const KTTEXTURE *gone) {
+    for (KTMATERIAL *material = firstAlive(); material; material = material->nextAlive())
+        for (KTTEXTURE *&slot : material->texture)
+            if (slot == gone) slot = nullptr;
+}
+
+void KTMATERIAL::forgetShader(const KTSHADER *gone) {
+    for (KTMATERIAL *material = firstAlive(); material; material = material->nextAlive())
+        if (material->shader == gone) material->shader = nullptr;
+}
+
+bool KTMATERIAL::setTexture(unsigned int level, KTTEXTURE *value) {
+    if (level >= levels) return false;
+    if (texture[level]) texture[level]->decReferences();
+    if (value) value->incReferences();
+    texture[level] = value;
+    return true;
+}
+
+KTSHADER *KTMATERIAL::chooseShader(const void *data) const {
+    if (shader) return shader;
+    if (!KTSETTINGS::useShaders || !data) return nullptr;
+    const std::int32_t type = *static_cast<const std::int32_t *>(data);
+    if (type < kOmni || type > kSpot) return nullptr;
+    const unsigned int row =
+        type == kSpot && KELTRA::shadowing ? kShadowRow : static_cast<unsigned int>(type);
+    return *kLightingShaders[row][(skinning ? 2 : 0) + (isTextured() ? 1 : 0)];
+}
+
+bool KTMATERIAL::render(void *data) {
+    timeStamp = static_cast<std::int32_t>(KELTRA::timeStamp);
+    if (currentMaterial == this) return true;
+    bindShader(chooseShader(data));
+    // The stored alphas follow the transparency; whoever reads a colour back sees it.
+    ambient.w = diffuse.w = specular.w = emission.w = transparency;
+    setColor(GL_EMISSION, emission);
+    setColor(GL_AMBIENT, ambient);
+    setColor(GL_DIFFUSE, diffuse);
+    setColor(GL_SPECULAR, specular);
+    KT_glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, withinShininess(shininess));
+    if (isTransparent()) {
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        KTOPENGL::blendingOn();
+    } else {
+        KTOPENGL::blendingOff();
+    }
+    bool textured = false;
+    for (unsigned int channel = 0; channel < levels; ++channel) {
+        if (!texture[channel]) continue;
+        textured = true;
+        texture[channel]->render(&channel);
+    }
+    if (!textured) KTTEXTURE::texturingOff(KTTEXTURE::channels);
+    currentMaterial = this;
+    return true;
+}
+
+KTMATERIAL *KTMATERIAL::findByName(const char *wanted) {
+    if (!wanted) return nullptr;
+    for (KTMATERIAL *material = firstRegistered(); material; material = material->registeredNext())
+        if (std::strcmp(material->name, wanted) == 0) return material;
+    return nullptr;
+}
+
+KTMATERIAL *KTMATERIAL::findById(unsigned int wanted) {
+    for (KTMATERIAL *material = firstRegistered(); material; material = material->registeredNext())
+        if (material->id == wanted) return material;
+    return nullptr;
+}
+
+unsigned int KTMATERIAL::getNumberOfMaterials() { return count(); }
+
+bool KTMATERIAL::cleanUp() { return destroyAll(); }
+
+void KTMATERIAL::setName(const char *text) { keltra::copyName(name, text); }

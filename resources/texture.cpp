@@ -1,0 +1,264 @@
+#include <keltra/engine.h>
+#include <keltra/shader.h>
+#include <keltra/texture.h>
+
+#include "foundation/block.h"
+#include "foundation/file_bytes.h"
+#include "foundation/registry.h"
+#include "foundation/text.h"
+#include "resources/tga.h"
+
+#include <GLES/gl.h>
+
+#include <cstdio>
+#include <cstring>
+
+template class KTREGISTERED<KTTEXTURE>;
+
+const unsigned int KTTEXTURE::channels;
+const unsigned int KTTEXTURE::maxSize;
+KTTEXTURE *KTTEXTURE::firstTexture = nullptr;
+unsigned long KTTEXTURE::usedMemory = 0;
+char KTTEXTURE::texturePath[256] = "";
+KTTEXTURE *KTTEXTURE::channelCache[KTTEXTURE::channels] = {};
+bool KTTEXTURE::channelActive[KTTEXTURE::channels] = {};
+
+namespace {
+
+const char kDynamicName[] = "[dynamic]";
+
+// Reads a Targa file into a new block, which stays null for a file of another kind.
+bool readTga(const char *path, keltra::TgaImage &image, unsigned char *&pixels) {
+    const keltra::FileBytes file(path);
+    if (!keltra::parseTga(file.data(), file.size(), image)) return false;
+    if (image.kind == keltra::TgaKind::kOther) return true;
+    pixels = static_cast<unsigned char *>(keltra::newBlock(image.bytes()));
+    if (pixels && keltra::decodeTga(image, pixels)) return true;
+    keltra::releaseBlock(pixels);
+    return false;
+}
+
+unsigned char *newImage(unsigned int sizeX, unsigned int sizeY, unsigned int bpp) {
+    const std::size_t bytes = std::size_t{sizeX} * sizeY * bpp;
+    void *pixels = keltra::newBlock(bytes);
+    if (pixels) std::memset(pixels, 0, bytes);
+    return static_cast<unsigned char *>(pixels);
+}
+
+}  // namespace
+
+KTTEXTURE::KTTEXTURE()
+    : timeStamp(0),
+      references(0),
+      bitmap(nullptr),
+      sizeX(0),
+      sizeY(0),
+      memory(0),
+      bpp(0),
+      cubeType(0),
+      glId(0),
+      trilinear(false),
+      mipmapped(true),
+      clamped(false),
+      mipmapResident(false),
+      ownsBitmap(false),
+      ownsGLTexture(false),
+      deletionsSeen(0),
+      uploadedX(0),
+      uploadedY(0),
+      uploadedBpp(0) {
+    id = enlist();
+    std::snprintf(filename, sizeof filename, "[texture %u]", id);
+}
+
+KTTEXTURE::KTTEXTURE(const KTTEXTURE &other) : KTREGISTERED<KTTEXTURE>(other) {
+    copyFields(other);
+    keltra::retainBlock(bitmap);
+}
+
+KTTEXTURE &KTTEXTURE::operator=(const KTTEXTURE &other) {
+    if (this == &other) return *this;
+    keltra::retainBlock(other.bitmap);
+    unload(true);
+    for (KTTEXTURE *&cached : channelCache)
+        if (cached == this) cached = nullptr;
+    copyFields(other);
+    forgetDeletedGLTexture();
+    return *this;
+}
+
+KTTEXTURE::~KTTEXTURE() { letGo(*this); }
+
+void KTTEXTURE::copyFields(const KTTEXTURE &other) {
+    id = other.id;
+    std::memcpy(filename, other.filename, sizeof filename);
+    timeStamp = other.timeStamp;
+    references = other.references;
+    bitmap = other.bitmap;
+    sizeX = other.sizeX;
+    sizeY = other.sizeY;
+    memory = other.memory;
+    bpp = other.bpp;
+    cubeType = other.cubeType;
+    glId = other.glId;
+    trilinear = other.trilinear;
+    mipmapped = other.mipmapped;
+    clamped = other.clamped;
+    mipmapResident = other.mipmapResident;
+    previous = other.previous;
+    next = other.next;
+    ownsBitmap = false;
+    ownsGLTexture = false;
+    deletionsSeen = other.ownsGLTexture ? deletions : other.deletionsSeen;
+    uploadedX = other.uploadedX;
+    uploadedY = other.uploadedY;
+    uploadedBpp = other.uploadedBpp;
+}
+
+void KTTEXTURE::setLink(KTTEXTURE &texture, KTTEXTURE *before, KTTEXTURE *after) {
+    texture.previous = before;
+    texture.next = after;
+}
+
+bool KTTEXTURE::load(const char *name) {
+    if (!name) return false;
+    if (std::strcmp(name, kDynamicName) == 0) return true;
+    if (std::strlen(name) >= sizeof filename) return false;
+    keltra::TgaImage image;
+    unsigned char *pixels = nullptr;
+    if (!readTga(keltra::FilePath(texturePath, name).text, image, pixels)) return false;
+
+    if (bitmap && ownsBitmap) usedMemory -= memory;
+    releaseBitmap();
+    bitmap = pixels;
+    ownsBitmap = pixels != nullptr;
+    bpp = image.bytesPerPixel;
+    sizeX = image.sizeX;
+    sizeY = image.sizeY;
+    // Four bytes a pixel whatever the depth, and also for a file that gave no pixels: the counters are meant
+    // so.
+    memory = sizeX * sizeY * 4;
+    usedMemory += memory;
+    keltra::copyText(filename, name);
+    return true;
+}
+
+bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int format) {
+    if (width > maxSize || height > maxSize || format < 3 || format > 6) return false;
+    unsigned char *pixels = nullptr;
+    if (format <= 4) {
+        pixels = newImage(width, height, format);
+        if (!pixels) return false;
+    }
+    // What the old bitmap was charged stays in `usedMemory`, and `memory` as it was: dynamic textures are not
+    // counted.
+    releaseBitmap();
+    if (deleteGLTexture()) KELTRA::popVideoMemory(memory);
+    bitmap = pixels;
+    ownsBitmap = pixels != nullptr;
+    sizeX = width;
+    sizeY = height;
+    bpp = format;
+    keltra::copyText(filename, kDynamicName);
+    update();
+    return true;
+}
+
+bool KTTEXTURE::modify(const char *pixels, bool keepCopy) {
+    if (!pixels) return false;
+    if (keepCopy) {
+        if (!bitmap) {
+            bitmap = newImage(sizeX, sizeY, bpp);
+            ownsBitmap = bitmap != nullptr;
+            return false;
+        }
+        std::memmove(bitmap, pixels, std::size_t{sizeX} * sizeY * bpp);
+    }
+    forgetDeletedGLTexture();
+    channelCache[0] = nullptr;
+    glBindTexture(GL_TEXTURE_2D, glId);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    // Anything but the image that was uploaded would only be an error in GL.
+    const bool fits = glId && uploadedBpp && uploadedX == sizeX && uploadedY == sizeY && uploadedBpp == bpp;
+    if (fits) {
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, static_cast<GLsizei>(sizeX), static_cast<GLsizei>(sizeY),
+                        bpp == 3 ? GL_RGB : GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    }
+    return true;
+}
+
+bool KTTEXTURE::reload() {
+    forgetDeletedGLTexture();
+    if (isLoaded()) return false;
+    if (!bitmap) load(filename);
+    update();
+    return true;
+}
+
+bool KTTEXTURE::setFilter(bool linear, bool withMipmaps, bool clampedToEdge) {
+    trilinear = linear;
+    mipmapped = withMipmaps;
+    clamped = clampedToEdge;
+    forgetDeletedGLTexture();
+    if (isLoaded()) update();
+    return true;
+}
+
+bool KTTEXTURE::render(void *data) {
+    const unsigned int channel = data ? *static_cast<const unsigned int *>(data) : 0;
+    if (channel >= channels) return false;
+    timeStamp = static_cast<std::int32_t>(KELTRA::timeStamp);
+    forgetDeletedGLTexture();
+    // A texture whose file could not be read is bound as name 0 and tried again at every render.
+    if (channelCache[channel] == this && isLoaded()) return true;
+    if (!isLoaded()) {
+        if (!bitmap) load(filename);
+        update();
+    }
+    texturingOn(channel);
+    glBindTexture(GL_TEXTURE_2D, glId);
+    KTSHADER::bindTexture(channel);
+    channelCache[channel] = this;
+    return true;
+}
+
+// The channels share GL's one texture unit: no unit is ever selected, the numbers only index the two caches.
+bool KTTEXTURE::texturingOn(unsigned int channel) {
+    if (channel >= channels) {
+        for (channel = 0; channel < channels; ++channel) texturingOn(channel);
+    } else if (!channelActive[channel]) {
+        glEnable(GL_TEXTURE_2D);
+        channelActive[channel] = true;
+    }
+    return true;
+}
+
+bool KTTEXTURE::texturingOff(unsigned int channel) {
+    if (channel >= channels) {
+        for (channel = 0; channel < channels; ++channel) {
+            texturingOff(channel);
+            channelCache[channel] = nullptr;
+        }
+    } else if (channelActive[channel]) {
+        glDisable(GL_TEXTURE_2D);
+        channelActive[channel] = false;
+    }
+    return true;
+}
+
+KTTEXTURE *KTTEXTURE::findByFilename(const char *name) {
+    if (!name) return nullptr;
+    for (KTTEXTURE *texture = firstRegistered(); texture; texture = texture->registeredNext())
+        if (std::strcmp(texture->filename, name) == 0) return texture;
+    return nullptr;
+}
+
+KTTEXTURE *KTTEXTURE::findById(unsigned int wanted) {
+    for (KTTEXTURE *texture = firstRegistered(); texture; texture = texture->registeredNext())
+        if (texture->id == wanted) return texture;
+    return nullptr;
+}
+
+unsigned int KTTEXTURE::getNumberOfTextures() { return count(); }
+
+void KTTEXTURE::setPath(const char *path) { keltra::copyText(texturePath, path); }

@@ -1,0 +1,194 @@
+#include <keltra/anim.h>
+
+#include <keltra/mesh.h>
+#include <keltra/node.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "foundation/registry.h"
+#include "foundation/text.h"
+
+template class KTREGISTERED<KTANIM>;
+
+const unsigned int KTANIM::maxBones;
+const unsigned int KTANIM::maxFrames;
+KTANIM *KTANIM::firstAnim = nullptr;
+char KTANIM::ktaPath[256];
+
+KTANIM::KTANIM()
+    : id(0), name(), translating(false), numberOfBones(0), numberOfFrames(0), boneNames(), keyframes(), previous(nullptr), next(nullptr) {
+    id = enlist();
+    std::snprintf(name, sizeof name, "[anim %d]", static_cast<int>(id));
+}
+
+KTANIM::KTANIM(const KTANIM &other) : KTREGISTERED<KTANIM>(other) { copyFields(other); }
+
+KTANIM &KTANIM::operator=(const KTANIM &other) {
+    if (this != &other) copyFields(other);
+    return *this;
+}
+
+KTANIM::~KTANIM() { delist(); }
+
+void KTANIM::copyFields(const KTANIM &other) {
+    id = other.id;
+    std::memcpy(name, other.name, sizeof name);
+    translating = other.translating;
+    numberOfBones = other.numberOfBones;
+    numberOfFrames = other.numberOfFrames;
+    std::memcpy(boneNames, other.boneNames, sizeof boneNames);
+    std::copy(&other.keyframes[0][0], &other.keyframes[0][0] + (maxFrames + 1) * maxBones, &keyframes[0][0]);
+    previous = other.previous;
+    next = other.next;
+}
+
+void KTANIM::setLink(KTANIM &anim, KTANIM *before, KTANIM *after) {
+    anim.previous = before;
+    anim.next = after;
+}
+
+void KTANIM::letGo(KTANIM &anim) { anim.delist(); }
+
+bool KTANIM::cleanUp() { return destroyAll(); }
+
+unsigned int KTANIM::getNumberOfAnims() { return count(); }
+
+KTANIM *KTANIM::findByFilename(const char *text) {
+    if (!text) return nullptr;
+    for (KTANIM *anim = firstAnim; anim; anim = anim->getNext())
+        if (std::strcmp(anim->name, text) == 0) return anim;
+    return nullptr;
+}
+
+KTANIM *KTANIM::findById(unsigned int wanted) {
+    for (KTANIM *anim = firstAnim; anim; anim = anim->getNext())
+        if (anim->id == wanted) return anim;
+    return nullptr;
+}
+
+void KTANIM::setKTAPath(const char *path) { keltra::copyText(ktaPath, path); }
+
+void KTANIM::setNumberOfFrames(unsigned int count) { numberOfFrames = static_cast<std::uint16_t>(std::min(count, maxFrames)); }
+
+void KTANIM::setNumberOfBones(unsigned int count) { numberOfBones = static_cast<std::uint16_t>(std::min(count, maxBones)); }
+
+// The counts are open to the application; whatever stands there, nothing beyond the grid is touched.
+unsigned int KTANIM::bones() const { return std::min<unsigned int>(numberOfBones, maxBones); }
+unsigned int KTANIM::frames() const { return std::min<unsigned int>(numberOfFrames, maxFrames); }
+
+// False even when the name was set: applications ported from earlier versions rely on it.
+bool KTANIM::setBoneName(unsigned int index, const char *text) {
+    if (index < maxBones && text) keltra::copyText(boneNames[index], text);
+    return false;
+}
+
+const char *KTANIM::getBoneName(unsigned int index) const { return index < maxBones ? boneNames[index] : nullptr; }
+
+int KTANIM::findBoneByName(const char *text) const {
+    if (!text) return -1;
+    for (unsigned int i = 0; i < bones(); ++i)
+        if (std::strcmp(boneNames[i], text) == 0) return static_cast<int>(i);
+    return -1;
+}
+
+KTBONEFRAME *KTANIM::getKeyframe(unsigned int frame, unsigned int bone) {
+    return frame <= maxFrames && bone < maxBones ? &keyframes[frame][bone] : nullptr;
+}
+
+R3XVECTOR3D KTANIM::getFrameRotation(unsigned int frame, unsigned int bone) {
+    const KTBONEFRAME *keyframe = getKeyframe(frame, bone);
+    return keyframe ? keyframe->rotation : R3XVECTOR3D();
+}
+
+bool KTANIM::acquireStructure(KTMESH *mesh) {
+    if (!mesh || !mesh->numberOfBones || !mesh->bones) return false;
+    setNumberOfBones(mesh->numberOfBones);
+    for (unsigned int i = 0; i < bones(); ++i) keltra::copyText(boneNames[i], mesh->bones[i].name);
+    return true;
+}
+
+// The frame one past the last is accepted: meant, interpolation up to the end takes its goal from there.
+KTBONEFRAME *KTANIM::settable(unsigned int frame, unsigned int bone) {
+    return frame <= frames() && bone < bones() ? &keyframes[frame][bone] : nullptr;
+}
+
+bool KTANIM::setFrame(unsigned int frame, unsigned int bone, float x, float y, float z) {
+    KTBONEFRAME *keyframe = settable(frame, bone);
+    if (!keyframe) return false;
+    keyframe->rotation.set(x, y, z);
+    return keyframe->set = true;
+}
+
+bool KTANIM::setFrameRotationX(unsigned int frame, unsigned int bone, float degrees) {
+    KTBONEFRAME *keyframe = settable(frame, bone);
+    if (!keyframe) return false;
+    keyframe->rotation.x = degrees;
+    return keyframe->set = true;
+}
+
+bool KTANIM::setFrameRotationY(unsigned int frame, unsigned int bone, float degrees) {
+    KTBONEFRAME *keyframe = settable(frame, bone);
+    if (!keyframe) return false;
+    keyframe->rotation.y = degrees;
+    return keyframe->set = true;
+}
+
+bool KTANIM::setFrameRotationZ(unsigned int frame, unsigned int bone, float degrees) {
+    KTBONEFRAME *keyframe = settable(frame, bone);
+    if (!keyframe) return false;
+    keyframe->rotation.z = degrees;
+    return keyframe->set = true;
+}
+
+bool KTANIM::unsetFrame(unsigned int frame, unsigned int bone) {
+    KTBONEFRAME *keyframe = settable(frame, bone);
+    if (!keyframe || !keyframe->set) return false;
+    keyframe->set = false;
+    return true;
+}
+
+void KTANIM::reset() {
+    for (unsigned int frame = 0; frame < frames(); ++frame)
+        for (unsigned int bone = 0; bone < bones(); ++bone) keyframes[frame][bone] = KTBONEFRAME();
+}
+
+bool KTANIM::createKeyframes(unsigned int first, unsigned int last) {
+    if (first >= frames() || last > frames() || first >= last) return false;
+    for (unsigned int bone = 0; bone < bones(); ++bone) {
+        unsigned int from = first;
+        while (from < last) {
+            unsigned int to = from + 1;
+            while (to < last && !keyframes[to][bone].set) ++to;
+            interpolate(bone, from, to);
+            from = to;
+        }
+    }
+    return true;
+}
+
+// The running value advances at unset frames only, and a set one keeps its rotation.
+void KTANIM::interpolate(unsigned int bone, unsigned int from, unsigned int to) {
+    R3XVECTOR3D value = keyframes[from][bone].rotation;
+    float frameCount = static_cast<float>(to - from);
+    R3XVECTOR3D span = keyframes[to][bone].rotation - value;
+    R3XVECTOR3D step(span.x / frameCount, span.y / frameCount, span.z / frameCount);
+    for (unsigned int frame = from; frame < to; ++frame) {
+        KTBONEFRAME &keyframe = keyframes[frame][bone];
+        if (keyframe.set) continue;
+        value += step;
+        keyframe.rotation = value;
+    }
+}
+
+bool KTANIM::apply(unsigned int frame, KTNODE *root) {
+    if (frame >= frames() || !root) return false;
+    for (unsigned int bone = 0; bone < bones(); ++bone) {
+        KTNODE *node = root->findByNameInHierarchy(boneNames[bone]);
+        if (!node) continue;
+        node->rotation = keyframes[frame][bone].rotation;
+        if (translating) node->position = keyframes[frame][bone].position;
+    }
+    return true;
+}

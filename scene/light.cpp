@@ -1,0 +1,108 @@
+#include <keltra/light.h>
+
+#include <keltra/element.h>
+#include <keltra/glbridge.h>
+
+#include "core/local_transform.h"
+
+bool KTLIGHT::lighting = false;
+
+namespace {
+
+const unsigned int kGlLights = 8;  // what every GL has
+const float kNoCutOff = 180.0f;
+
+void loadParameters(const KTLIGHT &light, GLenum unit, float cutOff) {
+    KT_glLightfv(unit, GL_AMBIENT, &light.ambient.x);
+    KT_glLightfv(unit, GL_DIFFUSE, &light.diffuse.x);
+    KT_glLightfv(unit, GL_SPECULAR, &light.specular.x);
+    KT_glLightf(unit, GL_SPOT_CUTOFF, cutOff);
+    KT_glLightf(unit, GL_SPOT_EXPONENT, light.exponent);
+    KT_glLightf(unit, GL_CONSTANT_ATTENUATION, light.attenuation.x);
+    KT_glLightf(unit, GL_LINEAR_ATTENUATION, light.attenuation.y);
+    KT_glLightf(unit, GL_QUADRATIC_ATTENUATION, light.attenuation.z);
+}
+
+// From `eye` to `point`, normalised in four components.
+R3XVECTOR3D directionTo(const R3XVECTOR3D &point, const R3XVECTOR3D &eye, float w) {
+    R3XVECTOR4D way(point.x - eye.x, point.y - eye.y, point.z - eye.z, w);
+    way.normalize();
+    return R3XVECTOR3D(way.x, way.y, way.z);
+}
+
+}  // namespace
+
+KTLIGHT::KTLIGHT()
+    : lightType(KT_LIGHT_POINT),
+      ambient(0.2f, 0.2f, 0.2f, 1.0f),
+      diffuse(0.7f, 0.7f, 0.7f, 1.0f),
+      specular(0.2f, 0.2f, 0.2f, 1.0f),
+      attenuation(1.0f, 0.0f, 0.0f),
+      cutOff(kNoCutOff),
+      exponent(0.0f),
+      exclusive(false),
+      shadowCaster(false),
+      shadowNearPlane(1.0f),
+      shadowFarPlane(1024.0f),
+      shadowData(nullptr) {
+    setIdentity(KT_LIGHT, "[light %d]");
+}
+
+KTLIGHT::~KTLIGHT() {}
+
+void KTLIGHT::lightingOn() {
+    if (lighting) return;
+    glEnable(GL_LIGHTING);
+    lighting = true;
+}
+
+void KTLIGHT::lightingOff() {
+    if (!lighting) return;
+    glDisable(GL_LIGHTING);
+    lighting = false;
+}
+
+bool KTLIGHT::activateNearest(KTELEMENT *element) {
+    if (!element || !lighting) return false;
+    KTELEMENT::sortLights(element->matrix.getTranslation());
+    for (unsigned int i = 0; i < KTELEMENT::nearestLights && i < KTELEMENT::numberOfLights; ++i) {
+        KTELEMENT *light = KTELEMENT::getLight(i);
+        if (!light->node || light->node->type != KT_LIGHT) return false;
+        light->setParam1(i);
+        light->node->render(light);
+        element->setNearestLight(i, light);
+    }
+    return true;
+}
+
+bool KTLIGHT::render(void *data) {
+    KTELEMENT *element = static_cast<KTELEMENT *>(data);
+    if (!element || element->param1 >= kGlLights) return false;
+
+    R3XVECTOR3D eye = transformMode == 1 ? matrix.getTranslation() : position;
+    // The fourth component differs, 0 here and 1 there: meant, a light that aims at a node close by gets a
+    // shorter direction, and scenes have been lit with it.
+    if (targetNode == this)
+        direction = directionTo(target, eye, 0.0f);
+    else if (targetNode)
+        direction = directionTo(targetNode->getFinalMatrix(nullptr).getTranslation(), eye, 1.0f);
+
+    R3XVECTOR4D place(0.0f, 0.0f, 0.0f, 1.0f), spot(0.0f, 0.0f, 0.0f, 1.0f);
+    float angle = lightType == KT_LIGHT_POINT || lightType == KT_LIGHT_DIRECTIONAL ? kNoCutOff : cutOff;
+    if (lightType == KT_LIGHT_DIRECTIONAL) {
+        place.set(-direction.x, -direction.y, -direction.z, 0.0f);
+        spot.reset();
+    } else if (lightType == KT_LIGHT_SPOT) {
+        spot = direction;
+    }
+
+    lightingOn();
+    GLenum unit = GL_LIGHT0 + element->param1;
+    glEnable(unit);
+    loadParameters(*this, unit, angle);
+    KT_glLoadMatrixf(element->matrix.m);
+    keltra::applyRotation(rotation);
+    KT_glLightfv(unit, GL_POSITION, &place.x);
+    KT_glLightfv(unit, GL_SPOT_DIRECTION, &spot.x);
+    return true;
+}

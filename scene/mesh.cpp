@@ -1,0 +1,155 @@
+#include <keltra/mesh.h>
+
+#include <keltra/material.h>
+#include <keltra/opengl.h>
+
+#include <algorithm>
+#include <new>
+
+#include "foundation/block.h"
+
+const unsigned int KTMESH::maxSkins;
+const unsigned int KTMESH::maxBones;
+R3XMATRIX *KTMESH::boneMatrices = nullptr;
+KTMESH *KTMESH::slotMesh[maxSkins] = {};
+unsigned int KTMESH::usedSlots = 0;
+R3XMATRIX KTMESH::skinMatrices[maxBones];
+float KTMESH::boneQuaternions[maxBones][4] = {};
+float KTMESH::boneTranslations[maxBones][3] = {};
+bool KTMESH::normalsShown = false;
+
+KTMESH::KTMESH()
+    : radius(-1.0f),
+      minimum(0.0f, 0.0f, 0.0f),
+      maximum(0.0f, 0.0f, 0.0f),
+      material(nullptr),
+      shadowCaster(false),
+      closed(false),
+      hidden(false),
+      numberOfVertices(0),
+      numberOfUVs(0),
+      numberOfFaces(0),
+      numberOfInfluences(0),
+      numberOfBones(0),
+      dataBlock(nullptr),
+      vertices(nullptr),
+      vertexNormals(nullptr),
+      faceNormals(nullptr),
+      uvs(nullptr),
+      faces(nullptr),
+      influenceBones(nullptr),
+      influenceWeights(nullptr),
+      influenceBonesFloat(nullptr),
+      bones(nullptr),
+      skinnedVertices(nullptr),
+      skinnedNormals(nullptr),
+      lineIndices(nullptr),
+      normalLines(nullptr),
+      holdsMaterial(false) {
+    setIdentity(KT_MESH, "[mesh %d]");
+}
+
+KTMESH::KTMESH(const KTMESH &other) : KTNODE(other), holdsMaterial(false) { copyMesh(other); }
+
+KTMESH &KTMESH::operator=(const KTMESH &other) {
+    if (this == &other) return *this;
+    KTNODE::operator=(other);
+    releaseMesh();
+    copyMesh(other);
+    return *this;
+}
+
+KTMESH::~KTMESH() {
+    for (KTMESH *&mesh : slotMesh)
+        if (mesh == this) mesh = nullptr;
+    releaseMesh();
+}
+
+// The copy joins the holders of every buffer, and holds no use of the material.
+void KTMESH::copyMesh(const KTMESH &other) {
+    radius = other.radius;
+    minimum = other.minimum;
+    maximum = other.maximum;
+    material = other.material;
+    shadowCaster = other.shadowCaster;
+    closed = other.closed;
+    hidden = other.hidden;
+    numberOfVertices = other.numberOfVertices;
+    numberOfUVs = other.numberOfUVs;
+    numberOfFaces = other.numberOfFaces;
+    numberOfInfluences = other.numberOfInfluences;
+    numberOfBones = other.numberOfBones;
+    dataBlock = keltra::retainBlock(other.dataBlock);
+    vertices = other.vertices;
+    vertexNormals = other.vertexNormals;
+    faceNormals = other.faceNormals;
+    uvs = other.uvs;
+    faces = other.faces;
+    influenceBones = static_cast<std::uint8_t *>(keltra::retainBlock(other.influenceBones));
+    influenceWeights = static_cast<float *>(keltra::retainBlock(other.influenceWeights));
+    influenceBonesFloat = static_cast<float *>(keltra::retainBlock(other.influenceBonesFloat));
+    bones = static_cast<KTBONE *>(keltra::retainBlock(other.bones));
+    skinnedVertices = static_cast<std::int32_t *>(keltra::retainBlock(other.skinnedVertices));
+    skinnedNormals = static_cast<std::int32_t *>(keltra::retainBlock(other.skinnedNormals));
+    lineIndices = static_cast<std::uint16_t *>(keltra::retainBlock(other.lineIndices));
+    normalLines = static_cast<std::int32_t *>(keltra::retainBlock(other.normalLines));
+}
+
+void KTMESH::releaseMesh() {
+    setMaterial(nullptr);
+    keltra::releaseBlock(dataBlock);
+    keltra::releaseBlock(influenceBones);
+    keltra::releaseBlock(influenceWeights);
+    keltra::releaseBlock(influenceBonesFloat);
+    keltra::releaseBlock(bones);
+    keltra::releaseBlock(skinnedVertices);
+    keltra::releaseBlock(skinnedNormals);
+    keltra::releaseBlock(lineIndices);
+    keltra::releaseBlock(normalLines);
+}
+
+void KTMESH::setMaterial(KTMATERIAL *value) {
+    if (value) value->incReferences();
+    if (material && holdsMaterial) material->decReferences();
+    material = value;
+    holdsMaterial = value != nullptr;
+}
+
+// Copies too refer to a material, so every mesh in existence is asked.
+void KTMESH::forgetMaterial(KTMATERIAL *gone) {
+    // A pointer to the protected member, taken through this class, may be used on any node.
+    KTNODE *(KTREGISTERED<KTNODE>::*next)() const = &KTMESH::nextAlive;
+    for (KTNODE *node = firstAlive(); node; node = (node->*next)()) {
+        KTMESH *mesh = dynamic_cast<KTMESH *>(node);
+        if (!mesh || mesh->material != gone) continue;
+        mesh->material = nullptr;
+        mesh->holdsMaterial = false;
+    }
+}
+
+bool KTMESH::init() {
+    if (boneMatrices) return false;
+    const unsigned int matrices = maxSkins * maxBones;
+    void *pool = vnfMalloc(matrices * static_cast<unsigned int>(sizeof(R3XMATRIX)));
+    if (!pool) return false;
+    boneMatrices = static_cast<R3XMATRIX *>(pool);
+    for (unsigned int i = 0; i < matrices; ++i) new (boneMatrices + i) R3XMATRIX;
+    return true;
+}
+
+bool KTMESH::free() {
+    if (boneMatrices) vnfFree(boneMatrices);
+    boneMatrices = nullptr;
+    usedSlots = 0;
+    std::fill_n(slotMesh, maxSkins, nullptr);
+    return true;
+}
+
+void KTMESH::reset() {
+    usedSlots = 0;
+    std::fill_n(slotMesh, maxSkins, nullptr);
+    KTOPENGL::vertexArrayOff();
+    KTOPENGL::normalArrayOff();
+    KTOPENGL::colorArrayOff();
+    KTOPENGL::textureArrayOff();
+}

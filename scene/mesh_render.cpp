@@ -1,0 +1,214 @@
+#include <keltra/mesh.h>
+
+#include <GLES/gl.h>
+
+#include <keltra/element.h>
+#include <keltra/engine.h>
+#include <keltra/glbridge.h>
+#include <keltra/light.h>
+#include <keltra/material.h>
+#include <keltra/opengl.h>
+#include <keltra/settings.h>
+#include <keltra/shader.h>
+#include <keltra/texture.h>
+
+#include "foundation/block.h"
+#include "math/fixed.h"
+
+// What the GL is given for one draw; null arrays stay off.
+struct KTMESH::DRAWING {
+    const std::int32_t *vertices, *normals, *uvs;
+    GLenum primitive;
+    GLsizei indexCount;
+    const std::uint16_t *indices;
+};
+
+namespace {
+
+const unsigned int kEdgeIndices = 6;       // of a triangle drawn as three lines
+const float kNormalLength = 1.0f / 16.0f;  // of the bounding radius
+const float kNormalLengthWithoutRadius = 1.0f;
+
+// The colour that picking reads back, as exactly as the display can hold it.
+void setPickingColor(unsigned int code) {
+    if (KTSETTINGS::colorDepth == 16) {
+        KT_glColor4f(float(code >> 11 & 31) / 31.0f, float(code >> 5 & 63) / 63.0f, float(code & 31) / 31.0f,
+                     0.0f);
+        return;
+    }
+    KT_glColor4f(float(code & 255) / 255.0f, float(code >> 8 & 255) / 255.0f,
+                 float(code >> 16 & 255) / 255.0f, float(code >> 24) / 255.0f);
+}
+
+void bindPassShader(bool skinned) {
+    if (!KTSHADER::usePassthrough()) {
+        KTSHADER::disable();
+        return;
+    }
+    const bool depth = KTOPENGL::currentProfile == KT_PROFILE_DEPTH;
+    KTSHADER *plain = depth ? KTSHADER::passthroughZPass : KTSHADER::passthrough;
+    KTSHADER *withBones = depth ? KTSHADER::passthroughZPassA : KTSHADER::passthroughA;
+    if (KTSHADER *shader = skinned ? withBones : plain) shader->render(nullptr);
+    if (depth) KTSHADER::bindNearAndFarPlane(KTOPENGL::nearPlane, KTOPENGL::farPlane);
+}
+
+std::int32_t farEnd(std::int32_t vertex, std::int32_t normal, std::int32_t length) {
+    const std::int64_t step = static_cast<std::int64_t>(normal) * length >> 16;
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(vertex) + static_cast<std::uint32_t>(step));
+}
+
+}  // namespace
+
+bool KTMESH::render(void *data) {
+    if (!data) return false;
+    if (hidden) return true;
+    KTELEMENT &element = *static_cast<KTELEMENT *>(data);
+    const bool special = KTOPENGL::currentProfile >= KT_PROFILE_PICKING;
+    if (special) {
+        beginSpecialPass();
+    } else {
+        KTLIGHT::activateNearest(&element);
+        renderMaterial(element);
+    }
+    if (isSkinned() && !animate(element.getParam1())) return false;
+
+    // Transparent is what its material is, with lighting on or off: a special pass covers what normal drawing
+    // covered.
+    const bool transparent = material && material->isTransparent();
+    const bool culled = KTOPENGL::isCulled();
+    if (!element.getNearestLight(0)) KTSHADER::disable();
+    KT_glLoadMatrixf(element.getMatrix()->m);
+    if (transparent)
+        KTOPENGL::twoSideOn();
+    else
+        KTOPENGL::twoSideOff();
+
+    const DRAWING drawing = prepareDrawing(special);
+    if (transparent && drawing.primitive == GL_TRIANGLES) {
+        KTOPENGL::cullingOn();
+        glCullFace(GL_FRONT);
+        draw(drawing);
+        glCullFace(GL_BACK);
+        draw(drawing);
+        if (!culled) KTOPENGL::cullingOff();
+    } else {
+        draw(drawing);
+    }
+    if (!special && normalsShown) drawNormals(drawing);
+    if (isSkinned()) KTSHADER::unbindBones();
+    return true;
+}
+
+// Flat drawing for picking and for the depth of field. Lighting, texturing and blending change behind the
+// back of the current material, which is therefore forgotten.
+void KTMESH::beginSpecialPass() const {
+    KTLIGHT::lightingOff();
+    KTTEXTURE::texturingOff(KTTEXTURE::channels);
+    KTOPENGL::blendingOff();
+    KTMATERIAL::reset();
+    bindPassShader(isSkinned());
+    if (KTOPENGL::currentProfile == KT_PROFILE_PICKING) setPickingColor(auxId ? auxId : id);
+}
+
+void KTMESH::renderMaterial(const KTELEMENT &element) {
+    if (!material) return;
+    const KTELEMENT *nearest = KTLIGHT::getLighting() ? element.getNearestLight(0) : nullptr;
+    const KTNODE *light = nearest ? nearest->getNode() : nullptr;
+    if (!light || light->type != KT_LIGHT) {
+        material->render(nullptr);
+        return;
+    }
+    std::int32_t lightType = static_cast<std::int32_t>(static_cast<const KTLIGHT *>(light)->lightType);
+    material->render(&lightType);
+}
+
+KTMESH::DRAWING KTMESH::prepareDrawing(bool special) {
+    const bool skinnedHere = isSkinned() && !usesSkinningShader();
+    DRAWING drawing = {vertices, vertexNormals, uvs, GL_TRIANGLES, GLsizei(numberOfFaces * 3), faces};
+    if (skinnedHere) {
+        drawing.vertices = skinnedVertices;
+        drawing.normals = skinnedNormals;
+    } else if (isSkinned()) {
+        const unsigned int count = countPoolBones();
+        KTSHADER::bindBones(count, boneQuaternions[0], boneTranslations[0], 0, count);
+    }
+    if (numberOfVertices == 0) drawing.vertices = drawing.normals = nullptr;
+    if (numberOfUVs == 0 || KTOPENGL::currentProfile == KT_PROFILE_PICKING) drawing.uvs = nullptr;
+    if (!faces) drawing.indexCount = 0;
+    // Without memory for the lines the triangles are drawn.
+    if (!special && KELTRA::isWireframed() && makeLineIndices()) {
+        drawing.primitive = GL_LINES;
+        drawing.indexCount = GLsizei(numberOfFaces * kEdgeIndices);
+        drawing.indices = lineIndices;
+    }
+    return drawing;
+}
+
+void KTMESH::draw(const DRAWING &drawing) {
+    if (drawing.vertices) {
+        KTOPENGL::vertexArrayOn();
+        glVertexPointer(3, GL_FIXED, 0, drawing.vertices);
+    } else {
+        KTOPENGL::vertexArrayOff();
+    }
+    if (drawing.normals) {
+        KTOPENGL::normalArrayOn();
+        glNormalPointer(GL_FIXED, 0, drawing.normals);
+    } else {
+        KTOPENGL::normalArrayOff();
+    }
+    if (drawing.uvs) {
+        KTOPENGL::textureArrayOn();
+        glTexCoordPointer(2, GL_FIXED, 0, drawing.uvs);
+    } else {
+        KTOPENGL::textureArrayOff();
+    }
+    if (drawing.indexCount > 0)
+        glDrawElements(drawing.primitive, drawing.indexCount, GL_UNSIGNED_SHORT, drawing.indices);
+}
+
+// Each edge of each triangle; edges that triangles share are drawn with both.
+bool KTMESH::makeLineIndices() {
+    if (!faces || numberOfFaces == 0) return false;
+    if (lineIndices) return true;
+    const std::size_t count = std::size_t(numberOfFaces) * kEdgeIndices;
+    lineIndices = static_cast<std::uint16_t *>(keltra::newBlock(count * sizeof(std::uint16_t)));
+    if (!lineIndices) return false;
+    std::uint16_t *line = lineIndices;
+    for (const std::uint16_t *face = faces, *end = faces + numberOfFaces * 3u; face != end; face += 3) {
+        for (int corner = 0; corner < 3; ++corner) {
+            *line++ = face[corner];
+            *line++ = face[(corner + 1) % 3];
+        }
+    }
+    return true;
+}
+
+// From each vertex along its normal. A rigid mesh needs its lines once, a skinned one anew for each pose.
+bool KTMESH::makeNormalLines(const DRAWING &drawing) {
+    if (!drawing.vertices || !drawing.normals) return false;
+    if (normalLines && !isSkinned()) return true;
+    const std::size_t count = std::size_t(numberOfVertices) * 6;
+    if (!normalLines)
+        normalLines = static_cast<std::int32_t *>(keltra::newBlock(count * sizeof(std::int32_t)));
+    if (!normalLines) return false;
+    const std::int32_t length =
+        keltra::toFixed(radius > 0.0f ? radius * kNormalLength : kNormalLengthWithoutRadius);
+    std::int32_t *line = normalLines;
+    for (std::size_t v = 0; v < numberOfVertices; ++v, line += 6) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            line[i] = drawing.vertices[3 * v + i];
+            line[3 + i] = farEnd(line[i], drawing.normals[3 * v + i], length);
+        }
+    }
+    return true;
+}
+
+void KTMESH::drawNormals(const DRAWING &drawing) {
+    if (!makeNormalLines(drawing)) return;
+    KTOPENGL::vertexArrayOn();
+    KTOPENGL::normalArrayOff();
+    KTOPENGL::textureArrayOff();
+    glVertexPointer(3, GL_FIXED, 0, normalLines);
+    glDrawArrays(GL_LINES, 0, GLsizei(numberOfVertices) * 2);
+}

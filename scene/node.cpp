@@ -1,0 +1,249 @@
+#include <keltra/node.h>
+
+#include <keltra/element.h>
+#include <keltra/engine.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "core/tree_walk.h"
+#include "foundation/block.h"
+#include "foundation/registry.h"
+
+template class KTREGISTERED<KTNODE>;
+
+KTNODE *KTNODE::firstBorrower = nullptr;
+
+namespace {
+
+const unsigned int kTypeNames = 19;
+const char typeNames[kTypeNames][256] = {
+    "node",   "root",      "light",      "mesh",       "camera", "emitter", "skydome",
+    "water",  "terrain",   "helper",     "sound",      "box",    "label",   "button",
+    "window", "textfield", "hscrollbar", "vscrollbar", "custom",
+};
+
+// The first character decides for most names that an application gives, without a call.
+bool isNamed(const KTNODE &node, const char *name) {
+    return node.name[0] == name[0] && std::strcmp(node.name, name) == 0;
+}
+
+}  // namespace
+
+KTNODE::KTNODE()
+    : auxId(0),
+      timeStamp(0),
+      shared(false),
+      data(nullptr),
+      transformMode(0),
+      targetNode(nullptr),
+      previousNode(nullptr),
+      nextNode(nullptr),
+      numberOfChildren(0),
+      parent(nullptr),
+      children(nullptr),
+      borrows(false),
+      targeted(false),
+      slot(0),
+      listedBy(nullptr),
+      previousBorrower(nullptr),
+      nextBorrower(nullptr) {
+    id = enlist();
+    setIdentity(KT_NODE, "[node %d]");
+}
+
+KTNODE::KTNODE(bool) : KTNODE() {}
+
+KTNODE::KTNODE(const KTNODE &other)
+    : KTREGISTERED<KTNODE>(other),
+      children(nullptr),
+      borrows(false),
+      targeted(false),
+      slot(0),
+      listedBy(nullptr),
+      previousBorrower(nullptr),
+      nextBorrower(nullptr) {
+    borrow(nullptr);
+    copyFields(other);
+}
+
+KTNODE &KTNODE::operator=(const KTNODE &other) {
+    if (this == &other) return *this;
+    borrow(lister());
+    if (children != other.children) abandonChildren();
+    copyFields(other);
+    return *this;
+}
+
+// The entry in the parent's children is emptied while their number stays: a dangling one would end the next
+// pass.
+KTNODE::~KTNODE() {
+    leaveLister();
+    for (unsigned int i = 0; i < numberOfChildren; ++i) {
+        KTNODE *child = getChild(i);
+        if (child && child->parent == this) child->parent = nullptr;
+    }
+    forgetEverywhere();
+    keltra::releaseBlock(children);
+    delist();
+}
+
+bool KTNODE::render(void *) { return false; }
+
+void KTNODE::copyFields(const KTNODE &other) {
+    id = other.id;
+    auxId = other.auxId;
+    std::memcpy(name, other.name, sizeof name);
+    type = other.type;
+    timeStamp = other.timeStamp;
+    shared = other.shared;
+    data = other.data;
+    transformMode = other.transformMode;
+    position = other.position;
+    rotation = other.rotation;
+    origin = other.origin;
+    direction = other.direction;
+    target = other.target;
+    targetNode = other.targetNode;
+    matrix = other.matrix;
+    cachedMatrix = other.cachedMatrix;
+    previousNode = other.previousNode;
+    nextNode = other.nextNode;
+    parent = other.parent;
+    keltra::retainBlock(other.children);
+    setChildren(other.children, other.numberOfChildren);
+}
+
+void KTNODE::setIdentity(unsigned int typeCode, const char *pattern) {
+    type = typeCode;
+    std::snprintf(name, sizeof name, pattern, id);
+}
+
+void KTNODE::setLink(KTNODE &node, KTNODE *previous, KTNODE *next) {
+    node.previousNode = previous;
+    node.nextNode = next;
+}
+
+void KTNODE::setFirst(KTNODE *) {}
+
+// For a node that is not on the heap. It keeps its place in the tree, and what it owns until its own
+// destructor.
+void KTNODE::letGo(KTNODE &node) {
+    node.borrow(node.lister());
+    node.delist();
+}
+
+// Joins the borrowers; `listingNode` is the node that lists this one among its children.
+void KTNODE::borrow(KTNODE *listingNode) {
+    listedBy = listingNode;
+    if (borrows) return;
+    borrows = true;
+    previousBorrower = nullptr;
+    nextBorrower = firstBorrower;
+    if (nextBorrower) nextBorrower->previousBorrower = this;
+    firstBorrower = this;
+}
+
+// Drops every pointer of a borrower to a node that is being destroyed.
+void KTNODE::forget(const KTNODE *gone) {
+    if (parent == gone) parent = nullptr;
+    if (listedBy == gone) listedBy = nullptr;
+    if (targetNode == gone) targetNode = nullptr;
+    if (previousNode == gone) previousNode = nullptr;
+    if (nextNode == gone) nextNode = nullptr;
+    if (!children) return;
+    for (unsigned int i = 0; i < numberOfChildren; ++i)
+        if (children[i] == gone) children[i] = nullptr;
+}
+
+void KTNODE::forgetEverywhere() {
+    KTELEMENT::forget(this);
+    if (KELTRA::skybox == this) KELTRA::skybox = nullptr;
+    if (borrows) {
+        (previousBorrower ? previousBorrower->nextBorrower : firstBorrower) = nextBorrower;
+        if (nextBorrower) nextBorrower->previousBorrower = previousBorrower;
+    }
+    for (KTNODE *node = firstBorrower; node; node = node->nextBorrower) node->forget(this);
+    if (!targeted) return;
+    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
+        if (node->targetNode == this) node->targetNode = nullptr;
+}
+
+bool KTNODE::cleanUp() { return destroyAll(); }
+
+unsigned int KTNODE::getNumberOfNodes() { return count(); }
+
+KTNODE *KTNODE::getFirstNode() { return firstRegistered(); }
+
+KTNODE *KTNODE::getNextNode() const { return isRegistered() ? registeredNext() : nextNode; }
+
+KTNODE *KTNODE::getPreviousNode() const { return isRegistered() ? registeredPrevious() : previousNode; }
+
+KTNODE *KTNODE::findByName(const char *name) {
+    if (!name) return nullptr;
+    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
+        if (isNamed(*node, name)) return node;
+    return nullptr;
+}
+
+KTNODE *KTNODE::findById(unsigned int id) {
+    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
+        if (node->id == id) return node;
+    return nullptr;
+}
+
+KTNODE *KTNODE::findByNameInHierarchy(const char *name) {
+    if (!name) return nullptr;
+    return keltra::walkTree(this, [name](KTNODE *node, unsigned int) {
+        return isNamed(*node, name) ? keltra::kStopWalk : node->numberOfChildren;
+    });
+}
+
+KTNODE *KTNODE::findByIdInHierarchy(unsigned int id) {
+    return keltra::walkTree(this, [id](KTNODE *node, unsigned int) {
+        return node->id == id ? keltra::kStopWalk : node->numberOfChildren;
+    });
+}
+
+void KTNODE::setName(const char *text) {
+    if (!text) return;
+    std::size_t length = ::strnlen(text, sizeof name);
+    if (length < sizeof name) keltra::copyText(name, text);
+}
+
+const char *KTNODE::getTypeName() const { return type < kTypeNames ? typeNames[type] : "unknown"; }
+
+void KTNODE::setPosition(float x, float y) { setPosition(x, y, position.z); }
+void KTNODE::setPosition(float x, float y, float z) { position.set(x, y, z); }
+void KTNODE::setPosition(R3XVECTOR3D value) { position = value; }
+
+void KTNODE::setRotation(float x, float y) { setRotation(x, y, rotation.z); }
+void KTNODE::setRotation(float x, float y, float z) { rotation.set(x, y, z); }
+void KTNODE::setRotation(R3XVECTOR3D value) { rotation = value; }
+
+void KTNODE::setOrigin(float x, float y) { setOrigin(x, y, origin.z); }
+void KTNODE::setOrigin(float x, float y, float z) { origin.set(x, y, z); }
+void KTNODE::setOrigin(R3XVECTOR3D value) { origin = value; }
+
+void KTNODE::setDirection(float x, float y) { setDirection(x, y, direction.z); }
+void KTNODE::setDirection(float x, float y, float z) { direction.set(x, y, z); }
+void KTNODE::setDirection(R3XVECTOR3D value) { direction = value; }
+
+void KTNODE::setTarget(float x, float y) { setTarget(x, y, target.z); }
+void KTNODE::setTarget(float x, float y, float z) { target.set(x, y, z); }
+void KTNODE::setTarget(R3XVECTOR3D value) { target = value; }
+
+// The sums leave an untouched Z as it is, a negative zero too.
+void KTNODE::move(float x, float y) { setPosition(position.x + x, position.y + y); }
+void KTNODE::move(float x, float y, float z) { move(R3XVECTOR3D(x, y, z)); }
+void KTNODE::move(R3XVECTOR3D step) { position += step; }
+
+void KTNODE::rotate(float x, float y) { setRotation(rotation.x + x, rotation.y + y); }
+void KTNODE::rotate(float x, float y, float z) { rotate(R3XVECTOR3D(x, y, z)); }
+void KTNODE::rotate(R3XVECTOR3D step) { rotation += step; }
+
+// Aiming at itself is how a node aims at its fixed target; that pointer dies with the node.
+void KTNODE::setTargetNode(KTNODE *node) {
+    targetNode = node;
+    if (node && node != this) node->targeted = true;
+}

@@ -1,0 +1,107 @@
+#include <keltra/mesh.h>
+#include <keltra/shader.h>
+
+#include <algorithm>
+
+#include "foundation/block.h"
+#include "math/fixed.h"
+#include "scene/skin_kernel.h"
+
+namespace {
+
+const char kReferenceFrame[] = "HumanoidRoot";
+
+template <class Kernel>
+void skin(const keltra::SkinJob &job, unsigned int boneCount) {
+    static typename Kernel::Bone bones[KTMESH::maxBones];
+    for (unsigned int b = 0; b < boneCount; ++b) {
+        std::int32_t matrix[16];
+        keltra::toFixed(KTMESH::skinMatrices[b].m, matrix, 16);
+        Kernel::encode(matrix, bones[b]);
+    }
+    Kernel::run(job, bones, boneCount);
+}
+
+void fillShaderBones(unsigned int boneCount) {
+    for (unsigned int b = 0; b < boneCount; ++b) {
+        const R3XMATRIX &matrix = KTMESH::skinMatrices[b];
+        const R3XVECTOR4D turn = matrix.toQuaternionVelto();
+        const float quaternion[4] = {turn.x, turn.y, turn.z, turn.w};
+        std::copy_n(quaternion, 4, KTMESH::boneQuaternions[b]);
+        std::copy_n(matrix.m + 12, 3, KTMESH::boneTranslations[b]);
+    }
+}
+
+}  // namespace
+
+bool KTMESH::resetBones(KTNODE *root) {
+    if (!root) return false;
+    if (numberOfInfluences == 0 || !bones) return true;
+    for (unsigned int b = 0; b < numberOfBones; ++b) {
+        KTBONE &bone = bones[b];
+        bone.node = root->findByNameInHierarchy(bone.name);
+        bone.inverseBindMatrix =
+            bone.node ? bone.node->getFinalMatrix(kReferenceFrame).inverse() : R3XMATRIX();
+    }
+    return true;
+}
+
+// A file may list more bones than a pool slot holds; its influences never address those.
+unsigned int KTMESH::countPoolBones() const {
+    return bones ? std::min<unsigned int>(numberOfBones, maxBones) : 0;
+}
+
+bool KTMESH::usesSkinningShader() const { return KTSHADER::useSkinning() && numberOfInfluences == 4; }
+
+bool KTMESH::animate(unsigned int slot) {
+    if (numberOfInfluences == 0) return true;
+    if (slot >= maxSkins || !boneMatrices) return false;
+    const unsigned int boneCount = countPoolBones();
+    const R3XMATRIX *pool = boneMatrices + slot * maxBones;
+    // The node is looked up once a draw; everything below works on the pool's matrices.
+    const R3XMATRIX toReference = getFinalMatrix(kReferenceFrame).inverse();
+    for (unsigned int b = 0; b < boneCount; ++b)
+        skinMatrices[b] = bones[b].inverseBindMatrix * (pool[b] * toReference);
+    if (usesSkinningShader()) {
+        fillShaderBones(boneCount);
+        return true;
+    }
+    return skinVertices(boneCount);
+}
+
+// Four influences a vertex leave the skinning to a shader where there is one; the arrays are made here then,
+// once, for a mesh with another number.
+bool KTMESH::makeSkinnedArrays() {
+    if (skinnedVertices && skinnedNormals) return true;
+    const std::size_t bytes = std::size_t(numberOfVertices) * 3 * sizeof(std::int32_t);
+    void *positions = keltra::newBlock(bytes), *normals = keltra::newBlock(bytes);
+    if (!positions || !normals) {
+        keltra::releaseBlock(positions);
+        keltra::releaseBlock(normals);
+        return false;
+    }
+    keltra::releaseBlock(skinnedVertices);
+    keltra::releaseBlock(skinnedNormals);
+    skinnedVertices = static_cast<std::int32_t *>(positions);
+    skinnedNormals = static_cast<std::int32_t *>(normals);
+    std::fill_n(skinnedVertices, numberOfVertices * 3u, 0);
+    std::fill_n(skinnedNormals, numberOfVertices * 3u, 0);
+    return true;
+}
+
+bool KTMESH::skinVertices(unsigned int boneCount) {
+    if (numberOfVertices == 0 || !vertices || !vertexNormals || !influenceBones || !influenceWeights)
+        return true;
+    if (!makeSkinnedArrays()) return false;
+    const keltra::SkinJob job = {numberOfVertices, numberOfInfluences, vertices,        vertexNormals,
+                                 influenceBones,   influenceWeights,   skinnedVertices, skinnedNormals};
+#if defined(KELTRA_SKIN_AVX2)
+    static const bool wide = keltra::Avx2Skin::isSupported();
+    if (wide) {
+        skin<keltra::Avx2Skin>(job, boneCount);
+        return true;
+    }
+#endif
+    skin<keltra::ScalarSkin>(job, boneCount);
+    return true;
+}

@@ -1,0 +1,365 @@
+#include <EGL/egl.h>
+#include <SDL.h>
+#include <gmock/gmock.h>
+#include <keltra/keltra.h>
+
+#include <string>
+
+#include "tests/support/allocations.h"
+#include "tests/support/gl_recorder.h"
+#include "tests/support/startup_faults.h"
+#include "tests/support/temp_file.h"
+
+namespace keltra::test {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr std::size_t kEntries = 777 * sizeof(KTELEMENT);
+constexpr std::size_t kOrder = 777 * sizeof(KTELEMENT *);
+constexpr std::size_t kBonePool = KTMESH::maxSkins * KTMESH::maxBones * sizeof(R3XMATRIX);
+
+class StartupTest : public ::testing::Test {
+   protected:
+    void SetUp() override {
+        StartupFaults::clear();
+        GlRecorder::clear();
+    }
+    void TearDown() override {
+        KELTRA::free();
+        Allocations::clear();
+        StartupFaults::clear();
+        GlRecorder::clear();
+    }
+
+    /// The run log of what `work` does. Opening the log forgets identifiers: no object may exist.
+    template <class Work>
+    std::string logOf(Work work) {
+        const std::string path = folder.path("run.log");
+        EXPECT_TRUE(vnfOpenLog(path.c_str()));
+        work();
+        vnfCloseLog();
+        vnfOpenLog(nullptr);
+        const std::vector<std::uint8_t> bytes = readFile(path);
+        return {bytes.begin(), bytes.end()};
+    }
+
+    /// Everything that was created is gone, and gone once.
+    static void expectNothingLeft() {
+        EXPECT_FALSE(KELTRA::isActive());
+        EXPECT_FALSE(KTSETTINGS::isActive());
+        EXPECT_FALSE(KTOPENGL::isActive());
+        EXPECT_FALSE(KTELEMENT::isActive());
+        EXPECT_EQ(KTMESH::boneMatrices, nullptr);
+        EXPECT_EQ(KELTRA::timer, -1);
+        EXPECT_EQ(KTSETTINGS::window, nullptr);
+        EXPECT_EQ(KTSETTINGS::glesDisplay, nullptr);
+        EXPECT_EQ(KTSETTINGS::glesSurface, nullptr);
+        EXPECT_EQ(KTSETTINGS::glesContext, nullptr);
+        EXPECT_EQ(StartupFaults::succeeded("eglDestroyContext"), StartupFaults::succeeded("eglCreateContext"));
+        EXPECT_EQ(StartupFaults::succeeded("eglDestroySurface"),
+                  StartupFaults::succeeded("eglCreateWindowSurface"));
+        EXPECT_EQ(StartupFaults::count("eglDestroyContext"), StartupFaults::succeeded("eglCreateContext"));
+        EXPECT_EQ(StartupFaults::count("eglDestroySurface"), StartupFaults::succeeded("eglCreateWindowSurface"));
+        EXPECT_GE(StartupFaults::succeeded("eglTerminate"), StartupFaults::succeeded("eglInitialize"));
+        EXPECT_LE(StartupFaults::count("eglTerminate"), StartupFaults::count("eglInitialize"));
+        EXPECT_EQ(StartupFaults::count("SDL_Quit"), StartupFaults::succeeded("SDL_Init"));
+        EXPECT_EQ(KTNODE::getNumberOfNodes() + KTTEXTURE::getNumberOfTextures() + KTFBO::getNumberOfFbos() +
+                      KTMATERIAL::getNumberOfMaterials() + KTSHADER::getNumberOfShaders(),
+                  0u);
+    }
+
+    KTSETTINGS settings;
+    const TempFolder folder;
+};
+
+TEST_F(StartupTest, CallsSdlAndEglInTheirOrder) {
+    settings.setFullScreen(false);
+    settings.setResizable(true);
+    ASSERT_TRUE(KELTRA::init(&settings));
+    std::vector<std::string> names;
+    for (const std::string &name : StartupFaults::names())
+        if (names.empty() || names.back() != name) names.push_back(name);
+    EXPECT_THAT(names, ElementsAre("SDL_Init", "SDL_VideoModeOK", "SDL_WM_SetCaption", "SDL_SetVideoMode",
+                                   "SDL_GetWMInfo", "eglGetDisplay", "eglInitialize", "eglChooseConfig",
+                                   "eglCreateWindowSurface", "eglCreateContext", "eglMakeCurrent"));
+    EXPECT_THAT(StartupFaults::last("SDL_Init").arguments, ElementsAre(0x20));
+    // The full-screen and resizable settings change neither of the flags.
+    EXPECT_THAT(StartupFaults::last("SDL_VideoModeOK").arguments, ElementsAre(240, 320, 16, 0xC0000021));
+    EXPECT_THAT(StartupFaults::last("SDL_SetVideoMode").arguments, ElementsAre(240, 320, 16, 0x80000021));
+    EXPECT_THAT(StartupFaults::last("SDL_WM_SetCaption").arguments, ElementsAre(0, 0));
+    EXPECT_THAT(StartupFaults::last("eglGetDisplay").arguments, ElementsAre(0));
+    EXPECT_EQ(StartupFaults::last("eglCreateWindowSurface").arguments[3], 0);
+    EXPECT_EQ(StartupFaults::last("eglCreateContext").arguments[2], 0);
+    EXPECT_EQ(StartupFaults::last("eglCreateContext").arguments[3], 0);
+    const Call &current = StartupFaults::last("eglMakeCurrent");
+    EXPECT_EQ(current.arguments[1], current.arguments[2]);
+    EXPECT_EQ(StartupFaults::count("SDL_Quit"), 0);
+}
+
+TEST_F(StartupTest, AsksForTheExactConfigurationFirst) {
+    settings.setZetaDepth(24);
+    StartupFaults::findNoConfigs();
+    ASSERT_TRUE(KELTRA::init(&settings));
+    const std::vector<Call> choices = StartupFaults::all("eglChooseConfig");
+    ASSERT_EQ(choices.size(), 2u);
+    EXPECT_THAT(choices[0].contents,
+                ElementsAre(EGL_LEVEL, 0, EGL_NATIVE_RENDERABLE, EGL_FALSE, EGL_DEPTH_SIZE, 24, EGL_SURFACE_TYPE,
+                            EGL_WINDOW_BIT, EGL_NONE));
+    EXPECT_THAT(choices[1].contents,
+                ElementsAre(EGL_LEVEL, 0, EGL_NATIVE_RENDERABLE, EGL_DONT_CARE, EGL_DEPTH_SIZE, 24,
+                            EGL_SURFACE_TYPE, EGL_WINDOW_BIT, EGL_NONE));
+    EXPECT_EQ(choices[0].arguments[3], 32);
+}
+
+TEST_F(StartupTest, LogsTheNumberOfConfigurationsOnceAndNothingElse) {
+    const std::string log = logOf([this] {
+        EXPECT_TRUE(KELTRA::init(&settings));
+        EXPECT_TRUE(KELTRA::free());
+    });
+    const char line[] = "\n      Number of available configs: ";
+    const std::size_t found = log.find(line);
+    ASSERT_NE(found, std::string::npos) << log;
+    EXPECT_GT(std::stoi(log.substr(found + sizeof line - 1)), 0);
+    EXPECT_EQ(log.find("Number of available configs", found + sizeof line), std::string::npos);
+    EXPECT_THAT(log, Not(HasSubstr("wrong params")));
+}
+
+TEST_F(StartupTest, LogsAnEmptyChoiceOnce) {
+    StartupFaults::findNoConfigs(2);
+    const std::string log = logOf([this] { EXPECT_FALSE(KELTRA::init(&settings)); });
+    const std::string line = "\n      Number of available configs: 0\n";
+    const std::size_t found = log.find(line);
+    ASSERT_NE(found, std::string::npos) << log;
+    EXPECT_EQ(log.find("Number of available configs", found + line.size()), std::string::npos);
+    expectNothingLeft();
+}
+
+TEST_F(StartupTest, AChoiceThatFailsIsNotLogged) {
+    StartupFaults::fail("eglChooseConfig");
+    const std::string log = logOf([this] { EXPECT_FALSE(KELTRA::init(&settings)); });
+    EXPECT_THAT(log, Not(HasSubstr("Number of available configs")));
+}
+
+struct Fault {
+    const char *name;
+    void (*cause)();
+    const char *notReached;  // a call that must not come any more
+};
+
+void PrintTo(const Fault &fault, std::ostream *stream) { *stream << fault.name; }
+
+class StartupFaultTest : public StartupTest, public ::testing::WithParamInterface<Fault> {};
+
+TEST_P(StartupFaultTest, LeavesNothingBehindAndALaterStartWorks) {
+    const Fault &fault = GetParam();
+    if (std::string(fault.name).find("Memory") == 0 && !Allocations::canFail())
+        GTEST_SKIP() << "a sanitizer owns malloc here";
+    settings.setRenderingElements(777);
+    fault.cause();
+    EXPECT_FALSE(KELTRA::init(&settings));
+    expectNothingLeft();
+    if (fault.notReached) {
+        EXPECT_EQ(StartupFaults::count(fault.notReached), 0);
+    }
+    EXPECT_FALSE(KELTRA::free());
+
+    StartupFaults::clear();
+    Allocations::clear();
+    ASSERT_TRUE(KELTRA::init(&settings));
+    EXPECT_EQ(KTELEMENT::getNumberOfElements(), 777u);
+    EXPECT_TRUE(KELTRA::clear(true, true, false));
+    EXPECT_TRUE(KELTRA::begin3D(nullptr));
+    EXPECT_TRUE(KELTRA::end3D());
+    EXPECT_TRUE(KELTRA::swap());
+    EXPECT_TRUE(KELTRA::free());
+    expectNothingLeft();
+}
+
+const Fault kFaults[] = {
+    {"SdlInit", [] { StartupFaults::fail("SDL_Init"); }, "SDL_VideoModeOK"},
+    {"VideoModeOK", [] { StartupFaults::fail("SDL_VideoModeOK"); }, "SDL_SetVideoMode"},
+    {"SetVideoMode", [] { StartupFaults::fail("SDL_SetVideoMode"); }, "eglGetDisplay"},
+    {"GetWMInfo", [] { StartupFaults::fail("SDL_GetWMInfo"); }, "eglCreateContext"},
+    {"GetDisplay", [] { StartupFaults::fail("eglGetDisplay"); }, "eglChooseConfig"},
+    {"Initialize", [] { StartupFaults::fail("eglInitialize"); }, "eglChooseConfig"},
+    {"ChooseConfig", [] { StartupFaults::fail("eglChooseConfig"); }, "eglCreateWindowSurface"},
+    {"NoConfigs", [] { StartupFaults::findNoConfigs(2); }, "eglCreateWindowSurface"},
+    {"Surface", [] { StartupFaults::fail("eglCreateWindowSurface"); }, "eglCreateContext"},
+    {"Context", [] { StartupFaults::fail("eglCreateContext"); }, nullptr},
+    {"MakeCurrent", [] { StartupFaults::fail("eglMakeCurrent"); }, nullptr},
+    {"MemoryOfTheEntries", [] { Allocations::failNext(kEntries); }, nullptr},
+    {"MemoryOfTheOrder", [] { Allocations::failNext(kOrder); }, nullptr},
+    {"MemoryOfTheBonePool", [] { Allocations::failNext(kBonePool); }, nullptr},
+};
+
+INSTANTIATE_TEST_SUITE_P(Steps, StartupFaultTest, ::testing::ValuesIn(kFaults),
+                         [](const auto &info) { return std::string(info.param.name); });
+
+TEST_F(StartupTest, ASizeThatIsNoSizeIsRefused) {
+    for (int size : {0, -1, -2147483647 - 1}) {
+        settings.constructor();
+        settings.setWindowX(size);
+        EXPECT_FALSE(KELTRA::init(&settings));
+        settings.constructor();
+        settings.setWindowY(size);
+        EXPECT_FALSE(KELTRA::init(&settings));
+    }
+    expectNothingLeft();
+}
+
+TEST_F(StartupTest, StartsOnceAndStopsOnce) {
+    EXPECT_FALSE(KELTRA::free());
+    EXPECT_TRUE(KELTRA::init(&settings));
+    const Call context = StartupFaults::last("eglCreateContext");
+    EXPECT_FALSE(KELTRA::init(&settings));
+    EXPECT_FALSE(KELTRA::init(nullptr));
+    EXPECT_TRUE(KELTRA::isActive());
+    EXPECT_EQ(StartupFaults::count("SDL_Init"), 1);
+    EXPECT_TRUE(KELTRA::free());
+    EXPECT_FALSE(KELTRA::free());
+    EXPECT_FALSE(KELTRA::isActive());
+    expectNothingLeft();
+}
+
+TEST_F(StartupTest, NullStandsForTheDefaultSettings) {
+    ASSERT_TRUE(KELTRA::init(nullptr));
+    EXPECT_STREQ(KTSETTINGS::getSDLTitle(), "Keltra 3D Graphics Engine for PDA v1.6.6a");
+    EXPECT_EQ(KTSETTINGS::getSDLWindowX(), 240);
+    EXPECT_EQ(KTSETTINGS::getSDLWindowY(), 320);
+    EXPECT_TRUE(KTSETTINGS::isSDLFullScreen());
+    EXPECT_EQ(KTELEMENT::getNumberOfElements(), 1024u);
+    EXPECT_EQ(KELTRA::getVideoMemory(), 8388608u);
+}
+
+TEST_F(StartupTest, TakesOverSomeValuesAndReportsTheDepthsOfTheGl) {
+    const std::string title(300, 't');
+    settings.setTitle(title.c_str());
+    settings.setFullScreen(false);
+    settings.setResizable(true);
+    settings.setLandscape(true);
+    settings.setShaders(true);
+    settings.setStencilDepth(77);
+    ASSERT_TRUE(KELTRA::init(&settings));
+    EXPECT_EQ(KTSETTINGS::getSDLTitle(), std::string(255, 't'));
+    EXPECT_FALSE(KTSETTINGS::isSDLFullScreen());
+    EXPECT_TRUE(KTSETTINGS::isSDLResizable());
+    EXPECT_TRUE(KTSETTINGS::isSDLLandscape());
+    EXPECT_TRUE(KTSETTINGS::getSDLShaders());
+    EXPECT_NE(KTSETTINGS::getSDLWindow(), nullptr);
+    const GlRecorder::Pause pause;
+    int colors = 0;
+    GLint bits = 0;
+    for (GLenum name : {GL_RED_BITS, GL_GREEN_BITS, GL_BLUE_BITS, GL_ALPHA_BITS}) {
+        glGetIntegerv(name, &bits);
+        colors += bits;
+    }
+    EXPECT_EQ(KTSETTINGS::getSDLColorDepth(), colors);
+    glGetIntegerv(GL_DEPTH_BITS, &bits);
+    EXPECT_EQ(KTSETTINGS::getSDLZetaDepth(), bits);
+    glGetIntegerv(GL_STENCIL_BITS, &bits);
+    EXPECT_EQ(KTSETTINGS::getSDLStencilDepth(), bits);
+}
+
+// Meant: these running values stay zero, so the off-screen buffer cannot be forced from a settings file.
+TEST_F(StartupTest, LeavesTheOtherRunningValuesZero) {
+    settings.setForceFBO(true);
+    settings.setRenderingElements(100);
+    settings.setShadowMapSize(512);
+    ASSERT_TRUE(KELTRA::init(&settings));
+    EXPECT_FALSE(KTSETTINGS::getSDLForceFBO());
+    EXPECT_EQ(KTSETTINGS::getSDLFBOSizeX(), 0);
+    EXPECT_EQ(KTSETTINGS::getSDLFBOSizeY(), 0);
+    EXPECT_EQ(KTSETTINGS::getSDLShadowMapSize(), 0);
+    EXPECT_EQ(KTSETTINGS::getSDLWaterSize(), 0);
+    EXPECT_EQ(KTSETTINGS::renderingElements, 0);
+    EXPECT_EQ(KTSETTINGS::getVNAAudioChannels(), 0);
+    EXPECT_EQ(KTSETTINGS::getVNAAudioBuffers(), 0);
+    EXPECT_EQ(KTSETTINGS::getVNAAudioElements(), 0);
+    EXPECT_EQ(KTELEMENT::getNumberOfElements(), 100u) << "the capacity is the settings object's own";
+    EXPECT_TRUE(KELTRA::clear(true, true, false));
+    EXPECT_FALSE(KELTRA::renderingOnFbo);
+}
+
+TEST_F(StartupTest, HandsThePathsToTheirClasses) {
+    settings.setKTEPath("scenes/");
+    settings.setKTAPath("moves/");
+    settings.setTexturePath("textures/");
+    settings.setShaderPath("shaders/");
+    ASSERT_TRUE(KELTRA::init(&settings));
+    EXPECT_STREQ(KELTRA::getKTEPath(), "scenes/");
+    EXPECT_STREQ(KTANIM::getKTAPath(), "moves/");
+    EXPECT_STREQ(KTTEXTURE::getPath(), "textures/");
+    EXPECT_STREQ(KTSHADER::getPath(), "shaders/");
+    ASSERT_TRUE(KELTRA::free());
+    EXPECT_STREQ(KELTRA::getKTEPath(), "scenes/") << "kept until the next start";
+    ASSERT_TRUE(KELTRA::init(nullptr));
+    EXPECT_STREQ(KELTRA::getKTEPath(), "");
+    EXPECT_STREQ(KTTEXTURE::getPath(), "");
+}
+
+TEST_F(StartupTest, TheRenderListHoldsUpTo1024Entries) {
+    const struct {
+        int asked;
+        unsigned int given;
+    } cases[] = {{0, 1024}, {5000, 1024}, {-1, 1024}, {10, 10}};
+    for (const auto &[asked, given] : cases) {
+        settings.setRenderingElements(asked);
+        ASSERT_TRUE(KELTRA::init(&settings));
+        EXPECT_EQ(KTELEMENT::getNumberOfElements(), given) << "for " << asked;
+        ASSERT_TRUE(KELTRA::free());
+    }
+}
+
+TEST_F(StartupTest, IsOkAsksForTheModeThatStartUpChecks) {
+    ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO), 0);
+    EXPECT_TRUE(settings.isOk());
+    EXPECT_THAT(StartupFaults::last("SDL_VideoModeOK").arguments, ElementsAre(240, 320, 16, 0xC0000021));
+    StartupFaults::fail("SDL_VideoModeOK");
+    EXPECT_FALSE(settings.isOk());
+    settings.setWindowX(-5);
+    EXPECT_FALSE(settings.isOk());
+    SDL_Quit();
+}
+
+TEST_F(StartupTest, TenCyclesEachStartAfresh) {
+    for (int cycle = 0; cycle < 10; ++cycle) {
+        SCOPED_TRACE(cycle);
+        GlRecorder::clear();
+        ASSERT_TRUE(KELTRA::init(&settings));
+        EXPECT_EQ(GlRecorder::count("glEnable", {GL_CULL_FACE}), 1);
+        EXPECT_TRUE(KTOPENGL::isCulled());
+        EXPECT_FALSE(KTOPENGL::isBlended());
+        EXPECT_FALSE(KTOPENGL::isTwoSide());
+        EXPECT_FALSE(KTLIGHT::getLighting());
+        {
+            const GlRecorder::Pause pause;
+            EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
+            for (GLenum name : {GL_MODELVIEW_STACK_DEPTH, GL_PROJECTION_STACK_DEPTH}) {
+                GLint depth = 0;
+                glGetIntegerv(name, &depth);
+                EXPECT_EQ(depth, 1);
+            }
+        }
+        // What this leaves behind was true of a context that is gone in the next cycle.
+        KTOPENGL::cullingOff();
+        KTOPENGL::blendingOn();
+        KTOPENGL::twoSideOn();
+        KTOPENGL::textureArrayOn();
+        KTLIGHT::lightingOn();
+        KT_glPushMatrix();
+        KT_glMatrixMode(GL_PROJECTION);
+        KT_glPushMatrix();
+        new KTNODE;
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+        ASSERT_TRUE(KELTRA::free());
+        EXPECT_EQ(KTNODE::getNumberOfNodes(), 0u);
+    }
+    expectNothingLeft();
+}
+
+}  // namespace
+}  // namespace keltra::test

@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+#include <keltra/foundation.h>
+#include <sys/sysinfo.h>
+
+#include <cstdint>
+#include <cstdlib>
+
+#include "foundation/lifecycle.h"
+#include "tests/foundation/foundation_fixture.h"
+#include "tests/support/allocations.h"
+#include "tests/support/interpose.h"
+
+namespace {
+
+// What the system tells about its memory while a test says so.
+bool memoryIsFaked = false;
+bool memoryFails = false;
+unsigned long totalPages = 0, freePages = 0;
+constexpr unsigned int kPage = 4096;
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) int sysinfo(struct sysinfo *info) noexcept {
+    if (!memoryIsFaked) return keltra::test::nextFunction<int(struct sysinfo *)>("sysinfo")(info);
+    if (memoryFails) return -1;
+    *info = {};
+    info->totalram = totalPages;
+    info->freeram = freePages;
+    info->mem_unit = kPage;
+    return 0;
+}
+
+namespace keltra::test {
+namespace {
+
+class MemoryTest : public FoundationTest {
+   protected:
+    ~MemoryTest() override { memoryIsFaked = memoryFails = false; }
+
+    static void setPagesInUse(unsigned long used, unsigned long total = 4000) {
+        memoryIsFaked = true;
+        totalPages = total;
+        freePages = total - used;
+    }
+};
+
+TEST_F(MemoryTest, CountsAllocationsReleasesAndBytes) {
+    const MemoryCounters before = memoryCounters();
+    void *blocks[3];
+    for (void *&block : blocks) block = vnfMalloc(100);
+    vnfFree(blocks[0]);
+    vnfFree(blocks[1]);
+    const MemoryCounters after = memoryCounters();
+    vnfFree(blocks[2]);
+
+    EXPECT_EQ(after.live - before.live, 1u);
+    EXPECT_EQ(after.allocations - before.allocations, 3u);
+    EXPECT_EQ(after.releases - before.releases, 2u);
+    EXPECT_EQ(after.totalBytes - before.totalBytes, 300u);
+    EXPECT_EQ(memoryCounters().totalBytes, after.totalBytes) << "releasing never lowers the total";
+}
+
+TEST_F(MemoryTest, ReleasingNullIsCountedAndHarmless) {
+    const MemoryCounters before = memoryCounters();
+    vnfFree(nullptr);
+    EXPECT_EQ(memoryCounters().live, before.live - 1);
+    EXPECT_EQ(memoryCounters().releases, before.releases + 1);
+    vnfFree(vnfMalloc(0));
+}
+
+TEST_F(MemoryTest, AFailedAllocationIsCounted) {
+    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    const MemoryCounters before = memoryCounters();
+    Allocations::failNext(12345);
+    EXPECT_EQ(vnfMalloc(12345), nullptr);
+    EXPECT_EQ(memoryCounters().live, before.live + 1);
+    EXPECT_EQ(memoryCounters().allocations, before.allocations + 1);
+    EXPECT_EQ(memoryCounters().totalBytes, before.totalBytes + 12345);
+}
+
+// In a child: nothing lowers the total again.
+TEST_F(MemoryTest, TheTotalStopsAtItsLimit) {
+    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    EXPECT_EXIT(
+        {
+            for (int i = 0; i < 2; ++i) {
+                Allocations::failNext(UINT32_MAX);
+                vnfMalloc(UINT32_MAX);
+            }
+            std::_Exit(memoryCounters().totalBytes == UINT32_MAX ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_F(MemoryTest, ThePeakIsTheLargestSample) {
+    setPagesInUse(1000);
+    vnfOpenLog(nullptr);
+    EXPECT_EQ(memoryCounters().peak, 1000 * kPage);
+
+    setPagesInUse(1500);
+    vnfFree(vnfMalloc(1));
+    setPagesInUse(1200);
+    vnfFree(vnfMalloc(1));
+    EXPECT_EQ(memoryCounters().peak, 1500 * kPage);
+}
+
+TEST_F(MemoryTest, ReleasingTakesNoSample) {
+    setPagesInUse(1000);
+    vnfOpenLog(nullptr);
+    void *block = vnfMalloc(1);
+    setPagesInUse(2000);
+    vnfFree(block);
+    EXPECT_EQ(memoryCounters().peak, 1000 * kPage);
+}
+
+TEST_F(MemoryTest, OpeningTheLogRestartsThePeak) {
+    setPagesInUse(3000);
+    vnfFree(vnfMalloc(1));
+    setPagesInUse(500);
+    vnfOpenLog(nullptr);
+    EXPECT_EQ(memoryCounters().peak, 500 * kPage);
+}
+
+TEST_F(MemoryTest, ThePeakStopsWhereTheSummaryCanPrintIt) {
+    setPagesInUse(3000000, 4000000);
+    vnfOpenLog(nullptr);
+    EXPECT_EQ(memoryCounters().peak, unsigned(INT32_MAX));
+}
+
+TEST_F(MemoryTest, ASystemThatTellsNothingCountsAsUnused) {
+    setPagesInUse(1000);
+    memoryFails = true;
+    vnfOpenLog(nullptr);
+    EXPECT_EQ(memoryCounters().peak, 0u);
+}
+
+TEST_F(MemoryTest, TheSummaryShowsThePeak) {
+    setPagesInUse(384);
+    startLog();
+    vnfCloseLog();
+    EXPECT_NE(messages().find("Max. physical memory usage: 1.50 mb (1572864 bytes)\n"), std::string::npos);
+}
+
+TEST_F(MemoryTest, FileSizeIsInBytes) {
+    const std::string path = folder.write("data.bin", std::string(1234, 'x'));
+    EXPECT_EQ(vnfFileSize(path.c_str()), 1234);
+    EXPECT_EQ(vnfFileSize(folder.write("empty.bin", std::string()).c_str()), 0);
+}
+
+TEST_F(MemoryTest, FileSizeOfWhatCannotBeMeasuredIsMinusOne) {
+    EXPECT_EQ(vnfFileSize(nullptr), -1);
+    EXPECT_EQ(vnfFileSize(folder.path("missing").c_str()), -1);
+    EXPECT_EQ(vnfFileSize(folder.prefix().c_str()), -1);
+}
+
+TEST_F(MemoryTest, FileExistsWhenItCanBeOpened) {
+    EXPECT_TRUE(vnfFileExists(folder.write("data.bin", std::string()).c_str()));
+    EXPECT_FALSE(vnfFileExists(folder.path("missing").c_str()));
+    EXPECT_FALSE(vnfFileExists(nullptr));
+}
+
+}  // namespace
+}  // namespace keltra::test

@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+#include <keltra/foundation.h>
+#include <time.h>
+
+#include <cmath>
+#include <limits>
+
+#include "tests/foundation/foundation_fixture.h"
+#include "tests/support/interpose.h"
+
+namespace {
+
+// The steady clock while a test holds it: it moves only when told.
+bool clockIsHeld = false;
+timespec heldTime = {1000, 0};
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) int clock_gettime(clockid_t clock, timespec *now) noexcept {
+    if (!clockIsHeld || clock != CLOCK_MONOTONIC)
+        return keltra::test::nextFunction<int(clockid_t, timespec *)>("clock_gettime")(clock, now);
+    *now = heldTime;
+    return 0;
+}
+
+namespace keltra::test {
+namespace {
+
+class TimerTest : public FoundationTest {
+   protected:
+    TimerTest() { clockIsHeld = true; }
+    ~TimerTest() override { clockIsHeld = false; }
+
+    static void passMilliseconds(long milliseconds) {
+        heldTime.tv_nsec += milliseconds * 1000000;
+        heldTime.tv_sec += heldTime.tv_nsec / 1000000000;
+        heldTime.tv_nsec %= 1000000000;
+    }
+};
+
+TEST_F(TimerTest, TheNinthTimerIsRefused) {
+    startLog();
+    for (int i = 0; i < 8; ++i) EXPECT_EQ(vnfNewTimer(1.0f), i);
+    EXPECT_EQ(vnfNewTimer(1.0f), -1);
+    EXPECT_EQ(messages(), "vnfNewTimer: no more timers\n");
+}
+
+TEST_F(TimerTest, AFreedTimerIsTakenAgain) {
+    for (int i = 0; i < 8; ++i) vnfNewTimer(1.0f);
+    EXPECT_TRUE(vnfFreeTimer(3));
+    EXPECT_EQ(vnfNewTimer(1.0f), 3);
+    EXPECT_EQ(vnfNewTimer(1.0f), -1);
+}
+
+TEST_F(TimerTest, WrongIndexesAreRefused) {
+    startLog();
+    for (int index :
+         {8, -1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), 0 /* free */}) {
+        EXPECT_FALSE(vnfFreeTimer(index));
+        EXPECT_FALSE(vnfAdjournTimer(index));
+        EXPECT_EQ(vnfGetTimerFactor(index), -1.0f);
+        EXPECT_EQ(vnfGetTimerFps(index), -1.0f);
+    }
+    std::string expected;
+    for (int i = 0; i < 5; ++i)
+        for (const char *name : {"vnfFreeTimer", "vnfAdjournTimer", "vnfGetTimerFactor", "vnfGetTimerFps"})
+            expected += std::string(name) + ": wrong params\n";
+    EXPECT_EQ(messages(), expected);
+}
+
+TEST_F(TimerTest, WithBaseOneTheFactorIsSeconds) {
+    const int timer = vnfNewTimer(1.0f);
+    passMilliseconds(250);
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(vnfGetTimerFactor(timer), 0.25f) << "the first one measures from vnfNewTimer on";
+    EXPECT_FLOAT_EQ(vnfGetTimerFps(timer), 4.0f);
+
+    passMilliseconds(20);
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(vnfGetTimerFactor(timer), 0.02f);
+    EXPECT_FLOAT_EQ(vnfGetTimerFps(timer), 50.0f);
+}
+
+TEST_F(TimerTest, TheFactorScalesWithTheBaseAndTheRateDoesNot) {
+    const int timer = vnfNewTimer(25.0f);
+    passMilliseconds(20);
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(vnfGetTimerFactor(timer), 0.5f);
+    EXPECT_FLOAT_EQ(vnfGetTimerFps(timer), 50.0f);
+}
+
+TEST_F(TimerTest, TwoAdjournmentsInOneTickYieldFactorOne) {
+    const int timer = vnfNewTimer(30.0f);
+    passMilliseconds(20);
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_EQ(vnfGetTimerFactor(timer), 1.0f);
+    EXPECT_EQ(vnfGetTimerFps(timer), 30.0f);
+}
+
+TEST_F(TimerTest, ANegativeBaseYieldsFactorOne) {
+    const int timer = vnfNewTimer(-2.0f);
+    passMilliseconds(20);
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_EQ(vnfGetTimerFactor(timer), 1.0f);
+    EXPECT_EQ(vnfGetTimerFps(timer), -2.0f);
+}
+
+TEST_F(TimerTest, BaseZeroReturnsAnIndexThatStillCountsAsFree) {
+    EXPECT_EQ(vnfNewTimer(0.0f), 0);
+    EXPECT_FALSE(vnfAdjournTimer(0));
+    EXPECT_EQ(vnfNewTimer(1.0f), 0);
+}
+
+TEST_F(TimerTest, OddBasesAreDefined) {
+    const int nan = vnfNewTimer(std::numeric_limits<float>::quiet_NaN());
+    const int infinite = vnfNewTimer(std::numeric_limits<float>::infinity());
+    const int tiny = vnfNewTimer(std::numeric_limits<float>::denorm_min());
+    passMilliseconds(20);
+    EXPECT_TRUE(vnfAdjournTimer(nan));
+    EXPECT_TRUE(vnfAdjournTimer(infinite));
+    EXPECT_TRUE(vnfAdjournTimer(tiny));
+    EXPECT_TRUE(std::isnan(vnfGetTimerFactor(nan)));
+    EXPECT_TRUE(std::isinf(vnfGetTimerFactor(infinite)));
+    EXPECT_EQ(vnfGetTimerFactor(tiny), 1.0f);
+    EXPECT_TRUE(vnfFreeTimer(nan));
+}
+
+TEST_F(TimerTest, TheRealClockRuns) {
+    clockIsHeld = false;
+    const int timer = vnfNewTimer(1.0f);
+    const timespec pause = {0, 2000000};
+    nanosleep(&pause, nullptr);
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_GE(vnfGetTimerFactor(timer), 0.002f);
+    EXPECT_LT(vnfGetTimerFactor(timer), 60.0f);
+}
+
+}  // namespace
+}  // namespace keltra::test

@@ -1,0 +1,214 @@
+#include "tests/support/gl_recorder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+
+#include "tests/support/gl_functions.h"
+#include "tests/support/interpose.h"
+
+namespace keltra::test {
+namespace {
+
+enum class GlFunction {
+#define KELTRA_NAME(n, f) f,
+    KELTRA_GL_FLOAT_FUNCTIONS(KELTRA_NAME) KELTRA_GL_FIXED_FUNCTIONS(KELTRA_NAME)
+#undef KELTRA_NAME
+};
+
+struct State {
+    CallLog log;
+    int floatCalls = 0;
+    bool recording = true;
+    bool stubbed = false;
+    GLuint nextName = 1;
+    GLint unpackAlignment = 4;
+    GLenum error = GL_NO_ERROR;
+    std::map<GLenum, std::vector<GLint>> integers;
+    std::vector<std::uint8_t> pixels;
+};
+
+// Never destroyed: the engine's unload step may still call the GL after the statics of this file are gone.
+State &state() {
+    static State *const instance = new State;
+    return *instance;
+}
+
+int bytesPerTexel(GLenum format, GLenum type) {
+    if (type != GL_UNSIGNED_BYTE) return 2;
+    switch (format) {
+        case GL_RGBA:
+            return 4;
+        case GL_RGB:
+            return 3;
+        case GL_LUMINANCE_ALPHA:
+            return 2;
+        default:
+            return 1;
+    }
+}
+
+std::vector<std::uint8_t> copyTexels(GLsizei width, GLsizei height, GLenum format, GLenum type,
+                                     const void *texels) {
+    if (!texels || width <= 0 || height <= 0) return {};
+    const std::size_t row = static_cast<std::size_t>(width) * bytesPerTexel(format, type);
+    const std::size_t alignment = state().unpackAlignment;
+    const std::size_t stride = (row + alignment - 1) / alignment * alignment;
+    const auto *bytes = static_cast<const std::uint8_t *>(texels);
+    return {bytes, bytes + stride * (height - 1) + row};
+}
+
+template <class T>
+std::vector<std::int64_t> copyValues(const T *values, GLsizei count) {
+    if (!values || count <= 0) return {};
+    return {values, values + count};
+}
+
+// What lies behind the pointer argument of a function; overloads below for those whose size is known.
+template <GlFunction f, class... A>
+void keepContents(Call &call, A... arguments) {
+    constexpr bool isMatrix = f == GlFunction::glLoadMatrixx || f == GlFunction::glMultMatrixx;
+    constexpr bool isVector =
+        f == GlFunction::glLightxv || f == GlFunction::glMaterialxv || f == GlFunction::glLightModelxv;
+    constexpr bool areNames = f == GlFunction::glDeleteTextures || f == GlFunction::glDeleteBuffers ||
+                              f == GlFunction::glGenTextures || f == GlFunction::glGenBuffers;
+    [[maybe_unused]] const auto all = std::make_tuple(arguments...);
+    if constexpr (isMatrix) {
+        call.contents = copyValues(std::get<0>(all), 16);
+    } else if constexpr (isVector) {
+        call.contents = copyValues(std::get<sizeof...(A) - 1>(all), 4);
+    } else if constexpr (areNames) {
+        call.contents = copyValues(std::get<1>(all), std::get<0>(all));
+    } else if constexpr (f == GlFunction::glTexImage2D) {
+        call.bytes = copyTexels(std::get<3>(all), std::get<4>(all), std::get<6>(all), std::get<7>(all),
+                                std::get<8>(all));
+    } else if constexpr (f == GlFunction::glTexSubImage2D) {
+        call.bytes = copyTexels(std::get<4>(all), std::get<5>(all), std::get<6>(all), std::get<7>(all),
+                                std::get<8>(all));
+    }
+}
+
+void stubNames(GLsizei count, GLuint *names) {
+    for (GLsizei i = 0; i < count; ++i) names[i] = state().nextName++;
+}
+
+void stubIntegers(GLenum pname, GLint *data) {
+    const auto found = state().integers.find(pname);
+    if (found == state().integers.end()) {
+        *data = 0;
+    } else {
+        std::copy(found->second.begin(), found->second.end(), data);
+    }
+}
+
+void stubPixels(GLsizei width, GLsizei height, GLenum format, GLenum type, void *pixels) {
+    const std::size_t size = static_cast<std::size_t>(width) * height * bytesPerTexel(format, type);
+    const std::vector<std::uint8_t> &source = state().pixels;
+    auto *bytes = static_cast<std::uint8_t *>(pixels);
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = source.empty() ? 0 : source[i % source.size()];
+}
+
+template <GlFunction f, class R, class... A>
+R stub(A... arguments) {
+    [[maybe_unused]] const auto all = std::make_tuple(arguments...);
+    if constexpr (f == GlFunction::glGenTextures || f == GlFunction::glGenBuffers) {
+        stubNames(arguments...);
+    } else if constexpr (f == GlFunction::glGetIntegerv) {
+        stubIntegers(arguments...);
+    } else if constexpr (f == GlFunction::glReadPixels) {
+        stubPixels(std::get<2>(all), std::get<3>(all), std::get<4>(all), std::get<5>(all), std::get<6>(all));
+    } else if constexpr (f == GlFunction::glGetError) {
+        return std::exchange(state().error, static_cast<GLenum>(GL_NO_ERROR));
+    } else if constexpr (f == GlFunction::glGetString) {
+        return reinterpret_cast<const GLubyte *>("");
+    } else {
+        return R();
+    }
+}
+
+template <GlFunction f, bool isFloat, class F>
+struct Wrapper;
+template <GlFunction f, bool isFloat, class R, class... A>
+struct Wrapper<f, isFloat, R(A...)> {
+    static R call(const char *name, A... arguments) {
+        State &now = state();
+        if constexpr (f == GlFunction::glPixelStorei) noteAlignment(arguments...);
+        if (!now.recording) return pass(name, arguments...);
+        if (isFloat) ++now.floatCalls;
+        now.log.add({name, {asNumber(arguments)...}, {}, {}});
+        keepInputs(arguments...);
+        if constexpr (f == GlFunction::glGenTextures || f == GlFunction::glGenBuffers) {
+            pass(name, arguments...);
+            keepContents<f>(*now.log.newest(), arguments...);
+        } else {
+            return pass(name, arguments...);
+        }
+    }
+
+   private:
+    static void keepInputs(A... arguments) {
+        if constexpr (f != GlFunction::glGenTextures && f != GlFunction::glGenBuffers) {
+            keepContents<f>(*state().log.newest(), arguments...);
+        }
+    }
+
+    static void noteAlignment(GLenum pname, GLint value) {
+        const bool valid = value == 1 || value == 2 || value == 4 || value == 8;
+        if (pname == GL_UNPACK_ALIGNMENT && valid) state().unpackAlignment = value;
+    }
+
+    static R pass(const char *name, A... arguments) {
+        if (state().stubbed) return stub<f, R>(arguments...);
+        static auto *const driver = nextFunction<R(A...)>(name);
+        return driver(arguments...);
+    }
+};
+
+}  // namespace
+
+void GlRecorder::clear() {
+    state().log.clear();
+    state().floatCalls = 0;
+}
+const std::vector<Call> &GlRecorder::calls() { return state().log.calls(); }
+int GlRecorder::count(std::string_view name) { return state().log.count(name); }
+int GlRecorder::count(std::string_view name, std::initializer_list<std::int64_t> first) {
+    return state().log.count(name, first);
+}
+std::vector<std::string> GlRecorder::names() { return state().log.names(); }
+std::vector<Call> GlRecorder::all(std::string_view name) { return state().log.all(name); }
+const Call &GlRecorder::last(std::string_view name) { return state().log.last(name); }
+int GlRecorder::countFloat() { return state().floatCalls; }
+
+void GlRecorder::setRecording(bool on) { state().recording = on; }
+bool GlRecorder::isRecording() { return state().recording; }
+void GlRecorder::setStubbed(bool on) { state().stubbed = on; }
+bool GlRecorder::isStubbed() { return state().stubbed; }
+void GlRecorder::setInteger(GLenum pname, std::vector<GLint> values) {
+    state().integers[pname] = std::move(values);
+}
+void GlRecorder::setPixels(std::vector<std::uint8_t> bytes) { state().pixels = std::move(bytes); }
+void GlRecorder::setError(GLenum error) { state().error = error; }
+
+GlRecorder::Stub::Stub() {
+    state() = State();
+    setStubbed(true);
+}
+GlRecorder::Stub::~Stub() { state() = State(); }
+
+}  // namespace keltra::test
+
+using keltra::test::GlFunction;
+using keltra::test::Signature;
+using keltra::test::Wrapper;
+
+#define KELTRA_WRAP(n, f, isFloat)                                                                  \
+    extern "C" __attribute__((visibility("default"))) Signature<decltype(f)>::Result GL_APIENTRY f( \
+        KELTRA_PARAMETERS_##n(f)) {                                                                 \
+        return Wrapper<GlFunction::f, isFloat, decltype(f)>::call(#f KELTRA_ARGUMENTS_##n);         \
+    }
+#define KELTRA_WRAP_FLOAT(n, f) KELTRA_WRAP(n, f, true)
+#define KELTRA_WRAP_FIXED(n, f) KELTRA_WRAP(n, f, false)
+
+KELTRA_GL_FLOAT_FUNCTIONS(KELTRA_WRAP_FLOAT)
+KELTRA_GL_FIXED_FUNCTIONS(KELTRA_WRAP_FIXED)

@@ -1,0 +1,35 @@
+#ifndef KELTRA_SAMPLES_FIGURE_H
+#define KELTRA_SAMPLES_FIGURE_H
+
+// The sample character, a lamplighter's boy in a long cap, with two animations; the meadow where he walks and
+// the evening garden of paper lanterns that he tends. One unit is about a foot; he looks along +z and is
+// three units tall.
+
+#include <vector>
+
+#include "tools/samples/kta_writer.h"
+#include "tools/samples/scene.h"
+
+namespace keltra {
+namespace samples {
+
+// "figure", with "HumanoidRoot" below it: the bones, and one skin beside them.
+Scene makeFigure();
+
+// Both have all bones of the figure and run in a circle; positions belong to them.
+Animation makeWalk();  // two steps
+Animation makeWave();  // the right arm
+
+constexpr float kWalkStride = 1.42f;  // units that the ground moves in one circle of the walk
+
+Scene makeMeadow();
+Scene makeGarden();
+
+// figure.kte, walk.kta, wave.kta, meadow.kte, garden.kte, their textures, and figure.cfg, settings that suit
+// them.
+std::vector<SampleFile> makeFigureFiles();
+
+}  // namespace samples
+}  // namespace keltra
+
+#endif  // KELTRA_SAMPLES_FIGURE_H

@@ -1,0 +1,28 @@
+#ifndef KELTRA_SAMPLES_SCENE_H
+#define KELTRA_SAMPLES_SCENE_H
+
+// The sample scene: a serpent in the pool of a ruined court, at moonrise.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/samples/kte_writer.h"
+
+namespace keltra {
+namespace samples {
+
+struct SampleFile {
+    std::string name;
+    std::vector<uint8_t> bytes;
+};
+
+Scene makeScene();
+
+// scene.kte, the textures that it names, and scene.cfg, settings that suit it.
+std::vector<SampleFile> makeSampleFiles();
+
+}  // namespace samples
+}  // namespace keltra
+
+#endif  // KELTRA_SAMPLES_SCENE_H
