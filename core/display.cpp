@@ -5,6 +5,7 @@
 
 #include <keltra/anim.h>
 #include <keltra/engine.h>
+#include <keltra/font.h>
 #include <keltra/foundation.h>
 #include <keltra/settings.h>
 #include <keltra/shader.h>
@@ -63,6 +64,7 @@ bool KTSETTINGS::init(KTSETTINGS *settings) {
     KTANIM::setKTAPath(record.ktaPath);
     KTTEXTURE::setPath(record.texturePath);
     KTSHADER::setPath(record.shaderPath);
+    KTFONT::setPath(record.fontPath);
     if (!openWindow(record) || !openContext(record)) {
         closeContext();
         return false;

@@ -6,6 +6,7 @@
 #include <keltra/material.h>
 #include <keltra/mesh.h>
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
@@ -13,6 +14,7 @@
 #include "core/glbridge.h"
 #include "core/local_transform.h"
 #include "core/tree_walk.h"
+#include "gui/widgets.h"
 
 const unsigned int KTELEMENT::maxElements;
 const unsigned int KTELEMENT::nearestLights;
@@ -43,6 +45,12 @@ bool isCulled(const KTNODE &node) {
     KT_glGetFloatv(0, m);
     float distance = std::sqrt(m[12] * m[12] + m[13] * m[13] + m[14] * m[14]);
     return distance > 2.0f * keltra::boundingRadius(&node) + KTELEMENT::clippingRadius;
+}
+
+// A folded window shows its title bar, the first child, and nothing else.
+unsigned int childrenToPass(KTNODE *node) {
+    const KTWINDOW *window = keltra::asWindow(node);
+    return window && window->isMinimized() ? std::min(node->numberOfChildren, 1u) : node->numberOfChildren;
 }
 
 // Remembers which levels of a walk really pushed a matrix: a full stack takes no more.
@@ -87,6 +95,7 @@ bool KTELEMENT::init(unsigned int n) {
     elementPointer = static_cast<KTELEMENT **>(order);
     for (unsigned int i = 0; i < capacity; ++i) elementPointer[i] = new (&element[i]) KTELEMENT;
     numberOfElements = capacity;
+    keltra::resetEvents();
     active = true;
     return true;
 }
@@ -119,7 +128,7 @@ bool KTELEMENT::pass(KTNODE *root, bool) {
         levels.push(depth);
         keltra::applyLocalTransform(*node);
         if (isDrawable(*node) && !isCulled(*node)) append(node);
-        return node->numberOfChildren;
+        return childrenToPass(node);
     };
     auto leave = [&](KTNODE *node, unsigned int depth) {
         if (node == refused)

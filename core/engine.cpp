@@ -4,7 +4,9 @@
 
 #include <keltra/anim.h>
 #include <keltra/element.h>
+#include <keltra/emitter.h>
 #include <keltra/fbo.h>
+#include <keltra/font.h>
 #include <keltra/foundation.h>
 #include <keltra/light.h>
 #include <keltra/material.h>
@@ -13,6 +15,7 @@
 #include <keltra/settings.h>
 #include <keltra/shader.h>
 #include <keltra/texture.h>
+#include <keltra/video.h>
 
 #include "foundation/text.h"
 
@@ -52,7 +55,6 @@ void forgetGLState() {
 
 }  // namespace
 
-// Fonts start between the render list and the meshes, emitters after the meshes.
 bool KELTRA::init(KTSETTINGS *settings) {
     if (active) return false;
     if (SDL_Init(SDL_INIT_VIDEO) == -1) return false;
@@ -64,12 +66,18 @@ bool KELTRA::init(KTSETTINGS *settings) {
             KTOPENGL::resize(0, 0, settings->getWindowX(), settings->getWindowY());
             if (KTSHADER::init()) {
                 if (KTELEMENT::init(static_cast<unsigned int>(settings->getRenderingElements()))) {
-                    if (KTMESH::init()) {
-                        timer = vnfNewTimer(1.0f);
-                        timerUpdated = false;
-                        videoMemoryTotal = kVideoMemory;
-                        active = true;
-                        return true;
+                    if (KTFONT::init()) {
+                        if (KTMESH::init()) {
+                            if (KTEMITTER::init()) {
+                                timer = vnfNewTimer(1.0f);
+                                timerUpdated = false;
+                                videoMemoryTotal = kVideoMemory;
+                                active = true;
+                                return true;
+                            }
+                            KTMESH::free();
+                        }
+                        KTFONT::free();
                     }
                     KTELEMENT::free();
                 }
@@ -90,12 +98,16 @@ bool KELTRA::free() {
     vnfFreeTimer(timer);
     timer = -1;
     KTELEMENT::reset();
+    KTFONT::cleanUp();
     KTNODE::cleanUp();
     KTFBO::cleanUp();
     KTSHADER::cleanUp();
     KTMATERIAL::cleanUp();
     KTTEXTURE::cleanUp();
     KTANIM::cleanUp();
+    KTVIDEO::cleanUp();
+    KTEMITTER::free();
+    KTFONT::free();
     KTMESH::free();
     KTELEMENT::free();
     KTSHADER::free();

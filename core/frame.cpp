@@ -4,6 +4,7 @@
 #include <keltra/element.h>
 #include <keltra/engine.h>
 #include <keltra/fbo.h>
+#include <keltra/font.h>
 #include <keltra/glbridge.h>
 #include <keltra/light.h>
 #include <keltra/material.h>
@@ -131,6 +132,7 @@ bool KELTRA::begin2D() {
     KTLIGHT::lightingOff();
     KTTEXTURE::texturingOff(kAllChannels);
     KTELEMENT::reset();
+    KTFONT::reset();
     KTOPENGL::blendingOff();
     glDisable(GL_CULL_FACE);
     glDisable(GL_DEPTH_TEST);

@@ -23,10 +23,11 @@ struct FilePath {
 // A whole file in a buffer of the counted allocator; empty when it cannot be read.
 class FileBytes {
    public:
-    explicit FileBytes(const char *path) : bytes(nullptr), length(0) {
+    // A file of more than `largest` bytes counts as one that cannot be read.
+    explicit FileBytes(const char *path, long largest = 0x7fffffff) : bytes(nullptr), length(0) {
         std::FILE *file = path && *path ? std::fopen(path, "rb") : nullptr;
         if (!file) return;
-        read(file);
+        read(file, largest);
         std::fclose(file);
     }
     ~FileBytes() {
@@ -39,10 +40,9 @@ class FileBytes {
     std::size_t size() const { return length; }
 
    private:
-    void read(std::FILE *file) {
-        const long kLargest = 0x7fffffff;
+    void read(std::FILE *file, long largest) {
         long end = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
-        if (end <= 0 || end > kLargest || std::fseek(file, 0, SEEK_SET) != 0) return;
+        if (end <= 0 || end > largest || std::fseek(file, 0, SEEK_SET) != 0) return;
         bytes = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(end)));
         if (!bytes) return;
         length = std::fread(bytes, 1, static_cast<std::size_t>(end), file);

@@ -1,3 +1,4 @@
+#include <keltra/box.h>
 #include <keltra/material.h>
 #include <keltra/shader.h>
 
@@ -100,6 +101,7 @@ void KTSHADER::letGo(KTSHADER &shader) {
     for (KTSHADER **named : kNamed)
         if (*named == &shader) *named = nullptr;
     KTMATERIAL::forgetShader(&shader);
+    KTBOX::forgetShader(&shader);
     shader.delist();
 }
 

@@ -1,7 +1,11 @@
+#include <keltra/box.h>
+#include <keltra/emitter.h>
 #include <keltra/engine.h>
 #include <keltra/fbo.h>
+#include <keltra/font.h>
 #include <keltra/material.h>
 #include <keltra/texture.h>
+#include <keltra/video.h>
 
 #include "foundation/block.h"
 #include "resources/mipmap.h"
@@ -127,12 +131,22 @@ void KTTEXTURE::forgetDeletedGLTexture() {
     if (glId && !ownsGLTexture && deletionsSeen != deletions) deleteGLTexture();
 }
 
+// Whether an RGB picture of that size can be written to the image in GL, whatever sizes stand in the fields.
+bool KTTEXTURE::takesPicture(unsigned int width, unsigned int height) {
+    forgetDeletedGLTexture();
+    return glId && uploadedBpp == 3 && uploadedX >= width && uploadedY >= height;
+}
+
 void KTTEXTURE::letGo(KTTEXTURE &texture) {
     texture.unload(true);
     for (KTTEXTURE *&cached : channelCache)
         if (cached == &texture) cached = nullptr;
     KTMATERIAL::forgetTexture(&texture);
     KTFBO::forgetTexture(&texture);
+    KTFONT::forgetTexture(&texture);
+    KTBOX::forgetTexture(&texture);
+    KTEMITTER::forgetTexture(&texture);
+    KTVIDEO::forgetTexture(&texture);
     texture.delist();
 }
 

@@ -241,9 +241,6 @@ KTNODE *KELTRA::load(const char *fileName) {
     return root;
 }
 
-// Interfaces need the GUI classes; without them no such file can be loaded.
-KTNODE *KELTRA::loadXML(const char *) { return nullptr; }
-
 // In spite of its name it keeps its path in an array, like every walk: the device's stack is small.
 KTNODE *KELTRA::recursiveLoad(const char *buffer, long *cursor, KTNODE *parent) {
     struct Step {

@@ -58,6 +58,13 @@ class KT_API KTELEMENT {
     static void setClippingRadius(float radius) { clippingRadius = radius; }
     static float getClippingRadius() { return clippingRadius; }
 
+    /** The input of the interface: to be called once a frame after `KELTRA::end2D`, while the list of the 2D pass stands.
+     *  `key` is the frame's character, 0 for none; (x, y) the pointer in pixels of the window; `pressed` not 0 while the
+     *  pointer is down; `extra` is only remembered. Presses, drags and folds widgets and moves the focus. `activatedId`, which
+     *  may be null, receives the identifier of a widget that was activated, otherwise 0. True while the pointer is over a
+     *  widget or holds one. */
+    static bool manageGUIEvents(char key, int x, int y, int pressed, int extra, unsigned int *activatedId);
+
     KTNODE *node;
     R3XMATRIX matrix;
     unsigned int auxId;

@@ -10,6 +10,7 @@
 class KTCAMERA;
 class KTNODE;
 class KTSETTINGS;
+class TiXmlNode;
 
 class KT_API KELTRA {
    public:
@@ -61,8 +62,13 @@ class KT_API KELTRA {
      *  Null for a missing or damaged file, which leaves nothing behind. A name with ".xml" or ".XML" in it is handed to
      *  `loadXML`. */
     static KTNODE *load(const char *fileName);
-    /** Loads an interface description. Null on failure, and always as long as the engine has no interface classes. */
+    /** Loads the interface description `fileName`, a path of its own, and returns a new node of that name with the widgets
+     *  below it, owned by the list of nodes. To be drawn it is passed between `begin2D` and `end2D`. Null for a missing,
+     *  malformed or unreasonably large or deep file, and for one without "root"; nothing is made then. */
     static KTNODE *loadXML(const char *fileName);
+    /** Makes what an element of an interface description asks for, and all that is nested in it, below `parent`. Always 0;
+     *  does nothing for null and for nodes that are no elements. */
+    static int recursiveLoadXML(KTNODE *parent, const TiXmlNode *node);
     /** Reads the node record at `buffer + *cursor` and its subtree. It trusts that whole records stand there. Null on bad
      *  data or when out of memory. */
     static KTNODE *recursiveLoad(const char *buffer, long *cursor, KTNODE *parent);

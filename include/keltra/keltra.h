@@ -6,14 +6,19 @@
 // colours are RGBA from 0 to 1; one thread calls everything; objects made with `new` are owned by their class's list.
 
 #include <keltra/anim.h>
+#include <keltra/box.h>
+#include <keltra/button.h>
 #include <keltra/camera.h>
 #include <keltra/element.h>
+#include <keltra/emitter.h>
 #include <keltra/engine.h>
 #include <keltra/export.h>
 #include <keltra/fbo.h>
+#include <keltra/font.h>
 #include <keltra/foundation.h>
 #include <keltra/glbridge.h>
 #include <keltra/helper.h>
+#include <keltra/label.h>
 #include <keltra/light.h>
 #include <keltra/material.h>
 #include <keltra/matrix.h>
@@ -22,9 +27,13 @@
 #include <keltra/opengl.h>
 #include <keltra/plane.h>
 #include <keltra/registered.h>
+#include <keltra/scrollbar.h>
 #include <keltra/settings.h>
 #include <keltra/shader.h>
+#include <keltra/textfield.h>
 #include <keltra/texture.h>
 #include <keltra/vector.h>
+#include <keltra/video.h>
+#include <keltra/window.h>
 
 #endif

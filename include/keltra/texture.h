@@ -10,7 +10,9 @@
 
 #include <keltra/registered.h>
 
+class KTEMITTER;
 class KTTEXTURE;
+class KTVIDEO;
 extern template class KT_API KTREGISTERED<KTTEXTURE>;
 
 class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
@@ -113,7 +115,9 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     static bool channelActive[channels];
 
    private:
+    friend class KTEMITTER;
     friend class KTREGISTERED<KTTEXTURE>;
+    friend class KTVIDEO;
     static void setLink(KTTEXTURE &texture, KTTEXTURE *before, KTTEXTURE *after);
     static void setFirst(KTTEXTURE *first) { firstTexture = first; }
     static void letGo(KTTEXTURE &texture);
@@ -121,6 +125,7 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     void releaseBitmap();
     bool deleteGLTexture();
     void forgetDeletedGLTexture();
+    bool takesPicture(unsigned int width, unsigned int height);
     void setParameters() const;
     void uploadImage();
 

@@ -20,7 +20,11 @@ using ::testing::Not;
 
 constexpr std::size_t kEntries = 777 * sizeof(KTELEMENT);
 constexpr std::size_t kOrder = 777 * sizeof(KTELEMENT *);
+constexpr std::size_t kGlyphCoordinates = 6 * KTFONT::maxGlyphs * 2 * sizeof(std::int32_t);
+constexpr std::size_t kGlyphColors = 6 * KTFONT::maxGlyphs * 4;
+constexpr std::size_t kGlyphIndices = 6 * KTFONT::maxGlyphs * sizeof(std::uint16_t);
 constexpr std::size_t kBonePool = KTMESH::maxSkins * KTMESH::maxBones * sizeof(R3XMATRIX);
+constexpr std::size_t kParticleVertices = 4 * KTEMITTER::maxParticles * sizeof(R3XVECTOR4D);
 
 class StartupTest : public ::testing::Test {
    protected:
@@ -53,7 +57,16 @@ class StartupTest : public ::testing::Test {
         EXPECT_FALSE(KTSETTINGS::isActive());
         EXPECT_FALSE(KTOPENGL::isActive());
         EXPECT_FALSE(KTELEMENT::isActive());
+        EXPECT_EQ(KTFONT::fontCachedVertex, nullptr);
+        EXPECT_EQ(KTFONT::fontCachedTexCoord, nullptr);
+        EXPECT_EQ(KTFONT::fontCachedColor, nullptr);
+        EXPECT_EQ(KTFONT::fontCachedIndex, nullptr);
         EXPECT_EQ(KTMESH::boneMatrices, nullptr);
+        EXPECT_EQ(KTEMITTER::particle, nullptr);
+        EXPECT_EQ(KTEMITTER::vertexArray, nullptr);
+        EXPECT_EQ(KTEMITTER::uvArray, nullptr);
+        EXPECT_EQ(KTEMITTER::uvSecondaryArray, nullptr);
+        EXPECT_EQ(KTEMITTER::colorArray, nullptr);
         EXPECT_EQ(KELTRA::timer, -1);
         EXPECT_EQ(KTSETTINGS::window, nullptr);
         EXPECT_EQ(KTSETTINGS::glesDisplay, nullptr);
@@ -193,7 +206,12 @@ const Fault kFaults[] = {
     {"MakeCurrent", [] { StartupFaults::fail("eglMakeCurrent"); }, nullptr},
     {"MemoryOfTheEntries", [] { Allocations::failNext(kEntries); }, nullptr},
     {"MemoryOfTheOrder", [] { Allocations::failNext(kOrder); }, nullptr},
+    {"MemoryOfTheGlyphPositions", [] { Allocations::failNext(kGlyphCoordinates); }, nullptr},
+    {"MemoryOfTheGlyphCells", [] { Allocations::failNext(kGlyphCoordinates, 2); }, nullptr},
+    {"MemoryOfTheGlyphColors", [] { Allocations::failNext(kGlyphColors); }, nullptr},
+    {"MemoryOfTheGlyphIndices", [] { Allocations::failNext(kGlyphIndices); }, nullptr},
     {"MemoryOfTheBonePool", [] { Allocations::failNext(kBonePool); }, nullptr},
+    {"MemoryOfTheParticleVertices", [] { Allocations::failNext(kParticleVertices); }, nullptr},
 };
 
 INSTANTIATE_TEST_SUITE_P(Steps, StartupFaultTest, ::testing::ValuesIn(kFaults),
@@ -289,11 +307,13 @@ TEST_F(StartupTest, HandsThePathsToTheirClasses) {
     settings.setKTAPath("moves/");
     settings.setTexturePath("textures/");
     settings.setShaderPath("shaders/");
+    settings.setFontPath("fonts/");
     ASSERT_TRUE(KELTRA::init(&settings));
     EXPECT_STREQ(KELTRA::getKTEPath(), "scenes/");
     EXPECT_STREQ(KTANIM::getKTAPath(), "moves/");
     EXPECT_STREQ(KTTEXTURE::getPath(), "textures/");
     EXPECT_STREQ(KTSHADER::getPath(), "shaders/");
+    EXPECT_STREQ(KTFONT::getPath(), "fonts/");
     ASSERT_TRUE(KELTRA::free());
     EXPECT_STREQ(KELTRA::getKTEPath(), "scenes/") << "kept until the next start";
     ASSERT_TRUE(KELTRA::init(nullptr));

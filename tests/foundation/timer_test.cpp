@@ -1,41 +1,20 @@
 #include <gtest/gtest.h>
 #include <keltra/foundation.h>
-#include <time.h>
 
 #include <cmath>
 #include <limits>
 
 #include "tests/foundation/foundation_fixture.h"
-#include "tests/support/interpose.h"
-
-namespace {
-
-// The steady clock while a test holds it: it moves only when told.
-bool clockIsHeld = false;
-timespec heldTime = {1000, 0};
-
-}  // namespace
-
-extern "C" __attribute__((visibility("default"))) int clock_gettime(clockid_t clock, timespec *now) noexcept {
-    if (!clockIsHeld || clock != CLOCK_MONOTONIC)
-        return keltra::test::nextFunction<int(clockid_t, timespec *)>("clock_gettime")(clock, now);
-    *now = heldTime;
-    return 0;
-}
+#include "tests/support/held_clock.h"
 
 namespace keltra::test {
 namespace {
 
 class TimerTest : public FoundationTest {
    protected:
-    TimerTest() { clockIsHeld = true; }
-    ~TimerTest() override { clockIsHeld = false; }
+    static void passMilliseconds(long milliseconds) { HeldClock::passMilliseconds(milliseconds); }
 
-    static void passMilliseconds(long milliseconds) {
-        heldTime.tv_nsec += milliseconds * 1000000;
-        heldTime.tv_sec += heldTime.tv_nsec / 1000000000;
-        heldTime.tv_nsec %= 1000000000;
-    }
+    const HeldClock clock;
 };
 
 TEST_F(TimerTest, TheNinthTimerIsRefused) {
@@ -127,7 +106,7 @@ TEST_F(TimerTest, OddBasesAreDefined) {
 }
 
 TEST_F(TimerTest, TheRealClockRuns) {
-    clockIsHeld = false;
+    HeldClock::held = false;
     const int timer = vnfNewTimer(1.0f);
     const timespec pause = {0, 2000000};
     nanosleep(&pause, nullptr);

@@ -1,16 +1,16 @@
 #!/bin/sh
 # dependencies.sh READELF LIBRARY
-# The library needs SDL, EGL, OpenGL ES and the C and C++ runtime, and nothing else.
+# The library needs SDL, EGL, OpenGL ES, TinyXML, unless built without video libmpeg2, and the C and C++ runtime, and nothing else.
 set -u
 readelf=$1
 library=$2
 
 needed=$("$readelf" -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\].*/\1/p') || exit 1
-for wanted in libSDL-1.2.so libEGL.so libGLESv1_CM.so; do
+for wanted in libSDL-1.2.so libEGL.so libGLESv1_CM.so libtinyxml.so; do
     printf '%s\n' "$needed" | grep -q "^$wanted" || { echo "$wanted is not linked" >&2; exit 1; }
 done
 strangers=$(printf '%s\n' "$needed" |
-    grep -Ev '^lib(SDL-1\.2|EGL|GLESv1_CM|stdc\+\+|m|c|gcc_s)\.so' |
+    grep -Ev '^lib(SDL-1\.2|EGL|GLESv1_CM|tinyxml|mpeg2|mpeg2convert|stdc\+\+|m|c|gcc_s)\.so' |
     grep -Ev '^(ld-linux.*|lib(asan|ubsan))\.so')
 if [ -n "$strangers" ]; then
     printf 'these libraries must not be needed:\n%s\n' "$strangers" >&2

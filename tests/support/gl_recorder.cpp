@@ -64,6 +64,26 @@ std::vector<std::int64_t> copyValues(const T *values, GLsizei count) {
     return {values, values + count};
 }
 
+// The fixed-point values of the array given last by `pointer`: `count` vertices of `size` numbers each. False for an array of
+// another layout.
+bool appendArray(std::vector<std::int64_t> &values, std::string_view pointer, GLint size, GLsizei count) {
+    const Call &call = state().log.last(pointer);
+    if (call.name.empty() || call.arguments[0] != size || call.arguments[1] != GL_FIXED || call.arguments[2] != 0) return false;
+    const auto *array = reinterpret_cast<const GLfixed *>(static_cast<std::intptr_t>(call.arguments[3]));
+    values.insert(values.end(), array, array + size * count);
+    return true;
+}
+
+// A 2D quad: positions, colours and texture coordinates of four vertices.
+std::vector<std::int64_t> copyQuad(GLenum mode, GLint first, GLsizei count) {
+    std::vector<std::int64_t> values;
+    const bool isQuad = mode == GL_TRIANGLE_STRIP && first == 0 && count == 4;
+    if (isQuad && appendArray(values, "glVertexPointer", 2, 4) && appendArray(values, "glColorPointer", 4, 4) &&
+        appendArray(values, "glTexCoordPointer", 2, 4))
+        return values;
+    return {};
+}
+
 // What lies behind the pointer argument of a function; overloads below for those whose size is known.
 template <GlFunction f, class... A>
 void keepContents(Call &call, A... arguments) {
@@ -79,6 +99,8 @@ void keepContents(Call &call, A... arguments) {
         call.contents = copyValues(std::get<sizeof...(A) - 1>(all), 4);
     } else if constexpr (areNames) {
         call.contents = copyValues(std::get<1>(all), std::get<0>(all));
+    } else if constexpr (f == GlFunction::glDrawArrays) {
+        call.contents = copyQuad(arguments...);
     } else if constexpr (f == GlFunction::glTexImage2D) {
         call.bytes = copyTexels(std::get<3>(all), std::get<4>(all), std::get<6>(all), std::get<7>(all),
                                 std::get<8>(all));

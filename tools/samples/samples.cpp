@@ -1,4 +1,5 @@
-// keltra-samples OUTDIR: writes the sample scene, the sample character, and their textures.
+// keltra-samples OUTDIR: writes the sample scene, the sample character, their textures, and those of the
+// interface.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -7,6 +8,9 @@
 #include <string>
 
 #include "tools/samples/figure.h"
+#include "tools/samples/film.h"
+#include "tools/samples/interface.h"
+#include "tools/samples/particles.h"
 
 namespace {
 
@@ -57,6 +61,9 @@ int main(int argc, char **argv) {
         return 1;
     }
     const bool written = writeAll(folder, keltra::samples::makeSampleFiles()) &&
-                         writeAll(folder, keltra::samples::makeFigureFiles());
+                         writeAll(folder, keltra::samples::makeFigureFiles()) &&
+                         writeAll(folder, keltra::samples::makeInterfaceFiles()) &&
+                         writeAll(folder, keltra::samples::makeFilmFiles()) &&
+                         writeAll(folder, keltra::samples::makeParticleFiles());
     return written ? 0 : 1;
 }

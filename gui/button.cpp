@@ -1,0 +1,45 @@
+#include <keltra/button.h>
+
+#include <keltra/font.h>
+#include <keltra/opengl.h>
+
+#include <cstdint>
+#include <cstdio>
+
+#include "foundation/text.h"
+
+namespace {
+
+const char kTooLong[] = "[...]";
+
+bool fits(const KTFONT &font, const char *text, int width) {
+    return std::int64_t{font.stringLength(text)} < width;
+}
+
+}  // namespace
+
+KTBUTTON::KTBUTTON() : font(nullptr), eventType(KT_BUTTON_NORMAL) {
+    setIdentity(KT_BUTTON, "[button %d]");
+    std::snprintf(caption, sizeof caption, "%s", name);
+    setColor(0.8f, 0.3f, 0.0f, 0.9f);
+    checkStatus = true;
+}
+
+KTBUTTON::~KTBUTTON() {}
+
+void KTBUTTON::setCaption(const char *text) { keltra::copyName(caption, text); }
+
+bool KTBUTTON::render(void *data) {
+    if (!displayStatus) return true;
+    KTBOX::render(data);
+    if (scissorStatus) KTOPENGL::scissorOn();
+    if (font && caption[0]) {
+        int inset = clickedStatus ? 2 : 1;
+        if (fits(*font, caption, sizeX))
+            font->putString(inset, inset, "%s", caption);
+        else if (fits(*font, kTooLong, sizeX))
+            font->putString(inset, inset, "%s", kTooLong);
+    }
+    if (scissorStatus) KTOPENGL::scissorOff();
+    return true;
+}

@@ -1,0 +1,137 @@
+#include <keltra/element.h>
+
+#include <keltra/settings.h>
+#include <keltra/textfield.h>
+
+#include "gui/widgets.h"
+
+namespace {
+
+// What is remembered from one call to the next. `extra` is kept for nobody.
+struct {
+    int x, y, pressed, extra;
+    KTBOX *active;  // pressed and held
+    KTTEXTFIELD *focused;
+    bool moved;  // the active box was dragged
+} last;
+
+struct Pointer {
+    int x, y, dx, dy, pressed, extra;
+};
+
+void remember(const Pointer &pointer) {
+    last.x = pointer.x;
+    last.y = pointer.y;
+    last.pressed = pointer.pressed;
+    last.extra = pointer.extra;
+}
+
+// The pointer in the coordinates of the 2D pass, which landscape mode turns.
+Pointer readPointer(int x, int y, int pressed, int extra) {
+    if (KTSETTINGS::landscape) {
+        int turned = keltra::toInt(std::int64_t{KTSETTINGS::windowY} - y);
+        y = x;
+        x = turned;
+    }
+    int dx = keltra::toInt(std::int64_t{x} - last.x), dy = keltra::toInt(std::int64_t{y} - last.y);
+    return {x, y, dx, dy, pressed, extra};
+}
+
+bool isButton(KTBOX *box, KT_BUTTON_EVENT kind) {
+    if (box->type != KT_BUTTON) return false;
+    const KTBUTTON *button = dynamic_cast<KTBUTTON *>(box);
+    return button && button->eventType == kind;
+}
+
+void report(const KTBOX *box, unsigned int *activatedId) {
+    if (activatedId) *activatedId = box->id;
+}
+
+void release(const Pointer &pointer, unsigned int *activatedId) {
+    KTBOX *box = last.active;
+    if (isButton(box, KT_BUTTON_NORMAL)) {
+        if (box->checkBoundaries(pointer.x, pointer.y)) report(box, activatedId);
+    } else if (isButton(box, KT_BUTTON_TITLE)) {
+        KTWINDOW *window = keltra::asWindow(box->parent);
+        if (window && !last.moved && box->checkBoundaries(pointer.x, pointer.y)) window->minmaximize();
+    }
+    box->clickedStatus = false;
+    last.active = nullptr;
+    last.moved = false;
+}
+
+// The foremost box under the pointer. A folded window is found by its title bar only.
+KTBOX *pick(const Pointer &pointer) {
+    KTBOX *best = nullptr;
+    long foremost = 0;
+    for (unsigned int i = 0; i < KTELEMENT::numberOfPassedElements; ++i) {
+        KTBOX *box = keltra::asBox(KTELEMENT::elementPointer[i]->getNode());
+        if (!box || box->foremostTimeStamp <= foremost || !box->displayStatus) continue;
+        if (!box->checkBoundaries(pointer.x, pointer.y)) continue;
+        const KTWINDOW *window = keltra::asWindow(box);
+        if (window && window->isMinimized()) continue;
+        best = box;
+        foremost = box->foremostTimeStamp;
+    }
+    return best;
+}
+
+// A title bar takes its window along.
+void drag(KTBOX *box, const Pointer &pointer) {
+    if (box->staticStatus || (pointer.dx == 0 && pointer.dy == 0)) return;
+    int dx = pointer.dx, dy = pointer.dy;
+    box->checkLimits(&dx, &dy);
+    KTNODE *moved = box;
+    if (isButton(box, KT_BUTTON_TITLE))
+        if (KTWINDOW *window = keltra::asWindow(box->parent)) moved = window;
+    moved->move(static_cast<float>(dx), static_cast<float>(dy));
+    last.moved = true;
+}
+
+void press(KTBOX *box, const Pointer &pointer, unsigned int *activatedId) {
+    bool held = box == last.active;
+    if (keltra::asWindow(box)) box->setForemost();
+    if (isButton(box, KT_BUTTON_TITLE))
+        if (KTWINDOW *window = keltra::asWindow(box->parent)) window->setForemost();
+    if (!held && isButton(box, KT_BUTTON_INVERTED)) report(box, activatedId);
+    last.focused = box->type == KT_TEXTFIELD ? dynamic_cast<KTTEXTFIELD *>(box) : nullptr;
+    if (held) drag(box, pointer);
+    if (isButton(box, KT_BUTTON_SWITCH)) {
+        box->clickedStatus = !box->clickedStatus;
+        report(box, activatedId);
+        last.active = nullptr;
+        return;
+    }
+    if (!held) box->clickedStatus = true;
+    last.active = box;
+}
+
+}  // namespace
+
+void keltra::forgetInEvents(const KTBOX *gone) {
+    if (last.focused == gone) last.focused = nullptr;
+    if (last.active != gone) return;
+    last.active = nullptr;
+    last.moved = false;
+}
+
+void keltra::resetEvents() { last = {}; }
+
+bool KTELEMENT::manageGUIEvents(char key, int x, int y, int pressed, int extra, unsigned int *activatedId) {
+    const Pointer pointer = readPointer(x, y, pressed, extra);
+    if (activatedId) *activatedId = 0;
+    if (last.focused) last.focused->manageKey(key);
+    if (last.active && !pressed) release(pointer, activatedId);
+
+    // A pointer that was pressed beside every widget picks none on its way.
+    KTBOX *target = nullptr;
+    if (last.active) {
+        target = last.active;
+        target->clickedStatus = !target->staticStatus || target->checkBoundaries(pointer.x, pointer.y);
+    } else if (last.pressed == 0) {
+        target = pick(pointer);
+    }
+    if (target && pressed) press(target, pointer, activatedId);
+    remember(pointer);
+    return target != nullptr;
+}

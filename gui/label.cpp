@@ -1,0 +1,45 @@
+#include <keltra/label.h>
+
+#include <keltra/font.h>
+#include <keltra/opengl.h>
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "foundation/text.h"
+#include "gui/widgets.h"
+
+namespace {
+
+const unsigned int kWidthLimit = 65000;
+
+}  // namespace
+
+KTLABEL::KTLABEL() : text(), font(nullptr) { setIdentity(KT_LABEL, "[label %d]"); }
+
+KTLABEL::~KTLABEL() {}
+
+bool KTLABEL::write(const char *format, ...) {
+    if (!format || !font) return false;
+    char line[sizeof text];
+    va_list arguments;
+    va_start(arguments, format);
+    int length = std::vsnprintf(line, sizeof line, format, arguments);
+    va_end(arguments);
+    if (length < 0) return false;
+    // Each character may get a line break of its own.
+    char wrapped[2 * sizeof line];
+    font->format(line, wrapped, kWidthLimit);
+    keltra::copyText(text, wrapped);
+    return true;
+}
+
+// Without a window around it a label is not clipped, and no scissor rectangle is set: meant, boxes differ.
+bool KTLABEL::render(void *data) {
+    if (!displayStatus) return true;
+    keltra::loadEntryMatrix(data);
+    if (scissorStatus) keltra::clipToWindow(*this);
+    if (font) font->putString(0, 0, "%s", text);
+    if (scissorStatus) KTOPENGL::scissorOff();
+    return true;
+}

@@ -1,0 +1,179 @@
+#include <keltra/scrollbar.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+
+#include "gui/widgets.h"
+
+namespace {
+
+// The two bars are one with the axes exchanged.
+struct Lying {
+    static int &length(KTBOX &box) { return box.sizeX; }
+    static int &width(KTBOX &box) { return box.sizeY; }
+    static float &place(KTBOX &box) { return box.position.x; }
+    static float &offset(KTBOX &box) { return box.position.y; }
+    static void setLimits(KTBOX &box, int start, int across, int end, int acrossEnd) {
+        box.setLimits(start, across, end, acrossEnd);
+    }
+};
+
+struct Standing {
+    static int &length(KTBOX &box) { return box.sizeY; }
+    static int &width(KTBOX &box) { return box.sizeX; }
+    static float &place(KTBOX &box) { return box.position.y; }
+    static float &offset(KTBOX &box) { return box.position.x; }
+    static void setLimits(KTBOX &box, int start, int across, int end, int acrossEnd) {
+        box.setLimits(across, start, acrossEnd, end);
+    }
+};
+
+// The cursor's centre travels from one end of the track to the other.
+template <class Axis>
+void limitCursor(KTBOX &track, KTBOX *cursor) {
+    if (!cursor) return;
+    int half = Axis::length(*cursor) / 2, width = Axis::width(*cursor), quarter = width / 4;
+    int end = keltra::toInt(std::int64_t{Axis::length(track)} + half);
+    Axis::setLimits(*cursor, -half, -quarter, end, width - quarter);
+}
+
+// Track and cursor as they are at first; the cursor is null when memory is out.
+template <class Axis>
+KTBUTTON *build(KTBOX &track) {
+    Axis::length(track) = 64;
+    Axis::width(track) = 4;
+    track.setColor(0.6f, 0.2f, 0.0f, 0.35f);
+    KTBUTTON *cursor = new (std::nothrow) KTBUTTON;
+    if (!cursor) return nullptr;
+    Axis::length(*cursor) = 16;
+    Axis::width(*cursor) = 8;
+    cursor->setColor(0.8f, 0.3f, 0.0f, 0.9f);
+    cursor->setStaticStatus(false);
+    cursor->setLimitStatus(true);
+    cursor->link(&track);
+    Axis::place(*cursor) = 64 / 2 - 16 / 2;
+    Axis::offset(*cursor) = -8 / 4;
+    limitCursor<Axis>(track, cursor);
+    return cursor;
+}
+
+float halfLength(int length) { return static_cast<float>(length / 2); }
+
+// Within the range whatever came in, not-a-number included.
+float clampValue(float value, float low, float high) {
+    if (!(value > low)) return low;
+    return value < high ? value : high;
+}
+
+// An empty range divides 0 by 0 and leaves the cursor at no place at all: meant, the range is to be set
+// first.
+template <class Axis>
+void placeCursor(KTBOX &track, KTBOX *cursor, float value, float low, float high) {
+    if (!cursor) return;
+    float share = (clampValue(value, low, high) - low) / (high - low);
+    Axis::place(*cursor) =
+        share * static_cast<float>(Axis::length(track)) - halfLength(Axis::length(*cursor));
+}
+
+template <class Axis>
+float valueOf(KTBOX &track, KTBOX *cursor, float low, float high) {
+    if (!cursor) return 0.0f;
+    float length = static_cast<float>(Axis::length(track));
+    float centre = halfLength(Axis::length(*cursor)) + Axis::place(*cursor);
+    float share = 1.0f - (length - centre) / length;
+    return clampValue(share * (high - low) + low, low, high);
+}
+
+template <class Axis>
+void resizeCursor(KTBOX *cursor, int pixels) {
+    if (!cursor) return;
+    float &place = Axis::place(*cursor);
+    place = place + halfLength(Axis::length(*cursor)) - halfLength(pixels);
+    Axis::length(*cursor) = pixels;
+}
+
+template <class Bar>
+void copyBar(Bar &bar, const Bar &other) {
+    std::copy(other.reserved, other.reserved + 2, bar.reserved);
+    bar.minValue = other.minValue;
+    bar.maxValue = other.maxValue;
+    bar.cursor = other.cursor;
+}
+
+}  // namespace
+
+KTHSCROLLBAR::KTHSCROLLBAR()
+    : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Lying>(*this)), ownCursor(cursor) {
+    setIdentity(KT_HSCROLLBAR, "[hscrollbar %d]");
+    if (cursor) cursor->part = true;
+}
+
+KTHSCROLLBAR::KTHSCROLLBAR(const KTHSCROLLBAR &other) : KTBOX(other), ownCursor(nullptr) {
+    copyBar(*this, other);
+}
+
+KTHSCROLLBAR &KTHSCROLLBAR::operator=(const KTHSCROLLBAR &other) {
+    KTBOX::operator=(other);
+    copyBar(*this, other);
+    return *this;
+}
+
+KTHSCROLLBAR::~KTHSCROLLBAR() { delete ownCursor; }
+
+void KTHSCROLLBAR::setValue(float value) { placeCursor<Lying>(*this, cursor, value, minValue, maxValue); }
+
+float KTHSCROLLBAR::getValue() const {
+    return valueOf<Lying>(const_cast<KTHSCROLLBAR &>(*this), cursor, minValue, maxValue);
+}
+
+void KTHSCROLLBAR::setCursorSize(int pixels) { resizeCursor<Lying>(cursor, pixels); }
+
+void KTHSCROLLBAR::setDisplayStatus(bool status) {
+    displayStatus = status;
+    if (cursor) cursor->displayStatus = status;
+}
+
+bool KTHSCROLLBAR::render(void *data) {
+    limitCursor<Lying>(*this, cursor);
+    KTBOX::render(data);
+    return true;
+}
+
+// Under the lying bar's name: meant, applications find the bars of both kinds by it.
+KTVSCROLLBAR::KTVSCROLLBAR()
+    : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Standing>(*this)), ownCursor(cursor) {
+    setIdentity(KT_VSCROLLBAR, "[hscrollbar %d]");
+    if (cursor) cursor->part = true;
+}
+
+KTVSCROLLBAR::KTVSCROLLBAR(const KTVSCROLLBAR &other) : KTBOX(other), ownCursor(nullptr) {
+    copyBar(*this, other);
+}
+
+KTVSCROLLBAR &KTVSCROLLBAR::operator=(const KTVSCROLLBAR &other) {
+    KTBOX::operator=(other);
+    copyBar(*this, other);
+    return *this;
+}
+
+KTVSCROLLBAR::~KTVSCROLLBAR() { delete ownCursor; }
+
+void KTVSCROLLBAR::setValue(float value) { placeCursor<Standing>(*this, cursor, value, minValue, maxValue); }
+
+float KTVSCROLLBAR::getValue() const {
+    return valueOf<Standing>(const_cast<KTVSCROLLBAR &>(*this), cursor, minValue, maxValue);
+}
+
+void KTVSCROLLBAR::setCursorSize(int pixels) { resizeCursor<Standing>(cursor, pixels); }
+
+void KTVSCROLLBAR::setDisplayStatus(bool status) {
+    displayStatus = status;
+    if (cursor) cursor->displayStatus = status;
+}
+
+bool KTVSCROLLBAR::render(void *data) {
+    limitCursor<Standing>(*this, cursor);
+    KTBOX::render(data);
+    return true;
+}

@@ -1,0 +1,81 @@
+#include <keltra/textfield.h>
+
+#include <keltra/engine.h>
+#include <keltra/font.h>
+#include <keltra/glbridge.h>
+#include <keltra/opengl.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include "gui/widgets.h"
+
+namespace {
+
+const char kBackspace = 8;
+const char kCaret = 127;
+const float kCaretDelay = 0.3f;
+const float kCaretPeriod = 1.0f;
+
+}  // namespace
+
+KTTEXTFIELD::KTTEXTFIELD() : focused(false), caretTimer(0.0f) {
+    setIdentity(KT_TEXTFIELD, "[textfield %d]");
+    thickness = 1;
+}
+
+KTTEXTFIELD::~KTTEXTFIELD() {}
+
+// The new character counts with its kerning, not with its width: meant, the last one may reach into the right
+// margin.
+bool KTTEXTFIELD::manageKey(char key) {
+    if (!font) return false;
+    focused = true;
+    std::size_t length = std::strlen(caption);
+    unsigned char code = static_cast<unsigned char>(key);
+    if (code >= 32 && code <= 127) {
+        std::int64_t width = std::int64_t{font->stringLength(caption)} + font->getKerning(key);
+        if (width <= std::int64_t{sizeX} - font->getCharSizeX() && length + 1 < sizeof caption) {
+            caption[length] = key;
+            caption[length + 1] = '\0';
+        }
+    } else if (key == kBackspace && length > 0) {
+        caption[length - 1] = '\0';
+    }
+    return true;
+}
+
+// The button draws its caption and the field draws its text over it: meant, text that is too long for the
+// field shows as a button's caption does. The field's own part is clipped as the button's is.
+bool KTTEXTFIELD::render(void *data) {
+    KTBUTTON::render(data);
+    char shown[sizeof caption + 1];
+    bool caret = focused && caretTimer > kCaretDelay;
+    std::snprintf(shown, sizeof shown, "%s", caption);
+    if (caret) {
+        std::size_t length = std::strlen(shown);
+        shown[length] = kCaret;
+        shown[length + 1] = '\0';
+    }
+    if (focused) {
+        caretTimer += KELTRA::getFPSfactor();
+        // Also below 0: without a running engine the factor is negative.
+        if (!(caretTimer >= 0.0f && caretTimer < kCaretPeriod)) caretTimer = 0.0f;
+    }
+    focused = false;
+    if (!displayStatus) return true;
+    if (scissorStatus && keltra::windowAround(*this)) KTOPENGL::scissorOn();
+    if (font && std::int64_t{font->stringLength(caption)} < std::int64_t{sizeX} - font->getCharSizeX()) {
+        int inset = clickedStatus ? 2 : 1;
+        font->putString(inset, inset, "%s", shown);
+    }
+    if (thickness > 0) {
+        float inset = static_cast<float>(thickness);
+        std::int64_t both = 2 * std::int64_t{thickness};
+        KT_glTranslatef(inset, inset, 0.0f);
+        keltra::drawBorder(*this, sizeX - both, sizeY - both, true);
+    }
+    if (scissorStatus) KTOPENGL::scissorOff();
+    return true;
+}

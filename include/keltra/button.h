@@ -1,0 +1,37 @@
+#ifndef KELTRA_BUTTON_H
+#define KELTRA_BUTTON_H
+
+// A button is a box with a caption of one line and a kind, which says when `KTELEMENT::manageGUIEvents`
+// reports its identifier. The font is not owned; it is forgotten when it is destroyed.
+
+#include <keltra/box.h>
+
+enum KT_BUTTON_EVENT {
+    KT_BUTTON_NORMAL = 0,    // reported on release, when the pointer is still over the button
+    KT_BUTTON_INVERTED = 1,  // reported on the press
+    KT_BUTTON_SWITCH = 2,    // each press flips `clickedStatus` and is reported
+    KT_BUTTON_TITLE = 3      // a window's title bar: drags the window, folds and unfolds it when clicked
+};
+
+class KT_API KTBUTTON : public KTBOX {
+   public:
+    KTBUTTON();
+    KTBUTTON(const KTBUTTON &) = default;
+    KTBUTTON &operator=(const KTBUTTON &) = default;
+    ~KTBUTTON() override;
+
+    void setFont(KTFONT *newFont) { font = newFont; }
+    /** Null and text of 256 characters or more leave the caption as it was. */
+    void setCaption(const char *text);
+    const char *getCaption() const { return caption; }
+    void setEventType(KT_BUTTON_EVENT kind) { eventType = kind; }
+    KT_BUTTON_EVENT getEventType() const { return eventType; }
+    /** Draws the box and the caption; "[...]" in place of a caption that is too long. True. */
+    bool render(void *data) override;
+
+    KTFONT *font;
+    char caption[256];
+    KT_BUTTON_EVENT eventType;
+};
+
+#endif

@@ -1,0 +1,27 @@
+#ifndef KELTRA_LABEL_H
+#define KELTRA_LABEL_H
+
+// A label is text without a box: it has no face and no border. Set the font, then write. The font is not
+// owned; it is forgotten when it is destroyed.
+
+#include <keltra/box.h>
+
+class KT_API KTLABEL : public KTBOX {
+   public:
+    KTLABEL();
+    KTLABEL(const KTLABEL &) = default;
+    KTLABEL &operator=(const KTLABEL &) = default;
+    ~KTLABEL() override;
+
+    void setFont(KTFONT *newFont) { font = newFont; }
+    /** Replaces the text by the formatted one (printf rules), cut at 255 characters. False, with the text
+     * unchanged, for null and without a font. */
+    bool write(const char *format, ...);
+    /** Draws the text at the box's corner. True. */
+    bool render(void *data) override;
+
+    char text[256];
+    KTFONT *font;
+};
+
+#endif

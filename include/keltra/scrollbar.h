@@ -1,0 +1,71 @@
+#ifndef KELTRA_SCROLLBAR_H
+#define KELTRA_SCROLLBAR_H
+
+// Scroll bars, lying (H) and standing (V): a thin track with a cursor that the user drags. A bar owns its
+// cursor, a button and its first child; a copied bar points to the original's. Set the range first, then the
+// value; poll the value.
+
+#include <keltra/button.h>
+
+class KT_API KTHSCROLLBAR : public KTBOX {
+   public:
+    KTHSCROLLBAR();
+    KTHSCROLLBAR(const KTHSCROLLBAR &other);
+    KTHSCROLLBAR &operator=(const KTHSCROLLBAR &other);
+    ~KTHSCROLLBAR() override;
+
+    /** The value is kept within the range. An empty range gives the cursor no place: the value is then the
+     * minimum. */
+    void setValue(float value);
+    float getValue() const;
+    void setMinValue(float value) { minValue = value; }
+    float getMinValue() const { return minValue; }
+    void setMaxValue(float value) { maxValue = value; }
+    float getMaxValue() const { return maxValue; }
+    /** Length of the cursor in pixels; its centre stays. */
+    void setCursorSize(int pixels);
+    /** Shows or hides the track and the cursor. */
+    void setDisplayStatus(bool status);
+    /** Null when the cursor was destroyed. */
+    KTBUTTON *getCursor() const { return cursor; }
+    /** Draws the track and adapts the cursor's limits to it. True. */
+    bool render(void *data) override;
+
+    unsigned int reserved[2];  // carried along by copies; nothing reads them
+    float minValue, maxValue;
+    KTBUTTON *cursor;
+
+   private:
+    friend class KTBOX;
+    KTBUTTON *ownCursor;
+};
+
+class KT_API KTVSCROLLBAR : public KTBOX {
+   public:
+    KTVSCROLLBAR();
+    KTVSCROLLBAR(const KTVSCROLLBAR &other);
+    KTVSCROLLBAR &operator=(const KTVSCROLLBAR &other);
+    ~KTVSCROLLBAR() override;
+
+    /** As those of the lying bar, along y. */
+    void setValue(float value);
+    float getValue() const;
+    void setMinValue(float value) { minValue = value; }
+    float getMinValue() const { return minValue; }
+    void setMaxValue(float value) { maxValue = value; }
+    float getMaxValue() const { return maxValue; }
+    void setCursorSize(int pixels);
+    void setDisplayStatus(bool status);
+    KTBUTTON *getCursor() const { return cursor; }
+    bool render(void *data) override;
+
+    unsigned int reserved[2];
+    float minValue, maxValue;
+    KTBUTTON *cursor;
+
+   private:
+    friend class KTBOX;
+    KTBUTTON *ownCursor;
+};
+
+#endif

@@ -1,0 +1,117 @@
+#ifndef KELTRA_VIDEO_H
+#define KELTRA_VIDEO_H
+
+// Video textures: a film, which is a file that holds nothing but an MPEG-1 video stream, is decoded piece by piece into
+// a texture. Make the texture first, RGB and at least as large as the picture; give it to the video, load the film,
+// `playLoop`, then call `update` once a frame, before `KELTRA::begin3D`. All videos are on one list, which owns them.
+// In an engine built without video every `load` is false.
+
+#include <cstdint>
+#include <cstdio>
+
+#include <keltra/registered.h>
+
+class KTTEXTURE;
+class KTVIDEO;
+extern template class KT_API KTREGISTERED<KTVIDEO>;
+
+// The decoder's own types, of <mpeg2dec/mpeg2.h>.
+struct mpeg2dec_s;
+struct mpeg2_info_s;
+struct mpeg2_sequence_s;
+
+enum KT_VIDEO_STATUS {
+    KT_VIDEO_STOPPED = 0,
+    KT_VIDEO_PLAYING = 1,    // to the end, then stopped at the beginning
+    KT_VIDEO_LOOPING = 2,    // from the beginning again at each end
+    KT_VIDEO_REWINDING = 3,  // to the end, then stopped at the beginning
+};
+
+/** What decodes one film. Pointers are null while no film is open. */
+struct KTVIDEOSTREAM {
+    unsigned char buffer[4096];        // bytes of the file that the decoder is working on
+    mpeg2dec_s *decoder;
+    const mpeg2_info_s *info;
+    const mpeg2_sequence_s *sequence;  // of the last step; null outside of a sequence
+    int state;                         // what the last step reached, a mpeg2_state_t
+    std::int32_t lastRead;             // bytes; -1 before the first read of a film, 0 at its end
+    std::FILE *file;
+    bool converted;                    // the decoder gives RGB pictures for this sequence
+    bool begun;                        // and has begun one
+};
+
+class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
+   public:
+    /** The largest picture that is decoded, in pixels in either direction: that of the largest texture. */
+    static const unsigned int maxSize = 512;
+
+    KTVIDEO();
+    /** A copy shares the film that is open, and counts no use of the texture. */
+    KTVIDEO(const KTVIDEO &other);
+    KTVIDEO &operator=(const KTVIDEO &other);
+    /** Does not close the film: its file and decoder stay open until the program ends. Call `load(nullptr)` first. */
+    ~KTVIDEO();
+
+    /** Closes the film that is open, then opens the file video path + `filename`, stopped at its beginning. False for null,
+     *  which so closes a film; for names of 256 characters or more; when the file cannot be opened; and without memory for
+     *  a decoder. The contents are not looked at. */
+    bool load(const char *filename);
+    /** Decodes on by `steps` steps of the decoder. A step is less than a picture: one more part of the stream was found or
+     *  read; a picture takes some 4, and one more for each 4,096 bytes. Each picture that is complete is written to the
+     *  texture's upper image level, without which decoding goes on all the same. False while stopped, without a film, and
+     *  when the film cannot be opened again at its end. */
+    bool update(unsigned int steps);
+
+    void play() { status = KT_VIDEO_PLAYING; }
+    void stop() { status = KT_VIDEO_STOPPED; }
+    void playLoop() { status = KT_VIDEO_LOOPING; }
+    /** Plays on; the film goes back to its beginning, and stops, only when its end is reached. */
+    void rewind() { status = KT_VIDEO_REWINDING; }
+    KT_VIDEO_STATUS getStatus() const { return status; }
+
+    /** Texture to play into, whose count of uses follows; null for none. Pictures are written only while it is resident, RGB,
+     *  and as large as they are in both directions; they take its first rows and columns. */
+    void setTexture(KTTEXTURE *target);
+    KTTEXTURE *getTexture() const { return texture; }
+
+    static KTVIDEO *findByFilename(const char *filename);
+    static KTVIDEO *findById(unsigned int id);
+    static unsigned int getNumberOfVideos();
+    static KTVIDEO *getFirst() { return firstVideo; }
+    /** Prefix of file names, up to 255 characters; null empties it. */
+    static void setMPGPath(const char *path);
+    static char *getMPGPath() { return mpgPath; }
+    /** Destroys every video, open films staying open; false when there is none. */
+    static bool cleanUp();
+
+    unsigned int getId() const { return id; }
+    const char *getFilename() const { return filename; }
+    KTVIDEO *getNext() const { return isRegistered() ? registeredNext() : next; }
+    KTVIDEO *getPrevious() const { return isRegistered() ? registeredPrevious() : previous; }
+
+    unsigned int id;
+    char filename[256];
+    KTTEXTURE *texture;
+    KTVIDEO *previous, *next;
+    KT_VIDEO_STATUS status;
+    KTVIDEOSTREAM *stream;  // shared with copies; null when there was no memory for it
+
+    static KTVIDEO *firstVideo;
+    static char mpgPath[256];
+
+   private:
+    friend class KTREGISTERED<KTVIDEO>;
+    friend class KTTEXTURE;
+    static void setLink(KTVIDEO &video, KTVIDEO *before, KTVIDEO *after);
+    static void setFirst(KTVIDEO *first) { firstVideo = first; }
+    static void letGo(KTVIDEO &video);
+    static void forgetTexture(const KTTEXTURE *gone);
+    void copyFields(const KTVIDEO &other);
+    void releaseTexture();
+    bool startAgain();
+    void show(unsigned int width, unsigned int height, const unsigned char *pixels);
+
+    bool countsTexture;
+};
+
+#endif

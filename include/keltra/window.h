@@ -1,0 +1,68 @@
+#ifndef KELTRA_WINDOW_H
+#define KELTRA_WINDOW_H
+
+// A window is a movable panel with a title bar, a scroll bar and a block of wrapped text. What is linked
+// below it is clipped to its body and scrolled with its text. It owns its title bar and its scroll bar, which
+// are its first two children; a copied window points to the original's. Set the font, write, then format.
+
+#include <keltra/button.h>
+#include <keltra/scrollbar.h>
+
+class KT_API KTWINDOW : public KTBUTTON {
+   public:
+    static const unsigned int textSize = 3968;
+
+    KTWINDOW();
+    KTWINDOW(const KTWINDOW &other);
+    KTWINDOW &operator=(const KTWINDOW &other);
+    ~KTWINDOW() override;
+
+    /** Caption of the title bar; null and text of 256 characters or more leave it as it was. */
+    void setCaption(const char *text);
+    /** Font of the window and of its title bar. */
+    void setFont(KTFONT *newFont);
+    /** Size of the body in pixels; title bar and scroll bar follow, and the window is scrolled to its top. */
+    void setSizes(int width, int height);
+    KTBUTTON *getTitleBar() const { return titleBar; }
+    int getScrollLine() const { return scrollLine; }
+    void setScrollLine(int pixels) { scrollLine = pixels; }
+    /** Folded to its title bar. */
+    bool isMinimized() const { return !maximized; }
+
+    /** Empties the text. */
+    void clear();
+    /** Appends formatted text (printf rules). False, with nothing appended, for null and when the whole text
+     * would take 3,968 characters or more. */
+    bool write(const char *format, ...);
+    /** Wraps the text to the window's width; new text shows only then. False without a font. */
+    bool format();
+    /** Folds or unfolds the window, with "[+] " before the title of a folded one; returns whether it is
+     * unfolded now. */
+    bool minmaximize();
+    /** Clips drawing to the window's body, and to the whole screen again. */
+    void enableScissor();
+    void disableScissor();
+    /** Measures the contents, adapts the scroll bar and moves the children by what was scrolled. True. */
+    bool updateScroll();
+    /** Draws body and text; nothing while folded. True. */
+    bool render(void *data) override;
+
+    bool maximized;
+    char text[textSize];
+    char formattedText[textSize];
+    KTBUTTON *titleBar;
+    KTVSCROLLBAR *scrollBar;
+    int scrollLine;      // pixels
+    int previousScroll;  // what the children are moved by now
+    int contentHeight;
+    int lineCount;  // pixels of height that line breaks add to the text
+
+   private:
+    friend class KTBOX;
+    void copyWindow(const KTWINDOW &other);
+
+    KTBUTTON *ownTitleBar;
+    KTVSCROLLBAR *ownScrollBar;
+};
+
+#endif

@@ -1,0 +1,449 @@
+#include <keltra/emitter.h>
+
+#include <keltra/element.h>
+#include <keltra/engine.h>
+#include <keltra/foundation.h>
+#include <keltra/glbridge.h>
+#include <keltra/light.h>
+#include <keltra/material.h>
+#include <keltra/opengl.h>
+#include <keltra/shader.h>
+#include <keltra/texture.h>
+
+#include <GLES/gl.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+const unsigned int KTEMITTER::poolSize;
+const unsigned int KTEMITTER::maxParticles;
+KTPARTICLE *KTEMITTER::particle = nullptr;
+unsigned int KTEMITTER::numberbOfParticlesUsed = 0;
+R3XVECTOR4D *KTEMITTER::vertexArray = nullptr;
+R3XVECTOR2D *KTEMITTER::uvArray = nullptr;
+R3XVECTOR2D *KTEMITTER::uvSecondaryArray = nullptr;
+unsigned char *KTEMITTER::colorArray = nullptr;
+KTEMITTER *KTEMITTER::firstEmitter = nullptr;
+
+// What all particles of one draw have in common.
+struct KTEMITTER::BILLBOARD {
+    R3XVECTOR3D right, up, axis;
+    R3XVECTOR3D gravityStep;
+    float time;
+};
+
+namespace {
+
+enum EmitterType { kPoint, kRectangle, kDisc };
+
+constexpr unsigned int kCorners = 4;
+constexpr unsigned int kVertices = KTEMITTER::maxParticles * kCorners;
+constexpr unsigned int kColorBytes = 4;
+constexpr float kEnergyLoss = 0.5f;  // a second
+constexpr float kAlphaLimit = 0.2f;
+
+template <class T>
+T *newRecords(unsigned int count) {
+    T *records = static_cast<T *>(vnfMalloc(count * static_cast<unsigned int>(sizeof(T))));
+    for (unsigned int i = 0; records && i < count; ++i) new (records + i) T();
+    return records;
+}
+
+template <class T>
+void freeRecords(T *&records) {
+    if (records) vnfFree(records);
+    records = nullptr;
+}
+
+// A number is drawn for a maximum of 0 too, so that the others stay the same.
+float randomBelow(unsigned int maximum) {
+    const unsigned int number = static_cast<unsigned int>(std::rand());
+    return maximum ? static_cast<float>(number % maximum) : 0.0f;
+}
+
+// From 0 to 1, both included, in the steps of a 15-bit generator wherever the library's is wider.
+float randomUnit() { return static_cast<float>(std::rand() & 0x7fff) * (1.0f / 32767.0f); }
+
+float randomWithin(float extent) { return randomUnit() * 2.0f * extent - extent; }
+
+R3XVECTOR3D randomColor() {
+    const float r = randomBelow(100) * 0.01f, g = randomBelow(100) * 0.01f;
+    return R3XVECTOR3D(r, g, randomBelow(100) * 0.01f);
+}
+
+float randomDifference(unsigned int maximum) {
+    const float first = randomBelow(maximum) * 0.1f;
+    return first - randomBelow(maximum) * 0.1f;
+}
+
+R3XVECTOR3D randomAlong(const R3XVECTOR3D &direction, unsigned int maximum) {
+    const float x = randomBelow(maximum) * direction.x, y = randomBelow(maximum) * direction.y;
+    return R3XVECTOR3D(x, y, randomBelow(maximum) * direction.z);
+}
+
+// The low byte of the truncated product: components beyond 1 wrap around, which is meant. What no integer
+// holds is a multiple of 256, or not a number.
+unsigned char colorByte(float component) {
+    const float value = component * 255.0f;
+    if (!(std::fabs(value) < 9.0e18f)) return 0;
+    return static_cast<unsigned char>(static_cast<std::int64_t>(value) & 0xff);
+}
+
+void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
+    const unsigned char rgba[kColorBytes] = {colorByte(color.x), colorByte(color.y), colorByte(color.z),
+                                             colorByte(color.w)};
+    for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(bytes + i * kColorBytes, rgba, sizeof rgba);
+}
+
+// The position is scaled like the square, which is meant: emitter files count on it.
+void writeCorners(const R3XVECTOR3D &position, float scale, R3XVECTOR3D right, R3XVECTOR3D up,
+                  R3XVECTOR4D *corners) {
+    const R3XVECTOR3D middle = position * scale;
+    right *= scale;
+    up *= scale;
+    corners[0] = middle + (-right - up);
+    corners[1] = middle + (right - up);
+    corners[2] = middle + (right + up);
+    corners[3] = middle + (-right + up);
+}
+
+int clampedNumber(int number) { return std::clamp(number, 0, static_cast<int>(KTEMITTER::maxParticles)); }
+
+}  // namespace
+
+KTPARTICLE::KTPARTICLE()
+    : color(0.0f, 0.0f, 0.0f, 1.0f),
+      spinSpeed(0.0f),
+      spinAngle(0.0f),
+      size(0.0f),
+      initialEnergy(0.0f),
+      energy(0.0f),
+      used(false) {}
+
+KTEMITTER::KTEMITTER()
+    : emitterType(kPoint),
+      initialized(false),
+      numberOfParticles(0),
+      maximumEnergy(100),
+      maxVelocity(100),
+      maximumParticuleSize(100),
+      maximumSpin(1),
+      spinning(0.0f),
+      maximumAngle(0.0f),
+      sizeX(10.0f),
+      sizeY(10.0f),
+      radius(10.0f),
+      upVector(0.0f, 1.0f, 0.0f),
+      texture(nullptr),
+      blendingSrc(GL_SRC_ALPHA),
+      blendingDst(GL_ONE_MINUS_SRC_ALPHA),
+      ownsTexture(false) {
+    joinEmitters();
+    std::fill(slot, slot + maxParticles, -1);
+    colorStart = randomColor();
+    setColorEnd(randomColor());
+    setIdentity(KT_EMITTER, "[emitter %d]");
+}
+
+KTEMITTER::KTEMITTER(const KTEMITTER &other) : KTNODE(other) {
+    joinEmitters();
+    std::fill(slot, slot + maxParticles, -1);
+    copyEmitter(other);
+}
+
+KTEMITTER &KTEMITTER::operator=(const KTEMITTER &other) {
+    if (this == &other) return *this;
+    KTNODE::operator=(other);
+    releaseSlots(0);
+    releaseTexture();
+    copyEmitter(other);
+    return *this;
+}
+
+KTEMITTER::~KTEMITTER() {
+    releaseSlots(0);
+    releaseTexture();
+    (previousEmitter ? previousEmitter->nextEmitter : firstEmitter) = nextEmitter;
+    if (nextEmitter) nextEmitter->previousEmitter = previousEmitter;
+}
+
+void KTEMITTER::joinEmitters() {
+    previousEmitter = nullptr;
+    nextEmitter = firstEmitter;
+    if (nextEmitter) nextEmitter->previousEmitter = this;
+    firstEmitter = this;
+}
+
+// Everything but the particles, which stay the other's.
+void KTEMITTER::copyEmitter(const KTEMITTER &other) {
+    emitterType = other.emitterType;
+    initialized = false;
+    numberOfParticles = other.numberOfParticles;
+    maximumEnergy = other.maximumEnergy;
+    maxVelocity = other.maxVelocity;
+    maximumParticuleSize = other.maximumParticuleSize;
+    maximumSpin = other.maximumSpin;
+    spinning = other.spinning;
+    center = other.center;
+    gravity = other.gravity;
+    maximumAngle = other.maximumAngle;
+    sizeX = other.sizeX;
+    sizeY = other.sizeY;
+    radius = other.radius;
+    upVector = other.upVector;
+    colorDelta = other.colorDelta;
+    colorStart = other.colorStart;
+    colorEnd = other.colorEnd;
+    texture = other.texture;
+    blendingSrc = other.blendingSrc;
+    blendingDst = other.blendingDst;
+    ownsTexture = false;
+}
+
+bool KTEMITTER::init() {
+    if (particle) return false;
+    particle = newRecords<KTPARTICLE>(poolSize);
+    vertexArray = newRecords<R3XVECTOR4D>(kVertices);
+    uvArray = newRecords<R3XVECTOR2D>(kVertices);
+    uvSecondaryArray = newRecords<R3XVECTOR2D>(kVertices);
+    colorArray = newRecords<unsigned char>(kVertices * kColorBytes);
+    if (!particle || !vertexArray || !uvArray || !uvSecondaryArray || !colorArray) {
+        freeArrays();
+        return false;
+    }
+    const R3XVECTOR2D square[kCorners] = {{0.0f, 0.0f}, {1.0f, 0.0f}, {1.0f, 1.0f}, {0.0f, 1.0f}};
+    for (unsigned int i = 0; i < kVertices; ++i) {
+        const R3XVECTOR2D uv = square[i % kCorners];
+        vertexArray[i].set(uv.x * 2.0f - 1.0f, uv.y * 2.0f - 1.0f, 0.0f, 1.0f);
+        uvArray[i] = uvSecondaryArray[i] = uv;
+    }
+    numberbOfParticlesUsed = 0;
+    return true;
+}
+
+bool KTEMITTER::free() {
+    if (!particle) return false;
+    for (KTEMITTER *emitter = firstEmitter; emitter; emitter = emitter->nextEmitter) {
+        emitter->releaseSlots(0);
+        emitter->initialized = false;
+    }
+    numberbOfParticlesUsed = 0;
+    freeArrays();
+    return true;
+}
+
+void KTEMITTER::freeArrays() {
+    freeRecords(particle);
+    freeRecords(vertexArray);
+    freeRecords(uvArray);
+    freeRecords(uvSecondaryArray);
+    freeRecords(colorArray);
+}
+
+void KTEMITTER::setColorStart(R3XVECTOR3D value) {
+    colorStart = value;
+    colorDelta = colorEnd - colorStart;
+}
+
+void KTEMITTER::setColorEnd(R3XVECTOR3D value) {
+    colorEnd = value;
+    colorDelta = colorEnd - colorStart;
+}
+
+void KTEMITTER::setNumberOfParticles(int number) {
+    numberOfParticles = number;
+    const int wanted = clampedNumber(number);
+    releaseSlots(static_cast<unsigned int>(wanted));
+    if (wanted > 0 && slot[wanted - 1] < 0) initialized = false;
+}
+
+// The new use counts first: it may be the same texture.
+void KTEMITTER::setTexture(KTTEXTURE *value) {
+    if (value) value->incReferences();
+    releaseTexture();
+    texture = value;
+    ownsTexture = value != nullptr;
+}
+
+void KTEMITTER::releaseTexture() {
+    KTTEXTURE *released = ownsTexture ? texture : nullptr;
+    texture = nullptr;
+    ownsTexture = false;
+    if (!released) return;
+    released->decReferences();
+    if (released->getReferences() <= 0) KTTEXTURE::destroy(*released);
+}
+
+void KTEMITTER::forgetTexture(const KTTEXTURE *gone) {
+    for (KTEMITTER *emitter = firstEmitter; emitter; emitter = emitter->nextEmitter) {
+        if (emitter->texture != gone) continue;
+        emitter->texture = nullptr;
+        emitter->ownsTexture = false;
+    }
+}
+
+// The slots are public: an index outside the pool holds nothing.
+KTPARTICLE *KTEMITTER::heldParticle(unsigned int index) const {
+    const unsigned int record = static_cast<unsigned int>(slot[index]);
+    return particle && record < poolSize ? particle + record : nullptr;
+}
+
+void KTEMITTER::releaseSlots(unsigned int kept) {
+    for (unsigned int i = kept; i < maxParticles; ++i) {
+        KTPARTICLE *held = heldParticle(i);
+        if (held && held->used) {
+            held->used = false;
+            --numberbOfParticlesUsed;
+        }
+        slot[i] = -1;
+    }
+}
+
+// With too few free records the emitter makes do with what it has, and does not ask again.
+bool KTEMITTER::initialize() {
+    if (!particle) return false;
+    numberOfParticles = clampedNumber(numberOfParticles);
+    const unsigned int wanted = static_cast<unsigned int>(numberOfParticles);
+    releaseSlots(wanted);
+    unsigned int next = 0;
+    for (unsigned int record = 0; record < poolSize; ++record) {
+        while (next < wanted && slot[next] >= 0) ++next;
+        if (next == wanted) break;
+        if (particle[record].used) continue;
+        particle[record].used = true;
+        ++numberbOfParticlesUsed;
+        slot[next] = static_cast<int>(record);
+    }
+    for (unsigned int i = 0; i < wanted; ++i) updateParticle(heldParticle(i));
+    initialized = true;
+    return true;
+}
+
+bool KTEMITTER::updateParticle(KTPARTICLE *spawned) {
+    if (!spawned) return false;
+    spawned->energy = spawned->initialEnergy = randomBelow(maximumEnergy) * 0.01f;
+    spawned->color = colorStart;
+    spawned->size = randomBelow(maximumParticuleSize) * 0.1f;
+    spawned->spinSpeed = randomBelow(maximumSpin);
+    spawned->spinAngle = spinning;
+    if (emitterType == kPoint) {
+        const float z = randomDifference(maxVelocity), y = randomDifference(maxVelocity);
+        spawned->velocity.set(randomDifference(maxVelocity), y, z);
+        spawned->position = center;
+    } else if (emitterType == kRectangle) {
+        spawned->velocity = randomAlong(upVector, maxVelocity);
+        const float x = randomWithin(sizeX);
+        spawned->position = center + R3XVECTOR3D(x, 0.0f, randomWithin(sizeY));
+    } else if (emitterType == kDisc) {
+        placeOnDisc(*spawned);
+        spawned->velocity = randomAlong(upVector, maxVelocity);
+    }
+    return true;
+}
+
+// The centre is subtracted, unlike the rectangle's, and its height is not used: both are meant.
+void KTEMITTER::placeOnDisc(KTPARTICLE &spawned) const {
+    const float a = randomWithin(radius);
+    // The sine of the arc cosine of a / radius, times the radius. A disc without a radius is a point.
+    const float ratio = radius != 0.0f ? a / radius : 0.0f;
+    float b = std::sqrt(std::max(0.0f, 1.0f - ratio * ratio)) * radius;
+    if (std::rand() & 1) b = -b;
+    const float x = randomUnit() * a - center.x;
+    spawned.position.set(x, 0.0f, randomUnit() * b - center.z);
+}
+
+bool KTEMITTER::render(void *data) {
+    if (!data || !particle) return false;
+    if (!initialized && !initialize()) return false;
+    KT_glLoadMatrixf(static_cast<KTELEMENT *>(data)->getMatrix()->m);
+    const bool wasLit = KTLIGHT::getLighting();
+    if (wasLit) KTLIGHT::lightingOff();
+    KTSHADER::disable();
+    KTOPENGL::blendingOn();
+    glBlendFunc(blendingSrc, blendingDst);
+    glDepthMask(GL_FALSE);
+    glEnable(GL_ALPHA_TEST);
+    KT_glAlphaFunc(GL_GREATER, kAlphaLimit);
+    // Behind the back of its switch, and not undone here: the end of the 2D pass switches it on again. Meant.
+    glDisable(GL_CULL_FACE);
+
+    updateParticles();
+    draw();
+
+    glDisable(GL_ALPHA_TEST);
+    glDepthMask(GL_TRUE);
+    KTOPENGL::blendingOff();
+    KTTEXTURE::texturingOff(KTTEXTURE::channels);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    if (wasLit) KTLIGHT::lightingOn();
+    KTMATERIAL::reset();
+    return true;
+}
+
+void KTEMITTER::updateParticles() {
+    float m[16];
+    KT_glGetFloatv(0, m);
+    BILLBOARD billboard;
+    billboard.right.set(m[0], m[4], m[8]);
+    billboard.up.set(m[1], m[5], m[9]);
+    billboard.axis = billboard.right ^ billboard.up;
+    billboard.axis.normalize();
+    billboard.time = KELTRA::getFPSfactor();
+    billboard.gravityStep = gravity * billboard.time;
+    const unsigned int count = static_cast<unsigned int>(clampedNumber(numberOfParticles));
+    R3XVECTOR4D *corners = vertexArray;
+    unsigned char *colors = colorArray;
+    for (unsigned int i = 0; i < count; ++i, corners += kCorners, colors += kCorners * kColorBytes) {
+        if (KTPARTICLE *held = heldParticle(i)) {
+            advance(*held, billboard, corners, colors);
+            continue;
+        }
+        // Drawn all the same, as nothing: in the last corner before it, where no triangle has an area.
+        std::fill(corners, corners + kCorners, i ? corners[-1] : R3XVECTOR4D());
+        std::memset(colors, 0, kCorners * kColorBytes);
+    }
+}
+
+void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR4D *corners,
+                        unsigned char *colors) {
+    moved.velocity += billboard.gravityStep;
+    moved.position += moved.velocity * billboard.time;
+    const float scale = std::fabs(moved.size - moved.energy);
+    if (moved.spinAngle == 0.0f) {
+        writeCorners(moved.position, scale, billboard.right, billboard.up, corners);
+    } else {
+        R3XMATRIX turn;
+        turn.setRotation(moved.spinAngle, billboard.axis.x, billboard.axis.y, billboard.axis.z);
+        writeCorners(moved.position, scale, turn.rotate(billboard.right), turn.rotate(billboard.up), corners);
+    }
+    const float ratio = moved.initialEnergy != 0.0f ? moved.energy / moved.initialEnergy : 0.0f;
+    const R3XVECTOR3D rgb = colorEnd - colorDelta * ratio;
+    moved.color.set(rgb.x, rgb.y, rgb.z, moved.energy);  // the energy itself, not its ratio: meant
+    moved.spinAngle += moved.spinSpeed * billboard.time;
+    writeColor(moved.color, colors);
+    moved.energy -= kEnergyLoss * billboard.time;
+    if (!(moved.energy > 0.0f)) updateParticle(&moved);
+}
+
+// Four vertices a particle as a list of triangles: meant, see the header.
+void KTEMITTER::draw() {
+    if (texture)
+        texture->render(nullptr);
+    else
+        KTTEXTURE::texturingOff(KTTEXTURE::channels);
+    KTOPENGL::normalArrayOff();  // a mesh's would be shorter than what is drawn
+    KTOPENGL::vertexArrayOn();
+    KTOPENGL::colorArrayOn();
+    KTOPENGL::textureArrayOn();
+    glVertexPointer(4, GL_FLOAT, 0, vertexArray);
+    glColorPointer(4, GL_UNSIGNED_BYTE, 0, colorArray);
+    glTexCoordPointer(2, GL_FLOAT, 0, uvArray);
+    glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(kCorners) * clampedNumber(numberOfParticles));
+    KTOPENGL::vertexArrayOff();
+    KTOPENGL::colorArrayOff();
+    KTOPENGL::textureArrayOff();
+}

@@ -1,0 +1,329 @@
+#include <keltra/box.h>
+#include <keltra/font.h>
+#include <keltra/foundation.h>
+#include <keltra/opengl.h>
+#include <keltra/texture.h>
+
+#include "foundation/file_bytes.h"
+#include "foundation/registry.h"
+#include "foundation/text.h"
+#include "resources/font_layout.h"
+
+#include <GLES/gl.h>
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+template class KTREGISTERED<KTFONT>;
+
+const unsigned int KTFONT::maxGlyphs;
+const unsigned int KTFONT::maxCharacters;
+char KTFONT::fontPath[256] = "";
+KTFONT *KTFONT::firstFont = nullptr;
+std::int32_t *KTFONT::fontCachedVertex = nullptr;
+std::int32_t *KTFONT::fontCachedTexCoord = nullptr;
+unsigned char *KTFONT::fontCachedColor = nullptr;
+std::uint16_t *KTFONT::fontCachedIndex = nullptr;
+unsigned int KTFONT::fontCachedCurrent = 0;
+bool KTFONT::fontCachedFlushed = false;
+unsigned char KTFONT::fontCurrentColor[24] = {255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255,
+                                              255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255};
+
+namespace {
+
+constexpr unsigned int kGlyphVertices = 6;
+constexpr unsigned int kVertices = KTFONT::maxGlyphs * kGlyphVertices;
+constexpr unsigned int kPairs = 2 * kGlyphVertices;   // of coordinates, a glyph
+constexpr unsigned int kColors = 4 * kGlyphVertices;  // bytes a glyph
+constexpr char kFirstCharacter = ' ';
+constexpr int kCharacters = 96;
+constexpr int kCells = 16;  // in a row of the texture
+
+template <class T>
+T *newArray(unsigned int count) {
+    return static_cast<T *>(vnfMalloc(count * static_cast<unsigned int>(sizeof(T))));
+}
+
+template <class T>
+void freeArray(T *&array) {
+    if (array) vnfFree(array);
+    array = nullptr;
+}
+
+// Entry of the kerning table; outside it for characters that have none. The same wherever char is unsigned.
+int cellOf(char c) { return static_cast<signed char>(c) - kFirstCharacter; }
+
+bool hasKerning(char c) { return cellOf(c) >= 0 && cellOf(c) < kCharacters; }
+
+// What lies outside 16.16 stays outside the screen, on its side.
+GLfixed pixels(std::int64_t value) {
+    return static_cast<GLfixed>(std::clamp<std::int64_t>(value, -32768, 32767) * 65536);
+}
+
+// Sixteenths of the texture.
+GLfixed sixteenths(std::int64_t value) {
+    return static_cast<GLfixed>(std::clamp<std::int64_t>(value, -32768 * kCells, 32767 * kCells) *
+                                (65536 / kCells));
+}
+
+// A digit from 0 to 8 spans 0 to 255; other characters give the low byte of the same product.
+unsigned char colorByte(char digit) { return static_cast<unsigned char>((digit - '0') * 3189 / 100); }
+
+void setCurrentColor(unsigned char r, unsigned char g, unsigned char b, unsigned char a) {
+    const unsigned char color[4] = {r, g, b, a};
+    for (unsigned int i = 0; i < kGlyphVertices; ++i)
+        std::memcpy(KTFONT::fontCurrentColor + i * sizeof color, color, sizeof color);
+}
+
+void setPointers(unsigned int slot) {
+    glColorPointer(4, GL_UNSIGNED_BYTE, 0, KTFONT::fontCachedColor + slot * kColors);
+    glVertexPointer(2, GL_FIXED, 0, KTFONT::fontCachedVertex + slot * kPairs);
+    glTexCoordPointer(2, GL_FIXED, 0, KTFONT::fontCachedTexCoord + slot * kPairs);
+}
+
+void drawBatch(unsigned int first, unsigned int count) {
+    setPointers(0);
+    glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(count * kGlyphVertices), GL_UNSIGNED_SHORT,
+                   KTFONT::fontCachedIndex + first * kGlyphVertices);
+}
+
+void bind(KTTEXTURE &texture) {
+    texture.render(nullptr);
+    KTOPENGL::blendingOn();
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+}
+
+// The marker is public: a value past the batch counts as an empty batch.
+unsigned int freeSlot() {
+    if (KTFONT::fontCachedCurrent >= KTFONT::maxGlyphs) KTFONT::fontCachedCurrent = 0;
+    return KTFONT::fontCachedCurrent;
+}
+
+void readKerning(vnfParser &file, const char *key, signed char &kerning) {
+    int value = 0;
+    if (vnfParseInt(&file, key, &value)) kerning = static_cast<signed char>(value);
+}
+
+}  // namespace
+
+KTFONT::KTFONT() : texture(nullptr), kerning(), charSizeX(16), charSizeY(16), countsTexture(false) {
+    id = enlist();
+    std::snprintf(name, sizeof name, "[font %u]", id);
+}
+
+KTFONT::KTFONT(const KTFONT &other) : KTREGISTERED<KTFONT>(other) { copyFields(other); }
+
+KTFONT &KTFONT::operator=(const KTFONT &other) {
+    if (this == &other) return *this;
+    releaseTexture();
+    copyFields(other);
+    return *this;
+}
+
+KTFONT::~KTFONT() { letGo(*this); }
+
+void KTFONT::copyFields(const KTFONT &other) {
+    id = other.id;
+    texture = other.texture;
+    std::memcpy(kerning, other.kerning, sizeof kerning);
+    charSizeX = other.charSizeX;
+    charSizeY = other.charSizeY;
+    std::memcpy(name, other.name, sizeof name);
+    previous = other.previous;
+    next = other.next;
+    countsTexture = false;
+}
+
+void KTFONT::setLink(KTFONT &font, KTFONT *before, KTFONT *after) {
+    font.previous = before;
+    font.next = after;
+}
+
+void KTFONT::letGo(KTFONT &font) {
+    KTBOX::forgetFont(&font);
+    font.releaseTexture();
+    font.delist();
+}
+
+void KTFONT::releaseTexture() {
+    if (texture && countsTexture) texture->decReferences();
+    texture = nullptr;
+    countsTexture = false;
+}
+
+void KTFONT::forgetTexture(const KTTEXTURE *gone) {
+    for (KTFONT *font = firstAlive(); font; font = font->nextAlive()) {
+        if (font->texture != gone) continue;
+        font->texture = nullptr;
+        font->countsTexture = false;
+    }
+}
+
+bool KTFONT::init() {
+    if (fontCachedVertex) return false;
+    fontCachedVertex = newArray<std::int32_t>(2 * kVertices);
+    fontCachedTexCoord = newArray<std::int32_t>(2 * kVertices);
+    fontCachedColor = newArray<unsigned char>(4 * kVertices);
+    fontCachedIndex = newArray<std::uint16_t>(kVertices);
+    if (!fontCachedVertex || !fontCachedTexCoord || !fontCachedColor || !fontCachedIndex) {
+        free();
+        return false;
+    }
+    for (unsigned int i = 0; i < kVertices; ++i) fontCachedIndex[i] = static_cast<std::uint16_t>(i);
+    return true;
+}
+
+bool KTFONT::free() {
+    freeArray(fontCachedVertex);
+    freeArray(fontCachedTexCoord);
+    freeArray(fontCachedColor);
+    freeArray(fontCachedIndex);
+    reset();
+    return true;
+}
+
+bool KTFONT::setTexture(KTTEXTURE *glyphs) {
+    if (!glyphs) return false;
+    releaseTexture();
+    texture = glyphs;
+    texture->incReferences();
+    countsTexture = true;
+    return true;
+}
+
+bool KTFONT::setKerning(char c, signed char value) {
+    if (!hasKerning(c)) return false;
+    kerning[cellOf(c)] = value;
+    return true;
+}
+
+signed char KTFONT::getKerning(char c) const { return hasKerning(c) ? kerning[cellOf(c)] : 0; }
+
+bool KTFONT::loadKerning(const char *filename) {
+    if (!filename) return false;
+    vnfParser file;
+    if (!vnfOpenParser(&file, keltra::FilePath(fontPath, filename).text)) return false;
+    vnfRemoveComments(&file, '#');
+    // Keys match inside longer words: that of 'S' matches the line of SPACE too, so files name the characters
+    // that cannot stand in a key at their end.
+    char key[] = "KELTRA_kerning_?";
+    for (char c = kFirstCharacter; c < 127; ++c) {
+        key[sizeof key - 2] = c;
+        readKerning(file, key, kerning[cellOf(c)]);
+    }
+    readKerning(file, "KELTRA_kerning_SPACE", kerning[cellOf(' ')]);
+    readKerning(file, "KELTRA_kerning_DIESIS", kerning[cellOf('#')]);
+    readKerning(file, "KELTRA_kerning_EQUAL", kerning[cellOf('=')]);
+    vnfCloseParser(&file);
+    return true;
+}
+
+void KTFONT::writeGlyph(std::int64_t x, std::int64_t y, char c) const {
+    const unsigned int slot = freeSlot();
+    const int cell = cellOf(c), row = cell >> 4;
+    // Meant: the row is multiplied by the width on the screen, not by the 16 cells of a row. Textures are
+    // baked for glyphs 16 pixels wide, where both are the same.
+    const std::int64_t column = cell - std::int64_t{charSizeX} * row;
+    const GLfixed s0 = sixteenths(column), s1 = sixteenths(column + 1);
+    const GLfixed t0 = sixteenths(kCells - row), t1 = sixteenths(kCells - row - 1);
+    const GLfixed left = pixels(x), right = pixels(x + charSizeX), top = pixels(y),
+                  bottom = pixels(y + charSizeY);
+    const GLfixed corners[kPairs] = {left,  bottom, right, bottom, left, top,
+                                     right, bottom, right, top,    left, top};
+    const GLfixed texels[kPairs] = {s0, t1, s1, t1, s0, t0, s1, t1, s1, t0, s0, t0};
+    std::memcpy(fontCachedVertex + slot * kPairs, corners, sizeof corners);
+    std::memcpy(fontCachedTexCoord + slot * kPairs, texels, sizeof texels);
+    std::memcpy(fontCachedColor + slot * kColors, fontCurrentColor, sizeof fontCurrentColor);
+}
+
+void KTFONT::queueGlyph(std::int64_t x, std::int64_t y, char c) const {
+    writeGlyph(x, y, c);
+    if (++fontCachedCurrent < maxGlyphs) return;
+    drawBatch(0, maxGlyphs);
+    glFinish();  // the arrays are written over at once
+    fontCachedFlushed = true;
+    reset();
+}
+
+bool KTFONT::putChar(int x, int y, char c, bool immediate) {
+    if (!fontCachedVertex) return false;
+    if (!immediate) {
+        queueGlyph(x, y, c);
+        return true;
+    }
+    if (!texture) return false;
+    writeGlyph(x, y, c);
+    bind(*texture);
+    setPointers(fontCachedCurrent);
+    glDrawArrays(GL_TRIANGLES, 0, kGlyphVertices);
+    return true;
+}
+
+void KTFONT::queueText(std::int64_t left, std::int64_t top, const char *text) const {
+    using keltra::TextToken;
+    std::int64_t x = left, y = top;
+    while (*text) {
+        const TextToken token = keltra::textToken(text);
+        if (token == TextToken::kEnd) return;
+        if (token == TextToken::kGlyph) {
+            const char c = *text++;
+            if (c == '\n') {
+                x = left;
+                y += charSizeY;
+            } else {
+                queueGlyph(x, y, c);
+                x += std::int64_t{charSizeX} - getKerning(c);
+            }
+            continue;
+        }
+        if (token == TextToken::kColor)
+            setCurrentColor(colorByte(text[2]), colorByte(text[3]), colorByte(text[4]), colorByte(text[5]));
+        if (token == TextToken::kMoveX) x += keltra::escapeNumber(text);
+        if (token == TextToken::kMoveY) y += keltra::escapeNumber(text);
+        text += keltra::kEscapeLength;
+    }
+}
+
+bool KTFONT::putString(int x, int y, const char *format, ...) {
+    if (!format || !texture || !fontCachedVertex) return false;
+    bind(*texture);
+    char text[maxCharacters];
+    std::va_list arguments;
+    va_start(arguments, format);
+    const int length = std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    if (length < 0) return false;
+    setCurrentColor(255, 255, 255, 255);
+    fontCachedFlushed = false;
+    const unsigned int start = freeSlot();
+    queueText(x, y, text);
+    if (fontCachedCurrent <= start && !fontCachedFlushed) return true;
+    // Meant: after a full batch the glyphs that were queued before this string are taken off a second time,
+    // and what then lies before them is not drawn; with none before, nothing is missing.
+    if (fontCachedCurrent > start) drawBatch(start, fontCachedCurrent - start);
+    reset();
+    return true;
+}
+
+KTFONT *KTFONT::findByName(const char *text) {
+    if (!text) return nullptr;
+    for (KTFONT *font = firstRegistered(); font; font = font->registeredNext())
+        if (std::strcmp(font->name, text) == 0) return font;
+    return nullptr;
+}
+
+KTFONT *KTFONT::findById(unsigned int wanted) {
+    for (KTFONT *font = firstRegistered(); font; font = font->registeredNext())
+        if (font->id == wanted) return font;
+    return nullptr;
+}
+
+unsigned int KTFONT::getNumberOfFonts() { return count(); }
+
+bool KTFONT::cleanUp() { return destroyAll(); }
+
+void KTFONT::setPath(const char *path) { keltra::copyText(fontPath, path); }
+
+void KTFONT::setName(const char *text) { keltra::copyName(name, text); }

@@ -1,0 +1,173 @@
+#include "resources/font_layout.h"
+
+#include <keltra/font.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+using keltra::TextToken;
+
+// Sizes of any 32 bits are added up thousands of times.
+using Pixels = std::int64_t;
+
+Pixels advanceOf(const KTFONT &font, char c) { return Pixels{font.charSizeX} - font.getKerning(c); }
+
+// Copies a text and breaks its lines.
+class LineBreaker {
+   public:
+    LineBreaker(const KTFONT &usedFont, char *destination, std::size_t size, unsigned int lineWidth)
+        : font(usedFont), out(destination), room(size - 1), width(lineWidth) {}
+
+    void copy(const char *source) {
+        const std::size_t length = std::strlen(source);
+        std::size_t at = 0;
+        while (at < length) {
+            const TextToken token = keltra::textToken(source + at);
+            // What is left of an escape cut short is not drawn, so it takes no width.
+            const std::size_t taken = token == TextToken::kGlyph ? 1
+                                      : token == TextToken::kEnd ? length - at
+                                                                 : keltra::kEscapeLength;
+            const bool fits = token == TextToken::kGlyph ? putGlyph(source[at]) : put(source + at, taken);
+            if (!fits) break;
+            if (token == TextToken::kMoveX) x += keltra::escapeNumber(source + at);
+            if (token == TextToken::kMoveY) height += keltra::escapeNumber(source + at);
+            at += taken;
+        }
+        out[used] = '\0';
+    }
+
+    int addedHeight() const { return static_cast<int>(std::clamp<Pixels>(height, INT_MIN, INT_MAX)); }
+
+   private:
+    static constexpr std::size_t kNowhere = SIZE_MAX;
+
+    bool put(const char *text, std::size_t count) {
+        if (count > room - used) return false;
+        std::memcpy(out + used, text, count);
+        used += count;
+        return true;
+    }
+
+    bool putGlyph(char c) {
+        const Pixels advance = advanceOf(font, c);
+        if (static_cast<signed char>(c) >= ' ' && x + advance > width) {
+            if (c == ' ') return putBlankAsBreak();
+            if (!breakLine()) return false;
+        }
+        if (c == '\n') {
+            height += font.charSizeY;
+            x = 0;
+        }
+        if (!put(&c, 1)) return false;
+        if (c == ' ' || c == '\n') remember();
+        // Meant, and kept for the heights that were laid out with it: a '\n' too advances, by a whole cell.
+        x += advance;
+        return true;
+    }
+
+    // A blank that does not fit is itself the end of its line.
+    bool putBlankAsBreak() {
+        if (!put("\n", 1)) return false;
+        height += font.charSizeY;
+        x = 0;
+        breakAt = kNowhere;
+        return true;
+    }
+
+    // Meant: a remembered '\n' is taken for a break once more. That adds a height without a line, and the
+    // line goes on beyond the width; the second overflow of a long word meets it.
+    bool breakLine() {
+        if (breakAt != kNowhere) {
+            out[breakAt] = '\n';
+            x -= widthAtBreak;
+            breakAt = kNowhere;
+        } else {
+            if (!put("\n", 1)) return false;
+            x = 0;
+            remember();
+        }
+        height += font.charSizeY;
+        return true;
+    }
+
+    // The character just written is where the line may be broken.
+    void remember() {
+        breakAt = used - 1;
+        widthAtBreak = x;
+    }
+
+    const KTFONT &font;
+    char *const out;
+    const std::size_t room;
+    const Pixels width;
+    std::size_t used = 0;
+    Pixels x = 0, height = 0;
+    std::size_t breakAt = kNowhere;
+    Pixels widthAtBreak = 0;
+};
+
+}  // namespace
+
+keltra::TextToken keltra::escapeToken(const char *text) {
+    TextToken token;
+    switch (text[1]) {
+        case '\0':
+            return TextToken::kEnd;
+        case 'c':
+        case 'C':
+            token = TextToken::kColor;
+            break;
+        case 'x':
+        case 'X':
+            token = TextToken::kMoveX;
+            break;
+        case 'y':
+        case 'Y':
+            token = TextToken::kMoveY;
+            break;
+        default:
+            return TextToken::kGlyph;
+    }
+    for (std::size_t i = 2; i < kEscapeLength; ++i)
+        if (!text[i]) return TextToken::kEnd;
+    return token;
+}
+
+int keltra::escapeNumber(const char *escape) {
+    char digits[kEscapeLength - 1] = {};
+    std::memcpy(digits, escape + 2, sizeof digits - 1);
+    return static_cast<int>(std::strtol(digits, nullptr, 10));
+}
+
+int keltra::formatText(const KTFONT &font, const char *source, char *destination, std::size_t size,
+                       unsigned int width) {
+    if (!source || !destination || !size) return 0;
+    LineBreaker lines(font, destination, size, width);
+    lines.copy(source);
+    return lines.addedHeight();
+}
+
+unsigned int KTFONT::stringLength(const char *text) const {
+    if (!text) return 0;
+    Pixels length = 0;
+    while (*text) {
+        const TextToken token = keltra::textToken(text);
+        if (token == TextToken::kEnd) break;
+        if (token == TextToken::kGlyph) {
+            length += advanceOf(*this, *text++);
+            continue;
+        }
+        if (token == TextToken::kMoveX) length += keltra::escapeNumber(text);
+        text += keltra::kEscapeLength;
+    }
+    return static_cast<unsigned int>(std::clamp<Pixels>(length, 0, UINT_MAX));
+}
+
+int KTFONT::format(const char *source, char *destination, unsigned int width, unsigned int) const {
+    return keltra::formatText(*this, source, destination, SIZE_MAX, width);
+}

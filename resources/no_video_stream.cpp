@@ -1,0 +1,13 @@
+#include "resources/video_stream.h"
+
+// An engine without video opens no film, so the others have nothing to do.
+
+namespace keltra {
+
+bool openStream(KTVIDEOSTREAM &, const char *) { return false; }
+
+void closeStream(KTVIDEOSTREAM &) {}
+
+bool stepStream(KTVIDEOSTREAM &, VideoPicture &) { return false; }
+
+}  // namespace keltra

@@ -1,0 +1,159 @@
+#include <keltra/video.h>
+
+#include <keltra/foundation.h>
+#include <keltra/texture.h>
+
+#include "foundation/block.h"
+#include "foundation/file_bytes.h"
+#include "foundation/registry.h"
+#include "foundation/text.h"
+#include "resources/video_stream.h"
+
+#include <GLES/gl.h>
+
+#include <cstdio>
+#include <cstring>
+
+template class KTREGISTERED<KTVIDEO>;
+
+const unsigned int KTVIDEO::maxSize;
+KTVIDEO *KTVIDEO::firstVideo = nullptr;
+char KTVIDEO::mpgPath[256] = "";
+
+static_assert(KTVIDEO::maxSize == KTTEXTURE::maxSize, "what is decoded can be shown");
+
+KTVIDEO::KTVIDEO()
+    : texture(nullptr),
+      previous(nullptr),
+      next(nullptr),
+      status(KT_VIDEO_STOPPED),
+      stream(static_cast<KTVIDEOSTREAM *>(keltra::newBlock(sizeof(KTVIDEOSTREAM)))),
+      countsTexture(false) {
+    if (stream) std::memset(stream, 0, sizeof *stream);
+    id = enlist();
+    std::snprintf(filename, sizeof filename, "[video %d]", static_cast<int>(id));
+}
+
+KTVIDEO::KTVIDEO(const KTVIDEO &other) : KTREGISTERED<KTVIDEO>(other) {
+    copyFields(other);
+    keltra::retainBlock(stream);
+}
+
+KTVIDEO &KTVIDEO::operator=(const KTVIDEO &other) {
+    if (this == &other) return *this;
+    keltra::retainBlock(other.stream);
+    keltra::releaseBlock(stream);
+    releaseTexture();
+    copyFields(other);
+    return *this;
+}
+
+KTVIDEO::~KTVIDEO() { letGo(*this); }
+
+void KTVIDEO::copyFields(const KTVIDEO &other) {
+    id = other.id;
+    std::memcpy(filename, other.filename, sizeof filename);
+    texture = other.texture;
+    previous = other.previous;
+    next = other.next;
+    status = other.status;
+    stream = other.stream;
+    countsTexture = false;
+}
+
+void KTVIDEO::setLink(KTVIDEO &video, KTVIDEO *before, KTVIDEO *after) {
+    video.previous = before;
+    video.next = after;
+}
+
+// A film that is open stays so, its file and decoder with it: meant, whoever took them out of the stream keeps them. Closing
+// is the application's act, `load(nullptr)`.
+void KTVIDEO::letGo(KTVIDEO &video) {
+    video.releaseTexture();
+    keltra::releaseBlock(video.stream);
+    video.stream = nullptr;
+    video.delist();
+}
+
+bool KTVIDEO::cleanUp() { return destroyAll(); }
+
+unsigned int KTVIDEO::getNumberOfVideos() { return count(); }
+
+KTVIDEO *KTVIDEO::findByFilename(const char *name) {
+    if (!name) return nullptr;
+    for (KTVIDEO *video = firstVideo; video; video = video->getNext())
+        if (std::strcmp(video->filename, name) == 0) return video;
+    return nullptr;
+}
+
+KTVIDEO *KTVIDEO::findById(unsigned int wanted) {
+    for (KTVIDEO *video = firstVideo; video; video = video->getNext())
+        if (video->id == wanted) return video;
+    return nullptr;
+}
+
+void KTVIDEO::setMPGPath(const char *path) { keltra::copyText(mpgPath, path); }
+
+void KTVIDEO::releaseTexture() {
+    if (texture && countsTexture) texture->decReferences();
+    texture = nullptr;
+    countsTexture = false;
+}
+
+void KTVIDEO::setTexture(KTTEXTURE *target) {
+    if (target) target->incReferences();
+    releaseTexture();
+    texture = target;
+    countsTexture = target != nullptr;
+}
+
+void KTVIDEO::forgetTexture(const KTTEXTURE *gone) {
+    for (KTVIDEO *video = firstAlive(); video; video = video->nextAlive()) {
+        if (video->texture != gone) continue;
+        video->texture = nullptr;
+        video->countsTexture = false;
+    }
+}
+
+bool KTVIDEO::load(const char *name) {
+    status = KT_VIDEO_STOPPED;
+    if (!stream) return false;
+    keltra::closeStream(*stream);
+    if (!name || std::strlen(name) >= sizeof filename) return false;
+    const keltra::FilePath path(mpgPath, name);
+    if (!vnfFileExists(path.text) || !keltra::openStream(*stream, path.text)) return false;
+    keltra::copyText(filename, name);
+    return true;
+}
+
+// Back to the beginning. Only a looping film goes on from there.
+bool KTVIDEO::startAgain() {
+    const bool loops = status == KT_VIDEO_LOOPING;
+    const bool opened = load(filename);
+    if (loops) status = KT_VIDEO_LOOPING;
+    return opened;
+}
+
+bool KTVIDEO::update(unsigned int steps) {
+    if (!stream) return false;
+    // Only a film that could not be opened again at its end still stands there; rewinding it is one more try.
+    if (status == KT_VIDEO_REWINDING && stream->lastRead == 0) return load(filename);
+    if (status == KT_VIDEO_STOPPED || !stream->file) return false;
+    // The steps that are left at the end of a film are made from its beginning, whether it loops or stops: meant, a call
+    // always makes as many steps as it was asked for.
+    for (; steps; --steps) {
+        keltra::VideoPicture picture;
+        if (keltra::stepStream(*stream, picture)) show(picture.width, picture.height, picture.pixels);
+        if (stream->lastRead == 0 && !startAgain()) return false;
+    }
+    return true;
+}
+
+// The texture class is not told that its texture is bound: meant, a film is advanced outside of drawing, and the frame
+// functions empty the class's cache. A row is a multiple of 48 bytes long, so every unpack alignment will do.
+void KTVIDEO::show(unsigned int width, unsigned int height, const unsigned char *pixels) {
+    if (!texture || !texture->takesPicture(width, height)) return;
+    glBindTexture(GL_TEXTURE_2D, texture->getGLId());
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGB,
+                    GL_UNSIGNED_BYTE, pixels);
+}

@@ -1,0 +1,137 @@
+#include "resources/video_stream.h"
+
+#include <keltra/foundation.h>
+
+#include <stdint.h>  // the decoder's headers use its types and do not include it
+
+extern "C" {
+#include <mpeg2.h>
+#include <mpeg2convert.h>
+}
+
+#include <cstring>
+
+namespace keltra {
+namespace {
+
+// The decoder does not check where a slice ends: it reads on through what lies behind, and past its buffer when all of that
+// makes sense. Behind the buffer then come zeros, which no slice goes on with.
+constexpr unsigned int kSliceMargin = 4096;
+
+// While one exists, the decoder's memory is cleared: damaged streams refer to pictures that were never decoded, and what
+// they show is then always the same, and never what another program part left in memory. The blocks are the decoder's own.
+class ClearedMemory {
+   public:
+    ClearedMemory() {
+        exhausted = false;
+        mpeg2_malloc_hooks(allocate, nullptr);
+    }
+    ~ClearedMemory() { mpeg2_malloc_hooks(nullptr, nullptr); }
+    ClearedMemory(const ClearedMemory &) = delete;
+    ClearedMemory &operator=(const ClearedMemory &) = delete;
+
+    static bool exhausted;
+
+   private:
+    static void *allocate(unsigned int size, mpeg2_alloc_t purpose) {
+        mpeg2_malloc_hooks(nullptr, nullptr);
+        if (purpose == MPEG2_ALLOC_CHUNK) size += kSliceMargin;
+        void *block = mpeg2_malloc(size, purpose);
+        mpeg2_malloc_hooks(allocate, nullptr);
+        const int grey = 128;
+        if (block)
+            std::memset(block, purpose == MPEG2_ALLOC_YUV ? grey : 0, size);
+        else
+            exhausted = exhausted || size != 0;
+        return block;
+    }
+};
+bool ClearedMemory::exhausted = false;
+
+// The decoder does not notice when it gets no memory for its pictures: three of them in RGB, and two and a few rows as
+// decoded, in three bytes a pixel at most.
+bool hasRoomFor(const mpeg2_sequence_t &sequence) {
+    const unsigned int pictures = 3 + 2, bytesPerPixel = 3, extraRows = 32, tables = 65536;
+    void *room =
+        vnfMalloc(sequence.width * (sequence.height + extraRows) * bytesPerPixel * pictures + tables);
+    if (!room) return false;
+    vnfFree(room);
+    return true;
+}
+
+// Lets the decoder look for the next sequence behind a header whose pictures are not to be decoded.
+void skipSequence(KTVIDEOSTREAM &stream) {
+    const int left = mpeg2_getpos(stream.decoder);
+    uint8_t *end = stream.buffer + (stream.lastRead > 0 ? stream.lastRead : 0);
+    mpeg2_reset(stream.decoder, 1);
+    if (left > 0 && left <= end - stream.buffer) mpeg2_buffer(stream.decoder, end - left, end);
+    stream.sequence = nullptr;
+}
+
+// The RGB output has to be asked for at each sequence header.
+void beginSequence(KTVIDEOSTREAM &stream) {
+    const mpeg2_sequence_t *sequence = stream.sequence;
+    stream.converted = stream.begun = false;
+    if (!sequence || sequence->width > KTVIDEO::maxSize || sequence->height > KTVIDEO::maxSize ||
+        !hasRoomFor(*sequence)) {
+        skipSequence(stream);
+        return;
+    }
+    stream.converted = mpeg2_convert(stream.decoder, mpeg2convert_rgb24, nullptr) == 0;
+}
+
+void readOn(KTVIDEOSTREAM &stream) {
+    const std::size_t count = std::fread(stream.buffer, 1, sizeof stream.buffer, stream.file);
+    stream.lastRead = static_cast<std::int32_t>(count);
+    mpeg2_buffer(stream.decoder, stream.buffer, stream.buffer + count);
+}
+
+}  // namespace
+
+bool openStream(KTVIDEOSTREAM &stream, const char *path) {
+    std::FILE *file = std::fopen(path, "rb");
+    if (!file) return false;
+    ClearedMemory cleared;
+    mpeg2dec_t *decoder = mpeg2_init();
+    if (decoder && ClearedMemory::exhausted) {
+        mpeg2_close(decoder);
+        decoder = nullptr;
+    }
+    if (!decoder) {
+        std::fclose(file);
+        return false;
+    }
+    stream.file = file;
+    stream.decoder = decoder;
+    stream.info = mpeg2_info(decoder);
+    stream.lastRead = -1;
+    stream.converted = stream.begun = false;
+    return true;
+}
+
+void closeStream(KTVIDEOSTREAM &stream) {
+    if (stream.file) std::fclose(stream.file);
+    if (stream.decoder) mpeg2_close(stream.decoder);
+    stream.file = nullptr;
+    stream.decoder = nullptr;
+    stream.info = nullptr;
+    stream.sequence = nullptr;
+}
+
+bool stepStream(KTVIDEOSTREAM &stream, VideoPicture &picture) {
+    ClearedMemory cleared;
+    const mpeg2_state_t state = mpeg2_parse(stream.decoder);
+    stream.state = state;
+    stream.sequence = stream.info->sequence;
+    if (state == STATE_BUFFER) readOn(stream);
+    if (state == STATE_SEQUENCE) beginSequence(stream);
+    if (state == STATE_PICTURE) stream.begun = true;
+    if (state != STATE_SLICE && state != STATE_END && state != STATE_INVALID_END) return false;
+    const mpeg2_fbuf_t *shown = stream.info->display_fbuf;
+    // At the end of a sequence without pictures the decoder still names one of the sequence before, which it has freed.
+    if (!shown || !shown->buf[0] || !stream.sequence || !stream.converted || !stream.begun) return false;
+    picture = {stream.sequence->width, stream.sequence->height, shown->buf[0]};
+    return true;
+}
+
+}  // namespace keltra

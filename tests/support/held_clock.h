@@ -1,0 +1,40 @@
+#ifndef KELTRA_TESTS_HELD_CLOCK_H
+#define KELTRA_TESTS_HELD_CLOCK_H
+
+// The steady clock while a test holds it: it moves only when told. To be included in one source file of a
+// test program.
+
+#include <time.h>
+
+#include "tests/support/interpose.h"
+
+namespace keltra::test {
+
+class HeldClock {
+   public:
+    HeldClock() { held = true; }
+    ~HeldClock() { held = false; }
+    HeldClock(const HeldClock &) = delete;
+    HeldClock &operator=(const HeldClock &) = delete;
+
+    static void passMilliseconds(long milliseconds) {
+        now.tv_nsec += milliseconds * 1000000;
+        now.tv_sec += now.tv_nsec / 1000000000;
+        now.tv_nsec %= 1000000000;
+    }
+
+    static inline bool held = false;
+    static inline timespec now = {1000, 0};
+};
+
+}  // namespace keltra::test
+
+extern "C" __attribute__((visibility("default"))) int clock_gettime(clockid_t clock, timespec *now) noexcept {
+    using keltra::test::HeldClock;
+    if (!HeldClock::held || clock != CLOCK_MONOTONIC)
+        return keltra::test::nextFunction<int(clockid_t, timespec *)>("clock_gettime")(clock, now);
+    *now = HeldClock::now;
+    return 0;
+}
+
+#endif

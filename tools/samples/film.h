@@ -1,0 +1,20 @@
+#ifndef KELTRA_SAMPLES_FILM_H
+#define KELTRA_SAMPLES_FILM_H
+
+// A box to show a film on.
+
+#include <vector>
+
+#include "tools/samples/scene.h"
+
+namespace keltra {
+namespace samples {
+
+// film.kte: "box", a cube of 4 units with the whole texture, top row first, on each side, of the material "screen", which
+// shines by itself and waits for its texture.
+std::vector<SampleFile> makeFilmFiles();
+
+}  // namespace samples
+}  // namespace keltra
+
+#endif  // KELTRA_SAMPLES_FILM_H
