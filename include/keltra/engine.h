@@ -63,7 +63,7 @@ class KT_API KELTRA {
     static KTNODE *load(const char *fileName);
     /** Loads an interface description. Null on failure, and always as long as the engine has no interface classes. */
     static KTNODE *loadXML(const char *fileName);
-    /** Reads the node record at `buffer + *cursor` and its subtree. It trusts that whole records stand there. Null on bad
+    /** Reads the node record at `buffer + *cursor`, of version 1.6a, and its subtree. It trusts that whole records stand there. Null on bad
      *  data or when out of memory. */
     static KTNODE *recursiveLoad(const char *buffer, long *cursor, KTNODE *parent);
     /** Binds the skins of all meshes below `node` to the bones below `root`. Always true. */
