@@ -28,7 +28,8 @@ class Silence {
     const GlRecorder::Stub stub;
 };
 
-// A root and 999 nodes below it, every one with up to ten children: 100 transparent meshes, 4 lights and opaque meshes.
+// A root and 999 nodes below it, every one with up to ten children: 100 transparent meshes, 4 lights and
+// opaque meshes.
 class Scene {
    public:
     Scene() {
@@ -60,7 +61,8 @@ class Scene {
 
     // Everything is listed, lights first, transparent meshes last and from back to front.
     bool isSorted() const {
-        if (KTELEMENT::getNumberOfPassedElements() != kNodes || KTELEMENT::getNumberOfLights() != kLights) return false;
+        if (KTELEMENT::getNumberOfPassedElements() != kNodes || KTELEMENT::getNumberOfLights() != kLights)
+            return false;
         if (KTELEMENT::numberOfTransparencies != kTransparent) return false;
         for (unsigned int i = 0; i < kLights; ++i)
             if (KTELEMENT::getLight(i)->getNode()->getType() != KT_LIGHT) return false;

@@ -28,7 +28,9 @@ keltra::samples::Node gridMesh(unsigned number) {
         node.mesh.uvs.push_back({x / 20.0f, y / 15.0f});
     }
     for (unsigned f = 0; f < kFaces; ++f) {
-        const auto corner = [f](unsigned step) { return static_cast<std::uint16_t>((f + step * 7) % kVertices); };
+        const auto corner = [f](unsigned step) {
+            return static_cast<std::uint16_t>((f + step * 7) % kVertices);
+        };
         node.mesh.faces.push_back({corner(0), corner(1), corner(2)});
         node.mesh.faceNormals.push_back({0.0f, 0.0f, 1.0f});
     }
@@ -71,7 +73,8 @@ void checkScene(benchmark::State &state) {
     const SceneOnDisk scene;
     keltra::SceneFault fault;
     for (auto _ : state)
-        if (!keltra::checkScene(scene.bytes.data(), scene.bytes.size(), fault)) state.SkipWithError("the scene is wrong");
+        if (!keltra::checkScene(scene.bytes.data(), scene.bytes.size(), fault))
+            state.SkipWithError("the scene is wrong");
     reportBytes(state, scene);
 }
 BENCHMARK(checkScene)->Unit(benchmark::kMillisecond);

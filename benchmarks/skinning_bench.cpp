@@ -23,13 +23,17 @@ struct Character {
 
     Character() : matrices(kBones) {
         std::mt19937 random(1);
-        const auto any = [&random](float reach) { return std::uniform_real_distribution<float>(-reach, reach)(random); };
-        for (std::size_t i = 0; i < 3 * kVertices; ++i) positions.push_back(any(4.0f)), normals.push_back(any(1.0f));
+        const auto any = [&random](float reach) {
+            return std::uniform_real_distribution<float>(-reach, reach)(random);
+        };
+        for (std::size_t i = 0; i < 3 * kVertices; ++i)
+            positions.push_back(any(4.0f)), normals.push_back(any(1.0f));
         for (std::size_t v = 0; v < kVertices; ++v) {
             float w[kInfluences], sum = 0.0f;
             for (float &weight : w) sum += weight = 0.01f + std::abs(any(1.0f));
             for (float weight : w) weights.push_back(weight / sum);
-            for (std::size_t k = 0; k < kInfluences; ++k) bones.push_back(static_cast<std::uint8_t>(random() % kBones));
+            for (std::size_t k = 0; k < kInfluences; ++k)
+                bones.push_back(static_cast<std::uint8_t>(random() % kBones));
         }
         for (R3XMATRIX &matrix : matrices) {
             matrix.setRotation(any(180.0f), 0.6f, 0.0f, 0.8f);
@@ -38,7 +42,8 @@ struct Character {
     }
 };
 
-// The same work in floats, with the same rearrangement: one vertex at a time, sums in registers, written once.
+// The same work in floats, with the same rearrangement: one vertex at a time, sums in registers, written
+// once.
 void skinByFloats(const Character &in, float *positions, float *normals) {
     const std::uint8_t *bone = in.bones.data();
     const float *weight = in.weights.data();
@@ -83,11 +88,14 @@ struct FixedCharacter {
     keltra::SkinJob job;
 
     FixedCharacter()
-        : positions(3 * kVertices), normals(3 * kVertices), skinnedPositions(3 * kVertices), skinnedNormals(3 * kVertices) {
+        : positions(3 * kVertices),
+          normals(3 * kVertices),
+          skinnedPositions(3 * kVertices),
+          skinnedNormals(3 * kVertices) {
         keltra::toFixed(floats.positions.data(), positions.data(), positions.size());
         keltra::toFixed(floats.normals.data(), normals.data(), normals.size());
-        job = {kVertices, kInfluences, positions.data(), normals.data(), floats.bones.data(), floats.weights.data(),
-               skinnedPositions.data(), skinnedNormals.data()};
+        job = {kVertices,           kInfluences,           positions.data(),        normals.data(),
+               floats.bones.data(), floats.weights.data(), skinnedPositions.data(), skinnedNormals.data()};
     }
 };
 
@@ -112,7 +120,8 @@ void kernelSkinning(benchmark::State &state) {
         Kernel::run(character.job, bones.data(), kBones);
     };
     skin();
-    if (!isNearFloats(character.floats, character.skinnedPositions)) return state.SkipWithError("the skin is wrong");
+    if (!isNearFloats(character.floats, character.skinnedPositions))
+        return state.SkipWithError("the skin is wrong");
     for (auto _ : state) {
         skin();
         benchmark::ClobberMemory();

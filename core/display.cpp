@@ -26,6 +26,8 @@ const Uint32 kCheckedMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_DOUBLEBUF | SDL_FU
 const Uint32 kWindowMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_FULLSCREEN;
 
 bool modeAvailable(const KTSETTINGS::RECORD &record) {
+    // SDL reads its missing video device when it is asked before its start.
+    if (!SDL_WasInit(SDL_INIT_VIDEO)) return false;
     if (record.windowX <= 0 || record.windowY <= 0) return false;
     return SDL_VideoModeOK(record.windowX, record.windowY, record.colorDepth, kCheckedMode) != 0;
 }

@@ -65,10 +65,14 @@ class Levels {
     bool pushed[keltra::kMaxTreeDepth];
 };
 
+R3XMATRIX *currentSlot() { return KTMESH::boneMatrices + KTMESH::usedSlots * KTMESH::maxBones; }
+
+unsigned int pooledBones(const KTMESH &mesh) { return std::min<unsigned int>(mesh.numberOfBones, KTMESH::maxBones); }
+
 void storeBone(KTNODE *bone, const KTMESH &mesh) {
-    for (unsigned int i = 0; i < mesh.numberOfBones && i < KTMESH::maxBones; ++i) {
+    for (unsigned int i = 0; i < pooledBones(mesh); ++i) {
         if (mesh.bones[i].node != bone) continue;
-        KT_glGetFloatv(0, KTMESH::boneMatrices[KTMESH::usedSlots * KTMESH::maxBones + i].m);
+        KT_glGetFloatv(0, currentSlot()[i].m);
         return;
     }
 }
@@ -153,7 +157,7 @@ void KTELEMENT::append(KTNODE *node) {
     bool transparent = node->type == KT_EMITTER || node->type == KT_HELPER;
     if (node->type == KT_MESH) {
         KTMESH *mesh = static_cast<KTMESH *>(node);
-        if (mesh->numberOfBones) passSkin(mesh, entry);
+        if (mesh->numberOfBones && mesh->bones) passSkin(mesh, entry);
         transparent = isTransparentMesh(*mesh);
     }
     ++numberOfPassedElements;
@@ -169,6 +173,8 @@ void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
     }
     bool pushed = keltra::pushMatrix();
     KT_glLoadIdentity();
+    // Bones that the walk does not meet rest, instead of following whoever had the slot in an earlier frame.
+    std::fill_n(currentSlot(), pooledBones(*mesh), R3XMATRIX());
     passSkeleton(mesh->parent, mesh);
     KTMESH::slotMesh[KTMESH::usedSlots] = mesh;
     entry.param1 = KTMESH::usedSlots++;
@@ -180,7 +186,7 @@ void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
 
 bool KTELEMENT::passSkeleton(KTNODE *bone, KTMESH *mesh) {
     if (!bone) return false;
-    if (!mesh || !KTMESH::boneMatrices || KTMESH::usedSlots >= KTMESH::maxSkins) return true;
+    if (!mesh || !mesh->bones || !KTMESH::boneMatrices || KTMESH::usedSlots >= KTMESH::maxSkins) return true;
     Levels levels;
     auto enter = [&](KTNODE *node, unsigned int depth) {
         levels.push(depth);

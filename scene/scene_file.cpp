@@ -93,7 +93,7 @@ KTTEXTURE *acquireNormalMap(const char *textureName) {
     const std::size_t length = std::strlen(textureName);
     if (length < kNormalMapEndingLength || length >= sizeof name) return nullptr;
     std::memcpy(name, textureName, length - kNormalMapEndingLength);
-    std::strcpy(name + length - kNormalMapEndingLength, kNormalMapEnding);
+    std::memcpy(name + length - kNormalMapEndingLength, kNormalMapEnding, sizeof kNormalMapEnding);
     if (!vnfFileExists(keltra::FilePath(KTTEXTURE::getPath(), name).text)) return nullptr;
     return acquireTexture(name);
 }
@@ -393,8 +393,9 @@ bool KTMESH::buildSkin(const keltra::MeshRecord &record) {
     for (unsigned int b = 0; b < record.boneCount; ++b) {
         KTBONE *bone = new (bones + b) KTBONE;
         bone->node = nullptr;
-        std::strcpy(bone->name, name);
-        name += std::strlen(name) + 1;
+        const std::size_t size = std::strlen(name) + 1;
+        std::memcpy(bone->name, name, size);
+        name += size;
     }
     numberOfInfluences = static_cast<std::uint16_t>(record.influenceCount);
     numberOfBones = static_cast<std::uint16_t>(record.boneCount);

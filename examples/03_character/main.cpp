@@ -19,7 +19,7 @@ constexpr float kFrameTime =
 constexpr float kRate = 24.0f;        // keyframes a second
 constexpr float kSwitchAfter = 4.0f;  // seconds
 constexpr int kColumns = 4, kRows = 5;
-constexpr float kStride = 1.42f;  // of a circle of the walk, which has two steps
+constexpr float kStride = 1.36f;  // of a circle of the walk, which has two steps
 constexpr float kGroundRepeat = 4.0f;
 
 struct Show {
@@ -36,8 +36,8 @@ bool loadFigures(Show *show) {
         KTNODE *figure = KELTRA::load("figure.kte");
         if (figure == nullptr) return false;
         const int row = i / kColumns, column = i % kColumns;
-        const float x = 1.75f * (static_cast<float>(column) - 1.5f + (row % 2 ? 0.2f : -0.2f));
-        figure->setPosition(x, 0.0f, 2.2f - 2.3f * static_cast<float>(row));
+        const float x = 1.5f * (static_cast<float>(column) - 1.5f + (row % 2 ? 0.2f : -0.2f));
+        figure->setPosition(x, 0.0f, 2.0f - 2.6f * static_cast<float>(row));
         show->figures.push_back(figure);
     }
     return true;
@@ -67,18 +67,13 @@ bool load(Show *show) {
     return true;
 }
 
-void switchAnimation(Show *show) {
-    show->playing = (show->playing + 1) % show->animations.size();
-    show->sinceSwitch = 0.0f;
-}
-
-// True once the program is to end.
+// A tap makes the next animation due. True once the program is to end.
 bool handleEvents(Show *show) {
     SDL_Event event;
     while (SDL_PollEvent(&event)) {
-        if (event.type == SDL_QUIT) return true;
-        if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE) return true;
-        if (event.type == SDL_MOUSEBUTTONDOWN) switchAnimation(show);
+        const bool escape = event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE;
+        if (event.type == SDL_QUIT || escape) return true;
+        if (event.type == SDL_MOUSEBUTTONDOWN) show->sinceSwitch = kSwitchAfter;
     }
     return false;
 }
@@ -86,7 +81,10 @@ bool handleEvents(Show *show) {
 void animate(Show *show, float seconds) {
     show->time += seconds;
     show->sinceSwitch += seconds;
-    if (show->sinceSwitch > kSwitchAfter) switchAnimation(show);
+    if (show->sinceSwitch > kSwitchAfter) {
+        show->playing = (show->playing + 1) % show->animations.size();
+        show->sinceSwitch = 0.0f;
+    }
     KTANIM *animation = show->animations[show->playing];
     const unsigned frames = animation->getNumberOfFrames();
     unsigned phase = static_cast<unsigned>(show->time * kRate);
@@ -95,25 +93,15 @@ void animate(Show *show, float seconds) {
         phase += 5;  // nobody marches in step
     }
     if (show->playing != 0) return;
-    // The figures stay in the picture, the ground moves on below them, by one repeat of its texture at most.
-    show->walked += seconds;
-    const float circle = static_cast<float>(frames) / kRate;
-    show->ground->setPosition(0.0f, 0.0f, -std::fmod(show->walked / circle * kStride, kGroundRepeat));
+    show->walked += seconds;  // the figures stay in the picture, the ground moves below them
+    const float circles = show->walked * kRate / static_cast<float>(frames);
+    show->ground->setPosition(0.0f, 0.0f, -std::fmod(circles * kStride, kGroundRepeat));
 }
 
 bool draw(const Show &show, KTCAMERA *camera) {
     bool ok = KELTRA::clear(true, true, false) && KELTRA::begin3D(camera) && show.stage->pass();
     for (KTNODE *figure : show.figures) ok = ok && figure->pass();
     return ok && KELTRA::end3D() && KELTRA::begin2D() && KELTRA::end2D();
-}
-
-bool start(const example::Options &options) {
-    KTSETTINGS settings;
-    if (!settings.load((options.data + "figure.cfg").c_str())) return false;
-    settings.setKTEPath(options.data.c_str());
-    settings.setKTAPath(options.data.c_str());
-    settings.setTexturePath(options.data.c_str());
-    return KELTRA::init(&settings);
 }
 
 }  // namespace
@@ -125,8 +113,12 @@ int main(int argc, char **argv) {
         return exitCode;
 
     // 1. Start.
-    if (!start(options)) {
-        std::fprintf(stderr, "03_character: no figure.cfg in %s, or no screen\n", options.data.c_str());
+    KTSETTINGS settings;
+    settings.setKTEPath(options.data.c_str());
+    settings.setKTAPath(options.data.c_str());
+    settings.setTexturePath(options.data.c_str());
+    if (!KELTRA::init(&settings)) {
+        std::fprintf(stderr, "03_character: the engine does not start\n");
         return 1;
     }
     Show show;
@@ -135,8 +127,8 @@ int main(int argc, char **argv) {
     {
         KTCAMERA camera;
         camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-        camera.setPosition(1.6f, 4.6f, 9.6f);
-        camera.setTarget(0.1f, 1.7f, -1.0f);
+        camera.setPosition(1.4f, 4.8f, 12.2f);
+        camera.setTarget(-0.25f, 2.2f, -1.0f);
         for (int frame = 1; ok && !handleEvents(&show); ++frame) {
             // 2. Per frame.
             const bool last = frame == options.frames;

@@ -69,7 +69,8 @@ class KT_API KELTRA {
     /** Makes what an element of an interface description asks for, and all that is nested in it, below `parent`. Always 0;
      *  does nothing for null and for nodes that are no elements. */
     static int recursiveLoadXML(KTNODE *parent, const TiXmlNode *node);
-    /** Reads the node record at `buffer + *cursor` and its subtree. It trusts that whole records stand there. Null on bad
+    /** Reads the node record at `buffer + *cursor`, of version 1.6a, and its subtree. It trusts that whole records stand
+     *  there. Null on bad
      *  data or when out of memory. */
     static KTNODE *recursiveLoad(const char *buffer, long *cursor, KTNODE *parent);
     /** Binds the skins of all meshes below `node` to the bones below `root`. Always true. */

@@ -43,7 +43,7 @@ class KT_API KTSETTINGS {
     /** Reads the keys of a settings file over the present values. False for null and a file that cannot be opened; true
      *  whether or not keys were found. */
     bool load(const char *path);
-    /** True when SDL offers a video mode of this window size and colour depth. Needs SDL's video subsystem. */
+    /** True when SDL offers a video mode of this window size and colour depth. False while SDL's video subsystem is off. */
     bool isOk();
 
     /** Text longer than 255 characters is cut; null stores the empty string. */

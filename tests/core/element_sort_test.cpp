@@ -78,7 +78,8 @@ TEST_F(SortTest, LightsThenOpaqueThenTransparentFromBackToFront) {
     place(emitter, -15.0f);
     pass({&near, &custom, &helper, &far, &light, &emitter, &solid, &middle, &bare});
     EXPECT_TRUE(KTELEMENT::sort3D());
-    EXPECT_THAT(drawn(), ElementsAre(&light, &custom, &solid, &bare, &far, &helper, &middle, &emitter, &near));
+    EXPECT_THAT(drawn(),
+                ElementsAre(&light, &custom, &solid, &bare, &far, &helper, &middle, &emitter, &near));
 }
 
 // The key is the far side of the bounding sphere.
@@ -115,7 +116,8 @@ TEST_F(SortTest, TheTailCoversTheCountWhenItIsGreaterThanTheKind) {
     pass({&middle, &solid, &near});
     middle.setMaterial(&stone);
     EXPECT_TRUE(KTELEMENT::sort3D());
-    EXPECT_THAT(drawn(), ElementsAre(&middle, &solid, &near)) << "opaque ones first, then the last two by depth";
+    EXPECT_THAT(drawn(), ElementsAre(&middle, &solid, &near))
+        << "opaque ones first, then the last two by depth";
     place(near, -60.0f);
     middle.setMaterial(&glass);
     pass({&middle, &solid, &near});
@@ -152,7 +154,8 @@ TEST_F(SortTest, DepthsThatAreNoNumbersStillGiveOneOrder) {
     do {
         KTELEMENT::reset();
         for (KTMESH *mesh : meshes) mesh->pass();
-        for (unsigned int i = 0; i < meshes.size(); ++i) KTELEMENT::element[i].matrix.m[14] = meshes[i]->position.z;
+        for (unsigned int i = 0; i < meshes.size(); ++i)
+            KTELEMENT::element[i].matrix.m[14] = meshes[i]->position.z;
         ASSERT_TRUE(KTELEMENT::sort3D());
         ASSERT_THAT(drawn(), ElementsAre(&negativeNan, &minusInfinite, &far, &near, &infinite, &middle));
     } while (std::next_permutation(meshes.begin(), meshes.end()));
@@ -190,7 +193,8 @@ TEST_F(SortTest, SortingAgainChangesNothing) {
     EXPECT_EQ(drawn(), once);
     std::vector<const KTNODE *> unique = once;
     std::sort(unique.begin(), unique.end());
-    EXPECT_EQ(std::unique(unique.begin(), unique.end()), unique.end()) << "every node stands in the list once";
+    EXPECT_EQ(std::unique(unique.begin(), unique.end()), unique.end())
+        << "every node stands in the list once";
     EXPECT_EQ(unique.size(), meshes.size() + lights.size());
 }
 
@@ -266,7 +270,8 @@ TEST_F(SortTest, CountsLightsAndTransparencies) {
     const struct {
         KTNODE *node;
         unsigned int lights, transparencies;
-    } cases[] = {{&bare, 0, 0}, {&solid, 0, 0}, {&window, 0, 1}, {&light, 1, 0}, {&helper, 0, 1}, {&emitter, 0, 1}};
+    } cases[] = {{&bare, 0, 0},  {&solid, 0, 0},  {&window, 0, 1},
+                 {&light, 1, 0}, {&helper, 0, 1}, {&emitter, 0, 1}};
     for (const auto &[node, lights, transparencies] : cases) {
         newFrame();
         node->pass();
@@ -275,7 +280,9 @@ TEST_F(SortTest, CountsLightsAndTransparencies) {
         EXPECT_EQ(KTELEMENT::numberOfTransparencies, transparencies) << node->getTypeName();
     }
     KTELEMENT::reset();
-    EXPECT_EQ(KTELEMENT::getNumberOfPassedElements() + KTELEMENT::getNumberOfLights() + KTELEMENT::numberOfTransparencies, 0u);
+    EXPECT_EQ(KTELEMENT::getNumberOfPassedElements() + KTELEMENT::getNumberOfLights() +
+                  KTELEMENT::numberOfTransparencies,
+              0u);
 }
 
 TEST_F(SortTest, ANodeDestroyedAfterItsPassLeavesAnEmptyEntry) {

@@ -373,17 +373,16 @@ TEST_F(RenderListTest, BonesAreTakenRelativeToTheFrameOfTheMeshsParent) {
     plain.link(&body);
     foreign.link(&body);
     R3XMATRIX *slot = KTMESH::boneMatrices;
-    slot[0] = translation(-1.0f, -1.0f, -1.0f);
-    const Top untouched = elements(slot[0]);
-    slot[3] = slot[0];
+    slot[0] = slot[3] = translation(-1.0f, -1.0f, -1.0f);
+    const Top untouched = elements(slot[3]);
 
     root.pass();
     const R3XMATRIX frame = rotation(90.0f, 0.0f, 0.0f, 1.0f) * translation(10.0f, 0.0f, 0.0f);
     const R3XMATRIX hipMatrix = translation(1.0f, 0.0f, 0.0f) * frame;
     EXPECT_EQ(elements(slot[2]), elements(hipMatrix));
     EXPECT_EQ(elements(slot[1]), elements(translation(0.0f, 2.0f, 0.0f) * hipMatrix));
-    EXPECT_EQ(elements(slot[0]), untouched) << "only meshes are bones";
-    EXPECT_EQ(elements(slot[3]), untouched);
+    EXPECT_EQ(elements(slot[0]), elements(R3XMATRIX())) << "only meshes are bones; others rest";
+    EXPECT_EQ(elements(slot[3]), untouched) << "the skin has three bones";
     EXPECT_EQ(entry(0).getNode(), &skin);
     EXPECT_EQ(elements(entry(0).matrix), elements(frame * translation(100.0f, 0.0f, 0.0f)));
     EXPECT_EQ(elements(entry(1).matrix), elements(hipMatrix * translation(100.0f, 0.0f, 0.0f)));

@@ -18,20 +18,33 @@ struct AtLoad {
 };
 
 // Taken before the first start.
-const AtLoad kAtLoad = {
-    KELTRA::active,       KELTRA::wireframe,         KELTRA::shadowing,      KELTRA::blooming,
-    KELTRA::HDR,          KELTRA::DOF,               KELTRA::skipShadows,    KELTRA::renderingOnFbo,
-    KELTRA::timer,        KELTRA::timeStamp,         KELTRA::bloomingIntensity, KELTRA::HDRExposure,
-    KELTRA::HDRCurrentLuminance, KELTRA::DOFFocus,   KELTRA::DOFRange,       KELTRA::videoMemoryTotal,
-    KELTRA::videoMemoryUsed, KELTRA::skybox,         KELTRA::ktePath};
+const AtLoad kAtLoad = {KELTRA::active,
+                        KELTRA::wireframe,
+                        KELTRA::shadowing,
+                        KELTRA::blooming,
+                        KELTRA::HDR,
+                        KELTRA::DOF,
+                        KELTRA::skipShadows,
+                        KELTRA::renderingOnFbo,
+                        KELTRA::timer,
+                        KELTRA::timeStamp,
+                        KELTRA::bloomingIntensity,
+                        KELTRA::HDRExposure,
+                        KELTRA::HDRCurrentLuminance,
+                        KELTRA::DOFFocus,
+                        KELTRA::DOFRange,
+                        KELTRA::videoMemoryTotal,
+                        KELTRA::videoMemoryUsed,
+                        KELTRA::skybox,
+                        KELTRA::ktePath};
 
 void wait() { std::this_thread::sleep_for(std::chrono::milliseconds(3)); }
 
 class EngineFacadeTest : public EngineTest {};
 
 TEST_F(EngineFacadeTest, HoldsTheseValuesBeforeTheFirstStart) {
-    EXPECT_FALSE(kAtLoad.active || kAtLoad.wireframe || kAtLoad.shadowing || kAtLoad.blooming || kAtLoad.HDR ||
-                 kAtLoad.DOF || kAtLoad.skipShadows || kAtLoad.renderingOnFbo);
+    EXPECT_FALSE(kAtLoad.active || kAtLoad.wireframe || kAtLoad.shadowing || kAtLoad.blooming ||
+                 kAtLoad.HDR || kAtLoad.DOF || kAtLoad.skipShadows || kAtLoad.renderingOnFbo);
     EXPECT_EQ(kAtLoad.timer, -1);
     EXPECT_EQ(kAtLoad.timeStamp, 65536) << "a stamp that was just zeroed never equals a frame";
     EXPECT_EQ(kAtLoad.bloomingIntensity, 1.0f);
@@ -92,11 +105,13 @@ TEST_F(EngineFacadeTest, TheTimerAdvancesOnceAFrame) {
 
 TEST_F(EngineFacadeTest, TheTimerAdvancesInTheFirstFrameAfterARestart) {
     KELTRA::updateTimer();
+    const float stale = KELTRA::getFPSfactor();
     ASSERT_TRUE(KELTRA::free());
     ASSERT_TRUE(KELTRA::init(&settings));
     wait();
     KELTRA::updateTimer();
     EXPECT_GE(KELTRA::getFPSfactor(), 0.003f);
+    EXPECT_NE(KELTRA::getFPSfactor(), stale);
 }
 
 TEST_F(EngineFacadeTest, AStoppedEngineHasNoFrameRate) {
@@ -233,6 +248,24 @@ TEST_F(EngineFacadeTest, StoppingDestroysEveryObject) {
     EXPECT_EQ(KTANIM::getNumberOfAnims(), 0u);
     EXPECT_EQ(KELTRA::getUsedVideoMemory(), 0u);
     EXPECT_EQ(KTELEMENT::getNumberOfPassedElements(), 0u);
+}
+
+TEST_F(EngineFacadeTest, EveryClassNamesItsObjectsByTheirIdentifier) {
+    const auto expectName = [](const auto &object, const std::string &kind) {
+        EXPECT_EQ(object.getName(), "[" + kind + " " + std::to_string(object.getId()) + "]");
+        EXPECT_GT(object.getId(), 0u);
+    };
+    expectName(KTNODE(), "node");
+    expectName(KTCAMERA(), "camera");
+    expectName(KTLIGHT(), "light");
+    expectName(KTMESH(), "mesh");
+    expectName(KTHELPER(), "helper");
+    expectName(KTANIM(), "anim");
+    expectName(KTMATERIAL(), "material");
+    expectName(KTSHADER(), "shader");
+    expectName(KTFBO(), "fbo");
+    const KTTEXTURE texture;
+    EXPECT_EQ(texture.getFilename(), "[texture " + std::to_string(texture.getId()) + "]");
 }
 
 TEST_F(EngineFacadeTest, ObjectsOnTheStackOutliveTheEngine) {

@@ -54,7 +54,8 @@ class Probe : public KTNODE {
     explicit Probe(unsigned int typeCode = KT_CUSTOM) { type = typeCode; }
     bool render(void *data) override {
         auto *element = static_cast<KTELEMENT *>(data);
-        draws.push_back({this, elements(*element->getMatrix()), element, KTOPENGL::getProfile(), enabled(GL_CULL_FACE)});
+        draws.push_back(
+            {this, elements(*element->getMatrix()), element, KTOPENGL::getProfile(), enabled(GL_CULL_FACE)});
         return true;
     }
 };
@@ -145,8 +146,8 @@ TEST_F(FrameTest, ClearBindsTheFirstTargetOfTheTable) {
 TEST_F(FrameTest, Begin3DResetsOnlyWhatIsOn) {
     KTCAMERA camera;
     EXPECT_TRUE(KELTRA::begin3D(&camera));
-    EXPECT_THAT(GlRecorder::names(), ElementsAre("glLoadIdentity", "glRotatex", "glRotatex", "glRotatex", "glRotatex",
-                                                 "glRotatex", "glRotatex", "glTranslatex"))
+    EXPECT_THAT(GlRecorder::names(), ElementsAre("glLoadIdentity", "glRotatex", "glRotatex", "glRotatex",
+                                                 "glRotatex", "glRotatex", "glRotatex", "glTranslatex"))
         << "the camera alone";
     KTOPENGL::blendingOn();
     KTOPENGL::twoSideOn();
@@ -395,13 +396,14 @@ TEST_F(FrameTest, Begin2DSetsAPixelProjection) {
     EXPECT_TRUE(KELTRA::begin2D());
     EXPECT_THAT(GlRecorder::names(),
                 ElementsAre("glDisable", "glDisable", "glEnableClientState", "glEnableClientState",
-                            "glEnableClientState", "glMatrixMode", "glPushMatrix", "glLoadIdentity", "glOrthox",
-                            "glMatrixMode", "glLoadIdentity"));
+                            "glEnableClientState", "glMatrixMode", "glPushMatrix", "glLoadIdentity",
+                            "glOrthox", "glMatrixMode", "glLoadIdentity"));
     EXPECT_EQ(GlRecorder::count("glDisable", {GL_CULL_FACE}), 1);
     EXPECT_EQ(GlRecorder::count("glDisable", {GL_DEPTH_TEST}), 1);
     for (GLenum array : {GL_VERTEX_ARRAY, GL_COLOR_ARRAY, GL_TEXTURE_COORD_ARRAY})
         EXPECT_EQ(GlRecorder::count("glEnableClientState", {array}), 1);
-    EXPECT_THAT(GlRecorder::last("glOrthox").arguments, ElementsAre(0, 240 * 65536, 320 * 65536, 0, 0, 65536));
+    EXPECT_THAT(GlRecorder::last("glOrthox").arguments,
+                ElementsAre(0, 240 * 65536, 320 * 65536, 0, 0, 65536));
     const R3XVECTOR4D corner = R3XMATRIX(mirror(1).data()).transform(R3XVECTOR3D(0.0f, 0.0f, 0.0f));
     EXPECT_FLOAT_EQ(corner.x, -1.0f);
     EXPECT_FLOAT_EQ(corner.y, 1.0f) << "the origin is the top left corner";
@@ -414,7 +416,8 @@ TEST_F(FrameTest, Begin2DTurnsALandscapeProjection) {
     KELTRA::begin2D();
     KTSETTINGS::landscape = false;
     EXPECT_THAT(GlRecorder::last("glRotatex").arguments, ElementsAre(90 * 65536, 0, 0, 65536));
-    EXPECT_THAT(GlRecorder::last("glOrthox").arguments, ElementsAre(0, 320 * 65536, 240 * 65536, 0, 0, 65536));
+    EXPECT_THAT(GlRecorder::last("glOrthox").arguments,
+                ElementsAre(0, 320 * 65536, 240 * 65536, 0, 0, 65536));
     KELTRA::end2D();
 }
 
@@ -473,7 +476,8 @@ TEST_F(FrameTest, SwapFinishesTheFrameAndReportsTheSwap) {
     EXPECT_TRUE(KELTRA::swap());
     EXPECT_THAT(GlRecorder::names(), ElementsAre("glFlush", "glFinish"));
     EXPECT_EQ(StartupFaults::count("eglSwapBuffers"), 1);
-    EXPECT_EQ(reinterpret_cast<void *>(StartupFaults::last("eglSwapBuffers").arguments[1]), KTSETTINGS::glesSurface);
+    EXPECT_EQ(reinterpret_cast<void *>(StartupFaults::last("eglSwapBuffers").arguments[1]),
+              KTSETTINGS::glesSurface);
     StartupFaults::fail("eglSwapBuffers");
     EXPECT_FALSE(KELTRA::swap());
 }
@@ -483,7 +487,8 @@ TEST_F(FrameTest, AWholeFrameLeavesTheStacksAsTheyWere) {
     KTHELPER root;
     Probe child;
     child.link(&root);
-    frame(&camera, [&] { root.pass(); }, [&] { child.pass(); });
+    frame(
+        &camera, [&] { root.pass(); }, [&] { child.pass(); });
     EXPECT_EQ(GlRecorder::count("glPushMatrix"), 4);
     EXPECT_EQ(GlRecorder::count("glPopMatrix"), 4);
     EXPECT_THAT(drawnNodes(), ElementsAre(&child, &child));

@@ -221,8 +221,8 @@ TEST_F(GlBridgeTest, RotationByZeroStillCallsTheGl) {
 
 TEST_F(GlBridgeTest, FrustumAndOrthoMultiplyByTheMatricesOfTheGlStandard) {
     const R3XMATRIX start = randomMatrix();
-    const R3XMATRIX frustum(1.0f, 0.0f, 0.0f, 0.0f,   //
-                            0.0f, 2.0f, 0.0f, 0.0f,   //
+    const R3XMATRIX frustum(1.0f, 0.0f, 0.0f, 0.0f,     //
+                            0.0f, 2.0f, 0.0f, 0.0f,     //
                             2.0f, -2.0f, -1.5f, -1.0f,  //
                             0.0f, 0.0f, -5.0f, 0.0f);
     KT_glMatrixMode(GL_PROJECTION);

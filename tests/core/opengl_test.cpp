@@ -75,10 +75,10 @@ TEST_F(OpenGlTest, StartUpPutsTheGlIntoItsDefaultState) {
     std::vector<std::string> names;
     for (const std::string &name : GlRecorder::names())
         if (name != "glGetIntegerv") names.push_back(name);
-    std::vector<std::string> expected = {
-        "glGetString",  "glClearColorx", "glLightModelxv", "glClearDepthx", "glClearStencil",
-        "glDepthFunc",  "glEnable",      "glShadeModel",   "glHint",        "glHint",
-        "glDisable",    "glBlendFunc",   "glAlphaFuncx",   "glEnable"};
+    std::vector<std::string> expected = {"glGetString",    "glClearColorx", "glLightModelxv", "glClearDepthx",
+                                         "glClearStencil", "glDepthFunc",   "glEnable",       "glShadeModel",
+                                         "glHint",         "glHint",        "glDisable",      "glBlendFunc",
+                                         "glAlphaFuncx",   "glEnable"};
     expected.insert(expected.end(), 20, "glLightx");
     for (const char *name :
          {"glMatrixMode", "glLoadIdentity", "glViewport", "glFrustumx", "glMatrixMode", "glLoadIdentity"})
@@ -218,8 +218,8 @@ TEST_F(OpenGlTest, SetPerspectiveMultipliesTheCurrentMatrixOnly) {
 
 TEST_F(OpenGlTest, SetFrustumLoadsProjectionAndModelView) {
     EXPECT_TRUE(KTOPENGL::setFrustum(-1.0f, 1.0f, -2.0f, 2.0f, 1.0f, 10.0f, true));
-    EXPECT_THAT(GlRecorder::names(), ElementsAre("glMatrixMode", "glLoadIdentity", "glFrustumx", "glMatrixMode",
-                                                 "glLoadIdentity"));
+    EXPECT_THAT(GlRecorder::names(), ElementsAre("glMatrixMode", "glLoadIdentity", "glFrustumx",
+                                                 "glMatrixMode", "glLoadIdentity"));
     EXPECT_THAT(GlRecorder::calls()[0].arguments, ElementsAre(GL_PROJECTION));
     EXPECT_THAT(GlRecorder::last("glFrustumx").arguments,
                 ElementsAre(-65536, 65536, -131072, 131072, 65536, 655360));
@@ -256,8 +256,10 @@ struct Switch {
 };
 
 const Switch kSwitches[] = {
-    {"culling", KTOPENGL::cullingOn, KTOPENGL::cullingOff, &KTOPENGL::culling, "glEnable", "glDisable", GL_CULL_FACE},
-    {"blending", KTOPENGL::blendingOn, KTOPENGL::blendingOff, &KTOPENGL::blending, "glEnable", "glDisable", GL_BLEND},
+    {"culling", KTOPENGL::cullingOn, KTOPENGL::cullingOff, &KTOPENGL::culling, "glEnable", "glDisable",
+     GL_CULL_FACE},
+    {"blending", KTOPENGL::blendingOn, KTOPENGL::blendingOff, &KTOPENGL::blending, "glEnable", "glDisable",
+     GL_BLEND},
     {"scissor", KTOPENGL::scissorOn, KTOPENGL::scissorOff, &KTOPENGL::scissor, "glEnable", "glDisable",
      GL_SCISSOR_TEST},
     {"vertices", KTOPENGL::vertexArrayOn, KTOPENGL::vertexArrayOff, &KTOPENGL::vertexArrayStatus,
@@ -266,8 +268,8 @@ const Switch kSwitches[] = {
      "glEnableClientState", "glDisableClientState", GL_NORMAL_ARRAY},
     {"colours", KTOPENGL::colorArrayOn, KTOPENGL::colorArrayOff, &KTOPENGL::colorArrayStatus,
      "glEnableClientState", "glDisableClientState", GL_COLOR_ARRAY},
-    {"texture coordinates", KTOPENGL::textureArrayOn, KTOPENGL::textureArrayOff, &KTOPENGL::textureArrayStatus,
-     "glEnableClientState", "glDisableClientState", GL_TEXTURE_COORD_ARRAY},
+    {"texture coordinates", KTOPENGL::textureArrayOn, KTOPENGL::textureArrayOff,
+     &KTOPENGL::textureArrayStatus, "glEnableClientState", "glDisableClientState", GL_TEXTURE_COORD_ARRAY},
 };
 
 TEST_F(OpenGlTest, EachSwitchCallsTheGlOnlyOnAChange) {
@@ -316,7 +318,8 @@ TEST_F(OpenGlTest, SwitchesOfAnEarlierContextAreForgotten) {
 }
 
 TEST_F(OpenGlTest, TheTableOfTargetsIsEmptyInsideAndOutsideItsBounds) {
-    for (int index : {0, 1, 13, 14, 15, 20, -1, INT_MAX, INT_MIN}) EXPECT_EQ(KTOPENGL::getFbo(index), nullptr) << index;
+    for (int index : {0, 1, 13, 14, 15, 20, -1, INT_MAX, INT_MIN})
+        EXPECT_EQ(KTOPENGL::getFbo(index), nullptr) << index;
     KTFBO target;
     KTOPENGL::fbo[13] = &target;
     EXPECT_EQ(KTOPENGL::getFbo(13), &target);

@@ -89,8 +89,8 @@ TEST_F(SettingsFileTest, EveryBooleanKeyKeepsTheLow8Bits) {
     const struct {
         const char *number;
         bool expected;
-    } cases[] = {{"1", true},   {"0", false},   {"255", true}, {"256", false}, {"257", true},
-                 {"-1", true},  {"-256", false}, {"2", true},   {"true", false}};
+    } cases[] = {{"1", true},  {"0", false},    {"255", true}, {"256", false}, {"257", true},
+                 {"-1", true}, {"-256", false}, {"2", true},   {"true", false}};
     for (const BoolKey &key : kBoolKeys) {
         for (const auto &[number, expected] : cases) {
             ASSERT_TRUE(load(std::string(key.key) + "=" + number + "\n"));
@@ -127,10 +127,11 @@ TEST_F(SettingsFileTest, ASingleQuoteLeavesTheRawRestOfTheLine) {
 }
 
 TEST_F(SettingsFileTest, CommentsAreIgnored) {
-    ASSERT_TRUE(load("# KELTRA_windowX = 1\n"
-                     "KELTRA_windowY = 480 # KELTRA_colorDepth = 24\n"
-                     "KELTRA_windowX = 640#1\n"
-                     "KELTRA_title = \"a#b\"\n"));
+    ASSERT_TRUE(
+        load("# KELTRA_windowX = 1\n"
+             "KELTRA_windowY = 480 # KELTRA_colorDepth = 24\n"
+             "KELTRA_windowX = 640#1\n"
+             "KELTRA_title = \"a#b\"\n"));
     EXPECT_EQ(settings.getWindowX(), 640);
     EXPECT_EQ(settings.getWindowY(), 480);
     EXPECT_EQ(settings.getColorDepth(), 16);

@@ -13,7 +13,7 @@
 namespace keltra::test {
 namespace {
 
-using ::testing::AllOf;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -72,11 +72,13 @@ class StartupTest : public ::testing::Test {
         EXPECT_EQ(KTSETTINGS::glesDisplay, nullptr);
         EXPECT_EQ(KTSETTINGS::glesSurface, nullptr);
         EXPECT_EQ(KTSETTINGS::glesContext, nullptr);
-        EXPECT_EQ(StartupFaults::succeeded("eglDestroyContext"), StartupFaults::succeeded("eglCreateContext"));
+        EXPECT_EQ(StartupFaults::succeeded("eglDestroyContext"),
+                  StartupFaults::succeeded("eglCreateContext"));
         EXPECT_EQ(StartupFaults::succeeded("eglDestroySurface"),
                   StartupFaults::succeeded("eglCreateWindowSurface"));
         EXPECT_EQ(StartupFaults::count("eglDestroyContext"), StartupFaults::succeeded("eglCreateContext"));
-        EXPECT_EQ(StartupFaults::count("eglDestroySurface"), StartupFaults::succeeded("eglCreateWindowSurface"));
+        EXPECT_EQ(StartupFaults::count("eglDestroySurface"),
+                  StartupFaults::succeeded("eglCreateWindowSurface"));
         EXPECT_GE(StartupFaults::succeeded("eglTerminate"), StartupFaults::succeeded("eglInitialize"));
         EXPECT_LE(StartupFaults::count("eglTerminate"), StartupFaults::count("eglInitialize"));
         EXPECT_EQ(StartupFaults::count("SDL_Quit"), StartupFaults::succeeded("SDL_Init"));
@@ -120,8 +122,8 @@ TEST_F(StartupTest, AsksForTheExactConfigurationFirst) {
     const std::vector<Call> choices = StartupFaults::all("eglChooseConfig");
     ASSERT_EQ(choices.size(), 2u);
     EXPECT_THAT(choices[0].contents,
-                ElementsAre(EGL_LEVEL, 0, EGL_NATIVE_RENDERABLE, EGL_FALSE, EGL_DEPTH_SIZE, 24, EGL_SURFACE_TYPE,
-                            EGL_WINDOW_BIT, EGL_NONE));
+                ElementsAre(EGL_LEVEL, 0, EGL_NATIVE_RENDERABLE, EGL_FALSE, EGL_DEPTH_SIZE, 24,
+                            EGL_SURFACE_TYPE, EGL_WINDOW_BIT, EGL_NONE));
     EXPECT_THAT(choices[1].contents,
                 ElementsAre(EGL_LEVEL, 0, EGL_NATIVE_RENDERABLE, EGL_DONT_CARE, EGL_DEPTH_SIZE, 24,
                             EGL_SURFACE_TYPE, EGL_WINDOW_BIT, EGL_NONE));
@@ -345,6 +347,12 @@ TEST_F(StartupTest, IsOkAsksForTheModeThatStartUpChecks) {
     SDL_Quit();
 }
 
+TEST_F(StartupTest, WithoutSdlNoModeIsAvailable) {
+    EXPECT_FALSE(settings.isOk());
+    EXPECT_FALSE(KTSETTINGS::init(&settings));
+    expectNothingLeft();
+}
+
 TEST_F(StartupTest, TenCyclesEachStartAfresh) {
     for (int cycle = 0; cycle < 10; ++cycle) {
         SCOPED_TRACE(cycle);
@@ -355,6 +363,8 @@ TEST_F(StartupTest, TenCyclesEachStartAfresh) {
         EXPECT_FALSE(KTOPENGL::isBlended());
         EXPECT_FALSE(KTOPENGL::isTwoSide());
         EXPECT_FALSE(KTLIGHT::getLighting());
+        EXPECT_THAT(KTTEXTURE::channelActive, Each(false));
+        EXPECT_THAT(KTTEXTURE::channelCache, Each(nullptr));
         {
             const GlRecorder::Pause pause;
             EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
@@ -364,12 +374,19 @@ TEST_F(StartupTest, TenCyclesEachStartAfresh) {
                 EXPECT_EQ(depth, 1);
             }
         }
+        GlRecorder::clear();
+        for (GLenum mode : {GL_PROJECTION, GL_MODELVIEW}) {
+            KT_glMatrixMode(mode);
+            KT_glPopMatrix();
+        }
+        EXPECT_EQ(GlRecorder::count("glPopMatrix"), 0) << "the mirror is at depth 0 too";
         // What this leaves behind was true of a context that is gone in the next cycle.
         KTOPENGL::cullingOff();
         KTOPENGL::blendingOn();
         KTOPENGL::twoSideOn();
         KTOPENGL::textureArrayOn();
         KTLIGHT::lightingOn();
+        KTTEXTURE::channelActive[1] = true;
         KT_glPushMatrix();
         KT_glMatrixMode(GL_PROJECTION);
         KT_glPushMatrix();

@@ -121,6 +121,7 @@ TEST_F(FboTest, CopyIsOnNoList) {
         KTFBO copy(target);
         EXPECT_EQ(copy.getId(), target.getId());
         EXPECT_EQ(copy.getSizeY(), 6);
+        copy.bindRenderBuffer(0, 7, 8);
     }
     EXPECT_EQ(KTFBO::getNumberOfFbos(), 2u);
     other.render(nullptr);

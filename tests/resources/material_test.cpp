@@ -6,7 +6,6 @@
 namespace keltra::test {
 namespace {
 
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

@@ -177,6 +177,7 @@ TEST_F(ShaderTest, CopyIsOnNoList) {
     {
         KTSHADER copy(shader), assigned;
         EXPECT_EQ(copy.getId(), shader.getId());
+        copy.setName("copy");
         EXPECT_EQ(KTSHADER::getNumberOfShaders(), 37u);
         const unsigned own = assigned.getId();
         assigned = shader;
@@ -185,6 +186,7 @@ TEST_F(ShaderTest, CopyIsOnNoList) {
     }
     EXPECT_EQ(KTSHADER::getNumberOfShaders(), 36u);
     EXPECT_EQ(KTSHADER::findById(shader.getId()), &shader);
+    EXPECT_EQ(KTSHADER::findByName("copy"), nullptr);
 }
 
 }  // namespace

@@ -53,7 +53,8 @@ class MeshRenderTest : public EngineTest {
 
     static void expectColor(float r, float g, float b, float a) {
         const auto fixed = [](float value) { return static_cast<std::int64_t>(value * 65536.0f); };
-        EXPECT_EQ(GlRecorder::last("glColor4x").arguments, (std::vector<std::int64_t>{fixed(r), fixed(g), fixed(b), fixed(a)}));
+        EXPECT_EQ(GlRecorder::last("glColor4x").arguments,
+                  (std::vector<std::int64_t>{fixed(r), fixed(g), fixed(b), fixed(a)}));
     }
 
     static std::int64_t address(const void *pointer) { return reinterpret_cast<std::intptr_t>(pointer); }
@@ -85,7 +86,8 @@ TEST_F(MeshRenderTest, DrawsItsArraysInFixedPoint) {
     EXPECT_EQ(GlRecorder::count("glVertexPointer", {3, GL_FIXED, 0, address(mesh->vertices)}), 1);
     EXPECT_EQ(GlRecorder::count("glNormalPointer", {GL_FIXED, 0, address(mesh->vertexNormals)}), 1);
     EXPECT_EQ(GlRecorder::count("glTexCoordPointer", {2, GL_FIXED, 0, address(mesh->uvs)}), 1);
-    EXPECT_EQ(GlRecorder::count("glDrawElements", {GL_TRIANGLES, 9, GL_UNSIGNED_SHORT, address(mesh->faces)}), 1);
+    EXPECT_EQ(GlRecorder::count("glDrawElements", {GL_TRIANGLES, 9, GL_UNSIGNED_SHORT, address(mesh->faces)}),
+              1);
     EXPECT_EQ(drawNames(), std::vector<std::string>{"glDrawElements"});
     const std::vector<std::int64_t> matrix = GlRecorder::last("glLoadMatrixx").contents;
     EXPECT_EQ(std::vector<std::int64_t>(matrix.end() - 4, matrix.end()),
@@ -286,7 +288,8 @@ TEST_F(MeshRenderTest, PickingUsesTheIdWithoutAnAuxiliaryOne) {
     const int depth = KTSETTINGS::colorDepth;
     KTSETTINGS::colorDepth = 24;
     EXPECT_TRUE(render(*mesh));
-    expectColor(static_cast<float>(mesh->getId() & 255) / 255.0f, static_cast<float>(mesh->getId() >> 8) / 255.0f, 0, 0);
+    expectColor(static_cast<float>(mesh->getId() & 255) / 255.0f,
+                static_cast<float>(mesh->getId() >> 8) / 255.0f, 0, 0);
     KTSETTINGS::colorDepth = depth;
 }
 
@@ -357,7 +360,8 @@ TEST_F(MeshRenderTest, WireframeDrawsEachEdgeOfEachTriangle) {
     EXPECT_TRUE(render(*mesh));
     ASSERT_EQ(GlRecorder::count("glDrawElements", {GL_LINES, 12, GL_UNSIGNED_SHORT}), 1);
     EXPECT_EQ(drawNames(), std::vector<std::string>{"glDrawElements"});
-    const auto *lines = reinterpret_cast<const std::uint16_t *>(GlRecorder::last("glDrawElements").arguments[3]);
+    const auto *lines =
+        reinterpret_cast<const std::uint16_t *>(GlRecorder::last("glDrawElements").arguments[3]);
     EXPECT_EQ(std::vector<std::uint16_t>(lines, lines + 12),
               (std::vector<std::uint16_t>{0, 1, 1, 2, 2, 0, 1, 2, 2, 3, 3, 1}));
     KELTRA::wireframeOff();
@@ -393,7 +397,8 @@ TEST_F(MeshRenderTest, NormalsAreDrawnAsLines) {
     EXPECT_TRUE(render(*mesh));
     EXPECT_EQ(drawNames(), (std::vector<std::string>{"glDrawElements", "glDrawArrays"}));
     EXPECT_EQ(GlRecorder::count("glDrawArrays", {GL_LINES, 0, 8}), 1);
-    const auto *lines = reinterpret_cast<const std::int32_t *>(GlRecorder::last("glVertexPointer").arguments[3]);
+    const auto *lines =
+        reinterpret_cast<const std::int32_t *>(GlRecorder::last("glVertexPointer").arguments[3]);
     // The third vertex is (1, 0, -0.5), its normal (0, 0.25, 1) is drawn a sixteenth of the radius long.
     EXPECT_EQ(std::vector<std::int32_t>(lines + 12, lines + 18),
               (std::vector<std::int32_t>{65536, 0, -32768, 65536, 8192, 0}));
@@ -408,7 +413,8 @@ TEST_F(MeshRenderTest, NormalsOfASkinFollowItsPose) {
     EXPECT_TRUE(render(*mesh));
     KTMESH::boneMatrices[0].setTranslation(0.0f, 3.0f, 0.0f);
     EXPECT_TRUE(render(*mesh));
-    const auto *lines = reinterpret_cast<const std::int32_t *>(GlRecorder::last("glVertexPointer").arguments[3]);
+    const auto *lines =
+        reinterpret_cast<const std::int32_t *>(GlRecorder::last("glVertexPointer").arguments[3]);
     EXPECT_EQ(lines[1], 3 * 65536);
 }
 

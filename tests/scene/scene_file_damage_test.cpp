@@ -19,8 +19,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 const KteVersion kVersions[] = {KteVersion::k15a, KteVersion::k16a};
 
-/// A scene of everything is damaged in many ways. Before each load the engine holds objects of an earlier one, which
-/// must come out of a failed load as they were.
+/// A scene of everything is damaged in many ways. Before each load the engine holds objects of an earlier
+/// one, which must come out of a failed load as they were.
 class SceneDamageTest : public SceneTest {
    protected:
     void SetUp() override {
@@ -39,7 +39,8 @@ class SceneDamageTest : public SceneTest {
         samples::Node lamp = lightNode("lamp");
         lamp.children.push_back(plainNode("shade"));
         samples::Node skin = skinNode("skin", {"hip", "knee"}, 5, "stone");
-        samples::Scene scene = sceneOf(plainNode("root", {lamp, skin, boneNode("hip", {0, 1, 0}, {boneNode("knee")})}));
+        samples::Scene scene =
+            sceneOf(plainNode("root", {lamp, skin, boneNode("hip", {0, 1, 0}, {boneNode("knee")})}));
         scene.materials.push_back({"stone", "stone_d.tga", "lava"});
         scene.materials.push_back({"moss", "moss_d.tga", "slime"});
         return scene;
@@ -81,8 +82,8 @@ class SceneDamageTest : public SceneTest {
     }
 
     static std::vector<unsigned> countAll() {
-        return {KTNODE::getNumberOfNodes(), KTMATERIAL::getNumberOfMaterials(), KTTEXTURE::getNumberOfTextures(),
-                KTSHADER::getNumberOfShaders()};
+        return {KTNODE::getNumberOfNodes(), KTMATERIAL::getNumberOfMaterials(),
+                KTTEXTURE::getNumberOfTextures(), KTSHADER::getNumberOfShaders()};
     }
 
     static samples::Node chain(unsigned length) {
@@ -101,7 +102,8 @@ class SceneDamageTest : public SceneTest {
 };
 
 TEST_F(SceneDamageTest, TheWholeSceneLoads) {
-    for (KteVersion version : kVersions) EXPECT_NE(loadBytes(samples::writeKte(everything(), version)), nullptr);
+    for (KteVersion version : kVersions)
+        EXPECT_NE(loadBytes(samples::writeKte(everything(), version)), nullptr);
 }
 
 TEST_F(SceneDamageTest, EveryTruncationIsRefused) {
@@ -185,7 +187,8 @@ TEST_F(SceneDamageTest, TextureCoordinatesAreForAllVerticesOrForNone) {
 
 TEST_F(SceneDamageTest, UnknownNodeTypesAreRefused) {
     for (unsigned type : {3u, 4u, 9u, 128u, 255u})
-        for (const char *field : {"node[0].type", "node[2].type", "node[5].type"}) expectRefusedWith(field, type);
+        for (const char *field : {"node[0].type", "node[2].type", "node[5].type"})
+            expectRefusedWith(field, type);
 }
 
 TEST_F(SceneDamageTest, NamesAreShorterThan256Bytes) {

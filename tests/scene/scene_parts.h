@@ -39,7 +39,8 @@ inline samples::Node boneNode(const std::string &name, samples::Vec3 position = 
 }
 
 /// A strip of triangles with `vertices` vertices, a texture coordinate for each and `vertices - 2` faces.
-inline samples::Node stripNode(const std::string &name, unsigned vertices = 4, const std::string &material = "") {
+inline samples::Node stripNode(const std::string &name, unsigned vertices = 4,
+                               const std::string &material = "") {
     samples::Node node = boneNode(name);
     samples::MeshData &mesh = node.mesh;
     mesh.material = material;
@@ -51,15 +52,16 @@ inline samples::Node stripNode(const std::string &name, unsigned vertices = 4, c
         mesh.uvs.push_back({0.25f * x, y});
     }
     for (unsigned v = 2; v < vertices; ++v) {
-        mesh.faces.push_back({static_cast<uint16_t>(v - 2), static_cast<uint16_t>(v - 1), static_cast<uint16_t>(v)});
+        mesh.faces.push_back(
+            {static_cast<uint16_t>(v - 2), static_cast<uint16_t>(v - 1), static_cast<uint16_t>(v)});
         mesh.faceNormals.push_back({0.0f, 0.5f, 1.5f});
     }
     return node;
 }
 
 /// The strip, each vertex following all of `bones` with equal weights.
-inline samples::Node skinNode(const std::string &name, const std::vector<std::string> &bones, unsigned vertices = 4,
-                              const std::string &material = "") {
+inline samples::Node skinNode(const std::string &name, const std::vector<std::string> &bones,
+                              unsigned vertices = 4, const std::string &material = "") {
     samples::Node node = stripNode(name, vertices, material);
     samples::MeshData &mesh = node.mesh;
     mesh.influences = static_cast<uint16_t>(bones.size());

@@ -65,8 +65,8 @@ struct Input {
     SkinJob job(Skinned &result) const {
         result.positions.assign(positions.size(), 0x55555555);
         result.normals.assign(normals.size(), 0x55555555);
-        return {positions.size() / 3, influences, positions.data(), normals.data(), bones.data(), weights.data(),
-                result.positions.data(), result.normals.data()};
+        return {positions.size() / 3, influences,     positions.data(),        normals.data(),
+                bones.data(),         weights.data(), result.positions.data(), result.normals.data()};
     }
 };
 
@@ -83,7 +83,8 @@ Input wildInput(unsigned seed, std::size_t vertices, std::size_t influences, std
     };
     Input input;
     input.influences = influences;
-    for (std::size_t i = 0; i < vertices * 3; ++i) input.positions.push_back(any()), input.normals.push_back(any());
+    for (std::size_t i = 0; i < vertices * 3; ++i)
+        input.positions.push_back(any()), input.normals.push_back(any());
     for (std::size_t i = 0; i < bones * 16; ++i) input.matrices.push_back(any());
     for (std::size_t i = 0; i < vertices * influences; ++i) {
         input.bones.push_back(static_cast<std::uint8_t>(random() % (bones + 2)));
@@ -107,14 +108,16 @@ void expectSameBits(const Input &input) {
 
 TEST(SkinKernelTest, ScalarKernelFollowsTheRuleForAnyInput) {
     for (unsigned seed = 1; seed <= 5; ++seed)
-        for (std::size_t influences : {1u, 3u, 4u, 7u}) expectSameBits<ScalarSkin>(wildInput(seed, 200, influences, 20));
+        for (std::size_t influences : {1u, 3u, 4u, 7u})
+            expectSameBits<ScalarSkin>(wildInput(seed, 200, influences, 20));
 }
 
 TEST(SkinKernelTest, WideKernelFollowsTheRuleForAnyInput) {
 #if defined(KELTRA_SKIN_AVX2)
     if (!Avx2Skin::isSupported()) GTEST_SKIP() << "this processor has no AVX2";
     for (unsigned seed = 1; seed <= 5; ++seed)
-        for (std::size_t influences : {1u, 3u, 4u, 7u}) expectSameBits<Avx2Skin>(wildInput(seed, 200, influences, 20));
+        for (std::size_t influences : {1u, 3u, 4u, 7u})
+            expectSameBits<Avx2Skin>(wildInput(seed, 200, influences, 20));
 #else
     GTEST_SKIP() << "not built for this processor";
 #endif
@@ -125,9 +128,12 @@ class SkinningTest : public SceneTest {
     SkinningTest() : random(1) {}
 
     float uniform(float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); }
-    R3XVECTOR3D anyVector(float reach) { return {uniform(-reach, reach), uniform(-reach, reach), uniform(-reach, reach)}; }
+    R3XVECTOR3D anyVector(float reach) {
+        return {uniform(-reach, reach), uniform(-reach, reach), uniform(-reach, reach)};
+    }
 
-    /// A tree "HumanoidRoot" with a chain of bones and a skin of random influences, everything moved and turned.
+    /// A tree "HumanoidRoot" with a chain of bones and a skin of random influences, everything moved and
+    /// turned.
     KTMESH *loadCharacter(unsigned seed, unsigned vertices, unsigned influences, unsigned boneCount) {
         random.seed(seed);
         std::vector<std::string> names;
@@ -144,9 +150,11 @@ class SkinningTest : public SceneTest {
         skin.mesh.influences = static_cast<std::uint16_t>(influences);
         skin.mesh.influenceBones.resize(vertices * influences);
         skin.mesh.influenceWeights.resize(vertices * influences);
-        for (std::uint8_t &bone : skin.mesh.influenceBones) bone = static_cast<std::uint8_t>(random() % boneCount);
+        for (std::uint8_t &bone : skin.mesh.influenceBones)
+            bone = static_cast<std::uint8_t>(random() % boneCount);
         for (float &weight : skin.mesh.influenceWeights) weight = uniform(-0.1f, 0.6f);
-        for (samples::Vec3 &vertex : skin.mesh.vertices) vertex = {uniform(-50, 50), uniform(-50, 50), uniform(-50, 50)};
+        for (samples::Vec3 &vertex : skin.mesh.vertices)
+            vertex = {uniform(-50, 50), uniform(-50, 50), uniform(-50, 50)};
         KTNODE *root = loadNode(folder, plainNode("HumanoidRoot", {chain, skin}));
         KTMESH *mesh = root ? static_cast<KTMESH *>(root->getChild(1)) : nullptr;
         if (mesh) mesh->setPosition(anyVector(3.0f)), mesh->setRotation(anyVector(90.0f));
@@ -177,7 +185,8 @@ class SkinningTest : public SceneTest {
 
     static Skinned actualSkin(const KTMESH &mesh) {
         const std::size_t count = mesh.numberOfVertices * 3u;
-        return {{mesh.skinnedVertices, mesh.skinnedVertices + count}, {mesh.skinnedNormals, mesh.skinnedNormals + count}};
+        return {{mesh.skinnedVertices, mesh.skinnedVertices + count},
+                {mesh.skinnedNormals, mesh.skinnedNormals + count}};
     }
 
     static void expectRule(KTMESH &mesh, unsigned slot) {
@@ -305,8 +314,9 @@ TEST_F(SkinningTest, TakesTheReferenceFrameOnceAndAllocatesNothing) {
 }
 
 TEST_F(SkinningTest, ResetBonesTakesThePoseRelativeToTheReferenceFrame) {
-    KTNODE *root = loadNode(folder, plainNode("world", {plainNode("HumanoidRoot", {boneNode("hip", {1, 2, 3}),
-                                                                                  skinNode("skin", {"hip", "lost"})})}));
+    KTNODE *root = loadNode(
+        folder, plainNode("world", {plainNode("HumanoidRoot", {boneNode("hip", {1, 2, 3}),
+                                                               skinNode("skin", {"hip", "lost"})})}));
     ASSERT_NE(root, nullptr);
     root->setPosition(100.0f, 0.0f, 0.0f);
     root->getChild(0)->setPosition(0.0f, 10.0f, 0.0f);
@@ -314,14 +324,16 @@ TEST_F(SkinningTest, ResetBonesTakesThePoseRelativeToTheReferenceFrame) {
     ASSERT_TRUE(mesh->resetBones(root));
     EXPECT_EQ(mesh->bones[0].node, root->findByNameInHierarchy("hip"));
     const R3XVECTOR3D back = mesh->bones[0].inverseBindMatrix.getTranslation();
-    EXPECT_EQ(back, R3XVECTOR3D(-1.0f, -12.0f, -3.0f)) << "the root's own transform counts, the world's does not";
+    EXPECT_EQ(back, R3XVECTOR3D(-1.0f, -12.0f, -3.0f))
+        << "the root's own transform counts, the world's does not";
     // The missing bone.
     EXPECT_EQ(mesh->bones[1].node, nullptr);
     for (int k = 0; k < 16; ++k) EXPECT_EQ(mesh->bones[1].inverseBindMatrix.m[k], k % 5 == 0 ? 1.0f : 0.0f);
 }
 
 TEST_F(SkinningTest, ResetBonesForgetsABoneThatIsGone) {
-    KTNODE *root = loadNode(folder, plainNode("HumanoidRoot", {boneNode("hip", {1, 2, 3}), skinNode("skin", {"hip"})}));
+    KTNODE *root =
+        loadNode(folder, plainNode("HumanoidRoot", {boneNode("hip", {1, 2, 3}), skinNode("skin", {"hip"})}));
     ASSERT_NE(root, nullptr);
     KTMESH *mesh = static_cast<KTMESH *>(root->getChild(1));
     ASSERT_NE(mesh->bones[0].node, nullptr);

@@ -61,15 +61,6 @@ Material makeCloth() {
     return material;
 }
 
-const char kSettings[] =
-    "# Settings of the sample character\n"
-    "KELTRA_title = \"Lamplighter\"\n"
-    "KELTRA_windowX = 240\n"
-    "KELTRA_windowY = 320\n"
-    "KELTRA_colorDepth = 16\n"
-    "KELTRA_zetaDepth = 16\n"
-    "KELTRA_renderingElements = 256\n";
-
 }  // namespace
 
 Scene makeFigure() {
@@ -86,7 +77,6 @@ Scene makeFigure() {
 std::vector<SampleFile> makeFigureFiles() {
     const TgaOptions plain = {false, 24, false}, packed = {true, 24, true};
     std::vector<SampleFile> files;
-    files.push_back({"figure.cfg", {kSettings, kSettings + sizeof(kSettings) - 1}});
     files.push_back({"figure.kte", writeKte(makeFigure(), KteVersion::k16a)});
     files.push_back({"walk.kta", writeKta(makeWalk())});
     files.push_back({"wave.kta", writeKta(makeWave())});

@@ -20,13 +20,12 @@ Scene makeFigure();
 Animation makeWalk();  // two steps
 Animation makeWave();  // the right arm
 
-constexpr float kWalkStride = 1.42f;  // units that the ground moves in one circle of the walk
+constexpr float kWalkStride = 1.36f;  // units that the ground moves in one circle of the walk
 
 Scene makeMeadow();
 Scene makeGarden();
 
-// figure.kte, walk.kta, wave.kta, meadow.kte, garden.kte, their textures, and figure.cfg, settings that suit
-// them.
+// figure.kte, walk.kta, wave.kta, meadow.kte, garden.kte, and their textures.
 std::vector<SampleFile> makeFigureFiles();
 
 }  // namespace samples

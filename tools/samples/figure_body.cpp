@@ -126,11 +126,11 @@ void addTunic(Body *body) {
         float y, right, front;
     };
     // The hem is turned in, so that no one looks through below it.
-    const Cut cuts[] = {{0.56f, 0.24f, 0.22f},  {0.50f, 0.37f, 0.35f}, {0.54f, 0.39f, 0.37f},
-                        {0.70f, 0.345f, 0.32f}, {0.84f, 0.30f, 0.27f}, {0.93f, 0.30f, 0.27f},
-                        {1.08f, 0.325f, 0.28f}, {1.22f, 0.31f, 0.26f}, {1.34f, 0.24f, 0.21f},
+    const Cut cuts[] = {{0.61f, 0.24f, 0.22f},  {0.55f, 0.36f, 0.34f}, {0.59f, 0.38f, 0.36f},
+                        {0.72f, 0.34f, 0.315f}, {0.84f, 0.30f, 0.27f}, {0.93f, 0.30f, 0.27f},
+                        {1.08f, 0.325f, 0.28f}, {1.22f, 0.31f, 0.26f}, {1.34f, 0.225f, 0.20f},
                         {1.44f, 0.15f, 0.14f}};
-    const int sides = 14, along = static_cast<int>(sizeof(cuts) / sizeof(cuts[0])) - 1;
+    const int sides = 12, along = static_cast<int>(sizeof(cuts) / sizeof(cuts[0])) - 1;
     const auto point = [&](int i, int j) {
         const float turn = Body::aroundFromBehind(i, sides);
         return Vec3{sine(turn) * cuts[j].right, cuts[j].y, cosine(turn) * cuts[j].front};
@@ -148,7 +148,7 @@ void addArm(Body *body, float side) {
     const float elbow = length(kFigureJoints[fore].place - shoulder);
     const float wrist = length(kFigureJoints[hand].place - shoulder);
     const auto bend = [&](float share) { return Hold{upper, fore, share}; };
-    body->tube(8,
+    body->tube(7,
                {{at(-0.15f), 0.0f, 0.0f, only(upper)},
                 {at(-0.10f), 0.11f, 0.11f, only(upper)},
                 {at(0.0f), 0.145f, 0.15f, only(upper)},
@@ -161,7 +161,7 @@ void addArm(Body *body, float side) {
                 {at(wrist), 0.155f, 0.155f, only(fore)},
                 {at(wrist - 0.02f), 0.09f, 0.09f, only(fore)}},
                kSleeveArea, kForward);
-    body->tube(8,
+    body->tube(6,
                {{at(wrist - 0.08f), 0.07f, 0.07f, only(fore)},
                 {at(wrist), 0.085f, 0.085f, {fore, hand, 0.5f}},
                 {at(wrist + 0.06f), 0.105f, 0.115f, only(hand)},
@@ -169,7 +169,7 @@ void addArm(Body *body, float side) {
                 {at(wrist + 0.20f), 0.085f, 0.095f, only(hand)},
                 {at(wrist + 0.24f), 0.0f, 0.0f, only(hand)}},
                kMittenArea, kForward);
-    body->ball(6, 4, at(wrist + 0.07f) + Vec3{-0.02f * side, 0.0f, 0.11f}, {0.045f, 0.065f, 0.055f},
+    body->ball(5, 3, at(wrist + 0.07f) + Vec3{-0.02f * side, 0.0f, 0.11f}, {0.045f, 0.065f, 0.055f},
                kMittenArea, hand);
 }
 
@@ -180,7 +180,7 @@ void addLeg(Body *body, float side) {
     const Vec3 knee = kFigureJoints[shin].place, ankle = kFigureJoints[foot].place;
     const auto at = [&](float y) { return Vec3{hip.x, y, 0.0f}; };
     const auto bend = [&](float share) { return Hold{shin, thigh, share}; };
-    body->tube(8,
+    body->tube(7,
                {{at(ankle.y + 0.08f), 0.11f, 0.11f, only(shin)},
                 {at(knee.y - 0.08f), 0.125f, 0.125f, only(shin)},
                 {at(knee.y - 0.03f), 0.127f, 0.127f, bend(0.3f)},
@@ -191,7 +191,7 @@ void addLeg(Body *body, float side) {
                 {at(hip.y + 0.15f), 0.0f, 0.0f, only(thigh)}},
                kTrouserArea, kForward);
     // The boot's shaft, rolled over at its top, and its foot.
-    body->tube(8,
+    body->tube(7,
                {{at(ankle.y - 0.05f), 0.115f, 0.115f, only(foot)},
                 {at(ankle.y + 0.04f), 0.125f, 0.125f, {foot, shin, 0.5f}},
                 {at(ankle.y + 0.13f), 0.14f, 0.14f, only(shin)},
@@ -200,7 +200,7 @@ void addLeg(Body *body, float side) {
                 {at(ankle.y + 0.20f), 0.12f, 0.12f, only(shin)}},
                kBootArea, kForward);
     const auto sole = [&](float y, float z) { return Vec3{hip.x, y, z}; };
-    body->tube(8,
+    body->tube(7,
                {{sole(0.10f, -0.16f), 0.0f, 0.0f, only(foot)},
                 {sole(0.10f, -0.14f), 0.09f, 0.085f, only(foot)},
                 {sole(0.11f, -0.05f), 0.125f, 0.11f, only(foot)},
@@ -213,17 +213,17 @@ void addLeg(Body *body, float side) {
 
 // Tufts over the forehead, long at the back: a shell a little outside of the head.
 void addHair(Body *body) {
-    const int sides = 18, along = 5;
+    const int sides = 16, along = 5;
     body->patch(
         sides, along, kHairArea,
         [&](int i, int j) {
             const float turn = Body::aroundFromBehind(i, sides), front = cosine(turn);
             const float tuft = i % 2 ? 7.0f : -7.0f;
             const float rim =
-                (front > 0.0f ? mix(-14.0f, 33.0f, ramp(0.0f, 0.6f, front)) : mix(-14.0f, -44.0f, -front)) +
+                (front > 0.0f ? mix(-14.0f, 33.0f, ramp(0.12f, 0.7f, front)) : mix(-14.0f, -44.0f, -front)) +
                 tuft;
             const float up = mix(rim, 90.0f, fraction(j, along)), reach = cosine(up);
-            const float wide = 1.05f + 0.03f * (1.0f - fraction(j, along));
+            const float wide = 1.085f + 0.025f * (1.0f - fraction(j, along));
             return kHeadCenter + Vec3{sine(turn) * reach * kHeadHalf.x, sine(up) * kHeadHalf.y,
                                       cosine(turn) * reach * kHeadHalf.z} *
                                      wide;
@@ -250,15 +250,15 @@ void addCap(Body *body) {
 
 // Wound once around the neck; one end hangs down the back on the left.
 void addScarf(Body *body) {
-    const int sides = 14, along = 6;
+    const int sides = 12, along = 6;
     body->patch(
         sides, along, kScarfArea,
         [&](int i, int j) {
             const float turn = Body::aroundFromBehind(i, sides),
                         slope = 180.0f - 360.0f * fraction(j % along, along);
             // Outside runs up while j grows.
-            const float out = 0.19f - 0.115f * cosine(slope), up = 0.095f * -sine(slope);
-            return Vec3{sine(turn) * out * 1.06f, 1.415f + up + 0.02f * -cosine(turn), cosine(turn) * out};
+            const float out = 0.205f - 0.105f * cosine(slope), up = 0.09f * sine(slope);
+            return Vec3{sine(turn) * out * 1.08f, 1.43f + up - 0.02f * cosine(turn), cosine(turn) * out};
         },
         [](int, int) {
             return Hold{kChest, kHead, 0.25f};
@@ -284,10 +284,10 @@ Node makeFigureBody() {
         addArm(&body, side);
         addLeg(&body, side);
     }
-    body.ball(18, 12, kHeadCenter, kHeadHalf, kHeadArea, kHead);
+    body.ball(16, 10, kHeadCenter, kHeadHalf, kHeadArea, kHead);
     body.ball(6, 4, kHeadCenter + Vec3{0.0f, -0.06f, 0.455f}, {0.06f, 0.05f, 0.06f}, kSkinArea, kHead);
     for (float side : {1.0f, -1.0f}) {
-        body.ball(6, 4, kHeadCenter + Vec3{0.51f * side, -0.05f, 0.03f}, {0.06f, 0.10f, 0.08f}, kSkinArea,
+        body.ball(5, 4, kHeadCenter + Vec3{0.51f * side, -0.05f, 0.03f}, {0.06f, 0.10f, 0.08f}, kSkinArea,
                   kHead);
     }
     addHair(&body);

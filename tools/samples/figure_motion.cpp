@@ -58,13 +58,13 @@ float swell(float phase, float middle) {
 
 // At phase 0 the heel meets the ground in front, at 180 the toes leave it behind.
 void stepLeg(Pose *pose, int offset, float phase) {
-    const float thigh = -27.0f * cosine(phase) - 5.0f;
-    const float knee = 7.0f + 46.0f * swell(phase, 262.0f) + 9.0f * swell(phase, 45.0f);
-    const float level = -0.85f * (thigh + knee);
+    const float thigh = -28.0f * cosine(phase) - 5.0f;
+    const float knee = 4.0f + 62.0f * swell(phase, 266.0f) + 10.0f * swell(phase, 45.0f);
+    const float level = -(thigh + knee);
     turn(pose, kThigh + offset, {thigh, 0.0f, 0.0f});
     turn(pose, kShin + offset, {knee, 0.0f, 0.0f});
     turn(pose, kFoot + offset,
-         {level + 26.0f * swell(phase, 190.0f) - 16.0f * swell(phase, 0.0f), 0.0f, 0.0f});
+         {level + 16.0f * swell(phase, 205.0f) - 22.0f * swell(phase, 0.0f), 0.0f, 0.0f});
 }
 
 void swingArm(Pose *pose, int offset, float phase) {
@@ -119,8 +119,8 @@ Pose wavePose(float phase) {
     turn(&pose, kHead, {-3.0f, 4.0f, -9.0f - 4.0f * beat});
     turn(&pose, kUpperArm, {-6.0f, 0.0f, -14.0f - 3.0f * beat});
     turn(&pose, kForearm, {-24.0f, 0.0f, 0.0f});
-    turn(&pose, kUpperArm + kSide, {0.0f, 10.0f, -92.0f + 6.0f * beat});
-    turn(&pose, kForearm + kSide, {0.0f, 0.0f, -34.0f + 26.0f * sine(2.0f * phase - 25.0f)});
+    turn(&pose, kUpperArm + kSide, {0.0f, 26.0f, -98.0f + 5.0f * beat});
+    turn(&pose, kForearm + kSide, {0.0f, 0.0f, -14.0f + 24.0f * sine(2.0f * phase - 25.0f)});
     turn(&pose, kHand + kSide, {0.0f, 0.0f, 14.0f * sine(2.0f * phase - 70.0f)});
     trail(&pose, phase, 0.6f);
     stand(&pose, -0.01f + 0.01f * beat);

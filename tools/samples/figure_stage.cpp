@@ -7,8 +7,8 @@ namespace keltra {
 namespace samples {
 namespace {
 
-constexpr float kGroundHalf = 24.0f;
-constexpr int kGroundCells = 12;
+constexpr float kGroundHalf = 48.0f;
+constexpr int kGroundCells = 16;
 constexpr float kGroundTexel = 4.0f;  // units a repeat
 constexpr float kSkyRadius = 60.0f;
 
@@ -31,8 +31,10 @@ Material shining(const std::string &name, const std::string &texture, Vec3 tone,
 
 Node makeGround() {
     MeshBuilder mesh;
+    // Light is reckoned at the corners: they stand close in the middle, where lamps are near.
     const auto at = [](int i) {
-        return kGroundHalf * (2.0f * static_cast<float>(i) / static_cast<float>(kGroundCells) - 1.0f);
+        const float t = 2.0f * static_cast<float>(i) / static_cast<float>(kGroundCells) - 1.0f;
+        return kGroundHalf * t * std::fabs(t);
     };
     mesh.patch(
         kGroundCells, kGroundCells,
@@ -105,7 +107,7 @@ Node makeLantern(const std::string &number, const LanternPlace &place) {
     Node lantern = mesh.finish("lantern" + number, "paper" + number);
     lantern.position = onGrid(place.center);
     MeshBuilder glow;
-    glow.billboard({0.0f, 0.0f, 0.0f}, 1.15f, 1.15f);
+    glow.billboard({0.0f, 0.0f, 0.0f}, 1.45f, 1.45f);
     Node halo = glow.finish("halo" + number, "halo" + number);
     halo.mesh.hidden = true;  // until the lantern is lit
     lantern.children.push_back(halo);
@@ -152,15 +154,15 @@ struct SkyColors {
 };
 
 Image paintHorizon(const SkyColors &colors) {
-    const int width = 128, height = 128;
+    const int width = 256, height = 256;
     return painted(width, height, [=](int x, int y) {
         const float turn = 360.0f * static_cast<float>(x) / width;
         const float up = 1.0f - (static_cast<float>(y) + 0.5f) / height - 0.27f;  // 0 at the horizon
         Vec3 color = mix(colors.low, colors.middle, ramp(0.0f, 0.26f, up));
         color = mix(color, colors.high, ramp(0.2f, 0.62f, up));
-        const float cloud = cloudNoise(x, (y * 2) % height, width, height, 32, 4, 501);
+        const float cloud = cloudNoise(x, (y * 2) % height, width, height, 64, 4, 501);
         color = mix(color, colors.cloud, 0.8f * ramp(0.54f, 0.74f, cloud) * ramp(0.04f, 0.2f, up));
-        if (hashNoise(x, y, 511) > 65536 - 500 && up > 0.15f)
+        if (hashNoise(x, y, 511) > 65536 - 260 && up > 0.15f)
             color = mix(color, Vec3{255, 250, 230}, colors.stars);
         const float farRidge = 0.085f + 0.03f * sine(2.0f * turn + 20.0f) + 0.018f * sine(5.0f * turn);
         const float nearRidge = 0.035f + 0.02f * sine(3.0f * turn + 140.0f) + 0.008f * sine(7.0f * turn);
@@ -179,7 +181,7 @@ Image paintDaySky() {
                          {84, 150, 206},
                          {140, 172, 160},
                          {104, 148, 104},
-                         {112, 156, 82},
+                         {98, 131, 58},
                          {255, 250, 238},
                          0.0f});
 }
@@ -190,7 +192,7 @@ Image paintDuskSky() {
                          {32, 34, 82},
                          {72, 54, 96},
                          {42, 42, 72},
-                         {32, 44, 56},
+                         {66, 91, 62},
                          {150, 88, 122},
                          0.8f});
 }
@@ -228,7 +230,7 @@ Image paintPaper() {
 
 Scene makeMeadow() {
     Scene scene;
-    scene.materials = {matte("meadow", "meadow.tga", {0.82f, 0.82f, 0.82f}, 0.95f),
+    scene.materials = {matte("meadow", "meadow.tga", {1.0f, 1.0f, 1.0f}, 1.0f),
                        shining("daysky", "daysky.tga", {1.0f, 1.0f, 1.0f}, 1.0f)};
     scene.root = plainNode("stage");
     scene.root.children.push_back(makeSky("daysky"));
@@ -242,7 +244,7 @@ Scene makeMeadow() {
 
 Scene makeGarden() {
     Scene scene;
-    scene.materials = {matte("meadow", "meadow.tga", {0.82f, 0.82f, 0.82f}, 0.95f),
+    scene.materials = {matte("meadow", "meadow.tga", {1.0f, 1.0f, 1.0f}, 1.0f),
                        shining("dusksky", "dusksky.tga", {1.0f, 1.0f, 1.0f}, 1.0f),
                        matte("bamboo", "[none]", {0.62f, 0.50f, 0.30f}, 0.9f)};
     scene.root = plainNode("stage");
@@ -254,11 +256,10 @@ Scene makeGarden() {
         const LanternPlace &place = kLanternPlaces[i];
         scene.materials.push_back(matte("paper" + number, "paper.tga", place.tone, 0.9f));
         const Vec3 warm = mix(place.tone, Vec3{1.0f, 0.8f, 0.5f}, 0.35f);
-        scene.materials.push_back(shining("halo" + number, "lampglow.tga", warm, 0.55f));
+        scene.materials.push_back(shining("halo" + number, "lampglow.tga", warm, 0.95f));
         scene.root.children.push_back(makeLantern(number, place));
     }
     scene.root.children.push_back(makeSun("moon", normalized({0.5f, -0.7f, -0.5f}), {0.26f, 0.30f, 0.44f}));
-    scene.root.children.push_back(pointLight("lampLight", {0.0f, 3.6f, 3.2f}, {0.0f, 0.0f, 0.0f}));
     return scene;
 }
 

@@ -13,7 +13,7 @@ constexpr unsigned kTopDownFlag = 0x20;
 void putHeader(ByteWriter *out, const Image &image, const TgaOptions &options) {
     out->u16(0);  // no image identification, no colour map
     out->u8(options.runLength ? 10 : 2);
-    out->zeros(9);  // colour map specification and image origin
+    out->zeros(9);  // colour map description and image origin
     out->u16(image.width);
     out->u16(image.height);
     out->u8(options.bits);

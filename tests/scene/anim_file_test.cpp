@@ -1,0 +1,414 @@
+#include <keltra/anim.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#include "foundation/lifecycle.h"
+#include "tests/scene/anim_fixture.h"
+#include "tests/support/allocations.h"
+#include "tests/support/small_stack.h"
+#include "tools/samples/figure.h"
+#include "tools/samples/kta_writer.h"
+
+namespace keltra::test {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+void putU16(Bytes *bytes, std::size_t offset, unsigned value) {
+    (*bytes)[offset] = static_cast<std::uint8_t>(value);
+    (*bytes)[offset + 1] = static_cast<std::uint8_t>(value >> 8);
+}
+
+class AnimFileTest : public AnimTest {
+   protected:
+    void SetUp() override { KTANIM::setKTAPath(folder.prefix().c_str()); }
+
+    /// Bones "a", "bb", "ccc", ...; every value of every keyframe is another one, every third is set.
+    static samples::Animation numbered(unsigned bones, unsigned frames) {
+        samples::Animation animation;
+        for (unsigned bone = 0; bone < bones; ++bone)
+            animation.bones.push_back(std::string(bone % 20 + 1, static_cast<char>('a' + bone % 26)));
+        float value = 0.0f;
+        const auto next = [&value] { return value += 0.5f; };
+        for (unsigned frame = 0; frame < frames; ++frame) {
+            animation.frames.emplace_back();
+            for (unsigned bone = 0; bone < bones; ++bone) {
+                samples::Keyframe keyframe;
+                keyframe.rotation = {next(), next(), next()};
+                keyframe.position = {-next(), -next(), -next()};
+                keyframe.set = (frame + bone) % 3 == 0;
+                animation.frames.back().push_back(keyframe);
+            }
+        }
+        return animation;
+    }
+
+    // A new file each time: writing over an old one makes some file systems wait for the disk.
+    bool loadBytes(KTANIM *anim, const Bytes &bytes, const char *name = "test.kta") {
+        std::remove(folder.path(name).c_str());
+        folder.write(name, bytes);
+        return anim->load(name);
+    }
+
+    Bytes saved(KTANIM *anim) {
+        EXPECT_TRUE(anim->save(folder.path("saved.kta").c_str()));
+        return readFile(folder.path("saved.kta"));
+    }
+
+    static R3XVECTOR3D vector(samples::Vec3 v) { return R3XVECTOR3D(v.x, v.y, v.z); }
+
+    static void expectHolds(KTANIM *anim, const samples::Animation &animation) {
+        ASSERT_EQ(anim->getNumberOfBones(), animation.bones.size());
+        ASSERT_EQ(anim->getNumberOfFrames(), animation.frames.size());
+        for (unsigned bone = 0; bone < animation.bones.size(); ++bone)
+            ASSERT_EQ(anim->getBoneName(bone), animation.bones[bone]);
+        for (unsigned frame = 0; frame < animation.frames.size(); ++frame) {
+            for (unsigned bone = 0; bone < animation.bones.size(); ++bone) {
+                const samples::Keyframe &expected = animation.frames[frame][bone];
+                const KTBONEFRAME &keyframe = *anim->getKeyframe(frame, bone);
+                ASSERT_EQ(keyframe.rotation, vector(expected.rotation)) << frame << ' ' << bone;
+                ASSERT_EQ(keyframe.position, vector(expected.position)) << frame << ' ' << bone;
+                ASSERT_EQ(keyframe.set, expected.set) << frame << ' ' << bone;
+            }
+        }
+    }
+};
+
+TEST_F(AnimFileTest, ReadsTheFormatByteForByte) {
+    const Bytes bytes = {'K', 'T', 'A', ' ', 'f', 'i', 'l', 'e', ' ', 'v', '1', '.', '6', 'a', 26,  // magic
+                         2,   0,   1,   0,                                                          // counts
+                         'h', 'i', 'p', 0,   'a', 0,                                                // names
+                         0,   0,   128, 63,  0,   0,   0,   64,  0,   0,   128, 191,     // hip: 1, 2, -1
+                         0,   0,   0,   63,  0,   0,   0,   0,   0,   0,   32,  65,  1,  // 0.5, 0, 10, set
+                         0,   0,   0,   0,   0,   0,   128, 63,  0,   0,   0,   64,      // a: 0, 1, 2
+                         0,   0,   128, 191, 0,   0,   0,   63,  0,   0,   0,   0,   0};
+    KTANIM *anim = new KTANIM;
+    ASSERT_TRUE(loadBytes(anim, bytes));
+    EXPECT_EQ(anim->getNumberOfBones(), 2u);
+    EXPECT_EQ(anim->getNumberOfFrames(), 1u);
+    EXPECT_STREQ(anim->getBoneName(0), "hip");
+    EXPECT_STREQ(anim->getBoneName(1), "a");
+    EXPECT_EQ(anim->getKeyframe(0, 0)->rotation, R3XVECTOR3D(1.0f, 2.0f, -1.0f));
+    EXPECT_EQ(anim->getKeyframe(0, 0)->position, R3XVECTOR3D(0.5f, 0.0f, 10.0f));
+    EXPECT_TRUE(anim->getKeyframe(0, 0)->set);
+    EXPECT_EQ(anim->getKeyframe(0, 1)->rotation, R3XVECTOR3D(0.0f, 1.0f, 2.0f));
+    EXPECT_FALSE(anim->getKeyframe(0, 1)->set);
+    EXPECT_EQ(saved(anim), bytes);
+}
+
+TEST_F(AnimFileTest, LoadsWhatTheSampleWriterWrites) {
+    const samples::Animation animation = numbered(5, 7);
+    KTANIM *anim = new KTANIM;
+    anim->setTranslating(true);
+    ASSERT_TRUE(loadBytes(anim, samples::writeKta(animation)));
+    expectHolds(anim, animation);
+    EXPECT_TRUE(anim->getTranslating()) << "no part of the file";
+}
+
+TEST_F(AnimFileTest, SavesWhatTheSampleWriterWrites) {
+    for (const samples::Animation &animation : {samples::makeWalk(), samples::makeWave(), numbered(5, 7)}) {
+        KTANIM *anim = new KTANIM;
+        const Bytes bytes = samples::writeKta(animation);
+        ASSERT_TRUE(loadBytes(anim, bytes));
+        EXPECT_EQ(saved(anim), bytes);
+    }
+}
+
+TEST_F(AnimFileTest, ASavedAnimationLoadsBackIdentical) {
+    KTANIM *anim = newAnim(3, 4), *back = new KTANIM;
+    const float odd[] = {-0.0f, std::numeric_limits<float>::quiet_NaN(), 1e-42f,
+                         -std::numeric_limits<float>::infinity()};
+    for (unsigned frame = 0; frame < 4; ++frame) {
+        for (unsigned bone = 0; bone < 3; ++bone) {
+            anim->setFrame(frame, bone, odd[frame], 0.1f, static_cast<float>(bone) / 3.0f);
+            anim->getKeyframe(frame, bone)->position.set(odd[bone], 1e30f, 0.3f);
+            if (bone == 1) anim->unsetFrame(frame, bone);
+        }
+    }
+    anim->setBoneName(0, "hip");
+    anim->setBoneName(2, std::string(255, 'z').c_str());
+    ASSERT_TRUE(anim->save(folder.path("saved.kta").c_str()));
+    ASSERT_TRUE(back->load("saved.kta"));
+    EXPECT_EQ(std::memcmp(back->boneNames, anim->boneNames, sizeof anim->boneNames), 0);
+    for (unsigned frame = 0; frame < 4; ++frame) {
+        for (unsigned bone = 0; bone < 3; ++bone) {
+            const KTBONEFRAME &one = *anim->getKeyframe(frame, bone),
+                              &other = *back->getKeyframe(frame, bone);
+            EXPECT_EQ(std::memcmp(&one.rotation, &other.rotation, sizeof one.rotation), 0)
+                << frame << ' ' << bone;
+            EXPECT_EQ(std::memcmp(&one.position, &other.position, sizeof one.position), 0)
+                << frame << ' ' << bone;
+            EXPECT_EQ(one.set, other.set);
+        }
+    }
+}
+
+TEST_F(AnimFileTest, ByteFourteenIsWrittenAndNotChecked) {
+    KTANIM *anim = new KTANIM;
+    Bytes bytes = samples::writeKta(numbered(1, 1));
+    EXPECT_EQ(bytes[14], 26);
+    bytes[14] = 'x';
+    ASSERT_TRUE(loadBytes(anim, bytes));
+    EXPECT_EQ(saved(anim)[14], 26);
+}
+
+TEST_F(AnimFileTest, AnySetByteButZeroIsTrue) {
+    KTANIM *anim = new KTANIM;
+    Bytes bytes = samples::writeKta(numbered(1, 1));
+    bytes.back() = 0xfe;
+    ASSERT_TRUE(loadBytes(anim, bytes));
+    EXPECT_TRUE(anim->getKeyframe(0, 0)->set);
+    EXPECT_EQ(saved(anim).back(), 1);
+}
+
+TEST_F(AnimFileTest, ThePathStandsBeforeLoadedNamesOnly) {
+    KTANIM *anim = newAnim(1, 1);
+    KTANIM::setKTAPath("/no/such/folder/");
+    const std::string path = folder.path("a.kta");
+    ASSERT_TRUE(anim->save(path.c_str()));
+    EXPECT_FALSE(anim->load(path.c_str()));
+    EXPECT_FALSE(anim->load("a.kta"));
+    KTANIM::setKTAPath((folder.prefix() + "a").c_str());
+    EXPECT_TRUE(anim->load(".kta")) << "nothing is put between the two";
+    EXPECT_STREQ(anim->getName(), ".kta") << "without the directory";
+    EXPECT_EQ(KTANIM::findByFilename(".kta"), anim);
+    KTANIM::setKTAPath(nullptr);
+    EXPECT_TRUE(anim->load(path.c_str()));
+}
+
+TEST_F(AnimFileTest, AFileWithoutFramesLoadsTheNames) {
+    KTANIM *anim = newAnim(1, 1);
+    anim->setFrame(0, 0, 1.0f, 2.0f, 3.0f);
+    ASSERT_TRUE(loadBytes(anim, samples::writeKta(numbered(3, 0))));
+    EXPECT_EQ(anim->getNumberOfBones(), 3u);
+    EXPECT_EQ(anim->getNumberOfFrames(), 0u);
+    EXPECT_STREQ(anim->getBoneName(2), "ccc");
+    EXPECT_EQ(anim->getFrameRotation(0, 0), R3XVECTOR3D(1.0f, 2.0f, 3.0f))
+        << "keyframes are left as they were";
+    EXPECT_EQ(saved(anim), samples::writeKta(numbered(3, 0)));
+}
+
+TEST_F(AnimFileTest, AFileWithoutAnythingLoads) {
+    KTANIM *anim = newAnim(1, 1);
+    ASSERT_TRUE(loadBytes(anim, samples::writeKta({})));
+    EXPECT_EQ(anim->getNumberOfBones(), 0u);
+    // Frames without bones take no bytes.
+    Bytes bytes = samples::writeKta({});
+    putU16(&bytes, samples::kKtaFrameCountOffset, 1024);
+    ASSERT_TRUE(loadBytes(anim, bytes));
+    EXPECT_EQ(anim->getNumberOfFrames(), 1024u);
+}
+
+TEST_F(AnimFileTest, TheLargestAnimationGoesInAndOut) {
+    const samples::Animation animation = numbered(128, 1024);
+    const Bytes bytes = samples::writeKta(animation);
+    KTANIM *anim = new KTANIM;
+    ASSERT_TRUE(loadBytes(anim, bytes));
+    expectHolds(anim, animation);
+    EXPECT_EQ(saved(anim), bytes);
+}
+
+TEST_F(AnimFileTest, BytesBehindTheLastKeyframeAreIgnored) {
+    KTANIM *anim = new KTANIM;
+    Bytes bytes = samples::writeKta(numbered(2, 2));
+    bytes.insert(bytes.end(), 1000, 0xff);
+    EXPECT_TRUE(loadBytes(anim, bytes));
+    expectHolds(anim, numbered(2, 2));
+}
+
+TEST_F(AnimFileTest, SaveNeedsAPathThatCanBeWritten) {
+    KTANIM *anim = newAnim(1, 1);
+    EXPECT_FALSE(anim->save(nullptr));
+    EXPECT_FALSE(anim->save(""));
+    EXPECT_FALSE(anim->save(folder.prefix().c_str()));
+    EXPECT_FALSE(anim->save(folder.path("missing/a.kta").c_str()));
+    EXPECT_FALSE(anim->save("/dev/full"));
+}
+
+TEST_F(AnimFileTest, SaveOfDamagedCountsAndNamesStaysInTheGrid) {
+    KTANIM *anim = new KTANIM;
+    anim->numberOfBones = anim->numberOfFrames = 65535;
+    std::memset(anim->boneNames[0], 'n', sizeof anim->boneNames[0]);
+    ASSERT_TRUE(anim->save(folder.path("saved.kta").c_str()));
+    KTANIM *back = new KTANIM;
+    ASSERT_TRUE(back->load("saved.kta"));
+    EXPECT_EQ(back->getNumberOfBones(), 128u);
+    EXPECT_EQ(back->getNumberOfFrames(), 1024u);
+    EXPECT_EQ(back->getBoneName(0), std::string(255, 'n'));
+}
+
+TEST_F(AnimFileTest, LoadingNeedsLittleStack) {
+    const samples::Animation animation = numbered(128, 40);
+    folder.write("test.kta", samples::writeKta(animation));
+    KTANIM *anim = new KTANIM;
+    bool loaded = false, written = false;
+    const std::string path = folder.path("saved.kta");
+    EXPECT_TRUE(runOnSmallStack([&] {
+        loaded = anim->load("test.kta");
+        written = anim->save(path.c_str());
+    }));
+    EXPECT_TRUE(loaded && written);
+    expectHolds(anim, animation);
+}
+
+/// The object holds an animation already, which must come out of a failed load as it was.
+class AnimDamageTest : public AnimFileTest {
+   protected:
+    void SetUp() override {
+        AnimFileTest::SetUp();
+        anim = new KTANIM;
+        ASSERT_TRUE(loadBytes(anim, samples::writeKta(numbered(4, 3)), "earlier.kta"));
+        anim->setTranslating(true);
+        before.reset(new KTANIM(*anim));
+        live = memoryCounters().live;
+    }
+
+    void expectUntouched() {
+        ASSERT_EQ(memoryCounters().live, live) << "a buffer is left behind";
+        ASSERT_EQ(anim->id, before->id);
+        ASSERT_STREQ(anim->name, "earlier.kta");
+        ASSERT_TRUE(anim->translating);
+        ASSERT_EQ(anim->numberOfBones, 4u);
+        ASSERT_EQ(anim->numberOfFrames, 3u);
+        ASSERT_EQ(std::memcmp(anim->boneNames, before->boneNames, sizeof anim->boneNames), 0);
+        const auto same = [](const KTBONEFRAME &a, const KTBONEFRAME &b) {
+            return a.rotation == b.rotation && a.position == b.position && a.set == b.set;
+        };
+        // The files of these tests reach no further into the grid.
+        for (unsigned frame = 0; frame < 8; ++frame)
+            ASSERT_TRUE(std::equal(anim->keyframes[frame], anim->keyframes[frame] + KTANIM::maxBones,
+                                   before->keyframes[frame], same));
+    }
+
+    void expectRefused(const Bytes &bytes) {
+        ASSERT_FALSE(loadBytes(anim, bytes));
+        expectUntouched();
+    }
+
+    KTANIM *anim = nullptr;
+    std::unique_ptr<KTANIM> before;
+    std::uint32_t live = 0;
+};
+
+TEST_F(AnimDamageTest, NoFileIsRefused) {
+    EXPECT_FALSE(anim->load(nullptr));
+    EXPECT_FALSE(anim->load(""));
+    EXPECT_FALSE(anim->load("missing.kta"));
+    std::filesystem::create_directory(folder.path("folder.kta"));
+    EXPECT_FALSE(anim->load("folder.kta"));
+    expectUntouched();
+}
+
+TEST_F(AnimDamageTest, AnOverlongNameIsRefused) {
+    KTANIM::setKTAPath(nullptr);
+    const Bytes bytes = samples::writeKta(numbered(2, 2));
+    // As many slashes as make the name 255, then 256 characters long.
+    const std::string path = folder.write("test.kta", bytes);
+    EXPECT_FALSE(anim->load((std::string(256 - path.size(), '/') + path).c_str()));
+    EXPECT_FALSE(anim->load(std::string(100000, '/').c_str()));
+    expectUntouched();
+    const std::string longest = std::string(255 - path.size(), '/') + path;
+    EXPECT_TRUE(anim->load(longest.c_str()));
+    EXPECT_EQ(anim->getName(), longest);
+}
+
+TEST_F(AnimDamageTest, EveryTruncationIsRefused) {
+    const Bytes whole = samples::writeKta(numbered(3, 2));
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        SCOPED_TRACE(size);
+        expectRefused(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+    }
+    EXPECT_TRUE(loadBytes(anim, whole));
+}
+
+TEST_F(AnimDamageTest, EveryByteOfTheMagicCounts) {
+    const Bytes whole = samples::writeKta(numbered(3, 2));
+    for (std::size_t i = 0; i < 14; ++i) {
+        for (int bit = 0; bit < 8; ++bit) {
+            Bytes bytes = whole;
+            bytes[i] = static_cast<std::uint8_t>(bytes[i] ^ 1 << bit);
+            expectRefused(bytes);
+        }
+    }
+}
+
+TEST_F(AnimDamageTest, LargerCountsThanTheFileHoldsAreRefused) {
+    for (std::size_t offset : {samples::kKtaBoneCountOffset, samples::kKtaFrameCountOffset}) {
+        const unsigned right = offset == samples::kKtaBoneCountOffset ? 3 : 2;
+        for (unsigned count = right + 1; count < 65536; count += count < 1100 ? 1 : 997) {
+            SCOPED_TRACE(count);
+            Bytes bytes = samples::writeKta(numbered(3, 2));
+            putU16(&bytes, offset, count);
+            expectRefused(bytes);
+        }
+    }
+}
+
+TEST_F(AnimDamageTest, SmallerCountsReadNothingBeyondThem) {
+    for (unsigned bones = 0; bones <= 3; ++bones) {
+        for (unsigned frames = 0; frames <= 2; ++frames) {
+            Bytes bytes = samples::writeKta(numbered(3, 2));
+            putU16(&bytes, samples::kKtaBoneCountOffset, bones);
+            putU16(&bytes, samples::kKtaFrameCountOffset, frames);
+            KTANIM *fresh = new KTANIM;
+            ASSERT_TRUE(loadBytes(fresh, bytes));
+            EXPECT_EQ(fresh->getNumberOfBones(), bones);
+            EXPECT_EQ(fresh->getNumberOfFrames(), frames);
+            EXPECT_STREQ(fresh->getBoneName(bones), "");
+            for (unsigned bone = 0; bone < 4; ++bone) EXPECT_EQ(fresh->getFrameRotation(frames, bone), kZero);
+            delete fresh;
+        }
+    }
+}
+
+TEST_F(AnimDamageTest, CountsAboveTheLimitsAreRefusedHoweverLargeTheFile) {
+    expectRefused(samples::writeKta(numbered(129, 1)));
+    expectRefused(samples::writeKta(numbered(129, 0)));
+    expectRefused(samples::writeKta(numbered(1, 1025)));
+    Bytes noBones = samples::writeKta({});
+    putU16(&noBones, samples::kKtaFrameCountOffset, 1025);
+    expectRefused(noBones);
+}
+
+TEST_F(AnimDamageTest, BoneNamesAreShorterThanTheirArrays) {
+    samples::Animation animation = numbered(2, 1);
+    animation.bones[1] = std::string(256, 'n');
+    expectRefused(samples::writeKta(animation));
+    animation.bones[1] = std::string(255, 'n');
+    EXPECT_TRUE(loadBytes(anim, samples::writeKta(animation)));
+    EXPECT_EQ(anim->getBoneName(1), animation.bones[1]);
+}
+
+TEST_F(AnimDamageTest, AFailedAllocationIsRefused) {
+    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    const Bytes bytes = samples::writeKta(numbered(3, 2));
+    folder.write("test.kta", bytes);
+    Allocations::failNext(bytes.size());
+    EXPECT_FALSE(anim->load("test.kta"));
+    Allocations::clear();
+    EXPECT_STREQ(anim->getName(), "earlier.kta");
+    EXPECT_EQ(anim->getNumberOfBones(), 4u);
+}
+
+TEST_F(AnimDamageTest, EveryFileIsClosed) {
+    const auto openFiles = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                             std::filesystem::directory_iterator());
+    };
+    const auto earlier = openFiles();
+    const Bytes whole = samples::writeKta(numbered(3, 2));
+    loadBytes(anim, whole);
+    loadBytes(anim, Bytes(whole.begin(), whole.end() - 1));
+    loadBytes(anim, {});
+    anim->save(folder.path("saved.kta").c_str());
+    anim->save("/dev/full");
+    EXPECT_EQ(openFiles(), earlier);
+}
+
+}  // namespace
+}  // namespace keltra::test
