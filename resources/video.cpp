@@ -66,8 +66,8 @@ void KTVIDEO::setLink(KTVIDEO &video, KTVIDEO *before, KTVIDEO *after) {
     video.next = after;
 }
 
-// A film that is open stays so, its file and decoder with it: meant, whoever took them out of the stream keeps them. Closing
-// is the application's act, `load(nullptr)`.
+// A film that is open stays so, its file and decoder with it: meant, whoever took them out of the stream
+// keeps them. Closing is the application's act, `load(nullptr)`.
 void KTVIDEO::letGo(KTVIDEO &video) {
     video.releaseTexture();
     keltra::releaseBlock(video.stream);
@@ -139,8 +139,8 @@ bool KTVIDEO::update(unsigned int steps) {
     // Only a film that could not be opened again at its end still stands there; rewinding it is one more try.
     if (status == KT_VIDEO_REWINDING && stream->lastRead == 0) return load(filename);
     if (status == KT_VIDEO_STOPPED || !stream->file) return false;
-    // The steps that are left at the end of a film are made from its beginning, whether it loops or stops: meant, a call
-    // always makes as many steps as it was asked for.
+    // The steps that are left at the end of a film are made from its beginning, whether it loops or stops:
+    // meant, a call always makes as many steps as it was asked for.
     for (; steps; --steps) {
         keltra::VideoPicture picture;
         if (keltra::stepStream(*stream, picture)) show(picture.width, picture.height, picture.pixels);
@@ -149,8 +149,9 @@ bool KTVIDEO::update(unsigned int steps) {
     return true;
 }
 
-// The texture class is not told that its texture is bound: meant, a film is advanced outside of drawing, and the frame
-// functions empty the class's cache. A row is a multiple of 48 bytes long, so every unpack alignment will do.
+// The texture class is not told that its texture is bound: meant, a film is advanced outside of drawing, and
+// the frame functions empty the class's cache. A row is a multiple of 48 bytes long, so every unpack
+// alignment will do.
 void KTVIDEO::show(unsigned int width, unsigned int height, const unsigned char *pixels) {
     if (!texture || !texture->takesPicture(width, height)) return;
     glBindTexture(GL_TEXTURE_2D, texture->getGLId());

@@ -14,12 +14,13 @@ extern "C" {
 namespace keltra {
 namespace {
 
-// The decoder does not check where a slice ends: it reads on through what lies behind, and past its buffer when all of that
-// makes sense. Behind the buffer then come zeros, which no slice goes on with.
+// The decoder does not check where a slice ends: it reads on through what lies behind, and past its buffer
+// when all of that makes sense. Behind the buffer then come zeros, which no slice goes on with.
 constexpr unsigned int kSliceMargin = 4096;
 
-// While one exists, the decoder's memory is cleared: damaged streams refer to pictures that were never decoded, and what
-// they show is then always the same, and never what another program part left in memory. The blocks are the decoder's own.
+// While one exists, the decoder's memory is cleared: damaged streams refer to pictures that were never
+// decoded, and what they show is then always the same, and never what another program part left in memory.
+// The blocks are the decoder's own.
 class ClearedMemory {
    public:
     ClearedMemory() {
@@ -48,8 +49,8 @@ class ClearedMemory {
 };
 bool ClearedMemory::exhausted = false;
 
-// The decoder does not notice when it gets no memory for its pictures: three of them in RGB, and two and a few rows as
-// decoded, in three bytes a pixel at most.
+// The decoder does not notice when it gets no memory for its pictures: three of them in RGB, and two and a
+// few rows as decoded, in three bytes a pixel at most.
 bool hasRoomFor(const mpeg2_sequence_t &sequence) {
     const unsigned int pictures = 3 + 2, bytesPerPixel = 3, extraRows = 32, tables = 65536;
     void *room =
@@ -128,7 +129,8 @@ bool stepStream(KTVIDEOSTREAM &stream, VideoPicture &picture) {
     if (state == STATE_PICTURE) stream.begun = true;
     if (state != STATE_SLICE && state != STATE_END && state != STATE_INVALID_END) return false;
     const mpeg2_fbuf_t *shown = stream.info->display_fbuf;
-    // At the end of a sequence without pictures the decoder still names one of the sequence before, which it has freed.
+    // At the end of a sequence without pictures the decoder still names one of the sequence before, which it
+    // has freed.
     if (!shown || !shown->buf[0] || !stream.sequence || !stream.converted || !stream.begun) return false;
     picture = {stream.sequence->width, stream.sequence->height, shown->buf[0]};
     return true;

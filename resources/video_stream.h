@@ -1,7 +1,8 @@
 #ifndef KELTRA_RESOURCES_VIDEO_STREAM_H
 #define KELTRA_RESOURCES_VIDEO_STREAM_H
 
-// The decoder behind a video: the only place that knows libmpeg2. An engine without video has no_video_stream.cpp instead.
+// The decoder behind a video: the only place that knows libmpeg2. An engine without video has
+// no_video_stream.cpp instead.
 
 #include <keltra/video.h>
 

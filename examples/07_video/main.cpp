@@ -21,8 +21,8 @@ struct Show {
     float waiting = 0.0f;  // seconds of the film that are due
 };
 
-// The texture is made before the film plays: RGB, as large as the picture, and without mipmaps, which a video does not
-// write. It is handed to everything that shows it.
+// The texture is made before the film plays: RGB, as large as the picture, and without mipmaps, which a video
+// does not write. It is handed to everything that shows it.
 bool load(Show *show) {
     show->scene = KELTRA::load("film.kte");
     show->interface = KELTRA::load("film.xml");
@@ -61,15 +61,16 @@ bool advance(KTVIDEO *video) {
 bool update(Show *show, float seconds, float time) {
     show->box->setRotation(22.0f, 40.0f * time - 30.0f, 0.0f);
     // A slow device shows the film slower, and does not fall behind more and more.
-    show->waiting = show->waiting + seconds < 3.0f * kPictureTime ? show->waiting + seconds : 3.0f * kPictureTime;
+    show->waiting =
+        show->waiting + seconds < 3.0f * kPictureTime ? show->waiting + seconds : 3.0f * kPictureTime;
     for (; show->waiting >= kPictureTime; show->waiting -= kPictureTime)
         if (!advance(show->video)) return false;
     return true;
 }
 
 bool draw(const Show &show, KTCAMERA *camera) {
-    return KELTRA::clear(true, true, false) && KELTRA::begin3D(camera) && show.scene->pass() && KELTRA::end3D() &&
-           KELTRA::begin2D() && show.interface->pass() && KELTRA::end2D();
+    return KELTRA::clear(true, true, false) && KELTRA::begin3D(camera) && show.scene->pass() &&
+           KELTRA::end3D() && KELTRA::begin2D() && show.interface->pass() && KELTRA::end2D();
 }
 
 }  // namespace
@@ -77,7 +78,8 @@ bool draw(const Show &show, KTCAMERA *camera) {
 int main(int argc, char **argv) {
     example::Options options;
     int exitCode = 0;
-    if (!example::parse(argc, argv, "Shows a film on a box and in a window", &options, &exitCode)) return exitCode;
+    if (!example::parse(argc, argv, "Shows a film on a box and in a window", &options, &exitCode))
+        return exitCode;
 
     // 1. Start.
     KTSETTINGS settings;

@@ -1,10 +1,10 @@
 #ifndef KELTRA_VIDEO_H
 #define KELTRA_VIDEO_H
 
-// Video textures: a film, which is a file that holds nothing but an MPEG-1 video stream, is decoded piece by piece into
-// a texture. Make the texture first, RGB and at least as large as the picture; give it to the video, load the film,
-// `playLoop`, then call `update` once a frame, before `KELTRA::begin3D`. All videos are on one list, which owns them.
-// In an engine built without video every `load` is false.
+// Video textures: a film, which is a file that holds nothing but an MPEG-1 video stream, is decoded piece by
+// piece into a texture. Make the texture first, RGB and at least as large as the picture; give it to the
+// video, load the film, `playLoop`, then call `update` once a frame, before `KELTRA::begin3D`. All videos are
+// on one list, which owns them. In an engine built without video every `load` is false.
 
 #include <cstdint>
 #include <cstdio>
@@ -29,15 +29,15 @@ enum KT_VIDEO_STATUS {
 
 /** What decodes one film. Pointers are null while no film is open. */
 struct KTVIDEOSTREAM {
-    unsigned char buffer[4096];        // bytes of the file that the decoder is working on
+    unsigned char buffer[4096];  // bytes of the file that the decoder is working on
     mpeg2dec_s *decoder;
     const mpeg2_info_s *info;
     const mpeg2_sequence_s *sequence;  // of the last step; null outside of a sequence
     int state;                         // what the last step reached, a mpeg2_state_t
     std::int32_t lastRead;             // bytes; -1 before the first read of a film, 0 at its end
     std::FILE *file;
-    bool converted;                    // the decoder gives RGB pictures for this sequence
-    bool begun;                        // and has begun one
+    bool converted;  // the decoder gives RGB pictures for this sequence
+    bool begun;      // and has begun one
 };
 
 class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
@@ -49,17 +49,18 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
     /** A copy shares the film that is open, and counts no use of the texture. */
     KTVIDEO(const KTVIDEO &other);
     KTVIDEO &operator=(const KTVIDEO &other);
-    /** Does not close the film: its file and decoder stay open until the program ends. Call `load(nullptr)` first. */
+    /** Does not close the film: its file and decoder stay open until the program ends. Call `load(nullptr)`
+     * first. */
     ~KTVIDEO();
 
-    /** Closes the film that is open, then opens the file video path + `filename`, stopped at its beginning. False for null,
-     *  which so closes a film; for names of 256 characters or more; when the file cannot be opened; and without memory for
-     *  a decoder. The contents are not looked at. */
+    /** Closes the film that is open, then opens the file video path + `filename`, stopped at its beginning.
+     * False for null, which so closes a film; for names of 256 characters or more; when the file cannot be
+     * opened; and without memory for a decoder. The contents are not looked at. */
     bool load(const char *filename);
-    /** Decodes on by `steps` steps of the decoder. A step is less than a picture: one more part of the stream was found or
-     *  read; a picture takes some 4, and one more for each 4,096 bytes. Each picture that is complete is written to the
-     *  texture's upper image level, without which decoding goes on all the same. False while stopped, without a film, and
-     *  when the film cannot be opened again at its end. */
+    /** Decodes on by `steps` steps of the decoder. A step is less than a picture: 4,096 bytes were read, a
+     * header was found, a picture began or is complete. Each complete picture is written to the texture's
+     * upper image level; without a texture decoding goes on all the same. False while stopped, without a
+     * film, and when the film cannot be opened again at its end. */
     bool update(unsigned int steps);
 
     void play() { status = KT_VIDEO_PLAYING; }
@@ -69,8 +70,8 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
     void rewind() { status = KT_VIDEO_REWINDING; }
     KT_VIDEO_STATUS getStatus() const { return status; }
 
-    /** Texture to play into, whose count of uses follows; null for none. Pictures are written only while it is resident, RGB,
-     *  and as large as they are in both directions; they take its first rows and columns. */
+    /** Texture to play into, whose count of uses follows; null for none. Pictures are written only while it
+     * is resident, RGB, and as large as they are in both directions; they take its first rows and columns. */
     void setTexture(KTTEXTURE *target);
     KTTEXTURE *getTexture() const { return texture; }
 

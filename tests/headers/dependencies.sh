@@ -1,6 +1,7 @@
 #!/bin/sh
 # dependencies.sh READELF LIBRARY
-# The library needs SDL, EGL, OpenGL ES, TinyXML, unless built without video libmpeg2, and the C and C++ runtime, and nothing else.
+# The library needs SDL, EGL, OpenGL ES, TinyXML, the C and C++ runtime, libmpeg2 unless it is built without video, and nothing
+# else.
 set -u
 readelf=$1
 library=$2

@@ -116,6 +116,36 @@ TEST_F(VideoDamageTest, ALargeHeaderTakesNoMemory) {
     EXPECT_EQ(film4095->stream->state, 1);
 }
 
+TEST_F(VideoDamageTest, AFilmWithoutMemoryForItsPicturesShowsNothing) {
+    if (!Allocations::canFail()) GTEST_SKIP();
+    Bytes once = film("wide.m1v");
+    once.resize(4096);
+    KTVIDEO *film64 = loaded(once, target(64, 48));
+    GlRecorder::clear();
+    const std::size_t room = 64 * (48 + 32) * 3 * 5 + 65536;
+    Allocations::failNext(room);
+    playOut(*film64);
+    EXPECT_EQ(uploads(), 0);
+    // The next attempt has the memory.
+    playOut(*film64);
+    EXPECT_GT(uploads(), 0);
+}
+
+TEST_F(VideoDamageTest, AVideoWithoutMemoryForItsStreamLoadsNothing) {
+    if (!Allocations::canFail()) GTEST_SKIP();
+    folder.write("film.m1v", film("wide.m1v"));
+    const std::size_t header = 32;
+    Allocations::failNext(sizeof(KTVIDEOSTREAM) + header);
+    KTVIDEO empty;
+    EXPECT_EQ(empty.stream, nullptr);
+    EXPECT_FALSE(empty.load("film.m1v"));
+    EXPECT_FALSE(empty.load(nullptr));
+    empty.playLoop();
+    EXPECT_FALSE(empty.update(1));
+    KTVIDEO copy = empty;
+    EXPECT_FALSE(copy.update(1));
+}
+
 TEST_F(VideoDamageTest, TheLargestPictureIsDecoded) {
     KTVIDEO *film512 = loaded(withSize(512, 512), target(512, 512));
     film512->play();
@@ -137,7 +167,8 @@ TEST_F(VideoDamageTest, TruncatedFilmsEnd) {
     const Bytes whole = film("wide.m1v");
     const std::size_t positions = 500;
     for (std::size_t i = 0; i < positions; ++i)
-        survive(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * i / positions)));
+        survive(
+            Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * i / positions)));
 }
 
 TEST_F(VideoDamageTest, RandomBytesSplicedInDoNoHarm) {

@@ -12,8 +12,8 @@ namespace keltra::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The engine and a folder of films. The films that ffmpeg made are 64 x 48 pixels (wide.m1v, 50 pictures) and 32 x 32
-/// (small.m1v, 25 pictures).
+/// The engine and a folder of films. The films that ffmpeg made are 64 x 48 pixels (wide.m1v, 50 pictures)
+/// and 32 x 32 (small.m1v, 25 pictures).
 class VideoTest : public EngineTest {
    protected:
     void SetUp() override {

@@ -120,7 +120,8 @@ TEST_F(VideoTest, AFinishedPictureIsBoundAndWritten) {
     while (uploads() == 0) ASSERT_TRUE(video->update(1));
     EXPECT_THAT(GlRecorder::names(), ElementsAre("glBindTexture", "glTexSubImage2D"));
     EXPECT_EQ(GlRecorder::count("glBindTexture", {GL_TEXTURE_2D, texture->getGLId()}), 1);
-    EXPECT_EQ(GlRecorder::count("glTexSubImage2D", {GL_TEXTURE_2D, 0, 0, 0, 64, 48, GL_RGB, GL_UNSIGNED_BYTE}), 1);
+    EXPECT_EQ(
+        GlRecorder::count("glTexSubImage2D", {GL_TEXTURE_2D, 0, 0, 0, 64, 48, GL_RGB, GL_UNSIGNED_BYTE}), 1);
     expectNoGlError();
 }
 
@@ -145,8 +146,8 @@ TEST_F(VideoTest, WithoutATextureDecodingGoesOn) {
     EXPECT_THAT(GlRecorder::names(), IsEmpty());
 }
 
-// Pictures arrive in another order than they are shown, so each comes a picture late. At the end of the file the last but one
-// is still waiting and the last one not complete; an end code gives both.
+// Pictures arrive in another order than they are shown, so each comes a picture late. At the end of the file
+// the last but one is still waiting and the last one not complete; an end code gives both.
 TEST_F(VideoTest, EveryPictureOfAFilmIsWritten) {
     const Bytes endCode = {0, 0, 1, 0xb7};
     KTVIDEO *video = loaded(joined(film("wide.m1v"), endCode), target(64, 48));

@@ -10,8 +10,8 @@
 namespace keltra {
 namespace samples {
 
-// film.kte: "box", a cube of 4 units with the whole texture, top row first, on each side, of the material "screen", which
-// shines by itself and waits for its texture.
+// film.kte: "box", a cube of 4 units with the whole texture, top row first, on each side, of the material
+// "screen", which shines by itself and waits for its texture.
 std::vector<SampleFile> makeFilmFiles();
 
 }  // namespace samples
