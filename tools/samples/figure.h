@@ -17,10 +17,8 @@ namespace samples {
 Scene makeFigure();
 
 // Both have all bones of the figure and run in a circle; positions belong to them.
-Animation makeWalk();  // two steps
+Animation makeWalk();  // two steps, which take him 1.36 units on
 Animation makeWave();  // the right arm
-
-constexpr float kWalkStride = 1.36f;  // units that the ground moves in one circle of the walk
 
 Scene makeMeadow();
 Scene makeGarden();

@@ -69,9 +69,9 @@ Vec3 paintCap(const Spot &spot) {
         return kWool * rib * (0.84f + 0.4f * spot.up);
     }
     Vec3 color = kCapTone * weave(spot, 311);
-    // Two rows of stars, well, diamonds.
+    // Two rows of diamonds.
     const float cell = spot.across * 12.0f, row = spot.up < 0.62f ? 0.53f : 0.72f;
-    const float x = cell - std::floor(cell) - 0.5f + 0.0f, y = (spot.up - row) * 5.0f;
+    const float x = cell - std::floor(cell) - 0.5f, y = (spot.up - row) * 5.0f;
     if (std::fabs(x) + std::fabs(y) < 0.26f) color = Vec3{248, 206, 96};
     return color * (0.80f + 0.28f * spot.up);
 }
