@@ -20,8 +20,8 @@ namespace {
 
 const EGLint kMaxConfigs = 32;
 
-// The flags of the mode check and of the mode itself differ: swapping belongs to EGL, so SDL makes no second buffer. The
-// full-screen and resizable settings change neither.
+// The flags of the mode check and of the mode itself differ: swapping belongs to EGL, so SDL makes no second
+// buffer. The full-screen and resizable settings change neither.
 const Uint32 kCheckedMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_DOUBLEBUF | SDL_FULLSCREEN;
 const Uint32 kWindowMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_FULLSCREEN;
 
@@ -34,8 +34,9 @@ bool modeAvailable(const KTSETTINGS::RECORD &record) {
 
 // Number of matching configurations, the best in `config`; -1 when EGL cannot tell.
 EGLint chooseConfig(EGLDisplay display, int depthBits, EGLConfig *config) {
-    EGLint wanted[] = {EGL_LEVEL,        0,         EGL_NATIVE_RENDERABLE, EGL_FALSE,      EGL_DEPTH_SIZE,
-                       depthBits,        EGL_SURFACE_TYPE, EGL_WINDOW_BIT, EGL_NONE};
+    EGLint wanted[] = {EGL_LEVEL,      0,         EGL_NATIVE_RENDERABLE, EGL_FALSE,
+                       EGL_DEPTH_SIZE, depthBits, EGL_SURFACE_TYPE,      EGL_WINDOW_BIT,
+                       EGL_NONE};
     EGLConfig found[kMaxConfigs];
     EGLint count = 0;
     if (!eglChooseConfig(display, wanted, found, kMaxConfigs, &count)) return -1;
@@ -74,7 +75,8 @@ bool KTSETTINGS::init(KTSETTINGS *settings) {
     keltra::copyText(title, record.title);
     windowX = record.windowX;
     windowY = record.windowY;
-    colorDepth = glInteger(GL_RED_BITS) + glInteger(GL_GREEN_BITS) + glInteger(GL_BLUE_BITS) + glInteger(GL_ALPHA_BITS);
+    colorDepth = glInteger(GL_RED_BITS) + glInteger(GL_GREEN_BITS) + glInteger(GL_BLUE_BITS) +
+                 glInteger(GL_ALPHA_BITS);
     zetaDepth = glInteger(GL_DEPTH_BITS);
     stencilDepth = glInteger(GL_STENCIL_BITS);
     fullScreen = record.fullScreen;

@@ -67,7 +67,9 @@ class Levels {
 
 R3XMATRIX *currentSlot() { return KTMESH::boneMatrices + KTMESH::usedSlots * KTMESH::maxBones; }
 
-unsigned int pooledBones(const KTMESH &mesh) { return std::min<unsigned int>(mesh.numberOfBones, KTMESH::maxBones); }
+unsigned int pooledBones(const KTMESH &mesh) {
+    return std::min<unsigned int>(mesh.numberOfBones, KTMESH::maxBones);
+}
 
 void storeBone(KTNODE *bone, const KTMESH &mesh) {
     for (unsigned int i = 0; i < pooledBones(mesh); ++i) {
@@ -122,7 +124,8 @@ void KTELEMENT::reset() { numberOfPassedElements = numberOfLights = numberOfTran
 bool KTELEMENT::pass(KTNODE *root, bool) {
     if (!root || numberOfPassedElements >= numberOfElements) return false;
     Levels levels;
-    const KTNODE *refused = nullptr;  // came when the list was full; it has no level, and its children do not come
+    const KTNODE *refused =
+        nullptr;  // came when the list was full; it has no level, and its children do not come
     auto enter = [&](KTNODE *node, unsigned int depth) -> unsigned int {
         if (depth > 0) node->timeStamp = static_cast<unsigned int>(KELTRA::timeStamp);
         if (numberOfPassedElements >= numberOfElements) {

@@ -14,8 +14,8 @@ namespace {
 
 enum Rank { kLight, kOpaque, kTransparent };
 
-// By the transparency value, while KTELEMENT::append counts by KTMATERIAL::isTransparent: two separate tests, both meant.
-// When they disagree, the back-to-front sort covers as many entries as were counted.
+// By the transparency value, while KTELEMENT::append counts by KTMATERIAL::isTransparent: two separate tests,
+// both meant. When they disagree, the back-to-front sort covers as many entries as were counted.
 Rank rankOf(const KTNODE *node) {
     if (!node) return kOpaque;
     if (node->type == KT_LIGHT) return kLight;
@@ -25,15 +25,17 @@ Rank rankOf(const KTNODE *node) {
     return material && material->getTransparency() != 1.0f ? kTransparent : kOpaque;
 }
 
-// Maps floats to integers in the same order, not-a-number included: a total order whatever the data, and integer
-// comparisons on a machine without a floating-point unit.
+// Maps floats to integers in the same order, not-a-number included: a total order whatever the data, and
+// integer comparisons on a machine without a floating-point unit.
 std::int32_t orderKey(float value) {
     std::int32_t bits;
     std::memcpy(&bits, &value, sizeof bits);
     return bits < 0 ? bits ^ 0x7fffffff : bits;
 }
 
-std::int32_t depthKey(const KTELEMENT *entry) { return orderKey(entry->matrix.m[14] - keltra::boundingRadius(entry->node)); }
+std::int32_t depthKey(const KTELEMENT *entry) {
+    return orderKey(entry->matrix.m[14] - keltra::boundingRadius(entry->node));
+}
 
 bool isExclusive(const KTELEMENT *entry) {
     const KTNODE *node = entry->node;
@@ -55,10 +57,11 @@ long layers[KTELEMENT::maxElements];
 bool KTELEMENT::sort2D() {
     if (numberOfPassedElements == 0) return false;
     for (unsigned int i = 0; i < numberOfPassedElements; ++i) layers[i] = guiLayer(element[i]);
-    std::sort(elementPointer, elementPointer + numberOfPassedElements, [](const KTELEMENT *a, const KTELEMENT *b) {
-        long layerA = layers[a - element], layerB = layers[b - element];
-        return layerA != layerB ? layerA < layerB : a < b;
-    });
+    std::sort(elementPointer, elementPointer + numberOfPassedElements,
+              [](const KTELEMENT *a, const KTELEMENT *b) {
+                  long layerA = layers[a - element], layerB = layers[b - element];
+                  return layerA != layerB ? layerA < layerB : a < b;
+              });
     return true;
 }
 

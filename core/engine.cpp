@@ -91,8 +91,8 @@ bool KELTRA::init(KTSETTINGS *settings) {
     return false;
 }
 
-// The order of both halves is fixed: fonts, then nodes, then what nodes refer to; then the subsystems, emitters and fonts
-// before the meshes; videos after the animations.
+// The order of both halves is fixed: fonts, then nodes, then what nodes refer to; then the subsystems,
+// emitters and fonts before the meshes; videos after the animations.
 bool KELTRA::free() {
     if (!active) return false;
     vnfFreeTimer(timer);

@@ -14,8 +14,9 @@ using keltra::toFixed;
 const unsigned int kLevels = 32;  // matrices a stack, and the deepest push
 const int kStacks = 2;            // 0 model-view, 1 projection
 
-// The stacks stand one behind the other, and depth runs from 0 to 32. So level 32 of the model-view stack is the base of
-// the projection stack: meant, applications have been tuned against it. Level 32 of the projection gets room of its own.
+// The stacks stand one behind the other, and depth runs from 0 to 32. So level 32 of the model-view stack is
+// the base of the projection stack: meant, applications have been tuned against it. Level 32 of the
+// projection gets room of its own.
 float mirror[kStacks * kLevels + 1][16];
 unsigned int depths[kStacks];
 int current;
@@ -60,7 +61,8 @@ namespace keltra {
 
 void resetMatrixMirror() {
     for (current = kStacks - 1; current > 0; --current)
-        while (depths[current]) std::memcpy(mirror[current * kLevels + depths[current]--], R3XMATRIX().m, sizeof mirror[0]);
+        while (depths[current])
+            std::memcpy(mirror[current * kLevels + depths[current]--], R3XMATRIX().m, sizeof mirror[0]);
     while (depths[0]) std::memcpy(mirror[depths[0]--], R3XMATRIX().m, sizeof mirror[0]);
 }
 
@@ -81,9 +83,13 @@ void KT_glLightModelfv(GLenum pname, const float *params) {
     if (params) glLightModelxv(pname, Fixed4(params).v);
 }
 
-void KT_glColor4f(float r, float g, float b, float a) { glColor4x(toFixed(r), toFixed(g), toFixed(b), toFixed(a)); }
+void KT_glColor4f(float r, float g, float b, float a) {
+    glColor4x(toFixed(r), toFixed(g), toFixed(b), toFixed(a));
+}
 
-void KT_glClearColor(float r, float g, float b, float a) { glClearColorx(toFixed(r), toFixed(g), toFixed(b), toFixed(a)); }
+void KT_glClearColor(float r, float g, float b, float a) {
+    glClearColorx(toFixed(r), toFixed(g), toFixed(b), toFixed(a));
+}
 
 void KT_glLightf(GLenum light, GLenum pname, float param) { glLightx(light, pname, toFixed(param)); }
 
@@ -124,7 +130,8 @@ void KT_glMultMatrixf(const float *m) {
     glMultMatrixx(Fixed16(m).v);
 }
 
-// A rotation by 0 degrees is the identity, which leaves the mirror as it is; most nodes turn about one axis or none.
+// A rotation by 0 degrees is the identity, which leaves the mirror as it is; most nodes turn about one axis
+// or none.
 void KT_glRotatef(float angle, float x, float y, float z) {
     if (angle != 0.0f) {
         R3XMATRIX rotation;
@@ -140,9 +147,9 @@ void KT_glTranslatef(float x, float y, float z) {
 }
 
 void KT_glFrustum(float l, float r, float b, float t, float n, float f) {
-    multiplyTop(R3XMATRIX(2.0f * n / (r - l), 0.0f, 0.0f, 0.0f,                                      //
-                          0.0f, 2.0f * n / (t - b), 0.0f, 0.0f,                                      //
-                          (r + l) / (r - l), (t + b) / (t - b), -(f + n) / (f - n), -1.0f,           //
+    multiplyTop(R3XMATRIX(2.0f * n / (r - l), 0.0f, 0.0f, 0.0f,                             //
+                          0.0f, 2.0f * n / (t - b), 0.0f, 0.0f,                             //
+                          (r + l) / (r - l), (t + b) / (t - b), -(f + n) / (f - n), -1.0f,  //
                           0.0f, 0.0f, -2.0f * f * n / (f - n), 0.0f));
     glFrustumx(toFixed(l), toFixed(r), toFixed(b), toFixed(t), toFixed(n), toFixed(f));
 }

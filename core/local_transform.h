@@ -16,7 +16,8 @@ inline void applyRotation(const R3XVECTOR3D &degrees) {
 // Applies a node's own transform to the current matrix; a transform mode other than 0 and 1 applies nothing.
 inline void applyLocalTransform(const KTNODE &node) {
     if (node.transformMode == 0) {
-        KT_glTranslatef(node.position.x + node.origin.x, node.position.y + node.origin.y, node.position.z + node.origin.z);
+        KT_glTranslatef(node.position.x + node.origin.x, node.position.y + node.origin.y,
+                        node.position.z + node.origin.z);
         applyRotation(node.rotation);
     } else if (node.transformMode == 1) {
         KT_glMultMatrixf(node.matrix.m);

@@ -113,7 +113,8 @@ bool KTOPENGL::resize(int x, int y, int width, int height) {
     KT_glMatrixMode(GL_PROJECTION);
     KT_glLoadIdentity();
     // In 64 bits: any two ints may come in.
-    glViewport(x, static_cast<GLint>(static_cast<long long>(KTSETTINGS::windowY) - y - height), width, height);
+    glViewport(x, static_cast<GLint>(static_cast<long long>(KTSETTINGS::windowY) - y - height), width,
+               height);
     if (KTSETTINGS::landscape) {
         KT_glRotatef(90.0f, 0.0f, 0.0f, 1.0f);
         setPerspective(angleOfView, ratio(down, across), nearPlane, farPlane);
@@ -132,7 +133,8 @@ void KTOPENGL::setPerspective(float angle, float aspect, float nearDistance, flo
     KT_glFrustum(-right, right, -top, top, nearDistance, farDistance);
 }
 
-bool KTOPENGL::setFrustum(float left, float right, float bottom, float top, float nearDistance, float farDistance, bool) {
+bool KTOPENGL::setFrustum(float left, float right, float bottom, float top, float nearDistance,
+                          float farDistance, bool) {
     KT_glMatrixMode(GL_PROJECTION);
     KT_glLoadIdentity();
     KT_glFrustum(left, right, bottom, top, nearDistance, farDistance);
@@ -146,14 +148,18 @@ void KTOPENGL::setBackgroundColor(float r, float g, float b, float a) {
     KT_glClearColor(r, g, b, a);
 }
 
-void KTOPENGL::setBackgroundColor(R3XVECTOR4D color) { setBackgroundColor(color.x, color.y, color.z, color.w); }
+void KTOPENGL::setBackgroundColor(R3XVECTOR4D color) {
+    setBackgroundColor(color.x, color.y, color.z, color.w);
+}
 
 void KTOPENGL::setGlobalAmbientLight(float r, float g, float b, float a) {
     globalAmbientLight.set(r, g, b, a);
     KT_glLightModelfv(GL_LIGHT_MODEL_AMBIENT, &globalAmbientLight.x);
 }
 
-void KTOPENGL::setGlobalAmbientLight(R3XVECTOR4D color) { setGlobalAmbientLight(color.x, color.y, color.z, color.w); }
+void KTOPENGL::setGlobalAmbientLight(R3XVECTOR4D color) {
+    setGlobalAmbientLight(color.x, color.y, color.z, color.w);
+}
 
 void KTOPENGL::cullingOn() { enableCached(culling, GL_CULL_FACE); }
 void KTOPENGL::cullingOff() { disableCached(culling, GL_CULL_FACE); }

@@ -19,11 +19,12 @@ struct StringKey {
 };
 
 // A key leads to the member of its name. There is no key for forceFBO.
-#define KEY(name) {"KELTRA_" #name, &KTSETTINGS::RECORD::name}
+#define KEY(name) \
+    { "KELTRA_" #name, &KTSETTINGS::RECORD::name }
 
 const IntKey kIntKeys[] = {
-    KEY(windowX),     KEY(windowY),       KEY(colorDepth),    KEY(zetaDepth),    KEY(stencilDepth),
-    KEY(FBOSizeX),    KEY(FBOSizeY),      KEY(shadowMapSize), KEY(waterSize),    KEY(renderingElements),
+    KEY(windowX),       KEY(windowY),      KEY(colorDepth),    KEY(zetaDepth), KEY(stencilDepth),
+    KEY(FBOSizeX),      KEY(FBOSizeY),     KEY(shadowMapSize), KEY(waterSize), KEY(renderingElements),
     KEY(audioChannels), KEY(audioBuffers), KEY(audioElements),
 };
 
@@ -52,7 +53,8 @@ bool KTSETTINGS::load(const char *path) {
         // The low 8 bits count: 256 is false.
         if (vnfParseInt(&parser, key.name, &value)) record.*key.member = (value & 0xff) != 0;
     }
-    // A string without its two quotes counts as not found, yet its raw text stays in the member: meant, as is the parser.
+    // A string without its two quotes counts as not found, yet its raw text stays in the member: meant, as is
+    // the parser.
     for (const StringKey &key : kStringKeys) vnfParseString(&parser, key.name, record.*key.member);
     vnfCloseParser(&parser);
     return true;

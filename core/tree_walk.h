@@ -5,7 +5,8 @@
 
 namespace keltra {
 
-// Deepest nesting of a scene tree. The walks keep their path in a fixed array, since the device's stack is 64 KB.
+// Deepest nesting of a scene tree. The walks keep their path in a fixed array, since the device's stack is 64
+// KB.
 const unsigned int kMaxTreeDepth = 256;
 
 // What `enter` returns to end the whole walk; otherwise it returns how many of the node's children to visit.
@@ -13,11 +14,12 @@ const unsigned int kStopWalk = ~0u;
 
 const unsigned int kMaxBorrowed = 2;
 
-// Visits `root` and its subtree depth first, a node before its children, children in order. `enter(node, depth)` comes
-// first, `leave(node, depth)` after the node's children. Returns the node at which `enter` stopped the walk, or null.
-// A node has one parent, so a cycle made by linking a node below itself leads back to `root` first: there it is cut.
-// A copy shows its original's children, whose parent it is not. Such children within such children are the last ones:
-// copies linked below what they show would go on for ever, or for as many steps as there are orders of the children.
+// Visits `root` and its subtree depth first, a node before its children, children in order. `enter(node,
+// depth)` comes first, `leave(node, depth)` after the node's children. Returns the node at which `enter`
+// stopped the walk, or null. A node has one parent, so a cycle made by linking a node below itself leads back
+// to `root` first: there it is cut. A copy shows its original's children, whose parent it is not. Such
+// children within such children are the last ones: copies linked below what they show would go on for ever,
+// or for as many steps as there are orders of the children.
 template <class Enter, class Leave>
 KTNODE *walkTree(KTNODE *root, Enter enter, Leave leave) {
     struct Step {
@@ -36,7 +38,8 @@ KTNODE *walkTree(KTNODE *root, Enter enter, Leave leave) {
         node = nullptr;
         while (!node) {
             Step &step = path[depth];
-            if (step.next < step.end && step.next < step.node->numberOfChildren && depth + 1 < kMaxTreeDepth) {
+            if (step.next < step.end && step.next < step.node->numberOfChildren &&
+                depth + 1 < kMaxTreeDepth) {
                 node = step.node->getChild(step.next++);
                 if (!node) continue;
                 borrowed = step.borrowed + (node->parent != step.node);

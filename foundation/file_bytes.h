@@ -8,8 +8,8 @@
 
 namespace keltra {
 
-// The path of a file below a directory prefix, to which the name is appended as it is. Prefixes hold 255 characters, and so
-// may names; a longer one, or null, makes the path empty, which no file has.
+// The path of a file below a directory prefix, to which the name is appended as it is. Prefixes hold 255
+// characters, and so may names; a longer one, or null, makes the path empty, which no file has.
 struct FilePath {
     char text[512];
 

@@ -4,7 +4,8 @@
 // The bodies of KTREGISTERED. Each class instantiates them once, in its own source; it supplies
 //   static void setLink(T &object, T *previous, T *next)   keeps its visible links in step with the list
 //   static void setFirst(T *first)                         keeps its visible list head in step
-//   static void letGo(T &object)                           releases what the object owns and takes it off the list
+//   static void letGo(T &object)                           releases what the object owns and takes it off the
+//   list
 
 #include <keltra/foundation.h>
 #include <keltra/registered.h>
@@ -15,8 +16,9 @@
 
 namespace keltra {
 
-// Blocks from operator new whose constructor has not begun. There are several when the arguments of a constructor are
-// themselves made on the heap; in a longer row the first ones are lost, and are not taken for objects on the heap.
+// Blocks from operator new whose constructor has not begun. There are several when the arguments of a
+// constructor are themselves made on the heap; in a longer row the first ones are lost, and are not taken for
+// objects on the heap.
 class FreshBlocks {
    public:
     void add(void *block, std::size_t size) {
@@ -84,7 +86,8 @@ void *KTREGISTERED<T>::operator new(std::size_t size) {
     return block;
 }
 
-// A constructor that threw left its block behind: it must not be taken for that of an object that comes to lie there.
+// A constructor that threw left its block behind: it must not be taken for that of an object that comes to
+// lie there.
 template <class T>
 void KTREGISTERED<T>::operator delete(void *block) noexcept {
     keltra::Registry<T>::fresh.take(block);
@@ -132,7 +135,8 @@ KTREGISTERED<T>::KTREGISTERED(const KTREGISTERED &)
 }
 
 template <class T>
-KTREGISTERED<T>::KTREGISTERED() : listPrevious(nullptr), listNext(nullptr), ownId(0), listed(false), heap(false) {
+KTREGISTERED<T>::KTREGISTERED()
+    : listPrevious(nullptr), listNext(nullptr), ownId(0), listed(false), heap(false) {
     joinAlive();
     heap = keltra::Registry<T>::fresh.take(this);
 }

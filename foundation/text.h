@@ -15,7 +15,8 @@ inline void copyText(char (&target)[256], const char *text) {
     target[length] = '\0';
 }
 
-// Copies a name into its array when it is shorter than 256 characters; null and longer names leave the array as it was.
+// Copies a name into its array when it is shorter than 256 characters; null and longer names leave the array
+// as it was.
 inline void copyName(char (&target)[256], const char *text) {
     if (!text || !std::memchr(text, '\0', sizeof target)) return;
     std::memmove(target, text, std::strlen(text) + 1);

@@ -18,7 +18,15 @@ KTANIM *KTANIM::firstAnim = nullptr;
 char KTANIM::ktaPath[256];
 
 KTANIM::KTANIM()
-    : id(0), name(), translating(false), numberOfBones(0), numberOfFrames(0), boneNames(), keyframes(), previous(nullptr), next(nullptr) {
+    : id(0),
+      name(),
+      translating(false),
+      numberOfBones(0),
+      numberOfFrames(0),
+      boneNames(),
+      keyframes(),
+      previous(nullptr),
+      next(nullptr) {
     id = enlist();
     std::snprintf(name, sizeof name, "[anim %d]", static_cast<int>(id));
 }
@@ -70,9 +78,13 @@ KTANIM *KTANIM::findById(unsigned int wanted) {
 
 void KTANIM::setKTAPath(const char *path) { keltra::copyText(ktaPath, path); }
 
-void KTANIM::setNumberOfFrames(unsigned int count) { numberOfFrames = static_cast<std::uint16_t>(std::min(count, maxFrames)); }
+void KTANIM::setNumberOfFrames(unsigned int count) {
+    numberOfFrames = static_cast<std::uint16_t>(std::min(count, maxFrames));
+}
 
-void KTANIM::setNumberOfBones(unsigned int count) { numberOfBones = static_cast<std::uint16_t>(std::min(count, maxBones)); }
+void KTANIM::setNumberOfBones(unsigned int count) {
+    numberOfBones = static_cast<std::uint16_t>(std::min(count, maxBones));
+}
 
 // The counts are open to the application; whatever stands there, nothing beyond the grid is touched.
 unsigned int KTANIM::bones() const { return std::min<unsigned int>(numberOfBones, maxBones); }
@@ -84,7 +96,9 @@ bool KTANIM::setBoneName(unsigned int index, const char *text) {
     return false;
 }
 
-const char *KTANIM::getBoneName(unsigned int index) const { return index < maxBones ? boneNames[index] : nullptr; }
+const char *KTANIM::getBoneName(unsigned int index) const {
+    return index < maxBones ? boneNames[index] : nullptr;
+}
 
 int KTANIM::findBoneByName(const char *text) const {
     if (!text) return -1;

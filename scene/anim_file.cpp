@@ -46,7 +46,9 @@ class Writer {
    public:
     explicit Writer(const char *path) : file(std::fopen(path, "wb")), good(file != nullptr) {}
 
-    void bytes(const void *data, std::size_t size) { good = good && std::fwrite(data, 1, size, file) == size; }
+    void bytes(const void *data, std::size_t size) {
+        good = good && std::fwrite(data, 1, size, file) == size;
+    }
     void u8(unsigned int value) {
         unsigned char byte = static_cast<unsigned char>(value);
         bytes(&byte, 1);
@@ -82,7 +84,8 @@ bool KTANIM::load(const char *fileName) {
     if (!readAnim(reader, record)) return false;
     numberOfBones = static_cast<std::uint16_t>(record.bones);
     numberOfFrames = static_cast<std::uint16_t>(record.frames);
-    for (unsigned int bone = 0; bone < record.bones; ++bone) keltra::copyText(boneNames[bone], record.names[bone]);
+    for (unsigned int bone = 0; bone < record.bones; ++bone)
+        keltra::copyText(boneNames[bone], record.names[bone]);
     ByteReader keyframeReader(record.keyframes, kKeyframeSize * record.frames * record.bones);
     for (unsigned int frame = 0; frame < record.frames; ++frame) {
         for (unsigned int bone = 0; bone < record.bones; ++bone) {

@@ -1,10 +1,10 @@
 #ifndef KELTRA_ANIM_H
 #define KELTRA_ANIM_H
 
-// Skeletal animations: a grid of keyframes, one for each frame and bone, played by writing one frame into the nodes of the
-// bones' names. Animations are read from and written to KTA files, or made in code: take the bones from a mesh, set some
-// keyframes, fill the frames between them. All animations are on one list, which owns them. An object holds the whole
-// grid, about 3.7 MB: make it with `new`.
+// Skeletal animations: a grid of keyframes, one for each frame and bone, played by writing one frame into the
+// nodes of the bones' names. Animations are read from and written to KTA files, or made in code: take the
+// bones from a mesh, set some keyframes, fill the frames between them. All animations are on one list, which
+// owns them. An object holds the whole grid, about 3.7 MB: make it with `new`.
 
 #include <cstdint>
 
@@ -33,13 +33,15 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     KTANIM &operator=(const KTANIM &other);
     ~KTANIM();
 
-    /** Reads the file KTA path + `fileName`, whose name becomes the animation's. False, with nothing changed, for null, a
-     *  missing or damaged file, or one of more than 128 bones or 1024 frames. */
+    /** Reads the file KTA path + `fileName`, whose name becomes the animation's. False, with nothing changed,
+     * for null, a missing or damaged file, or one of more than 128 bones or 1024 frames. */
     bool load(const char *fileName);
-    /** Writes the file `path`, as it is given, without the KTA path. False for null or when it cannot be written. */
+    /** Writes the file `path`, as it is given, without the KTA path. False for null or when it cannot be
+     * written. */
     bool save(const char *path);
 
-    /** First animation of that name; a loaded one has the name of its file. Null when `name` is null or unknown. */
+    /** First animation of that name; a loaded one has the name of its file. Null when `name` is null or
+     * unknown. */
     static KTANIM *findByFilename(const char *name);
     static KTANIM *findById(unsigned int id);
     static unsigned int getNumberOfAnims();
@@ -61,7 +63,8 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     unsigned int getId() const { return id; }
     const char *getName() const { return name; }
 
-    /** Names a bone; false in every case, which does not mean failure. Longer names are cut at 255 characters. */
+    /** Names a bone; false in every case, which does not mean failure. Longer names are cut at 255
+     * characters. */
     bool setBoneName(unsigned int index, const char *text);
     /** Null for an index of 128 or more. */
     const char *getBoneName(unsigned int index) const;
@@ -74,8 +77,8 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     R3XVECTOR3D getFrameRotation(unsigned int frame, unsigned int bone);
     /** Takes number and names of the bones from a mesh; false for null and for a mesh without bones. */
     bool acquireStructure(KTMESH *mesh);
-    /** Set a keyframe's rotation, or one component of it, in degrees. False when `frame` is beyond the number of frames
-     *  (which itself is accepted, one past the last frame) or there is no such bone. */
+    /** Set a keyframe's rotation, or one component of it, in degrees. False when `frame` is beyond the number
+     * of frames (which itself is accepted, one past the last frame) or there is no such bone. */
     bool setFrame(unsigned int frame, unsigned int bone, float x, float y, float z);
     bool setFrameRotationX(unsigned int frame, unsigned int bone, float degrees);
     bool setFrameRotationY(unsigned int frame, unsigned int bone, float degrees);
@@ -84,11 +87,11 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     bool unsetFrame(unsigned int frame, unsigned int bone);
     /** Zeroes all keyframes inside the present counts. */
     void reset();
-    /** Fills the frames between set keyframes from `first` up to `last` by linear interpolation of the rotations. False
-     *  unless first < number of frames, last <= number of frames and first < last. */
+    /** Fills the frames between set keyframes from `first` up to `last` by linear interpolation of the
+     * rotations. False unless first < number of frames, last <= number of frames and first < last. */
     bool createKeyframes(unsigned int first, unsigned int last);
-    /** Writes a frame into the nodes below `root` that have the bones' names; bones without a node are skipped. False
-     *  for a frame beyond the last and for a null root. */
+    /** Writes a frame into the nodes below `root` that have the bones' names; bones without a node are
+     * skipped. False for a frame beyond the last and for a null root. */
     bool apply(unsigned int frame, KTNODE *root);
 
     unsigned int id;
@@ -97,7 +100,8 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     std::uint16_t numberOfBones;
     std::uint16_t numberOfFrames;
     char boneNames[maxBones][256];
-    KTBONEFRAME keyframes[maxFrames + 1][maxBones];  // the last row is the frame one past the last of a full animation
+    KTBONEFRAME keyframes[maxFrames + 1]
+                         [maxBones];  // the last row is the frame one past the last of a full animation
     KTANIM *previous, *next;
     KTANIM *getNext() const { return isRegistered() ? registeredNext() : next; }
     KTANIM *getPrevious() const { return isRegistered() ? registeredPrevious() : previous; }

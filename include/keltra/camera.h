@@ -1,9 +1,9 @@
 #ifndef KELTRA_CAMERA_H
 #define KELTRA_CAMERA_H
 
-// A camera is a node whose render loads the view matrix. The projection belongs to the display (`KTOPENGL::resize`).
-// It looks along its rotation (about Z, then X, then Y), at a fixed point (`targetNode` = itself, `target` = point), or at another
-// node (`targetNode`). Parents do not move a camera.
+// A camera is a node whose render loads the view matrix. The projection belongs to the display
+// (`KTOPENGL::resize`). It looks along its rotation (about Z, then X, then Y), at a fixed point (`targetNode`
+// = itself, `target` = point), or at another node (`targetNode`). Parents do not move a camera.
 
 #include <keltra/node.h>
 
@@ -14,7 +14,8 @@ class KT_API KTCAMERA : public KTNODE {
     KTCAMERA &operator=(const KTCAMERA &) = default;
     ~KTCAMERA() override;
 
-    /** Rotation in degrees about X, Y, Z applied before everything else; without effect on a camera with a target. */
+    /** Rotation in degrees about X, Y, Z applied before everything else; without effect on a camera with a
+     * target. */
     void setPreRotation(float x, float y, float z) { preRotation.set(x, y, z); }
     void setPreRotation(R3XVECTOR3D degrees) { preRotation = degrees; }
     R3XVECTOR3D getPreRotation() const { return preRotation; }
@@ -24,13 +25,14 @@ class KT_API KTCAMERA : public KTNODE {
     /** The view matrix of this camera's last render. */
     R3XMATRIX *getThisCameraMatrix() { return &thisCameraMatrix; }
 
-    /** View matrix, eye point and camera of the last render of any camera. The camera is null once it is destroyed. */
+    /** View matrix, eye point and camera of the last render of any camera. The camera is null once it is
+     * destroyed. */
     static R3XMATRIX *getCameraMatrix() { return &cameraMatrix; }
     static R3XVECTOR3D getCameraPosition() { return cameraPosition; }
     static KTCAMERA *getThisPassCamera() { return thisPassCamera; }
 
-    /** Moves by a step given in view space of the camera that rendered last, this one or another. The step in world
-     *  space is left in `direction`. */
+    /** Moves by a step given in view space of the camera that rendered last, this one or another. The step in
+     * world space is left in `direction`. */
     void moveDoom(float x, float y, float z);
     void moveDoom(R3XVECTOR3D step);
     /** Loads the view matrix into the model-view stack and makes this the current camera. Always true. */

@@ -1,8 +1,8 @@
 #ifndef KELTRA_ELEMENT_H
 #define KELTRA_ELEMENT_H
 
-// The render list of a frame: one KTELEMENT for each drawable node that was passed between `KELTRA::begin3D` and `end3D` (or
-// `begin2D` and `end2D`). The list is allocated once; it points at nodes without owning them.
+// The render list of a frame: one KTELEMENT for each drawable node that was passed between `KELTRA::begin3D`
+// and `end3D` (or `begin2D` and `end2D`). The list is allocated once; it points at nodes without owning them.
 
 #include <keltra/matrix.h>
 #include <keltra/vector.h>
@@ -30,39 +30,43 @@ class KT_API KTELEMENT {
     unsigned int getParam1() const { return param1; }
     void setParam1(unsigned int value) { param1 = value; }
 
-    /** Allocates the list for `n` entries; 0 and more than 1024 give 1024. False when active or out of memory. */
+    /** Allocates the list for `n` entries; 0 and more than 1024 give 1024. False when active or out of
+     * memory. */
     static bool init(unsigned int n);
     static bool free();
     static bool isActive() { return active; }
     /** Empties the list. */
     static void reset();
-    /** Appends `node` and its subtree with their transforms on top of the current model-view matrix. False for null and
-     *  when the list is full. The flag is not used. */
+    /** Appends `node` and its subtree with their transforms on top of the current model-view matrix. False
+     * for null and when the list is full. The flag is not used. */
     static bool pass(KTNODE *node, bool flag = false);
-    /** Order for drawing: by GUI layer; or lights, opaque nodes, transparent nodes from back to front. False when empty. */
+    /** Order for drawing: by GUI layer; or lights, opaque nodes, transparent nodes from back to front. False
+     * when empty. */
     static bool sort2D();
     static bool sort3D();
-    /** Orders the lights (exclusive ones first, then by distance to `position` in eye space). False without lights. */
+    /** Orders the lights (exclusive ones first, then by distance to `position` in eye space). False without
+     * lights. */
     static bool sortLights(R3XVECTOR3D position);
-    /** Collects the matrices of the bones of `mesh` below `bone` into the current skinning slot; false for a null bone. */
+    /** Collects the matrices of the bones of `mesh` below `bone` into the current skinning slot; false for a
+     * null bone. */
     static bool passSkeleton(KTNODE *bone, KTMESH *mesh);
     /** Light `i` in drawing order; null when there is none. Valid after `sort3D`. */
     static KTELEMENT *getLight(unsigned int i);
     static unsigned int getNumberOfElements() { return numberOfElements; }
     static unsigned int getNumberOfPassedElements() { return numberOfPassedElements; }
     static unsigned int getNumberOfLights() { return numberOfLights; }
-    /** Distance culling: meshes and helpers farther from the eye than twice their radius plus the clipping radius are not
-     *  passed (their children are). */
+    /** Distance culling: meshes and helpers farther from the eye than twice their radius plus the clipping
+     * radius are not passed (their children are). */
     static void clippingOn() { clipping = true; }
     static void clippingOff() { clipping = false; }
     static void setClippingRadius(float radius) { clippingRadius = radius; }
     static float getClippingRadius() { return clippingRadius; }
 
-    /** The input of the interface: to be called once a frame after `KELTRA::end2D`, while the list of the 2D pass stands.
-     *  `key` is the frame's character, 0 for none; (x, y) the pointer in pixels of the window; `pressed` not 0 while the
-     *  pointer is down; `extra` is only remembered. Presses, drags and folds widgets and moves the focus. `activatedId`, which
-     *  may be null, receives the identifier of a widget that was activated, otherwise 0. True while the pointer is over a
-     *  widget or holds one. */
+    /** The input of the interface: to be called once a frame after `KELTRA::end2D`, while the list of the 2D
+     * pass stands. `key` is the frame's character, 0 for none; (x, y) the pointer in pixels of the window;
+     * `pressed` not 0 while the pointer is down; `extra` is only remembered. Presses, drags and folds widgets
+     * and moves the focus. `activatedId`, which may be null, receives the identifier of a widget that was
+     * activated, otherwise 0. True while the pointer is over a widget or holds one. */
     static bool manageGUIEvents(char key, int x, int y, int pressed, int extra, unsigned int *activatedId);
 
     KTNODE *node;

@@ -1,9 +1,9 @@
 #ifndef KELTRA_ENGINE_H
 #define KELTRA_ENGINE_H
 
-// The engine: start-up and shut-down, the frame, loading, picking, and the counters that everything shares. All members
-// are static. A frame is: clear, begin3D(camera), pass of the nodes to draw, end3D, begin2D, pass of the interface,
-// end2D, swap.
+// The engine: start-up and shut-down, the frame, loading, picking, and the counters that everything shares.
+// All members are static. A frame is: clear, begin3D(camera), pass of the nodes to draw, end3D, begin2D, pass
+// of the interface, end2D, swap.
 
 #include <keltra/export.h>
 
@@ -14,8 +14,8 @@ class TiXmlNode;
 
 class KT_API KELTRA {
    public:
-    /** Opens the window and starts every subsystem; null stands for default settings. False when active or when a step
-     *  fails; everything that was started is shut down again then. */
+    /** Opens the window and starts every subsystem; null stands for default settings. False when active or
+     * when a step fails; everything that was started is shut down again then. */
     static bool init(KTSETTINGS *settings);
     /** Destroys all resources and shuts everything down; false when not active. */
     static bool free();
@@ -34,9 +34,10 @@ class KT_API KELTRA {
     /** Ends the frame and shows it; true when the buffers were swapped. */
     static bool swap();
 
-    /** Code of the mesh drawn at a point of the window (pixels from the left, and from the top counted from 1): its `auxId`, or its `id` when that is 0, as
-     *  far as the screen's colours hold it (16 or 24 bits); 0 for the background. To be called between `end3D` and
-     *  `begin2D` of a frame; the pixel at the point is spoilt until the next `clear`. */
+    /** Code of the mesh drawn at a point of the window (pixels from the left, and from the top counted from
+     * 1): its `auxId`, or its `id` when that is 0, as far as the screen's colours hold it (16 or 24 bits); 0
+     * for the background. To be called between `end3D` and `begin2D` of a frame; the pixel at the point is
+     * spoilt until the next `clear`. */
     static unsigned int select(int x, int y);
 
     /** Advances the frame timer unless this frame has already done so. */
@@ -47,8 +48,9 @@ class KT_API KELTRA {
     /** Frame counter: 65536 at first, one more at each `begin3D`. */
     static long int getTimeStamp() { return timeStamp; }
 
-    /** Video memory in bytes: budget (8 MiB), used, and their difference, which wraps around when the budget is
-     *  exceeded. `pushVideoMemory` and `popVideoMemory` are bookkeeping without a limit and return the bytes used. */
+    /** Video memory in bytes: budget (8 MiB), used, and their difference, which wraps around when the budget
+     * is exceeded. `pushVideoMemory` and `popVideoMemory` are bookkeeping without a limit and return the
+     * bytes used. */
     static unsigned int getVideoMemory() { return videoMemoryTotal; }
     static unsigned int getUsedVideoMemory() { return videoMemoryUsed; }
     static unsigned int getFreeVideoMemory() { return videoMemoryTotal - videoMemoryUsed; }
@@ -58,26 +60,26 @@ class KT_API KELTRA {
     /** Prefix of scene file names, up to 255 characters; null empties it. */
     static void setKTEPath(const char *path);
     static char *getKTEPath() { return ktePath; }
-    /** Loads the scene file KTE path + `fileName` and returns the root of the new tree, which the list of nodes owns.
-     *  Null for a missing or damaged file, which leaves nothing behind. A name with ".xml" or ".XML" in it is handed to
-     *  `loadXML`. */
+    /** Loads the scene file KTE path + `fileName` and returns the root of the new tree, which the list of
+     * nodes owns. Null for a missing or damaged file, which leaves nothing behind. A name with ".xml" or
+     * ".XML" in it is handed to `loadXML`. */
     static KTNODE *load(const char *fileName);
-    /** Loads the interface description `fileName`, a path of its own, and returns a new node of that name with the widgets
-     *  below it, owned by the list of nodes. To be drawn it is passed between `begin2D` and `end2D`. Null for a missing,
-     *  malformed or unreasonably large or deep file, and for one without "root"; nothing is made then. */
+    /** Loads the interface description `fileName`, a path of its own, and returns a new node of that name
+     * with the widgets below it, owned by the list of nodes. To be drawn it is passed between `begin2D` and
+     * `end2D`. Null for a missing, malformed or unreasonably large or deep file, and for one without "root";
+     * nothing is made then. */
     static KTNODE *loadXML(const char *fileName);
-    /** Makes what an element of an interface description asks for, and all that is nested in it, below `parent`. Always 0;
-     *  does nothing for null and for nodes that are no elements. */
+    /** Makes what an element of an interface description asks for, and all that is nested in it, below
+     * `parent`. Always 0; does nothing for null and for nodes that are no elements. */
     static int recursiveLoadXML(KTNODE *parent, const TiXmlNode *node);
-    /** Reads the node record at `buffer + *cursor`, of version 1.6a, and its subtree. It trusts that whole records stand
-     *  there. Null on bad
-     *  data or when out of memory. */
+    /** Reads the node record at `buffer + *cursor`, of version 1.6a, and its subtree. It trusts that whole
+     * records stand there. Null on bad data or when out of memory. */
     static KTNODE *recursiveLoad(const char *buffer, long *cursor, KTNODE *parent);
     /** Binds the skins of all meshes below `node` to the bones below `root`. Always true. */
     static bool recursiveInitBones(KTNODE *root, KTNODE *node);
 
-    /** Node whose first child is drawn around the eye, before everything else; null for none. Not owned; forgotten when the
-     *  node is destroyed. */
+    /** Node whose first child is drawn around the eye, before everything else; null for none. Not owned;
+     * forgotten when the node is destroyed. */
     static void setSkybox(KTNODE *node);
     static KTNODE *getSkybox() { return skybox; }
 

@@ -1,8 +1,9 @@
 #ifndef KELTRA_FBO_H
 #define KELTRA_FBO_H
 
-// Off-screen targets on a GL without frame buffer objects: a target records a size and a texture and switches the
-// viewport, and only while `KTOPENGL::FBOFlag` is set, which the engine never does. All targets are on one list, which owns them.
+// Off-screen targets on a GL without frame buffer objects: a target records a size and a texture and switches
+// the viewport, and only while `KTOPENGL::FBOFlag` is set, which the engine never does. All targets are on
+// one list, which owns them.
 
 #include <keltra/registered.h>
 
@@ -20,7 +21,8 @@ class KT_API KTFBO : public KTREGISTERED<KTFBO> {
 
     /** True when targets can be used (`KTOPENGL::FBOFlag`). */
     bool isOk() const;
-    /** Records the texture and takes its size; false for null or while targets are off. The texture is not owned. */
+    /** Records the texture and takes its size; false for null or while targets are off. The texture is not
+     * owned. */
     bool bindTexture(int attachment, KTTEXTURE *target);
     /** Records a size in pixels; false while targets are off. */
     bool bindRenderBuffer(int type, int width, int height);

@@ -20,10 +20,10 @@ class KT_API KTHELPER : public KTNODE {
     bool render(void *data) override;
 
     float radius;
-    float size;            // kept at 1; nothing reads it
+    float size;  // kept at 1; nothing reads it
     R3XVECTOR4D color;
-    R3XVECTOR3D offset;    // kept at (0, 0, 0)
-    R3XVECTOR3D scale;     // kept at (1, 1, 1)
+    R3XVECTOR3D offset;  // kept at (0, 0, 0)
+    R3XVECTOR3D scale;   // kept at (1, 1, 1)
     R3XVECTOR3D min;
     R3XVECTOR3D max;
 };

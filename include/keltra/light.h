@@ -1,7 +1,8 @@
 #ifndef KELTRA_LIGHT_H
 #define KELTRA_LIGHT_H
 
-// Lights. A scene may hold any number; before an object is drawn its four nearest lights are loaded into GL lights 0 to
+// Lights. A scene may hold any number; before an object is drawn its four nearest lights are loaded into GL
+// lights 0 to
 // 3. A GL light stays on until another light is loaded into it.
 
 #include <keltra/node.h>
@@ -31,7 +32,9 @@ class KT_API KTLIGHT : public KTNODE {
     void setSpecular(R3XVECTOR4D color) { specular = color; }
     void setSpecular(float r, float g, float b, float a) { specular.set(r, g, b, a); }
     R3XVECTOR4D getSpecular() const { return specular; }
-    void setAttenuation(float constant, float linear, float quadratic) { attenuation.set(constant, linear, quadratic); }
+    void setAttenuation(float constant, float linear, float quadratic) {
+        attenuation.set(constant, linear, quadratic);
+    }
     R3XVECTOR3D getAttenuation() const { return attenuation; }
     /** Spot cut-off in degrees, 0 to 90, or 180 for none; only spot lights use it. */
     void setCutOff(float degrees) { cutOff = degrees; }
@@ -53,14 +56,16 @@ class KT_API KTLIGHT : public KTNODE {
     static void lightingOn();
     static void lightingOff();
     static bool getLighting() { return lighting; }
-    /** Loads the lights of the render list nearest to `element`, four at most, into GL lights 0 to 3, nearest first,
-     *  and notes them in the element. False for null, while lighting is off, or when the list's lights are not lights. */
+    /** Loads the lights of the render list nearest to `element`, four at most, into GL lights 0 to 3, nearest
+     * first, and notes them in the element. False for null, while lighting is off, or when the list's lights
+     * are not lights. */
     static bool activateNearest(KTELEMENT *element);
-    /** Loads this light into the GL light that its element's `param1` names, and switches lighting on. `data` is the
-     *  light's `KTELEMENT`; false, with nothing changed, when it is null or its `param1` is beyond the eight GL lights. */
+    /** Loads this light into the GL light that its element's `param1` names, and switches lighting on. `data`
+     * is the light's `KTELEMENT`; false, with nothing changed, when it is null or its `param1` is beyond the
+     * eight GL lights. */
     bool render(void *data) override;
-    /** Reads the body of one light record at `buffer + *cursor` and advances the cursor. It trusts that a whole record
-     *  stands there. Null on bad data. */
+    /** Reads the body of one light record at `buffer + *cursor` and advances the cursor. It trusts that a
+     * whole record stands there. Null on bad data. */
     static KTNODE *load(const char *buffer, long *cursor);
 
     unsigned int lightType;

@@ -1,8 +1,8 @@
 #ifndef KELTRA_MATERIAL_H
 #define KELTRA_MATERIAL_H
 
-// Materials: the colours, transparency, shininess and textures of a surface. Meshes render their material before drawing.
-// All materials are on one list, which owns them; textures and shaders are referred to.
+// Materials: the colours, transparency, shininess and textures of a surface. Meshes render their material
+// before drawing. All materials are on one list, which owns them; textures and shaders are referred to.
 
 #include <cstdint>
 
@@ -23,8 +23,8 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     KTMATERIAL &operator=(const KTMATERIAL &other);
     ~KTMATERIAL();
 
-    /** Copies colours, transparency, shininess, textures and shader of `source`, without counting texture uses; the name
-     *  becomes the source's name and this material's id. Null does nothing. */
+    /** Copies colours, transparency, shininess, textures and shader of `source`, without counting texture
+     * uses; the name becomes the source's name and this material's id. Null does nothing. */
     void clone(const KTMATERIAL *source);
 
     /** Colours are RGBA, 0 to 1; their alpha follows the transparency when the material renders. */
@@ -46,8 +46,8 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     /** 0 to 128. */
     void setShininess(float value) { shininess = value; }
     float getShininess() const { return shininess; }
-    /** Puts a texture (or null) into slot `level` and counts the use in the old and the new one; false for a level of 16
-     *  or more. */
+    /** Puts a texture (or null) into slot `level` and counts the use in the old and the new one; false for a
+     * level of 16 or more. */
     bool setTexture(unsigned int level, KTTEXTURE *value);
     KTTEXTURE *getTexture(unsigned int level) const { return level < levels ? texture[level] : nullptr; }
     /** True when slot 0 holds a texture. */
@@ -59,8 +59,9 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     void setSkinning(bool status) { skinning = status; }
     bool isSkinned() const { return skinning; }
 
-    /** Loads the material into GL unless it is the current one. `data` points to a signed 32-bit light type (0 omni, 1
-     *  directional, 2 spot) or is null. Always true. Changes to the current material show after `reset` or in the next frame. */
+    /** Loads the material into GL unless it is the current one. `data` points to a signed 32-bit light type
+     * (0 omni, 1 directional, 2 spot) or is null. Always true. Changes to the current material show after
+     * `reset` or in the next frame. */
     bool render(void *data);
 
     static KTMATERIAL *findByName(const char *name);

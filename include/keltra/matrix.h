@@ -75,7 +75,8 @@ class KT_API R3XMATRIX {
      * vector part has the opposite sign relative to w. The name is spelled so.
      */
     R3XVECTOR4D toQuaterion() const;
-    /** The rotation as a quaternion that turns the same way as `setRotation`; the form that skinning shaders read. */
+    /** The rotation as a quaternion that turns the same way as `setRotation`; the form that skinning shaders
+     * read. */
     R3XVECTOR4D toQuaternionVelto() const;
     /** Euler angles in degrees. At the poles, |m[4]| above 0.998, the +-90 stands in y; elsewhere that angle
      * is z. */

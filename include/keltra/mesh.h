@@ -69,13 +69,13 @@ class KT_API KTMESH : public KTNODE {
     static void showNormals() { normalsShown = true; }
     static void hideNormals() { normalsShown = false; }
 
-    /** Reads the body of one mesh record at `buffer + *cursor` and advances the cursor; `oldVersion` for a v1.5a
-     *  file. It trusts that a whole record stands there. The node gets its number of children, all empty. Null
-     *  on bad data or when out of memory. */
+    /** Reads the body of one mesh record at `buffer + *cursor` and advances the cursor; `oldVersion` for a
+     * v1.5a file. It trusts that a whole record stands there. The node gets its number of children, all
+     * empty. Null on bad data or when out of memory. */
     static KTNODE *load(const char *buffer, long *cursor, bool oldVersion);
     /** Finds the skin's bones by name below `root` and takes their present pose, relative to the node
-     *  "HumanoidRoot", as bind pose. A bone that is not found gets no node and the identity. Only bones that are
-     *  mesh nodes move the skin. False for a null root. */
+     *  "HumanoidRoot", as bind pose. A bone that is not found gets no node and the identity. Only bones that
+     * are mesh nodes move the skin. False for a null root. */
     bool resetBones(KTNODE *root);
     /** Skins the vertices with the matrices of pool slot `slot`; false for 16 (no slot left) and beyond. */
     bool animate(unsigned int slot);

@@ -1,10 +1,10 @@
 #ifndef KELTRA_NODE_H
 #define KELTRA_NODE_H
 
-// Nodes: everything that is drawn hangs in a tree of KTNODE. A node has a local transform (position plus origin, then
-// rotation about X, Y, Z in degrees; or an explicit matrix), a name and an identifier. Every node is also on one
-// list of all nodes in creation order, which owns the nodes made with `new`; a parent does not own its children.
-// Trees nest at most 256 deep: what hangs deeper is neither searched nor drawn.
+// Nodes: everything that is drawn hangs in a tree of KTNODE. A node has a local transform (position plus
+// origin, then rotation about X, Y, Z in degrees; or an explicit matrix), a name and an identifier. Every
+// node is also on one list of all nodes in creation order, which owns the nodes made with `new`; a parent
+// does not own its children. Trees nest at most 256 deep: what hangs deeper is neither searched nor drawn.
 
 #include <keltra/matrix.h>
 #include <keltra/registered.h>
@@ -43,14 +43,15 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     KTNODE();
     /** The same as `KTNODE()`; the argument is not used. */
     explicit KTNODE(bool);
-    /** Copies every field, identifier, name, links and child array included; a copy is on no list and has no children
-     *  of its own to give away: it shares the array until it is linked to or unlinked from. */
+    /** Copies every field, identifier, name, links and child array included; a copy is on no list and has no
+     * children of its own to give away: it shares the array until it is linked to or unlinked from. */
     KTNODE(const KTNODE &other);
     KTNODE &operator=(const KTNODE &other);
-    /** Gives the identifier back and leaves the list. Children stay alive without a parent; the parent keeps its count
-     *  of children, with an empty (null) entry in this node's place. */
+    /** Gives the identifier back and leaves the list. Children stay alive without a parent; the parent keeps
+     * its count of children, with an empty (null) entry in this node's place. */
     virtual ~KTNODE();
-    /** Draws the node. `data` is the node's `KTELEMENT` of this frame. A plain node draws nothing and returns false. */
+    /** Draws the node. `data` is the node's `KTELEMENT` of this frame. A plain node draws nothing and returns
+     * false. */
     virtual bool render(void *data);
 
     /** Destroys every node; false when there is none. */
@@ -61,15 +62,16 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     KTNODE *getNextNode() const;
     KTNODE *getPreviousNode() const;
 
-    /** Appends this node to the children of `parent`. False, with nothing changed, when `parent` is null or this node,
-     *  or when this node already has a parent. Linking below one's own descendant is not detected. */
+    /** Appends this node to the children of `parent`. False, with nothing changed, when `parent` is null or
+     * this node, or when this node already has a parent. Linking below one's own descendant is not detected.
+     */
     bool link(KTNODE *parent);
-    /** Takes this node from its parent's children; false without a parent or when the parent does not list it. An only
-     *  child is taken without being compared. */
+    /** Takes this node from its parent's children; false without a parent or when the parent does not list
+     * it. An only child is taken without being compared. */
     bool unlink();
-    /** Hands the children to this node's parent, in order, behind its own, and unlinks this node. False without a
-     *  parent. The node is not destroyed. When memory runs out it returns false too; children that were on their way
-     *  may then be left without a parent. */
+    /** Hands the children to this node's parent, in order, behind its own, and unlinks this node. False
+     * without a parent. The node is not destroyed. When memory runs out it returns false too; children that
+     * were on their way may then be left without a parent. */
     bool remove();
     KTNODE *getParent() const { return parent; }
     bool isRoot() const { return parent == nullptr; }
@@ -77,7 +79,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     /** Child `index` in linking order; null when there is no such child or it was destroyed. */
     KTNODE *getChild(unsigned int index) const;
 
-    /** First node of that name in creation order (exact, case-sensitive); null when `name` is null or unknown. */
+    /** First node of that name in creation order (exact, case-sensitive); null when `name` is null or
+     * unknown. */
     static KTNODE *findByName(const char *name);
     static KTNODE *findById(unsigned int id);
     /** Searches this node and its subtree, depth first, a node before its children, children in order. */
@@ -99,8 +102,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     void setSharedStatus(bool status) { shared = status; }
     bool isShared() const { return shared; }
 
-    /** Setters of position, rotation (degrees), origin (added to the position), direction and target. The forms with
-     *  two arguments keep Z. */
+    /** Setters of position, rotation (degrees), origin (added to the position), direction and target. The
+     * forms with two arguments keep Z. */
     void setPosition(float x, float y);
     void setPosition(float x, float y, float z);
     void setPosition(R3XVECTOR3D value);
@@ -129,8 +132,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     void rotate(float x, float y);
     void rotate(float x, float y, float z);
     void rotate(R3XVECTOR3D step);
-    /** The node that a camera or a light aims at (itself: the fixed `target`); null for none. It is forgotten when that
-     *  node is destroyed. */
+    /** The node that a camera or a light aims at (itself: the fixed `target`); null for none. It is forgotten
+     * when that node is destroyed. */
     void setTargetNode(KTNODE *node);
     KTNODE *getTargetNode() const { return targetNode; }
     /** Stores the explicit matrix; it is used while `transformMode` is 1, which this call does not set. */
@@ -138,16 +141,18 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     R3XMATRIX getMatrix() const { return matrix; }
     /** The model-view matrix under which the node was passed last. */
     R3XMATRIX *getCachedMatrix() { return &cachedMatrix; }
-    /** World matrix of this node; with `stopName`, the matrix up to and including the nearest ancestor of that name.
-     *  Identity when there are 64 ancestors or more. The model-view stack must be selected; its top is kept. */
+    /** World matrix of this node; with `stopName`, the matrix up to and including the nearest ancestor of
+     * that name. Identity when there are 64 ancestors or more. The model-view stack must be selected; its top
+     * is kept. */
     R3XMATRIX getFinalMatrix(const char *stopName);
 
-    /** Stamps the node with the frame and queues it and its subtree for drawing (`KTELEMENT::pass`). Always true. */
+    /** Stamps the node with the frame and queues it and its subtree for drawing (`KTELEMENT::pass`). Always
+     * true. */
     bool pass(bool flag = false);
     /** Writes the subtree to the run log, one line a node, two more blanks a level. */
     static void displayTreeRecursive(KTNODE *node, int indent);
-    /** Reads the body of one plain node record at `buffer + *cursor` and advances the cursor. It trusts that a whole
-     *  record stands there; `KELTRA::load` checks files before it comes here. Null on bad data. */
+    /** Reads the body of one plain node record at `buffer + *cursor` and advances the cursor. It trusts that
+     * a whole record stands there; `KELTRA::load` checks files before it comes here. Null on bad data. */
     static KTNODE *load(const char *buffer, long *cursor);
 
     unsigned int id;
@@ -173,7 +178,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     KTNODE **children;
 
    protected:
-    /** For the constructors of node classes: sets the type and the default name, `pattern` formatted with the id. */
+    /** For the constructors of node classes: sets the type and the default name, `pattern` formatted with the
+     * id. */
     void setIdentity(unsigned int typeCode, const char *pattern);
 
    private:
@@ -196,8 +202,9 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     static KTNODE *ancestors[64];
     static KTNODE *firstBorrower;
 
-    // A borrower has pointers that `link` and `setTargetNode` did not give it: a copy, a node that was assigned to, a
-    // node on the stack that outlived `cleanUp`. Whatever is destroyed is looked for in all of them.
+    // A borrower has pointers that `link` and `setTargetNode` did not give it: a copy, a node that was
+    // assigned to, a node on the stack that outlived `cleanUp`. Whatever is destroyed is looked for in all of
+    // them.
     bool borrows;
     bool targeted;      // some other node may aim at this one
     unsigned int slot;  // index in the parent's children when it was linked; it can only have shrunk since

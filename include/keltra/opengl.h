@@ -1,8 +1,8 @@
 #ifndef KELTRA_OPENGL_H
 #define KELTRA_OPENGL_H
 
-// The engine's view of GL state: projection, background, the cached switches. Code that changes a cached switch goes
-// through these functions, so that GL is called only on a change. All members are static.
+// The engine's view of GL state: projection, background, the cached switches. Code that changes a cached
+// switch goes through these functions, so that GL is called only on a change. All members are static.
 
 #include <keltra/export.h>
 #include <keltra/vector.h>
@@ -16,13 +16,15 @@ class KT_API KTOPENGL {
    public:
     static const int fbos = 14;
 
-    /** Sets the viewport (y from the top edge of the window) and the projection of the 3D pass. Always true. */
+    /** Sets the viewport (y from the top edge of the window) and the projection of the 3D pass. Always true.
+     */
     static bool resize(int x, int y, int width, int height);
-    /** Multiplies the current matrix by a perspective frustum; `angle` is the vertical field of view in degrees. */
+    /** Multiplies the current matrix by a perspective frustum; `angle` is the vertical field of view in
+     * degrees. */
     static void setPerspective(float angle, float aspect, float nearDistance, float farDistance);
     /** Loads a frustum as projection and the identity as model-view; the bool is not used. True. */
-    static bool setFrustum(float left, float right, float bottom, float top, float nearDistance, float farDistance,
-                           bool = false);
+    static bool setFrustum(float left, float right, float bottom, float top, float nearDistance,
+                           float farDistance, bool = false);
     /** Clipping distances and field of view in degrees; they take effect at the next `resize`. */
     static void setNearPlane(float distance) { nearPlane = distance; }
     static float getNearPlane() { return nearPlane; }

@@ -9,12 +9,13 @@
 /**
  * Base of every class whose objects stand on a class-wide list (nodes, textures, materials, ...).
  *
- * An object that was constructed draws an identifier and joins the tail of its class's list; its destructor takes it
- * off again and gives the identifier back. A copy carries the original's visible id, name, links and pointers, but it
- * is on no list and owns none of them: destroying or assigning it never releases what the original owns.
+ * An object that was constructed draws an identifier and joins the tail of its class's list; its destructor
+ * takes it off again and gives the identifier back. A copy carries the original's visible id, name, links and
+ * pointers, but it is on no list and owns none of them: destroying or assigning it never releases what the
+ * original owns.
  *
- * The list owns the objects made with `new`: `cleanUp` and `KELTRA::free` delete them. Objects that live on the stack
- * or inside others are only taken off the list then, and may be destroyed later as usual.
+ * The list owns the objects made with `new`: `cleanUp` and `KELTRA::free` delete them. Objects that live on
+ * the stack or inside others are only taken off the list then, and may be destroyed later as usual.
  */
 template <class T>
 class KTREGISTERED {

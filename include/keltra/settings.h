@@ -1,9 +1,9 @@
 #ifndef KELTRA_SETTINGS_H
 #define KELTRA_SETTINGS_H
 
-// Everything the engine needs to know before it opens its window. An application fills a KTSETTINGS, by setters or from
-// a settings file, and hands it to `KELTRA::init`. The values of the running engine are the static members; those of
-// one settings object are in its `record`.
+// Everything the engine needs to know before it opens its window. An application fills a KTSETTINGS, by
+// setters or from a settings file, and hands it to `KELTRA::init`. The values of the running engine are the
+// static members; those of one settings object are in its `record`.
 
 #include <keltra/export.h>
 
@@ -40,10 +40,11 @@ class KT_API KTSETTINGS {
     KTSETTINGS();
     void constructor();
 
-    /** Reads the keys of a settings file over the present values. False for null and a file that cannot be opened; true
-     *  whether or not keys were found. */
+    /** Reads the keys of a settings file over the present values. False for null and a file that cannot be
+     * opened; true whether or not keys were found. */
     bool load(const char *path);
-    /** True when SDL offers a video mode of this window size and colour depth. False while SDL's video subsystem is off. */
+    /** True when SDL offers a video mode of this window size and colour depth. False while SDL's video
+     * subsystem is off. */
     bool isOk();
 
     /** Text longer than 255 characters is cut; null stores the empty string. */
@@ -100,15 +101,16 @@ class KT_API KTSETTINGS {
     void setFontPath(const char *path);
     const char *getFontPath() const { return record.fontPath; }
 
-    /** Opens the window and the GL context; called by `KELTRA::init`. A failure releases what it had created. */
+    /** Opens the window and the GL context; called by `KELTRA::init`. A failure releases what it had created.
+     */
     static bool init(KTSETTINGS *settings);
     /** Closes the GL context; false when not active. Called by `KELTRA::free`, which then shuts SDL down. */
     static bool free();
     /** Takes a new window size and sets viewport and projection for it (`KTOPENGL::resize`). */
     static bool resize(int x, int y, int width, int height);
 
-    /** The values of the running engine. Depths are those that GL reports. Values that start-up does not take over
-     *  stay 0, whatever the settings object held. */
+    /** The values of the running engine. Depths are those that GL reports. Values that start-up does not take
+     * over stay 0, whatever the settings object held. */
     static bool isActive() { return active; }
     static const char *getSDLTitle() { return title; }
     static int getSDLWindowX() { return windowX; }

@@ -1,8 +1,8 @@
 #ifndef KELTRA_SHADER_H
 #define KELTRA_SHADER_H
 
-// Shaders on a fixed-function GL: the whole interface stands and nothing is ever compiled or bound, so that scene code written
-// for shaders runs unchanged. Shader objects are named and listed; the list owns them.
+// Shaders on a fixed-function GL: the whole interface stands and nothing is ever compiled or bound, so that
+// scene code written for shaders runs unchanged. Shader objects are named and listed; the list owns them.
 
 #include <keltra/registered.h>
 
@@ -31,7 +31,8 @@ class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
     static bool bindNearAndFarPlane(float nearPlane, float farPlane);
     static bool bindFocusAndRange(float focus, float range);
     static bool bindLuminanceAndExposure(float luminance, float exposure);
-    static bool bindBones(unsigned int count, float *quaternions, float *translations, unsigned int first, unsigned int last);
+    static bool bindBones(unsigned int count, float *quaternions, float *translations, unsigned int first,
+                          unsigned int last);
     static bool unbindBones();
 
     /** Sets the switch that `disable` clears; true. */
@@ -91,8 +92,8 @@ class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
     static bool skinningFlag, pplFlag, bloomFlag, shadowsFlag, passthroughFlag;
     static bool emitterFlag, dofFlag, skydomeFlag, waterFlag, terrainFlag;
 
-    /** The engine's own shader objects, made at start-up; null before and after. In the names of the lighting shaders
-     *  T is a textured material, A a skinned one, S a spot light with a shadow map. */
+    /** The engine's own shader objects, made at start-up; null before and after. In the names of the lighting
+     * shaders T is a textured material, A a skinned one, S a spot light with a shadow map. */
     static KTSHADER *pplDirect, *pplOmni, *pplSpot, *pplDirectA, *pplOmniA, *pplSpotA;
     static KTSHADER *pplDirectT, *pplOmniT, *pplSpotT, *pplDirectTA, *pplOmniTA, *pplSpotTA;
     static KTSHADER *pplSpotS, *pplSpotSA, *pplSpotTS, *pplSpotTSA;

@@ -1,10 +1,10 @@
 #ifndef KELTRA_TEXTURE_H
 #define KELTRA_TEXTURE_H
 
-// Textures: an RGB or RGBA bitmap from a Targa file, or a dynamic one made by the application. A texture is read from
-// disk by `load`, uploaded to GL when first rendered, and evicted when the video memory budget runs short. All textures
-// are on one list, which owns them. A use is counted by whoever keeps a pointer (`incReferences`); textures that nobody
-// uses are destroyed by garbage collection.
+// Textures: an RGB or RGBA bitmap from a Targa file, or a dynamic one made by the application. A texture is
+// read from disk by `load`, uploaded to GL when first rendered, and evicted when the video memory budget runs
+// short. All textures are on one list, which owns them. A use is counted by whoever keeps a pointer
+// (`incReferences`); textures that nobody uses are destroyed by garbage collection.
 
 #include <cstdint>
 
@@ -26,36 +26,38 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     KTTEXTURE &operator=(const KTTEXTURE &other);
     ~KTTEXTURE();
 
-    /** Reads the Targa file texture path + `filename` into the bitmap; nothing is uploaded. "[dynamic]" is true and does
-     *  nothing. False for null, an unreadable or truncated file, a depth other than 24 or 32, a size of 0 or above 512;
-     *  the texture then keeps what it had. A file of another Targa kind gives true and a texture without pixels. */
+    /** Reads the Targa file texture path + `filename` into the bitmap; nothing is uploaded. "[dynamic]" is
+     * true and does nothing. False for null, an unreadable or truncated file, a depth other than 24 or 32, a
+     * size of 0 or above 512; the texture then keeps what it had. A file of another Targa kind gives true and
+     * a texture without pixels. */
     bool load(const char *filename);
-    /** Makes a dynamic texture of at most 512 x 512 pixels and uploads it; `bpp` 3 (RGB), 4 (RGBA), 5, 6 (no pixels).
-     *  The contents are black. False for other sizes and formats. */
+    /** Makes a dynamic texture of at most 512 x 512 pixels and uploads it; `bpp` 3 (RGB), 4 (RGBA), 5, 6 (no
+     * pixels). The contents are black. False for other sizes and formats. */
     bool create(unsigned int sizeX, unsigned int sizeY, unsigned int bpp);
-    /** Replaces the uploaded image by `sizeX * sizeY * bpp` bytes, bottom row first; mipmaps stay as they were. With
-     *  `keepCopy` the bitmap is replaced too; when there was none it is only made, and the call returns false. False for
-     *  null. Nothing is uploaded while GL holds no image of this size and format. */
+    /** Replaces the uploaded image by `sizeX * sizeY * bpp` bytes, bottom row first; mipmaps stay as they
+     * were. With `keepCopy` the bitmap is replaced too; when there was none it is only made, and the call
+     * returns false. False for null. Nothing is uploaded while GL holds no image of this size and format. */
     bool modify(const char *pixels, bool keepCopy);
-    /** Makes the GL texture anew from the bitmap; false when there is none, and without a GL context. With mipmaps the
-     *  bitmap is used as working space and no longer holds the full image afterwards. */
+    /** Makes the GL texture anew from the bitmap; false when there is none, and without a GL context. With
+     * mipmaps the bitmap is used as working space and no longer holds the full image afterwards. */
     bool update();
     /** Deletes the GL texture, and the bitmap when asked. */
     bool unload(bool freeBitmap);
     /** Makes an unloaded texture resident again; false when it is resident. */
     bool reload();
-    /** Sets filtering, always true; a resident texture is uploaded anew at once. At first: nearest, mipmapped, repeating. */
+    /** Sets filtering, always true; a resident texture is uploaded anew at once. At first: nearest,
+     * mipmapped, repeating. */
     bool setFilter(bool trilinear, bool mipmapped, bool clamped);
-    /** Binds the texture, loading and uploading it when needed. `data` points to an unsigned 32-bit channel number, or
-     *  is null for channel 0. False for a channel of 16 or more. A texture whose file cannot be read is bound as name 0
-     *  and tried again each time. */
+    /** Binds the texture, loading and uploading it when needed. `data` points to an unsigned 32-bit channel
+     * number, or is null for channel 0. False for a channel of 16 or more. A texture whose file cannot be
+     * read is bound as name 0 and tried again each time. */
     bool render(void *data);
 
     /** Switch texturing of one channel; 16 or more stands for all channels. */
     static bool texturingOn(unsigned int channel);
     static bool texturingOff(unsigned int channel);
-    /** Evicts textures, the most recently rendered first, until less than `limit` bytes of video memory are in use, and
-     *  destroys every texture that nobody uses. False when there are no textures. */
+    /** Evicts textures, the most recently rendered first, until less than `limit` bytes of video memory are
+     * in use, and destroys every texture that nobody uses. False when there are no textures. */
     static bool garbageCollect(unsigned long limit);
     /** Destroys every texture; false when there is none. */
     static bool cleanUp();
@@ -63,14 +65,15 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     static KTTEXTURE *findById(unsigned int id);
     static unsigned int getNumberOfTextures();
     static KTTEXTURE *getFirst() { return firstTexture; }
-    /** Bytes charged for bitmaps loaded from files: four a pixel when loaded. Uploads with mipmaps double the charge that is
-     *  taken off later, so the sum may wrap around. */
+    /** Bytes charged for bitmaps loaded from files: four a pixel when loaded. Uploads with mipmaps double the
+     * charge that is taken off later, so the sum may wrap around. */
     static unsigned long getUsedMemory() { return usedMemory; }
     /** Prefix of file names, up to 255 characters; null empties it. */
     static void setPath(const char *path);
     static char *getPath() { return texturePath; }
 
-    /** `sizeX * sizeY * bpp` bytes, bottom row first, R, G, B(, A); null when not loaded. Owned by the texture. */
+    /** `sizeX * sizeY * bpp` bytes, bottom row first, R, G, B(, A); null when not loaded. Owned by the
+     * texture. */
     unsigned char *getBitmap() const { return bitmap; }
     unsigned int getSizeX() const { return sizeX; }
     unsigned int getSizeY() const { return sizeY; }
@@ -131,7 +134,7 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
 
     bool ownsBitmap;  // this object set it: its bytes are charged when the object has them charged
     bool ownsGLTexture;
-    unsigned int deletionsSeen;                       // a copy's GL texture is trusted until any is deleted
+    unsigned int deletionsSeen;                      // a copy's GL texture is trusted until any is deleted
     unsigned int uploadedX, uploadedY, uploadedBpp;  // level 0 in GL; 0 for none
     static unsigned int deletions;
     static KTTEXTURE *updating;  // kept by the garbage collection that its own upload causes

@@ -12,8 +12,8 @@ using keltra::samples::KteVersion;
 using keltra::test::Image;
 using keltra::test::matchesGolden;
 
-// The software driver gives the same pixels everywhere but for the last bit of an interpolated colour, which is 8 steps in a
-// channel of five bits.
+// The software driver gives the same pixels everywhere but for the last bit of an interpolated colour, which
+// is 8 steps in a channel of five bits.
 const keltra::test::Tolerance kTolerance = {8, 0.05};
 
 class Golden : public keltra::test::EngineTest {
@@ -24,7 +24,8 @@ class Golden : public keltra::test::EngineTest {
     }
 
     KTNODE *loadSampleScene() {
-        for (const keltra::samples::SampleFile &file : keltra::samples::makeSampleFiles()) folder.write(file.name, file.bytes);
+        for (const keltra::samples::SampleFile &file : keltra::samples::makeSampleFiles())
+            folder.write(file.name, file.bytes);
         camera.setPosition(-8.0f, 5.8f, 19.4f);
         camera.setTargetNode(&camera);
         camera.setTarget(0.0f, 5.4f, 0.0f);
@@ -69,20 +70,23 @@ keltra::samples::Node boxMesh(const char *name, const char *materialName, keltra
     return node;
 }
 
-// Three boxes one behind the other, the first two transparent and written in front-to-back order, under six lights.
+// Three boxes one behind the other, the first two transparent and written in front-to-back order, under six
+// lights.
 keltra::samples::Scene boxes() {
     keltra::samples::Scene scene;
-    scene.materials = {material("red", {0.9f, 0.2f, 0.1f, 1.0f}, 0.5f), material("green", {0.1f, 0.8f, 0.2f, 1.0f}, 0.6f),
+    scene.materials = {material("red", {0.9f, 0.2f, 0.1f, 1.0f}, 0.5f),
+                       material("green", {0.1f, 0.8f, 0.2f, 1.0f}, 0.6f),
                        material("stone", {0.7f, 0.7f, 0.8f, 1.0f}, 1.0f)};
     scene.materials[2].texture = "checker.tga";
     scene.root = keltra::samples::plainNode("root");
-    scene.root.children = {boxMesh("near", "red", {-0.6f, 0.0f, -7.0f}), boxMesh("middle", "green", {0.6f, 0.6f, -10.0f}),
+    scene.root.children = {boxMesh("near", "red", {-0.6f, 0.0f, -7.0f}),
+                           boxMesh("middle", "green", {0.6f, 0.6f, -10.0f}),
                            boxMesh("far", "stone", {0.0f, -0.8f, -14.0f})};
     for (int i = 0; i < 6; ++i) {
         float x = static_cast<float>(i * 4 - 10);
-        scene.root.children.push_back(keltra::samples::pointLight(
-            "light" + std::to_string(i), {x, 4.0f - x * 0.5f, -4.0f},
-            {i % 2 ? 0.5f : 0.2f, 0.3f, i % 2 ? 0.1f : 0.5f}));
+        scene.root.children.push_back(
+            keltra::samples::pointLight("light" + std::to_string(i), {x, 4.0f - x * 0.5f, -4.0f},
+                                        {i % 2 ? 0.5f : 0.2f, 0.3f, i % 2 ? 0.1f : 0.5f}));
     }
     return scene;
 }

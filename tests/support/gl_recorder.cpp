@@ -64,11 +64,13 @@ std::vector<std::int64_t> copyValues(const T *values, GLsizei count) {
     return {values, values + count};
 }
 
-// The fixed-point values of the array given last by `pointer`: `count` vertices of `size` numbers each. False for an array of
-// another layout.
+// The fixed-point values of the array given last by `pointer`: `count` vertices of `size` numbers each. False
+// for an array of another layout.
 bool appendArray(std::vector<std::int64_t> &values, std::string_view pointer, GLint size, GLsizei count) {
     const Call &call = state().log.last(pointer);
-    if (call.name.empty() || call.arguments[0] != size || call.arguments[1] != GL_FIXED || call.arguments[2] != 0) return false;
+    if (call.name.empty() || call.arguments[0] != size || call.arguments[1] != GL_FIXED ||
+        call.arguments[2] != 0)
+        return false;
     const auto *array = reinterpret_cast<const GLfixed *>(static_cast<std::intptr_t>(call.arguments[3]));
     values.insert(values.end(), array, array + size * count);
     return true;
@@ -78,8 +80,8 @@ bool appendArray(std::vector<std::int64_t> &values, std::string_view pointer, GL
 std::vector<std::int64_t> copyQuad(GLenum mode, GLint first, GLsizei count) {
     std::vector<std::int64_t> values;
     const bool isQuad = mode == GL_TRIANGLE_STRIP && first == 0 && count == 4;
-    if (isQuad && appendArray(values, "glVertexPointer", 2, 4) && appendArray(values, "glColorPointer", 4, 4) &&
-        appendArray(values, "glTexCoordPointer", 2, 4))
+    if (isQuad && appendArray(values, "glVertexPointer", 2, 4) &&
+        appendArray(values, "glColorPointer", 4, 4) && appendArray(values, "glTexCoordPointer", 2, 4))
         return values;
     return {};
 }

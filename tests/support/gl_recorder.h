@@ -30,8 +30,9 @@ class GlRecorder {
     static std::vector<Call> all(std::string_view name);
     /// The newest call of `name`; one without a name when there was none. `contents` holds the 16 values of
     /// glLoadMatrixx and glMultMatrixx, the 4 of glLightxv, glMaterialxv and glLightModelxv, the names given
-    /// to glDelete... and made by glGen..., and for glDrawArrays of a strip of four the 8 positions, 16 colours and 8 texture
-    /// coordinates, when their arrays are packed and fixed-point; `bytes` the texels of glTexImage2D and glTexSubImage2D.
+    /// to glDelete... and made by glGen..., and for glDrawArrays of a strip of four the 8 positions, 16
+    /// colours and 8 texture coordinates, when their arrays are packed and fixed-point; `bytes` the texels of
+    /// glTexImage2D and glTexSubImage2D.
     static const Call &last(std::string_view name);
     /// How many of the calls went to entry points that take or return floats: none may.
     static int countFloat();
