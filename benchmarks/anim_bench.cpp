@@ -11,7 +11,7 @@
 
 #include "tests/support/gl_recorder.h"
 #include "tests/support/temp_file.h"
-#include "tools/samples/kta_writer.h"
+#include "tools/formats/kta_writer.h"
 
 namespace {
 
@@ -76,16 +76,16 @@ void plainCopyOfAPose(benchmark::State &state) {
 
 void loadKta(benchmark::State &state) {
     const keltra::test::TempFolder folder;
-    keltra::samples::Animation written;
+    keltra::formats::Animation written;
     for (unsigned bone = 0; bone < 100; ++bone) written.bones.push_back(boneName(bone));
     std::mt19937 random(5);
     const auto any = [&random] { return static_cast<float>(random() % 3600) * 0.1f; };
     for (std::int64_t frame = 0; frame < state.range(0); ++frame) {
         written.frames.emplace_back(100);
-        for (keltra::samples::Keyframe &keyframe : written.frames.back())
+        for (keltra::formats::Keyframe &keyframe : written.frames.back())
             keyframe.rotation = {any(), any(), any()};
     }
-    const std::vector<std::uint8_t> bytes = keltra::samples::writeKta(written);
+    const std::vector<std::uint8_t> bytes = keltra::formats::writeKta(written);
     folder.write("bench.kta", bytes);
     KTANIM::setKTAPath(folder.prefix().c_str());
     KTANIM *animation = new KTANIM;

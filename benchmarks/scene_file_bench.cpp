@@ -10,15 +10,15 @@
 #include "scene/scene_record.h"
 #include "tests/support/gl_recorder.h"
 #include "tests/support/temp_file.h"
-#include "tools/samples/kte_writer.h"
+#include "tools/formats/kte_writer.h"
 
 namespace {
 
 constexpr unsigned kMeshes = 1000, kVertices = 300, kFaces = 500;
 
-keltra::samples::Node gridMesh(unsigned number) {
-    keltra::samples::Node node;
-    node.kind = keltra::samples::NodeKind::kMesh;
+keltra::formats::Node gridMesh(unsigned number) {
+    keltra::formats::Node node;
+    node.kind = keltra::formats::NodeKind::kMesh;
     node.name = "mesh" + std::to_string(number);
     node.mesh.material = "stone";
     for (unsigned v = 0; v < kVertices; ++v) {
@@ -40,11 +40,11 @@ keltra::samples::Node gridMesh(unsigned number) {
 class SceneOnDisk {
    public:
     SceneOnDisk() {
-        keltra::samples::Scene scene;
+        keltra::formats::Scene scene;
         scene.materials.push_back({"stone"});
         scene.root.name = "root";
         for (unsigned i = 0; i < kMeshes; ++i) scene.root.children.push_back(gridMesh(i));
-        bytes = keltra::samples::writeKte(scene, keltra::samples::KteVersion::k16a);
+        bytes = keltra::formats::writeKte(scene, keltra::formats::KteVersion::k16a);
         path = folder.write("scene.kte", bytes);
         KELTRA::setKTEPath(folder.prefix().c_str());
     }

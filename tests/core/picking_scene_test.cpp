@@ -32,11 +32,11 @@ class PickingSceneTest : public EngineTest {
 
     /// Spikes of all sizes and directions, each of a material that shines in a colour of its own, 5-6-5 bits
     /// that say its number. A black light switches lighting on, without which materials have no colour.
-    samples::Scene makeSpikes() {
-        samples::Scene scene = sceneOf(plainNode("root", {lightNode("light")}));
+    formats::Scene makeSpikes() {
+        formats::Scene scene = sceneOf(plainNode("root", {lightNode("light")}));
         scene.root.children[0].light.color = {0.0f, 0.0f, 0.0f};
         for (unsigned number = 1; number <= kMeshes; ++number) {
-            samples::Material material;
+            formats::Material material;
             material.name = "shine" + std::to_string(number);
             material.ambient = material.diffuse = material.specular = {0.0f, 0.0f, 0.0f, 1.0f};
             const unsigned code = colorOf(number);
@@ -44,9 +44,9 @@ class PickingSceneTest : public EngineTest {
                                  float(code & 31) / 31.0f, 1.0f};
             scene.materials.push_back(material);
             samples::MeshBuilder mesh;
-            const samples::Vec3 tip = {uniform(-3, 3), uniform(-3, 3), uniform(-3, 3)};
+            const formats::Vec3 tip = {uniform(-3, 3), uniform(-3, 3), uniform(-3, 3)};
             mesh.spike({0.0f, 0.0f, 0.0f}, tip, uniform(0.3f, 1.5f), 5);
-            samples::Node node = mesh.finish("spike" + std::to_string(number), material.name);
+            formats::Node node = mesh.finish("spike" + std::to_string(number), material.name);
             node.position = {uniform(-9, 9), uniform(-12, 12), uniform(-40, -20)};
             scene.root.children.push_back(node);
         }

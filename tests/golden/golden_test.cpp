@@ -4,11 +4,11 @@
 #include "tests/support/temp_file.h"
 #include "tools/samples/scene.h"
 #include "tools/samples/shapes.h"
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/tga_writer.h"
 
 namespace {
 
-using keltra::samples::KteVersion;
+using keltra::formats::KteVersion;
 using keltra::test::Image;
 using keltra::test::matchesGolden;
 
@@ -32,8 +32,8 @@ class Golden : public keltra::test::EngineTest {
         return KELTRA::load("scene.kte");
     }
 
-    KTNODE *load(const keltra::samples::Scene &scene, KteVersion version) {
-        folder.write("test.kte", keltra::samples::writeKte(scene, version));
+    KTNODE *load(const keltra::formats::Scene &scene, KteVersion version) {
+        folder.write("test.kte", keltra::formats::writeKte(scene, version));
         return KELTRA::load("test.kte");
     }
 
@@ -52,8 +52,8 @@ class GoldenLandscape : public Golden {
     }
 };
 
-keltra::samples::Material material(const char *name, keltra::samples::Color diffuse, float transparency) {
-    keltra::samples::Material result;
+keltra::formats::Material material(const char *name, keltra::formats::Color diffuse, float transparency) {
+    keltra::formats::Material result;
     result.name = name;
     result.ambient = diffuse;
     result.diffuse = diffuse;
@@ -61,10 +61,10 @@ keltra::samples::Material material(const char *name, keltra::samples::Color diff
     return result;
 }
 
-keltra::samples::Node boxMesh(const char *name, const char *materialName, keltra::samples::Vec3 center) {
+keltra::formats::Node boxMesh(const char *name, const char *materialName, keltra::formats::Vec3 center) {
     keltra::samples::MeshBuilder builder;
     builder.box({-1.0f, -1.0f, -1.0f}, {1.0f, 1.0f, 1.0f}, 2.0f);
-    keltra::samples::Node node = builder.finish(name, materialName);
+    keltra::formats::Node node = builder.finish(name, materialName);
     node.position = center;
     node.mesh.rotation = {25.0f, 35.0f, 10.0f};
     return node;
@@ -72,8 +72,8 @@ keltra::samples::Node boxMesh(const char *name, const char *materialName, keltra
 
 // Three boxes one behind the other, the first two transparent and written in front-to-back order, under six
 // lights.
-keltra::samples::Scene boxes() {
-    keltra::samples::Scene scene;
+keltra::formats::Scene boxes() {
+    keltra::formats::Scene scene;
     scene.materials = {material("red", {0.9f, 0.2f, 0.1f, 1.0f}, 0.5f),
                        material("green", {0.1f, 0.8f, 0.2f, 1.0f}, 0.6f),
                        material("stone", {0.7f, 0.7f, 0.8f, 1.0f}, 1.0f)};
@@ -91,8 +91,8 @@ keltra::samples::Scene boxes() {
     return scene;
 }
 
-keltra::samples::Image checker() {
-    keltra::samples::Image image(16, 16);
+keltra::formats::Image checker() {
+    keltra::formats::Image image(16, 16);
     for (unsigned y = 0; y < 16; ++y) {
         for (unsigned x = 0; x < 16; ++x) {
             std::uint8_t shade = (x / 4 + y / 4) % 2 ? 255 : 90;
@@ -137,7 +137,7 @@ TEST_F(GoldenLandscape, SampleSceneIsTurned) {
 }
 
 TEST_F(Golden, BothFileVersionsShowTheSameBoxesUnderSixLights) {
-    folder.write("checker.tga", keltra::samples::writeTga(checker(), {}));
+    folder.write("checker.tga", keltra::formats::writeTga(checker(), {}));
     for (KteVersion version : {KteVersion::k15a, KteVersion::k16a}) {
         KTNODE *scene = load(boxes(), version);
         ASSERT_NE(scene, nullptr);
@@ -146,7 +146,7 @@ TEST_F(Golden, BothFileVersionsShowTheSameBoxesUnderSixLights) {
 }
 
 TEST_F(Golden, NormalsStandOnTheVertices) {
-    folder.write("checker.tga", keltra::samples::writeTga(checker(), {}));
+    folder.write("checker.tga", keltra::formats::writeTga(checker(), {}));
     KTNODE *scene = load(boxes(), KteVersion::k16a);
     ASSERT_NE(scene, nullptr);
     KTMESH::showNormals();

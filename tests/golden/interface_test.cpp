@@ -2,7 +2,7 @@
 
 #include "tests/support/engine_fixture.h"
 #include "tests/support/temp_file.h"
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/tga_writer.h"
 
 namespace {
 
@@ -12,8 +12,8 @@ using keltra::test::matchesGolden;
 const keltra::test::Tolerance kTolerance = {8, 0.05};
 
 // A glyph of each character that can be told from the others: its code in the dots of a cell.
-keltra::samples::Image glyphs() {
-    keltra::samples::Image image(256, 256);
+keltra::formats::Image glyphs() {
+    keltra::formats::Image image(256, 256);
     for (unsigned y = 0; y < 256; ++y) {
         for (unsigned x = 0; x < 256; ++x) {
             const unsigned code = 32 + y / 16 * 16 + x / 16, column = x % 16, row = y % 16;
@@ -26,8 +26,8 @@ keltra::samples::Image glyphs() {
     return image;
 }
 
-keltra::samples::Image stripes() {
-    keltra::samples::Image image(32, 32);
+keltra::formats::Image stripes() {
+    keltra::formats::Image image(32, 32);
     for (unsigned y = 0; y < 32; ++y) {
         for (unsigned x = 0; x < 32; ++x) {
             const auto shade = static_cast<std::uint8_t>(8 * y);
@@ -45,8 +45,8 @@ class Interface : public keltra::test::EngineTest {
     void prepare(KTSETTINGS &values) override {
         values.setKTEPath(folder.prefix().c_str());
         values.setTexturePath(folder.prefix().c_str());
-        folder.write("glyphs.tga", keltra::samples::writeTga(glyphs(), {true, 32, false}));
-        folder.write("stripes.tga", keltra::samples::writeTga(stripes(), {true, 24, false}));
+        folder.write("glyphs.tga", keltra::formats::writeTga(glyphs(), {true, 32, false}));
+        folder.write("stripes.tga", keltra::formats::writeTga(stripes(), {true, 24, false}));
     }
     void load(const std::string &elements) {
         folder.write("gui.xml", kStart + elements + "</root>");

@@ -5,7 +5,7 @@
 
 #include "tests/support/engine_fixture.h"
 #include "tests/support/temp_file.h"
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra::test {
 
@@ -16,7 +16,7 @@ class GuiFileTest : public EngineTest {
         values.setKTEPath(folder.prefix().c_str());
         values.setTexturePath(folder.prefix().c_str());
         values.setFontPath(folder.prefix().c_str());
-        folder.write("glyphs.tga", samples::writeTga(samples::Image(16, 16), {true, 32, false}));
+        folder.write("glyphs.tga", formats::writeTga(formats::Image(16, 16), {true, 32, false}));
         folder.write("kerning.txt", "KELTRA_kerning_A = 5\nKELTRA_kerning_SPACE = 9\n");
     }
 

@@ -12,7 +12,7 @@
 #include "tests/support/allocations.h"
 #include "tests/support/small_stack.h"
 #include "tools/samples/figure.h"
-#include "tools/samples/kta_writer.h"
+#include "tools/formats/kta_writer.h"
 
 namespace keltra::test {
 namespace {
@@ -29,8 +29,8 @@ class AnimFileTest : public AnimTest {
     void SetUp() override { KTANIM::setKTAPath(folder.prefix().c_str()); }
 
     /// Bones "a", "bb", "ccc", ...; every value of every keyframe is another one, every third is set.
-    static samples::Animation numbered(unsigned bones, unsigned frames) {
-        samples::Animation animation;
+    static formats::Animation numbered(unsigned bones, unsigned frames) {
+        formats::Animation animation;
         for (unsigned bone = 0; bone < bones; ++bone)
             animation.bones.push_back(std::string(bone % 20 + 1, static_cast<char>('a' + bone % 26)));
         float value = 0.0f;
@@ -38,7 +38,7 @@ class AnimFileTest : public AnimTest {
         for (unsigned frame = 0; frame < frames; ++frame) {
             animation.frames.emplace_back();
             for (unsigned bone = 0; bone < bones; ++bone) {
-                samples::Keyframe keyframe;
+                formats::Keyframe keyframe;
                 keyframe.rotation = {next(), next(), next()};
                 keyframe.position = {-next(), -next(), -next()};
                 keyframe.set = (frame + bone) % 3 == 0;
@@ -60,16 +60,16 @@ class AnimFileTest : public AnimTest {
         return readFile(folder.path("saved.kta"));
     }
 
-    static R3XVECTOR3D vector(samples::Vec3 v) { return R3XVECTOR3D(v.x, v.y, v.z); }
+    static R3XVECTOR3D vector(formats::Vec3 v) { return R3XVECTOR3D(v.x, v.y, v.z); }
 
-    static void expectHolds(KTANIM *anim, const samples::Animation &animation) {
+    static void expectHolds(KTANIM *anim, const formats::Animation &animation) {
         ASSERT_EQ(anim->getNumberOfBones(), animation.bones.size());
         ASSERT_EQ(anim->getNumberOfFrames(), animation.frames.size());
         for (unsigned bone = 0; bone < animation.bones.size(); ++bone)
             ASSERT_EQ(anim->getBoneName(bone), animation.bones[bone]);
         for (unsigned frame = 0; frame < animation.frames.size(); ++frame) {
             for (unsigned bone = 0; bone < animation.bones.size(); ++bone) {
-                const samples::Keyframe &expected = animation.frames[frame][bone];
+                const formats::Keyframe &expected = animation.frames[frame][bone];
                 const KTBONEFRAME &keyframe = *anim->getKeyframe(frame, bone);
                 ASSERT_EQ(keyframe.rotation, vector(expected.rotation)) << frame << ' ' << bone;
                 ASSERT_EQ(keyframe.position, vector(expected.position)) << frame << ' ' << bone;
@@ -102,18 +102,18 @@ TEST_F(AnimFileTest, ReadsTheFormatByteForByte) {
 }
 
 TEST_F(AnimFileTest, LoadsWhatTheSampleWriterWrites) {
-    const samples::Animation animation = numbered(5, 7);
+    const formats::Animation animation = numbered(5, 7);
     KTANIM *anim = new KTANIM;
     anim->setTranslating(true);
-    ASSERT_TRUE(loadBytes(anim, samples::writeKta(animation)));
+    ASSERT_TRUE(loadBytes(anim, formats::writeKta(animation)));
     expectHolds(anim, animation);
     EXPECT_TRUE(anim->getTranslating()) << "no part of the file";
 }
 
 TEST_F(AnimFileTest, SavesWhatTheSampleWriterWrites) {
-    for (const samples::Animation &animation : {samples::makeWalk(), samples::makeWave(), numbered(5, 7)}) {
+    for (const formats::Animation &animation : {samples::makeWalk(), samples::makeWave(), numbered(5, 7)}) {
         KTANIM *anim = new KTANIM;
-        const Bytes bytes = samples::writeKta(animation);
+        const Bytes bytes = formats::writeKta(animation);
         ASSERT_TRUE(loadBytes(anim, bytes));
         EXPECT_EQ(saved(anim), bytes);
     }
@@ -150,7 +150,7 @@ TEST_F(AnimFileTest, ASavedAnimationLoadsBackIdentical) {
 
 TEST_F(AnimFileTest, ByteFourteenIsWrittenAndNotChecked) {
     KTANIM *anim = new KTANIM;
-    Bytes bytes = samples::writeKta(numbered(1, 1));
+    Bytes bytes = formats::writeKta(numbered(1, 1));
     EXPECT_EQ(bytes[14], 26);
     bytes[14] = 'x';
     ASSERT_TRUE(loadBytes(anim, bytes));
@@ -159,7 +159,7 @@ TEST_F(AnimFileTest, ByteFourteenIsWrittenAndNotChecked) {
 
 TEST_F(AnimFileTest, AnySetByteButZeroIsTrue) {
     KTANIM *anim = new KTANIM;
-    Bytes bytes = samples::writeKta(numbered(1, 1));
+    Bytes bytes = formats::writeKta(numbered(1, 1));
     bytes.back() = 0xfe;
     ASSERT_TRUE(loadBytes(anim, bytes));
     EXPECT_TRUE(anim->getKeyframe(0, 0)->set);
@@ -184,29 +184,29 @@ TEST_F(AnimFileTest, ThePathStandsBeforeLoadedNamesOnly) {
 TEST_F(AnimFileTest, AFileWithoutFramesLoadsTheNames) {
     KTANIM *anim = newAnim(1, 1);
     anim->setFrame(0, 0, 1.0f, 2.0f, 3.0f);
-    ASSERT_TRUE(loadBytes(anim, samples::writeKta(numbered(3, 0))));
+    ASSERT_TRUE(loadBytes(anim, formats::writeKta(numbered(3, 0))));
     EXPECT_EQ(anim->getNumberOfBones(), 3u);
     EXPECT_EQ(anim->getNumberOfFrames(), 0u);
     EXPECT_STREQ(anim->getBoneName(2), "ccc");
     EXPECT_EQ(anim->getFrameRotation(0, 0), R3XVECTOR3D(1.0f, 2.0f, 3.0f))
         << "keyframes are left as they were";
-    EXPECT_EQ(saved(anim), samples::writeKta(numbered(3, 0)));
+    EXPECT_EQ(saved(anim), formats::writeKta(numbered(3, 0)));
 }
 
 TEST_F(AnimFileTest, AFileWithoutAnythingLoads) {
     KTANIM *anim = newAnim(1, 1);
-    ASSERT_TRUE(loadBytes(anim, samples::writeKta({})));
+    ASSERT_TRUE(loadBytes(anim, formats::writeKta({})));
     EXPECT_EQ(anim->getNumberOfBones(), 0u);
     // Frames without bones take no bytes.
-    Bytes bytes = samples::writeKta({});
-    putU16(&bytes, samples::kKtaFrameCountOffset, 1024);
+    Bytes bytes = formats::writeKta({});
+    putU16(&bytes, formats::kKtaFrameCountOffset, 1024);
     ASSERT_TRUE(loadBytes(anim, bytes));
     EXPECT_EQ(anim->getNumberOfFrames(), 1024u);
 }
 
 TEST_F(AnimFileTest, TheLargestAnimationGoesInAndOut) {
-    const samples::Animation animation = numbered(128, 1024);
-    const Bytes bytes = samples::writeKta(animation);
+    const formats::Animation animation = numbered(128, 1024);
+    const Bytes bytes = formats::writeKta(animation);
     KTANIM *anim = new KTANIM;
     ASSERT_TRUE(loadBytes(anim, bytes));
     expectHolds(anim, animation);
@@ -215,7 +215,7 @@ TEST_F(AnimFileTest, TheLargestAnimationGoesInAndOut) {
 
 TEST_F(AnimFileTest, BytesBehindTheLastKeyframeAreIgnored) {
     KTANIM *anim = new KTANIM;
-    Bytes bytes = samples::writeKta(numbered(2, 2));
+    Bytes bytes = formats::writeKta(numbered(2, 2));
     bytes.insert(bytes.end(), 1000, 0xff);
     EXPECT_TRUE(loadBytes(anim, bytes));
     expectHolds(anim, numbered(2, 2));
@@ -243,8 +243,8 @@ TEST_F(AnimFileTest, SaveOfDamagedCountsAndNamesStaysInTheGrid) {
 }
 
 TEST_F(AnimFileTest, LoadingNeedsLittleStack) {
-    const samples::Animation animation = numbered(128, 40);
-    folder.write("test.kta", samples::writeKta(animation));
+    const formats::Animation animation = numbered(128, 40);
+    folder.write("test.kta", formats::writeKta(animation));
     KTANIM *anim = new KTANIM;
     bool loaded = false, written = false;
     const std::string path = folder.path("saved.kta");
@@ -262,7 +262,7 @@ class AnimDamageTest : public AnimFileTest {
     void SetUp() override {
         AnimFileTest::SetUp();
         anim = new KTANIM;
-        ASSERT_TRUE(loadBytes(anim, samples::writeKta(numbered(4, 3)), "earlier.kta"));
+        ASSERT_TRUE(loadBytes(anim, formats::writeKta(numbered(4, 3)), "earlier.kta"));
         anim->setTranslating(true);
         before.reset(new KTANIM(*anim));
         live = memoryCounters().live;
@@ -306,7 +306,7 @@ TEST_F(AnimDamageTest, NoFileIsRefused) {
 
 TEST_F(AnimDamageTest, AnOverlongNameIsRefused) {
     KTANIM::setKTAPath(nullptr);
-    const Bytes bytes = samples::writeKta(numbered(2, 2));
+    const Bytes bytes = formats::writeKta(numbered(2, 2));
     // As many slashes as make the name 255, then 256 characters long.
     const std::string path = folder.write("test.kta", bytes);
     EXPECT_FALSE(anim->load((std::string(256 - path.size(), '/') + path).c_str()));
@@ -318,7 +318,7 @@ TEST_F(AnimDamageTest, AnOverlongNameIsRefused) {
 }
 
 TEST_F(AnimDamageTest, EveryTruncationIsRefused) {
-    const Bytes whole = samples::writeKta(numbered(3, 2));
+    const Bytes whole = formats::writeKta(numbered(3, 2));
     for (std::size_t size = 0; size < whole.size(); ++size) {
         SCOPED_TRACE(size);
         expectRefused(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
@@ -327,7 +327,7 @@ TEST_F(AnimDamageTest, EveryTruncationIsRefused) {
 }
 
 TEST_F(AnimDamageTest, EveryByteOfTheMagicCounts) {
-    const Bytes whole = samples::writeKta(numbered(3, 2));
+    const Bytes whole = formats::writeKta(numbered(3, 2));
     for (std::size_t i = 0; i < 14; ++i) {
         for (int bit = 0; bit < 8; ++bit) {
             Bytes bytes = whole;
@@ -338,11 +338,11 @@ TEST_F(AnimDamageTest, EveryByteOfTheMagicCounts) {
 }
 
 TEST_F(AnimDamageTest, LargerCountsThanTheFileHoldsAreRefused) {
-    for (std::size_t offset : {samples::kKtaBoneCountOffset, samples::kKtaFrameCountOffset}) {
-        const unsigned right = offset == samples::kKtaBoneCountOffset ? 3 : 2;
+    for (std::size_t offset : {formats::kKtaBoneCountOffset, formats::kKtaFrameCountOffset}) {
+        const unsigned right = offset == formats::kKtaBoneCountOffset ? 3 : 2;
         for (unsigned count = right + 1; count < 65536; count += count < 1100 ? 1 : 997) {
             SCOPED_TRACE(count);
-            Bytes bytes = samples::writeKta(numbered(3, 2));
+            Bytes bytes = formats::writeKta(numbered(3, 2));
             putU16(&bytes, offset, count);
             expectRefused(bytes);
         }
@@ -352,9 +352,9 @@ TEST_F(AnimDamageTest, LargerCountsThanTheFileHoldsAreRefused) {
 TEST_F(AnimDamageTest, SmallerCountsReadNothingBeyondThem) {
     for (unsigned bones = 0; bones <= 3; ++bones) {
         for (unsigned frames = 0; frames <= 2; ++frames) {
-            Bytes bytes = samples::writeKta(numbered(3, 2));
-            putU16(&bytes, samples::kKtaBoneCountOffset, bones);
-            putU16(&bytes, samples::kKtaFrameCountOffset, frames);
+            Bytes bytes = formats::writeKta(numbered(3, 2));
+            putU16(&bytes, formats::kKtaBoneCountOffset, bones);
+            putU16(&bytes, formats::kKtaFrameCountOffset, frames);
             KTANIM *fresh = new KTANIM;
             ASSERT_TRUE(loadBytes(fresh, bytes));
             EXPECT_EQ(fresh->getNumberOfBones(), bones);
@@ -367,26 +367,26 @@ TEST_F(AnimDamageTest, SmallerCountsReadNothingBeyondThem) {
 }
 
 TEST_F(AnimDamageTest, CountsAboveTheLimitsAreRefusedHoweverLargeTheFile) {
-    expectRefused(samples::writeKta(numbered(129, 1)));
-    expectRefused(samples::writeKta(numbered(129, 0)));
-    expectRefused(samples::writeKta(numbered(1, 1025)));
-    Bytes noBones = samples::writeKta({});
-    putU16(&noBones, samples::kKtaFrameCountOffset, 1025);
+    expectRefused(formats::writeKta(numbered(129, 1)));
+    expectRefused(formats::writeKta(numbered(129, 0)));
+    expectRefused(formats::writeKta(numbered(1, 1025)));
+    Bytes noBones = formats::writeKta({});
+    putU16(&noBones, formats::kKtaFrameCountOffset, 1025);
     expectRefused(noBones);
 }
 
 TEST_F(AnimDamageTest, BoneNamesAreShorterThanTheirArrays) {
-    samples::Animation animation = numbered(2, 1);
+    formats::Animation animation = numbered(2, 1);
     animation.bones[1] = std::string(256, 'n');
-    expectRefused(samples::writeKta(animation));
+    expectRefused(formats::writeKta(animation));
     animation.bones[1] = std::string(255, 'n');
-    EXPECT_TRUE(loadBytes(anim, samples::writeKta(animation)));
+    EXPECT_TRUE(loadBytes(anim, formats::writeKta(animation)));
     EXPECT_EQ(anim->getBoneName(1), animation.bones[1]);
 }
 
 TEST_F(AnimDamageTest, AFailedAllocationIsRefused) {
     if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
-    const Bytes bytes = samples::writeKta(numbered(3, 2));
+    const Bytes bytes = formats::writeKta(numbered(3, 2));
     folder.write("test.kta", bytes);
     Allocations::failNext(bytes.size());
     EXPECT_FALSE(anim->load("test.kta"));
@@ -401,7 +401,7 @@ TEST_F(AnimDamageTest, EveryFileIsClosed) {
                              std::filesystem::directory_iterator());
     };
     const auto earlier = openFiles();
-    const Bytes whole = samples::writeKta(numbered(3, 2));
+    const Bytes whole = formats::writeKta(numbered(3, 2));
     loadBytes(anim, whole);
     loadBytes(anim, Bytes(whole.begin(), whole.end() - 1));
     loadBytes(anim, {});

@@ -215,7 +215,7 @@ TEST_F(AnimTest, AcquiresNothingFromNullAndRigidMeshes) {
 }
 
 TEST_F(AnimTest, AcquiresNoMoreBonesThanTheGridHas) {
-    samples::Node skin = skinNode("skin", {"first"});
+    formats::Node skin = skinNode("skin", {"first"});
     for (int i = 1; i < 140; ++i) skin.mesh.boneNames.push_back("bone" + std::to_string(i));
     KTMESH *mesh = loadMesh(folder, skin);
     ASSERT_NE(mesh, nullptr);

@@ -29,7 +29,7 @@ class MeshRenderTest : public EngineTest {
         GlRecorder::clear();
     }
 
-    KTMESH *load(const samples::Node &node) {
+    KTMESH *load(const formats::Node &node) {
         KTMESH *mesh = loadMesh(folder, node);
         GlRecorder::clear();
         return mesh;
@@ -107,7 +107,7 @@ TEST_F(MeshRenderTest, ArraysThatAreOnAreNotSwitchedOnAgain) {
 }
 
 TEST_F(MeshRenderTest, AMeshWithoutFacesSetsUpItsArraysAndDrawsNothing) {
-    samples::Node node = stripNode("mesh");
+    formats::Node node = stripNode("mesh");
     node.mesh.faces.clear();
     node.mesh.faceNormals.clear();
     KTMESH *mesh = load(node);
@@ -120,7 +120,7 @@ TEST_F(MeshRenderTest, AMeshWithoutFacesSetsUpItsArraysAndDrawsNothing) {
 }
 
 TEST_F(MeshRenderTest, ArraysThatAMeshLacksAreSwitchedOff) {
-    samples::Node plain = stripNode("plain");
+    formats::Node plain = stripNode("plain");
     plain.mesh.uvs.clear();
     KTMESH *full = load(stripNode("full")), *mesh = load(plain), *empty = load(boneNode("empty"));
     ASSERT_NE(empty, nullptr);
@@ -344,7 +344,7 @@ TEST_F(MeshRenderTest, TheSkinningShaderGetsTheBindPose) {
 }
 
 TEST_F(MeshRenderTest, OfSeventeenSkinsInAFrameSixteenAreDrawn) {
-    samples::Node root = plainNode("root");
+    formats::Node root = plainNode("root");
     for (int i = 0; i < 17; ++i) root.children.push_back(skinNode("skin", {"hip"}));
     root.children.push_back(boneNode("hip"));
     KTNODE *scene = loadNode(folder, root);

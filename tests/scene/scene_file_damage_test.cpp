@@ -8,13 +8,13 @@
 #include "tests/scene/scene_parts.h"
 #include "tests/support/allocations.h"
 #include "tests/support/small_stack.h"
-#include "tools/samples/byte_writer.h"
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/byte_writer.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra::test {
 namespace {
 
-using samples::KteVersion;
+using formats::KteVersion;
 using Bytes = std::vector<std::uint8_t>;
 
 const KteVersion kVersions[] = {KteVersion::k15a, KteVersion::k16a};
@@ -24,10 +24,10 @@ const KteVersion kVersions[] = {KteVersion::k15a, KteVersion::k16a};
 class SceneDamageTest : public SceneTest {
    protected:
     void SetUp() override {
-        folder.write("stone_d.tga", samples::writeTga(samples::Image(4, 4), {}));
-        folder.write("moss_d.tga", samples::writeTga(samples::Image(4, 4), {}));
+        folder.write("stone_d.tga", formats::writeTga(formats::Image(4, 4), {}));
+        folder.write("moss_d.tga", formats::writeTga(formats::Image(4, 4), {}));
         KELTRA::setKTEPath(folder.prefix().c_str());
-        samples::Scene earlier = sceneOf(stripNode("earlier", 4, "stone"));
+        formats::Scene earlier = sceneOf(stripNode("earlier", 4, "stone"));
         earlier.materials.push_back({"stone", "stone_d.tga"});
         mesh = static_cast<KTMESH *>(loadScene(folder, earlier));
         ASSERT_NE(mesh, nullptr);
@@ -35,11 +35,11 @@ class SceneDamageTest : public SceneTest {
         counts = countAll();
     }
 
-    static samples::Scene everything() {
-        samples::Node lamp = lightNode("lamp");
+    static formats::Scene everything() {
+        formats::Node lamp = lightNode("lamp");
         lamp.children.push_back(plainNode("shade"));
-        samples::Node skin = skinNode("skin", {"hip", "knee"}, 5, "stone");
-        samples::Scene scene =
+        formats::Node skin = skinNode("skin", {"hip", "knee"}, 5, "stone");
+        formats::Scene scene =
             sceneOf(plainNode("root", {lamp, skin, boneNode("hip", {0, 1, 0}, {boneNode("knee")})}));
         scene.materials.push_back({"stone", "stone_d.tga", "lava"});
         scene.materials.push_back({"moss", "moss_d.tga", "slime"});
@@ -70,9 +70,9 @@ class SceneDamageTest : public SceneTest {
     /// Overwrites a field of the scene and expects that it is refused.
     void expectRefusedWith(const std::string &field, unsigned value, std::size_t shift = 0) {
         for (KteVersion version : kVersions) {
-            samples::Marks marks;
-            Bytes bytes = samples::writeKte(everything(), version, &marks);
-            const samples::Mark *mark = samples::findMark(marks, field);
+            formats::Marks marks;
+            Bytes bytes = formats::writeKte(everything(), version, &marks);
+            const formats::Mark *mark = formats::findMark(marks, field);
             ASSERT_NE(mark, nullptr) << field;
             bytes[mark->offset + shift] = static_cast<std::uint8_t>(value);
             if (mark->size > 1 && shift == 0) bytes[mark->offset + 1] = static_cast<std::uint8_t>(value >> 8);
@@ -86,10 +86,10 @@ class SceneDamageTest : public SceneTest {
                 KTTEXTURE::getNumberOfTextures(), KTSHADER::getNumberOfShaders()};
     }
 
-    static samples::Node chain(unsigned length) {
-        samples::Node node = plainNode("");
+    static formats::Node chain(unsigned length) {
+        formats::Node node = plainNode("");
         while (--length > 0) {
-            samples::Node above = plainNode("");
+            formats::Node above = plainNode("");
             above.children.push_back(std::move(node));
             node = std::move(above);
         }
@@ -103,12 +103,12 @@ class SceneDamageTest : public SceneTest {
 
 TEST_F(SceneDamageTest, TheWholeSceneLoads) {
     for (KteVersion version : kVersions)
-        EXPECT_NE(loadBytes(samples::writeKte(everything(), version)), nullptr);
+        EXPECT_NE(loadBytes(formats::writeKte(everything(), version)), nullptr);
 }
 
 TEST_F(SceneDamageTest, EveryTruncationIsRefused) {
     for (KteVersion version : kVersions) {
-        const Bytes whole = samples::writeKte(everything(), version);
+        const Bytes whole = formats::writeKte(everything(), version);
         for (std::size_t size = 0; size < whole.size(); ++size) {
             SCOPED_TRACE(size);
             expectRefused(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
@@ -119,7 +119,7 @@ TEST_F(SceneDamageTest, EveryTruncationIsRefused) {
 
 TEST_F(SceneDamageTest, EveryDamagedByteIsRefusedOrGivesAWholeTree) {
     for (KteVersion version : kVersions) {
-        const Bytes whole = samples::writeKte(everything(), version);
+        const Bytes whole = formats::writeKte(everything(), version);
         for (std::size_t i = 0; i < whole.size(); ++i) {
             for (int value : {0x00, 0xff, whole[i] ^ 0x01, whole[i] ^ 0x80}) {
                 Bytes bytes = whole;
@@ -151,37 +151,37 @@ TEST_F(SceneDamageTest, BonesThatAreNotThereAreRefused) {
 
 TEST_F(SceneDamageTest, BoneIndicesEndAt99HoweverManyBonesThereAre) {
     std::vector<std::string> names(120, "bone");
-    samples::Node skin = skinNode("skin", {"bone"});
+    formats::Node skin = skinNode("skin", {"bone"});
     skin.mesh.boneNames = names;
     skin.mesh.influenceBones[3] = 99;
-    KTNODE *root = loadBytes(samples::writeKte(sceneOf(skin), KteVersion::k16a));
+    KTNODE *root = loadBytes(formats::writeKte(sceneOf(skin), KteVersion::k16a));
     EXPECT_NE(root, nullptr);
     delete root;
     skin.mesh.influenceBones[3] = 100;
-    expectRefused(samples::writeKte(sceneOf(skin), KteVersion::k16a));
+    expectRefused(formats::writeKte(sceneOf(skin), KteVersion::k16a));
 }
 
 TEST_F(SceneDamageTest, FacesReachOnlyTheVertices) {
-    samples::Node strip = stripNode("strip", 5);
+    formats::Node strip = stripNode("strip", 5);
     for (std::uint16_t index : {5, 6, 0x7fff, 0xffff}) {
         strip.mesh.faces[2][1] = index;
-        for (KteVersion version : kVersions) expectRefused(samples::writeKte(sceneOf(strip), version));
+        for (KteVersion version : kVersions) expectRefused(formats::writeKte(sceneOf(strip), version));
     }
-    samples::Node empty = boneNode("empty");
+    formats::Node empty = boneNode("empty");
     empty.mesh.faces.push_back({0, 0, 0});
     empty.mesh.faceNormals.push_back({});
-    expectRefused(samples::writeKte(sceneOf(empty), KteVersion::k16a));
+    expectRefused(formats::writeKte(sceneOf(empty), KteVersion::k16a));
 }
 
 TEST_F(SceneDamageTest, TextureCoordinatesAreForAllVerticesOrForNone) {
-    samples::Node strip = stripNode("strip", 5);
+    formats::Node strip = stripNode("strip", 5);
     for (unsigned count = 1; count < 5; ++count) {
         strip.mesh.uvs.resize(count);
-        for (KteVersion version : kVersions) expectRefused(samples::writeKte(sceneOf(strip), version));
+        for (KteVersion version : kVersions) expectRefused(formats::writeKte(sceneOf(strip), version));
     }
     for (unsigned count : {0u, 5u, 6u}) {
         strip.mesh.uvs.resize(count);
-        EXPECT_NE(loadBytes(samples::writeKte(sceneOf(strip), KteVersion::k16a)), nullptr);
+        EXPECT_NE(loadBytes(formats::writeKte(sceneOf(strip), KteVersion::k16a)), nullptr);
     }
 }
 
@@ -193,42 +193,42 @@ TEST_F(SceneDamageTest, UnknownNodeTypesAreRefused) {
 
 TEST_F(SceneDamageTest, NamesAreShorterThan256Bytes) {
     // Each of them in turn.
-    const std::vector<std::function<std::string &(samples::Scene &)>> names = {
-        [](samples::Scene &s) -> std::string & { return s.materials[1].name; },
-        [](samples::Scene &s) -> std::string & { return s.materials[1].texture; },
-        [](samples::Scene &s) -> std::string & { return s.materials[1].shader; },
-        [](samples::Scene &s) -> std::string & { return s.root.name; },
-        [](samples::Scene &s) -> std::string & { return s.root.children[0].name; },
-        [](samples::Scene &s) -> std::string & { return s.root.children[1].name; },
-        [](samples::Scene &s) -> std::string & { return s.root.children[1].mesh.material; },
-        [](samples::Scene &s) -> std::string & { return s.root.children[1].mesh.boneNames[1]; },
+    const std::vector<std::function<std::string &(formats::Scene &)>> names = {
+        [](formats::Scene &s) -> std::string & { return s.materials[1].name; },
+        [](formats::Scene &s) -> std::string & { return s.materials[1].texture; },
+        [](formats::Scene &s) -> std::string & { return s.materials[1].shader; },
+        [](formats::Scene &s) -> std::string & { return s.root.name; },
+        [](formats::Scene &s) -> std::string & { return s.root.children[0].name; },
+        [](formats::Scene &s) -> std::string & { return s.root.children[1].name; },
+        [](formats::Scene &s) -> std::string & { return s.root.children[1].mesh.material; },
+        [](formats::Scene &s) -> std::string & { return s.root.children[1].mesh.boneNames[1]; },
     };
     for (const auto &nameOf : names) {
         for (std::size_t length : {256u, 257u, 5000u}) {
-            samples::Scene scene = everything();
+            formats::Scene scene = everything();
             nameOf(scene) = std::string(length, 'n');
-            expectRefused(samples::writeKte(scene, KteVersion::k16a));
+            expectRefused(formats::writeKte(scene, KteVersion::k16a));
         }
     }
-    samples::Scene longest = everything();
+    formats::Scene longest = everything();
     for (const auto &nameOf : names) nameOf(longest) = std::string(255, 'n');
-    KTNODE *root = loadBytes(samples::writeKte(longest, KteVersion::k16a));
+    KTNODE *root = loadBytes(formats::writeKte(longest, KteVersion::k16a));
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(std::strlen(root->getName()), 255u);
     EXPECT_NE(KTSHADER::findByName(std::string(255, 'n').c_str()), nullptr);
 }
 
 TEST_F(SceneDamageTest, TreesNest256Deep) {
-    KTNODE *root = loadBytes(samples::writeKte(sceneOf(chain(256)), KteVersion::k16a));
+    KTNODE *root = loadBytes(formats::writeKte(sceneOf(chain(256)), KteVersion::k16a));
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(KTNODE::getNumberOfNodes(), counts[0] + 256);
     while (KTNODE *next = mesh->getNextNode()) delete next;
-    expectRefused(samples::writeKte(sceneOf(chain(257)), KteVersion::k16a));
+    expectRefused(formats::writeKte(sceneOf(chain(257)), KteVersion::k16a));
 }
 
 // A chain of that length as bytes: the writer itself would recurse.
 Bytes endlessChain(unsigned length) {
-    samples::ByteWriter writer;
+    formats::ByteWriter writer;
     writer.string("KTE file v1.6a");
     writer.u16(0);
     for (unsigned i = 0; i < length; ++i) {
@@ -256,7 +256,7 @@ TEST_F(SceneDamageTest, AnEndlessChainIsRefusedOnTheDevicesStack) {
 }
 
 TEST_F(SceneDamageTest, DamageIsRefusedOnTheDevicesStack) {
-    const Bytes whole = samples::writeKte(everything(), KteVersion::k16a);
+    const Bytes whole = formats::writeKte(everything(), KteVersion::k16a);
     ASSERT_TRUE(runOnSmallStack([&] {
         for (std::size_t size = 0; size < whole.size(); size += 7)
             expectRefused(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
@@ -265,7 +265,7 @@ TEST_F(SceneDamageTest, DamageIsRefusedOnTheDevicesStack) {
 
 TEST_F(SceneDamageTest, WithoutMemoryNothingIsLeftBehind) {
     if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
-    const Bytes bytes = samples::writeKte(everything(), KteVersion::k16a);
+    const Bytes bytes = formats::writeKte(everything(), KteVersion::k16a);
     const std::size_t overhead = 32;  // of a block
     const std::size_t sizes[] = {
         bytes.size(),

@@ -7,28 +7,28 @@
 #include "tests/scene/scene_parts.h"
 #include "tests/support/allocations.h"
 #include "tests/support/small_stack.h"
-#include "tools/samples/byte_writer.h"
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/byte_writer.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra::test {
 namespace {
 
-using samples::KteVersion;
+using formats::KteVersion;
 
 class SceneFileTest : public SceneTest {
    protected:
     void writeTexture(const std::string &name) {
-        folder.write(name, samples::writeTga(samples::Image(4, 4), {}));
+        folder.write(name, formats::writeTga(formats::Image(4, 4), {}));
     }
 
-    samples::Scene sceneWith(const samples::Material &material) {
-        samples::Scene scene = sceneOf(plainNode("root"));
+    formats::Scene sceneWith(const formats::Material &material) {
+        formats::Scene scene = sceneOf(plainNode("root"));
         scene.materials.push_back(material);
         return scene;
     }
 
-    static samples::Material materialOf(const std::string &name, const std::string &texture = "[none]") {
-        samples::Material material;
+    static formats::Material materialOf(const std::string &name, const std::string &texture = "[none]") {
+        formats::Material material;
         material.name = name;
         material.texture = texture;
         return material;
@@ -36,7 +36,7 @@ class SceneFileTest : public SceneTest {
 };
 
 TEST_F(SceneFileTest, ReadsAPlainNode) {
-    samples::Node node = plainNode("here");
+    formats::Node node = plainNode("here");
     node.auxId = 0x89abcdef;
     node.position = {1, 2, 3};
     node.origin = {4, 5, 6};
@@ -53,10 +53,10 @@ TEST_F(SceneFileTest, ReadsAPlainNode) {
 }
 
 TEST_F(SceneFileTest, ReadsALight) {
-    samples::Node node = lightNode("lamp");
+    formats::Node node = lightNode("lamp");
     node.auxId = 5;
     node.position = {1, 2, 3};
-    node.light.type = samples::LightType::kSpot;
+    node.light.type = formats::LightType::kSpot;
     node.light.direction = {0, -1, 4};
     node.light.cutOff = 35.0f;
     node.light.color = {1.0f, 0.5f, 0.25f};
@@ -76,7 +76,7 @@ TEST_F(SceneFileTest, ReadsALight) {
 }
 
 TEST_F(SceneFileTest, ReadsAMesh) {
-    samples::Node node = stripNode("strip", 5);
+    formats::Node node = stripNode("strip", 5);
     node.auxId = 7;
     node.position = {1, 2, 3};
     node.origin = {4, 5, 6};
@@ -130,7 +130,7 @@ TEST_F(SceneFileTest, ReadsASkin) {
 }
 
 TEST_F(SceneFileTest, OnlyOneTextureCoordinateAVertexIsConverted) {
-    samples::Node node = stripNode("strip", 4);
+    formats::Node node = stripNode("strip", 4);
     node.mesh.uvs = {{1, 2}, {3, 4}, {5, 6}, {7, 8}, {9, 10}};
     KTMESH *mesh = loadMesh(folder, node);
     ASSERT_NE(mesh, nullptr);
@@ -152,14 +152,14 @@ TEST_F(SceneFileTest, ABoneIsAMeshWithoutGeometry) {
 
 TEST_F(SceneFileTest, TheOldVersionSkipsItsTwoBlocksOfAMesh) {
     // Ten vertices and four faces carry 120 bytes behind the vertex normals and 64 behind the face normals.
-    samples::Node strip = stripNode("strip", 10);
+    formats::Node strip = stripNode("strip", 10);
     strip.mesh.faces.resize(4);
     strip.mesh.faceNormals.resize(4);
     strip.mesh.faceNormals[3] = {1.0f, 2.0f, 3.0f};
     strip.children.push_back(plainNode("behind"));
-    const samples::Scene scene = sceneOf(strip);
-    EXPECT_EQ(samples::writeKte(scene, KteVersion::k15a).size(),
-              samples::writeKte(scene, KteVersion::k16a).size() + 120 + 64);
+    const formats::Scene scene = sceneOf(strip);
+    EXPECT_EQ(formats::writeKte(scene, KteVersion::k15a).size(),
+              formats::writeKte(scene, KteVersion::k16a).size() + 120 + 64);
     for (KteVersion version : {KteVersion::k15a, KteVersion::k16a}) {
         KTMESH *mesh = static_cast<KTMESH *>(loadScene(folder, scene, version));
         ASSERT_NE(mesh, nullptr);
@@ -190,7 +190,7 @@ TEST_F(SceneFileTest, ReadsTheTreeInItsOrder) {
 }
 
 TEST_F(SceneFileTest, ReadsAMaterial) {
-    samples::Material material = materialOf("stone");
+    formats::Material material = materialOf("stone");
     material.ambient = {0.1f, 0.2f, 0.3f, 0.4f};
     material.diffuse = {0.5f, 0.6f, 0.7f, 0.8f};
     material.specular = {0.9f, 1.0f, 0.1f, 0.2f};
@@ -238,7 +238,7 @@ TEST_F(SceneFileTest, LoadsTheTextureAndItsNormalMap) {
 
 TEST_F(SceneFileTest, TexturesAreSharedByFileName) {
     writeTexture("wall_d.tga");
-    samples::Scene scene = sceneWith(materialOf("one", "wall_d.tga"));
+    formats::Scene scene = sceneWith(materialOf("one", "wall_d.tga"));
     scene.materials.push_back(materialOf("two", "wall_d.tga"));
     ASSERT_NE(loadScene(folder, scene), nullptr);
     EXPECT_EQ(KTTEXTURE::getNumberOfTextures(), 1u);
@@ -257,7 +257,7 @@ TEST_F(SceneFileTest, AShortTextureNameHasNoNormalMap) {
 TEST_F(SceneFileTest, AnUnreadableTextureLeavesTheMaterialWithoutIt) {
     folder.write("stone_d.tga", std::string_view("no picture"));
     ASSERT_NE(loadScene(folder, sceneWith(materialOf("stone", "stone_d.tga"))), nullptr);
-    samples::Scene missing = sceneWith(materialOf("moss", "missing.tga"));
+    formats::Scene missing = sceneWith(materialOf("moss", "missing.tga"));
     ASSERT_NE(loadScene(folder, missing), nullptr);
     EXPECT_EQ(KTMATERIAL::findByName("stone")->getTexture(0), nullptr);
     EXPECT_EQ(KTMATERIAL::findByName("moss")->getTexture(0), nullptr);
@@ -265,12 +265,12 @@ TEST_F(SceneFileTest, AnUnreadableTextureLeavesTheMaterialWithoutIt) {
 }
 
 TEST_F(SceneFileTest, FilesShareTheFirstMaterialOfAName) {
-    samples::Material first = materialOf("stone"), second = materialOf("stone", "late_d.tga");
+    formats::Material first = materialOf("stone"), second = materialOf("stone", "late_d.tga");
     writeTexture("late_d.tga");
     first.shininess = 1.0f;
     second.shininess = 2.0f;
     second.shader = "late";
-    samples::Scene scene = sceneWith(first);
+    formats::Scene scene = sceneWith(first);
     scene.root = stripNode("strip", 4, "stone");
     KTMESH *one = static_cast<KTMESH *>(loadScene(folder, scene));
     scene.materials[0] = second;
@@ -290,9 +290,9 @@ TEST_F(SceneFileTest, FilesShareTheFirstMaterialOfAName) {
 }
 
 TEST_F(SceneFileTest, MaterialsShareAShaderByName) {
-    samples::Scene scene = sceneWith(materialOf("one"));
+    formats::Scene scene = sceneWith(materialOf("one"));
     scene.materials.push_back(materialOf("two"));
-    for (samples::Material &material : scene.materials) material.shader = "lava";
+    for (formats::Material &material : scene.materials) material.shader = "lava";
     ASSERT_NE(loadScene(folder, scene), nullptr);
     EXPECT_EQ(KTSHADER::getNumberOfShaders(), 1u);
     KTSHADER *shader = KTSHADER::findByName("lava");
@@ -303,7 +303,7 @@ TEST_F(SceneFileTest, MaterialsShareAShaderByName) {
 }
 
 TEST_F(SceneFileTest, AMeshTakesItsMaterialByNameAndASkinMarksIt) {
-    samples::Scene scene = sceneWith(materialOf("skin"));
+    formats::Scene scene = sceneWith(materialOf("skin"));
     scene.materials.push_back(materialOf("stone"));
     scene.root = plainNode("root", {stripNode("a", 4, "stone"), stripNode("b", 4, "nothing"),
                                     skinNode("c", {"bone"}, 4, "skin")});
@@ -331,7 +331,7 @@ TEST_F(SceneFileTest, BonesAreLookedUpInTheWholeTree) {
 }
 
 TEST_F(SceneFileTest, ThePathIsPutBeforeTheNameAsItIs) {
-    folder.write("level1.kte", samples::writeKte(sceneOf(plainNode("root")), KteVersion::k16a));
+    folder.write("level1.kte", formats::writeKte(sceneOf(plainNode("root")), KteVersion::k16a));
     KELTRA::setKTEPath((folder.prefix() + "lev").c_str());
     EXPECT_NE(KELTRA::load("el1.kte"), nullptr);
     EXPECT_EQ(KELTRA::load("level1.kte"), nullptr);
@@ -350,7 +350,7 @@ TEST_F(SceneFileTest, WhatIsNoFileGivesNull) {
 TEST_F(SceneFileTest, XmlNamesGoToTheInterfaceLoader) {
     // A scene by its contents, an interface by its name.
     const std::vector<std::uint8_t> bytes =
-        samples::writeKte(sceneWith(materialOf("stone")), KteVersion::k16a);
+        formats::writeKte(sceneWith(materialOf("stone")), KteVersion::k16a);
     KELTRA::setKTEPath(folder.prefix().c_str());
     for (const char *name : {"menu.xml", "menu.XML", "menu.xml.kte"}) {
         folder.write(name, bytes);
@@ -373,7 +373,7 @@ TEST_F(SceneFileTest, AFileOfAnotherKindLeavesNoAllocationBehind) {
 }
 
 TEST_F(SceneFileTest, OnlyTheFirstFourteenBytesOfTheMagicCount) {
-    std::vector<std::uint8_t> bytes = samples::writeKte(sceneOf(plainNode("root")), KteVersion::k16a);
+    std::vector<std::uint8_t> bytes = formats::writeKte(sceneOf(plainNode("root")), KteVersion::k16a);
     bytes[14] = 'x';
     folder.write("scene.kte", bytes);
     KELTRA::setKTEPath(folder.prefix().c_str());
@@ -384,8 +384,8 @@ TEST_F(SceneFileTest, OnlyTheFirstFourteenBytesOfTheMagicCount) {
 class RecordReaderTest : public SceneFileTest {
    protected:
     /// The records behind the header of a file without materials.
-    std::vector<char> records(const samples::Node &root, KteVersion version = KteVersion::k16a) {
-        const std::vector<std::uint8_t> bytes = samples::writeKte(sceneOf(root), version);
+    std::vector<char> records(const formats::Node &root, KteVersion version = KteVersion::k16a) {
+        const std::vector<std::uint8_t> bytes = formats::writeKte(sceneOf(root), version);
         return {bytes.begin() + 17, bytes.end()};
     }
 };
@@ -427,7 +427,7 @@ TEST_F(RecordReaderTest, RecursiveLoadReadsASubtreeBelowAParent) {
 }
 
 TEST_F(RecordReaderTest, BadRecordsGiveNullAndLeaveNoNodes) {
-    samples::Node wrong = stripNode("wrong");
+    formats::Node wrong = stripNode("wrong");
     wrong.mesh.faces[0][0] = 4;
     const std::vector<char> bytes = records(plainNode("a", {plainNode("b", {lightNode("c")}), wrong}));
     long cursor = 0;
@@ -457,13 +457,13 @@ TEST_F(RecordReaderTest, InitBonesTakesAnything) {
 }
 
 TEST_F(SceneFileTest, LoadsOnTheDevicesStack) {
-    samples::Node deep = skinNode("deepest", {"node3", "lost"});
+    formats::Node deep = skinNode("deepest", {"node3", "lost"});
     for (int i = 0; i < 255; ++i)
         deep = i % 2 ? boneNode("node" + std::to_string(i), {}, {deep}) : plainNode("n", {deep});
-    samples::Scene scene = sceneWith(materialOf("stone", "stone_d.tga"));
+    formats::Scene scene = sceneWith(materialOf("stone", "stone_d.tga"));
     writeTexture("stone_d.tga");
     scene.root = deep;
-    folder.write("deep.kte", samples::writeKte(scene, KteVersion::k16a));
+    folder.write("deep.kte", formats::writeKte(scene, KteVersion::k16a));
     KELTRA::setKTEPath(folder.prefix().c_str());
     KTNODE *root = nullptr;
     ASSERT_TRUE(runOnSmallStack([&root] { root = KELTRA::load("deep.kte"); }));

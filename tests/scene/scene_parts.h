@@ -12,37 +12,37 @@
 
 #include "tests/support/gl_recorder.h"
 #include "tests/support/temp_file.h"
-#include "tools/samples/kte_writer.h"
+#include "tools/formats/kte_writer.h"
 
 namespace keltra::test {
 
-inline samples::Node plainNode(const std::string &name, std::vector<samples::Node> children = {}) {
-    samples::Node node;
+inline formats::Node plainNode(const std::string &name, std::vector<formats::Node> children = {}) {
+    formats::Node node;
     node.name = name;
     node.children = std::move(children);
     return node;
 }
 
-inline samples::Node lightNode(const std::string &name) {
-    samples::Node node = plainNode(name);
-    node.kind = samples::NodeKind::kLight;
+inline formats::Node lightNode(const std::string &name) {
+    formats::Node node = plainNode(name);
+    node.kind = formats::NodeKind::kLight;
     return node;
 }
 
 /// A mesh without geometry, as bones are.
-inline samples::Node boneNode(const std::string &name, samples::Vec3 position = {},
-                              std::vector<samples::Node> children = {}) {
-    samples::Node node = plainNode(name, std::move(children));
-    node.kind = samples::NodeKind::kMesh;
+inline formats::Node boneNode(const std::string &name, formats::Vec3 position = {},
+                              std::vector<formats::Node> children = {}) {
+    formats::Node node = plainNode(name, std::move(children));
+    node.kind = formats::NodeKind::kMesh;
     node.position = position;
     return node;
 }
 
 /// A strip of triangles with `vertices` vertices, a texture coordinate for each and `vertices - 2` faces.
-inline samples::Node stripNode(const std::string &name, unsigned vertices = 4,
+inline formats::Node stripNode(const std::string &name, unsigned vertices = 4,
                                const std::string &material = "") {
-    samples::Node node = boneNode(name);
-    samples::MeshData &mesh = node.mesh;
+    formats::Node node = boneNode(name);
+    formats::MeshData &mesh = node.mesh;
     mesh.material = material;
     mesh.radius = 2.0f;
     for (unsigned v = 0; v < vertices; ++v) {
@@ -60,10 +60,10 @@ inline samples::Node stripNode(const std::string &name, unsigned vertices = 4,
 }
 
 /// The strip, each vertex following all of `bones` with equal weights.
-inline samples::Node skinNode(const std::string &name, const std::vector<std::string> &bones,
+inline formats::Node skinNode(const std::string &name, const std::vector<std::string> &bones,
                               unsigned vertices = 4, const std::string &material = "") {
-    samples::Node node = stripNode(name, vertices, material);
-    samples::MeshData &mesh = node.mesh;
+    formats::Node node = stripNode(name, vertices, material);
+    formats::MeshData &mesh = node.mesh;
     mesh.influences = static_cast<uint16_t>(bones.size());
     mesh.boneNames = bones;
     for (unsigned v = 0; v < vertices; ++v) {
@@ -75,25 +75,25 @@ inline samples::Node skinNode(const std::string &name, const std::vector<std::st
     return node;
 }
 
-inline samples::Scene sceneOf(samples::Node root) {
-    samples::Scene scene;
+inline formats::Scene sceneOf(formats::Node root) {
+    formats::Scene scene;
     scene.root = std::move(root);
     return scene;
 }
 
 /// Writes the scene to the folder and loads it.
-inline KTNODE *loadScene(const TempFolder &folder, const samples::Scene &scene,
-                         samples::KteVersion version = samples::KteVersion::k16a) {
-    folder.write("scene.kte", samples::writeKte(scene, version));
+inline KTNODE *loadScene(const TempFolder &folder, const formats::Scene &scene,
+                         formats::KteVersion version = formats::KteVersion::k16a) {
+    folder.write("scene.kte", formats::writeKte(scene, version));
     KELTRA::setKTEPath(folder.prefix().c_str());
     return KELTRA::load("scene.kte");
 }
 
-inline KTNODE *loadNode(const TempFolder &folder, samples::Node root) {
+inline KTNODE *loadNode(const TempFolder &folder, formats::Node root) {
     return loadScene(folder, sceneOf(std::move(root)));
 }
 
-inline KTMESH *loadMesh(const TempFolder &folder, samples::Node root) {
+inline KTMESH *loadMesh(const TempFolder &folder, formats::Node root) {
     return static_cast<KTMESH *>(loadNode(folder, std::move(root)));
 }
 

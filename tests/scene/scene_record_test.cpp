@@ -7,16 +7,16 @@
 
 #include "tests/support/allocations.h"
 #include "tests/support/small_stack.h"
-#include "tools/samples/kte_writer.h"
+#include "tools/formats/kte_writer.h"
 
 namespace keltra::test {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-samples::Node meshOf(unsigned vertices) {
-    samples::Node node;
-    node.kind = samples::NodeKind::kMesh;
+formats::Node meshOf(unsigned vertices) {
+    formats::Node node;
+    node.kind = formats::NodeKind::kMesh;
     node.mesh.vertices.resize(vertices);
     node.mesh.normals.resize(vertices);
     node.mesh.uvs.resize(vertices);
@@ -29,22 +29,22 @@ samples::Node meshOf(unsigned vertices) {
     return node;
 }
 
-samples::Scene smallScene() {
-    samples::Scene scene;
+formats::Scene smallScene() {
+    formats::Scene scene;
     scene.materials.push_back({"stone"});
     scene.root.name = "root";
     scene.root.children.push_back(meshOf(3));
     scene.root.children.emplace_back();
-    scene.root.children[1].kind = samples::NodeKind::kLight;
+    scene.root.children[1].kind = formats::NodeKind::kLight;
     return scene;
 }
 
 class SceneRecordTest : public testing::Test {
    protected:
-    SceneRecordTest() : bytes(samples::writeKte(smallScene(), samples::KteVersion::k16a, &marks)) {}
+    SceneRecordTest() : bytes(formats::writeKte(smallScene(), formats::KteVersion::k16a, &marks)) {}
 
     std::size_t offsetOf(const std::string &field) const {
-        const samples::Mark *mark = samples::findMark(marks, field);
+        const formats::Mark *mark = formats::findMark(marks, field);
         return mark ? mark->offset : ~std::size_t{0};
     }
 
@@ -56,7 +56,7 @@ class SceneRecordTest : public testing::Test {
         EXPECT_STREQ(fault.reason, reason);
     }
 
-    samples::Marks marks;
+    formats::Marks marks;
     Bytes bytes;
 };
 
@@ -106,16 +106,16 @@ TEST_F(SceneRecordTest, AFaultNamesTheFieldThatIsWrong) {
 }
 
 TEST_F(SceneRecordTest, AFaultNamesTheNodeThatIsTooDeep) {
-    samples::Node node;
+    formats::Node node;
     for (int i = 0; i < 256; ++i) {
-        samples::Node above;
+        formats::Node above;
         above.children.push_back(std::move(node));
         node = std::move(above);
     }
-    samples::Scene scene;
+    formats::Scene scene;
     scene.root = std::move(node);
     marks.clear();
-    bytes = samples::writeKte(scene, samples::KteVersion::k16a, &marks);
+    bytes = formats::writeKte(scene, formats::KteVersion::k16a, &marks);
     expectFault(offsetOf("node[256].type"), "type", "nodes nest too deep");
 }
 

@@ -137,23 +137,23 @@ class SkinningTest : public SceneTest {
     KTMESH *loadCharacter(unsigned seed, unsigned vertices, unsigned influences, unsigned boneCount) {
         random.seed(seed);
         std::vector<std::string> names;
-        samples::Node chain;
+        formats::Node chain;
         for (unsigned b = boneCount; b-- > 0;) {
             names.insert(names.begin(), "bone" + std::to_string(b));
-            std::vector<samples::Node> below;
+            std::vector<formats::Node> below;
             if (b + 1 < boneCount) below.push_back(chain);
             const R3XVECTOR3D place = anyVector(0.5f), turn = anyVector(40.0f);
             chain = boneNode(names.front(), {place.x, place.y, place.z}, below);
             chain.mesh.rotation = {turn.x, turn.y, turn.z};
         }
-        samples::Node skin = skinNode("skin", names, vertices);
+        formats::Node skin = skinNode("skin", names, vertices);
         skin.mesh.influences = static_cast<std::uint16_t>(influences);
         skin.mesh.influenceBones.resize(vertices * influences);
         skin.mesh.influenceWeights.resize(vertices * influences);
         for (std::uint8_t &bone : skin.mesh.influenceBones)
             bone = static_cast<std::uint8_t>(random() % boneCount);
         for (float &weight : skin.mesh.influenceWeights) weight = uniform(-0.1f, 0.6f);
-        for (samples::Vec3 &vertex : skin.mesh.vertices)
+        for (formats::Vec3 &vertex : skin.mesh.vertices)
             vertex = {uniform(-50, 50), uniform(-50, 50), uniform(-50, 50)};
         KTNODE *root = loadNode(folder, plainNode("HumanoidRoot", {chain, skin}));
         KTMESH *mesh = root ? static_cast<KTMESH *>(root->getChild(1)) : nullptr;
@@ -242,7 +242,7 @@ TEST_F(SkinningTest, OnlyAHundredBonesTakePart) {
 }
 
 TEST_F(SkinningTest, AFileMayListMoreBonesThanInfluencesCanAddress) {
-    samples::Node skin = skinNode("skin", {"a", "b"});
+    formats::Node skin = skinNode("skin", {"a", "b"});
     for (int i = 0; i < 118; ++i) skin.mesh.boneNames.push_back("unused");
     KTMESH *mesh = loadMesh(folder, skin);
     ASSERT_NE(mesh, nullptr);

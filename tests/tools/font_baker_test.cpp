@@ -42,7 +42,7 @@ TEST(FontBaker, FillsACellForEachCharacter) {
 
 TEST(FontBaker, LettersAreWhiteSoThatTextTakesItsColor) {
     const BakedFont font = bake(16, 0);
-    for (const samples::Rgba &pixel : font.image.pixels)
+    for (const formats::Rgba &pixel : font.image.pixels)
         ASSERT_TRUE(pixel.r == 255 && pixel.g == 255 && pixel.b == 255);
 }
 
@@ -97,10 +97,10 @@ TEST(FontBaker, RefusesWhatIsNoFont) {
 
 TEST(FontBaker, ThePreviewShowsCellsAndLines) {
     const BakedFont font = bake(16, 0);
-    const samples::Image picture = previewOf(font);
+    const formats::Image picture = previewOf(font);
     EXPECT_EQ(picture.width, 512u);
     unsigned bright = 0;
-    for (const samples::Rgba &pixel : picture.pixels) {
+    for (const formats::Rgba &pixel : picture.pixels) {
         ASSERT_EQ(pixel.a, 255);
         bright += pixel.r > 200;
     }

@@ -1,11 +1,11 @@
-#include "tools/samples/kte_writer.h"
+#include "tools/formats/kte_writer.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 
 namespace keltra {
-namespace samples {
+namespace formats {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -233,5 +233,5 @@ TEST(KteWriter, WritesListsThatDisagreeAsTheyAre) {
 }
 
 }  // namespace
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra

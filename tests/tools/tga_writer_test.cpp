@@ -1,9 +1,9 @@
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/tga_writer.h"
 
 #include <gtest/gtest.h>
 
 namespace keltra {
-namespace samples {
+namespace formats {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -96,5 +96,5 @@ TEST(TgaWriter, AlphaEndsARunOnlyWhereItIsStored) {
 }
 
 }  // namespace
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra

@@ -13,7 +13,7 @@ namespace {
 using Library = std::unique_ptr<FT_LibraryRec_, FT_Error (*)(FT_Library)>;
 using Face = std::unique_ptr<FT_FaceRec_, FT_Error (*)(FT_Face)>;
 
-constexpr samples::Rgba kClear = {255, 255, 255, 0};  // white: filtering then mixes no dark edge in
+constexpr formats::Rgba kClear = {255, 255, 255, 0};  // white: filtering then mixes no dark edge in
 constexpr int kSmallestSize = 4;
 
 // One letter, relative to the pen on the base line; y grows downward.
@@ -86,7 +86,7 @@ class Sheet {
         caretTop = std::max(0, baseLine + extent.top);
         caretBottom = std::min(font.cell, baseLine + extent.bottom);
         const unsigned side = static_cast<unsigned>(kColumns * font.cell);
-        font.image = samples::Image(side, side);
+        font.image = formats::Image(side, side);
         std::fill(font.image.pixels.begin(), font.image.pixels.end(), kClear);
     }
 

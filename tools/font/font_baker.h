@@ -7,7 +7,7 @@
 #include <array>
 #include <string>
 
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra::font {
 
@@ -23,7 +23,7 @@ struct BakeOptions {
 };
 
 struct BakedFont {
-    samples::Image image;  // white, with the glyphs in the alpha
+    formats::Image image;  // white, with the glyphs in the alpha
     std::array<int, kLetters> kerning = {};
     std::string family;
     int cell = 0;
@@ -38,7 +38,7 @@ bool bakeFont(const BakeOptions &options, BakedFont *font, std::string *error);
 std::string kerningText(const BakedFont &font);
 
 // The grid and a few lines set in the font, enlarged, as a picture without transparency.
-samples::Image previewOf(const BakedFont &font);
+formats::Image previewOf(const BakedFont &font);
 
 }  // namespace keltra::font
 

@@ -31,7 +31,7 @@ bool writeFile(const std::string &path, const void *bytes, std::size_t size) {
 }
 
 bool writePreview(const std::string &path, const BakedFont &font) {
-    const keltra::samples::Image picture = keltra::font::previewOf(font);
+    const keltra::formats::Image picture = keltra::font::previewOf(font);
     png_image png = {};
     png.version = PNG_IMAGE_VERSION;
     png.width = picture.width;
@@ -43,10 +43,10 @@ bool writePreview(const std::string &path, const BakedFont &font) {
 }
 
 bool writeAll(const Arguments &arguments, const BakedFont &font) {
-    keltra::samples::TgaOptions options;
+    keltra::formats::TgaOptions options;
     options.runLength = true;
     options.bits = 32;
-    const std::vector<std::uint8_t> texture = keltra::samples::writeTga(font.image, options);
+    const std::vector<std::uint8_t> texture = keltra::formats::writeTga(font.image, options);
     const std::string kerning = keltra::font::kerningText(font);
     return writeFile(arguments.texture, texture.data(), texture.size()) &&
            writeFile(arguments.kerning, kerning.data(), kerning.size()) &&

@@ -5,8 +5,8 @@
 namespace keltra::font {
 namespace {
 
-using samples::Image;
-using samples::Rgba;
+using formats::Image;
+using formats::Rgba;
 
 constexpr int kScale = 2;
 constexpr Rgba kLight = {34, 38, 52, 255}, kDark = {26, 29, 40, 255}, kInk = {240, 240, 230, 255};
@@ -52,7 +52,7 @@ void paintBoard(Image *picture, int cell) {
 
 }  // namespace
 
-samples::Image previewOf(const BakedFont &font) {
+formats::Image previewOf(const BakedFont &font) {
     constexpr int kRows = (kCaret - kFirstCharacter) / kColumns + 1;
     const int lines = static_cast<int>(std::size(kLines));
     Image picture(static_cast<unsigned>(kColumns * font.cell * kScale),

@@ -7,11 +7,13 @@
 
 #include <vector>
 
-#include "tools/samples/kta_writer.h"
+#include "tools/formats/kta_writer.h"
 #include "tools/samples/scene.h"
 
 namespace keltra {
 namespace samples {
+
+using namespace formats;
 
 // "figure", with "HumanoidRoot" below it: the bones, and one skin beside them.
 Scene makeFigure();

@@ -3,11 +3,13 @@
 
 // What the sources of the sample character share: its bones, and the places of its texture.
 
-#include "tools/samples/kte_writer.h"
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/kte_writer.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra {
 namespace samples {
+
+using namespace formats;
 
 // The bones of a limb follow one another; the right side is kSide behind the left.
 enum FigureBone {

@@ -8,11 +8,13 @@
 #include <cmath>
 
 #include "tools/samples/noise.h"
-#include "tools/samples/tga_writer.h"
-#include "tools/samples/vec.h"
+#include "tools/formats/tga_writer.h"
+#include "tools/formats/vec.h"
 
 namespace keltra {
 namespace samples {
+
+using namespace formats;
 
 inline float clamp01(float t) { return std::min(std::max(t, 0.0f), 1.0f); }
 

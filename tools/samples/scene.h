@@ -7,10 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/samples/kte_writer.h"
+#include "tools/formats/kte_writer.h"
 
 namespace keltra {
 namespace samples {
+
+using namespace formats;
 
 struct SampleFile {
     std::string name;

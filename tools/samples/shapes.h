@@ -8,10 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/samples/kte_writer.h"
+#include "tools/formats/kte_writer.h"
 
 namespace keltra {
 namespace samples {
+
+using namespace formats;
 
 // How a lathe turns: an arc about the y axis and the texture around it.
 struct Turn {

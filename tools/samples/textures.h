@@ -4,10 +4,12 @@
 // The painted textures of the sample scene. All of them repeat at their edges
 // unless said otherwise; sides are powers of two.
 
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra {
 namespace samples {
+
+using namespace formats;
 
 // Stone.
 Image paintPaving();   // slabs in rings: u runs around, v outwards

@@ -1,9 +1,9 @@
-#include "tools/samples/kta_writer.h"
+#include "tools/formats/kta_writer.h"
 
-#include "tools/samples/byte_writer.h"
+#include "tools/formats/byte_writer.h"
 
 namespace keltra {
-namespace samples {
+namespace formats {
 namespace {
 
 constexpr char kMagic[] = "KTA file v1.6a";
@@ -36,5 +36,5 @@ std::vector<uint8_t> writeKta(const Animation &animation) {
     return out.take();
 }
 
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra

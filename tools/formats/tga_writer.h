@@ -1,5 +1,5 @@
-#ifndef KELTRA_SAMPLES_TGA_WRITER_H
-#define KELTRA_SAMPLES_TGA_WRITER_H
+#ifndef KELTRA_FORMATS_TGA_WRITER_H
+#define KELTRA_FORMATS_TGA_WRITER_H
 
 // Writes Targa images: uncompressed or run-length, 24 or 32 bits, rows from
 // the bottom up or from the top down.
@@ -8,7 +8,7 @@
 #include <vector>
 
 namespace keltra {
-namespace samples {
+namespace formats {
 
 struct Rgba {
     uint8_t r = 0, g = 0, b = 0, a = 255;
@@ -38,7 +38,7 @@ struct TgaOptions {
 // format asks.
 std::vector<uint8_t> writeTga(const Image &image, const TgaOptions &options);
 
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra
 
-#endif  // KELTRA_SAMPLES_TGA_WRITER_H
+#endif  // KELTRA_FORMATS_TGA_WRITER_H

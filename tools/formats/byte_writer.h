@@ -1,5 +1,5 @@
-#ifndef KELTRA_SAMPLES_BYTE_WRITER_H
-#define KELTRA_SAMPLES_BYTE_WRITER_H
+#ifndef KELTRA_FORMATS_BYTE_WRITER_H
+#define KELTRA_FORMATS_BYTE_WRITER_H
 
 // Appends little-endian values to a growing buffer, whatever the byte order of
 // the machine that runs it.
@@ -12,7 +12,7 @@
 #include <vector>
 
 namespace keltra {
-namespace samples {
+namespace formats {
 
 class ByteWriter {
    public:
@@ -56,7 +56,7 @@ class ByteWriter {
     std::vector<uint8_t> bytes_;
 };
 
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra
 
-#endif  // KELTRA_SAMPLES_BYTE_WRITER_H
+#endif  // KELTRA_FORMATS_BYTE_WRITER_H

@@ -1,9 +1,9 @@
-#include "tools/samples/tga_writer.h"
+#include "tools/formats/tga_writer.h"
 
-#include "tools/samples/byte_writer.h"
+#include "tools/formats/byte_writer.h"
 
 namespace keltra {
-namespace samples {
+namespace formats {
 namespace {
 
 constexpr unsigned kLongestPacket = 128;
@@ -83,5 +83,5 @@ std::vector<uint8_t> writeTga(const Image &image, const TgaOptions &options) {
     return out.take();
 }
 
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra

@@ -1,5 +1,5 @@
-#ifndef KELTRA_SAMPLES_KTA_WRITER_H
-#define KELTRA_SAMPLES_KTA_WRITER_H
+#ifndef KELTRA_FORMATS_KTA_WRITER_H
+#define KELTRA_FORMATS_KTA_WRITER_H
 
 // Writes KTA animation files, byte for byte the same on every machine, without the engine's own writer: each
 // checks the other. The structures hold what goes into the file and nothing is checked; the counts are the
@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "tools/samples/vec.h"
+#include "tools/formats/vec.h"
 
 namespace keltra {
-namespace samples {
+namespace formats {
 
 struct Keyframe {
     Vec3 rotation;  // degrees
@@ -34,7 +34,7 @@ constexpr size_t kKtaKeyframeSize = 25;
 // The bytes of the file.
 std::vector<uint8_t> writeKta(const Animation &animation);
 
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra
 
-#endif  // KELTRA_SAMPLES_KTA_WRITER_H
+#endif  // KELTRA_FORMATS_KTA_WRITER_H

@@ -1,9 +1,9 @@
-#include "tools/samples/kte_writer.h"
+#include "tools/formats/kte_writer.h"
 
-#include "tools/samples/byte_writer.h"
+#include "tools/formats/byte_writer.h"
 
 namespace keltra {
-namespace samples {
+namespace formats {
 namespace {
 
 // What version 1.5a stores after the vertex normals (one vector per vertex)
@@ -193,5 +193,5 @@ const Mark *findMark(const Marks &marks, const std::string &name) {
     return nullptr;
 }
 
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra

@@ -1,5 +1,5 @@
-#ifndef KELTRA_SAMPLES_VEC_H
-#define KELTRA_SAMPLES_VEC_H
+#ifndef KELTRA_FORMATS_VEC_H
+#define KELTRA_FORMATS_VEC_H
 
 // The writers' own small value types and the trigonometry of the sample
 // scene. The sine is a polynomial made of additions and multiplications only:
@@ -9,7 +9,7 @@
 #include <cmath>
 
 namespace keltra {
-namespace samples {
+namespace formats {
 
 struct Vec2 {
     float x = 0.0f, y = 0.0f;
@@ -68,7 +68,7 @@ inline Vec3 polar(float degrees, float radius, float y) {
     return {sine(degrees) * radius, y, cosine(degrees) * radius};
 }
 
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra
 
-#endif  // KELTRA_SAMPLES_VEC_H
+#endif  // KELTRA_FORMATS_VEC_H

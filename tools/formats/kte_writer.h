@@ -1,5 +1,5 @@
-#ifndef KELTRA_SAMPLES_KTE_WRITER_H
-#define KELTRA_SAMPLES_KTE_WRITER_H
+#ifndef KELTRA_FORMATS_KTE_WRITER_H
+#define KELTRA_FORMATS_KTE_WRITER_H
 
 // Writes KTE scene files, versions 1.5a and 1.6a, byte for byte the same on
 // every machine. The structures hold what goes into the file and nothing is
@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
-#include "tools/samples/vec.h"
+#include "tools/formats/vec.h"
 
 namespace keltra {
-namespace samples {
+namespace formats {
 
 enum class KteVersion { k15a, k16a };
 
@@ -95,7 +95,7 @@ std::vector<uint8_t> writeKte(const Scene &scene, KteVersion version, Marks *mar
 // The mark of that name, or null.
 const Mark *findMark(const Marks &marks, const std::string &name);
 
-}  // namespace samples
+}  // namespace formats
 }  // namespace keltra
 
-#endif  // KELTRA_SAMPLES_KTE_WRITER_H
+#endif  // KELTRA_FORMATS_KTE_WRITER_H
