@@ -9,8 +9,7 @@
 
 #include "tools/samples/figure_parts.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr size_t kMostVertices = 1550;  // sixteen figures are skinned in every frame
@@ -174,5 +173,4 @@ TEST(KtaWriter, CountsAreTheSizesOfTheLists) {
 }
 
 }  // namespace
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

@@ -7,8 +7,7 @@
 
 #include "tools/samples/scene.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr unsigned kLargestSide = 512;
@@ -176,5 +175,4 @@ TEST(Samples, PaintingsUseEveryFormOfTheFile) {
 }
 
 }  // namespace
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

@@ -4,8 +4,7 @@
 #include "tools/samples/noise.h"
 #include "tools/samples/parts.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr float kPavingEdge = 14.0f;
@@ -334,5 +333,4 @@ void addCourt(Node *root) {
     root->children.push_back(court);
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

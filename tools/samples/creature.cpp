@@ -2,8 +2,7 @@
 
 #include "tools/samples/parts.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr int kInfluences = 4;
@@ -333,5 +332,4 @@ void addSerpent(Node *root) {
     root->children.push_back(makeTail());
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

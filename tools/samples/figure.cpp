@@ -4,8 +4,7 @@
 #include "tools/samples/shapes.h"
 #include "tools/samples/textures.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 const FigureJoint kFigureJoints[kFigureBones] = {
     {"hips", -1, {0.0f, 0.74f, 0.0f}},
@@ -91,5 +90,4 @@ std::vector<SampleFile> makeFigureFiles() {
     return files;
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

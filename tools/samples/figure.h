@@ -10,8 +10,7 @@
 #include "tools/formats/kta_writer.h"
 #include "tools/samples/scene.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 using namespace formats;
 
@@ -28,7 +27,6 @@ Scene makeGarden();
 // figure.kte, walk.kta, wave.kta, meadow.kte, garden.kte, and their textures.
 std::vector<SampleFile> makeFigureFiles();
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_FIGURE_H

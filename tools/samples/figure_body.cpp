@@ -5,8 +5,7 @@
 #include "tools/samples/paint.h"
 #include "tools/samples/shapes.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr int kInfluences = 2;
@@ -296,5 +295,4 @@ Node makeFigureBody() {
     return body.finish();
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

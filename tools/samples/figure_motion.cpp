@@ -3,8 +3,7 @@
 #include "tools/samples/figure.h"
 #include "tools/samples/figure_parts.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr int kWalkFrames = 24;
@@ -144,5 +143,4 @@ Animation makeWalk() { return makeCircle(kWalkFrames, walkPose); }
 
 Animation makeWave() { return makeCircle(kWaveFrames, wavePose); }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

@@ -6,8 +6,7 @@
 #include "tools/formats/kte_writer.h"
 #include "tools/formats/tga_writer.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 using namespace formats;
 
@@ -70,7 +69,6 @@ Image paintDaySky();
 Image paintDuskSky();
 Image paintPaper();
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_FIGURE_PARTS_H

@@ -3,8 +3,7 @@
 #include "tools/samples/paint.h"
 #include "tools/samples/shapes.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr float kGroundHalf = 48.0f;
@@ -263,5 +262,4 @@ Scene makeGarden() {
     return scene;
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

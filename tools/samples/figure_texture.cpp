@@ -1,8 +1,7 @@
 #include "tools/samples/figure_parts.h"
 #include "tools/samples/paint.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 const Vec3 kSkinTone = {246, 200, 162};
@@ -159,5 +158,4 @@ Image paintFigure() {
     return image;
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

@@ -2,8 +2,7 @@
 
 #include "tools/samples/shapes.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr float kHalf = 2.0f;
@@ -44,5 +43,4 @@ std::vector<SampleFile> makeFilmFiles() {
     return {{"film.kte", writeKte(scene, KteVersion::k16a)}};
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

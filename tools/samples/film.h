@@ -7,14 +7,12 @@
 
 #include "tools/samples/scene.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 // film.kte: "box", a cube of 4 units with the whole texture, top row first, on each side, of the material
 // "screen", which shines by itself and waits for its texture.
 std::vector<SampleFile> makeFilmFiles();
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_FILM_H

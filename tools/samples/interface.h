@@ -7,13 +7,11 @@
 
 #include "tools/samples/scene.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 // panel.tga, what the controls lie on, and crescent.tga, an emblem whose shape is its alpha.
 std::vector<SampleFile> makeInterfaceFiles();
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_INTERFACE_H

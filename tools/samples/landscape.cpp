@@ -1,8 +1,7 @@
 #include "tools/samples/paint.h"
 #include "tools/samples/parts.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 constexpr float kGround = -1.2f;
@@ -133,5 +132,4 @@ void addLandscape(Node *root) {
     root->children.push_back(land);
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

@@ -1,7 +1,6 @@
 #include "tools/samples/parts.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 const Color kAmber = {1.0f, 0.64f, 0.32f, 1.0f};
@@ -115,5 +114,4 @@ void addLanterns(Node *root) {
     root->children.push_back(lights);
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

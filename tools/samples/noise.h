@@ -6,8 +6,7 @@
 
 #include <cstdint>
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 // 0 .. 65535, without visible order.
 inline int hashNoise(int x, int y, unsigned seed) {
@@ -50,7 +49,6 @@ inline float cloudNoise(int x, int y, int width, int height, int cell, int octav
     return static_cast<float>(sum / weight) * (1.0f / 65536.0f);
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_NOISE_H

@@ -11,8 +11,7 @@
 #include "tools/formats/tga_writer.h"
 #include "tools/formats/vec.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 using namespace formats;
 
@@ -48,7 +47,6 @@ Image painted(int width, int height, Paint paint) {
     return image;
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_PAINT_H

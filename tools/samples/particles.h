@@ -7,14 +7,12 @@
 
 #include "tools/samples/scene.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 // drop.tga, spark.tga and puff.tga. Their images keep to the right quarter of the square, between its
 // diagonals: an emitter's list of triangles shows that quarter whole or not at all.
 std::vector<SampleFile> makeParticleFiles();
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_PARTICLES_H

@@ -6,8 +6,7 @@
 
 #include "tools/samples/shapes.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 // Sky, ridges, mist, moon, ground and trees.
 void addLandscape(Node *root);
@@ -28,7 +27,6 @@ constexpr float kSpringing = 6.2f;      // height of the capitals
 constexpr float kWaterLevel = 0.55f;
 constexpr float kPoolRadius = 4.85f;
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_PARTS_H

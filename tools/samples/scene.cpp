@@ -3,8 +3,7 @@
 #include "tools/samples/parts.h"
 #include "tools/samples/textures.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 // Stone and skin: what light falls on.
@@ -109,5 +108,4 @@ std::vector<SampleFile> makeSampleFiles() {
     return files;
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

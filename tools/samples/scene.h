@@ -9,8 +9,7 @@
 
 #include "tools/formats/kte_writer.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 using namespace formats;
 
@@ -24,7 +23,6 @@ Scene makeScene();
 // scene.kte, the textures that it names, and scene.cfg, settings that suit it.
 std::vector<SampleFile> makeSampleFiles();
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_SCENE_H

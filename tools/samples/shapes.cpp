@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 Vec3 faceCross(const std::vector<Vec3> &vertices, const Face &face) {
@@ -197,5 +196,4 @@ Node pointLight(const std::string &name, Vec3 position, Vec3 color) {
     return node;
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

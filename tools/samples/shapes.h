@@ -10,8 +10,7 @@
 
 #include "tools/formats/kte_writer.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 using namespace formats;
 
@@ -84,7 +83,6 @@ class MeshBuilder {
 Node plainNode(const std::string &name, Vec3 position = {});
 Node pointLight(const std::string &name, Vec3 position, Vec3 color);
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_SHAPES_H

@@ -6,8 +6,7 @@
 
 #include "tools/formats/tga_writer.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 using namespace formats;
 
@@ -34,7 +33,6 @@ Image paintMist();  // alpha: densest at the bottom; repeats sideways only
 Image paintSky();   // repeats sideways only; the top row is the zenith
 Image paintMoon();  // alpha outside the disc; does not repeat
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
 
 #endif  // KELTRA_SAMPLES_TEXTURES_H

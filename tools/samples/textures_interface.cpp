@@ -1,8 +1,7 @@
 #include "tools/samples/interface.h"
 #include "tools/samples/paint.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 // Brushed slate, darker toward the bottom, under a bright edge.
@@ -38,5 +37,4 @@ std::vector<SampleFile> makeInterfaceFiles() {
             {"crescent.tga", writeTga(paintCrescent(), {true, 32, false})}};
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

@@ -1,8 +1,7 @@
 #include "tools/samples/paint.h"
 #include "tools/samples/textures.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 // Overlapping round scales in staggered rows: 1 at the lit upper rim of a
@@ -77,5 +76,4 @@ Image paintWater() {
     });
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

@@ -1,8 +1,7 @@
 #include "tools/samples/paint.h"
 #include "tools/samples/textures.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 // Distance from the middle of a square image, 1 at the middle of its edges.
@@ -123,5 +122,4 @@ Image paintPane() {
     });
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

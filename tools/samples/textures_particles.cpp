@@ -3,8 +3,7 @@
 #include "tools/samples/paint.h"
 #include "tools/samples/particles.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 
 namespace {
 
@@ -50,5 +49,4 @@ std::vector<SampleFile> makeParticleFiles() {
             {"puff.tga", writeTga(paintPuff(), {true, 32, false})}};
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples

@@ -1,8 +1,7 @@
 #include "tools/samples/paint.h"
 #include "tools/samples/textures.h"
 
-namespace keltra {
-namespace samples {
+namespace keltra::samples {
 namespace {
 
 // A wall of blocks: which block a pixel is in and how far from its joints.
@@ -104,5 +103,4 @@ Image paintMosaic() {
     });
 }
 
-}  // namespace samples
-}  // namespace keltra
+}  // namespace keltra::samples
