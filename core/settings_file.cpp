@@ -1,44 +1,63 @@
-#include <keltra/foundation.h>
-#include <keltra/settings.h>
+#include "core/settings_file.h"
 
-namespace {
-
-struct IntKey {
-    const char *name;
-    int KTSETTINGS::RECORD::*member;
-};
-
-struct BoolKey {
-    const char *name;
-    bool KTSETTINGS::RECORD::*member;
-};
-
-struct StringKey {
-    const char *name;
-    char (KTSETTINGS::RECORD::*member)[256];
-};
+namespace keltra {
 
 // A key leads to the member of its name. There is no key for forceFBO.
-#define KEY(name) \
-    { "KELTRA_" #name, &KTSETTINGS::RECORD::name }
+#define NAME(name) "KELTRA_" #name
+#define INTEGER(name) \
+    { NAME(name), &KTSETTINGS::RECORD::name, nullptr, nullptr }
+#define BOOLEAN(name) \
+    { NAME(name), nullptr, &KTSETTINGS::RECORD::name, nullptr }
+#define TEXT(name) \
+    { NAME(name), nullptr, nullptr, &KTSETTINGS::RECORD::name }
 
-const IntKey kIntKeys[] = {
-    KEY(windowX),       KEY(windowY),      KEY(colorDepth),    KEY(zetaDepth), KEY(stencilDepth),
-    KEY(FBOSizeX),      KEY(FBOSizeY),     KEY(shadowMapSize), KEY(waterSize), KEY(renderingElements),
-    KEY(audioChannels), KEY(audioBuffers), KEY(audioElements),
+const SettingsKey kSettingsKeys[kSettingsKeyCount] = {
+    INTEGER(windowX),
+    INTEGER(windowY),
+    INTEGER(colorDepth),
+    INTEGER(zetaDepth),
+    INTEGER(stencilDepth),
+    INTEGER(FBOSizeX),
+    INTEGER(FBOSizeY),
+    INTEGER(shadowMapSize),
+    INTEGER(waterSize),
+    INTEGER(renderingElements),
+    INTEGER(audioChannels),
+    INTEGER(audioBuffers),
+    INTEGER(audioElements),
+    BOOLEAN(fullScreen),
+    BOOLEAN(resizable),
+    BOOLEAN(landscape),
+    BOOLEAN(CAVESplashScreen),
+    BOOLEAN(useShaders),
+    TEXT(title),
+    TEXT(ktePath),
+    TEXT(ktaPath),
+    TEXT(mpgPath),
+    TEXT(texturePath),
+    TEXT(shaderPath),
+    TEXT(fontPath),
 };
 
-const BoolKey kBoolKeys[] = {
-    KEY(fullScreen), KEY(resizable), KEY(landscape), KEY(CAVESplashScreen), KEY(useShaders),
-};
+#undef NAME
+#undef INTEGER
+#undef BOOLEAN
+#undef TEXT
 
-const StringKey kStringKeys[] = {
-    KEY(title), KEY(ktePath), KEY(ktaPath), KEY(mpgPath), KEY(texturePath), KEY(shaderPath), KEY(fontPath),
-};
+bool readSetting(const vnfParser &text, const SettingsKey &key, KTSETTINGS::RECORD &record) {
+    vnfParser parser = text;
+    // A string without its two quotes counts as not found, yet its raw text stays in the member: meant, as is
+    // the parser.
+    if (key.text) return vnfParseString(&parser, key.name, record.*key.text);
+    if (key.integer) return vnfParseInt(&parser, key.name, &(record.*key.integer));
+    int value;
+    if (!vnfParseInt(&parser, key.name, &value)) return false;
+    // The low 8 bits count: 256 is false.
+    record.*key.boolean = (value & 0xff) != 0;
+    return true;
+}
 
-#undef KEY
-
-}  // namespace
+}  // namespace keltra
 
 // Each key is looked up by itself from the beginning of the file, so the order of the keys does not matter.
 bool KTSETTINGS::load(const char *path) {
@@ -46,16 +65,8 @@ bool KTSETTINGS::load(const char *path) {
     vnfParser parser = {};
     // The parser refuses an empty file and says so in the log; to the settings it is a file without keys.
     if (!vnfOpenParser(&parser, path)) return true;
-    vnfRemoveComments(&parser, '#');
-    for (const IntKey &key : kIntKeys) vnfParseInt(&parser, key.name, &(record.*key.member));
-    for (const BoolKey &key : kBoolKeys) {
-        int value;
-        // The low 8 bits count: 256 is false.
-        if (vnfParseInt(&parser, key.name, &value)) record.*key.member = (value & 0xff) != 0;
-    }
-    // A string without its two quotes counts as not found, yet its raw text stays in the member: meant, as is
-    // the parser.
-    for (const StringKey &key : kStringKeys) vnfParseString(&parser, key.name, record.*key.member);
+    vnfRemoveComments(&parser, keltra::kSettingsComment);
+    for (const keltra::SettingsKey &key : keltra::kSettingsKeys) keltra::readSetting(parser, key, record);
     vnfCloseParser(&parser);
     return true;
 }

@@ -20,17 +20,26 @@ namespace {
 // ends them at other places than the standard does.
 class MarkupScan {
    public:
-    MarkupScan(char *begin, char *end) : cursor(begin), end(end), depth(0), tags(0) {}
+    MarkupScan(char *begin, char *end)
+        : begin(begin), cursor(begin), tag(begin), end(end), depth(0), tags(0) {}
 
     bool run() {
-        while (char *tag = static_cast<char *>(std::memchr(cursor, '<', left()))) {
-            cursor = tag;
-            if (++tags > kMaxXmlTags || !skipMarkup()) return false;
+        while (char *next = static_cast<char *>(std::memchr(cursor, '<', left()))) {
+            tag = cursor = next;
+            if (++tags > kMaxXmlTags) return refused("more than 131072 tags");
+            if (!skipMarkup()) return refused("does not end");
         }
         return true;
     }
+    // Of a run that was false; the offset is that of the tag in the text.
+    Fault fault() const { return {static_cast<std::size_t>(tag - begin), "tag", reason}; }
 
    private:
+    // Notes the first reason; always false.
+    bool refused(const char *why) {
+        if (!reason) reason = why;
+        return false;
+    }
     std::size_t left() const { return static_cast<std::size_t>(end - cursor); }
     bool at(const char *text) const {
         const std::size_t length = std::strlen(text);
@@ -77,22 +86,25 @@ class MarkupScan {
             const char c = *cursor;
             if (c == '"' || c == '\'') {
                 cursor = static_cast<char *>(std::memchr(cursor + 1, c, left() - 1));
-                if (!cursor) return false;
+                if (!cursor) return refused("has a quote that is not closed");
             } else if (c == '=') {
-                if (++attributes > kMaxXmlAttributes) return false;
+                if (++attributes > kMaxXmlAttributes) return refused("has more than 64 attributes");
             } else if (c == '>') {
                 const bool closed = cursor[-1] == '/';
                 ++cursor;
-                return closed || ++depth <= kMaxXmlNesting;
+                return closed || ++depth <= kMaxXmlNesting || refused("nests deeper than 64 elements");
             }
         }
         return false;
     }
 
-    char *cursor;
+    char *begin, *cursor, *tag;
     char *end;
     unsigned depth, tags;
+    const char *reason = nullptr;
 };
+
+static_assert(kMaxXmlTags == 131072 && kMaxXmlAttributes == 64 && kMaxXmlNesting == 64, "as the reasons say");
 
 // Copies the text with one line feed for every kind of line end, as documents are to be read; returns its
 // end.
@@ -105,18 +117,83 @@ char *copyLines(char *target, const char *bytes, std::size_t size) {
     return target;
 }
 
-bool parseText(const char *text, TiXmlDocument &document) {
+// The offset in the bytes of what is at `offset` in their copy.
+std::size_t offsetInBytes(const char *bytes, std::size_t size, std::size_t offset) {
+    std::size_t i = 0;
+    for (; i < size; ++i) {
+        if (bytes[i] == '\r' && i + 1 < size && bytes[i + 1] == '\n') continue;
+        if (offset-- == 0) break;
+    }
+    return i;
+}
+
+const int kNoMemory = -1;
+
+// The parser's number of the error, 0 without one.
+int parseText(const char *text, TiXmlDocument &document, int tabSize) {
     try {
         document.Clear();
-        // Without tab stops the parser keeps no row and column: that code does not end on some byte
-        // sequences. As bytes, the text is never stepped over by a character's claimed length.
-        document.SetTabSize(0);
+        document.SetTabSize(tabSize);
         document.Parse(text, nullptr, TIXML_ENCODING_LEGACY);
-        if (!document.Error()) return true;
-        document.Clear();
+        return document.Error() ? document.ErrorId() : 0;
     } catch (const std::bad_alloc &) {
-        document.Clear();
+        return kNoMemory;
     }
+}
+
+Fault faultOf(int error) {
+    switch (error) {
+        case TiXmlBase::TIXML_ERROR_READING_ELEMENT_VALUE:
+            return {0, "element", "is not closed, or its contents are wrong"};
+        case TiXmlBase::TIXML_ERROR_PARSING_ELEMENT:
+            return {0, "element", "has no name, or an attribute twice"};
+        case TiXmlBase::TIXML_ERROR_FAILED_TO_READ_ELEMENT_NAME:
+            return {0, "element", "has no name"};
+        case TiXmlBase::TIXML_ERROR_READING_ATTRIBUTES:
+            return {0, "attribute", "is no name with a quoted value"};
+        case TiXmlBase::TIXML_ERROR_PARSING_EMPTY:
+            return {0, "tag", "ends in a slash without its bracket"};
+        case TiXmlBase::TIXML_ERROR_READING_END_TAG:
+            return {0, "end tag", "is not that of the element it ends"};
+        case TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY:
+            return {0, "document", "holds no markup"};
+        case kNoMemory:
+            return {0, "document", "memory is out"};
+        default:
+            return {0, "document", "is no XML"};
+    }
+}
+
+// The parser tells the place of an error only when it keeps row and column, and then does not end on some
+// bytes beyond ASCII. So the text is parsed once more with letters in place of those bytes, which is what
+// they count as. Should names that differed be the same then, the document's beginning stands for the place.
+Fault findError(char *text, int error) {
+    for (char *c = text; *c; ++c) {
+        const unsigned char byte = static_cast<unsigned char>(*c);
+        if (byte >= 127) *c = static_cast<char>('a' + byte % 26);
+    }
+    TiXmlDocument document;
+    Fault fault = faultOf(error);
+    if (parseText(text, document, 1) <= 0) return fault;
+    const char *at = text;
+    for (int row = document.ErrorRow(); row > 1 && *at; ++at) row -= *at == '\n';
+    for (int column = document.ErrorCol(); column > 1 && *at && *at != '\n'; --column) ++at;
+    fault.offset = static_cast<std::size_t>(at - text);
+    return fault;
+}
+
+bool parseCopy(char *text, char *end, TiXmlDocument &document, Fault *fault) {
+    MarkupScan scan(text, end);
+    if (!scan.run()) {
+        if (fault) *fault = scan.fault();
+        return false;
+    }
+    // Without tab stops the parser keeps no row and column: that code does not end on some byte sequences. As
+    // bytes, the text is never stepped over by a character's claimed length.
+    const int error = parseText(text, document, 0);
+    if (error == 0) return true;
+    document.Clear();
+    if (fault) *fault = findError(text, error);
     return false;
 }
 
@@ -127,19 +204,21 @@ bool loadXmlDocument(const char *path, TiXmlDocument &document) {
     return parseXmlDocument(file.data(), file.size(), document);
 }
 
-bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document) {
+bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document, Fault *fault) {
     document.Clear();
-    if (!bytes || size > static_cast<std::size_t>(kMaxXmlBytes) || std::memchr(bytes, '\0', size))
-        return false;
+    if (!bytes) return refuse(fault, 0, "document", "is empty or cannot be read");
+    if (size > static_cast<std::size_t>(kMaxXmlBytes))
+        return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), "document", "is larger than 4 MiB");
+    if (const void *zero = std::memchr(bytes, '\0', size))
+        return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - bytes), "document",
+                      "holds a zero byte");
     static const char kByteOrderMark[] = "\xEF\xBB\xBF";
-    if (size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0) {
-        bytes += 3;
-        size -= 3;
-    }
-    char *text = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(size + 1)));
-    if (!text) return false;
-    char *end = copyLines(text, bytes, size);
-    const bool parsed = MarkupScan(text, end).run() && parseText(text, document);
+    const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
+    char *text = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(size - mark + 1)));
+    if (!text) return refuse(fault, 0, "document", "memory is out");
+    char *end = copyLines(text, bytes + mark, size - mark);
+    const bool parsed = parseCopy(text, end, document, fault);
+    if (!parsed && fault) fault->offset = mark + offsetInBytes(bytes + mark, size - mark, fault->offset);
     vnfFree(text);
     return parsed;
 }

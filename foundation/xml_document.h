@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+#include "foundation/fault.h"
+
 class TiXmlDocument;
 
 namespace keltra {
@@ -16,9 +18,10 @@ constexpr unsigned kMaxXmlTags = 1u << 17;
 
 // The one way in which documents reach the parser: both measure the text first and are false, with the
 // document empty, for a file that cannot be read, text beyond a limit, and text that is no XML. Declarations
-// are skipped, and text is taken as bytes whatever encoding they name.
+// are skipped, and text is taken as bytes whatever encoding they name. `fault`, which may be null, is told
+// where in `bytes` the text is wrong.
 bool loadXmlDocument(const char *path, TiXmlDocument &document);
-bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document);
+bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document, Fault *fault = nullptr);
 
 // `atoi` with a defined result for every text: numbers beyond the type are clamped, and null is 0.
 int xmlInteger(const char *text);

@@ -15,12 +15,13 @@
 
 #include "foundation/text.h"
 #include "foundation/xml_document.h"
+#include "gui/gui_file.h"
 
 namespace {
 
 // A window takes four of the 65,535 identifiers and some ten kilobytes. A file that asks for more objects
 // gives the first ones.
-const unsigned int kMaxObjects = 8192;
+const unsigned int kMaxObjects = keltra::kGuiObjects;
 
 // --- objects
 
@@ -200,19 +201,20 @@ void readKind(const TiXmlElement &property, const Target &target) {
 struct Property {
     const char *name;
     void (*read)(const TiXmlElement &property, const Target &target);
+    const char *attributes[keltra::kGuiAttributes + 1];
 };
 
 const Property kProperties[] = {
-    {"name", readName},
-    {"title", readTitle},
-    {"position", readPosition},
-    {"size", readSize},
-    {"usefont", readFontReference},
-    {"texture", readTexture},
-    {"kerning", readKerning},
-    {"write", readText},
-    {"color", readColor},
-    {"kind", readKind},
+    {"name", readName, {"value"}},
+    {"title", readTitle, {"value"}},
+    {"position", readPosition, {"x", "y"}},
+    {"size", readSize, {"width", "height"}},
+    {"usefont", readFontReference, {"ref"}},
+    {"texture", readTexture, {"value"}},
+    {"kerning", readKerning, {"value"}},
+    {"write", readText, {"value"}},
+    {"color", readColor, {"r", "g", "b", "a"}},
+    {"kind", readKind, {"value"}},
 };
 
 void readProperties(const TiXmlElement &element, const Target &target) {
@@ -278,10 +280,27 @@ class InterfaceReader {
 
 }  // namespace
 
+namespace keltra {
+
+bool isGuiObject(const char *element) {
+    return findWidgetKind(element) || std::strcmp(element, kFontName) == 0;
+}
+
+const char *const *guiAttributes(const char *element) {
+    for (const Property &property : kProperties)
+        if (std::strcmp(property.name, element) == 0) return property.attributes;
+    return nullptr;
+}
+
+// Elements only: a comment that says nothing but "root" has that name too.
+const TiXmlElement *guiRoot(const TiXmlDocument &document) { return document.FirstChildElement("root"); }
+
+}  // namespace keltra
+
 KTNODE *KELTRA::loadXML(const char *fileName) {
     TiXmlDocument document;
     if (!keltra::loadXmlDocument(fileName, document)) return nullptr;
-    const TiXmlNode *description = document.FirstChild("root");
+    const TiXmlElement *description = keltra::guiRoot(document);
     KTNODE *root = description ? new (std::nothrow) KTNODE : nullptr;
     if (!root) return nullptr;
     root->setName(fileName);

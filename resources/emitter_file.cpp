@@ -9,6 +9,7 @@
 #include <new>
 
 #include "foundation/xml_document.h"
+#include "resources/emitter_file.h"
 
 namespace {
 
@@ -35,15 +36,10 @@ void readVector(const TiXmlElement &element, R3XVECTOR3D &value) {
     readReal(element, "z", value.z);
 }
 
-// A factor that GL does not know on this side would be an error at every draw.
 void readFactor(const TiXmlElement &element, bool isSource, unsigned int &factor) {
     int code = static_cast<int>(factor);
     readInteger(element, code);
-    const bool isShared =
-        code == GL_ZERO || code == GL_ONE || (code >= GL_SRC_ALPHA && code <= GL_ONE_MINUS_DST_ALPHA);
-    const bool isOfSource = code >= GL_DST_COLOR && code <= GL_SRC_ALPHA_SATURATE;
-    const bool isOfDestination = code == GL_SRC_COLOR || code == GL_ONE_MINUS_SRC_COLOR;
-    if (isShared || (isSource ? isOfSource : isOfDestination)) factor = static_cast<unsigned int>(code);
+    if (keltra::isBlendFactor(code, isSource)) factor = static_cast<unsigned int>(code);
 }
 
 bool readMaxima(KTEMITTER &emitter, const char *key, const TiXmlElement &element) {
@@ -121,14 +117,53 @@ void readSetting(KTEMITTER &emitter, const TiXmlElement &element) {
 
 }  // namespace
 
+namespace keltra {
+
+const EmitterSetting kEmitterSettings[kEmitterSettingCount] = {
+    {"type", EmitterValue::kInteger},
+    {"texture", EmitterValue::kText},
+    {"nbOfParticles", EmitterValue::kInteger},
+    {"maxEnergy", EmitterValue::kMaximum},
+    {"maxVelocity", EmitterValue::kMaximum},
+    {"maxAngle", EmitterValue::kReal},
+    {"emitterSize", EmitterValue::kSize},
+    {"radius", EmitterValue::kReal},
+    {"maxParticleSize", EmitterValue::kMaximum},
+    {"maxSpin", EmitterValue::kMaximum},
+    {"spinning", EmitterValue::kReal},
+    {"center", EmitterValue::kVector},
+    {"rotation", EmitterValue::kVector},
+    {"gravity", EmitterValue::kVector},
+    {"upVector", EmitterValue::kVector},
+    {"colorStart", EmitterValue::kVector},
+    {"colorEnd", EmitterValue::kVector},
+    {"blendingSrc", EmitterValue::kSourceFactor},
+    {"blendingDst", EmitterValue::kDestinationFactor},
+};
+
+bool isBlendFactor(int code, bool isSource) {
+    const bool isShared =
+        code == GL_ZERO || code == GL_ONE || (code >= GL_SRC_ALPHA && code <= GL_ONE_MINUS_DST_ALPHA);
+    const bool isOfSource = code >= GL_DST_COLOR && code <= GL_SRC_ALPHA_SATURATE;
+    const bool isOfDestination = code == GL_SRC_COLOR || code == GL_ONE_MINUS_SRC_COLOR;
+    return isShared || (isSource ? isOfSource : isOfDestination);
+}
+
+const TiXmlElement *emitterRoot(const TiXmlDocument &document) {
+    const TiXmlElement *root = document.RootElement();
+    return root && std::strcmp(root->Value(), "emitter") == 0 ? root : nullptr;
+}
+
+}  // namespace keltra
+
 bool KTEMITTER::load(const char *filename) {
     setNumberOfParticles(0);
     setTexture(nullptr);
     setTexture(new (std::nothrow) KTTEXTURE);
     TiXmlDocument document;
     if (!keltra::loadXmlDocument(filename, document)) return false;
-    const TiXmlElement *root = document.RootElement();
-    if (!root || std::strcmp(root->Value(), "emitter") != 0) return true;
+    const TiXmlElement *root = keltra::emitterRoot(document);
+    if (!root) return true;
     for (const TiXmlElement *child = root->FirstChildElement(); child; child = child->NextSiblingElement())
         readSetting(*this, *child);
     colorDelta = colorEnd - colorStart;

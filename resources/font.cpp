@@ -8,6 +8,7 @@
 #include "foundation/registry.h"
 #include "foundation/text.h"
 #include "resources/font_layout.h"
+#include "resources/kerning_file.h"
 
 #include <GLES/gl.h>
 
@@ -99,11 +100,6 @@ void bind(KTTEXTURE &texture) {
 unsigned int freeSlot() {
     if (KTFONT::fontCachedCurrent >= KTFONT::maxGlyphs) KTFONT::fontCachedCurrent = 0;
     return KTFONT::fontCachedCurrent;
-}
-
-void readKerning(vnfParser &file, const char *key, signed char &kerning) {
-    int value = 0;
-    if (vnfParseInt(&file, key, &value)) kerning = static_cast<signed char>(value);
 }
 
 }  // namespace
@@ -205,17 +201,10 @@ bool KTFONT::loadKerning(const char *filename) {
     if (!filename) return false;
     vnfParser file;
     if (!vnfOpenParser(&file, keltra::FilePath(fontPath, filename).text)) return false;
-    vnfRemoveComments(&file, '#');
-    // Keys match inside longer words: that of 'S' matches the line of SPACE too, so files name the characters
-    // that cannot stand in a key at their end.
-    char key[] = "KELTRA_kerning_?";
-    for (char c = kFirstCharacter; c < 127; ++c) {
-        key[sizeof key - 2] = c;
-        readKerning(file, key, kerning[cellOf(c)]);
-    }
-    readKerning(file, "KELTRA_kerning_SPACE", kerning[cellOf(' ')]);
-    readKerning(file, "KELTRA_kerning_DIESIS", kerning[cellOf('#')]);
-    readKerning(file, "KELTRA_kerning_EQUAL", kerning[cellOf('=')]);
+    vnfRemoveComments(&file, keltra::kKerningComment);
+    char key[keltra::kKerningKeySize];
+    for (unsigned int i = 0; i < keltra::kKerningKeys; ++i)
+        keltra::readKerning(file, keltra::kerningKey(i, key), kerning[cellOf(keltra::kerningCharacter(i))]);
     vnfCloseParser(&file);
     return true;
 }

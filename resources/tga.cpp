@@ -77,19 +77,25 @@ void repeat4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
     for (; pixels; --pixels, target += 4) std::memcpy(target, &pixel, 4);
 }
 
+bool refusePacket(const TgaImage &image, const std::uint8_t *at, const char *field, Fault *fault) {
+    const std::size_t offset = kHeaderSize + static_cast<std::size_t>(at - image.data);
+    return refuse(fault, offset, field, "the file ends before the image is full");
+}
+
 template <unsigned int kBytes>
-bool unpack(const TgaImage &image, std::uint8_t *target) {
+bool unpack(const TgaImage &image, std::uint8_t *target, Fault *fault) {
     const std::uint8_t *source = image.data;
     const std::uint8_t *const end = source + image.dataSize;
     std::size_t left = std::size_t{image.sizeX} * image.sizeY;
     while (left) {
-        if (source == end) return false;
+        if (source == end) return refusePacket(image, source, "packet", fault);
         const unsigned int packet = *source++;
         const bool run = packet >= kPacketPixels;
         // A last packet that is longer than the image is cut.
         const std::size_t pixels = std::min<std::size_t>(left, packet % kPacketPixels + 1);
         const std::size_t bytes = run ? kBytes : pixels * kBytes;
-        if (static_cast<std::size_t>(end - source) < bytes) return false;
+        if (static_cast<std::size_t>(end - source) < bytes)
+            return refusePacket(image, source, "pixels of a packet", fault);
         if (kBytes == 3)
             run ? repeat3(source, target, pixels) : convert3(source, target, pixels);
         else
@@ -108,30 +114,34 @@ void flipRows(std::uint8_t *pixels, std::size_t rowBytes, unsigned int rows) {
 
 }  // namespace
 
-bool parseTga(const void *file, std::size_t size, TgaImage &image) {
-    if (size < kHeaderSize) return false;
+bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault) {
+    if (size < kHeaderSize) return refuse(fault, size, "header", "ends before its 18 bytes");
     const std::uint8_t *header = static_cast<const std::uint8_t *>(file);
     const unsigned int bits = header[16];
-    if (bits != 24 && bits != 32) return false;
+    if (bits != 24 && bits != 32) return refuse(fault, 16, "bits a pixel", "neither 24 nor 32");
     image.sizeX = header[12] | header[13] << 8;
     image.sizeY = header[14] | header[15] << 8;
-    if (!isSize(image.sizeX) || !isSize(image.sizeY)) return false;
+    if (!isSize(image.sizeX)) return refuse(fault, 12, "width", "outside 1 to 512");
+    if (!isSize(image.sizeY)) return refuse(fault, 14, "height", "outside 1 to 512");
     image.kind = kindOf(header);
     image.bytesPerPixel = bits / 8;
     // Bit 5 says that the top row comes first, but any of bits 4 to 7 turns the picture: files rely on it.
     image.topDown = header[17] >= kFlippedDescriptor;
     image.data = header + kHeaderSize;
     image.dataSize = size - kHeaderSize;
-    return image.dataSize >= leastData(image);
+    if (image.dataSize >= leastData(image)) return true;
+    return refuse(fault, size, "pixels", "the file is too short for its image");
 }
 
-bool decodeTga(const TgaImage &image, std::uint8_t *target) {
-    if (image.kind == TgaKind::kOther || image.dataSize < leastData(image)) return false;
+bool decodeTga(const TgaImage &image, std::uint8_t *target, Fault *fault) {
+    if (image.kind == TgaKind::kOther) return refuse(fault, 0, "kind", "has no pixels that are read");
+    if (image.dataSize < leastData(image))
+        return refuse(fault, kHeaderSize + image.dataSize, "pixels", "the file is too short for its image");
     const bool hasAlpha = image.bytesPerPixel == 4;
     if (image.kind == TgaKind::kUncompressed) {
         const std::size_t pixels = std::size_t{image.sizeX} * image.sizeY;
         hasAlpha ? convert4(image.data, target, pixels) : convert3(image.data, target, pixels);
-    } else if (!(hasAlpha ? unpack<4>(image, target) : unpack<3>(image, target))) {
+    } else if (!(hasAlpha ? unpack<4>(image, target, fault) : unpack<3>(image, target, fault))) {
         return false;
     }
     if (image.topDown) flipRows(target, std::size_t{image.sizeX} * image.bytesPerPixel, image.sizeY);

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "foundation/fault.h"
+
 namespace keltra {
 
 const unsigned int kTgaMaxSize = 512;  // pixels in either direction
@@ -24,12 +26,12 @@ struct TgaImage {
 
 // Reads the header and checks that enough data follows. False for a depth other than 24 or 32, for a size
 // outside 1 to 512 and for data that cannot hold the image. Neither an uncompressed nor a run-length file is
-// kOther, which has no pixels: that is true.
-bool parseTga(const void *file, std::size_t size, TgaImage &image);
+// kOther, which has no pixels: that is true. `fault`, here and below, may be null.
+bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault = nullptr);
 
 // Unpacks the pixels into `target`, `image.bytes()` of it: R, G, B(, A), bottom row first. False when the
 // data ends early, after writing a part of them.
-bool decodeTga(const TgaImage &image, std::uint8_t *target);
+bool decodeTga(const TgaImage &image, std::uint8_t *target, Fault *fault = nullptr);
 
 }  // namespace keltra
 

@@ -90,7 +90,10 @@ void readOn(KTVIDEOSTREAM &stream) {
 }  // namespace
 
 bool openStream(KTVIDEOSTREAM &stream, const char *path) {
-    std::FILE *file = std::fopen(path, "rb");
+    return openStream(stream, std::fopen(path, "rb"));
+}
+
+bool openStream(KTVIDEOSTREAM &stream, std::FILE *file) {
     if (!file) return false;
     ClearedMemory cleared;
     mpeg2dec_t *decoder = mpeg2_init();
@@ -117,6 +120,22 @@ void closeStream(KTVIDEOSTREAM &stream) {
     stream.decoder = nullptr;
     stream.info = nullptr;
     stream.sequence = nullptr;
+}
+
+bool hasVideo() { return true; }
+
+VideoSequence sequenceOf(const KTVIDEOSTREAM &stream) {
+    VideoSequence result = {};
+    const mpeg2_sequence_t *sequence = stream.sequence;
+    if (!sequence) return result;
+    const double ticksPerSecond = 27e6;
+    const unsigned int variable = 0x3ffff * 50;  // 18 set bits of 400 bits a second
+    result.width = sequence->picture_width;
+    result.height = sequence->picture_height;
+    result.bytesPerSecond = sequence->byte_rate == variable ? 0 : sequence->byte_rate;
+    if (sequence->frame_period) result.rate = ticksPerSecond / sequence->frame_period;
+    if (sequence->pixel_height) result.aspect = double(sequence->pixel_width) / sequence->pixel_height;
+    return result;
 }
 
 bool stepStream(KTVIDEOSTREAM &stream, VideoPicture &picture) {

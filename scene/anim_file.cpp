@@ -3,43 +3,13 @@
 #include <cstdio>
 #include <cstring>
 
-#include "foundation/byte_reader.h"
 #include "foundation/file_bytes.h"
 #include "foundation/text.h"
+#include "scene/anim_record.h"
 
 namespace {
 
-const char kMagic[] = "KTA file v1.6a";
-const std::size_t kMagicSize = sizeof kMagic - 1;
 const unsigned char kEndOfText = 26;  // follows the magic, so that a text viewer stops there; not checked
-const std::size_t kKeyframeSize = 25;
-const std::size_t kNameSize = 256;
-
-using keltra::ByteReader;
-
-// A whole animation, checked; names and keyframes stay in the file's bytes.
-struct AnimRecord {
-    unsigned int bones, frames;
-    const char *names[KTANIM::maxBones];
-    const unsigned char *keyframes;
-};
-
-bool readAnim(ByteReader &reader, AnimRecord &record) {
-    const unsigned char *magic = reader.take(kMagicSize);
-    if (!magic || std::memcmp(magic, kMagic, kMagicSize) != 0) return false;
-    reader.skip(1);
-    record.bones = reader.u16();
-    record.frames = reader.u16();
-    if (record.bones > KTANIM::maxBones || record.frames > KTANIM::maxFrames) return false;
-    for (unsigned int bone = 0; bone < record.bones; ++bone) record.names[bone] = reader.string(kNameSize);
-    record.keyframes = reader.take(kKeyframeSize * record.frames * record.bones);
-    return reader.ok();
-}
-
-R3XVECTOR3D readVector(ByteReader &reader) {
-    float x = reader.f32(), y = reader.f32(), z = reader.f32();
-    return R3XVECTOR3D(x, y, z);
-}
 
 // Little-endian, on any machine.
 class Writer {
@@ -79,22 +49,16 @@ class Writer {
 bool KTANIM::load(const char *fileName) {
     if (!fileName || std::strlen(fileName) >= sizeof name) return false;
     keltra::FileBytes file(keltra::FilePath(ktaPath, fileName).text);
-    ByteReader reader(file.data(), file.size());
-    AnimRecord record;
-    if (!readAnim(reader, record)) return false;
+    keltra::AnimRecord record;
+    if (!keltra::readAnim(file.data(), file.size(), record)) return false;
     numberOfBones = static_cast<std::uint16_t>(record.bones);
     numberOfFrames = static_cast<std::uint16_t>(record.frames);
     for (unsigned int bone = 0; bone < record.bones; ++bone)
         keltra::copyText(boneNames[bone], record.names[bone]);
-    ByteReader keyframeReader(record.keyframes, kKeyframeSize * record.frames * record.bones);
-    for (unsigned int frame = 0; frame < record.frames; ++frame) {
-        for (unsigned int bone = 0; bone < record.bones; ++bone) {
-            KTBONEFRAME &keyframe = keyframes[frame][bone];
-            keyframe.rotation = readVector(keyframeReader);
-            keyframe.position = readVector(keyframeReader);
-            keyframe.set = keyframeReader.u8() != 0;
-        }
-    }
+    keltra::ByteReader reader = keltra::keyframesOf(record);
+    for (unsigned int frame = 0; frame < record.frames; ++frame)
+        for (unsigned int bone = 0; bone < record.bones; ++bone)
+            keltra::readKeyframe(reader, keyframes[frame][bone]);
     keltra::copyText(name, fileName);
     return true;
 }
@@ -102,12 +66,12 @@ bool KTANIM::load(const char *fileName) {
 bool KTANIM::save(const char *path) {
     if (!path) return false;
     Writer writer(path);
-    writer.bytes(kMagic, kMagicSize);
+    writer.bytes(keltra::kAnimMagic, std::strlen(keltra::kAnimMagic));
     writer.u8(kEndOfText);
     writer.u16(bones());
     writer.u16(frames());
     for (unsigned int bone = 0; bone < bones(); ++bone) {
-        std::size_t length = ::strnlen(boneNames[bone], kNameSize - 1);
+        std::size_t length = ::strnlen(boneNames[bone], sizeof boneNames[bone] - 1);
         writer.bytes(boneNames[bone], length);
         writer.u8(0);
     }

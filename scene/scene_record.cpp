@@ -70,7 +70,9 @@ void readSkin(FieldReader &reader, MeshRecord &record, std::size_t &influencesOf
     }
 }
 
-bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int &children) {
+// Reads the node at the cursor, shows it to the visitor and returns whether it is good.
+bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int level, unsigned int &children,
+                 SceneVisitor *visitor) {
     const std::size_t offset = reader.position();
     const unsigned int type = reader.u8("type");
     if (!reader.isWhole()) return false;
@@ -78,21 +80,33 @@ bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int &children) {
         PlainRecord record;
         if (!readPlain(reader, record)) return false;
         children = record.children;
+        if (visitor) visitor->plain(record, level);
     } else if (type == kLightRecord) {
         LightRecord record;
         if (!readLight(reader, record)) return false;
         children = record.children;
+        if (visitor) visitor->light(record, level);
     } else if (type == kMeshRecord) {
         MeshRecord record;
         if (!readMesh(reader, oldVersion, record)) return false;
         children = record.children;
+        if (visitor) visitor->mesh(record, level);
     } else {
         return reader.refuse(offset, "type", "unknown node type");
     }
     return true;
 }
 
-bool checkTree(FieldReader &reader, bool oldVersion) {
+bool checkMaterials(FieldReader &reader, unsigned int count, SceneVisitor *visitor) {
+    for (unsigned int i = 0; i < count; ++i) {
+        MaterialRecord material;
+        if (!readMaterial(reader, material)) return false;
+        if (visitor) visitor->material(material);
+    }
+    return true;
+}
+
+bool checkTree(FieldReader &reader, bool oldVersion, SceneVisitor *visitor) {
     std::uint16_t pending[kMaxTreeDepth + 1] = {
         1};  // by level: nodes still to come; the root is the one of level 0
     unsigned int level = 0;
@@ -101,7 +115,7 @@ bool checkTree(FieldReader &reader, bool oldVersion) {
             if (level-- == 0) return true;
         --pending[level];
         unsigned int children = 0;
-        if (!readAnyNode(reader, oldVersion, children)) return false;
+        if (!readAnyNode(reader, oldVersion, level, children, visitor)) return false;
         if (children == 0) continue;
         if (++level == kMaxTreeDepth) return reader.refuse(reader.position(), "type", "nodes nest too deep");
         pending[level] = static_cast<std::uint16_t>(children);
@@ -187,15 +201,14 @@ bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record) {
            acceptChildren(reader, childrenOffset, record.children);
 }
 
-bool checkScene(const void *bytes, std::size_t size, SceneFault &fault) {
+bool checkScene(const void *bytes, std::size_t size, SceneFault &fault, SceneVisitor *visitor) {
     FieldReader reader(bytes, size);
     SceneHeader header;
     bool good = readHeader(reader, header);
-    for (unsigned int i = 0; good && i < header.materials; ++i) {
-        MaterialRecord material;
-        good = readMaterial(reader, material);
-    }
-    good = good && checkTree(reader, header.oldVersion);
+    if (good && visitor) visitor->header(header);
+    good = good && checkMaterials(reader, header.materials, visitor) &&
+           checkTree(reader, header.oldVersion, visitor);
+    if (good && visitor) visitor->end(reader.position());
     fault = reader.fault();
     return good;
 }

@@ -8,71 +8,17 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "foundation/byte_reader.h"
+#include "foundation/field_reader.h"
 
 namespace keltra {
 
-constexpr std::size_t kSceneNameSize = 256;  // of a name with its terminating zero, at most
-constexpr unsigned int kSceneBones = 100;    // bones that influences can address
+constexpr std::size_t kSceneNameSize = kFieldNameSize;
+constexpr unsigned int kSceneBones = 100;  // bones that influences can address
 constexpr std::size_t kVectorSize = 12, kUVSize = 8, kFaceSize = 6;
 
 enum NodeRecordType { kPlainRecord = 0, kLightRecord = 1, kMeshRecord = 2 };
 
-// Where a file is damaged: the offset and name of the field, and what is wrong with it.
-struct SceneFault {
-    std::size_t offset;
-    const char *field;
-    const char *reason;
-};
-
-// Reads fields by name, so that a fault can be told. After an overrun everything reads as zero.
-class FieldReader {
-   public:
-    FieldReader(const void *bytes, std::size_t size)
-        : reader(bytes, size), fieldOffset(0), field(""), found{0, "", nullptr} {}
-
-    std::uint8_t u8(const char *name) { return at(name).u8(); }
-    std::uint16_t u16(const char *name) { return at(name).u16(); }
-    std::uint32_t u32(const char *name) { return at(name).u32(); }
-    float f32(const char *name) { return at(name).f32(); }
-    void floats(const char *name, float *values, int count) {
-        at(name);
-        for (int i = 0; i < count; ++i) values[i] = reader.f32();
-    }
-    const char *string(const char *name) { return at(name).string(kSceneNameSize); }
-    const unsigned char *array(const char *name, std::uint64_t elements, std::size_t elementSize) {
-        const std::uint64_t bytes = elements * elementSize;
-        return at(name).take(bytes > SIZE_MAX ? SIZE_MAX : static_cast<std::size_t>(bytes));
-    }
-
-    std::size_t remaining() const { return reader.remaining(); }
-    std::size_t position() const { return reader.position(); }
-    // False when a field reached past the end or a name is too long; the fault says which.
-    bool isWhole() {
-        if (!reader.ok() && !found.reason) found = {fieldOffset, field, "ends early or is too long"};
-        return reader.ok();
-    }
-    // Notes the first fault; always false.
-    bool refuse(std::size_t offset, const char *name, const char *reason) {
-        if (!found.reason) found = {offset, name, reason};
-        return false;
-    }
-    const SceneFault &fault() const { return found; }
-
-   private:
-    ByteReader &at(const char *name) {
-        if (reader.ok()) {
-            fieldOffset = reader.position();
-            field = name;
-        }
-        return reader;
-    }
-
-    ByteReader reader;
-    std::size_t fieldOffset;
-    const char *field;
-    SceneFault found;
-};
+using SceneFault = Fault;
 
 struct SceneHeader {
     bool oldVersion;  // 1.5a
@@ -125,9 +71,23 @@ bool readPlain(FieldReader &reader, PlainRecord &record);
 bool readLight(FieldReader &reader, LightRecord &record);
 bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record);
 
+// Is shown the records of a scene in file order, each once it is read and accepted. `level` is the depth of a
+// node, 0 for the root.
+class SceneVisitor {
+   public:
+    virtual ~SceneVisitor() = default;
+    virtual void header(const SceneHeader &) {}
+    virtual void material(const MaterialRecord &) {}
+    virtual void plain(const PlainRecord &, unsigned int) {}
+    virtual void light(const LightRecord &, unsigned int) {}
+    virtual void mesh(const MeshRecord &, unsigned int) {}
+    // The offset behind the tree, when all of it is good.
+    virtual void end(std::size_t) {}
+};
+
 // True for a whole, consistent scene file whose tree nests no deeper than trees may; what follows the tree is
-// not looked at. Otherwise `fault` tells what is wrong.
-bool checkScene(const void *bytes, std::size_t size, SceneFault &fault);
+// not looked at. Otherwise `fault` tells what is wrong. The visitor may be null.
+bool checkScene(const void *bytes, std::size_t size, SceneFault &fault, SceneVisitor *visitor = nullptr);
 
 }  // namespace keltra
 

@@ -1,13 +1,11 @@
 #include "examples/support/example.h"
 
-#include <GLES/gl.h>
 #include <SDL.h>
-#include <keltra/settings.h>
-#include <png.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <vector>
+
+#include "tools/support/shot.h"
 
 namespace example {
 namespace {
@@ -45,19 +43,9 @@ bool quitRequested() {
 }
 
 bool saveShot(const std::string &path) {
-    const int width = KTSETTINGS::getSDLWindowX(), height = KTSETTINGS::getSDLWindowY();
-    std::vector<unsigned char> pixels(static_cast<size_t>(width) * static_cast<size_t>(height) * 4);
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    for (size_t alpha = 3; alpha < pixels.size(); alpha += 4) pixels[alpha] = 255;  // the window is opaque
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(width);
-    image.height = static_cast<png_uint_32>(height);
-    image.format = PNG_FORMAT_RGBA;
-    // GL's first row is the bottom one: a negative stride writes from the last.
-    if (!png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), -width * 4, nullptr)) {
-        std::fprintf(stderr, "cannot write %s: %s\n", path.c_str(), image.message);
+    std::string reason;
+    if (!keltra::support::saveShot(keltra::support::takeShot(), path, &reason)) {
+        std::fprintf(stderr, "cannot write %s: %s\n", path.c_str(), reason.c_str());
         return false;
     }
     std::printf("picture: %s\n", path.c_str());

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 
+#include "tests/support/same_verdict.h"
 #include "tests/support/temp_file.h"
 
 namespace keltra::test {
@@ -16,7 +17,11 @@ using ::testing::HasSubstr;
 
 class SettingsFileTest : public ::testing::Test {
    protected:
-    bool load(const std::string &text) { return settings.load(folder.write("settings.txt", text).c_str()); }
+    bool load(const std::string &text) {
+        const bool loaded = settings.load(folder.write("settings.txt", text).c_str());
+        expectSameVerdict("settings", text, loaded);
+        return loaded;
+    }
 
     const TempFolder folder;
     KTSETTINGS settings;

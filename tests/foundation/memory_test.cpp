@@ -8,7 +8,7 @@
 #include "foundation/lifecycle.h"
 #include "tests/foundation/foundation_fixture.h"
 #include "tests/support/allocations.h"
-#include "tests/support/interpose.h"
+#include "tools/support/interpose.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ constexpr unsigned int kPage = 4096;
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) int sysinfo(struct sysinfo *info) noexcept {
-    if (!memoryIsFaked) return keltra::test::nextFunction<int(struct sysinfo *)>("sysinfo")(info);
+    if (!memoryIsFaked) return keltra::nextFunction<int(struct sysinfo *)>("sysinfo")(info);
     if (memoryFails) return -1;
     *info = {};
     info->totalram = totalPages;

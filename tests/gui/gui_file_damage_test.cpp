@@ -1,6 +1,7 @@
 #include <tinyxml.h>
 
 #include "tests/gui/gui_file_fixture.h"
+#include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
 
 namespace keltra::test {
@@ -63,11 +64,13 @@ TEST_F(GuiFileDamageTest, EveryDamagedByteIsRefusedOrGivesAnInterface) {
 
 TEST_F(GuiFileDamageTest, DeepNestingIsRefusedOnTheDevicesStack) {
     for (unsigned depth : {63u, 64u, 300u, 100000u}) {
-        folder.write("deep.xml", "<root>" + repeat("<box>", depth) + repeat("</box>", depth) + "</root>");
+        const std::string text = "<root>" + repeat("<box>", depth) + repeat("</box>", depth) + "</root>";
+        folder.write("deep.xml", text);
         const std::vector<unsigned> before = countAll();
         KTNODE *root = nullptr;
         ASSERT_TRUE(runOnSmallStack([&] { root = KELTRA::load("deep.xml"); }));
         EXPECT_EQ(root != nullptr, depth == 63) << depth;
+        expectSameVerdict("gui", text, root != nullptr);
         EXPECT_EQ(countAll() == before, root == nullptr) << depth;
     }
 }
@@ -91,6 +94,13 @@ TEST_F(GuiFileDamageTest, ADocumentOfTheCallersMayNestDeeper) {
     for (KTNODE *node = &parent; node->getNumberOfChildren(); node = node->getChild(0)) ++depth;
     EXPECT_EQ(depth, 64u);
     KTNODE::cleanUp();
+}
+
+TEST_F(GuiFileDamageTest, ACommentIsNoRoot) {
+    EXPECT_EQ(loadText("<!--root-->"), nullptr);
+    KTNODE *root = loadText("<!--root--><root><box/></root>");
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(root->getNumberOfChildren(), 1u);
 }
 
 TEST_F(GuiFileDamageTest, NullAndOtherNodesMakeNothing) {

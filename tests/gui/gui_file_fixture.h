@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tests/support/engine_fixture.h"
+#include "tests/support/same_verdict.h"
 #include "tests/support/temp_file.h"
 #include "tools/formats/tga_writer.h"
 
@@ -26,7 +27,9 @@ class GuiFileTest : public EngineTest {
     KTNODE *loadText(const std::string &text) {
         const std::string name = "gui" + std::to_string(++loads) + ".xml";
         folder.write(name, text);
-        return KELTRA::load(name.c_str());
+        KTNODE *root = KELTRA::load(name.c_str());
+        expectSameVerdict("gui", text, root != nullptr);
+        return root;
     }
     /// The only widget of a description, of the class's type code, with the font "small" before it.
     template <class Widget>

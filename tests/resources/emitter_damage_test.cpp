@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tests/resources/texture_fixture.h"
+#include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
 
 namespace keltra::test {
@@ -27,6 +28,7 @@ class EmitterDamageTest : public TextureTest {
 
     bool load(const std::string &text) {
         const bool loaded = emitter.load(folder.write("damaged.xml", text).c_str());
+        expectSameVerdict("emitter", text, loaded);
         EXPECT_EQ(KTTEXTURE::getNumberOfTextures(), 1u);
         EXPECT_NE(emitter.getTexture(), nullptr);
         if (!loaded) {

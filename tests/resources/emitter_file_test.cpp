@@ -3,6 +3,7 @@
 #include <string>
 
 #include "tests/resources/texture_fixture.h"
+#include "tests/support/same_verdict.h"
 
 namespace keltra::test {
 namespace {
@@ -11,7 +12,9 @@ namespace {
 class EmitterFileTest : public TextureTest {
    protected:
     static bool loadText(KTEMITTER &emitter, const TempFolder &folder, const std::string &text) {
-        return emitter.load(folder.write("emitter.xml", text).c_str());
+        const bool loaded = emitter.load(folder.write("emitter.xml", text).c_str());
+        expectSameVerdict("emitter", text, loaded);
+        return loaded;
     }
     bool load(KTEMITTER &emitter, const std::string &body) {
         return loadText(emitter, folder, "<?xml version='1.0'?><emitter>" + body + "</emitter>");

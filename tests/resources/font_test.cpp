@@ -3,6 +3,7 @@
 
 #include "tests/resources/texture_fixture.h"
 #include "tests/support/allocations.h"
+#include "tests/support/same_verdict.h"
 
 namespace keltra::test {
 namespace {
@@ -459,6 +460,7 @@ TEST_F(FontTest, RefusesKerningFilesThatAreNotThere) {
     EXPECT_FALSE(font->loadKerning(nullptr));
     EXPECT_FALSE(font->loadKerning("none.txt"));
     EXPECT_FALSE(font->loadKerning("empty.txt"));
+    expectSameVerdict("kerning", "", false);
     EXPECT_FALSE(font->loadKerning(std::string(5000, 'f').c_str()));
     EXPECT_EQ(font->getKerning('A'), 3);
 }
@@ -471,6 +473,7 @@ TEST_F(FontTest, DamagedKerningFilesDoNoHarm) {
     for (std::size_t size = 1; size <= text.size(); size += size < 100 ? 1 : 37) {
         folder.write("a.txt", std::string_view(text).substr(0, size));
         EXPECT_TRUE(font->loadKerning("a.txt")) << size;
+        expectSameVerdict("kerning", std::string_view(text).substr(0, size), true);
     }
     EXPECT_EQ(font->getKerning('B'), 300 - 256) << "the low byte";
     EXPECT_EQ(font->getKerning('C'), 0);

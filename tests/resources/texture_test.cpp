@@ -1,6 +1,7 @@
 #include "foundation/text.h"
 #include "tests/resources/texture_fixture.h"
 #include "tests/support/allocations.h"
+#include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
 
 namespace keltra::test {
@@ -96,8 +97,10 @@ TEST_F(TextureTest, LimitsSizesAndDepths) {
     folder.write("zero.tga", joined(tgaHeader(kUncompressed, 0, 4, 24), Bytes(64)));
     folder.write("16.tga", joined(tgaHeader(kUncompressed, 4, 4, 16), Bytes(64)));
     folder.write("8.tga", joined(tgaHeader(kUncompressed, 4, 4, 8), Bytes(64)));
-    for (const char *name : {"wide.tga", "high.tga", "zero.tga", "16.tga", "8.tga"})
+    for (const char *name : {"wide.tga", "high.tga", "zero.tga", "16.tga", "8.tga"}) {
         EXPECT_FALSE(texture.load(name)) << name;
+        expectSameVerdict("tga", readFile(folder.path(name)), false);
+    }
     EXPECT_EQ(texture.getSizeX(), 512u);
 }
 
@@ -134,6 +137,7 @@ TEST_F(TextureTest, RefusesEveryTruncationOfAFile) {
         for (std::size_t size = 0; size < file.size(); ++size) {
             folder.write("cut.tga", Bytes(file.begin(), file.begin() + size));
             EXPECT_FALSE(texture.load("cut.tga")) << size << " of " << file.size();
+            expectSameVerdict("tga", file.data(), size, false);
         }
     EXPECT_EQ(texture.getBitmap(), nullptr);
     EXPECT_EQ(KTTEXTURE::getUsedMemory(), 0u);
@@ -145,6 +149,7 @@ TEST_F(TextureTest, FileOfAnotherKindGivesATextureWithoutPixels) {
     KTTEXTURE texture;
     ASSERT_TRUE(texture.load("good.tga"));
     EXPECT_TRUE(texture.load("mapped.tga"));
+    expectSameVerdict("tga", readFile(folder.path("mapped.tga")), true);
     EXPECT_EQ(texture.getBitmap(), nullptr);
     EXPECT_EQ(texture.getSizeX(), 8u);
     EXPECT_EQ(texture.getSizeY(), 2u);

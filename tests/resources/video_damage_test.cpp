@@ -1,5 +1,6 @@
 #include "tests/resources/video_fixture.h"
 #include "tests/support/allocations.h"
+#include "tests/support/same_verdict.h"
 
 #include <random>
 
@@ -22,12 +23,30 @@ class VideoDamageTest : public VideoTest {
         ASSERT_TRUE(video.load("damaged.m1v"));
         playOut(video);
         expectNoGlError();
+        expectSameVerdict("video", bytes, showsPicture());
         GlRecorder::clear();
+    }
+
+    /// Whether the film "damaged.m1v" shows anything to a texture that takes every picture.
+    bool showsPicture() {
+        video.load("damaged.m1v");
+        KTTEXTURE *small = video.getTexture();
+        small->incReferences();
+        video.setTexture(large);
+        GlRecorder::clear();
+        video.play();
+        while (video.getStatus() == KT_VIDEO_PLAYING && uploads() == 0) video.update(1);
+        const bool shows = uploads() != 0;
+        video.setTexture(small);
+        small->decReferences();
+        return shows;
     }
 
     void SetUp() override {
         VideoTest::SetUp();
         video.setTexture(target(64, 48));
+        large = target(512, 512);
+        large->incReferences();
     }
 
     /// A film whose first sequence header says another size.
@@ -40,6 +59,7 @@ class VideoDamageTest : public VideoTest {
     }
 
     KTVIDEO video;
+    KTTEXTURE *large = nullptr;
 };
 
 TEST_F(VideoDamageTest, APictureLargerThanTheTextureIsNotWritten) {

@@ -10,9 +10,10 @@
 #include "foundation/lifecycle.h"
 #include "tests/scene/anim_fixture.h"
 #include "tests/support/allocations.h"
+#include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
-#include "tools/samples/figure.h"
 #include "tools/formats/kta_writer.h"
+#include "tools/samples/figure.h"
 
 namespace keltra::test {
 namespace {
@@ -52,7 +53,9 @@ class AnimFileTest : public AnimTest {
     bool loadBytes(KTANIM *anim, const Bytes &bytes, const char *name = "test.kta") {
         std::remove(folder.path(name).c_str());
         folder.write(name, bytes);
-        return anim->load(name);
+        const bool loaded = anim->load(name);
+        expectSameVerdict("kta", bytes, loaded);
+        return loaded;
     }
 
     Bytes saved(KTANIM *anim) {

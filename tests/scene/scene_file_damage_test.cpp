@@ -7,6 +7,7 @@
 
 #include "tests/scene/scene_parts.h"
 #include "tests/support/allocations.h"
+#include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
 #include "tools/formats/byte_writer.h"
 #include "tools/formats/tga_writer.h"
@@ -50,7 +51,9 @@ class SceneDamageTest : public SceneTest {
     KTNODE *loadBytes(const Bytes &bytes) {
         std::remove(folder.path("damaged.kte").c_str());
         folder.write("damaged.kte", bytes);
-        return KELTRA::load("damaged.kte");
+        KTNODE *root = KELTRA::load("damaged.kte");
+        expectSameVerdict("kte", bytes, root != nullptr);
+        return root;
     }
 
     /// The load fails and everything is as it was.
@@ -252,6 +255,7 @@ TEST_F(SceneDamageTest, AnEndlessChainIsRefusedOnTheDevicesStack) {
     }));
     EXPECT_EQ(root, nullptr);
     EXPECT_EQ(subtree, nullptr);
+    expectSameVerdict("kte", bytes, false);
     expectUntouched();
 }
 

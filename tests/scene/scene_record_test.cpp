@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/support/allocations.h"
+#include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
 #include "tools/formats/kte_writer.h"
 
@@ -54,6 +55,7 @@ class SceneRecordTest : public testing::Test {
         EXPECT_EQ(fault.offset, offset);
         EXPECT_STREQ(fault.field, field);
         EXPECT_STREQ(fault.reason, reason);
+        expectSameVerdict("kte", bytes, false);
     }
 
     formats::Marks marks;

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <map>
 
-#include "tests/support/gl_functions.h"
-#include "tests/support/interpose.h"
+#include "tools/support/gl_functions.h"
+#include "tools/support/interpose.h"
 
 namespace keltra::test {
 namespace {
@@ -223,7 +223,7 @@ GlRecorder::Stub::~Stub() { state() = State(); }
 }  // namespace keltra::test
 
 using keltra::test::GlFunction;
-using keltra::test::Signature;
+using keltra::Signature;
 using keltra::test::Wrapper;
 
 #define KELTRA_WRAP(n, f, isFloat)                                                                  \

@@ -6,7 +6,7 @@
 
 #include <time.h>
 
-#include "tests/support/interpose.h"
+#include "tools/support/interpose.h"
 
 namespace keltra::test {
 
@@ -32,7 +32,7 @@ class HeldClock {
 extern "C" __attribute__((visibility("default"))) int clock_gettime(clockid_t clock, timespec *now) noexcept {
     using keltra::test::HeldClock;
     if (!HeldClock::held || clock != CLOCK_MONOTONIC)
-        return keltra::test::nextFunction<int(clockid_t, timespec *)>("clock_gettime")(clock, now);
+        return keltra::nextFunction<int(clockid_t, timespec *)>("clock_gettime")(clock, now);
     *now = HeldClock::now;
     return 0;
 }

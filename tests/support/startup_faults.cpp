@@ -6,7 +6,7 @@
 
 #include <map>
 
-#include "tests/support/interpose.h"
+#include "tools/support/interpose.h"
 
 namespace keltra::test {
 namespace {
@@ -96,7 +96,7 @@ std::vector<Call> StartupFaults::all(std::string_view name) { return state().log
 
 }  // namespace keltra::test
 
-using keltra::test::Signature;
+using keltra::Signature;
 
 #define KELTRA_WRAP(n, f, failure)                                                                        \
     extern "C" __attribute__((visibility("default"))) Signature<decltype(f)>::Result f(                   \

@@ -4,8 +4,7 @@
 
 #include <cstring>
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -233,5 +232,4 @@ TEST(KteWriter, WritesListsThatDisagreeAsTheyAre) {
 }
 
 }  // namespace
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats

@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -96,5 +95,4 @@ TEST(TgaWriter, AlphaEndsARunOnlyWhereItIsStored) {
 }
 
 }  // namespace
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats

@@ -11,8 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 
 class ByteWriter {
    public:
@@ -56,7 +55,6 @@ class ByteWriter {
     std::vector<uint8_t> bytes_;
 };
 
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats
 
 #endif  // KELTRA_FORMATS_BYTE_WRITER_H

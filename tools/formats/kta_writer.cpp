@@ -2,12 +2,10 @@
 
 #include "tools/formats/byte_writer.h"
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 namespace {
 
 constexpr char kMagic[] = "KTA file v1.6a";
-constexpr unsigned kEndOfText = 26;
 
 void putVector(ByteWriter *out, Vec3 v) {
     out->f32(v.x);
@@ -20,7 +18,7 @@ void putVector(ByteWriter *out, Vec3 v) {
 std::vector<uint8_t> writeKta(const Animation &animation) {
     ByteWriter out;
     out.raw(kMagic, sizeof(kMagic) - 1);
-    out.u8(kEndOfText);
+    out.u8(animation.endOfText);
     out.u16(static_cast<unsigned>(animation.bones.size() & 0xFFFF));
     out.u16(static_cast<unsigned>(animation.frames.size() & 0xFFFF));
     for (const std::string &bone : animation.bones) {
@@ -30,11 +28,11 @@ std::vector<uint8_t> writeKta(const Animation &animation) {
         for (const Keyframe &keyframe : frame) {
             putVector(&out, keyframe.rotation);
             putVector(&out, keyframe.position);
-            out.u8(keyframe.set ? 1 : 0);
+            out.u8(keyframe.set ? keyframe.setByte : 0);
         }
     }
+    out.raw(animation.rest.data(), animation.rest.size());
     return out.take();
 }
 
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats

@@ -12,18 +12,20 @@
 
 #include "tools/formats/vec.h"
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 
 struct Keyframe {
     Vec3 rotation;  // degrees
     Vec3 position;
-    bool set = true;  // given explicitly, not interpolated
+    bool set = true;      // given explicitly, not interpolated
+    uint8_t setByte = 1;  // what a set keyframe is marked with
 };
 
 struct Animation {
     std::vector<std::string> bones;
     std::vector<std::vector<Keyframe>> frames;  // in each frame one keyframe a bone
+    uint8_t endOfText = 26;
+    std::vector<uint8_t> rest;  // behind the last keyframe, where nothing reads
 };
 
 constexpr size_t kKtaBoneCountOffset = 15;
@@ -34,7 +36,6 @@ constexpr size_t kKtaKeyframeSize = 25;
 // The bytes of the file.
 std::vector<uint8_t> writeKta(const Animation &animation);
 
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats
 
 #endif  // KELTRA_FORMATS_KTA_WRITER_H

@@ -2,9 +2,12 @@
 
 #include "tools/formats/byte_writer.h"
 
-namespace keltra {
-namespace formats {
+#include <algorithm>
+
+namespace keltra::formats {
 namespace {
+
+constexpr size_t kMagicSize = 14;
 
 // What version 1.5a stores after the vertex normals (one vector per vertex)
 // and after the face normals (one plane per face). No reader uses either.
@@ -17,13 +20,17 @@ class KteWriter {
 
     std::vector<uint8_t> write(const Scene &scene) {
         const bool old = version_ == KteVersion::k15a;
-        field("magic", [&] { out_.string(old ? "KTE file v1.5a" : "KTE file v1.6a"); });
+        field("magic", [&] {
+            out_.raw(old ? "KTE file v1.5a" : "KTE file v1.6a", kMagicSize);
+            out_.u8(scene.afterMagic);
+        });
         field("materialCount", [&] { u16(scene.materials.size()); });
         for (size_t i = 0; i < scene.materials.size(); ++i) {
             prefix_ = "material[" + std::to_string(i) + "].";
             material(scene.materials[i]);
         }
         node(scene.root);
+        out_.raw(scene.rest.data(), scene.rest.size());
         return out_.take();
     }
 
@@ -50,6 +57,12 @@ class KteWriter {
         for (const Vec3 &v : list) {
             vec(v);
         }
+    }
+
+    void padded(const std::vector<uint8_t> &data, size_t size) {
+        const size_t given = std::min(data.size(), size);
+        out_.raw(data.data(), given);
+        out_.zeros(size - given);
     }
 
     void color(const Color &c) {
@@ -118,7 +131,7 @@ class KteWriter {
         field("radius", [&] { out_.f32(m.radius); });
         field("minimum", [&] { vec(m.minimum); });
         field("maximum", [&] { vec(m.maximum); });
-        field("hidden", [&] { out_.u8(m.hidden ? 1 : 0); });
+        field("hidden", [&] { out_.u8(m.hidden ? m.hiddenByte : 0); });
         field("vertexCount", [&] { u16(m.vertices.size()); });
         field("uvCount", [&] { u16(m.uvs.size()); });
         field("faceCount", [&] { u16(m.faces.size()); });
@@ -135,7 +148,7 @@ class KteWriter {
         field("vertices", [&] { vecs(m.vertices); });
         field("normals", [&] { vecs(m.normals); });
         if (old) {
-            field("oldVertexData", [&] { out_.zeros(m.vertices.size() * kOldBytesPerVertex); });
+            field("oldVertexData", [&] { padded(m.oldVertexData, m.vertices.size() * kOldBytesPerVertex); });
         }
         field("uvs", [&] {
             for (const Vec2 &uv : m.uvs) {
@@ -152,7 +165,7 @@ class KteWriter {
         });
         field("faceNormals", [&] { vecs(m.faceNormals); });
         if (old) {
-            field("oldFaceData", [&] { out_.zeros(m.faces.size() * kOldBytesPerFace); });
+            field("oldFaceData", [&] { padded(m.oldFaceData, m.faces.size() * kOldBytesPerFace); });
         }
     }
 
@@ -193,5 +206,4 @@ const Mark *findMark(const Marks &marks, const std::string &name) {
     return nullptr;
 }
 
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats

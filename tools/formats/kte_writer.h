@@ -14,8 +14,7 @@
 
 #include "tools/formats/vec.h"
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 
 enum class KteVersion { k15a, k16a };
 
@@ -59,6 +58,9 @@ struct MeshData {
     std::vector<uint8_t> influenceBones;
     std::vector<float> influenceWeights;
     std::vector<std::string> boneNames;
+    uint8_t hiddenByte = 1;  // what a hidden mesh is marked with
+    // Version 1.5a only, 12 bytes a vertex and 16 a face; what is missing is written as zeros.
+    std::vector<uint8_t> oldVertexData, oldFaceData;
 };
 
 struct Node {
@@ -75,6 +77,8 @@ struct Node {
 struct Scene {
     std::vector<Material> materials;
     Node root;
+    uint8_t afterMagic = 0;
+    std::vector<uint8_t> rest;  // behind the tree, where nothing reads
 };
 
 // Where one field of the file stands. Names are "materialCount",
@@ -95,7 +99,6 @@ std::vector<uint8_t> writeKte(const Scene &scene, KteVersion version, Marks *mar
 // The mark of that name, or null.
 const Mark *findMark(const Marks &marks, const std::string &name);
 
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats
 
 #endif  // KELTRA_FORMATS_KTE_WRITER_H

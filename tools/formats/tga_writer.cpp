@@ -2,8 +2,7 @@
 
 #include "tools/formats/byte_writer.h"
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 namespace {
 
 constexpr unsigned kLongestPacket = 128;
@@ -83,5 +82,4 @@ std::vector<uint8_t> writeTga(const Image &image, const TgaOptions &options) {
     return out.take();
 }
 
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats

@@ -7,8 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 
 struct Rgba {
     uint8_t r = 0, g = 0, b = 0, a = 255;
@@ -38,7 +37,6 @@ struct TgaOptions {
 // format asks.
 std::vector<uint8_t> writeTga(const Image &image, const TgaOptions &options);
 
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats
 
 #endif  // KELTRA_FORMATS_TGA_WRITER_H

@@ -8,8 +8,7 @@
 
 #include <cmath>
 
-namespace keltra {
-namespace formats {
+namespace keltra::formats {
 
 struct Vec2 {
     float x = 0.0f, y = 0.0f;
@@ -68,7 +67,6 @@ inline Vec3 polar(float degrees, float radius, float y) {
     return {sine(degrees) * radius, y, cosine(degrees) * radius};
 }
 
-}  // namespace formats
-}  // namespace keltra
+}  // namespace keltra::formats
 
 #endif  // KELTRA_FORMATS_VEC_H

@@ -1,5 +1,5 @@
-#ifndef KELTRA_TESTS_GL_FUNCTIONS_H
-#define KELTRA_TESTS_GL_FUNCTIONS_H
+#ifndef KELTRA_TOOLS_GL_FUNCTIONS_H
+#define KELTRA_TOOLS_GL_FUNCTIONS_H
 
 // Every entry point of OpenGL ES 1.1, as X(number of parameters, name), in the order of <GLES/gl.h>.
 // clang-format off

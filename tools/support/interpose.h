@@ -1,7 +1,7 @@
-#ifndef KELTRA_TESTS_INTERPOSE_H
-#define KELTRA_TESTS_INTERPOSE_H
+#ifndef KELTRA_TOOLS_INTERPOSE_H
+#define KELTRA_TOOLS_INTERPOSE_H
 
-// What is needed to define, in the test program, a function that a shared library also defines. The dynamic
+// What is needed to define, in a program, a function that a shared library also defines. The dynamic
 // linker binds the engine's calls to the program's definition, which looks at them and passes them on to the
 // library's. The parameters come from the function's own declaration, so that a table of names and counts is
 // enough.
@@ -15,7 +15,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace keltra::test {
+namespace keltra {
 
 template <class F>
 struct Signature;
@@ -26,7 +26,7 @@ struct Signature<R(A...)> {
     using Argument = std::tuple_element_t<i, std::tuple<A...>>;
 };
 
-/// The library's own definition. A missing one ends the program: nothing could be tested without it.
+/// The library's own definition. A missing one ends the program.
 template <class F>
 F *nextFunction(const char *name) {
     void *found = dlsym(RTLD_NEXT, name);
@@ -48,11 +48,11 @@ std::int64_t asNumber(T value) {
     }
 }
 
-}  // namespace keltra::test
+}  // namespace keltra
 
 // clang-format off
 // The arguments come with a leading comma, to follow the function's name.
-#define KELTRA_PARAMETER(f, i) ::keltra::test::Signature<decltype(f)>::Argument<i> a##i
+#define KELTRA_PARAMETER(f, i) ::keltra::Signature<decltype(f)>::Argument<i> a##i
 #define KELTRA_PARAMETERS_0(f) void
 #define KELTRA_PARAMETERS_1(f) KELTRA_PARAMETER(f, 0)
 #define KELTRA_PARAMETERS_2(f) KELTRA_PARAMETERS_1(f), KELTRA_PARAMETER(f, 1)

@@ -1,0 +1,16 @@
+#ifndef KELTRA_FORMATS_FAULT_TEXT_H
+#define KELTRA_FORMATS_FAULT_TEXT_H
+
+#include <string>
+
+#include "foundation/fault.h"
+
+namespace keltra::formats {
+
+inline std::string textOf(const Fault &fault) {
+    return "byte " + std::to_string(fault.offset) + ", " + fault.field + ": " + fault.reason;
+}
+
+}  // namespace keltra::formats
+
+#endif  // KELTRA_FORMATS_FAULT_TEXT_H

@@ -1,0 +1,11 @@
+#ifndef KELTRA_FORMATS_VERSION_H
+#define KELTRA_FORMATS_VERSION_H
+
+namespace keltra::formats {
+
+// Of the project, as the tools' --version prints it: "1.6.6".
+const char *projectVersion();
+
+}  // namespace keltra::formats
+
+#endif  // KELTRA_FORMATS_VERSION_H

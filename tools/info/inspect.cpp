@@ -1,0 +1,103 @@
+#include "tools/info/inspect.h"
+
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <new>
+
+#include "tools/info/kinds.h"
+
+namespace keltra::info {
+
+namespace {
+
+const std::size_t kMostNotes = 100;
+
+void inspectKind(FileKind kind, const Source &source, Inspection &result) {
+    switch (kind) {
+        case FileKind::kScene:
+            return inspectScene(source, result);
+        case FileKind::kAnimation:
+            return inspectAnimation(source, result);
+        case FileKind::kTexture:
+            return inspectTexture(source, result);
+        case FileKind::kKerning:
+            return inspectKerning(source, result);
+        case FileKind::kSettings:
+            return inspectSettings(source, result);
+        case FileKind::kInterface:
+            return inspectInterface(source, result);
+        case FileKind::kEmitter:
+            return inspectEmitter(source, result);
+        case FileKind::kVideo:
+            return inspectVideo(source, result);
+        case FileKind::kUnknown:
+            return setFlaw(result, {0, "kind", source.size ? "not a file of the engine" : "an empty file"});
+    }
+}
+
+}  // namespace
+
+Fields number(float value) {
+    if (std::isnan(value)) return "nan";
+    if (std::isinf(value)) return value > 0 ? "inf" : "-inf";
+    // By way of its shortest text, since the double nearest to 0.1f is 0.10000000149.
+    char text[32];
+    const std::to_chars_result end = std::to_chars(text, text + sizeof text, value);
+    double result = 0.0;
+    std::from_chars(text, end.ptr, result);
+    return result;
+}
+
+void note(Inspection &result, const std::string &text) {
+    if (result.notes.size() < kMostNotes) result.notes.push_back(text);
+    if (result.notes.size() == kMostNotes) result.notes.push_back("more notes are left out");
+}
+
+std::string counted(std::size_t count, const std::string &noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string quoted(const std::string &name) {
+    const std::size_t kLongest = 100;
+    return '"' + name.substr(0, kLongest) + (name.size() > kLongest ? "...\"" : "\"");
+}
+
+void noteMissing(Inspection &result, const Source &source, const std::string &what, const std::string &name) {
+    if (source.folder.empty()) return;
+    std::error_code error;
+    if (std::filesystem::is_regular_file(source.folder + "/" + name, error)) return;
+    note(result, what + " " + quoted(name) + " is not beside the file");
+}
+
+void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix) {
+    result.good = false;
+    result.flaw = {fault.offset, 0, 0, prefix + fault.field, fault.reason};
+}
+
+void setTextFlaw(Inspection &result, const Source &source, const Fault &fault) {
+    setFlaw(result, fault);
+    Flaw &flaw = result.flaw;
+    flaw.line = flaw.column = 1;
+    for (std::size_t i = 0; i < fault.offset && i < source.size; ++i) {
+        const bool ends = source.bytes[i] == '\n' ||
+                          (source.bytes[i] == '\r' && (i + 1 >= source.size || source.bytes[i + 1] != '\n'));
+        flaw.line += ends;
+        flaw.column = ends ? 1 : flaw.column + 1;
+    }
+}
+
+Inspection inspect(FileKind kind, const void *bytes, std::size_t size, const std::string &folder) {
+    Inspection result;
+    result.kind = kind;
+    try {
+        inspectKind(kind, {bytes ? static_cast<const char *>(bytes) : "", bytes ? size : 0, folder}, result);
+    } catch (const std::bad_alloc &) {
+        result = Inspection();
+        result.kind = kind;
+        setFlaw(result, {0, "file", "memory is out"});
+    }
+    return result;
+}
+
+}  // namespace keltra::info

@@ -1,0 +1,96 @@
+// keltra-info FILE...: what is in files of the engine, and what is wrong with them.
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tools/info/print.h"
+#include "tools/info/read_file.h"
+
+namespace {
+
+namespace info = keltra::info;
+
+struct Arguments {
+    std::vector<std::string> files;
+    std::string kind;
+    bool json = false, check = false;
+};
+
+const char kExamples[] =
+    "Examples:\n"
+    "  keltra-info hero.kte                  what is in a scene\n"
+    "  keltra-info --check data/*            which files the engine takes\n"
+    "  keltra-info --json hero.kte hero.kta  for another program\n"
+    "  keltra-info --as settings user.txt    the keys as the engine reads them\n";
+
+void describe(CLI::App &app, Arguments &arguments) {
+    app.add_option(
+           "FILE", arguments.files,
+           "Scenes (KTE), animations (KTA), textures (TGA), kerning and settings files, interface and "
+           "emitter descriptions (XML), films (MPEG-1)")
+        ->required();
+    app.add_option("--as", arguments.kind, "Takes the files for this kind, whatever is in them")
+        ->check(CLI::IsMember(info::kindNames()));
+    app.add_flag("--json", arguments.json, "Prints one JSON document");
+    app.add_flag("--check", arguments.check, "Prints one line a file: good, or where and why it is bad");
+    app.set_version_flag("--version", "keltra-info " KELTRA_VERSION);
+    app.footer(kExamples);
+}
+
+info::Answer answerFor(const std::string &file, const std::string &kind) {
+    info::Answer answer;
+    answer.file = file;
+    std::vector<char> bytes;
+    if (!info::readWholeFile(file, bytes, answer.trouble)) return answer;
+    const std::string parent = std::filesystem::path(file).parent_path().string();
+    const info::FileKind taken =
+        kind.empty() ? info::identify(file, bytes.data(), bytes.size()) : info::kindOfName(kind);
+    answer.inspection = info::inspect(taken, bytes.data(), bytes.size(), parent.empty() ? "." : parent);
+    return answer;
+}
+
+void print(const info::Answer &answer, bool verdictsOnly) {
+    const bool showsContents = answer.isGood() && !verdictsOnly;
+    const std::string text = showsContents ? info::table(answer) : info::verdictLine(answer);
+    // Verdicts are what was asked for, and otherwise a bad file is an error.
+    std::fputs(text.c_str(), answer.isGood() || verdictsOnly ? stdout : stderr);
+}
+
+int run(const Arguments &arguments) {
+    bool allGood = true;
+    std::vector<info::Answer> answers;
+    for (const std::string &file : arguments.files) {
+        info::Answer answer = answerFor(file, arguments.kind);
+        allGood = allGood && answer.isGood();
+        if (arguments.json)
+            answers.push_back(std::move(answer));
+        else
+            print(answer, arguments.check);
+    }
+    if (arguments.json) std::fputs(info::jsonText(answers, arguments.check).c_str(), stdout);
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return allGood ? 0 : 1;
+    std::fputs("keltra-info: cannot write the output\n", stderr);
+    return 1;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    CLI::App app("Says what is in files of the engine, and what is wrong with them", "keltra-info");
+    Arguments arguments;
+    describe(app, arguments);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+    try {
+        return run(arguments);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "keltra-info: %s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,50 @@
+#ifndef KELTRA_INFO_KINDS_H
+#define KELTRA_INFO_KINDS_H
+
+// The inspectors of the kinds of files, and what they share.
+
+#include <string>
+
+#include "tools/info/inspect.h"
+
+namespace keltra::info {
+
+struct Source {
+    const char *bytes;  // never null
+    std::size_t size;
+    std::string folder;
+};
+
+void inspectScene(const Source &source, Inspection &result);
+void inspectAnimation(const Source &source, Inspection &result);
+void inspectTexture(const Source &source, Inspection &result);
+void inspectKerning(const Source &source, Inspection &result);
+void inspectSettings(const Source &source, Inspection &result);
+void inspectInterface(const Source &source, Inspection &result);
+void inspectEmitter(const Source &source, Inspection &result);
+void inspectVideo(const Source &source, Inspection &result);
+
+// A float as the shortest number that reads back as it; "nan", "inf" or "-inf" as text.
+Fields number(float value);
+template <std::size_t kCount>
+Fields numbers(const float (&values)[kCount]) {
+    Fields list = Fields::array();
+    for (float value : values) list.push_back(number(value));
+    return list;
+}
+
+// Adds a note; beyond a hundred they are dropped, and the last says so.
+void note(Inspection &result, const std::string &text);
+// "1 byte", "7 bytes".
+std::string counted(std::size_t count, const std::string &noun);
+// A name in quotes, for a note.
+std::string quoted(const std::string &name);
+// Notes a file that is named but is not there.
+void noteMissing(Inspection &result, const Source &source, const std::string &what, const std::string &name);
+void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix = "");
+// The same with line and column.
+void setTextFlaw(Inspection &result, const Source &source, const Fault &fault);
+
+}  // namespace keltra::info
+
+#endif
