@@ -1,0 +1,171 @@
+#include "tools/convert/convert.h"
+
+#include <assimp/postprocess.h>
+#include <assimp/scene.h>
+#include <assimp/Importer.hpp>
+#include <assimp/ProgressHandler.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+#include "tools/convert/clips.h"
+#include "tools/convert/materials.h"
+#include "tools/convert/names.h"
+#include "tools/convert/rig.h"
+#include "tools/convert/scene_builder.h"
+
+namespace keltra::convert {
+namespace {
+
+// Everything else that assimp could do to a model is done here, where it is known what the engine needs.
+constexpr unsigned kSteps = aiProcess_Triangulate | aiProcess_GenUVCoords | aiProcess_TransformUVCoords;
+
+// Coordinates of 16.16 end at 32768 and have steps of 1/65536: a model should stay well below the one and be
+// large against the other.
+constexpr double kFarthest = 16000.0, kSmallest = 1.0 / 16.0;
+
+constexpr char kUnknownFormat[] = "No suitable reader found";
+
+class Teller : public Assimp::ProgressHandler {
+   public:
+    explicit Teller(const Progress &progress) : progress(progress) {}
+    bool Update(float done) override {
+        if (progress) progress("reading", std::isfinite(done) ? std::clamp(done, 0.0f, 1.0f) : 0.0f);
+        return true;
+    }
+
+   private:
+    const Progress &progress;
+};
+
+// One line, without the file's name, which whoever prints it says.
+std::string reasonFrom(const std::string &error, const std::string &path) {
+    if (error.compare(0, sizeof kUnknownFormat - 1, kUnknownFormat) == 0)
+        return "no importer knows its format";
+    std::string reason = error;
+    for (std::size_t at; (at = reason.find(path)) != std::string::npos;)
+        reason.replace(at, path.size(), "the file");
+    reason = cleanText(reason);
+    while (!reason.empty() && (reason.back() == '_' || reason.back() == ' ' || reason.back() == '.'))
+        reason.pop_back();
+    return reason.empty() ? "it cannot be read" : reason;
+}
+
+void checkFile(const std::string &path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status)) throw Refusal("there is no such file");
+    if (std::filesystem::is_directory(status)) throw Refusal("it is a folder");
+    if (!std::filesystem::is_regular_file(status)) throw Refusal("it is no regular file");
+    if (std::filesystem::file_size(path, error) == 0 || error) throw Refusal("it is empty or cannot be read");
+}
+
+struct Box {
+    Vector low{1e300, 1e300, 1e300}, high{-1e300, -1e300, -1e300};
+
+    void add(const Vector &v) {
+        if (!std::isfinite(v.x + v.y + v.z)) return;
+        low = Vector(std::min(low.x, v.x), std::min(low.y, v.y), std::min(low.z, v.z));
+        high = Vector(std::max(high.x, v.x), std::max(high.y, v.y), std::max(high.z, v.z));
+    }
+    void add(const aiMesh &mesh, const Matrix &place) {
+        for (unsigned i = 0; i < mesh.mNumVertices; ++i)
+            add(place * Vector(mesh.mVertices[i].x, mesh.mVertices[i].y, mesh.mVertices[i].z));
+    }
+    bool isEmpty() const { return low.x > high.x; }
+    double diagonal() const { return isEmpty() ? 0.0 : (high - low).Length(); }
+    double reach() const {
+        return isEmpty() ? 0.0
+                         : std::max({std::abs(low.x), std::abs(low.y), std::abs(low.z), std::abs(high.x),
+                                     std::abs(high.y), std::abs(high.z)});
+    }
+};
+
+Box boundsOf(const aiScene &scene, const Rig &rig) {
+    Box box;
+    for (const RigidMesh &rigid : rig.rigidMeshes)
+        box.add(*scene.mMeshes[rigid.mesh], rig.joints[rigid.joint].frame * rigid.bake);
+    for (const Skin &skin : rig.skins) box.add(*scene.mMeshes[skin.mesh], skin.bake);
+    for (const Joint &joint : rig.joints)
+        if (joint.isBone) box.add(translationOf(joint.frame));
+    return box;
+}
+
+// 1, or the power of ten that brings the model into range.
+double chooseScale(const Box &box) {
+    double scale = 1.0;
+    if (box.reach() > 0.0 && box.diagonal() < kSmallest)
+        while (box.diagonal() * scale < 1.0 && scale < 1e30) scale *= 10.0;
+    while (box.reach() * scale > kFarthest && scale > 1e-36) scale /= 10.0;
+    return scale;
+}
+
+void tellDropped(const aiScene &scene, Report &report) {
+    std::uint64_t morphs = 0, colors = 0, uvs = 0;
+    for (unsigned i = 0; i < scene.mNumMeshes; ++i) {
+        const aiMesh &mesh = *scene.mMeshes[i];
+        morphs += mesh.mNumAnimMeshes;
+        colors += mesh.GetNumColorChannels();
+        uvs += std::max(mesh.GetNumUVChannels(), 1u) - 1;
+    }
+    report.drop("morph targets", morphs, "the engine's vertices follow bones only");
+    report.drop("vertex colours", colors, "the engine's vertices have a normal instead");
+    report.drop("texture coordinates", uvs, "a vertex has one pair: the base texture's");
+    report.drop("cameras", scene.mNumCameras, "scene files hold none; their nodes are kept");
+}
+
+void checkContents(const aiScene &scene) {
+    if (!scene.mRootNode) throw Refusal("it has no nodes");
+    std::uint64_t vertices = 0;
+    for (unsigned i = 0; i < scene.mNumMeshes; ++i) vertices += scene.mMeshes[i]->mNumVertices;
+    if (vertices == 0 && scene.mNumAnimations == 0) throw Refusal("it has no geometry and no animation");
+}
+
+}  // namespace
+
+Model::Model(const Options &options, const Progress &progress)
+    : importer(new Assimp::Importer), read(nullptr) {
+    checkFile(options.model);
+    importer->SetProgressHandler(new Teller(progress));  // the importer deletes it
+    read = importer->ReadFile(options.model, kSteps);
+    if (!read) throw Refusal(reasonFrom(importer->GetErrorString(), options.model));
+    checkContents(*read);
+}
+
+Model::~Model() = default;
+
+Conversion convertModel(const Options &options, const Progress &progress) {
+    const Model model(options, progress);
+    const aiScene &scene = model.scene();
+
+    // Measured at its own size first, which says whether it has to be scaled.
+    Report unscaled;
+    auto rig = std::make_unique<Rig>(scene, 1.0, unscaled);
+    const double scale = options.scale > 0.0 ? options.scale : chooseScale(boundsOf(scene, *rig));
+    Conversion conversion;
+    Report &report = conversion.report;
+    rig = std::make_unique<Rig>(scene, scale, report);
+    report.scale = scale;
+    const Box box = boundsOf(scene, *rig);
+    report.size = box.diagonal();
+    if (options.scale <= 0.0 && scale != 1.0)
+        report.note("all lengths were multiplied by " + std::to_string(scale) +
+                    ", for the engine's coordinates are of 16.16 bits");
+    if (box.reach() > 32767.0)
+        report.warn("it reaches farther than the engine's coordinates of 32767; choose a smaller scale");
+
+    Materials materials = convertMaterials(scene, options, report, progress);
+    const formats::Scene built = buildScene(scene, *rig, materials, options, report, progress);
+    std::vector<OutputFile> clips = convertClips(scene, *rig, options, report, progress);
+    if (report.triangles == 0 && clips.empty()) throw Refusal("it has no triangles and no animation");
+    tellDropped(scene, report);
+
+    report.sceneFile = options.name + ".kte";
+    conversion.files = std::move(materials.textures);
+    std::move(clips.begin(), clips.end(), std::back_inserter(conversion.files));
+    conversion.files.push_back({report.sceneFile, formats::writeKte(built, formats::KteVersion::k16a)});
+    return conversion;
+}
+
+}  // namespace keltra::convert

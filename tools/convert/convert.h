@@ -1,0 +1,46 @@
+#ifndef KELTRA_CONVERT_CONVERT_H
+#define KELTRA_CONVERT_CONVERT_H
+
+// Turns a model that assimp reads into the engine's files: NAME.kte, NAME_CLIP.kta for every animation, and
+// NAME_PICTURE_d.tga for every texture.
+
+#include <memory>
+
+#include "tools/convert/options.h"
+#include "tools/convert/report.h"
+#include "tools/formats/kta_writer.h"
+#include "tools/formats/kte_writer.h"
+
+struct aiScene;
+
+namespace Assimp {
+class Importer;
+}
+
+namespace keltra::convert {
+
+// A model in memory, owned by its importer.
+class Model {
+   public:
+    // Throws Refusal.
+    Model(const Options &options, const Progress &progress);
+    ~Model();
+    const aiScene &scene() const { return *read; }
+
+   private:
+    std::unique_ptr<Assimp::Importer> importer;
+    const aiScene *read;
+};
+
+struct Conversion {
+    // The scene file last: whoever finds it finds everything else.
+    std::vector<OutputFile> files;
+    Report report;
+};
+
+// Throws Refusal for a model that cannot be read or has nothing that the engine could show or play.
+Conversion convertModel(const Options &options, const Progress &progress);
+
+}  // namespace keltra::convert
+
+#endif

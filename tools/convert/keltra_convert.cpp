@@ -1,0 +1,187 @@
+// keltra-convert MODEL -o DIR: converts a model into the engine's files.
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "tools/convert/isolated.h"
+#include "tools/convert/names.h"
+#include "tools/convert/output_folder.h"
+#include "tools/convert/report_json.h"
+#include "tools/convert/report_text.h"
+#include "tools/formats/version.h"
+
+namespace {
+
+using namespace keltra::convert;
+
+constexpr int kGood = 0, kRefused = 1, kUsage = 2;
+constexpr double kLowestRate = 1.0, kHighestRate = 1000.0;
+constexpr unsigned kLargestTexture = 512, kLongestTimeout = 86400;
+constexpr auto kPatience = std::chrono::seconds(1);
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  keltra-convert hero.fbx -o data\n"
+    "  keltra-convert hero.glb -o data --name hero --fps 15 --max-texture 128\n"
+    "  keltra-convert hall.obj -o data --scale 0.01\n"
+    "  keltra-convert hero.fbx --dry-run --json";
+
+struct Arguments {
+    Options options;
+    std::string folder;
+    unsigned seconds = 300;
+    bool dryRun = false, json = false, quiet = false;
+};
+
+bool numberOf(const std::string &text, double &value) {
+    return CLI::detail::lexical_cast(text, value) && std::isfinite(value);
+}
+
+std::string checkRate(const std::string &text) {
+    double rate = 0.0;
+    if (numberOf(text, rate) && rate >= kLowestRate && rate <= kHighestRate) return "";
+    return "must be a number from 1 to 1000";
+}
+
+std::string checkScale(const std::string &text) {
+    double scale = 0.0;
+    return numberOf(text, scale) && scale > 0.0 ? "" : "must be a number above 0";
+}
+
+std::string checkTexture(const std::string &text) {
+    unsigned side = 0;
+    if (CLI::detail::lexical_cast(text, side) && side > 0 && side <= kLargestTexture &&
+        (side & (side - 1)) == 0)
+        return "";
+    return "must be a power of two from 1 to 512";
+}
+
+std::string checkName(const std::string &text) {
+    if (!text.empty() && fileName(text) == text) return "";
+    return "must be of letters, digits, '.', '-' and '_', at most 64, and no name that a system reserves";
+}
+
+std::string checkTimeout(const std::string &text) {
+    unsigned seconds = 0;
+    if (CLI::detail::lexical_cast(text, seconds) && seconds > 0 && seconds <= kLongestTimeout) return "";
+    return "must be a whole number from 1 to 86400";
+}
+
+std::string checkNotEmpty(const std::string &text) { return text.empty() ? "must not be empty" : ""; }
+
+void describe(CLI::App &app, Arguments &arguments) {
+    Options &options = arguments.options;
+    const auto check = [](CLI::Option *option, std::string (*rule)(const std::string &)) {
+        return option->check(CLI::Validator(rule, ""));
+    };
+    check(app.add_option("MODEL", options.model, "Model: FBX, glTF, Collada, OBJ, X, ..."), checkNotEmpty)
+        ->required();
+    check(app.add_option("-o,--output", arguments.folder, "Folder to write to; made when missing"),
+          checkNotEmpty);
+    check(app.add_option("--name", options.name, "What the files' names begin with; else the model's name"),
+          checkName);
+    check(app.add_option("--fps", options.fps, "Frames a second of animations, 1 to 1000"), checkRate)
+        ->capture_default_str();
+    check(app.add_option("--max-texture", options.maxTexture, "Longest side of textures, a power of two"),
+          checkTexture)
+        ->capture_default_str();
+    app.add_flag("--normal-maps", options.normalMaps, "Write normal maps too; for devices with shaders");
+    check(
+        app.add_option("--scale", options.scale, "Factor of all lengths; else what fits the engine's range"),
+        checkScale);
+    check(app.add_option("--timeout", arguments.seconds, "Give up after so many seconds"), checkTimeout)
+        ->capture_default_str();
+    app.add_flag("--dry-run", arguments.dryRun, "Report what would be written, and write nothing");
+    CLI::Option *json = app.add_flag("--json", arguments.json, "Report as one JSON document");
+    app.add_flag("--quiet", arguments.quiet, "Report warnings only")->excludes(json);
+    app.set_version_flag("--version", std::string("keltra-convert ") + keltra::formats::projectVersion());
+    app.footer(kExamples);
+}
+
+// One line of a terminal, written again and again once a conversion takes its time. It is gone with the
+// object.
+class ProgressLine {
+   public:
+    ProgressLine() : shows(::isatty(STDERR_FILENO) == 1) {}
+    ~ProgressLine() {
+        if (written) std::fputs("\r\x1b[K", stderr);
+    }
+    ProgressLine(const ProgressLine &) = delete;
+    ProgressLine &operator=(const ProgressLine &) = delete;
+
+    void show(const char *what, double done) {
+        if (!shows || std::chrono::steady_clock::now() - start < kPatience) return;
+        std::fprintf(stderr, "\r%s %.0f %%\x1b[K", printable(what).c_str(), 100.0 * done);
+        written = true;
+    }
+
+   private:
+    const bool shows;
+    const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+    bool written = false;
+};
+
+Outcome convertTo(const std::string &folder, const Arguments &arguments) {
+    ProgressLine line;
+    const auto progress = [&line](const char *what, double done) { line.show(what, done); };
+    return convertIsolated(arguments.options, folder, progress, arguments.seconds);
+}
+
+Outcome convert(const Arguments &arguments) {
+    const HeldSignals held;  // an interrupt ends the process once the folder and the terminal are in order
+    if (arguments.dryRun) return convertTo("", arguments);
+    try {
+        OutputFolder folder(arguments.folder);
+        Outcome outcome = convertTo(arguments.folder, arguments);
+        if (outcome.converted) folder.keep();
+        return outcome;
+    } catch (const Refusal &refusal) {
+        Outcome outcome;
+        outcome.reason = refusal.what();
+        return outcome;
+    }
+}
+
+int refuse(const std::string &model, const std::string &reason) {
+    std::fprintf(stderr, "keltra-convert: %s: %s\n", printable(model).c_str(), printable(reason).c_str());
+    return kRefused;
+}
+
+int report(const Arguments &arguments, const Outcome &outcome) {
+    const std::string &model = arguments.options.model;
+    const std::string folder = arguments.dryRun ? "" : arguments.folder;
+    std::string text;
+    if (arguments.json)
+        text = documentOf(model, folder, outcome);
+    else if (outcome.converted)
+        text = arguments.quiet ? warningsOf(outcome) : textOf(model, folder, outcome);
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    const bool reported = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (!outcome.converted) return refuse(model, outcome.reason);
+    return reported ? kGood : refuse(model, "converted, but the report cannot be written");
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    CLI::App app("Converts a model into a scene file, animations and textures of the engine",
+                 "keltra-convert");
+    Arguments arguments;
+    describe(app, arguments);
+    try {
+        app.parse(argc, argv);
+        if (arguments.folder.empty() && !arguments.dryRun) throw CLI::RequiredError("--output");
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? kGood : kUsage;
+    }
+    if (arguments.options.name.empty()) arguments.options.name = fileStem(arguments.options.model);
+    try {
+        return report(arguments, convert(arguments));
+    } catch (const std::exception &error) {
+        return refuse(arguments.options.model, error.what());
+    }
+}

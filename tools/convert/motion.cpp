@@ -1,0 +1,97 @@
+#include "tools/convert/motion.h"
+
+#include <assimp/anim.h>
+#include <assimp/scene.h>
+#include <assimp/quaternion.inl>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+namespace keltra::convert {
+namespace {
+
+constexpr double kDefaultTicks = 25.0;  // a second, of animations that do not say
+
+bool isFinite(const aiVector3D &v) { return std::isfinite(v.x + v.y + v.z); }
+bool isFinite(const aiQuaternion &q) { return std::isfinite(q.w + q.x + q.y + q.z); }
+
+aiVector3D between(const aiVector3D &a, const aiVector3D &b, float t) { return a + (b - a) * t; }
+
+aiQuaternion between(const aiQuaternion &a, const aiQuaternion &b, float t) {
+    aiQuaternion result;
+    aiQuaternion::Interpolate(result, a, b, t);
+    return result.Normalize();
+}
+
+// The keys whose times and values are numbers, by rising time: some importers give them in another order.
+template <class Key>
+std::vector<Key> sorted(const Key *keys, unsigned count) {
+    std::vector<Key> result;
+    for (unsigned i = 0; i < count; ++i)
+        if (std::isfinite(keys[i].mTime) && isFinite(keys[i].mValue)) result.push_back(keys[i]);
+    std::stable_sort(result.begin(), result.end(),
+                     [](const Key &a, const Key &b) { return a.mTime < b.mTime; });
+    return result;
+}
+
+// The value at a time: before the first key and after the last one it stays.
+template <class Key, class Value>
+Value valueAt(const std::vector<Key> &keys, double time, const Value &otherwise) {
+    if (keys.empty()) return otherwise;
+    const auto next = std::upper_bound(keys.begin(), keys.end(), time,
+                                       [](double t, const Key &key) { return t < key.mTime; });
+    if (next == keys.begin()) return keys.front().mValue;
+    if (next == keys.end()) return keys.back().mValue;
+    const Key &last = *(next - 1);
+    const float t = static_cast<float>((time - last.mTime) / (next->mTime - last.mTime));
+    return between(last.mValue, next->mValue, t);
+}
+
+template <class Key>
+double lastTime(const std::vector<Key> &keys) {
+    return keys.empty() ? 0.0 : keys.back().mTime;
+}
+
+}  // namespace
+
+Motion::Motion(const aiAnimation &animation, const Rig &rig) : rig(rig) {
+    std::set<int> taken;
+    double ticks = 0.0;
+    for (unsigned c = 0; c < animation.mNumChannels; ++c) {
+        const aiNodeAnim &channel = *animation.mChannels[c];
+        const int source = rig.findSource(channel.mNodeName.C_Str());
+        if (source == kNone || !taken.insert(source).second) continue;
+        tracks.push_back({source, sorted(channel.mPositionKeys, channel.mNumPositionKeys),
+                          sorted(channel.mRotationKeys, channel.mNumRotationKeys),
+                          sorted(channel.mScalingKeys, channel.mNumScalingKeys)});
+        const Track &track = tracks.back();
+        ticks =
+            std::max({ticks, lastTime(track.positions), lastTime(track.rotations), lastTime(track.scales)});
+    }
+    // Importers that do not know the duration give 0, -1 or nonsense.
+    if (std::isfinite(animation.mDuration) && animation.mDuration > 0.0) ticks = animation.mDuration;
+    const double rate = animation.mTicksPerSecond;
+    ticksPerSecond = std::isfinite(rate) && rate > 0.0 ? rate : kDefaultTicks;
+    length = ticks / ticksPerSecond;
+}
+
+void Motion::locals(double seconds, std::vector<Matrix> &locals) const {
+    locals.resize(rig.sources.size());
+    for (std::size_t s = 0; s < locals.size(); ++s) locals[s] = rig.sources[s].local;
+    const double time = seconds * ticksPerSecond;
+    for (const Track &track : tracks) {
+        aiVector3D scale(1.0f, 1.0f, 1.0f), position;
+        aiQuaternion rotation;
+        rig.sources[track.source].node->mTransformation.Decompose(scale, rotation, position);
+        position = valueAt(track.positions, time, position);
+        rotation = valueAt(track.rotations, time, rotation);
+        scale = valueAt(track.scales, time, scale);
+        const aiMatrix4x4 local(scale, rotation, position);
+        const Matrix wide(local.a1, local.a2, local.a3, local.a4, local.b1, local.b2, local.b3, local.b4,
+                          local.c1, local.c2, local.c3, local.c4, 0, 0, 0, 1);
+        if (isFinite(wide)) locals[track.source] = wide;
+    }
+}
+
+}  // namespace keltra::convert

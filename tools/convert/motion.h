@@ -1,0 +1,38 @@
+#ifndef KELTRA_CONVERT_MOTION_H
+#define KELTRA_CONVERT_MOTION_H
+
+#include <assimp/anim.h>
+
+#include <vector>
+
+#include "tools/convert/rig.h"
+
+namespace keltra::convert {
+
+// One animation of a model: where its nodes are at a time.
+class Motion {
+   public:
+    Motion(const aiAnimation &animation, const Rig &rig);
+
+    double seconds() const { return length; }
+    bool movesNodes() const { return !tracks.empty(); }
+    // The local matrices of all source nodes; those without keyframes are at rest.
+    void locals(double seconds, std::vector<Matrix> &locals) const;
+
+   private:
+    struct Track {
+        int source;
+        std::vector<aiVectorKey> positions;
+        std::vector<aiQuatKey> rotations;
+        std::vector<aiVectorKey> scales;
+    };
+
+    const Rig &rig;
+    std::vector<Track> tracks;
+    double ticksPerSecond;
+    double length;
+};
+
+}  // namespace keltra::convert
+
+#endif

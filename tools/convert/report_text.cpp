@@ -1,0 +1,177 @@
+#include "tools/convert/report_text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+namespace keltra::convert {
+namespace {
+
+constexpr double kMebibyte = 1048576.0;
+constexpr int kLabelWidth = 10;
+
+// How many bytes the UTF-8 character at `at` has; 0 for what is none or is a control character.
+std::size_t characterAt(const std::string &text, std::size_t at) {
+    const unsigned char first = static_cast<unsigned char>(text[at]);
+    if (first < 0x80) return first >= 0x20 && first != 0x7f ? 1 : 0;
+    const std::size_t size = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
+    if (first < 0xc2 || first > 0xf4 || text.size() - at < size) return 0;
+    std::uint32_t code = first & (0xffu >> (size + 1));
+    for (std::size_t i = 1; i < size; ++i) {
+        const unsigned char next = static_cast<unsigned char>(text[at + i]);
+        if ((next & 0xc0) != 0x80) return 0;
+        code = code << 6 | (next & 0x3fu);
+    }
+    constexpr std::uint32_t smallest[] = {0, 0, 0xa0, 0x800, 0x10000};  // the controls up to 0x9f are none
+    const bool surrogate = code >= 0xd800 && code < 0xe000;
+    return code >= smallest[size] && code < 0x110000 && !surrogate ? size : 0;
+}
+
+std::string withCommas(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, ",");
+    return digits;
+}
+
+std::string counted(std::uint64_t number, const char *one, const char *many) {
+    return withCommas(number) + " " + (number == 1 ? one : many);
+}
+
+template <class... Values>
+std::string formatted(const char *format, Values... values) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
+
+using Row = std::vector<std::string>;
+
+// Columns as wide as their widest cell. Numbers stand at the right, the first and the last column at the
+// left.
+std::vector<std::string> aligned(const std::vector<Row> &rows) {
+    std::vector<std::size_t> widths;
+    for (const Row &row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+    }
+    std::vector<std::string> lines;
+    for (const Row &row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const std::string space(widths[i] - row[i].size(), ' ');
+            if (i > 0) line += "  ";
+            line += i == 0 ? row[i] + space : i + 1 == row.size() ? row[i] : space + row[i];
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// The lines, with the label before the first one.
+void put(std::string &text, const char *label, const std::vector<std::string> &lines) {
+    for (const std::string &line : lines) {
+        text += formatted("  %-*s", kLabelWidth, label) + line + "\n";
+        label = "";
+    }
+}
+
+std::string sceneLine(const Report &report) {
+    std::string line = counted(report.nodes, "node", "nodes");
+    const auto add = [&line](std::uint64_t number, const char *one, const char *many) {
+        if (number > 0) line += ", " + counted(number, one, many);
+    };
+    add(report.meshes, "mesh", "meshes");
+    add(report.skins, "skin", "skins");
+    add(report.bones, "bone", "bones");
+    add(report.lights, "light", "lights");
+    add(report.materials, "material", "materials");
+    return line;
+}
+
+std::string sizeLine(const Report &report) {
+    std::string line = counted(report.vertices, "vertex", "vertices") + ", " +
+                       counted(report.triangles, "triangle", "triangles") +
+                       formatted("; %.6g units across", report.size);
+    if (report.scale != 1.0) line += formatted(", lengths times %.6g", report.scale);
+    return line;
+}
+
+std::vector<std::string> clipLines(const Report &report) {
+    std::vector<Row> rows;
+    for (const ClipReport &clip : report.clips) {
+        rows.push_back({printable(clip.file), counted(clip.frames, "frame", "frames"),
+                        counted(clip.bones, "bone", "bones"), formatted("%.2f s", clip.seconds),
+                        clip.moves ? "with positions" : ""});
+    }
+    return aligned(rows);
+}
+
+std::vector<std::string> textureLines(const Report &report) {
+    std::vector<Row> rows;
+    for (const TextureReport &texture : report.textures) {
+        rows.push_back({printable(texture.file), formatted("%u x %u", texture.width, texture.height),
+                        formatted("%u bits", texture.bits),
+                        (texture.missing ? "a checker for " : "from ") + printable(texture.source)});
+    }
+    return aligned(rows);
+}
+
+std::vector<std::string> droppedLines(const Report &report) {
+    std::vector<std::string> lines;
+    for (const Dropped &dropped : report.dropped)
+        lines.push_back(printable(dropped.what) + " (" + withCommas(dropped.count) +
+                        "): " + printable(dropped.why));
+    return lines;
+}
+
+std::vector<std::string> printableAll(std::vector<std::string> lines) {
+    for (std::string &line : lines) line = printable(line);
+    return lines;
+}
+
+}  // namespace
+
+std::string printable(const std::string &text) {
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t size = characterAt(text, at);
+        const unsigned char byte = static_cast<unsigned char>(text[at]);
+        if (size > 0)
+            result.append(text, at, size);
+        else if (byte == '\n' || byte == '\t' || byte == '\r')
+            result += byte == '\n' ? "\\n" : byte == '\t' ? "\\t" : "\\r";
+        else
+            result += formatted("\\x%02x", unsigned(byte));
+        at += size > 0 ? size : 1;
+    }
+    return result;
+}
+
+std::string textOf(const std::string &model, const std::string &folder, const Outcome &outcome) {
+    const Report &report = outcome.report;
+    const std::string ending = !folder.empty() && folder.back() == '/' ? "" : "/";
+    std::string text = printable(model) + (folder.empty() ? ": dry run, nothing is written"
+                                                          : " -> " + printable(folder + ending));
+    text += "\n";
+    put(text, "scene", {printable(report.sceneFile), sceneLine(report), sizeLine(report)});
+    put(text, "clips", clipLines(report));
+    put(text, "textures", textureLines(report));
+    if (!report.textures.empty())
+        put(text, "memory",
+            {formatted("%.2f of 8 MiB of textures", static_cast<double>(report.textureMemory) / kMebibyte)});
+    put(text, "dropped", droppedLines(report));
+    put(text, "warnings", printableAll(report.warnings));
+    put(text, "notes", printableAll(report.notes));
+    return text;
+}
+
+std::string warningsOf(const Outcome &outcome) {
+    std::string text;
+    for (const std::string &warning : outcome.report.warnings)
+        text += "warning: " + printable(warning) + "\n";
+    return text;
+}
+
+}  // namespace keltra::convert

@@ -1,0 +1,440 @@
+#include "tools/convert/rig.h"
+
+#include <assimp/scene.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include "tools/convert/options.h"
+
+namespace keltra::convert {
+namespace {
+
+// The FBX importer puts every pivot and pre-rotation into a node of its own; they are part of the node below.
+constexpr char kPivotMark[] = "_$AssimpFbx$_";
+constexpr char kSkeletonRoot[] = "HumanoidRoot";
+
+constexpr int kMaxDepth = 26;             // of joints: GL has 32 matrices, and camera and roots need some
+constexpr std::size_t kMaxNodes = 50000;  // the engine numbers its objects up to 65535
+constexpr double kSameMatrix = 2e-4;      // of the larger one
+constexpr double kRigidEnough = 0.01;
+constexpr double kScaleKeysDiffer = 1e-4;
+
+double magnitude(const Matrix &m) { return linearDifference(m, Matrix() * 0.0); }
+
+// Frames of a model of that size which do the same to it, nearly.
+bool areAlike(const Matrix &a, const Matrix &b, double size) {
+    return linearDifference(a, b) <= kSameMatrix * std::max(magnitude(a), magnitude(b)) &&
+           (translationOf(a) - translationOf(b)).Length() <= kSameMatrix * size;
+}
+
+bool isUsable(const aiVertexWeight &weight, const aiMesh &mesh) {
+    return weight.mVertexId < mesh.mNumVertices && std::isfinite(weight.mWeight) && weight.mWeight > 0.0f;
+}
+
+double totalWeight(const aiBone &bone, const aiMesh &mesh) {
+    double total = 0.0;
+    for (unsigned i = 0; i < bone.mNumWeights; ++i)
+        if (isUsable(bone.mWeights[i], mesh)) total += bone.mWeights[i].mWeight;
+    return total;
+}
+
+double sizeOf(const aiMesh &mesh) {
+    double most = 0.0;
+    for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
+        const double length = mesh.mVertices[i].Length();
+        if (std::isfinite(length)) most = std::max(most, length);
+    }
+    return most;
+}
+
+bool changesScale(const aiNodeAnim &channel) {
+    for (unsigned i = 1; i < channel.mNumScalingKeys; ++i) {
+        const aiVector3D &first = channel.mScalingKeys[0].mValue;
+        if (!((channel.mScalingKeys[i].mValue - first).Length() <= kScaleKeysDiffer * first.Length()))
+            return true;
+    }
+    return false;
+}
+
+// Of all nodes, in the order in which the model lists them, each with the one that lists it.
+std::vector<std::pair<const aiNode *, const aiNode *>> listNodes(const aiNode *root) {
+    std::vector<std::pair<const aiNode *, const aiNode *>> listed, open;
+    if (root) open.emplace_back(root, nullptr);
+    while (!open.empty()) {
+        listed.push_back(open.back());
+        const aiNode *node = open.back().first;
+        open.pop_back();
+        if (listed.size() > kMaxNodes)
+            throw Refusal("it has more than " + std::to_string(kMaxNodes) + " nodes");
+        // Some importers count a child too many.
+        for (unsigned i = node->mNumChildren; i-- > 0;)
+            if (node->mChildren[i]) open.emplace_back(node->mChildren[i], node);
+    }
+    return listed;
+}
+
+using Weights = std::vector<std::pair<unsigned, double>>;  // joint, weight
+
+// The largest four, made multiples of 1/65536 that sum to one: the engine cuts weights to them.
+VertexSkin finish(Weights &weights, std::uint64_t *dropped) {
+    std::stable_sort(weights.begin(), weights.end(),
+                     [](const auto &a, const auto &b) { return a.second > b.second; });
+    const std::size_t kept = std::min<std::size_t>(weights.size(), kMaxInfluences);
+    *dropped += weights.size() - kept;
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kept; ++i) sum += weights[i].second;
+    VertexSkin skin;
+    double left = 65536.0;
+    for (std::size_t i = kept; i-- > 0;) {
+        const double steps = i == 0 ? left : std::floor(weights[i].second / sum * 65536.0 + 0.5);
+        left -= steps;
+        skin.joints[i] = weights[i].first;
+        skin.weights[i] = static_cast<float>(steps / 65536.0);
+    }
+    return skin;
+}
+
+void add(Weights &weights, unsigned joint, double weight) {
+    for (auto &known : weights) {
+        if (known.first == joint) {
+            known.second += weight;
+            return;
+        }
+    }
+    weights.emplace_back(joint, weight);
+}
+
+}  // namespace
+
+bool isSkinned(const aiMesh &mesh) {
+    for (unsigned b = 0; b < mesh.mNumBones; ++b)
+        if (totalWeight(*mesh.mBones[b], mesh) > 0.0) return true;
+    return false;
+}
+
+Rig::Rig(const aiScene &scene, double scale, Report &report) : scene(scene), scale(scale), report(report) {
+    readNodes();
+    readMotion();
+    bindSkins();
+    spreadBind();
+    measure();
+    makeJoints();
+    for (Skin &skin : skins) makeInfluences(skin);
+    placeRigidMeshes();
+    markSkeleton();
+    markPosed();
+    if (names.changed() > 0)
+        report.note(std::to_string(names.changed()) + (names.changed() == 1 ? " name was" : " names were") +
+                    " changed: empty, taken by another node, too long or not UTF-8");
+}
+
+// Some importers list bones side by side and tell only by a node's parent where it hangs: the parent counts.
+// Where parents lead in a circle, or out of the model, the list does.
+void Rig::readNodes() {
+    const auto listed = listNodes(scene.mRootNode);
+    std::map<const aiNode *, std::vector<const aiNode *>> children;
+    std::set<const aiNode *> known;
+    for (const auto &[node, lister] : listed) known.insert(node);
+    for (const auto &[node, lister] : listed)
+        if (lister) children[known.count(node->mParent) ? node->mParent : lister].push_back(node);
+    readBelow(children);
+    if (sources.size() != listed.size()) {
+        sources.clear();
+        children.clear();
+        for (const auto &[node, lister] : listed)
+            if (lister) children[lister].push_back(node);
+        readBelow(children);
+    }
+    std::map<const aiNode *, int> indices;
+    for (std::size_t s = 0; s < sources.size(); ++s) indices.emplace(sources[s].node, static_cast<int>(s));
+    // The first of a name counts, as it does for assimp.
+    for (const auto &[node, lister] : listed) byName.emplace(node->mName.C_Str(), indices.at(node));
+}
+
+void Rig::readBelow(const std::map<const aiNode *, std::vector<const aiNode *>> &children) {
+    std::vector<std::pair<const aiNode *, int>> open;
+    if (scene.mRootNode) open.emplace_back(scene.mRootNode, kNone);
+    while (!open.empty()) {
+        const auto [node, parent] = open.back();
+        open.pop_back();
+        const int index = static_cast<int>(sources.size());
+        SourceNode source;
+        source.node = node;
+        source.parent = parent;
+        source.local = widened(node->mTransformation);
+        source.world = (parent == kNone ? scaling(scale) : sources[parent].world) * source.local;
+        sources.push_back(source);
+        const auto below = children.find(node);
+        if (below == children.end()) continue;
+        for (auto child = below->second.rbegin(); child != below->second.rend(); ++child)
+            open.emplace_back(*child, index);
+    }
+}
+
+int Rig::findSource(const std::string &name) const {
+    const auto found = byName.find(name);
+    return found == byName.end() ? kNone : found->second;
+}
+
+void Rig::readMotion() {
+    for (unsigned a = 0; a < scene.mNumAnimations; ++a) {
+        for (unsigned c = 0; c < scene.mAnimations[a]->mNumChannels; ++c) {
+            const aiNodeAnim &channel = *scene.mAnimations[a]->mChannels[c];
+            const int source = findSource(channel.mNodeName.C_Str());
+            if (source == kNone) continue;
+            sources[source].moves = true;
+            sources[source].scales = sources[source].scales || changesScale(channel);
+        }
+    }
+}
+
+// --- the bind pose
+
+void Rig::bindSkins() {
+    std::set<unsigned> done;
+    for (std::size_t s = 0; s < sources.size(); ++s) {
+        const aiNode &node = *sources[s].node;
+        for (unsigned i = 0; i < node.mNumMeshes; ++i) {
+            const unsigned mesh = node.mMeshes[i];
+            if (mesh >= scene.mNumMeshes || !isSkinned(*scene.mMeshes[mesh])) continue;
+            // Bones alone say where a skin is: a second node of the same skin would draw it in the same
+            // place.
+            if (!done.insert(mesh).second) continue;
+            skins.push_back({mesh, static_cast<int>(s), node.mName.C_Str(), Matrix(), {}});
+            bindSkin(skins.back());
+        }
+    }
+}
+
+void Rig::bindSkin(Skin &skin) {
+    skin.bake = chooseBake(skin);
+    const aiMesh &mesh = *scene.mMeshes[skin.mesh];
+    for (unsigned b = 0; b < mesh.mNumBones; ++b) {
+        const aiBone &bone = *mesh.mBones[b];
+        const int source = findSource(bone.mName.C_Str());
+        if (source == kNone || sources[source].isBone || totalWeight(bone, mesh) <= 0.0) continue;
+        sources[source].isBone = true;
+        sources[source].bind = skin.bake * inverse(widened(bone.mOffsetMatrix));
+    }
+}
+
+// Where the mesh stands when it is bound. A bone that another mesh bound before says it, so that meshes of
+// one skeleton agree. If the bones rest in their bind pose, they say it, whatever the mesh's node says.
+// Otherwise the node does, unless it has a scale the bones know nothing of.
+Matrix Rig::chooseBake(const Skin &skin) const {
+    const aiMesh &mesh = *scene.mMeshes[skin.mesh];
+    double most = 0.0, mostBound = 0.0;
+    Matrix rest, bound;
+    std::vector<Matrix> rests;
+    for (unsigned b = 0; b < mesh.mNumBones; ++b) {
+        const aiBone &bone = *mesh.mBones[b];
+        const int source = findSource(bone.mName.C_Str());
+        const double weight = totalWeight(bone, mesh);
+        if (source == kNone || weight <= 0.0) continue;
+        const Matrix offset = widened(bone.mOffsetMatrix);
+        rests.push_back(sources[source].world * offset);
+        if (weight > most) most = weight, rest = rests.back();
+        if (sources[source].isBone && weight > mostBound)
+            mostBound = weight, bound = sources[source].bind * offset;
+    }
+    const Matrix &node = sources[skin.source].world;
+    if (mostBound > 0.0) return bound;
+    if (rests.empty()) return node;
+    const double reach = translationOf(rest).Length() + magnitude(rest) * sizeOf(mesh);
+    if (std::all_of(rests.begin(), rests.end(),
+                    [&](const Matrix &other) { return areAlike(other, rest, reach); }))
+        return rest;
+    const Matrix moved = rest * inverse(node);
+    return linearDifference(moved, rigidPart(moved)) < kRigidEnough ? node : rest;
+}
+
+void Rig::spreadBind() {
+    for (SourceNode &source : sources) {
+        if (source.isBone) continue;
+        source.bind = source.parent == kNone ? source.world : sources[source.parent].bind * source.local;
+    }
+}
+
+// How far bones, and what is bound to them, reach from the origin.
+void Rig::measure() {
+    for (const SourceNode &source : sources) size = std::max(size, translationOf(source.bind).Length());
+    for (const Skin &skin : skins) {
+        const aiMesh &mesh = *scene.mMeshes[skin.mesh];
+        for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
+            const aiVector3D &v = mesh.mVertices[i];
+            const double length = (skin.bake * Vector(v.x, v.y, v.z)).Length();
+            if (std::isfinite(length)) size = std::max(size, length);
+        }
+    }
+}
+
+// --- joints
+
+bool Rig::isKept(int index) const {
+    const SourceNode &source = sources[index];
+    const aiNode &node = *source.node;
+    bool carries = false, wears = false;  // rigid meshes, skins
+    for (unsigned i = 0; i < node.mNumMeshes; ++i) {
+        if (node.mMeshes[i] >= scene.mNumMeshes) continue;
+        (isSkinned(*scene.mMeshes[node.mMeshes[i]]) ? wears : carries) = true;
+    }
+    if (source.isBone || carries) return true;
+    if (std::string(node.mName.C_Str()).find(kPivotMark) != std::string::npos) return false;
+    if (source.parent == kNone) return source.moves;  // the scene's own root stands for it
+    // The skin takes the name of a node that exists to hold it only.
+    return !(wears && node.mNumChildren == 0 && !source.moves);
+}
+
+void Rig::makeJoints() {
+    bonesOf.resize(sources.size());
+    if (!skins.empty()) names.take(kSkeletonRoot, kSkeletonRoot);
+    for (std::size_t s = 0; s < sources.size(); ++s) {
+        SourceNode &source = sources[s];
+        const int above = source.parent == kNone ? kNone : sources[source.parent].joint;
+        source.joint = above;
+        if (!isKept(static_cast<int>(s))) continue;
+        source.joint =
+            static_cast<int>(addJoint(static_cast<int>(s), above, source.bind, source.node->mName.C_Str()));
+        joints[source.joint].isBone = source.isBone;
+        if (source.isBone) bonesOf[s].push_back(source.joint);
+    }
+}
+
+unsigned Rig::addJoint(int source, int parent, const Matrix &bind, const std::string &wanted) {
+    int depth = 0;
+    for (int above = parent; above != kNone; above = joints[above].parent) ++depth;
+    for (; depth >= kMaxDepth; --depth) parent = joints[parent].parent;
+    Joint joint;
+    joint.name = names.take(wanted, "node");
+    joint.source = source;
+    joint.parent = parent;
+    joint.frame = rigidPart(bind);
+    joint.bake = inverse(joint.frame) * bind;
+    joints.push_back(joint);
+    return static_cast<unsigned>(joints.size() - 1);
+}
+
+// The joint that stands for a bone bound as `bind` says. Meshes that bound one bone in different places get a
+// joint each, the further ones below the first.
+unsigned Rig::boneJoint(int source, const Matrix &bind) {
+    std::vector<unsigned> &known = bonesOf[source];
+    for (unsigned joint : known)
+        if (areAlike(joints[joint].frame * joints[joint].bake, bind, size)) return joint;
+    const int first = sources[source].joint;
+    known.push_back(addJoint(source, first, bind, joints[first].name));
+    joints[known.back()].isBone = true;
+    return known.back();
+}
+
+// What vertices without any weight follow: the node that holds the skin.
+unsigned Rig::carrierOf(const Skin &skin) {
+    int joint = sources[skin.source].joint;
+    if (joint == kNone) {
+        if (still == kNone) still = static_cast<int>(addJoint(kNone, kNone, Matrix(), "still"));
+        joint = still;
+    }
+    joints[joint].isBone = true;
+    return static_cast<unsigned>(joint);
+}
+
+void Rig::makeInfluences(Skin &skin) {
+    const aiMesh &mesh = *scene.mMeshes[skin.mesh];
+    std::vector<Weights> weights(mesh.mNumVertices);
+    std::uint64_t lost = 0, dropped = 0, loose = 0;
+    for (unsigned b = 0; b < mesh.mNumBones; ++b) {
+        const aiBone &bone = *mesh.mBones[b];
+        if (totalWeight(bone, mesh) <= 0.0) continue;
+        const int source = findSource(bone.mName.C_Str());
+        if (source == kNone) ++lost;
+        const unsigned joint = source == kNone
+                                   ? carrierOf(skin)
+                                   : boneJoint(source, skin.bake * inverse(widened(bone.mOffsetMatrix)));
+        for (unsigned i = 0; i < bone.mNumWeights; ++i)
+            if (isUsable(bone.mWeights[i], mesh))
+                add(weights[bone.mWeights[i].mVertexId], joint, bone.mWeights[i].mWeight);
+    }
+    skin.vertices.reserve(weights.size());
+    for (Weights &of : weights) {
+        if (of.empty()) {
+            ++loose;
+            of.emplace_back(carrierOf(skin), 1.0);
+        }
+        skin.vertices.push_back(finish(of, &dropped));
+    }
+    report.drop("bones", lost, "the model has no node of their name; what they hold stands still");
+    report.drop("influences", dropped, "a vertex follows its four heaviest bones");
+    if (loose > 0)
+        report.note(std::to_string(loose) + " vertices of " + cleanText(skin.name) +
+                    " have no weight and follow the node that holds them");
+}
+
+void Rig::placeRigidMeshes() {
+    for (std::size_t s = 0; s < sources.size(); ++s) {
+        const aiNode &node = *sources[s].node;
+        for (unsigned i = 0; i < node.mNumMeshes; ++i) {
+            const unsigned mesh = node.mMeshes[i];
+            if (mesh >= scene.mNumMeshes || isSkinned(*scene.mMeshes[mesh])) continue;
+            const unsigned joint = static_cast<unsigned>(sources[s].joint);
+            rigidMeshes.push_back({mesh, joint, joints[joint].bake});
+        }
+    }
+}
+
+// Skins look for their bones below the node that holds both: HumanoidRoot. What has no bone in it stays
+// outside, so that it need not be searched in every frame.
+void Rig::markSkeleton() {
+    std::vector<std::size_t> top(joints.size());
+    std::vector<bool> holdsBones(joints.size());
+    for (std::size_t j = 0; j < joints.size(); ++j) {
+        top[j] = joints[j].parent == kNone ? j : top[joints[j].parent];
+        if (joints[j].isBone) holdsBones[top[j]] = true;
+    }
+    for (std::size_t j = 0; j < joints.size(); ++j) joints[j].underRoot = holdsBones[top[j]];
+}
+
+// --- motion
+
+void Rig::pose(const std::vector<Matrix> &locals, std::vector<Matrix> &worlds) const {
+    worlds.resize(sources.size());
+    for (std::size_t s = 0; s < sources.size(); ++s)
+        worlds[s] = (sources[s].parent == kNone ? scaling(scale) : worlds[sources[s].parent]) * locals[s];
+}
+
+Matrix Rig::localFrame(unsigned joint, const std::vector<Matrix> &frames) const {
+    const int parent = joints[joint].parent;
+    return parent == kNone ? frames[joint] : inverse(frames[parent]) * frames[joint];
+}
+
+// A joint's keyframes are needed when something between it and the joint above moves, when a scale above
+// changes its distance, and when it does not rest in its bind pose.
+void Rig::markPosed() {
+    std::vector<bool> stretched(sources.size());
+    for (std::size_t s = 0; s < sources.size(); ++s)
+        stretched[s] = sources[s].scales || (sources[s].parent != kNone && stretched[sources[s].parent]);
+    std::vector<Matrix> rest, bound;
+    for (const Joint &joint : joints) {
+        bound.push_back(joint.frame);
+        rest.push_back(joint.source == kNone
+                           ? joint.frame
+                           : rigidPart(sources[joint.source].world * inverse(joint.bake), joint.frame));
+    }
+    bool restsElsewhere = false;
+    for (std::size_t j = 0; j < joints.size(); ++j) {
+        Joint &joint = joints[j];
+        if (joint.source == kNone) continue;
+        const int above = joint.parent == kNone ? kNone : joints[joint.parent].source;
+        bool posed = stretched[joint.source];
+        for (int s = joint.source; s != kNone && s != above; s = sources[s].parent)
+            posed = posed || sources[s].moves;
+        const unsigned index = static_cast<unsigned>(j);
+        const bool strays = !areAlike(localFrame(index, bound), localFrame(index, rest), size);
+        restsElsewhere = restsElsewhere || strays;
+        joint.isPosed = scene.mNumAnimations > 0 && (posed || strays);
+    }
+    if (restsElsewhere)
+        report.note("its bones rest in another pose than their bind pose, in which the scene shows them");
+}
+
+}  // namespace keltra::convert

@@ -1,0 +1,122 @@
+#ifndef KELTRA_CONVERT_RIG_H
+#define KELTRA_CONVERT_RIG_H
+
+// The nodes of a model, and the joints that become nodes of the scene. The engine's nodes have a place and a
+// turn but no scale, so every joint gets a rigid frame, and what the model's node has beyond it, its `bake`,
+// goes into the vertices. Where bones are concerned the frames are those of the bind pose, for the engine
+// takes the pose in the file for it.
+
+#include <array>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/convert/names.h"
+#include "tools/convert/report.h"
+#include "tools/convert/transform.h"
+
+struct aiMesh;
+struct aiNode;
+struct aiScene;
+
+namespace keltra::convert {
+
+constexpr int kNone = -1;
+
+struct SourceNode {
+    const aiNode *node = nullptr;
+    int parent = kNone;
+    int joint = kNone;    // the joint it became; kNone for one that only its children remember
+    bool moves = false;   // some clip has keyframes for it
+    bool scales = false;  // and they change its scale
+    Matrix local;         // at rest
+    Matrix world;         // at rest
+    Matrix bind;          // in the bind pose, in the world
+    bool isBone = false;
+};
+
+struct Joint {
+    std::string name;
+    int source = kNone;
+    int parent = kNone;      // an earlier joint
+    Matrix frame;            // rigid, in the world
+    Matrix bake;             // from the source node's coordinates to the frame's
+    bool isBone = false;     // some skin follows it
+    bool isPosed = false;    // clips may move it
+    bool underRoot = false;  // part of the skeleton: stands below HumanoidRoot
+};
+
+constexpr unsigned kMaxInfluences = 4;  // more would double the work of a handheld for what nobody sees
+
+// What one vertex follows, by falling weight. The weights are multiples of 1/65536, as the engine takes them,
+// and sum to 1 exactly; unused ones are 0.
+struct VertexSkin {
+    std::array<unsigned, kMaxInfluences> joints{};
+    std::array<float, kMaxInfluences> weights{};
+};
+
+struct Skin {
+    unsigned mesh;  // of the model
+    int source;     // the node that holds it
+    std::string name;
+    Matrix bake;                       // from the mesh's coordinates to the world, in the bind pose
+    std::vector<VertexSkin> vertices;  // of the mesh's
+};
+
+struct RigidMesh {
+    unsigned mesh;
+    unsigned joint;
+    Matrix bake;
+};
+
+class Rig {
+   public:
+    // Lengths are multiplied by `scale`. Throws Refusal.
+    Rig(const aiScene &scene, double scale, Report &report);
+
+    // The world matrices of all source nodes for the given local ones, in their order.
+    void pose(const std::vector<Matrix> &locals, std::vector<Matrix> &worlds) const;
+    // A joint's place and turn above its parent, for rigid frames of all joints.
+    Matrix localFrame(unsigned joint, const std::vector<Matrix> &frames) const;
+    int findSource(const std::string &name) const;
+
+    std::vector<SourceNode> sources;  // parents before children
+    std::vector<Joint> joints;        // parents before children
+    std::vector<Skin> skins;
+    std::vector<RigidMesh> rigidMeshes;
+    Names names;
+
+   private:
+    void readNodes();
+    void readBelow(const std::map<const aiNode *, std::vector<const aiNode *>> &children);
+    void readMotion();
+    void bindSkins();
+    void bindSkin(Skin &skin);
+    Matrix chooseBake(const Skin &skin) const;
+    void spreadBind();
+    void measure();
+    void makeJoints();
+    bool isKept(int source) const;
+    unsigned addJoint(int source, int parent, const Matrix &bind, const std::string &wanted);
+    void makeInfluences(Skin &skin);
+    unsigned boneJoint(int source, const Matrix &bind);
+    unsigned carrierOf(const Skin &skin);
+    void markSkeleton();
+    void markPosed();
+    void placeRigidMeshes();
+
+    const aiScene &scene;
+    const double scale;
+    Report &report;
+    double size = 0.0;
+    std::map<std::string, int> byName;
+    std::vector<std::vector<unsigned>> bonesOf;  // of each source node: the joints that skins follow
+    int still = kNone;                           // a joint that never moves, for what follows nothing
+};
+
+// Whether bones move the mesh: some vertex has a weight.
+bool isSkinned(const aiMesh &mesh);
+
+}  // namespace keltra::convert
+
+#endif

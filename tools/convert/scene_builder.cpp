@@ -1,0 +1,286 @@
+#include "tools/convert/scene_builder.h"
+
+#include <assimp/scene.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "tools/convert/geometry.h"
+
+namespace keltra::convert {
+namespace {
+
+constexpr char kSkeletonRoot[] = "HumanoidRoot";  // the name by which the engine knows the frame of skeletons
+constexpr std::size_t kSkinsDrawn = 16;           // in a frame
+constexpr std::size_t kElementsDrawn = 1024;
+constexpr std::size_t kMaxChildren = 65535;
+constexpr double kNoAngle = 1e-5;  // degrees
+constexpr double kDegrees = 180.0 / 3.14159265358979323846;
+
+formats::Vec3 narrowed(const Vector &v) {
+    return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
+}
+
+formats::Node meshNode(const std::string &name, formats::MeshData mesh, const std::string &material) {
+    formats::Node node;
+    node.kind = formats::NodeKind::kMesh;
+    node.name = name;
+    node.mesh = std::move(mesh);
+    node.mesh.material = material;
+    return node;
+}
+
+class Builder {
+   public:
+    Builder(const aiScene &scene, Rig &rig, const Materials &materials, Report &report,
+            const Progress &progress)
+        : scene(scene),
+          rig(rig),
+          materials(materials),
+          report(report),
+          progress(progress),
+          atJoint(rig.joints.size()) {
+        for (const RigidMesh &rigid : rig.rigidMeshes) faces += scene.mMeshes[rigid.mesh]->mNumFaces;
+        for (const Skin &skin : rig.skins) faces += scene.mMeshes[skin.mesh]->mNumFaces;
+    }
+
+    void build(formats::Node &root);
+
+   private:
+    MeshBuilder newMesh();
+    void addRigidMeshes();
+    void addSkins();
+    void addLights();
+    formats::Node lightNode(const aiLight &light, const Matrix &bake);
+    void putTogether(formats::Node &root);
+    formats::Node jointNode(unsigned joint) const;
+    void count(const formats::MeshData &mesh);
+    const std::string &materialOf(unsigned mesh) const;
+    unsigned uvChannelOf(unsigned mesh) const;
+    void tellRejects();
+
+    const aiScene &scene;
+    Rig &rig;
+    const Materials &materials;
+    Report &report;
+    const Progress &progress;
+    std::size_t faces = 0, facesDone = 0;
+    Rejects rejects;
+    std::vector<std::vector<formats::Node>> atJoint;  // what hangs at each: meshes, lights
+    std::vector<formats::Node> atRoot, skins;
+};
+
+const std::string &Builder::materialOf(unsigned mesh) const {
+    static const std::string none;
+    const unsigned index = scene.mMeshes[mesh]->mMaterialIndex;
+    return index < materials.materials.size() ? materials.materials[index].name : none;
+}
+
+unsigned Builder::uvChannelOf(unsigned mesh) const {
+    const unsigned index = scene.mMeshes[mesh]->mMaterialIndex;
+    return index < materials.uvChannel.size() ? materials.uvChannel[index] : 0;
+}
+
+void Builder::count(const formats::MeshData &mesh) {
+    ++report.meshes;
+    report.vertices += mesh.vertices.size();
+    report.triangles += mesh.faces.size();
+}
+
+MeshBuilder Builder::newMesh() {
+    return MeshBuilder([this](std::size_t more) {
+        facesDone += more;
+        if (progress) progress("geometry", double(facesDone) / double(faces));
+    });
+}
+
+void Builder::addRigidMeshes() {
+    for (const RigidMesh &rigid : rig.rigidMeshes) {
+        MeshBuilder builder = newMesh();
+        builder.add(*scene.mMeshes[rigid.mesh], rigid.bake, nullptr, uvChannelOf(rigid.mesh), rejects);
+        for (formats::MeshData &mesh : builder.finish(rig.joints)) {
+            count(mesh);
+            atJoint[rigid.joint].push_back(meshNode("", std::move(mesh), materialOf(rigid.mesh)));
+        }
+    }
+}
+
+// The engine draws 16 skins in a frame: when the model has more, those of one material become one.
+void Builder::addSkins() {
+    const bool joined = rig.skins.size() > kSkinsDrawn;
+    std::vector<bool> done(rig.skins.size());
+    for (std::size_t s = 0; s < rig.skins.size(); ++s) {
+        if (done[s]) continue;
+        const Skin &first = rig.skins[s];
+        MeshBuilder builder = newMesh();
+        for (std::size_t other = s; other < (joined ? rig.skins.size() : s + 1); ++other) {
+            const Skin &skin = rig.skins[other];
+            if (done[other] || materialOf(skin.mesh) != materialOf(first.mesh)) continue;
+            builder.add(*scene.mMeshes[skin.mesh], skin.bake, &skin, uvChannelOf(skin.mesh), rejects);
+            done[other] = true;
+        }
+        for (formats::MeshData &mesh : builder.finish(rig.joints)) {
+            count(mesh);
+            skins.push_back(
+                meshNode(rig.names.take(first.name, "skin"), std::move(mesh), materialOf(first.mesh)));
+        }
+    }
+    report.skins = static_cast<unsigned>(skins.size());
+    if (joined)
+        report.note(std::to_string(rig.skins.size()) + " skins were joined by material into " +
+                    std::to_string(skins.size()));
+    if (skins.size() > kSkinsDrawn)
+        report.warn("it has " + std::to_string(skins.size()) +
+                    " skins; the engine draws 16 in a frame, and the others not at all");
+}
+
+formats::Node Builder::lightNode(const aiLight &light, const Matrix &bake) {
+    formats::Node node;
+    node.kind = formats::NodeKind::kLight;
+    node.name = rig.names.take(light.mName.C_Str(), "light");
+    const Vector at(light.mPosition.x, light.mPosition.y, light.mPosition.z);
+    const Vector to(light.mDirection.x, light.mDirection.y, light.mDirection.z);
+    node.position = narrowed(bake * at);
+    Vector direction = turned(bake, to);
+    if (!(direction.Length() > 0.0)) direction = Vector(0.0, 0.0, -1.0);
+    node.light.direction = narrowed(direction.Normalize());
+    node.light.type = light.mType == aiLightSource_SPOT          ? formats::LightType::kSpot
+                      : light.mType == aiLightSource_DIRECTIONAL ? formats::LightType::kDirectional
+                                                                 : formats::LightType::kPoint;
+    // The cone's whole angle, in radians; GL takes half of it, up to 90 degrees.
+    if (light.mType == aiLightSource_SPOT)
+        node.light.cutOff = static_cast<float>(std::clamp(light.mAngleOuterCone * kDegrees * 0.5, 1.0, 90.0));
+    const aiColor3D &color = light.mColorDiffuse;
+    const float brightest = std::max({color.r, color.g, color.b});
+    const float factor = brightest > 1.0f ? 1.0f / brightest : 1.0f;
+    node.light.color = {color.r * factor, color.g * factor, color.b * factor};
+    if (!std::isfinite(brightest)) node.light.color = {1.0f, 1.0f, 1.0f};
+    return node;
+}
+
+void Builder::addLights() {
+    std::uint64_t other = 0;
+    for (unsigned i = 0; i < scene.mNumLights; ++i) {
+        const aiLight &light = *scene.mLights[i];
+        const bool known = light.mType == aiLightSource_POINT || light.mType == aiLightSource_SPOT ||
+                           light.mType == aiLightSource_DIRECTIONAL;
+        if (!known) {
+            ++other;
+            continue;
+        }
+        ++report.lights;
+        const int source = rig.findSource(light.mName.C_Str());
+        const int joint = source == kNone ? kNone : rig.sources[source].joint;
+        if (joint == kNone) {
+            atRoot.push_back(lightNode(light, source == kNone ? Matrix() : rig.sources[source].bind));
+        } else {
+            const Matrix bake = inverse(rig.joints[joint].frame) * rig.sources[source].bind;
+            atJoint[joint].push_back(lightNode(light, bake));
+        }
+    }
+    report.drop("lights", other, "GL has point lights, spots and directional ones");
+}
+
+// The joint as it is in the file, with the first of its meshes in it.
+formats::Node Builder::jointNode(unsigned index) const {
+    const Joint &joint = rig.joints[index];
+    const Matrix local =
+        joint.parent == kNone ? joint.frame : inverse(rig.joints[joint.parent].frame) * joint.frame;
+    const Vector angles = eulerAngles(local);
+    const bool turns = std::max({std::abs(angles.x), std::abs(angles.y), std::abs(angles.z)}) > kNoAngle;
+    formats::Node node;
+    node.name = joint.name;
+    node.position = narrowed(translationOf(local));
+    // Only records of meshes have rotations, and only meshes move skins.
+    if (!turns && !joint.isBone && !joint.isPosed) return node;
+    node.kind = formats::NodeKind::kMesh;
+    node.mesh.rotation = narrowed(angles);
+    node.mesh.hidden = true;
+    return node;
+}
+
+// Children know only after them what hangs at them, so the tree is put together from the leaves.
+void Builder::putTogether(formats::Node &root) {
+    formats::Node skeleton;
+    skeleton.name = kSkeletonRoot;
+    std::vector<std::vector<formats::Node>> below(rig.joints.size());
+    std::vector<formats::Node> outside;
+    for (std::size_t j = rig.joints.size(); j-- > 0;) {
+        const Joint &joint = rig.joints[j];
+        formats::Node node = jointNode(static_cast<unsigned>(j));
+        std::vector<formats::Node> &hanging = atJoint[j];
+        std::size_t taken = 0;
+        if (!hanging.empty() && hanging[0].kind == formats::NodeKind::kMesh) {
+            const formats::Vec3 rotation = node.mesh.rotation;
+            node.kind = formats::NodeKind::kMesh;
+            node.mesh = std::move(hanging[0].mesh);
+            node.mesh.rotation = rotation;
+            taken = 1;
+        }
+        for (std::size_t i = taken; i < hanging.size(); ++i) {
+            if (hanging[i].name.empty()) hanging[i].name = rig.names.take(joint.name, "mesh");
+            node.children.push_back(std::move(hanging[i]));
+        }
+        std::move(below[j].rbegin(), below[j].rend(), std::back_inserter(node.children));
+        if (node.children.size() > kMaxChildren)
+            throw Refusal("a node has more than " + std::to_string(kMaxChildren) + " children");
+        std::vector<formats::Node> &above =
+            joint.parent != kNone ? below[joint.parent] : (joint.underRoot ? skeleton.children : outside);
+        above.push_back(std::move(node));
+    }
+    std::reverse(skeleton.children.begin(), skeleton.children.end());
+    std::move(skins.begin(), skins.end(), std::back_inserter(skeleton.children));
+    if (!skeleton.children.empty()) root.children.push_back(std::move(skeleton));
+    std::move(outside.rbegin(), outside.rend(), std::back_inserter(root.children));
+    std::move(atRoot.begin(), atRoot.end(), std::back_inserter(root.children));
+    if (root.children.size() > kMaxChildren)
+        throw Refusal("it has more than " + std::to_string(kMaxChildren) + " nodes side by side");
+}
+
+void Builder::tellRejects() {
+    report.drop("triangles", rejects.degenerate, "they have no area");
+    report.drop("triangles", rejects.notFinite, "a coordinate is no finite number");
+    report.drop("triangles", rejects.badIndex, "they name vertices that do not exist");
+    if (rejects.insideOut > 0)
+        report.note("the normals of " + std::to_string(rejects.insideOut) +
+                    (rejects.insideOut == 1 ? " mesh" : " meshes") +
+                    " looked away from the triangles' fronts, and one of the two was turned");
+    report.drop("lines and points", rejects.linesAndPoints, "the engine draws triangles");
+}
+
+void Builder::build(formats::Node &root) {
+    addRigidMeshes();
+    addSkins();
+    addLights();
+    putTogether(root);
+    tellRejects();
+    if (report.meshes + report.lights > kElementsDrawn)
+        report.warn("it has " + std::to_string(report.meshes + report.lights) +
+                    " meshes and lights; the engine draws 1024 in a frame");
+}
+
+std::uint64_t countNodes(const formats::Node &node) {
+    std::uint64_t count = 1;
+    for (const formats::Node &child : node.children) count += countNodes(child);
+    return count;
+}
+
+}  // namespace
+
+formats::Scene buildScene(const aiScene &scene, Rig &rig, const Materials &materials, const Options &options,
+                          Report &report, const Progress &progress) {
+    formats::Scene built;
+    built.materials = materials.materials;
+    if (built.materials.size() > kMaxChildren)
+        throw Refusal("it has more than " + std::to_string(kMaxChildren) + " materials");
+    Builder(scene, rig, materials, report, progress).build(built.root);
+    // Last, for whoever animates looks for the model's own names.
+    built.root.name = rig.names.take(options.name, "model");
+    report.materials = static_cast<unsigned>(built.materials.size());
+    report.nodes = static_cast<unsigned>(countNodes(built.root));
+    report.bones = static_cast<unsigned>(
+        std::count_if(rig.joints.begin(), rig.joints.end(), [](const Joint &j) { return j.isBone; }));
+    return built;
+}
+
+}  // namespace keltra::convert

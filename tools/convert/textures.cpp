@@ -1,0 +1,208 @@
+#include "tools/convert/textures.h"
+
+#include <algorithm>
+
+namespace keltra::convert {
+namespace {
+
+using formats::Image;
+using formats::Rgba;
+
+constexpr unsigned kLargestSide = 512;            // that the engine loads
+constexpr std::size_t kLongestTextureName = 160;  // short enough for a path before it
+constexpr char kBaseEnding[] = "_d.tga";
+
+unsigned powerUpTo(unsigned size) {
+    unsigned power = 1;
+    while (power * 2 <= std::min(size, kLargestSide)) power *= 2;
+    return power;
+}
+
+// Rows from the bottom up, which the loader takes as they are.
+std::vector<std::uint8_t> targa(const Image &image, bool withAlpha) {
+    const unsigned bits = withAlpha ? 32 : 24;
+    std::vector<std::uint8_t> raw = formats::writeTga(image, {false, bits, false});
+    std::vector<std::uint8_t> packed = formats::writeTga(image, {true, bits, false});
+    return packed.size() < raw.size() ? packed : raw;
+}
+
+// Exporters leave the alpha of a picture at 0 where they have none; no one draws a wholly invisible picture.
+bool isBlank(const Image &image) {
+    return std::all_of(image.pixels.begin(), image.pixels.end(), [](Rgba pixel) { return pixel.a == 0; });
+}
+
+void makeOpaque(Image &image) {
+    for (Rgba &pixel : image.pixels) pixel.a = 255;
+}
+
+// The picture's alpha becomes its opacity: what an opacity map says, which is alpha if it has any.
+void keepOpacity(Image &image, bool inverted) {
+    const bool byAlpha = hasAlpha(image) && !isBlank(image);
+    for (Rgba &pixel : image.pixels) {
+        const unsigned grey = (pixel.r * 77u + pixel.g * 151u + pixel.b * 28u + 128u) / 256u;
+        const unsigned opacity = byAlpha ? pixel.a : grey;
+        pixel.a = static_cast<std::uint8_t>(inverted ? 255 - opacity : opacity);
+    }
+}
+
+std::string keyOf(const TextureWish &wish) {
+    const std::string cut = wish.alpha == AlphaUse::kCut ? std::to_string(wish.cutOff) : "";
+    return wish.base + '\n' + std::to_string(static_cast<int>(wish.alpha)) + cut + '\n' + wish.opacity +
+           '\n' + (wish.opacityInverted ? "-" : "+") + (wish.normalsMayBeHeights ? "h" : "n") + wish.normals;
+}
+
+std::string quoted(const std::string &path) { return "texture " + cleanText(path); }
+
+}  // namespace
+
+Textures::Textures(const aiScene &scene, const Options &options, Report &report)
+    : name(options.name),
+      largest(powerUpTo(options.maxTexture)),
+      report(report),
+      source(scene, options.model),
+      names(kLongestTextureName, false) {}
+
+bool Textures::read(const std::string &path, const std::string &consequence, Image &image) {
+    try {
+        const PicturePlace place = source.find(path);
+        std::string remark;
+        image = source.read(place, remark);
+        const bool first = said.insert(path).second;
+        if (first && !place.instead.empty())
+            report.note(quoted(path) + " is read from " + cleanText(place.instead));
+        if (first && !remark.empty())
+            report.warn(quoted(path) + " is damaged, and read as far as it goes: " + remark);
+        return true;
+    } catch (const PictureFault &fault) {
+        const std::string what =
+            fault.missing ? " is missing" : std::string(" cannot be read: ") + fault.what();
+        const std::string text = quoted(path) + what + "; " + consequence;
+        if (said.insert(text).second) report.warn(text);
+        return false;
+    }
+}
+
+void Textures::fit(Image &image, bool alphaCounts) const {
+    image =
+        resized(image, nearestPower(image.width, largest), nearestPower(image.height, largest), alphaCounts);
+}
+
+void Textures::loadBase(const TextureWish &wish, Pictures &pictures) {
+    Image &base = pictures.base;
+    if (wish.base.empty()) {
+        base = Image(1, 1);
+        base.pixels[0] = {255, 255, 255, 255};
+        return;
+    }
+    if (!read(wish.base, "a checker stands in for it", base)) {
+        base = checker();
+        fit(base, false);
+        pictures.missing = true;
+        return;
+    }
+    if (hasAlpha(base)) {
+        if (isBlank(base)) makeOpaque(base);
+        if (wish.alpha == AlphaUse::kDrop) {
+            makeOpaque(base);
+            if (wish.opacity.empty() && said.insert(wish.base + "\nalpha").second)
+                report.note("the alpha of " + quoted(wish.base) +
+                            " is dropped: the model's material does not ask for it");
+        }
+        if (wish.alpha == AlphaUse::kCut)
+            for (Rgba &pixel : base.pixels)
+                pixel.a = static_cast<float>(pixel.a) < wish.cutOff * 255.0f ? 0 : 255;
+    }
+}
+
+void Textures::mergeOpacity(const TextureWish &wish, Pictures &pictures) {
+    if (wish.opacity.empty() || pictures.missing) return;
+    Image opacity;
+    if (!read(wish.opacity, "nothing is seen through", opacity)) return;
+    // Exporters name the picture itself as its opacity when they mean its alpha; without one it says nothing.
+    if (wish.opacity == wish.base && !(hasAlpha(opacity) && !isBlank(opacity))) return;
+    keepOpacity(opacity, wish.opacityInverted);
+    Image &base = pictures.base;
+    const unsigned width = nearestPower(std::max(base.width, opacity.width), largest);
+    const unsigned height = nearestPower(std::max(base.height, opacity.height), largest);
+    // The colours under the opacity must weigh by it, and its own colours must not.
+    for (Rgba &pixel : opacity.pixels) pixel.r = pixel.g = pixel.b = pixel.a;
+    opacity = resized(opacity, width, height, false);
+    base = resized(base, width, height, wish.alpha != AlphaUse::kDrop);
+    for (std::size_t i = 0; i < base.pixels.size(); ++i)
+        base.pixels[i].a = static_cast<std::uint8_t>((base.pixels[i].a * opacity.pixels[i].r + 127u) / 255u);
+}
+
+void Textures::loadNormals(const TextureWish &wish, Pictures &pictures) {
+    if (wish.normals.empty()) return;
+    Image normals;
+    if (!read(wish.normals, "it is left out", normals)) return;
+    if (wish.normalsMayBeHeights && !looksLikeNormals(normals)) {
+        report.drop("bump maps", 1, "the engine has no use for heights");
+        return;
+    }
+    fit(normals, false);
+    pictures.normals = std::move(normals);
+}
+
+TextureMade Textures::make(const TextureWish &wish) {
+    const std::string key = keyOf(wish);
+    const auto before = madeBefore.find(key);
+    if (before != madeBefore.end()) return before->second;
+    Pictures pictures;
+    loadBase(wish, pictures);
+    mergeOpacity(wish, pictures);
+    fit(pictures.base, hasAlpha(pictures.base));
+    pictures.seeThrough = hasAlpha(pictures.base);
+    if (pictures.seeThrough) spreadColours(pictures.base);
+    TextureMade made;
+    // White that hides nothing is no texture.
+    if (!wish.base.empty() || pictures.seeThrough) {
+        loadNormals(wish, pictures);
+        made = write(wish, pictures);
+    }
+    madeBefore[key] = made;
+    return made;
+}
+
+TextureMade Textures::write(const TextureWish &wish, const Pictures &pictures) {
+    const std::string &from = wish.base.empty() ? wish.opacity : wish.base;
+    std::vector<std::uint8_t> base = targa(pictures.base, pictures.seeThrough), normals;
+    if (!pictures.normals.pixels.empty()) normals = targa(pictures.normals, false);
+    std::vector<std::uint8_t> content = base;
+    content.insert(content.end(), normals.begin(), normals.end());
+    // Every missing texture keeps a name of its own: its file waits to be replaced.
+    if (!pictures.missing) {
+        const auto before = writtenBefore.find(content);
+        if (before != writtenBefore.end()) return before->second;
+    }
+    TextureMade made;
+    made.file = names.take(name + "_" + source.stem(from), name + "_texture", kBaseEnding);
+    made.seeThrough = pictures.seeThrough;
+    if (!pictures.missing) writtenBefore[std::move(content)] = made;
+    add(made.file, from, pictures.base, pictures.missing, std::move(base));
+    if (!normals.empty()) {
+        // The engine looks for this name by itself. Base textures all end otherwise, so none can be taken for
+        // it.
+        const std::string stem = made.file.substr(0, made.file.size() - (sizeof kBaseEnding - 1));
+        add(stem + "_n.tga", wish.normals, pictures.normals, false, std::move(normals));
+    }
+    return made;
+}
+
+void Textures::add(const std::string &file, const std::string &from, const Image &image, bool missing,
+                   std::vector<std::uint8_t> bytes) {
+    TextureReport line;
+    line.file = file;
+    line.source = cleanText(from);
+    line.width = image.width;
+    line.height = image.height;
+    line.bits = bytes[16];
+    line.missing = missing;
+    report.textures.push_back(line);
+    report.textureMemory += std::uint64_t{image.width} * image.height * 4;
+    files.push_back({file, std::move(bytes)});
+}
+
+std::vector<OutputFile> Textures::take() { return std::move(files); }
+
+}  // namespace keltra::convert
