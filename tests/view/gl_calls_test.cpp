@@ -1,0 +1,27 @@
+#include "tools/view/gl_calls.h"
+
+#include <GLES/gl.h>
+#include <gtest/gtest.h>
+#include <keltra/keltra.h>
+
+using keltra::view::glCallsMade;
+
+// The wrappers stand between the engine and the driver: whatever either is asked for is counted, and done.
+TEST(GlCalls, CountsThoseOfTheProgramAndOfTheEngine) {
+    KTSETTINGS settings;
+    ASSERT_TRUE(KELTRA::init(&settings));
+    EXPECT_GT(glCallsMade(), 10u);
+
+    const unsigned long before = glCallsMade();
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    EXPECT_EQ(glCallsMade(), before + 1);
+    KTOPENGL::blendingOn();
+    EXPECT_EQ(glCallsMade(), before + 2);
+    EXPECT_TRUE(glIsEnabled(GL_BLEND));
+    KTOPENGL::blendingOn();
+    EXPECT_EQ(glCallsMade(), before + 3) << "a switch that is on already makes no call";
+    KTOPENGL::blendingOff();
+    EXPECT_FALSE(glIsEnabled(GL_BLEND));
+
+    KELTRA::free();
+}

@@ -1,0 +1,213 @@
+// The viewer as a program: what it prints, what it leaves, how it ends.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <set>
+#include <thread>
+
+#include "tests/support/image.h"
+#include "tests/support/temp_file.h"
+
+namespace fs = std::filesystem;
+using keltra::test::Image;
+using keltra::test::loadPng;
+using keltra::test::readFile;
+using keltra::test::TempFolder;
+
+namespace {
+
+const std::string kData = KELTRA_EXAMPLE_DATA;
+
+struct Ended {
+    int status = -1;
+    std::string out, err;
+};
+
+class Program : public ::testing::Test {
+   protected:
+    void SetUp() override {
+        fs::create_directory(folder.path("tmp"));
+        setenv("TMPDIR", folder.path("tmp").c_str(), 1);
+    }
+    void TearDown() override {
+        EXPECT_TRUE(fs::is_empty(folder.path("tmp"))) << "a temporary folder was left behind";
+        unsetenv("TMPDIR");
+    }
+
+    pid_t launch(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), KELTRA_VIEW_PROGRAM);
+        std::vector<char *> list;
+        for (std::string &argument : arguments) list.push_back(&argument[0]);
+        list.push_back(nullptr);
+        const pid_t child = fork();
+        if (child == 0) {
+            const int out = open(folder.path("out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            const int err = open(folder.path("err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            dup2(out, 1);
+            dup2(err, 2);
+            execv(list[0], list.data());
+            _exit(127);
+        }
+        return child;
+    }
+    Ended finish(pid_t child) {
+        Ended run;
+        int status = 0;
+        waitpid(child, &status, 0);
+        run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+        run.out = text("out");
+        run.err = text("err");
+        return run;
+    }
+    Ended view(const std::vector<std::string> &arguments) { return finish(launch(arguments)); }
+
+    std::string text(const char *name) {
+        const std::vector<std::uint8_t> bytes = readFile(folder.path(name));
+        return {bytes.begin(), bytes.end()};
+    }
+    // Failed with one line about that file, and wrote nothing else.
+    void expectRefused(const Ended &run, const std::string &about) {
+        EXPECT_EQ(run.status, 1) << run.err;
+        EXPECT_EQ(run.err.find("keltra-view: " + about), 0u) << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(run.out, "");
+    }
+
+    TempFolder folder;
+};
+
+int colorsOf(const Image &image) {
+    std::set<std::array<int, 3>> colors;
+    for (int y = 0; y < image.height; ++y)
+        for (int x = 0; x < image.width; ++x) colors.insert(image.at(x, y));
+    return static_cast<int>(colors.size());
+}
+
+}  // namespace
+
+TEST_F(Program, SavesThePictureOfTheLastFrame) {
+    for (const char *name : {"scene.kte", "figure.kte"}) {
+        const std::string picture = folder.path(std::string(name) + ".png");
+        const Ended run = view({kData + name, "--frames", "5", "--shot", picture});
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(run.err, "");
+        const Image image = loadPng(picture);
+        EXPECT_EQ(image.width, 240);
+        EXPECT_EQ(image.height, 320);
+        EXPECT_GT(colorsOf(image), 100) << name;
+    }
+}
+
+TEST_F(Program, RepeatsExactly) {
+    for (const char *name : {"one.png", "two.png"}) {
+        ASSERT_EQ(view({kData + "figure.kte", "--clip", kData + "walk.kta", "--frames", "7", "--shot",
+                        folder.path(name)})
+                      .status,
+                  0);
+    }
+    EXPECT_FALSE(readFile(folder.path("one.png")).empty());
+    EXPECT_EQ(readFile(folder.path("one.png")), readFile(folder.path("two.png")));
+}
+
+TEST_F(Program, MakesATurntable) {
+    const std::string pictures = folder.path("deep/pictures");
+    const Ended run = view({kData + "figure.kte", "--clip", kData + "walk.kta", "--turntable", pictures});
+    EXPECT_EQ(run.status, 0) << run.err;
+    std::vector<Image> images;
+    for (int i = 0; i < 12; ++i) {
+        const std::string number = std::to_string(i);
+        images.push_back(loadPng(pictures + (i < 10 ? "/0" : "/") + number + ".png"));
+        ASSERT_EQ(images.back().width, 240) << i;
+        EXPECT_GT(colorsOf(images.back()), 150) << i;
+        for (int j = 0; j < i; ++j)
+            EXPECT_GT(compare(images[static_cast<std::size_t>(i)], images[static_cast<std::size_t>(j)]).mean,
+                      0.5)
+                << i << " and " << j;
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(pictures), fs::directory_iterator()), 12);
+}
+
+TEST_F(Program, ConvertsAModel) {
+    const std::string model = folder.write("tri.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+    const Ended run = view({model, "--frames", "2", "--shot", folder.path("tri.png")});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(loadPng(folder.path("tri.png")).width, 240);
+}
+
+TEST_F(Program, RefusesWhatItCannotShow) {
+    expectRefused(view({folder.path("none.kte"), "--frames", "1"}),
+                  folder.path("none.kte") + ": No such file");
+    const std::string damaged = folder.write("bad.kte", "KTE file v1.6a damaged");
+    expectRefused(view({damaged, "--frames", "1"}), damaged + ": ");
+    const std::string noise = folder.write("noise.glb", "glTF nothing");
+    expectRefused(view({noise, "--frames", "1"}), noise + ": ");
+    const std::string clip = folder.write("bad.kta", "KTA file v1.6a");
+    expectRefused(view({kData + "figure.kte", "--clip", clip, "--frames", "1"}), clip + ": is no animation");
+    expectRefused(view({kData + "figure.kte", "--panel", damaged, "--frames", "1"}), damaged + ": ");
+}
+
+TEST_F(Program, SaysWhenAPictureCannotBeWritten) {
+    const std::string away = folder.path("nowhere/a.png");
+    expectRefused(view({kData + "figure.kte", "--frames", "1", "--shot", away}), away + ": No such file");
+    const std::string file = folder.write("file", "x");
+    expectRefused(view({kData + "figure.kte", "--turntable", file + "/pictures"}), file + "/pictures: ");
+    EXPECT_EQ(readFile(file).size(), 1u);
+}
+
+TEST_F(Program, RefusesWhatItIsNotAskedFor) {
+    const std::vector<std::vector<std::string>> kCases = {
+        {},
+        {"a", "b"},
+        {"a", "--frames", "0"},
+        {"a", "--frames", "many"},
+        {"a", "--wrong"},
+        {"a", "--turntable", "d", "--frames", "2"},
+        {"a", "--turntable", "d", "--shot", "x.png"},
+    };
+    for (const std::vector<std::string> &arguments : kCases) {
+        const Ended run = view(arguments);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_NE(run.err, "");
+    }
+}
+
+TEST_F(Program, TellsItsVersionAndItsOptions) {
+    const Ended version = view({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out.find("keltra-view "), 0u);
+    const Ended help = view({"--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const char *word : {"--clip", "--frames", "--shot", "--turntable", "--panel", "Examples"})
+        EXPECT_NE(help.out.find(word), std::string::npos) << word;
+}
+
+TEST_F(Program, NeedsADisplay) {
+    const std::string display = getenv("DISPLAY") ? getenv("DISPLAY") : "";
+    setenv("DISPLAY", ":987", 1);
+    const Ended run = view({kData + "figure.kte", "--frames", "1"});
+    setenv("DISPLAY", display.c_str(), 1);
+    expectRefused(run, "no display");
+}
+
+TEST_F(Program, LeavesNothingBehindWhenItIsStopped) {
+    for (int signal : {SIGINT, SIGTERM}) {
+        const pid_t child = launch({kData + "figure.kte"});
+        // Its temporary folder shows that it is under way.
+        for (int i = 0; i < 400 && fs::is_empty(folder.path("tmp")); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(25));
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        kill(child, signal);
+        const Ended run = finish(child);
+        EXPECT_EQ(run.status, 128 + signal) << run.err;
+        EXPECT_EQ(run.err, "");
+        EXPECT_TRUE(fs::is_empty(folder.path("tmp")));
+    }
+}
