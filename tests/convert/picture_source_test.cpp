@@ -140,6 +140,13 @@ TEST_F(PictureSourceTest, TakesAnotherExtensionAsTheLastResort) {
     EXPECT_EQ(fault("skin2.tga", true), "there is no such file");
 }
 
+TEST_F(PictureSourceTest, APictureOfTheModelsNameStandsInForOneWithoutName) {
+    EXPECT_EQ(fault("$texture_dummy.bmp", true), "there is no such file");
+    put("hero.png", kGreen);
+    EXPECT_EQ(colourOf("$texture_dummy.bmp"), kGreen);
+    EXPECT_EQ(instead, "hero.png");
+}
+
 TEST_F(PictureSourceTest, SaysWhatIsMissing) {
     for (const char *path :
          {"none.png", "a/b/none.png", "/none.png", "C:none.png", "..", ".", "/", "\\", "folder/", " "})

@@ -44,8 +44,11 @@ std::string reasonFrom(const std::string &error, const std::string &path) {
     if (error.compare(0, sizeof kUnknownFormat - 1, kUnknownFormat) == 0)
         return "no importer knows its format";
     std::string reason = error;
-    for (std::size_t at; (at = reason.find(path)) != std::string::npos;)
-        reason.replace(at, path.size(), "the file");
+    for (const std::string &named : {"file \"" + path + "\"", "file " + path, path}) {
+        const std::string instead = named == path ? "the file" : "file";
+        for (std::size_t at = 0; (at = reason.find(named, at)) != std::string::npos; at += instead.size())
+            reason.replace(at, named.size(), instead);
+    }
     reason = cleanText(reason);
     while (!reason.empty() && (reason.back() == '_' || reason.back() == ' ' || reason.back() == '.'))
         reason.pop_back();

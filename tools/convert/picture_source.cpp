@@ -22,6 +22,9 @@ constexpr std::size_t kMaxFile = std::size_t{256} << 20;
 constexpr std::size_t kMaxParts = 64;
 constexpr std::size_t kMaxEntries = 65536;  // of a folder
 
+// What importers of formats without names of pictures write; the picture is mostly called as the model is.
+constexpr char kUnnamed[] = "$texture_dummy.bmp";
+
 // Where exporters and artists put pictures, seen from the model.
 const Parts kUsualFolders[] = {
     {"textures"},     {"texture"},         {"tex"},           {"maps"},      {"images"},
@@ -172,6 +175,7 @@ std::string hintOf(const aiTexture &texture) {
 PictureSource::PictureSource(const aiScene &scene, const std::string &model) : scene(scene) {
     const std::size_t slash = model.rfind('/');
     folder = slash == std::string::npos ? "./" : model.substr(0, slash + 1);
+    modelStem = withoutExtension(slash == std::string::npos ? model : model.substr(slash + 1));
 }
 
 const std::vector<PictureSource::Entry> &PictureSource::entriesOf(const std::string &path) {
@@ -244,6 +248,10 @@ PicturePlace PictureSource::find(const std::string &path) {
     PicturePlace place;
     place.embedded = scene.GetEmbeddedTexture(path.c_str());
     if (place.embedded) return place;
+    if (path == kUnnamed && accept(otherExtension(folder, {modelStem + ".bmp"}), place)) {
+        place.instead = place.file.substr(folder.size());
+        return place;
+    }
     if (path.compare(0, 1, "*") == 0) throw PictureFault("the model has no such picture", true);
     sawOther = false;
     std::vector<WrittenPath> forms = {written(path)};

@@ -44,7 +44,8 @@ class PictureSource {
     bool accept(const std::string &file, PicturePlace &place);
 
     const aiScene &scene;
-    std::string folder;  // of the model, with a slash at its end
+    std::string folder;     // of the model, with a slash at its end
+    std::string modelStem;  // its file's name without extension
     std::map<std::string, std::vector<Entry>> listed;
     bool sawOther = false;  // something of the name that is no file
 };

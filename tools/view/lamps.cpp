@@ -21,7 +21,7 @@ KTLIGHT *makeLamp(const R3XVECTOR3D &direction, float r, float g, float b, float
 }  // namespace
 
 Lamps::Lamps()
-    : key(makeLamp(R3XVECTOR3D(0.50f, -0.62f, -0.60f), 0.86f, 0.84f, 0.80f, 0.6f)),
+    : key(makeLamp(R3XVECTOR3D(0.50f, -0.62f, -0.60f), 1.0f, 0.97f, 0.92f, 0.6f)),
       fill(makeLamp(R3XVECTOR3D(-0.78f, 0.10f, -0.62f), 0.24f, 0.28f, 0.34f, 0.1f)) {}
 
 // The engine switches no GL light off by itself.
