@@ -2,9 +2,9 @@
 
 #include "tests/support/engine_fixture.h"
 #include "tests/support/temp_file.h"
+#include "tools/formats/tga_writer.h"
 #include "tools/samples/scene.h"
 #include "tools/samples/shapes.h"
-#include "tools/formats/tga_writer.h"
 
 namespace {
 

@@ -222,8 +222,8 @@ GlRecorder::Stub::~Stub() { state() = State(); }
 
 }  // namespace keltra::test
 
-using keltra::test::GlFunction;
 using keltra::Signature;
+using keltra::test::GlFunction;
 using keltra::test::Wrapper;
 
 #define KELTRA_WRAP(n, f, isFloat)                                                                  \

@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/samples/noise.h"
 #include "tools/formats/tga_writer.h"
 #include "tools/formats/vec.h"
+#include "tools/samples/noise.h"
 
 namespace keltra::samples {
 

@@ -27,12 +27,11 @@ unsigned long glCallsMade() { return calls; }
 
 }  // namespace keltra::view
 
-#define KELTRA_COUNT(n, f)                                                       \
-    extern "C" __attribute__((visibility("default")))                            \
-    keltra::Signature<decltype(f)>::Result GL_APIENTRY                     \
-    f(KELTRA_PARAMETERS_##n(f)) {                                                \
-        static auto *const driver = keltra::nextFunction<decltype(f)>(#f); \
-        return Counted<decltype(f)>::pass(driver KELTRA_ARGUMENTS_##n);          \
+#define KELTRA_COUNT(n, f)                                                                                  \
+    extern "C" __attribute__((visibility("default"))) keltra::Signature<decltype(f)>::Result GL_APIENTRY f( \
+        KELTRA_PARAMETERS_##n(f)) {                                                                         \
+        static auto *const driver = keltra::nextFunction<decltype(f)>(#f);                                  \
+        return Counted<decltype(f)>::pass(driver KELTRA_ARGUMENTS_##n);                                     \
     }
 
 KELTRA_GL_FLOAT_FUNCTIONS(KELTRA_COUNT)
