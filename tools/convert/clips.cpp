@@ -31,7 +31,6 @@ struct Cast {
 
 struct Clip {
     std::string name;
-    double seconds = 0.0;
     std::vector<std::vector<Pose>> frames;  // of the cast, in its order
 };
 
@@ -79,7 +78,6 @@ Clip Sampler::sample(const Motion &motion, const std::string &name, double fps, 
                     " seconds; it is cut after " + std::to_string(kMaxFrames * kMaxParts) + " frames");
     }
     clip.frames.resize(static_cast<std::size_t>(count));
-    clip.seconds = std::min(motion.seconds(), count / fps);
     frames = bindFrames;
     for (std::size_t f = 0; f < clip.frames.size(); ++f) {
         motion.locals(double(f) / fps, locals);
@@ -141,10 +139,6 @@ std::vector<std::size_t> chooseRows(const Cast &cast, const std::vector<Clip> &c
         if (stirs) rows.push_back(i);
     }
     return rows;
-}
-
-formats::Vec3 narrowed(const Vector &v) {
-    return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
 }
 
 // The files of a model's clips, split where they are too large for one.

@@ -16,11 +16,6 @@ constexpr unsigned kToldAtOnce = 16384;  // triangles
 constexpr unsigned kPatience = 65536;    // refusals after which a mesh is not asked again
 constexpr float kLargestUV = 16384.0f;   // half of what 16.16 holds
 
-formats::Vec3 narrowed(const Vector &v) {
-    // Sums with 0 turn -0 into 0, so that equal vertices have equal bits.
-    return {static_cast<float>(v.x) + 0.0f, static_cast<float>(v.y) + 0.0f, static_cast<float>(v.z) + 0.0f};
-}
-
 bool isFinite(const formats::Vec3 &v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }

@@ -13,7 +13,6 @@ namespace {
 
 // The FBX importer puts every pivot and pre-rotation into a node of its own; they are part of the node below.
 constexpr char kPivotMark[] = "_$AssimpFbx$_";
-constexpr char kSkeletonRoot[] = "HumanoidRoot";
 
 constexpr int kMaxDepth = 26;             // of joints: GL has 32 matrices, and camera and roots need some
 constexpr std::size_t kMaxNodes = 50000;  // the engine numbers its objects up to 65535

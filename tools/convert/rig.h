@@ -22,6 +22,7 @@ struct aiScene;
 namespace keltra::convert {
 
 constexpr int kNone = -1;
+constexpr char kSkeletonRoot[] = "HumanoidRoot";  // the name by which the engine knows the frame of skeletons
 
 struct SourceNode {
     const aiNode *node = nullptr;

@@ -10,16 +10,11 @@
 namespace keltra::convert {
 namespace {
 
-constexpr char kSkeletonRoot[] = "HumanoidRoot";  // the name by which the engine knows the frame of skeletons
-constexpr std::size_t kSkinsDrawn = 16;           // in a frame
+constexpr std::size_t kSkinsDrawn = 16;  // in a frame
 constexpr std::size_t kElementsDrawn = 1024;
 constexpr std::size_t kMaxChildren = 65535;
 constexpr double kNoAngle = 1e-5;  // degrees
 constexpr double kDegrees = 180.0 / 3.14159265358979323846;
-
-formats::Vec3 narrowed(const Vector &v) {
-    return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
-}
 
 formats::Node meshNode(const std::string &name, formats::MeshData mesh, const std::string &material) {
     formats::Node node;

@@ -7,9 +7,12 @@ namespace keltra::convert {
 namespace {
 
 constexpr double kDegrees = 180.0 / 3.14159265358979323846;
-constexpr double kFlat = 1e-12;   // of the scale's cube: less volume is none
-constexpr double kGimbal = 1e-7;  // cosine of Y below which X and Z turn about one axis
-constexpr int kPolarSteps = 64;   // it takes about ten; ill-conditioned matrices more
+constexpr double kNothing = 1e-7;  // far below the engine's steps of 1/65536
+constexpr double kFlat = 1e-12;    // of the scale's cube: less volume is none
+constexpr double kGimbal = 1e-7;   // cosine of Y below which X and Z turn about one axis
+constexpr int kPolarSteps = 64;    // it takes about ten; ill-conditioned matrices more
+
+float narrowed(double value) { return std::abs(value) < kNothing ? 0.0f : static_cast<float>(value); }
 
 double largest(const Matrix &m) {
     return std::max({std::abs(m.a1), std::abs(m.a2), std::abs(m.a3), std::abs(m.b1), std::abs(m.b2),
@@ -31,6 +34,8 @@ double distance(const Vector &a, const Vector &b) {
 }
 
 }  // namespace
+
+formats::Vec3 narrowed(const Vector &v) { return {narrowed(v.x), narrowed(v.y), narrowed(v.z)}; }
 
 Matrix widened(const aiMatrix4x4 &m) {
     const Matrix wide(m.a1, m.a2, m.a3, m.a4, m.b1, m.b2, m.b3, m.b4, m.c1, m.c2, m.c3, m.c4, 0, 0, 0, 1);

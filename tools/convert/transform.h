@@ -9,10 +9,15 @@
 #include <assimp/matrix4x4.inl>
 #include <assimp/vector3.inl>
 
+#include "tools/formats/vec.h"
+
 namespace keltra::convert {
 
 using Matrix = aiMatrix4x4t<double>;
 using Vector = aiVector3t<double>;
+
+// As it goes into files. What is nothing but a rounding error is 0, and never -0: equal values have equal bits.
+formats::Vec3 narrowed(const Vector &vector);
 
 // Not finite ones become the identity.
 Matrix widened(const aiMatrix4x4 &matrix);
