@@ -111,8 +111,9 @@ TEST_F(CommandLineTest, QuietIsSilentWithoutWarnings) {
     const ProgramRun quiet = run({"blade.obj", "-o", "out", "--quiet"});
     EXPECT_EQ(quiet.exit, 0);
     const ProgramRun json = run({"blade.obj", "--dry-run", "--json"});
+    const nlohmann::json document = nlohmann::json::parse(json.out);
     std::string warnings;
-    for (const std::string warning : nlohmann::json::parse(json.out)["warnings"])
+    for (const std::string warning : document.at("warnings"))
         warnings += "warning: " + warning + "\n";
     EXPECT_EQ(quiet.out, warnings);
 }

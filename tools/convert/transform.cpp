@@ -8,6 +8,7 @@ namespace {
 
 constexpr double kDegrees = 180.0 / 3.14159265358979323846;
 constexpr double kNothing = 1e-7;  // far below the engine's steps of 1/65536
+constexpr double kSame = 2e-4;     // of the larger matrix, or of the model's size
 constexpr double kFlat = 1e-12;    // of the scale's cube: less volume is none
 constexpr double kGimbal = 1e-7;   // cosine of Y below which X and Z turn about one axis
 constexpr int kPolarSteps = 64;    // it takes about ten; ill-conditioned matrices more
@@ -122,6 +123,13 @@ double linearDifference(const Matrix &a, const Matrix &b) {
         for (unsigned column = 0; column < 3; ++column)
             most = std::max(most, std::abs(a[row][column] - b[row][column]));
     return most;
+}
+
+double magnitude(const Matrix &m) { return linearDifference(m, Matrix() * 0.0); }
+
+bool areAlike(const Matrix &a, const Matrix &b, double size) {
+    return linearDifference(a, b) <= kSame * std::max(magnitude(a), magnitude(b)) &&
+           (translationOf(a) - translationOf(b)).Length() <= kSame * size;
 }
 
 Vector eulerAngles(const Matrix &m) {

@@ -16,7 +16,8 @@ namespace keltra::convert {
 using Matrix = aiMatrix4x4t<double>;
 using Vector = aiVector3t<double>;
 
-// As it goes into files. What is nothing but a rounding error is 0, and never -0: equal values have equal bits.
+// As it goes into files. What is nothing but a rounding error is 0, and never -0: equal values have equal
+// bits.
 formats::Vec3 narrowed(const Vector &vector);
 
 // Not finite ones become the identity.
@@ -39,6 +40,11 @@ Matrix inverse(const Matrix &matrix);
 Matrix rigidPart(const Matrix &matrix, const Matrix &otherwise = Matrix());
 // The largest difference between two matrices' linear parts.
 double linearDifference(const Matrix &a, const Matrix &b);
+
+// The largest element of the linear part.
+double magnitude(const Matrix &matrix);
+// Frames of a model of that size which do the same to it, nearly.
+bool areAlike(const Matrix &a, const Matrix &b, double size);
 
 // Angles about X, Y and Z in degrees whose rotations, multiplied in this order, are that of the matrix.
 Vector eulerAngles(const Matrix &rotation);

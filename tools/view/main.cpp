@@ -72,12 +72,14 @@ void describe(CLI::App *app, Arguments *arguments) {
         "  keltra-view fox.glb --turntable pictures");
 }
 
-// Where panel and font were installed, or else where they were built.
+// Where panel and font were installed, with the program or by the build's own choice, or else were built.
 std::string dataFolder() {
-    for (const char *folder : {KELTRA_VIEW_INSTALLED_DATA, KELTRA_VIEW_BUILT_DATA}) {
-        std::error_code error;
-        if (std::filesystem::exists(std::string(folder) + "panel.xml", error)) return folder;
-    }
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    const std::string beside = (program.parent_path() / "../share/keltra/").string();
+    for (const std::string &folder :
+         {beside, std::string(KELTRA_VIEW_INSTALLED_DATA), std::string(KELTRA_VIEW_BUILT_DATA)})
+        if (std::filesystem::exists(folder + "panel.xml", error)) return folder;
     throw failure(KELTRA_VIEW_INSTALLED_DATA, "the viewer's panel is missing");
 }
 
