@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <new>
 
 #include "tools/convert/clips.h"
 #include "tools/convert/materials.h"
@@ -43,6 +44,7 @@ class Teller : public Assimp::ProgressHandler {
 std::string reasonFrom(const std::string &error, const std::string &path) {
     if (error.compare(0, sizeof kUnknownFormat - 1, kUnknownFormat) == 0)
         return "no importer knows its format";
+    if (error == std::bad_alloc().what()) return "it needs more memory than there is";
     std::string reason = error;
     for (const std::string &named : {"file \"" + path + "\"", "file " + path, path}) {
         const std::string instead = named == path ? "the file" : "file";
