@@ -1,0 +1,30 @@
+#ifndef KELTRA_TESTS_UNPRIVILEGED_H
+#define KELTRA_TESTS_UNPRIVILEGED_H
+
+#include <unistd.h>
+
+#include <stdexcept>
+
+namespace keltra::test {
+
+/// While it lives, files are opened without root's rights: nothing is locked to root. For anyone else it does
+/// nothing.
+class Unprivileged {
+   public:
+    Unprivileged() : before(geteuid()) {
+        if (before == 0 && seteuid(kNobody) != 0) throw std::runtime_error("cannot give up root's rights");
+    }
+    ~Unprivileged() {
+        if (before == 0 && seteuid(before) != 0) _exit(1);
+    }
+    Unprivileged(const Unprivileged &) = delete;
+    Unprivileged &operator=(const Unprivileged &) = delete;
+
+   private:
+    static constexpr uid_t kNobody = 65534;
+    const uid_t before;
+};
+
+}  // namespace keltra::test
+
+#endif
