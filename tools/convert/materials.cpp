@@ -15,7 +15,6 @@
 namespace keltra::convert {
 namespace {
 
-constexpr std::uint64_t kTextureBudget = 8u << 20;  // the engine's, in bytes
 constexpr char kOneTexture[] = "a surface has one texture";
 constexpr char kNoTextureOf[] = "the engine's lighting has no texture for it";
 

@@ -9,6 +9,8 @@
 
 namespace keltra::convert {
 
+constexpr std::uint64_t kTextureBudget = 8u << 20;  // the engine's texture memory, in bytes
+
 struct ClipReport {
     std::string name;  // the model's name of the clip
     std::string file;

@@ -2,8 +2,6 @@
 
 namespace keltra::convert {
 
-constexpr std::uint64_t kTextureBudget = 8u << 20;
-
 static void to_json(Json &json, const ClipReport &clip) {
     json = {{"name", clip.name},   {"file", clip.file},       {"frames", clip.frames},
             {"bones", clip.bones}, {"seconds", clip.seconds}, {"moves", clip.moves}};

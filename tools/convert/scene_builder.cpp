@@ -14,7 +14,6 @@ constexpr std::size_t kSkinsDrawn = 16;  // in a frame
 constexpr std::size_t kElementsDrawn = 1024;
 constexpr std::size_t kMaxChildren = 65535;
 constexpr double kNoAngle = 1e-5;  // degrees
-constexpr double kDegrees = 180.0 / 3.14159265358979323846;
 
 formats::Node meshNode(const std::string &name, formats::MeshData mesh, const std::string &material) {
     formats::Node node;

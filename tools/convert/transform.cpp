@@ -6,7 +6,6 @@
 namespace keltra::convert {
 namespace {
 
-constexpr double kDegrees = 180.0 / 3.14159265358979323846;
 constexpr double kNothing = 1e-7;  // far below the engine's steps of 1/65536
 constexpr double kSame = 2e-4;     // of the larger matrix, or of the model's size
 constexpr double kFlat = 1e-12;    // of the scale's cube: less volume is none

@@ -16,6 +16,8 @@ namespace keltra::convert {
 using Matrix = aiMatrix4x4t<double>;
 using Vector = aiVector3t<double>;
 
+constexpr double kDegrees = 180.0 / 3.14159265358979323846;  // in a radian
+
 // As it goes into files. What is nothing but a rounding error is 0, and never -0: equal values have equal
 // bits.
 formats::Vec3 narrowed(const Vector &vector);
