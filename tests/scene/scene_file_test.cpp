@@ -6,6 +6,7 @@
 
 #include "tests/scene/scene_parts.h"
 #include "tests/support/allocations.h"
+#include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
 #include "tools/formats/byte_writer.h"
 #include "tools/formats/tga_writer.h"
@@ -364,9 +365,10 @@ TEST_F(SceneFileTest, XmlNamesGoToTheInterfaceLoader) {
 
 TEST_F(SceneFileTest, AFileOfAnotherKindLeavesNoAllocationBehind) {
     KELTRA::setKTEPath(folder.prefix().c_str());
-    folder.write("other.kte",
-                 std::string_view("KTE file v1.4a and then some more bytes, enough for a header"));
+    const std::string_view other = "KTE file v1.4a and then some more bytes, enough for a header";
+    folder.write("other.kte", other);
     EXPECT_EQ(KELTRA::load("other.kte"), nullptr);
+    expectSameVerdict("kte", other, false);
     const std::size_t before = mallinfo2().uordblks;
     EXPECT_EQ(KELTRA::load("other.kte"), nullptr);
     EXPECT_EQ(mallinfo2().uordblks, before);
