@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "foundation/xml_document.h"
+#include "formats/xml_document.h"
 #include "tests/support/temp_file.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "formats/scene_record.h"
 #include "foundation/file_bytes.h"
-#include "scene/scene_record.h"
 #include "tests/support/gl_recorder.h"
 #include "tests/support/temp_file.h"
 #include "tools/formats/kte_writer.h"

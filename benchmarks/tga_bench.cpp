@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "resources/tga.h"
+#include "formats/tga.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "core/tree_walk.h"
 #include "gui/widgets.h"
+#include "scene/tree_walk.h"
 
 long KTBOX::counter = 0;
 KTBOX *KTBOX::firstBox = nullptr;

@@ -13,8 +13,8 @@
 #include <cstring>
 #include <new>
 
+#include "formats/xml_document.h"
 #include "foundation/text.h"
-#include "foundation/xml_document.h"
 #include "gui/gui_file.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <climits>
 #include <cstdint>
 
-#include "core/tree_walk.h"
+#include "scene/tree_walk.h"
 
 namespace keltra {
 

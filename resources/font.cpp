@@ -4,11 +4,11 @@
 #include <keltra/opengl.h>
 #include <keltra/texture.h>
 
+#include "formats/kerning.h"
 #include "foundation/file_bytes.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 #include "resources/font_layout.h"
-#include "resources/kerning_file.h"
 
 #include <GLES/gl.h>
 

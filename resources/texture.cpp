@@ -2,11 +2,11 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "formats/tga.h"
 #include "foundation/block.h"
 #include "foundation/file_bytes.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
-#include "resources/tga.h"
 
 #include <GLES/gl.h>
 

@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "formats/anim_record.h"
 #include "foundation/file_bytes.h"
 #include "foundation/text.h"
-#include "scene/anim_record.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <keltra/glbridge.h>
 
-#include "core/local_transform.h"
+#include "scene/local_transform.h"
 
 R3XMATRIX KTCAMERA::cameraMatrix;
 R3XVECTOR3D KTCAMERA::cameraPosition;

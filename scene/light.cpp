@@ -3,7 +3,7 @@
 #include <keltra/element.h>
 #include <keltra/glbridge.h>
 
-#include "core/local_transform.h"
+#include "scene/local_transform.h"
 
 bool KTLIGHT::lighting = false;
 

@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/tree_walk.h"
 #include "foundation/block.h"
 #include "foundation/registry.h"
+#include "scene/tree_walk.h"
 
 template class KTREGISTERED<KTNODE>;
 

@@ -9,9 +9,9 @@
 #include <cstring>
 
 #include "core/glbridge.h"
-#include "core/local_transform.h"
-#include "core/tree_walk.h"
 #include "foundation/block.h"
+#include "scene/local_transform.h"
+#include "scene/tree_walk.h"
 
 KTNODE *KTNODE::ancestors[64];
 

@@ -11,11 +11,11 @@
 #include <cstring>
 #include <new>
 
-#include "core/tree_walk.h"
+#include "formats/scene_record.h"
 #include "foundation/block.h"
 #include "foundation/file_bytes.h"
 #include "math/fixed.h"
-#include "scene/scene_record.h"
+#include "scene/tree_walk.h"
 
 using keltra::FieldReader;
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "tests/resources/tga_bytes.h"
+#include "tests/formats/tga_bytes.h"
 
 namespace keltra::test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tests/resources/tga_bytes.h"
+#include "tests/formats/tga_bytes.h"
 #include "tests/support/engine_fixture.h"
 #include "tests/support/temp_file.h"
 

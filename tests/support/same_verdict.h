@@ -12,7 +12,7 @@
 #include <vector>
 
 #ifdef KELTRA_TEST_INSPECTION
-#include "tests/info/probe.h"
+#include "tests/tools/info/probe.h"
 #endif
 
 namespace keltra::test {

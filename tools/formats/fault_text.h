@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/fault.h"
+#include "formats/fault.h"
 
 namespace keltra::formats {
 

@@ -1,6 +1,6 @@
 #include "tools/formats/kta_reader.h"
 
-#include "scene/anim_record.h"
+#include "formats/anim_record.h"
 #include "tools/formats/fault_text.h"
 
 namespace keltra::formats {

@@ -1,6 +1,6 @@
 #include "tools/formats/kte_reader.h"
 
-#include "scene/scene_record.h"
+#include "formats/scene_record.h"
 #include "tools/formats/fault_text.h"
 
 namespace keltra::formats {

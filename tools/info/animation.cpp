@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "scene/anim_record.h"
+#include "formats/anim_record.h"
 #include "tools/info/kinds.h"
 
 namespace keltra::info {

@@ -1,11 +1,11 @@
-#include "resources/emitter_file.h"
+#include "scene/emitter_file.h"
 
 #include <tinyxml.h>
 
 #include <algorithm>
 #include <cstring>
 
-#include "foundation/xml_document.h"
+#include "formats/xml_document.h"
 #include "tools/info/kinds.h"
 
 namespace keltra::info {

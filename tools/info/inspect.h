@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/fault.h"
+#include "formats/fault.h"
 
 namespace keltra::info {
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "foundation/xml_document.h"
+#include "formats/xml_document.h"
 #include "gui/gui_file.h"
 #include "tools/info/kinds.h"
 

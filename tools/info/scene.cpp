@@ -1,4 +1,4 @@
-#include "scene/scene_record.h"
+#include "formats/scene_record.h"
 
 #include <keltra/light.h>
 #include <keltra/mesh.h>

@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "core/settings_file.h"
-#include "resources/kerning_file.h"
+#include "formats/kerning.h"
 #include "tools/info/kinds.h"
 
 namespace keltra::info {

@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "resources/tga.h"
+#include "formats/tga.h"
 #include "tools/info/kinds.h"
 
 namespace keltra::info {

@@ -1,0 +1,169 @@
+#include <EGL/egl.h>
+
+#include <keltra/camera.h>
+#include <keltra/element.h>
+#include <keltra/engine.h>
+#include <keltra/fbo.h>
+#include <keltra/font.h>
+#include <keltra/glbridge.h>
+#include <keltra/light.h>
+#include <keltra/material.h>
+#include <keltra/mesh.h>
+#include <keltra/opengl.h>
+#include <keltra/settings.h>
+#include <keltra/shader.h>
+#include <keltra/texture.h>
+
+#include "scene/local_transform.h"
+
+namespace {
+
+const unsigned int kAllChannels = 16;
+
+// Wireframe switches face culling off behind its cache, which keeps what the application wants.
+bool cullingSuspended = false;
+
+// The table of targets is empty as long as nothing fills it.
+void renderTo(int target) {
+    if (KTFBO *fbo = KTOPENGL::getFbo(target)) fbo->render(nullptr);
+}
+
+void renderElements() {
+    for (unsigned int i = 0; i < KTELEMENT::numberOfPassedElements; ++i) {
+        KTELEMENT *element = KTELEMENT::elementPointer[i];
+        if (KTNODE *node = element->getNode()) node->render(element);
+    }
+}
+
+void depthOfFieldPass() {
+    renderTo(1);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    KTOPENGL::setProfile(KT_PROFILE_DEPTH);
+    renderElements();
+    KTSHADER::disable();
+    KTOPENGL::setProfile(KT_PROFILE_NORMAL);
+    renderTo(0);
+    glClear(GL_DEPTH_BUFFER_BIT);
+}
+
+// Drawn around the eye, turned but not moved, and never on the render list.
+void renderSkybox(KTNODE &skybox) {
+    KTMATERIAL::reset();
+    KTTEXTURE::texturingOff(kAllChannels);
+    KTLIGHT::lightingOff();
+    KT_glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    KT_glLoadIdentity();
+    KT_glMultMatrixf(KTCAMERA::getCameraMatrix()->m);
+    keltra::applyRotation(skybox.rotation);
+    KTELEMENT element;
+    element.node = &skybox;
+    KT_glGetFloatv(0, element.matrix.m);
+    element.matrix.setTranslation(0.0f, 0.0f, 0.0f);
+    if (KTNODE *dome = skybox.getChild(0)) dome->render(&element);
+}
+
+// One unit is one pixel, y grows downward.
+void loadPixelProjection() {
+    KT_glMatrixMode(GL_PROJECTION);
+    KT_glPushMatrix();
+    KT_glLoadIdentity();
+    float right = static_cast<float>(KTSETTINGS::windowX), bottom = static_cast<float>(KTSETTINGS::windowY);
+    if (KTSETTINGS::landscape) {
+        KT_glRotatef(90.0f, 0.0f, 0.0f, 1.0f);
+        KT_glOrtho(0.0f, bottom, right, 0.0f, 0.0f, 1.0f);
+    } else {
+        KT_glOrtho(0.0f, right, bottom, 0.0f, 0.0f, 1.0f);
+    }
+    KT_glMatrixMode(GL_MODELVIEW);
+    KT_glLoadIdentity();
+}
+
+}  // namespace
+
+bool KELTRA::clear(bool color, bool depth, bool stencil) {
+    renderingOnFbo = KTSETTINGS::forceFBO || (blooming && KTSHADER::bloomFlag) || (DOF && KTSHADER::dofFlag);
+    if (renderingOnFbo) renderTo(0);
+    GLbitfield mask = 0;
+    if (color) mask |= GL_COLOR_BUFFER_BIT;
+    if (depth) mask |= GL_DEPTH_BUFFER_BIT;
+    if (stencil) mask |= GL_STENCIL_BUFFER_BIT;
+    if (mask) glClear(mask);
+    return true;
+}
+
+bool KELTRA::begin3D(KTCAMERA *camera) {
+    updateTimer();
+    ++timeStamp;
+    KTELEMENT::reset();
+    KTSHADER::currentShader = nullptr;
+    KTSHADER::disable();
+    KTMATERIAL::reset();
+    KTMESH::reset();
+    KTTEXTURE::texturingOff(kAllChannels);
+    KTOPENGL::blendingOff();
+    KTOPENGL::twoSideOff();
+    if (camera) {
+        camera->render(nullptr);
+    } else {
+        KTCAMERA fallback;
+        fallback.render(nullptr);
+    }
+    return true;
+}
+
+bool KELTRA::end3D(bool) {
+    KTELEMENT::sort3D();
+    if (wireframe) {
+        glDisable(GL_CULL_FACE);
+        cullingSuspended = true;
+    } else if (cullingSuspended) {
+        if (KTOPENGL::culling) glEnable(GL_CULL_FACE);
+        cullingSuspended = false;
+    }
+    if (DOF && KTSHADER::dofFlag) depthOfFieldPass();
+    if (skybox) renderSkybox(*skybox);
+    renderElements();
+    return true;
+}
+
+bool KELTRA::begin2D() {
+    updateTimer();
+    KTSHADER::disable();
+    KTLIGHT::lightingOff();
+    KTTEXTURE::texturingOff(kAllChannels);
+    KTELEMENT::reset();
+    KTFONT::reset();
+    KTOPENGL::blendingOff();
+    glDisable(GL_CULL_FACE);
+    glDisable(GL_DEPTH_TEST);
+    KTOPENGL::twoSideOff();
+    KTOPENGL::vertexArrayOn();
+    KTOPENGL::normalArrayOff();
+    KTOPENGL::colorArrayOn();
+    KTOPENGL::textureArrayOn();
+    loadPixelProjection();
+    return true;
+}
+
+bool KELTRA::end2D() {
+    KTELEMENT::sort2D();
+    for (unsigned int i = 0; i < KTELEMENT::numberOfPassedElements; ++i) {
+        KTELEMENT *element = KTELEMENT::elementPointer[i];
+        KTNODE *node = element->getNode();
+        if (node && node->type != KT_LIGHT && node->type != KT_MESH) node->render(element);
+    }
+    KT_glMatrixMode(GL_PROJECTION);
+    KT_glPopMatrix();
+    KT_glMatrixMode(GL_MODELVIEW);
+    glEnable(GL_DEPTH_TEST);
+    if (KTOPENGL::culling) glEnable(GL_CULL_FACE);
+    cullingSuspended = false;
+    return true;
+}
+
+bool KELTRA::swap() {
+    timerUpdated = false;
+    glFlush();
+    glFinish();
+    return eglSwapBuffers(KTSETTINGS::glesDisplay, KTSETTINGS::glesSurface) == EGL_TRUE;
+}

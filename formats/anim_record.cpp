@@ -1,0 +1,48 @@
+#include "formats/anim_record.h"
+
+#include <cstring>
+
+#include "formats/field_reader.h"
+
+namespace keltra {
+
+namespace {
+
+const std::size_t kMagicSize = sizeof kAnimMagic - 1;
+
+bool readCounts(FieldReader &reader, AnimRecord &record) {
+    const unsigned char *magic = reader.array("magic", kMagicSize, 1);
+    if (!reader.isWhole()) return false;
+    if (std::memcmp(magic, kAnimMagic, kMagicSize) != 0)
+        return reader.refuse(0, "magic", "not an animation file of version 1.6a");
+    reader.u8("end of text");
+    const std::size_t offset = reader.position();
+    record.bones = reader.u16("bone count");
+    record.frames = reader.u16("frame count");
+    if (!reader.isWhole()) return false;
+    if (record.bones > KTANIM::maxBones) return reader.refuse(offset, "bone count", "more than 128");
+    if (record.frames > KTANIM::maxFrames) return reader.refuse(offset + 2, "frame count", "more than 1024");
+    return true;
+}
+
+bool readContents(FieldReader &reader, AnimRecord &record) {
+    if (!readCounts(reader, record)) {
+        record.bones = record.frames = 0;
+        return false;
+    }
+    for (unsigned int bone = 0; bone < record.bones; ++bone) record.names[bone] = reader.string("name");
+    record.keyframes = reader.array("keyframes", std::uint64_t{record.frames} * record.bones, kKeyframeSize);
+    record.size = reader.position();
+    return reader.isWhole();
+}
+
+}  // namespace
+
+bool readAnim(const void *bytes, std::size_t size, AnimRecord &record, Fault *fault) {
+    FieldReader reader(bytes, size);
+    const bool good = readContents(reader, record);
+    if (!good && fault) *fault = reader.fault();
+    return good;
+}
+
+}  // namespace keltra

@@ -1,0 +1,45 @@
+#ifndef KELTRA_FORMATS_KERNING_H
+#define KELTRA_FORMATS_KERNING_H
+
+// The keys of kerning files: one for each character from 32 to 126, then three of a name. Keys match inside
+// longer words: that of 'S' matches the line of SPACE too, so files name the characters that cannot stand in
+// a key at their end, and here these keys come last.
+
+#include <keltra/foundation.h>
+
+#include <cstddef>
+#include <cstring>
+
+namespace keltra {
+
+constexpr char kKerningComment = '#';
+constexpr char kKerningPrefix[] = "KELTRA_kerning_";
+constexpr const char *kKerningNames[] = {"SPACE", "DIESIS", "EQUAL"};
+constexpr char kNamedCharacters[] = {' ', '#', '='};
+constexpr unsigned int kKerningCharacters = 127 - 32, kKerningKeys = kKerningCharacters + 3;
+constexpr std::size_t kKerningKeySize = sizeof kKerningPrefix + 6;
+
+inline char kerningCharacter(unsigned int key) {
+    return key < kKerningCharacters ? static_cast<char>(' ' + key)
+                                    : kNamedCharacters[key - kKerningCharacters];
+}
+
+// The text of a key, in `text`.
+inline const char *kerningKey(unsigned int key, char (&text)[kKerningKeySize]) {
+    const char character[] = {kerningCharacter(key), '\0'};
+    std::strcpy(text, kKerningPrefix);
+    std::strcat(text, key < kKerningCharacters ? character : kKerningNames[key - kKerningCharacters]);
+    return text;
+}
+
+// Looks the key up in a text without comments. False, with `kerning` as it was, when it is not there.
+inline bool readKerning(vnfParser &text, const char *key, signed char &kerning) {
+    int value = 0;
+    if (!vnfParseInt(&text, key, &value)) return false;
+    kerning = static_cast<signed char>(value);
+    return true;
+}
+
+}  // namespace keltra
+
+#endif

@@ -1,0 +1,216 @@
+#include "formats/scene_record.h"
+
+#include <cstring>
+
+#include "scene/tree_walk.h"
+
+namespace keltra {
+
+namespace {
+
+const char kMagic[] = "KTE file v1.6a", kOldMagic[] = "KTE file v1.5a";
+const std::size_t kMagicSize = 15, kComparedMagic = 14;
+const std::size_t kSmallestNode = 32;      // a plain node with an empty name, its type byte included
+const std::size_t kSmallestMaterial = 75;  // three empty names, 18 floats
+const std::size_t kOldVertexSize = 12, kOldFaceSize = 16;
+
+bool acceptChildren(FieldReader &reader, std::size_t offset, unsigned int children) {
+    if (children <= reader.remaining() / kSmallestNode) return true;
+    return reader.refuse(offset, "children", "more than the rest of the file can hold");
+}
+
+// The largest index is enough to know.
+bool acceptFaces(FieldReader &reader, const MeshRecord &record, std::size_t offset) {
+    unsigned int largest = 0;
+    const unsigned char *bytes = record.faces;
+    for (const unsigned char *end = bytes + record.faceCount * kFaceSize; bytes != end; bytes += 2) {
+        const unsigned int index = bytes[0] | bytes[1] << 8;
+        if (index > largest) largest = index;
+    }
+    if (record.faceCount == 0 || largest < record.vertexCount) return true;
+    return reader.refuse(offset, "faces", "vertex index out of range");
+}
+
+bool acceptInfluences(FieldReader &reader, const MeshRecord &record, std::size_t offset) {
+    const std::size_t influences = std::size_t(record.vertexCount) * record.influenceCount;
+    const unsigned int limit = record.boneCount < kSceneBones ? record.boneCount : kSceneBones;
+    unsigned int largest = 0;
+    for (std::size_t i = 0; i < influences; ++i)
+        if (record.influenceBones[i] > largest) largest = record.influenceBones[i];
+    if (influences == 0 || largest < limit) return true;
+    return reader.refuse(offset, "bone indices", "bone index out of range");
+}
+
+void readGeometry(FieldReader &reader, bool oldVersion, MeshRecord &record, std::size_t &facesOffset) {
+    record.vertices = reader.array("vertices", record.vertexCount, kVectorSize);
+    record.normals = reader.array("vertex normals", record.vertexCount, kVectorSize);
+    // Version 1.5a carries a vector a vertex and a plane a face that nothing uses.
+    if (oldVersion) reader.array("old vertex data", record.vertexCount, kOldVertexSize);
+    record.uvs = reader.array("texture coordinates", record.uvCount, kUVSize);
+    facesOffset = reader.position();
+    record.faces = reader.array("faces", record.faceCount, kFaceSize);
+    record.faceNormals = reader.array("face normals", record.faceCount, kVectorSize);
+    if (oldVersion) reader.array("old face data", record.faceCount, kOldFaceSize);
+}
+
+void readSkin(FieldReader &reader, MeshRecord &record, std::size_t &influencesOffset) {
+    record.boneCount = 0;
+    record.influenceBones = record.influenceWeights = nullptr;
+    record.boneNames = nullptr;
+    if (record.influenceCount == 0) return;
+    const std::uint64_t influences = std::uint64_t(record.vertexCount) * record.influenceCount;
+    influencesOffset = reader.position();
+    record.influenceBones = reader.array("bone indices", influences, 1);
+    record.influenceWeights = reader.array("weights", influences, sizeof(float));
+    record.boneCount = reader.u16("bone count");
+    for (unsigned int b = 0; b < record.boneCount; ++b) {
+        const char *name = reader.string("bone name");
+        if (b == 0) record.boneNames = name;
+        if (!name) return;
+    }
+}
+
+// Reads the node at the cursor, shows it to the visitor and returns whether it is good.
+bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int level, unsigned int &children,
+                 SceneVisitor *visitor) {
+    const std::size_t offset = reader.position();
+    const unsigned int type = reader.u8("type");
+    if (!reader.isWhole()) return false;
+    if (type == kPlainRecord) {
+        PlainRecord record;
+        if (!readPlain(reader, record)) return false;
+        children = record.children;
+        if (visitor) visitor->plain(record, level);
+    } else if (type == kLightRecord) {
+        LightRecord record;
+        if (!readLight(reader, record)) return false;
+        children = record.children;
+        if (visitor) visitor->light(record, level);
+    } else if (type == kMeshRecord) {
+        MeshRecord record;
+        if (!readMesh(reader, oldVersion, record)) return false;
+        children = record.children;
+        if (visitor) visitor->mesh(record, level);
+    } else {
+        return reader.refuse(offset, "type", "unknown node type");
+    }
+    return true;
+}
+
+bool checkMaterials(FieldReader &reader, unsigned int count, SceneVisitor *visitor) {
+    for (unsigned int i = 0; i < count; ++i) {
+        MaterialRecord material;
+        if (!readMaterial(reader, material)) return false;
+        if (visitor) visitor->material(material);
+    }
+    return true;
+}
+
+bool checkTree(FieldReader &reader, bool oldVersion, SceneVisitor *visitor) {
+    std::uint16_t pending[kMaxTreeDepth + 1] = {
+        1};  // by level: nodes still to come; the root is the one of level 0
+    unsigned int level = 0;
+    for (;;) {
+        while (pending[level] == 0)
+            if (level-- == 0) return true;
+        --pending[level];
+        unsigned int children = 0;
+        if (!readAnyNode(reader, oldVersion, level, children, visitor)) return false;
+        if (children == 0) continue;
+        if (++level == kMaxTreeDepth) return reader.refuse(reader.position(), "type", "nodes nest too deep");
+        pending[level] = static_cast<std::uint16_t>(children);
+    }
+}
+
+}  // namespace
+
+bool readHeader(FieldReader &reader, SceneHeader &header) {
+    const unsigned char *magic = reader.array("magic", kMagicSize, 1);
+    header.materials = reader.u16("material count");
+    if (!reader.isWhole()) return false;
+    header.oldVersion = std::memcmp(magic, kOldMagic, kComparedMagic) == 0;
+    if (!header.oldVersion && std::memcmp(magic, kMagic, kComparedMagic) != 0)
+        return reader.refuse(0, "magic", "not a scene file of version 1.5a or 1.6a");
+    if (header.materials > reader.remaining() / kSmallestMaterial)
+        return reader.refuse(kMagicSize, "material count", "more than the rest of the file can hold");
+    return true;
+}
+
+bool readMaterial(FieldReader &reader, MaterialRecord &record) {
+    record.name = reader.string("name");
+    record.texture = reader.string("texture");
+    record.shader = reader.string("shader");
+    reader.floats("ambient", record.ambient, 4);
+    reader.floats("diffuse", record.diffuse, 4);
+    reader.floats("specular", record.specular, 4);
+    reader.floats("emission", record.emission, 4);
+    record.transparency = reader.f32("transparency");
+    record.shininess = reader.f32("shininess");
+    return reader.isWhole();
+}
+
+bool readPlain(FieldReader &reader, PlainRecord &record) {
+    record.auxId = reader.u32("auxId");
+    record.name = reader.string("name");
+    reader.floats("position", record.position, 3);
+    reader.floats("origin", record.origin, 3);
+    const std::size_t childrenOffset = reader.position();
+    record.children = reader.u16("children");
+    return reader.isWhole() && acceptChildren(reader, childrenOffset, record.children);
+}
+
+bool readLight(FieldReader &reader, LightRecord &record) {
+    reader.u32("unused");
+    record.lightType = reader.u8("lightType");
+    record.name = reader.string("name");
+    reader.floats("position", record.position, 3);
+    reader.floats("direction", record.direction, 3);
+    record.cutOff = reader.f32("cutOff");
+    reader.floats("colour", record.color, 3);
+    const std::size_t childrenOffset = reader.position();
+    record.children = reader.u16("children");
+    return reader.isWhole() && acceptChildren(reader, childrenOffset, record.children);
+}
+
+bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record) {
+    reader.u32("unused");
+    record.name = reader.string("name");
+    reader.floats("position", record.position, 3);
+    reader.floats("rotation", record.rotation, 3);
+    reader.floats("origin", record.origin, 3);
+    record.material = reader.string("material");
+    record.radius = reader.f32("radius");
+    reader.floats("minimum", record.minimum, 3);
+    reader.floats("maximum", record.maximum, 3);
+    record.hidden = reader.u8("hidden") != 0;
+    record.vertexCount = reader.u16("vertex count");
+    const std::size_t uvCountOffset = reader.position();
+    record.uvCount = reader.u16("texture coordinate count");
+    record.faceCount = reader.u16("face count");
+    const std::size_t childrenOffset = reader.position();
+    record.children = reader.u16("children");
+    record.influenceCount = reader.u16("influence count");
+    // Asked here, since everything behind a wrong count is read from the wrong place.
+    if (reader.isWhole() && record.uvCount != 0 && record.uvCount < record.vertexCount)
+        return reader.refuse(uvCountOffset, "texture coordinate count", "neither 0 nor one for each vertex");
+    std::size_t facesOffset = 0, influencesOffset = 0;
+    readGeometry(reader, oldVersion, record, facesOffset);
+    readSkin(reader, record, influencesOffset);
+    if (!reader.isWhole()) return false;
+    return acceptFaces(reader, record, facesOffset) && acceptInfluences(reader, record, influencesOffset) &&
+           acceptChildren(reader, childrenOffset, record.children);
+}
+
+bool checkScene(const void *bytes, std::size_t size, SceneFault &fault, SceneVisitor *visitor) {
+    FieldReader reader(bytes, size);
+    SceneHeader header;
+    bool good = readHeader(reader, header);
+    if (good && visitor) visitor->header(header);
+    good = good && checkMaterials(reader, header.materials, visitor) &&
+           checkTree(reader, header.oldVersion, visitor);
+    if (good && visitor) visitor->end(reader.position());
+    fault = reader.fault();
+    return good;
+}
+
+}  // namespace keltra

@@ -1,0 +1,238 @@
+#include "formats/xml_document.h"
+
+#include <tinyxml.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "foundation/file_bytes.h"
+
+namespace keltra {
+
+namespace {
+
+// Walks the markup exactly as the parser will, so that what it counts is what the parser meets. Processing
+// instructions and declarations are overwritten with blanks on the way: nobody reads them, and the parser
+// ends them at other places than the standard does.
+class MarkupScan {
+   public:
+    MarkupScan(char *begin, char *end)
+        : begin(begin), cursor(begin), tag(begin), end(end), depth(0), tags(0) {}
+
+    bool run() {
+        while (char *next = static_cast<char *>(std::memchr(cursor, '<', left()))) {
+            tag = cursor = next;
+            if (++tags > kMaxXmlTags) return refused("more than 131072 tags");
+            if (!skipMarkup()) return refused("does not end");
+        }
+        return true;
+    }
+    // Of a run that was false; the offset is that of the tag in the text.
+    Fault fault() const { return {static_cast<std::size_t>(tag - begin), "tag", reason}; }
+
+   private:
+    // Notes the first reason; always false.
+    bool refused(const char *why) {
+        if (!reason) reason = why;
+        return false;
+    }
+    std::size_t left() const { return static_cast<std::size_t>(end - cursor); }
+    bool at(const char *text) const {
+        const std::size_t length = std::strlen(text);
+        return left() >= length && std::memcmp(cursor, text, length) == 0;
+    }
+
+    bool skipMarkup() {
+        if (at("<?")) return blankInstruction();
+        if (at("<!--")) return skipPast("<!--", "-->");
+        if (at("<![CDATA[")) return skipPast("<![CDATA[", "]]>");
+        if (at("</")) {
+            if (depth) --depth;
+            return skipPast("</", ">");
+        }
+        return startsName() ? skipElement() : skipPast("<", ">");
+    }
+
+    bool skipPast(const char *opening, const char *closing) {
+        cursor += std::strlen(opening);
+        while (!at(closing))
+            if (cursor++ == end) return false;
+        cursor += std::strlen(closing);
+        return true;
+    }
+
+    bool blankInstruction() {
+        char *start = cursor;
+        if (!skipPast("<?", "?>")) return false;
+        std::memset(start, ' ', static_cast<std::size_t>(cursor - start));
+        return true;
+    }
+
+    // The parser takes every byte from 127 on for a letter.
+    bool startsName() const {
+        if (left() < 2) return false;
+        const unsigned char first = static_cast<unsigned char>(cursor[1]);
+        return first >= 127 || first == '_' || (first >= 'a' && first <= 'z') ||
+               (first >= 'A' && first <= 'Z');
+    }
+
+    bool skipElement() {
+        unsigned attributes = 0;
+        for (++cursor; cursor < end; ++cursor) {
+            const char c = *cursor;
+            if (c == '"' || c == '\'') {
+                cursor = static_cast<char *>(std::memchr(cursor + 1, c, left() - 1));
+                if (!cursor) return refused("has a quote that is not closed");
+            } else if (c == '=') {
+                if (++attributes > kMaxXmlAttributes) return refused("has more than 64 attributes");
+            } else if (c == '>') {
+                const bool closed = cursor[-1] == '/';
+                ++cursor;
+                return closed || ++depth <= kMaxXmlNesting || refused("nests deeper than 64 elements");
+            }
+        }
+        return false;
+    }
+
+    char *begin, *cursor, *tag;
+    char *end;
+    unsigned depth, tags;
+    const char *reason = nullptr;
+};
+
+static_assert(kMaxXmlTags == 131072 && kMaxXmlAttributes == 64 && kMaxXmlNesting == 64, "as the reasons say");
+
+// Copies the text with one line feed for every kind of line end, as documents are to be read; returns its
+// end.
+char *copyLines(char *target, const char *bytes, std::size_t size) {
+    for (std::size_t i = 0; i < size; ++i) {
+        if (bytes[i] == '\r' && i + 1 < size && bytes[i + 1] == '\n') continue;
+        *target++ = bytes[i] == '\r' ? '\n' : bytes[i];
+    }
+    *target = '\0';
+    return target;
+}
+
+// The offset in the bytes of what is at `offset` in their copy.
+std::size_t offsetInBytes(const char *bytes, std::size_t size, std::size_t offset) {
+    std::size_t i = 0;
+    for (; i < size; ++i) {
+        if (bytes[i] == '\r' && i + 1 < size && bytes[i + 1] == '\n') continue;
+        if (offset-- == 0) break;
+    }
+    return i;
+}
+
+const int kNoMemory = -1;
+
+// The parser's number of the error, 0 without one.
+int parseText(const char *text, TiXmlDocument &document, int tabSize) {
+    try {
+        document.Clear();
+        document.SetTabSize(tabSize);
+        document.Parse(text, nullptr, TIXML_ENCODING_LEGACY);
+        return document.Error() ? document.ErrorId() : 0;
+    } catch (const std::bad_alloc &) {
+        return kNoMemory;
+    }
+}
+
+Fault faultOf(int error) {
+    switch (error) {
+        case TiXmlBase::TIXML_ERROR_READING_ELEMENT_VALUE:
+            return {0, "element", "is not closed, or its contents are wrong"};
+        case TiXmlBase::TIXML_ERROR_PARSING_ELEMENT:
+            return {0, "element", "has no name, or an attribute twice"};
+        case TiXmlBase::TIXML_ERROR_FAILED_TO_READ_ELEMENT_NAME:
+            return {0, "element", "has no name"};
+        case TiXmlBase::TIXML_ERROR_READING_ATTRIBUTES:
+            return {0, "attribute", "is no name with a quoted value"};
+        case TiXmlBase::TIXML_ERROR_PARSING_EMPTY:
+            return {0, "tag", "ends in a slash without its bracket"};
+        case TiXmlBase::TIXML_ERROR_READING_END_TAG:
+            return {0, "end tag", "is not that of the element it ends"};
+        case TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY:
+            return {0, "document", "holds no markup"};
+        case kNoMemory:
+            return {0, "document", "memory is out"};
+        default:
+            return {0, "document", "is no XML"};
+    }
+}
+
+// The parser tells the place of an error only when it keeps row and column, and then does not end on some
+// bytes beyond ASCII. So the text is parsed once more with letters in place of those bytes, which is what
+// they count as. Should names that differed be the same then, the document's beginning stands for the place.
+Fault findError(char *text, int error) {
+    for (char *c = text; *c; ++c) {
+        const unsigned char byte = static_cast<unsigned char>(*c);
+        if (byte >= 127) *c = static_cast<char>('a' + byte % 26);
+    }
+    TiXmlDocument document;
+    Fault fault = faultOf(error);
+    if (parseText(text, document, 1) <= 0) return fault;
+    const char *at = text;
+    for (int row = document.ErrorRow(); row > 1 && *at; ++at) row -= *at == '\n';
+    for (int column = document.ErrorCol(); column > 1 && *at && *at != '\n'; --column) ++at;
+    fault.offset = static_cast<std::size_t>(at - text);
+    return fault;
+}
+
+bool parseCopy(char *text, char *end, TiXmlDocument &document, Fault *fault) {
+    MarkupScan scan(text, end);
+    if (!scan.run()) {
+        if (fault) *fault = scan.fault();
+        return false;
+    }
+    // Without tab stops the parser keeps no row and column: that code does not end on some byte sequences. As
+    // bytes, the text is never stepped over by a character's claimed length.
+    const int error = parseText(text, document, 0);
+    if (error == 0) return true;
+    document.Clear();
+    if (fault) *fault = findError(text, error);
+    return false;
+}
+
+}  // namespace
+
+bool loadXmlDocument(const char *path, TiXmlDocument &document) {
+    const FileBytes file(path, kMaxXmlBytes);
+    return parseXmlDocument(file.data(), file.size(), document);
+}
+
+bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document, Fault *fault) {
+    document.Clear();
+    if (!bytes) return refuse(fault, 0, "document", "is empty or cannot be read");
+    if (size > static_cast<std::size_t>(kMaxXmlBytes))
+        return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), "document", "is larger than 4 MiB");
+    if (const void *zero = std::memchr(bytes, '\0', size))
+        return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - bytes), "document",
+                      "holds a zero byte");
+    static const char kByteOrderMark[] = "\xEF\xBB\xBF";
+    const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
+    char *text = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(size - mark + 1)));
+    if (!text) return refuse(fault, 0, "document", "memory is out");
+    char *end = copyLines(text, bytes + mark, size - mark);
+    const bool parsed = parseCopy(text, end, document, fault);
+    if (!parsed && fault) fault->offset = mark + offsetInBytes(bytes + mark, size - mark, fault->offset);
+    vnfFree(text);
+    return parsed;
+}
+
+int xmlInteger(const char *text) {
+    if (!text) return 0;
+    const long value = std::strtol(text, nullptr, 10);
+    if (value > INT_MAX) return INT_MAX;
+    return value < INT_MIN ? INT_MIN : static_cast<int>(value);
+}
+
+float xmlFloat(const char *text, float otherwise) {
+    float value = 0.0f;
+    return text && std::sscanf(text, "%f", &value) == 1 && std::isfinite(value) ? value : otherwise;
+}
+
+}  // namespace keltra

@@ -1,0 +1,33 @@
+#ifndef KELTRA_FORMATS_XML_DOCUMENT_H
+#define KELTRA_FORMATS_XML_DOCUMENT_H
+
+#include <cstddef>
+
+#include "formats/fault.h"
+
+class TiXmlDocument;
+
+namespace keltra {
+
+// What an XML document may hold. The parser recurses for every nested element, and the device's stack is 64
+// KB; it looks each attribute up among the element's others; and every tag costs it some hundred bytes.
+constexpr long kMaxXmlBytes = 4L << 20;
+constexpr unsigned kMaxXmlNesting = 64;
+constexpr unsigned kMaxXmlAttributes = 64;
+constexpr unsigned kMaxXmlTags = 1u << 17;
+
+// The one way in which documents reach the parser: both measure the text first and are false, with the
+// document empty, for a file that cannot be read, text beyond a limit, and text that is no XML. Declarations
+// are skipped, and text is taken as bytes whatever encoding they name. `fault`, which may be null, is told
+// where in `bytes` the text is wrong.
+bool loadXmlDocument(const char *path, TiXmlDocument &document);
+bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document, Fault *fault = nullptr);
+
+// `atoi` with a defined result for every text: numbers beyond the type are clamped, and null is 0.
+int xmlInteger(const char *text);
+// What `sscanf` reads with "%f"; `otherwise` when it reads nothing, infinity or not-a-number, and for null.
+float xmlFloat(const char *text, float otherwise);
+
+}  // namespace keltra
+
+#endif

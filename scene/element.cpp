@@ -1,0 +1,209 @@
+#include <keltra/element.h>
+
+#include <keltra/engine.h>
+#include <keltra/foundation.h>
+#include <keltra/glbridge.h>
+#include <keltra/material.h>
+#include <keltra/mesh.h>
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+#include "core/glbridge.h"
+#include "gui/widgets.h"
+#include "scene/element_radius.h"
+#include "scene/local_transform.h"
+#include "scene/tree_walk.h"
+
+const unsigned int KTELEMENT::maxElements;
+const unsigned int KTELEMENT::nearestLights;
+bool KTELEMENT::active = false;
+bool KTELEMENT::clipping = false;
+float KTELEMENT::clippingRadius = 128.0f;
+KTELEMENT *KTELEMENT::element = nullptr;
+KTELEMENT **KTELEMENT::elementPointer = nullptr;
+unsigned int KTELEMENT::numberOfElements = 0;
+unsigned int KTELEMENT::numberOfPassedElements = 0;
+unsigned int KTELEMENT::numberOfLights = 0;
+unsigned int KTELEMENT::numberOfTransparencies = 0;
+
+namespace {
+
+bool isTransparentMesh(const KTMESH &mesh) { return mesh.material && mesh.material->isTransparent(); }
+
+// Plain nodes and hidden meshes only carry their children.
+bool isDrawable(const KTNODE &node) {
+    if (node.type == KT_NODE) return false;
+    return node.type != KT_MESH || !static_cast<const KTMESH &>(node).hidden;
+}
+
+bool isCulled(const KTNODE &node) {
+    if (!KTELEMENT::clipping) return false;
+    if (node.type != KT_MESH && node.type != KT_TERRAIN && node.type != KT_HELPER) return false;
+    float m[16];
+    KT_glGetFloatv(0, m);
+    float distance = std::sqrt(m[12] * m[12] + m[13] * m[13] + m[14] * m[14]);
+    return distance > 2.0f * keltra::boundingRadius(&node) + KTELEMENT::clippingRadius;
+}
+
+// A folded window shows its title bar, the first child, and nothing else.
+unsigned int childrenToPass(KTNODE *node) {
+    const KTWINDOW *window = keltra::asWindow(node);
+    return window && window->isMinimized() ? std::min(node->numberOfChildren, 1u) : node->numberOfChildren;
+}
+
+// Remembers which levels of a walk really pushed a matrix: a full stack takes no more.
+class Levels {
+   public:
+    void push(unsigned int depth) { pushed[depth] = keltra::pushMatrix(); }
+    void pop(unsigned int depth) const {
+        if (pushed[depth]) KT_glPopMatrix();
+    }
+
+   private:
+    bool pushed[keltra::kMaxTreeDepth];
+};
+
+R3XMATRIX *currentSlot() { return KTMESH::boneMatrices + KTMESH::usedSlots * KTMESH::maxBones; }
+
+unsigned int pooledBones(const KTMESH &mesh) {
+    return std::min<unsigned int>(mesh.numberOfBones, KTMESH::maxBones);
+}
+
+void storeBone(KTNODE *bone, const KTMESH &mesh) {
+    for (unsigned int i = 0; i < pooledBones(mesh); ++i) {
+        if (mesh.bones[i].node != bone) continue;
+        KT_glGetFloatv(0, currentSlot()[i].m);
+        return;
+    }
+}
+
+}  // namespace
+
+KTELEMENT::KTELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight(), param1(0) {}
+
+void KTELEMENT::setNearestLight(unsigned int i, KTELEMENT *light) {
+    if (i < nearestLights) nearestLight[i] = light;
+}
+
+bool KTELEMENT::init(unsigned int n) {
+    if (active) return false;
+    unsigned int capacity = n >= 1 && n <= maxElements ? n : maxElements;
+    void *entries = vnfMalloc(capacity * static_cast<unsigned int>(sizeof(KTELEMENT)));
+    void *order = vnfMalloc(capacity * static_cast<unsigned int>(sizeof(KTELEMENT *)));
+    if (!entries || !order) {
+        if (entries) vnfFree(entries);
+        if (order) vnfFree(order);
+        return false;
+    }
+    element = static_cast<KTELEMENT *>(entries);
+    elementPointer = static_cast<KTELEMENT **>(order);
+    for (unsigned int i = 0; i < capacity; ++i) elementPointer[i] = new (&element[i]) KTELEMENT;
+    numberOfElements = capacity;
+    keltra::resetEvents();
+    active = true;
+    return true;
+}
+
+bool KTELEMENT::free() {
+    if (!active) return false;
+    vnfFree(element);
+    vnfFree(elementPointer);
+    element = nullptr;
+    elementPointer = nullptr;
+    numberOfElements = 0;
+    reset();
+    active = false;
+    return true;
+}
+
+void KTELEMENT::reset() { numberOfPassedElements = numberOfLights = numberOfTransparencies = 0; }
+
+// Children go through the same steps as KTNODE::pass, which stamps a node before it is queued here.
+bool KTELEMENT::pass(KTNODE *root, bool) {
+    if (!root || numberOfPassedElements >= numberOfElements) return false;
+    Levels levels;
+    const KTNODE *refused =
+        nullptr;  // came when the list was full; it has no level, and its children do not come
+    auto enter = [&](KTNODE *node, unsigned int depth) -> unsigned int {
+        if (depth > 0) node->timeStamp = static_cast<unsigned int>(KELTRA::timeStamp);
+        if (numberOfPassedElements >= numberOfElements) {
+            refused = node;
+            return 0;
+        }
+        levels.push(depth);
+        keltra::applyLocalTransform(*node);
+        if (isDrawable(*node) && !isCulled(*node)) append(node);
+        return childrenToPass(node);
+    };
+    auto leave = [&](KTNODE *node, unsigned int depth) {
+        if (node == refused)
+            refused = nullptr;
+        else
+            levels.pop(depth);
+    };
+    keltra::walkTree(root, enter, leave);
+    return true;
+}
+
+void KTELEMENT::append(KTNODE *node) {
+    KTELEMENT &entry = element[numberOfPassedElements];
+    elementPointer[numberOfPassedElements] = &entry;
+    entry.node = node;
+    entry.auxId = node->auxId;
+    entry.distance = 0.0f;
+    entry.param1 = 0;
+    for (KTELEMENT *&light : entry.nearestLight) light = nullptr;
+    KT_glGetFloatv(0, entry.matrix.m);
+    node->cachedMatrix = entry.matrix;
+    bool transparent = node->type == KT_EMITTER || node->type == KT_HELPER;
+    if (node->type == KT_MESH) {
+        KTMESH *mesh = static_cast<KTMESH *>(node);
+        if (mesh->numberOfBones && mesh->bones) passSkin(mesh, entry);
+        transparent = isTransparentMesh(*mesh);
+    }
+    ++numberOfPassedElements;
+    if (node->type == KT_LIGHT) ++numberOfLights;
+    if (transparent) ++numberOfTransparencies;
+}
+
+// The bones are taken relative to the frame of the mesh's parent, over the parent's whole subtree.
+void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
+    if (KTMESH::usedSlots >= KTMESH::maxSkins || !KTMESH::boneMatrices) {
+        entry.param1 = KTMESH::maxSkins;
+        return;
+    }
+    bool pushed = keltra::pushMatrix();
+    KT_glLoadIdentity();
+    // Bones that the walk does not meet rest, instead of following whoever had the slot in an earlier frame.
+    std::fill_n(currentSlot(), pooledBones(*mesh), R3XMATRIX());
+    passSkeleton(mesh->parent, mesh);
+    KTMESH::slotMesh[KTMESH::usedSlots] = mesh;
+    entry.param1 = KTMESH::usedSlots++;
+    if (pushed)
+        KT_glPopMatrix();
+    else
+        KT_glLoadMatrixf(entry.matrix.m);
+}
+
+bool KTELEMENT::passSkeleton(KTNODE *bone, KTMESH *mesh) {
+    if (!bone) return false;
+    if (!mesh || !mesh->bones || !KTMESH::boneMatrices || KTMESH::usedSlots >= KTMESH::maxSkins) return true;
+    Levels levels;
+    auto enter = [&](KTNODE *node, unsigned int depth) {
+        levels.push(depth);
+        keltra::applyLocalTransform(*node);
+        if (node->type == KT_MESH) storeBone(node, *mesh);
+        return node->numberOfChildren;
+    };
+    keltra::walkTree(bone, enter, [&](KTNODE *, unsigned int depth) { levels.pop(depth); });
+    return true;
+}
+
+KTELEMENT *KTELEMENT::getLight(unsigned int i) { return i < numberOfLights ? elementPointer[i] : nullptr; }
+
+void KTELEMENT::forget(const KTNODE *gone) {
+    for (unsigned int i = 0; i < numberOfPassedElements; ++i)
+        if (element[i].node == gone) element[i].node = nullptr;
+}

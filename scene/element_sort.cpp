@@ -1,0 +1,98 @@
+#include <keltra/element.h>
+#include <keltra/light.h>
+#include <keltra/material.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "gui/widgets.h"
+#include "scene/element_radius.h"
+
+namespace {
+
+enum Rank { kLight, kOpaque, kTransparent };
+
+// By the transparency value, while KTELEMENT::append counts by KTMATERIAL::isTransparent: two separate tests,
+// both meant. When they disagree, the back-to-front sort covers as many entries as were counted.
+Rank rankOf(const KTNODE *node) {
+    if (!node) return kOpaque;
+    if (node->type == KT_LIGHT) return kLight;
+    if (node->type == KT_EMITTER || node->type == KT_HELPER) return kTransparent;
+    if (node->type != KT_MESH) return kOpaque;
+    const KTMATERIAL *material = static_cast<const KTMESH *>(node)->material;
+    return material && material->getTransparency() != 1.0f ? kTransparent : kOpaque;
+}
+
+// Maps floats to integers in the same order, not-a-number included: a total order whatever the data, and
+// integer comparisons on a machine without a floating-point unit.
+std::int32_t orderKey(float value) {
+    std::int32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits < 0 ? bits ^ 0x7fffffff : bits;
+}
+
+std::int32_t depthKey(const KTELEMENT *entry) {
+    return orderKey(entry->matrix.m[14] - keltra::boundingRadius(entry->node));
+}
+
+bool isExclusive(const KTELEMENT *entry) {
+    const KTNODE *node = entry->node;
+    return node && node->type == KT_LIGHT && static_cast<const KTLIGHT *>(node)->exclusive;
+}
+
+// Higher layers are drawn later. Only GUI boxes have one.
+long guiLayer(const KTELEMENT &entry) {
+    const KTBOX *box = keltra::asBox(entry.node);
+    return box ? box->getForemostTimeStamp() : 0;
+}
+
+// The layers of the list's entries while they are sorted, looked up once each.
+long layers[KTELEMENT::maxElements];
+
+}  // namespace
+
+// Equal entries keep the order in which they were passed: entries lie in the list in that order.
+bool KTELEMENT::sort2D() {
+    if (numberOfPassedElements == 0) return false;
+    for (unsigned int i = 0; i < numberOfPassedElements; ++i) layers[i] = guiLayer(element[i]);
+    std::sort(elementPointer, elementPointer + numberOfPassedElements,
+              [](const KTELEMENT *a, const KTELEMENT *b) {
+                  long layerA = layers[a - element], layerB = layers[b - element];
+                  return layerA != layerB ? layerA < layerB : a < b;
+              });
+    return true;
+}
+
+// Three ranks need no comparisons: the order is written rank by rank from the list itself.
+bool KTELEMENT::sort3D() {
+    if (numberOfPassedElements == 0) return false;
+    if (numberOfLights == 0 && numberOfTransparencies == 0) return true;
+    unsigned int filled = 0;
+    for (Rank rank : {kLight, kOpaque, kTransparent})
+        for (unsigned int i = 0; i < numberOfPassedElements; ++i)
+            if (rankOf(element[i].node) == rank) elementPointer[filled++] = &element[i];
+    if (numberOfTransparencies < 2) return true;
+    unsigned int tail = std::min(numberOfTransparencies, numberOfPassedElements);
+    KTELEMENT **end = elementPointer + numberOfPassedElements;
+    std::sort(end - tail, end, [](const KTELEMENT *a, const KTELEMENT *b) {
+        std::int32_t keyA = depthKey(a), keyB = depthKey(b);
+        return keyA != keyB ? keyA < keyB : a < b;
+    });
+    return true;
+}
+
+bool KTELEMENT::sortLights(R3XVECTOR3D position) {
+    if (numberOfPassedElements == 0 || numberOfLights == 0) return false;
+    unsigned int lights = std::min(numberOfLights, numberOfPassedElements);
+    for (unsigned int i = 0; i < lights; ++i)
+        elementPointer[i]->distance = elementPointer[i]->matrix.getTranslation().distance(position);
+    std::sort(elementPointer, elementPointer + lights, [](const KTELEMENT *a, const KTELEMENT *b) {
+        bool exclusiveA = isExclusive(a), exclusiveB = isExclusive(b);
+        if (exclusiveA != exclusiveB) return exclusiveA;
+        std::int32_t keyA = orderKey(a->distance), keyB = orderKey(b->distance);
+        return keyA != keyB ? keyA < keyB : a < b;
+    });
+    return true;
+}

@@ -1,0 +1,41 @@
+#ifndef KELTRA_SCENE_EMITTER_FILE_H
+#define KELTRA_SCENE_EMITTER_FILE_H
+
+// What the reader of emitter files knows, for tools that look at them.
+
+#include <cstddef>
+
+class TiXmlDocument;
+class TiXmlElement;
+
+namespace keltra {
+
+// Attributes: `x` and `y` for a size, and `z` too for a vector, otherwise `value`.
+enum class EmitterValue {
+    kInteger,
+    kMaximum,  // an integer of which a negative one counts as 0
+    kReal,
+    kSize,
+    kVector,
+    kText,
+    kSourceFactor,
+    kDestinationFactor,
+};
+
+struct EmitterSetting {
+    const char *name;
+    EmitterValue kind;
+};
+
+constexpr std::size_t kEmitterSettingCount = 19;
+extern const EmitterSetting kEmitterSettings[kEmitterSettingCount];
+
+// A factor that GL does not know on this side would be an error at every draw.
+bool isBlendFactor(int code, bool isSource);
+
+// Null for a document of another root, which changes no setting.
+const TiXmlElement *emitterRoot(const TiXmlDocument &document);
+
+}  // namespace keltra
+
+#endif

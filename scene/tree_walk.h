@@ -1,0 +1,63 @@
+#ifndef KELTRA_SCENE_TREE_WALK_H
+#define KELTRA_SCENE_TREE_WALK_H
+
+#include <keltra/node.h>
+
+namespace keltra {
+
+// Deepest nesting of a scene tree. The walks keep their path in a fixed array, since the device's stack is 64
+// KB.
+const unsigned int kMaxTreeDepth = 256;
+
+// What `enter` returns to end the whole walk; otherwise it returns how many of the node's children to visit.
+const unsigned int kStopWalk = ~0u;
+
+const unsigned int kMaxBorrowed = 2;
+
+// Visits `root` and its subtree depth first, a node before its children, children in order. `enter(node,
+// depth)` comes first, `leave(node, depth)` after the node's children. Returns the node at which `enter`
+// stopped the walk, or null. A node has one parent, so a cycle made by linking a node below itself leads back
+// to `root` first: there it is cut. A copy shows its original's children, whose parent it is not. Such
+// children within such children are the last ones: copies linked below what they show would go on for ever,
+// or for as many steps as there are orders of the children.
+template <class Enter, class Leave>
+KTNODE *walkTree(KTNODE *root, Enter enter, Leave leave) {
+    struct Step {
+        KTNODE *node;
+        unsigned int next, end;
+        unsigned int borrowed;  // steps to here that led to another parent's child
+    };
+    if (!root) return nullptr;
+    Step path[kMaxTreeDepth];
+    unsigned int depth = 0, borrowed = 0;
+    KTNODE *node = root;
+    for (;;) {
+        unsigned int visits = enter(node, depth);
+        if (visits == kStopWalk) return node;
+        path[depth] = {node, 0, visits, borrowed};
+        node = nullptr;
+        while (!node) {
+            Step &step = path[depth];
+            if (step.next < step.end && step.next < step.node->numberOfChildren &&
+                depth + 1 < kMaxTreeDepth) {
+                node = step.node->getChild(step.next++);
+                if (!node) continue;
+                borrowed = step.borrowed + (node->parent != step.node);
+                if (node == root || borrowed > kMaxBorrowed) node = nullptr;
+            } else {
+                leave(step.node, depth);
+                if (depth-- == 0) return nullptr;
+            }
+        }
+        ++depth;
+    }
+}
+
+template <class Enter>
+KTNODE *walkTree(KTNODE *root, Enter enter) {
+    return walkTree(root, enter, [](KTNODE *, unsigned) {});
+}
+
+}  // namespace keltra
+
+#endif

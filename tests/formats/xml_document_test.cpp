@@ -1,0 +1,178 @@
+#include "formats/xml_document.h"
+
+#include <gtest/gtest.h>
+#include <tinyxml.h>
+
+#include <climits>
+#include <string>
+
+#include "foundation/file_bytes.h"
+#include "tests/support/same_verdict.h"
+#include "tests/support/small_stack.h"
+#include "tests/support/temp_file.h"
+
+namespace keltra {
+namespace {
+
+bool parses(const std::string &text) {
+    TiXmlDocument document;
+    const bool parsed = parseXmlDocument(text.data(), text.size(), document);
+    EXPECT_TRUE(parsed || document.FirstChild() == nullptr) << text.substr(0, 80);
+    // Of what is in the document an emitter asks nothing.
+    test::expectSameVerdict("emitter", text, parsed);
+    return parsed;
+}
+
+std::string repeat(const std::string &text, unsigned count) {
+    std::string result;
+    for (unsigned i = 0; i < count; ++i) result += text;
+    return result;
+}
+
+std::string nested(unsigned depth) { return repeat("<a>", depth) + repeat("</a>", depth); }
+
+TEST(XmlDocument, HoldsWhatTheTextSays) {
+    const std::string text =
+        "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<!-- a <b> --><root>\r\n<item x='1 &lt; "
+        "2' y=\"it's\"/>"
+        "<![CDATA[<c>]]></root>";
+    TiXmlDocument document;
+    ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document));
+    const TiXmlElement *root = document.FirstChildElement("root");
+    ASSERT_NE(root, nullptr);
+    const TiXmlElement *item = root->FirstChildElement("item");
+    ASSERT_NE(item, nullptr);
+    EXPECT_STREQ(item->Attribute("x"), "1 < 2");
+    EXPECT_STREQ(item->Attribute("y"), "it's");
+    EXPECT_EQ(item->NextSiblingElement(), nullptr);
+    ASSERT_NE(item->NextSibling(), nullptr);
+    EXPECT_STREQ(item->NextSibling()->Value(), "<c>");
+}
+
+TEST(XmlDocument, BytesBeyondAsciiStayAsTheyAre) {
+    const std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?><a v=\"\xC3\xA9\xFF\"/>";
+    TiXmlDocument document;
+    ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document));
+    EXPECT_STREQ(document.FirstChildElement()->Attribute("v"), "\xC3\xA9\xFF");
+}
+
+TEST(XmlDocument, LineEndsBecomeLineFeeds) {
+    const std::string text = "<a v='1\r\n2\r3\n4'/>";
+    TiXmlDocument document;
+    ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document));
+    EXPECT_STREQ(document.FirstChildElement()->Attribute("v"), "1\n2\n3\n4");
+}
+
+TEST(XmlDocument, RefusesWhatIsNoXml) {
+    EXPECT_FALSE(parses(""));
+    EXPECT_FALSE(parses("   "));
+    EXPECT_FALSE(parses("text"));
+    EXPECT_FALSE(parses("<a><b></a></b>"));
+    EXPECT_FALSE(parses("<a x=1'/>"));
+    EXPECT_FALSE(parses("<a x='1' x='2'/>"));
+    EXPECT_FALSE(parses(std::string("<a/>\0<b/>", 9)));
+    TiXmlDocument document;
+    EXPECT_FALSE(parseXmlDocument(nullptr, 0, document));
+}
+
+TEST(XmlDocument, EveryTruncationIsRefusedOrWhole) {
+    const std::string text =
+        "<?xml version='1.0'?><!-- c --><!DOCTYPE r><r a=\"&#x41;&amp;\" b='\xC3\xA9'><![CDATA[x]]>t<s/></r>";
+    ASSERT_TRUE(parses(text));
+    for (std::size_t size = 0; size < text.size(); ++size) {
+        const std::string cut = text.substr(0, size);
+        // What ends before the first element is a document without one.
+        if (cut.find("<r") == std::string::npos) {
+            parses(cut);
+        } else {
+            EXPECT_FALSE(parses(cut)) << size;
+        }
+    }
+}
+
+TEST(XmlDocument, EveryChangedByteEnds) {
+    const std::string text =
+        "<?xml version='1.0'?><!-- c --><r a=\"&#x41;&amp;\" b='\xC3\xA9'><![CDATA[x]]>t<s/></r>";
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        for (int value = 1; value < 256; ++value) {
+            std::string changed = text;
+            changed[at] = static_cast<char>(value);
+            parses(changed);
+        }
+    }
+}
+
+TEST(XmlDocument, NestingIsLimited) {
+    EXPECT_TRUE(parses(nested(kMaxXmlNesting)));
+    EXPECT_FALSE(parses(nested(kMaxXmlNesting + 1)));
+    EXPECT_TRUE(parses("<r>" + repeat("<a></a><b/>", 200) + "</r>"));
+}
+
+// What does not close an element for the parser must not lower the count.
+TEST(XmlDocument, NestingIsCountedAsTheParserMeetsIt) {
+    for (const char *decoy : {"<!-- </a> -->", "<![CDATA[</a>]]>", "<? </a> ?>", "<a x='</a>'/>",
+                              "<a x=\"/>\"/>", "&lt;/a>", "<a y='/'>x</a>"}) {
+        EXPECT_TRUE(parses(repeat(std::string("<a>") + decoy, 40) + repeat("</a>", 40))) << decoy;
+        EXPECT_FALSE(parses(repeat(std::string("<a>") + decoy, 90) + repeat("</a>", 90))) << decoy;
+    }
+    EXPECT_FALSE(parses("<?xml version='?>" + nested(90)));
+    EXPECT_FALSE(parses("<?xml version='>'" + nested(90) + "'?>"));
+}
+
+TEST(XmlDocument, TheDeepestStandsOnTheDevicesStack) {
+    for (unsigned depth : {kMaxXmlNesting, 300u, 100000u}) {
+        bool parsed = false;
+        ASSERT_TRUE(test::runOnSmallStack([&] { parsed = parses(nested(depth)); }));
+        EXPECT_EQ(parsed, depth == kMaxXmlNesting);
+    }
+}
+
+TEST(XmlDocument, AttributesTagsAndBytesAreLimited) {
+    std::string element = "<a";
+    for (unsigned i = 0; i < kMaxXmlAttributes; ++i) element += " x" + std::to_string(i) + "='='";
+    EXPECT_TRUE(parses(element + "/>"));
+    EXPECT_FALSE(parses(element + " y=''/>"));
+    EXPECT_TRUE(parses("<r>" + repeat("<a/>", kMaxXmlTags / 2) + "</r>"));
+    EXPECT_FALSE(parses("<r>" + repeat("<a/>", kMaxXmlTags) + "</r>"));
+    const std::string large(static_cast<std::size_t>(kMaxXmlBytes) - 9, 'x');
+    EXPECT_TRUE(parses("<a v='" + large + "'/>"));
+    EXPECT_FALSE(parses("<a v='" + large + "x'/>"));
+}
+
+TEST(XmlDocument, ComesFromAFile) {
+    const test::TempFolder folder;
+    TiXmlDocument document;
+    EXPECT_TRUE(loadXmlDocument(folder.write("a.xml", "<a/>").c_str(), document));
+    EXPECT_FALSE(loadXmlDocument(folder.path("missing.xml").c_str(), document));
+    EXPECT_EQ(document.FirstChild(), nullptr);
+    EXPECT_FALSE(loadXmlDocument(folder.write("empty.xml", "").c_str(), document));
+    EXPECT_FALSE(loadXmlDocument(folder.path("").c_str(), document));
+    EXPECT_FALSE(loadXmlDocument(nullptr, document));
+    const std::string large =
+        folder.write("large.xml", std::string(static_cast<std::size_t>(kMaxXmlBytes) + 1, ' '));
+    EXPECT_FALSE(loadXmlDocument(large.c_str(), document));
+    EXPECT_EQ(FileBytes(large.c_str(), kMaxXmlBytes).data(), nullptr);
+    EXPECT_NE(FileBytes(large.c_str(), kMaxXmlBytes + 1).data(), nullptr);
+}
+
+TEST(XmlValues, IntegersAreClamped) {
+    EXPECT_EQ(xmlInteger("12px"), 12);
+    EXPECT_EQ(xmlInteger(" -7"), -7);
+    EXPECT_EQ(xmlInteger("x"), 0);
+    EXPECT_EQ(xmlInteger(""), 0);
+    EXPECT_EQ(xmlInteger(nullptr), 0);
+    EXPECT_EQ(xmlInteger("99999999999999999999"), INT_MAX);
+    EXPECT_EQ(xmlInteger("2147483648"), INT_MAX);
+    EXPECT_EQ(xmlInteger("-99999999999999999999"), INT_MIN);
+}
+
+TEST(XmlValues, FloatsAreFinite) {
+    EXPECT_EQ(xmlFloat("0.5", 1.0f), 0.5f);
+    EXPECT_EQ(xmlFloat("-2e1 and more", 1.0f), -20.0f);
+    for (const char *text : {"x", "", "nan", "inf", "-inf", "1e99"})
+        EXPECT_EQ(xmlFloat(text, 3.0f), 3.0f) << text;
+    EXPECT_EQ(xmlFloat(nullptr, 3.0f), 3.0f);
+}
+
+}  // namespace
+}  // namespace keltra

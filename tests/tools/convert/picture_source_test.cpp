@@ -1,0 +1,245 @@
+#include "tools/convert/picture_source.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "tests/support/temp_file.h"
+#include "tests/support/unprivileged.h"
+#include "tests/tools/convert/support/material_scene.h"
+#include "tests/tools/convert/support/pictures.h"
+
+namespace keltra::convert {
+namespace {
+
+using formats::Image;
+using formats::Rgba;
+using test::difference;
+using test::encode;
+using test::plain;
+
+constexpr Rgba kRed = {255, 0, 0, 255}, kGreen = {0, 255, 0, 255};
+
+class PictureSourceTest : public testing::Test {
+   protected:
+    PictureSourceTest() { std::filesystem::create_directory(folder.path("model")); }
+
+    void put(const std::string &name, Rgba colour = kRed, const char *format = "png") {
+        const std::string path = folder.path("model/" + name);
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        folder.write("model/" + name, encode(plain(2, 2, colour), format));
+    }
+    PictureSource source() { return PictureSource(scene.scene(), folder.path("model/hero.obj")); }
+
+    // The colour of the picture's first pixel; what was said of the place is in `instead`.
+    Rgba colourOf(const std::string &path) {
+        PictureSource pictures = source();
+        const PicturePlace place = pictures.find(path);
+        instead = place.instead;
+        std::string remark;
+        return pictures.read(place, remark).pixels[0];
+    }
+    std::string fault(const std::string &path, bool missing) {
+        try {
+            colourOf(path);
+        } catch (const PictureFault &caught) {
+            EXPECT_EQ(caught.missing, missing) << path << ": " << caught.what();
+            return caught.what();
+        }
+        return "found";
+    }
+
+    test::TempFolder folder;
+    test::MaterialScene scene;
+    std::string instead;
+};
+
+TEST_F(PictureSourceTest, ReadsThePathAsWrittenFromTheModelsFolder) {
+    put("skin.png");
+    put("parts/arm.png", kGreen);
+    EXPECT_EQ(colourOf("skin.png"), kRed);
+    EXPECT_EQ(colourOf("./skin.png"), kRed);
+    EXPECT_EQ(colourOf("parts/arm.png"), kGreen);
+    EXPECT_EQ(colourOf("parts\\arm.png"), kGreen);
+    EXPECT_EQ(colourOf("parts/../skin.png"), kRed);
+    EXPECT_EQ(colourOf("../model/skin.png"), kRed);
+    EXPECT_EQ(colourOf("//skin.png"), kRed);
+    EXPECT_EQ(instead, "");
+}
+
+TEST_F(PictureSourceTest, NamesMayHoldAnything) {
+    put("my \"best\" 'skin' (1) & $x;.png");
+    EXPECT_EQ(colourOf("my \"best\" 'skin' (1) & $x;.png"), kRed);
+    put("caf\xE9.png", kGreen);  // Latin-1
+    EXPECT_EQ(colourOf("caf\xE9.png"), kGreen);
+    put("msl:skin.png");
+    EXPECT_EQ(colourOf("msl:skin.png"), kRed);
+    put("@list.png");
+    EXPECT_EQ(colourOf("@list.png"), kRed);
+}
+
+TEST_F(PictureSourceTest, LettersOfEitherCaseWillDo) {
+    put("Textures/Skin.PNG");
+    EXPECT_EQ(colourOf("TEXTURES/skin.png"), kRed);
+    EXPECT_EQ(instead, "");
+    put("Textures/skin.png", kGreen);
+    EXPECT_EQ(colourOf("Textures/skin.png"), kGreen);  // the exact one first
+}
+
+TEST_F(PictureSourceTest, ReadsAnAbsolutePathThatIsThere) {
+    put("elsewhere/skin.png");
+    EXPECT_EQ(colourOf(folder.path("model/elsewhere/skin.png")), kRed);
+    EXPECT_EQ(instead, "");
+    EXPECT_EQ(colourOf("file://" + folder.path("model/elsewhere/skin.png")), kRed);
+}
+
+TEST_F(PictureSourceTest, FindsTheEndOfAPathOfAnotherMachine) {
+    put("skin.png");
+    put("art/skin.png", kGreen);
+    EXPECT_EQ(colourOf("C:\\work\\hero\\art\\skin.png"), kGreen);
+    EXPECT_EQ(instead, "art/skin.png");
+    EXPECT_EQ(colourOf("D:/other/skin.png"), kRed);
+    EXPECT_EQ(instead, "skin.png");
+    EXPECT_EQ(colourOf("file:///C:/other/skin.png"), kRed);
+    EXPECT_EQ(colourOf("\\\\server\\share\\skin.png"), kRed);
+    EXPECT_EQ(colourOf("/home/nobody/hero/skin.png"), kRed);
+    EXPECT_EQ(colourOf("../../missing/skin.png"), kRed);
+}
+
+TEST_F(PictureSourceTest, LooksInTheUsualFolders) {
+    put("Textures/skin.png");
+    EXPECT_EQ(colourOf("C:\\work\\skin.png"), kRed);
+    EXPECT_EQ(instead, "textures/skin.png");
+    put("../textures/cloth.png", kGreen);
+    EXPECT_EQ(colourOf("cloth.png"), kGreen);
+    EXPECT_EQ(instead, "../textures/cloth.png");
+}
+
+TEST_F(PictureSourceTest, UndoesTheEscapesOfUrls) {
+    put("my skin.png");
+    EXPECT_EQ(colourOf("my%20skin.png"), kRed);
+    EXPECT_EQ(fault("my%00skin.png", true), "there is no such file");
+    EXPECT_EQ(fault("my%2", true), "there is no such file");
+    put("a%20b.png", kGreen);
+    put("a b.png");
+    EXPECT_EQ(colourOf("a%20b.png"), kGreen);  // as written first
+}
+
+TEST_F(PictureSourceTest, TakesAnotherExtensionAsTheLastResort) {
+    put("skin.jpg", kGreen, "jpeg");
+    put("skin.png");
+    put("skin.txt");
+    EXPECT_EQ(colourOf("skin.tga"), kRed);
+    EXPECT_EQ(instead, "skin.png");
+    put("textures/Cloth.bmp", kGreen, "bmp");
+    EXPECT_EQ(colourOf("C:\\work\\cloth.tga"), kGreen);
+    EXPECT_EQ(instead, "textures/Cloth.bmp");
+    put("textures/skin.tga", kGreen, "tga");
+    EXPECT_EQ(colourOf("skin.tga"), kGreen);  // the right one elsewhere comes before
+    EXPECT_EQ(fault("skin2.tga", true), "there is no such file");
+}
+
+TEST_F(PictureSourceTest, APictureOfTheModelsNameStandsInForOneWithoutName) {
+    EXPECT_EQ(fault("$texture_dummy.bmp", true), "there is no such file");
+    put("hero.png", kGreen);
+    EXPECT_EQ(colourOf("$texture_dummy.bmp"), kGreen);
+    EXPECT_EQ(instead, "hero.png");
+}
+
+TEST_F(PictureSourceTest, SaysWhatIsMissing) {
+    for (const char *path :
+         {"none.png", "a/b/none.png", "/none.png", "C:none.png", "..", ".", "/", "\\", "folder/", " "})
+        EXPECT_EQ(fault(path, true), "there is no such file") << path;
+    EXPECT_EQ(fault(std::string(5000, 'x'), true), "there is no such file");
+    std::string deep;
+    for (int i = 0; i < 2000; ++i) deep += "a/";
+    EXPECT_EQ(fault(deep + "b.png", true), "there is no such file");
+}
+
+TEST_F(PictureSourceTest, TakesRegularFilesOnly) {
+    std::filesystem::create_directory(folder.path("model/folder.png"));
+    ASSERT_EQ(mkfifo(folder.path("model/pipe.png").c_str(), 0600), 0);
+    std::filesystem::create_symlink("/dev/zero", folder.path("model/zero.png"));
+    std::filesystem::create_symlink("loop.png", folder.path("model/loop.png"));
+    for (const char *path : {"folder.png", "pipe.png", "zero.png"})
+        EXPECT_EQ(fault(path, false), "it is not a regular file") << path;
+    EXPECT_EQ(fault("/dev/zero", false), "it is not a regular file");
+    EXPECT_EQ(fault("loop.png", true), "there is no such file");
+    put("textures/folder.png");
+    EXPECT_EQ(colourOf("folder.png"), kRed);
+}
+
+TEST_F(PictureSourceTest, RefusesFilesThatCannotBeRead) {
+    folder.write("model/empty.png", "");
+    EXPECT_EQ(fault("empty.png", false), "it is empty");
+    folder.write("model/words.png", "just words");
+    EXPECT_EQ(fault("words.png", false), "it is not a picture of a known format");
+    std::filesystem::resize_file(folder.write("model/huge.png", "x"), (256u << 20) + 1);
+    EXPECT_EQ(fault("huge.png", false), "its file is larger than 256 MiB");
+    put("locked.png");
+    ASSERT_EQ(chmod(folder.path("model/locked.png").c_str(), 0), 0);
+    for (const char *way : {"", "model"}) ASSERT_EQ(chmod(folder.path(way).c_str(), 0755), 0);
+    const test::Unprivileged unprivileged;
+    EXPECT_EQ(fault("locked.png", false), "the file cannot be opened: Permission denied");
+}
+
+TEST_F(PictureSourceTest, ReadsWhatTheModelCarries) {
+    scene.embed(encode(plain(2, 2, kGreen), "png"), "png");
+    scene.embed(plain(3, 1, {1, 2, 3, 4}));
+    scene.embed(encode(plain(2, 2, kRed), "tga"), "tga", "C:\\art\\Skin.tga");
+    scene.embed(encode(plain(2, 2, kRed), "tga"), "", "other.TGA");  // no hint: its name has one
+    EXPECT_EQ(colourOf("*0"), kGreen);
+    EXPECT_EQ(colourOf("*1"), (Rgba{1, 2, 3, 4}));
+    EXPECT_EQ(colourOf("*2"), kRed);
+    EXPECT_EQ(colourOf("*3"), kRed);
+    put("Skin.tga", kGreen, "tga");
+    EXPECT_EQ(colourOf("D:\\elsewhere\\Skin.tga"), kRed);  // before a file of the name
+    for (const char *path : {"*4", "*-1", "*99999999999"})
+        EXPECT_EQ(fault(path, true), "the model has no such picture") << path;
+}
+
+TEST_F(PictureSourceTest, RefusesDamagedPicturesThatTheModelCarries) {
+    scene.addTexture("");  // *0: nothing at all
+    scene.addTexture("").mWidth = 100;
+    aiTexture &huge = scene.addTexture("");
+    huge.mWidth = huge.mHeight = 4000000000u;
+    huge.pcData = new aiTexel[1];
+    aiTexture &long_ = scene.addTexture("");
+    long_.mWidth = (256u << 20) + 1;
+    long_.pcData = new aiTexel[1];
+    scene.embed({1, 2, 3, 4}, "png");
+    aiTexture &hollow = scene.addTexture("");
+    hollow.mWidth = hollow.mHeight = 2;
+    EXPECT_EQ(fault("*0", false), "it is empty");
+    EXPECT_EQ(fault("*1", false), "it is empty");
+    EXPECT_EQ(fault("*2", false), "it is too large");
+    EXPECT_EQ(fault("*3", false), "it is larger than 256 MiB");
+    EXPECT_EQ(fault("*4", false), "it is not a picture of a known format");
+    EXPECT_EQ(fault("*5", false), "it has no pixels");
+}
+
+TEST_F(PictureSourceTest, AModelWithoutAFolderIsInTheCurrentOne) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    put("skin.png");
+    std::filesystem::current_path(folder.path("model"));
+    PictureSource pictures(scene.scene(), "hero.obj");
+    const PicturePlace place = pictures.find("SKIN.png");
+    const PicturePlace other = pictures.find("skin.tga");
+    std::filesystem::current_path(before);
+    EXPECT_EQ(place.file, "./skin.png");
+    EXPECT_EQ(other.instead, "skin.png");
+}
+
+TEST_F(PictureSourceTest, StemsAreFileNames) {
+    scene.embed(plain(1, 1, kRed));
+    scene.embed(plain(1, 1, kRed), "art\\Big Wall.png");
+    PictureSource pictures = source();
+    EXPECT_EQ(pictures.stem("a\\my skin.v2.png"), "my_skin.v2");
+    EXPECT_EQ(pictures.stem("my%20skin.png"), "my_skin");
+    EXPECT_EQ(pictures.stem("*0"), "texture0");
+    EXPECT_EQ(pictures.stem("*1"), "Big_Wall");
+}
+
+}  // namespace
+}  // namespace keltra::convert

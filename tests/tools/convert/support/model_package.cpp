@@ -1,0 +1,74 @@
+#include "tests/tools/convert/support/model_package.h"
+
+#include <assimp/postprocess.h>
+#include <assimp/scene.h>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <assimp/Importer.hpp>
+#include <filesystem>
+
+namespace keltra::test {
+namespace {
+
+constexpr unsigned kLongestImport = 60;  // seconds
+constexpr int kReadable = 16, kShaped = 1, kSkinned = 2, kMoving = 4;
+
+bool hasArea(const aiMesh &mesh) {
+    for (unsigned f = 0; f < mesh.mNumFaces; ++f) {
+        const aiFace &face = mesh.mFaces[f];
+        if (face.mNumIndices != 3) continue;
+        const aiVector3D &a = mesh.mVertices[face.mIndices[0]];
+        const aiVector3D b = mesh.mVertices[face.mIndices[1]] - a, c = mesh.mVertices[face.mIndices[2]] - a;
+        if ((b ^ c).SquareLength() > 0.0f) return true;
+    }
+    return false;
+}
+
+int importAndJudge(const std::string &path) {
+    Assimp::Importer importer;
+    const aiScene *scene = importer.ReadFile(path, aiProcess_Triangulate);
+    if (!scene) return 0;
+    int kind = kReadable;
+    for (unsigned m = 0; m < scene->mNumMeshes; ++m) {
+        if (hasArea(*scene->mMeshes[m])) kind |= kShaped;
+        if (scene->mMeshes[m]->HasBones()) kind |= kSkinned;
+    }
+    for (unsigned a = 0; a < scene->mNumAnimations; ++a)
+        if (scene->mAnimations[a]->mNumChannels > 0) kind |= kMoving;
+    return kind;
+}
+
+}  // namespace
+
+std::vector<std::string> packageFiles() {
+    const std::filesystem::path folder = KELTRA_TEST_MODELS;
+    std::vector<std::string> files;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(folder))
+        if (entry.is_regular_file()) files.push_back(entry.path().lexically_relative(folder).string());
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::string packagePath(const std::string &file) { return std::string(KELTRA_TEST_MODELS) + "/" + file; }
+
+ModelKind kindOfModel(const std::string &path) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const int nowhere = open("/dev/null", O_RDWR);
+        dup2(nowhere, STDOUT_FILENO);
+        dup2(nowhere, STDERR_FILENO);
+        alarm(kLongestImport);
+        _exit(importAndJudge(path));
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) return {};
+    const int kind = WEXITSTATUS(status);
+    // A sanitizer's report ends the child with a status of its own.
+    if (!(kind & kReadable) || kind > (kReadable | kShaped | kSkinned | kMoving)) return {};
+    return {true, (kind & kShaped) != 0, (kind & kSkinned) != 0, (kind & kMoving) != 0};
+}
+
+}  // namespace keltra::test

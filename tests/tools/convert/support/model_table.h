@@ -1,0 +1,16 @@
+#ifndef KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_MODEL_TABLE_H
+#define KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_MODEL_TABLE_H
+
+#include <map>
+#include <string>
+
+#include "tests/tools/convert/support/converter_run.h"
+
+namespace keltra::test {
+
+/// The page of what becomes of each model, `page` being the present one: what stands above its mark is kept.
+std::string modelPage(const std::string &page, const std::map<std::string, ConverterRun> &runs);
+
+}  // namespace keltra::test
+
+#endif

@@ -1,0 +1,33 @@
+#include "tests/tools/info/probe.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "tools/info/print.h"
+
+namespace {
+
+using namespace keltra::info;
+
+bool isPlain(const std::string &text) {
+    return std::none_of(text.begin(), text.end(),
+                        [](char c) { return (c >= 0 && c < 32 && c != '\n') || c == 127; });
+}
+
+}  // namespace
+
+void keltra_probe(const char *kind, const void *bytes, std::size_t size, ProbedVerdict *verdict) {
+    Answer answer;
+    answer.file = "file";
+    answer.inspection = inspect(kindOfName(kind), bytes, size);
+    const Inspection &inspection = answer.inspection;
+    const std::string line = verdictLine(answer);
+    const std::string json = jsonText({answer}, false);
+    verdict->isGood = inspection.good;
+    verdict->offset = inspection.flaw.offset;
+    std::snprintf(verdict->field, sizeof verdict->field, "%s", inspection.flaw.field.c_str());
+    std::snprintf(verdict->reason, sizeof verdict->reason, "%s", inspection.flaw.reason.c_str());
+    verdict->isPrintable = isPlain(table(answer)) && isPlain(line) &&
+                           std::count(line.begin(), line.end(), '\n') == 1 && isPlain(json) &&
+                           Fields::accept(json);
+}
