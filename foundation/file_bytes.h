@@ -24,7 +24,7 @@ struct FilePath {
 class FileBytes {
    public:
     // A file of more than `largest` bytes counts as one that cannot be read.
-    explicit FileBytes(const char *path, long largest = 0x7fffffff) : bytes(nullptr), length(0) {
+    explicit FileBytes(const char *path, long largest = 0x7fffffff) : bytes(nullptr), length(0), noMemory(false) {
         std::FILE *file = path && *path ? std::fopen(path, "rb") : nullptr;
         if (!file) return;
         read(file, largest);
@@ -38,13 +38,16 @@ class FileBytes {
 
     const char *data() const { return bytes; }
     std::size_t size() const { return length; }
+    // Of an empty one: there was a file, and no memory for it.
+    bool isOutOfMemory() const { return noMemory; }
 
    private:
     void read(std::FILE *file, long largest) {
         long end = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
         if (end <= 0 || end > largest || std::fseek(file, 0, SEEK_SET) != 0) return;
         bytes = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(end)));
-        if (!bytes) return;
+        noMemory = !bytes;
+        if (noMemory) return;
         length = std::fread(bytes, 1, static_cast<std::size_t>(end), file);
         if (length == static_cast<std::size_t>(end)) return;
         vnfFree(bytes);
@@ -54,6 +57,7 @@ class FileBytes {
 
     char *bytes;
     std::size_t length;
+    bool noMemory;
 };
 
 }  // namespace keltra

@@ -3,8 +3,13 @@
 #include <SDL_syswm.h>
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <sys/sysinfo.h>
 #include <time.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 
 namespace keltra {
 namespace {
@@ -59,6 +64,18 @@ LocalTime platformLocalTime() {
     return {unsigned(fields.tm_mday),       unsigned(fields.tm_mon + 1), unsigned(fields.tm_year + 1900),
             unsigned(fields.tm_hour),       unsigned(fields.tm_min),     unsigned(fields.tm_sec),
             unsigned(now.tv_nsec / 1000000)};
+}
+
+PathKind platformPathKind(const char *path) {
+    struct stat status;
+    if (stat(path, &status) == 0) return S_ISREG(status.st_mode) ? PathKind::kFile : PathKind::kOther;
+    // A folder on the way may be closed to this user; then it is not known what is there.
+    return errno == EACCES ? PathKind::kFile : PathKind::kNothing;
+}
+
+bool platformHasSwitch(const char *variable) {
+    const char *value = std::getenv(variable);
+    return value && std::strcmp(value, "1") == 0;
 }
 
 #if defined(SDL_VIDEO_DRIVER_X11)

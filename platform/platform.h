@@ -24,6 +24,14 @@ struct LocalTime {
 
 LocalTime platformLocalTime();
 
+enum class PathKind { kNothing, kFile, kOther };
+
+// What is at the path, without opening it: a folder, a device or a pipe is kOther.
+PathKind platformPathKind(const char *path);
+
+// True when the environment has the variable with the value "1"; false where there is no environment.
+bool platformHasSwitch(const char *variable);
+
 // A window as its system names it. The display is null where the system has no such thing.
 struct NativeWindow {
     void *display, *window;

@@ -35,6 +35,17 @@ LocalTime platformLocalTime() {
     return {now.wDay, now.wMonth, now.wYear, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds};
 }
 
+PathKind platformPathKind(const char *path) {
+    WCHAR wide[MAX_PATH];
+    if (!MultiByteToWideChar(CP_ACP, 0, path, -1, wide, MAX_PATH)) return PathKind::kNothing;
+    const DWORD attributes = GetFileAttributesW(wide);
+    if (attributes == DWORD(-1)) return PathKind::kNothing;
+    return attributes & FILE_ATTRIBUTE_DIRECTORY ? PathKind::kOther : PathKind::kFile;
+}
+
+// The device has no environment.
+bool platformHasSwitch(const char *) { return false; }
+
 NativeWindow platformNativeWindow(const void *windowInfo) {
     const SDL_SysWMinfo *info = static_cast<const SDL_SysWMinfo *>(windowInfo);
     return {nullptr, info ? static_cast<void *>(info->window) : nullptr};

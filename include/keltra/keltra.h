@@ -14,6 +14,7 @@
 #include <keltra/emitter.h>
 #include <keltra/engine.h>
 #include <keltra/export.h>
+#include <keltra/fault.h>
 #include <keltra/fbo.h>
 #include <keltra/font.h>
 #include <keltra/foundation.h>

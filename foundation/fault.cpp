@@ -1,0 +1,187 @@
+#include "foundation/fault.h"
+
+#include "foundation/file_bytes.h"
+#include "platform/platform.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace keltra {
+namespace {
+
+// Constant-initialised: objects of other sources may fail before anything in here has run.
+struct Channel {
+    FaultScope *scope;
+    unsigned int optional, silent;
+    unsigned int errors;  // told so far
+    bool inHandler;
+};
+Channel channel = {nullptr, 0, 0, 0, false};
+
+KTFAULT last;
+unsigned int faults = 0;
+KTFAULTHANDLER handler = nullptr;
+void *handlerUser = nullptr;
+
+bool isPrinting() {
+    static const bool printing = platformHasSwitch("KELTRA_FAULTS");
+    return printing;
+}
+
+void print(const KTFAULT &fault) {
+    char sentence[1024];
+    faultSentence(fault, sentence, sizeof sentence);
+    std::fprintf(stderr, "keltra: %s: %s\n", fault.severity == KT_FAULT_ERROR ? "error" : "warning",
+                 sentence);
+}
+
+// What the handler does is a matter of its own: no scope that is open is its caller.
+void handOver(const KTFAULT &fault) {
+    static KTFAULT handed;  // stays as it is while the handler makes faults
+    handed = fault;
+    const Channel before = channel;
+    channel = {nullptr, 0, 0, 0, true};
+    handler(&handed, handlerUser);
+    const unsigned int errors = channel.errors;
+    channel = before;
+    channel.errors += errors;
+}
+
+// Names the call, the file and the file that named it by the scopes that are open.
+void addScopes(KTFAULT &fault) {
+    for (FaultScope *scope = channel.scope; scope; scope = scope->outer) {
+        fault.call = scope->call;
+        if (!scope->file) continue;
+        if (!*fault.file) {
+            setFaultPath(fault.file, scope->file);
+            if (fault.byte < 0 && !fault.line) fault.line = scope->line;
+        } else if (!*fault.neededBy && std::strcmp(fault.file, scope->file) != 0) {
+            setFaultPath(fault.neededBy, scope->file);
+            fault.neededByLine = scope->line;
+        }
+    }
+}
+
+void tell(KTFAULT &fault) {
+    if (channel.silent) return;
+    if (channel.optional) fault.severity = KT_FAULT_WARNING;
+    if (fault.severity == KT_FAULT_ERROR) ++channel.errors;
+    addScopes(fault);
+    last = fault;
+    ++faults;
+    if (isPrinting()) print(fault);
+    if (handler && !channel.inHandler) handOver(fault);
+}
+
+KT_FAULT_CODE problemOf(const char *path, long largest) {
+    if (!*path) return KT_FAULT_FILE_NAME;
+    const PathKind kind = platformPathKind(path);
+    if (kind == PathKind::kNothing) return KT_FAULT_FILE_MISSING;
+    if (kind == PathKind::kOther) return KT_FAULT_FILE_KIND;
+    std::FILE *file = std::fopen(path, "rb");
+    if (!file) return KT_FAULT_FILE_ACCESS;
+    const long size = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
+    std::fclose(file);
+    if (size == 0) return KT_FAULT_FILE_EMPTY;
+    return size > largest ? KT_FAULT_FILE_SIZE : KT_FAULT_FILE_READ;
+}
+
+void fillFileFault(KTFAULT &fault, const char *path, bool isOutOfMemory, long largest) {
+    fault.code = isOutOfMemory ? KT_FAULT_OUT_OF_MEMORY : problemOf(path, largest);
+    setFaultPath(fault.file, path);
+    if (fault.code == KT_FAULT_FILE_SIZE) setExpected(fault, faultText("%ld bytes"), largest);
+}
+
+}  // namespace
+
+FaultScope::FaultScope(const char *call, const char *file)
+    : call(call), file(file), line(0), outer(channel.scope), errorsBefore(channel.errors) {
+    channel.scope = this;
+}
+
+FaultScope::~FaultScope() { channel.scope = outer; }
+
+bool FaultScope::fail(KTFAULT &fault) {
+    fault.severity = KT_FAULT_ERROR;
+    if (channel.errors == errorsBefore) tell(fault);
+    return false;
+}
+
+bool FaultScope::fail(KT_FAULT_CODE code) {
+    KTFAULT fault = newFault(code);
+    return fail(fault);
+}
+
+bool FaultScope::failNull(const char *argument) {
+    return channel.errors == errorsBefore && keltra::failNull(call, argument);
+}
+
+bool FaultScope::failFile(bool isOutOfMemory, long largest) {
+    if (!file) return failNull("name");
+    KTFAULT fault = newFault(KT_FAULT_NONE);
+    fillFileFault(fault, file, isOutOfMemory, largest);
+    return fail(fault);
+}
+
+void FaultScope::warn(KTFAULT &fault) {
+    fault.severity = KT_FAULT_WARNING;
+    tell(fault);
+}
+
+FaultOptional::FaultOptional() { ++channel.optional; }
+FaultOptional::~FaultOptional() { --channel.optional; }
+FaultSilence::FaultSilence() { ++channel.silent; }
+FaultSilence::~FaultSilence() { --channel.silent; }
+
+bool tellFault(const char *call, KTFAULT &fault) {
+    fault.call = call;
+    tell(fault);
+    return false;
+}
+
+bool failWith(const char *call, KT_FAULT_CODE code, const char *field, const char *found,
+              const char *expected) {
+    KTFAULT fault = newFault(code);
+    setFaultText(fault.field, field);
+    setFaultText(fault.found, found);
+    setFaultText(fault.expected, expected);
+    return tellFault(call, fault);
+}
+
+bool failValueFrom(const char *call, const char *argument, long found, const char *format, long first,
+                   long second) {
+    KTFAULT fault = newFault(KT_FAULT_ARGUMENT);
+    setFaultText(fault.field, argument);
+    std::snprintf(fault.found, sizeof fault.found, "%ld", found);
+    std::snprintf(fault.expected, sizeof fault.expected, format, first, second);
+    return tellFault(call, fault);
+}
+
+bool failFile(const char *call, const char *path) {
+    if (!path) return failNull(call, "path");
+    KTFAULT fault = newFault(KT_FAULT_NONE);
+    fillFileFault(fault, path, false, 0x7fffffff);
+    return tellFault(call, fault);
+}
+
+bool isInFaultHandler() { return channel.inHandler; }
+
+}  // namespace keltra
+
+const KTFAULT *KTFAULTS::getLast() { return keltra::faults ? &keltra::last : nullptr; }
+
+unsigned int KTFAULTS::getNumberOfFaults() { return keltra::faults; }
+
+void KTFAULTS::clear() { keltra::faults = 0; }
+
+void KTFAULTS::setHandler(KTFAULTHANDLER receiver, void *user) {
+    keltra::handler = receiver;
+    keltra::handlerUser = user;
+}
+
+unsigned int KTFAULTS::format(const KTFAULT *fault, char *text, unsigned int size) {
+    if (fault) return keltra::faultSentence(*fault, text, text ? size : 0);
+    if (text && size) *text = '\0';
+    return 0;
+}

@@ -1,0 +1,138 @@
+#ifndef KELTRA_FOUNDATION_FAULT_H
+#define KELTRA_FOUNDATION_FAULT_H
+
+// How the engine makes faults (see keltra/fault.h). To add one:
+//
+// - A public call refuses an argument, or is not possible now. One line; all of these return false:
+//       if (!node) return keltra::failNull("KTNODE::link", "parent");
+//       if (level >= levels) return keltra::failValue("KTMATERIAL::setTexture", "level", level, "0 to %u",
+//       levels - 1); if (!active) return keltra::failState("KELTRA::free", "the engine is not active"); if
+//       (!block) return keltra::failMemory("KTNODE::link");
+//   For another result: `return keltra::failNull(...), nullptr;`.
+// - A public call that uses others which may fail: a FaultScope at its top. All faults below are then told in
+//   its name, and `scope.fail(...)` tells nothing more when one was told. Without a scope around it each call
+//   speaks for itself.
+// - A part that a load can do without: a FaultOptional while it is tried. Errors become warnings.
+// - The engine asks a call for its own purposes, and false is an ordinary answer: a FaultSilence around it.
+// - What would repeat in every frame is told once: keep a flag in the object, and ask it before anything
+// else.
+//
+// Never make a fault on a path that every frame takes. A search that finds nothing, and a state that is asked
+// for, are answers. Each fault has a row in tests/engine/fault_table*.cpp; texts are literals, since all of
+// them together may take 12 KiB.
+
+#include <keltra/fault.h>
+
+#include <cstddef>
+
+#ifndef KELTRA_FAULT_TEXTS
+#define KELTRA_FAULT_TEXTS 1
+#endif
+
+namespace keltra {
+
+// False leaves codes and what was found: the literals of the calls below then go.
+constexpr bool kFaultTexts = KELTRA_FAULT_TEXTS != 0;
+
+template <class Text>
+constexpr const char *faultText(Text text) {
+    return kFaultTexts ? text : "";
+}
+
+// --- filling a fault
+
+KTFAULT newFault(KT_FAULT_CODE code);  // an error without texts and place
+
+// Copies what fits; of a path the end, behind three dots.
+void setFaultText(char *target, std::size_t size, const char *text);
+template <std::size_t kSize>
+void setFaultText(char (&target)[kSize], const char *text) {
+    setFaultText(target, kSize, text);
+}
+void setFaultPath(char (&target)[256], const char *path);
+// Writes `expected` with printf's rules.
+#if defined(__GNUC__)
+__attribute__((format(printf, 2, 3)))
+#endif
+void setExpected(KTFAULT &fault, const char *format, ...);
+
+unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size);
+
+// --- telling
+
+// The outermost scope names the call. Its file, or that of the scope next below, is the one that names the
+// file of a fault. Both texts outlive the scope.
+class FaultScope {
+   public:
+    explicit FaultScope(const char *call, const char *file = nullptr);
+    ~FaultScope();
+    FaultScope(const FaultScope &) = delete;
+    FaultScope &operator=(const FaultScope &) = delete;
+
+    void setFile(const char *path) { file = path; }
+    void setLine(unsigned int at) { line = at; }
+
+    // An error of this call, unless one was told since it began. Always false.
+    bool fail(KTFAULT &fault);
+    bool fail(KT_FAULT_CODE code);
+    bool failNull(const char *argument);
+    // The file cannot be read: finds out why.
+    bool failFile(bool isOutOfMemory = false, long largest = 0x7fffffff);
+    void warn(KTFAULT &fault);
+
+    const char *const call;
+    const char *file;
+    unsigned int line;
+    FaultScope *const outer;
+
+   private:
+    const unsigned int errorsBefore;
+};
+
+// While one exists, errors are told as warnings.
+class FaultOptional {
+   public:
+    FaultOptional();
+    ~FaultOptional();
+    FaultOptional(const FaultOptional &) = delete;
+    FaultOptional &operator=(const FaultOptional &) = delete;
+};
+
+// While one exists, nothing is told.
+class FaultSilence {
+   public:
+    FaultSilence();
+    ~FaultSilence();
+    FaultSilence(const FaultSilence &) = delete;
+    FaultSilence &operator=(const FaultSilence &) = delete;
+};
+
+// Each tells an error of `call`, or of the scope around it, and is false.
+[[gnu::cold]] bool tellFault(const char *call, KTFAULT &fault);
+[[gnu::cold]] bool failWith(const char *call, KT_FAULT_CODE code, const char *field, const char *found,
+                            const char *expected);
+[[gnu::cold]] bool failValueFrom(const char *call, const char *argument, long found, const char *format,
+                                 long first, long second);
+
+inline bool failNull(const char *call, const char *argument) {
+    return failWith(call, KT_FAULT_NULL, faultText(argument), "", "");
+}
+// `format` is printf's, with up to two %ld.
+inline bool failValue(const char *call, const char *argument, long found, const char *format, long first = 0,
+                      long second = 0) {
+    return failValueFrom(call, faultText(argument), found, faultText(format), first, second);
+}
+// `state` says what is the case: "the engine is not active".
+inline bool failState(const char *call, const char *state) {
+    return failWith(call, KT_FAULT_STATE, "", faultText(state), "");
+}
+inline bool failMemory(const char *call) { return failWith(call, KT_FAULT_OUT_OF_MEMORY, "", "", ""); }
+// The file cannot be read: finds out why. Null is told as such.
+[[gnu::cold]] bool failFile(const char *call, const char *path);
+
+// True while the application's handler runs.
+bool isInFaultHandler();
+
+}  // namespace keltra
+
+#endif

@@ -1,0 +1,209 @@
+#include "foundation/fault.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "tests/support/temp_file.h"
+#include "tests/support/unprivileged.h"
+
+namespace {
+
+using namespace keltra;
+using keltra::test::TempFolder;
+
+class FaultTest : public ::testing::Test {
+   protected:
+    void SetUp() override { KTFAULTS::clear(); }
+    void TearDown() override { KTFAULTS::setHandler(nullptr, nullptr); }
+
+    static std::string sentenceOf(const KTFAULT *fault) {
+        char text[1024];
+        KTFAULTS::format(fault, text, sizeof text);
+        return text;
+    }
+    static std::string last() { return sentenceOf(KTFAULTS::getLast()); }
+
+    static KTFAULT unknown() {
+        KTFAULT fault = newFault(KT_FAULT_UNKNOWN);
+        setFaultText(fault.field, "attribute of `box`");
+        setFaultText(fault.found, "colour");
+        setFaultText(fault.expected, "color");
+        return fault;
+    }
+};
+
+TEST_F(FaultTest, ThereIsNoneAtFirst) {
+    EXPECT_EQ(KTFAULTS::getLast(), nullptr);
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 0u);
+    char text[] = "as it was";
+    EXPECT_EQ(KTFAULTS::format(nullptr, text, sizeof text), 0u);
+    EXPECT_STREQ(text, "");
+}
+
+TEST_F(FaultTest, ArgumentsAreNamed) {
+    EXPECT_FALSE(failNull("KTNODE::link", "parent"));
+    EXPECT_EQ(last(), "KTNODE::link: `parent` is null");
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_NULL);
+    EXPECT_EQ(KTFAULTS::getLast()->severity, KT_FAULT_ERROR);
+    EXPECT_FALSE(failValue("KTMATERIAL::setTexture", "level", 9, "%ld to %ld", 0, 7));
+    EXPECT_EQ(last(), "KTMATERIAL::setTexture: `level` is 9, expected 0 to 7");
+    EXPECT_FALSE(failState("KELTRA::free", "the engine is not active"));
+    EXPECT_EQ(last(), "KELTRA::free: the engine is not active");
+    EXPECT_FALSE(failMemory("KTNODE::link"));
+    EXPECT_EQ(last(), "KTNODE::link: out of memory");
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 4u);
+}
+
+TEST_F(FaultTest, TheReasonOfAFileIsFound) {
+    const TempFolder folder;
+    const std::string empty = folder.write("empty", "");
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    failFile("call", folder.path("none").c_str());
+    EXPECT_EQ(last(), "call: " + folder.path("none") + ": the file does not exist");
+    failFile("call", folder.prefix().c_str());
+    EXPECT_EQ(last(), "call: " + folder.prefix() + ": not a regular file");
+    failFile("call", pipe.c_str());
+    EXPECT_EQ(last(), "call: " + pipe + ": not a regular file");
+    failFile("call", empty.c_str());
+    EXPECT_EQ(last(), "call: " + empty + ": the file is empty");
+    failFile("call", "");
+    EXPECT_EQ(last(), "call: the file name is empty or too long");
+    failFile("call", nullptr);
+    EXPECT_EQ(last(), "call: `path` is null");
+}
+
+TEST_F(FaultTest, AFileThatIsTooLargeNamesTheLimit) {
+    const TempFolder folder;
+    const std::string file = folder.write("file", "12345");
+    FaultScope scope("call", file.c_str());
+    EXPECT_FALSE(scope.failFile(false, 4));
+    EXPECT_EQ(last(), "call: " + file + ": the file is too large: 4 bytes at most");
+}
+
+TEST_F(FaultTest, TheOutermostScopeSpeaksAndOnce) {
+    FaultScope outer("KELTRA::load", "castle.kte");
+    {
+        FaultScope inner("KTTEXTURE::load", "stone.tga");
+        EXPECT_FALSE(inner.fail(KT_FAULT_FILE_EMPTY));
+        EXPECT_FALSE(inner.fail(KT_FAULT_OUT_OF_MEMORY));
+    }
+    EXPECT_EQ(last(), "KELTRA::load: stone.tga (needed by castle.kte): the file is empty");
+    EXPECT_FALSE(outer.fail(KT_FAULT_OUT_OF_MEMORY));
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 1u);
+}
+
+TEST_F(FaultTest, WhatALoadCanDoWithoutIsAWarning) {
+    FaultScope outer("KELTRA::loadXML", "desk.xml");
+    outer.setLine(7);
+    {
+        const FaultOptional optional;
+        FaultScope("KTTEXTURE::load", "wood.tga").fail(KT_FAULT_FILE_MISSING);
+    }
+    EXPECT_EQ(KTFAULTS::getLast()->severity, KT_FAULT_WARNING);
+    EXPECT_EQ(last(), "KELTRA::loadXML: wood.tga (needed by desk.xml, line 7): the file does not exist");
+    EXPECT_FALSE(outer.fail(KT_FAULT_OUT_OF_MEMORY));
+    EXPECT_EQ(last(), "KELTRA::loadXML: desk.xml, line 7: out of memory");
+}
+
+TEST_F(FaultTest, AnUnknownNameComesWithTheNearest) {
+    KTFAULT fault = unknown();
+    fault.line = 3;
+    FaultScope("KELTRA::loadXML", "desk.xml").warn(fault);
+    EXPECT_EQ(last(),
+              "KELTRA::loadXML: desk.xml, line 3: `colour`: unknown attribute of `box`; did you mean "
+              "`color`?");
+}
+
+TEST_F(FaultTest, SilenceTellsNothing) {
+    const FaultSilence silence;
+    EXPECT_FALSE(failNull("call", "argument"));
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 0u);
+}
+
+TEST_F(FaultTest, SentencesAreCutToTheBufferAndCounted) {
+    KTFAULT fault = unknown();
+    char text[10] = "";
+    const unsigned int length = KTFAULTS::format(&fault, nullptr, 0);
+    EXPECT_EQ(KTFAULTS::format(&fault, text, sizeof text), length);
+    EXPECT_STREQ(text, "`colour`:");
+    EXPECT_EQ(length, std::string("`colour`: unknown attribute of `box`; did you mean `color`?").size());
+}
+
+TEST_F(FaultTest, ControlCharactersOfAFileAreNotPassedOn) {
+    KTFAULT fault = unknown();
+    setFaultText(fault.found, "a\x1b[2J\nb");
+    EXPECT_EQ(sentenceOf(&fault).find("`a?[2J?b`"), 0u);
+}
+
+TEST_F(FaultTest, OfALongPathTheEndIsKept) {
+    const std::string path = std::string(300, 'd') + "/castle.kte";
+    failFile("call", path.c_str());
+    const std::string file = KTFAULTS::getLast()->file;
+    EXPECT_EQ(file.size(), 255u);
+    EXPECT_EQ(file.substr(0, 4), "...d");
+    EXPECT_EQ(file.substr(file.size() - 10), "castle.kte");
+}
+
+struct Received {
+    std::vector<std::string> sentences;
+};
+
+TEST_F(FaultTest, TheHandlerReceivesEach) {
+    Received received;
+    KTFAULTS::setHandler(
+        [](const KTFAULT *fault, void *user) {
+            static_cast<Received *>(user)->sentences.push_back(sentenceOf(fault));
+        },
+        &received);
+    failNull("call", "one");
+    failNull("call", "two");
+    EXPECT_THAT(received.sentences, testing::ElementsAre("call: `one` is null", "call: `two` is null"));
+}
+
+TEST_F(FaultTest, AHandlerMayFailItselfWithoutBeingCalledAgain) {
+    static int calls;
+    calls = 0;
+    KTFAULTS::setHandler(
+        [](const KTFAULT *fault, void *) {
+            ++calls;
+            EXPECT_TRUE(isInFaultHandler());
+            FaultScope inner("KTTEXTURE::load", "other.tga");
+            inner.fail(KT_FAULT_FILE_MISSING);
+            EXPECT_EQ(last(), "KTTEXTURE::load: other.tga: the file does not exist");
+            EXPECT_EQ(sentenceOf(fault), "KELTRA::load: castle.kte: out of memory");
+        },
+        nullptr);
+    FaultScope outer("KELTRA::load", "castle.kte");
+    outer.fail(KT_FAULT_OUT_OF_MEMORY);
+    EXPECT_EQ(calls, 1);
+    EXPECT_FALSE(isInFaultHandler());
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 2u);
+}
+
+TEST_F(FaultTest, TheEnvironmentPrintsThem) {
+    // A process of its own, since the variable is read once.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            setenv("KELTRA_FAULTS", "1", 1);
+            failNull("KTNODE::link", "parent");
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "keltra: error: KTNODE::link: `parent` is null");
+}
+
+TEST_F(FaultTest, WithoutHandlerAndEnvironmentNothingIsPrinted) {
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    failNull("KTNODE::link", "parent");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+}  // namespace
