@@ -57,10 +57,12 @@ KTBOX::KTBOX()
       texture(nullptr),
       shader(nullptr) {
     joinBoxes();
+    joinClass(KT_BOX);
     setIdentity(KT_BOX, "[box %d]");
 }
 
 KTBOX::KTBOX(const KTBOX &other) : KTNODE(other) {
+    joinClass(KT_BOX);
     joinBoxes();
     copyBox(other);
 }
@@ -170,9 +172,9 @@ bool KTBOX::checkLimits(int *dx, int *dy) {
 
 void KTBOX::forgetFont(const KTFONT *gone) {
     for (KTBOX *box = firstBox; box; box = box->nextBox) {
-        if (KTLABEL *label = dynamic_cast<KTLABEL *>(box)) {
+        if (KTLABEL *label = keltra::as<KTLABEL>(box)) {
             if (label->font == gone) label->font = nullptr;
-        } else if (KTBUTTON *button = dynamic_cast<KTBUTTON *>(box)) {
+        } else if (KTBUTTON *button = keltra::as<KTBUTTON>(box)) {
             if (button->font == gone) button->font = nullptr;
         }
     }
@@ -194,15 +196,15 @@ void KTBOX::forgetPart() {
         if (pointer == this) pointer = nullptr;
     };
     for (KTBOX *box = firstBox; box; box = box->nextBox) {
-        if (KTWINDOW *window = dynamic_cast<KTWINDOW *>(box)) {
+        if (KTWINDOW *window = keltra::as<KTWINDOW>(box)) {
             clear(window->titleBar);
             clear(window->ownTitleBar);
             clear(window->scrollBar);
             clear(window->ownScrollBar);
-        } else if (KTHSCROLLBAR *lying = dynamic_cast<KTHSCROLLBAR *>(box)) {
+        } else if (KTHSCROLLBAR *lying = keltra::as<KTHSCROLLBAR>(box)) {
             clear(lying->cursor);
             clear(lying->ownCursor);
-        } else if (KTVSCROLLBAR *standing = dynamic_cast<KTVSCROLLBAR *>(box)) {
+        } else if (KTVSCROLLBAR *standing = keltra::as<KTVSCROLLBAR>(box)) {
             clear(standing->cursor);
             clear(standing->ownCursor);
         }

@@ -19,10 +19,16 @@ bool fits(const KTFONT &font, const char *text, int width) {
 }  // namespace
 
 KTBUTTON::KTBUTTON() : font(nullptr), eventType(KT_BUTTON_NORMAL) {
+    joinClass(KT_BUTTON);
     setIdentity(KT_BUTTON, "[button %d]");
     std::snprintf(caption, sizeof caption, "%s", name);
     setColor(0.8f, 0.3f, 0.0f, 0.9f);
     checkStatus = true;
+}
+
+KTBUTTON::KTBUTTON(const KTBUTTON &other) : KTBOX(other) {
+    joinClass(KT_BUTTON);
+    *this = other;
 }
 
 KTBUTTON::~KTBUTTON() {}

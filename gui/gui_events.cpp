@@ -38,8 +38,7 @@ Pointer readPointer(int x, int y, int pressed, int extra) {
 }
 
 bool isButton(KTBOX *box, KT_BUTTON_EVENT kind) {
-    if (box->type != KT_BUTTON) return false;
-    const KTBUTTON *button = dynamic_cast<KTBUTTON *>(box);
+    const KTBUTTON *button = box->type == KT_BUTTON ? keltra::as<KTBUTTON>(box) : nullptr;
     return button && button->eventType == kind;
 }
 
@@ -94,7 +93,7 @@ void press(KTBOX *box, const Pointer &pointer, unsigned int *activatedId) {
     if (isButton(box, KT_BUTTON_TITLE))
         if (KTWINDOW *window = keltra::asWindow(box->parent)) window->setForemost();
     if (!held && isButton(box, KT_BUTTON_INVERTED)) report(box, activatedId);
-    last.focused = box->type == KT_TEXTFIELD ? dynamic_cast<KTTEXTFIELD *>(box) : nullptr;
+    last.focused = box->type == KT_TEXTFIELD ? keltra::as<KTTEXTFIELD>(box) : nullptr;
     if (held) drag(box, pointer);
     if (isButton(box, KT_BUTTON_SWITCH)) {
         box->clickedStatus = !box->clickedStatus;

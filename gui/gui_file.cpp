@@ -16,6 +16,7 @@
 #include "formats/xml_document.h"
 #include "foundation/text.h"
 #include "gui/gui_file.h"
+#include "scene/node_class.h"
 
 namespace {
 
@@ -63,14 +64,10 @@ struct Target {
     KTNODE *widget;
 
     bool is(unsigned int type) const { return widget->getType() == type; }
-    KTBOX *box() const {
-        return widget->getType() >= KT_BOX && widget->getType() <= KT_VSCROLLBAR
-                   ? static_cast<KTBOX *>(widget)
-                   : nullptr;
-    }
+    KTBOX *box() const { return keltra::as<KTBOX>(widget); }
     template <class Widget>
     Widget *as(unsigned int type) const {
-        return is(type) ? static_cast<Widget *>(widget) : nullptr;
+        return is(type) ? keltra::as<Widget>(widget) : nullptr;
     }
 };
 

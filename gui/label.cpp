@@ -15,7 +15,15 @@ const unsigned int kWidthLimit = 65000;
 
 }  // namespace
 
-KTLABEL::KTLABEL() : text(), font(nullptr) { setIdentity(KT_LABEL, "[label %d]"); }
+KTLABEL::KTLABEL() : text(), font(nullptr) {
+    joinClass(KT_LABEL);
+    setIdentity(KT_LABEL, "[label %d]");
+}
+
+KTLABEL::KTLABEL(const KTLABEL &other) : KTBOX(other) {
+    joinClass(KT_LABEL);
+    *this = other;
+}
 
 KTLABEL::~KTLABEL() {}
 

@@ -105,11 +105,13 @@ void copyBar(Bar &bar, const Bar &other) {
 
 KTHSCROLLBAR::KTHSCROLLBAR()
     : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Lying>(*this)), ownCursor(cursor) {
+    joinClass(KT_HSCROLLBAR);
     setIdentity(KT_HSCROLLBAR, "[hscrollbar %d]");
     if (cursor) cursor->part = true;
 }
 
 KTHSCROLLBAR::KTHSCROLLBAR(const KTHSCROLLBAR &other) : KTBOX(other), ownCursor(nullptr) {
+    joinClass(KT_HSCROLLBAR);
     copyBar(*this, other);
 }
 
@@ -143,11 +145,13 @@ bool KTHSCROLLBAR::render(void *data) {
 // Under the lying bar's name: meant, applications find the bars of both kinds by it.
 KTVSCROLLBAR::KTVSCROLLBAR()
     : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Standing>(*this)), ownCursor(cursor) {
+    joinClass(KT_VSCROLLBAR);
     setIdentity(KT_VSCROLLBAR, "[hscrollbar %d]");
     if (cursor) cursor->part = true;
 }
 
 KTVSCROLLBAR::KTVSCROLLBAR(const KTVSCROLLBAR &other) : KTBOX(other), ownCursor(nullptr) {
+    joinClass(KT_VSCROLLBAR);
     copyBar(*this, other);
 }
 

@@ -21,8 +21,14 @@ const float kCaretPeriod = 1.0f;
 }  // namespace
 
 KTTEXTFIELD::KTTEXTFIELD() : focused(false), caretTimer(0.0f) {
+    joinClass(KT_TEXTFIELD);
     setIdentity(KT_TEXTFIELD, "[textfield %d]");
     thickness = 1;
+}
+
+KTTEXTFIELD::KTTEXTFIELD(const KTTEXTFIELD &other) : KTBUTTON(other) {
+    joinClass(KT_TEXTFIELD);
+    *this = other;
 }
 
 KTTEXTFIELD::~KTTEXTFIELD() {}

@@ -10,6 +10,7 @@
 #include <climits>
 #include <cstdint>
 
+#include "scene/node_class.h"
 #include "scene/tree_walk.h"
 
 namespace keltra {
@@ -26,14 +27,12 @@ inline int toInt(std::int64_t value) {
     return static_cast<int>(std::max<std::int64_t>(INT_MIN, std::min<std::int64_t>(INT_MAX, value)));
 }
 
-// A node's type alone does not tell: a plain node that was copied from a box carries the box's type.
-inline KTBOX *asBox(KTNODE *node) {
-    bool listed = node && node->type >= KT_BOX && node->type <= KT_VSCROLLBAR;
-    return listed ? dynamic_cast<KTBOX *>(node) : nullptr;
-}
+// A box of any type code: applications give the classes that they derive codes of their own.
+inline KTBOX *asBox(KTNODE *node) { return as<KTBOX>(node); }
 
+// What a window does beyond other boxes, it does under the window's type code only.
 inline KTWINDOW *asWindow(KTNODE *node) {
-    return node && node->type == KT_WINDOW ? dynamic_cast<KTWINDOW *>(node) : nullptr;
+    return node && node->type == KT_WINDOW ? as<KTWINDOW>(node) : nullptr;
 }
 
 // Calls `visit(ancestor)` from the parent upward until it returns false; a parent chain that was linked into

@@ -76,6 +76,7 @@ KTWINDOW::KTWINDOW()
       lineCount(0),
       ownTitleBar(titleBar),
       ownScrollBar(scrollBar) {
+    joinClass(KT_WINDOW);
     setIdentity(KT_WINDOW, "[window %d]");
     caption[0] = '\0';
     setPosition(0.0f, static_cast<float>(kTitleHeight));
@@ -100,6 +101,7 @@ KTWINDOW::KTWINDOW()
 }
 
 KTWINDOW::KTWINDOW(const KTWINDOW &other) : KTBUTTON(other), ownTitleBar(nullptr), ownScrollBar(nullptr) {
+    joinClass(KT_WINDOW);
     copyWindow(other);
 }
 

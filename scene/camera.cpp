@@ -8,7 +8,15 @@ R3XMATRIX KTCAMERA::cameraMatrix;
 R3XVECTOR3D KTCAMERA::cameraPosition;
 KTCAMERA *KTCAMERA::thisPassCamera = nullptr;
 
-KTCAMERA::KTCAMERA() : upDirection(0.0f, 1.0f, 0.0f) { setIdentity(KT_CAMERA, "[camera %d]"); }
+KTCAMERA::KTCAMERA() : upDirection(0.0f, 1.0f, 0.0f) {
+    joinClass(KT_CAMERA);
+    setIdentity(KT_CAMERA, "[camera %d]");
+}
+
+KTCAMERA::KTCAMERA(const KTCAMERA &other) : KTNODE(other) {
+    joinClass(KT_CAMERA);
+    *this = other;
+}
 
 KTCAMERA::~KTCAMERA() {
     if (thisPassCamera == this) thisPassCamera = nullptr;

@@ -4,12 +4,14 @@
 #include <keltra/helper.h>
 #include <keltra/mesh.h>
 
+#include "scene/node_class.h"
+
 namespace keltra {
 
-// Bounding radius of a node; 0 for nodes that have none.
+// Bounding radius of a mesh or a helper, whatever its type code; 0 for nodes that have none.
 inline float boundingRadius(const KTNODE *node) {
-    if (node && node->type == KT_MESH) return static_cast<const KTMESH *>(node)->radius;
-    if (node && node->type == KT_HELPER) return static_cast<const KTHELPER *>(node)->radius;
+    if (const KTMESH *mesh = as<KTMESH>(node)) return mesh->radius;
+    if (const KTHELPER *helper = as<KTHELPER>(node)) return helper->radius;
     return 0.0f;
 }
 

@@ -146,10 +146,12 @@ KTEMITTER::KTEMITTER()
     std::fill(slot, slot + maxParticles, -1);
     colorStart = randomColor();
     setColorEnd(randomColor());
+    joinClass(KT_EMITTER);
     setIdentity(KT_EMITTER, "[emitter %d]");
 }
 
 KTEMITTER::KTEMITTER(const KTEMITTER &other) : KTNODE(other) {
+    joinClass(KT_EMITTER);
     joinEmitters();
     std::fill(slot, slot + maxParticles, -1);
     copyEmitter(other);

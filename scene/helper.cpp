@@ -7,7 +7,13 @@ KTHELPER::KTHELPER()
       scale(1.0f, 1.0f, 1.0f),
       min(-1.0f, -1.0f, -1.0f),
       max(1.0f, 1.0f, 1.0f) {
+    joinClass(KT_HELPER);
     setIdentity(KT_HELPER, "[helper %d]");
+}
+
+KTHELPER::KTHELPER(const KTHELPER &other) : KTNODE(other) {
+    joinClass(KT_HELPER);
+    *this = other;
 }
 
 KTHELPER::~KTHELPER() {}

@@ -45,7 +45,13 @@ KTLIGHT::KTLIGHT()
       shadowNearPlane(1.0f),
       shadowFarPlane(1024.0f),
       shadowData(nullptr) {
+    joinClass(KT_LIGHT);
     setIdentity(KT_LIGHT, "[light %d]");
+}
+
+KTLIGHT::KTLIGHT(const KTLIGHT &other) : KTNODE(other) {
+    joinClass(KT_LIGHT);
+    *this = other;
 }
 
 KTLIGHT::~KTLIGHT() {}

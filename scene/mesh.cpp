@@ -7,6 +7,7 @@
 #include <new>
 
 #include "foundation/block.h"
+#include "scene/node_class.h"
 
 const unsigned int KTMESH::maxSkins;
 const unsigned int KTMESH::maxBones;
@@ -46,10 +47,14 @@ KTMESH::KTMESH()
       lineIndices(nullptr),
       normalLines(nullptr),
       holdsMaterial(false) {
+    joinClass(KT_MESH);
     setIdentity(KT_MESH, "[mesh %d]");
 }
 
-KTMESH::KTMESH(const KTMESH &other) : KTNODE(other), holdsMaterial(false) { copyMesh(other); }
+KTMESH::KTMESH(const KTMESH &other) : KTNODE(other), holdsMaterial(false) {
+    joinClass(KT_MESH);
+    copyMesh(other);
+}
 
 KTMESH &KTMESH::operator=(const KTMESH &other) {
     if (this == &other) return *this;
@@ -120,7 +125,7 @@ void KTMESH::forgetMaterial(KTMATERIAL *gone) {
     // A pointer to the protected member, taken through this class, may be used on any node.
     KTNODE *(KTREGISTERED<KTNODE>::*next)() const = &KTMESH::nextAlive;
     for (KTNODE *node = firstAlive(); node; node = (node->*next)()) {
-        KTMESH *mesh = dynamic_cast<KTMESH *>(node);
+        KTMESH *mesh = keltra::as<KTMESH>(node);
         if (!mesh || mesh->material != gone) continue;
         mesh->material = nullptr;
         mesh->holdsMaterial = false;

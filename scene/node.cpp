@@ -42,6 +42,7 @@ KTNODE::KTNODE()
       numberOfChildren(0),
       parent(nullptr),
       children(nullptr),
+      classes(0),
       borrows(false),
       targeted(false),
       slot(0),
@@ -57,6 +58,7 @@ KTNODE::KTNODE(bool) : KTNODE() {}
 KTNODE::KTNODE(const KTNODE &other)
     : KTREGISTERED<KTNODE>(other),
       children(nullptr),
+      classes(0),
       borrows(false),
       targeted(false),
       slot(0),

@@ -16,7 +16,7 @@ enum KT_BUTTON_EVENT {
 class KT_API KTBUTTON : public KTBOX {
    public:
     KTBUTTON();
-    KTBUTTON(const KTBUTTON &) = default;
+    KTBUTTON(const KTBUTTON &other);
     KTBUTTON &operator=(const KTBUTTON &) = default;
     ~KTBUTTON() override;
 

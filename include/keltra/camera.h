@@ -10,7 +10,7 @@
 class KT_API KTCAMERA : public KTNODE {
    public:
     KTCAMERA();
-    KTCAMERA(const KTCAMERA &) = default;
+    KTCAMERA(const KTCAMERA &other);
     KTCAMERA &operator=(const KTCAMERA &) = default;
     ~KTCAMERA() override;
 

@@ -8,7 +8,7 @@
 class KT_API KTHELPER : public KTNODE {
    public:
     KTHELPER();
-    KTHELPER(const KTHELPER &) = default;
+    KTHELPER(const KTHELPER &other);
     KTHELPER &operator=(const KTHELPER &) = default;
     ~KTHELPER() override;
 

@@ -9,7 +9,7 @@
 class KT_API KTLABEL : public KTBOX {
    public:
     KTLABEL();
-    KTLABEL(const KTLABEL &) = default;
+    KTLABEL(const KTLABEL &other);
     KTLABEL &operator=(const KTLABEL &) = default;
     ~KTLABEL() override;
 

@@ -15,7 +15,7 @@ enum KT_LIGHT_TYPE { KT_LIGHT_POINT = 0, KT_LIGHT_DIRECTIONAL = 1, KT_LIGHT_SPOT
 class KT_API KTLIGHT : public KTNODE {
    public:
     KTLIGHT();
-    KTLIGHT(const KTLIGHT &) = default;
+    KTLIGHT(const KTLIGHT &other);
     KTLIGHT &operator=(const KTLIGHT &) = default;
     ~KTLIGHT() override;
 

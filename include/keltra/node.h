@@ -96,6 +96,10 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     unsigned int getType() const { return type; }
     /** Name of the node's type, "node" to "custom"; "unknown" for a code beyond 18. */
     const char *getTypeName() const;
+    /** Whether the object was constructed as the class of that type code or as one derived from it, whatever
+     * `type` holds: a plain node that a mesh was assigned to is no mesh, a derived box with type `KT_CUSTOM`
+     * is a box. Classes are known for codes 2 to 5, 9 and 11 to 17. */
+    bool isOfClass(KT_NODE_TYPE code) const { return (classes >> code & 1u) != 0; }
     /** A pointer for the application; the engine neither reads nor frees it. */
     void setData(void *pointer) { data = pointer; }
     void *getData() const { return data; }
@@ -181,6 +185,9 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     /** For the constructors of node classes: sets the type and the default name, `pattern` formatted with the
      * id. */
     void setIdentity(unsigned int typeCode, const char *pattern);
+    /** For the constructors of the engine's node classes, those that copy included: `isOfClass` answers true
+     * for the code from now on. */
+    void joinClass(KT_NODE_TYPE code) { classes |= 1u << code; }
 
    private:
     friend class KTREGISTERED<KTNODE>;
@@ -201,6 +208,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
 
     static KTNODE *ancestors[64];
     static KTNODE *firstBorrower;
+
+    unsigned int classes;  // one bit for each type code whose class the object is of
 
     // A borrower has pointers that `link` and `setTargetNode` did not give it: a copy, a node that was
     // assigned to, a node on the stack that outlived `cleanUp`. Whatever is destroyed is looked for in all of

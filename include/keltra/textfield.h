@@ -9,7 +9,7 @@
 class KT_API KTTEXTFIELD : public KTBUTTON {
    public:
     KTTEXTFIELD();
-    KTTEXTFIELD(const KTTEXTFIELD &) = default;
+    KTTEXTFIELD(const KTTEXTFIELD &other);
     KTTEXTFIELD &operator=(const KTTEXTFIELD &) = default;
     ~KTTEXTFIELD() override;
 
