@@ -1,6 +1,5 @@
 #include <keltra/box.h>
 #include <keltra/button.h>
-#include <keltra/engine.h>
 #include <keltra/font.h>
 #include <keltra/label.h>
 #include <keltra/scrollbar.h>
@@ -292,23 +291,19 @@ const char *const *guiAttributes(const char *element) {
 // Elements only: a comment that says nothing but "root" has that name too.
 const TiXmlElement *guiRoot(const TiXmlDocument &document) { return document.FirstChildElement("root"); }
 
-}  // namespace keltra
-
-KTNODE *KELTRA::loadXML(const char *fileName) {
-    TiXmlDocument document;
-    if (!keltra::loadXmlDocument(fileName, document)) return nullptr;
-    const TiXmlElement *description = keltra::guiRoot(document);
-    KTNODE *root = description ? new (std::nothrow) KTNODE : nullptr;
+// Named first: properties at the top of the description apply to the root.
+KTNODE *buildInterface(const TiXmlElement &description, const char *name) {
+    KTNODE *root = new (std::nothrow) KTNODE;
     if (!root) return nullptr;
-    root->setName(fileName);
+    root->setName(name);
     InterfaceReader reader;
-    for (const TiXmlNode *node = description->FirstChild(); node; node = node->NextSibling())
+    for (const TiXmlNode *node = description.FirstChild(); node; node = node->NextSibling())
         reader.read(root, node);
     return root;
 }
 
-// It does not recurse, in spite of its name.
-int KELTRA::recursiveLoadXML(KTNODE *parent, const TiXmlNode *node) {
+void buildWidgets(KTNODE *parent, const TiXmlNode *node) {
     if (parent && node) InterfaceReader().read(parent, node);
-    return 0;
 }
+
+}  // namespace keltra

@@ -1,10 +1,12 @@
 #ifndef KELTRA_GUI_GUI_FILE_H
 #define KELTRA_GUI_GUI_FILE_H
 
-// What the reader of interface descriptions knows, for tools that look at them.
+// Builds interfaces from their descriptions, and what it knows of them, for tools that look at them.
 
+class KTNODE;
 class TiXmlDocument;
 class TiXmlElement;
+class TiXmlNode;
 
 namespace keltra {
 
@@ -17,6 +19,12 @@ const TiXmlElement *guiRoot(const TiXmlDocument &document);
 bool isGuiObject(const char *element);
 // Names of the attributes of a property, null behind the last; null for any other element.
 const char *const *guiAttributes(const char *element);
+
+// A new node of that name with the widgets of the description below it; null when out of memory.
+KTNODE *buildInterface(const TiXmlElement &description, const char *name);
+// Makes what an element asks for, and all that is nested in it, below `parent`. Nothing for null and for
+// nodes that are no elements.
+void buildWidgets(KTNODE *parent, const TiXmlNode *node);
 
 }  // namespace keltra
 

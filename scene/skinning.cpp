@@ -1,3 +1,5 @@
+#include "scene/skinning.h"
+
 #include <keltra/mesh.h>
 #include <keltra/shader.h>
 
@@ -71,28 +73,29 @@ bool KTMESH::animate(unsigned int slot) {
 
 // Four influences a vertex leave the skinning to a shader where there is one; the arrays are made here then,
 // once, for a mesh with another number.
-bool KTMESH::makeSkinnedArrays() {
-    if (skinnedVertices && skinnedNormals) return true;
-    const std::size_t bytes = std::size_t(numberOfVertices) * 3 * sizeof(std::int32_t);
-    void *positions = keltra::newBlock(bytes), *normals = keltra::newBlock(bytes);
+bool keltra::makeSkinnedArrays(KTMESH &mesh) {
+    if (mesh.skinnedVertices && mesh.skinnedNormals) return true;
+    const unsigned int values = mesh.numberOfVertices * 3u;
+    void *positions = newBlock(values * sizeof(std::int32_t));
+    void *normals = newBlock(values * sizeof(std::int32_t));
     if (!positions || !normals) {
-        keltra::releaseBlock(positions);
-        keltra::releaseBlock(normals);
+        releaseBlock(positions);
+        releaseBlock(normals);
         return false;
     }
-    keltra::releaseBlock(skinnedVertices);
-    keltra::releaseBlock(skinnedNormals);
-    skinnedVertices = static_cast<std::int32_t *>(positions);
-    skinnedNormals = static_cast<std::int32_t *>(normals);
-    std::fill_n(skinnedVertices, numberOfVertices * 3u, 0);
-    std::fill_n(skinnedNormals, numberOfVertices * 3u, 0);
+    releaseBlock(mesh.skinnedVertices);
+    releaseBlock(mesh.skinnedNormals);
+    mesh.skinnedVertices = static_cast<std::int32_t *>(positions);
+    mesh.skinnedNormals = static_cast<std::int32_t *>(normals);
+    std::fill_n(mesh.skinnedVertices, values, 0);
+    std::fill_n(mesh.skinnedNormals, values, 0);
     return true;
 }
 
 bool KTMESH::skinVertices(unsigned int boneCount) {
     if (numberOfVertices == 0 || !vertices || !vertexNormals || !influenceBones || !influenceWeights)
         return true;
-    if (!makeSkinnedArrays()) return false;
+    if (!keltra::makeSkinnedArrays(*this)) return false;
     const keltra::SkinJob job = {numberOfVertices, numberOfInfluences, vertices,        vertexNormals,
                                  influenceBones,   influenceWeights,   skinnedVertices, skinnedNormals};
 #if defined(KELTRA_SKIN_AVX2)

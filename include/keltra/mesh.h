@@ -13,10 +13,6 @@
 class KTELEMENT;
 class KTMATERIAL;
 
-namespace keltra {
-struct MeshRecord;
-}
-
 /** One bone of a skin. */
 struct KTBONE {
     char name[256];
@@ -125,12 +121,8 @@ class KT_API KTMESH : public KTNODE {
     void copyMesh(const KTMESH &other);
     void releaseMesh();
     static void forgetMaterial(KTMATERIAL *gone);
-    bool build(const keltra::MeshRecord &record);
-    bool buildGeometry(const keltra::MeshRecord &record);
-    bool buildSkin(const keltra::MeshRecord &record);
     unsigned int countPoolBones() const;
     bool usesSkinningShader() const;
-    bool makeSkinnedArrays();
     bool skinVertices(unsigned int boneCount);
     void beginSpecialPass() const;
     void renderMaterial(const KTELEMENT &element);

@@ -33,6 +33,10 @@ enum KT_NODE_TYPE {
     KT_CUSTOM = 18
 };
 
+namespace keltra {
+class TreeBuilder;
+}
+
 class KTNODE;
 extern template class KT_API KTREGISTERED<KTNODE>;
 
@@ -191,7 +195,7 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
 
    private:
     friend class KTREGISTERED<KTNODE>;
-    friend class KELTRA;
+    friend class keltra::TreeBuilder;
     static void setLink(KTNODE &node, KTNODE *previous, KTNODE *next);
     static void setFirst(KTNODE *first);
     static void letGo(KTNODE &node);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <functional>
 
+#include "foundation/arena.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/support/allocations.h"
 #include "tests/support/same_verdict.h"
@@ -273,6 +274,7 @@ TEST_F(SceneDamageTest, WithoutMemoryNothingIsLeftBehind) {
     const std::size_t overhead = 32;  // of a block
     const std::size_t sizes[] = {
         bytes.size(),
+        Arena::kChunkSize,
         sizeof(KTNODE),
         sizeof(KTLIGHT),
         sizeof(KTMESH),

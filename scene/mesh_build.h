@@ -1,0 +1,15 @@
+#ifndef KELTRA_SCENE_MESH_BUILD_H
+#define KELTRA_SCENE_MESH_BUILD_H
+
+#include "formats/scene_record.h"
+
+class KTNODE;
+
+namespace keltra {
+
+// The mesh of a record, with its number of children and without them; null when out of memory.
+KTNODE *buildMesh(const MeshRecord &record);
+
+}  // namespace keltra
+
+#endif

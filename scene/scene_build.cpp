@@ -1,0 +1,274 @@
+#include "scene/scene_build.h"
+
+#include <keltra/light.h>
+#include <keltra/material.h>
+#include <keltra/mesh.h>
+#include <keltra/shader.h>
+#include <keltra/texture.h>
+
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+#include "formats/trusted_record.h"
+#include "foundation/file_bytes.h"
+#include "scene/mesh_build.h"
+#include "scene/tree_walk.h"
+
+namespace {
+
+const char kNone[] = "[none]";
+const char kNormalMapEnding[] = "_n.tga";
+const std::size_t kNormalMapEndingLength = sizeof kNormalMapEnding - 1;
+
+// --- materials
+
+// The texture of that file; null when it cannot be read.
+KTTEXTURE *acquireTexture(const char *name) {
+    if (KTTEXTURE *known = KTTEXTURE::findByFilename(name)) return known;
+    KTTEXTURE *texture = new (std::nothrow) KTTEXTURE;
+    if (!texture || texture->load(name)) return texture;
+    delete texture;
+    return nullptr;
+}
+
+// The normal map's name is the texture's with its last six characters replaced, "stone_d.tga" gives
+// "stone_n.tga". Meant as it is: "stone.tga" gives "sto_n.tga".
+KTTEXTURE *acquireNormalMap(const char *textureName) {
+    char name[keltra::kSceneNameSize];
+    const std::size_t length = std::strlen(textureName);
+    if (length < kNormalMapEndingLength || length >= sizeof name) return nullptr;
+    std::memcpy(name, textureName, length - kNormalMapEndingLength);
+    std::memcpy(name + length - kNormalMapEndingLength, kNormalMapEnding, sizeof kNormalMapEnding);
+    if (!vnfFileExists(keltra::FilePath(KTTEXTURE::getPath(), name).text)) return nullptr;
+    return acquireTexture(name);
+}
+
+KTSHADER *acquireShader(const char *name) {
+    if (KTSHADER *known = KTSHADER::findByName(name)) return known;
+    KTSHADER *shader = new (std::nothrow) KTSHADER;
+    if (!shader) return nullptr;
+    char vertexProgram[keltra::kSceneNameSize + 8], pixelProgram[sizeof vertexProgram];
+    std::snprintf(vertexProgram, sizeof vertexProgram, "%sVS.glsl", name);
+    std::snprintf(pixelProgram, sizeof pixelProgram, "%sPS.glsl", name);
+    shader->load(vertexProgram, pixelProgram);
+    shader->setName(name);
+    return shader;
+}
+
+// A material that exists keeps its values; the textures and the shader of the record are loaded all the same,
+// which applications use to bring in textures ahead of time.
+bool buildMaterial(const keltra::MaterialRecord &record) {
+    KTTEXTURE *texture = nullptr, *normalMap = nullptr;
+    if (std::strcmp(record.texture, kNone) != 0) {
+        texture = acquireTexture(record.texture);
+        normalMap = acquireNormalMap(record.texture);
+    }
+    KTSHADER *shader = std::strcmp(record.shader, kNone) != 0 ? acquireShader(record.shader) : nullptr;
+    if (KTMATERIAL::findByName(record.name)) return true;
+    KTMATERIAL *material = new (std::nothrow) KTMATERIAL;
+    if (!material) return false;
+    material->setName(record.name);
+    material->setAmbient(R3XVECTOR4D(record.ambient));
+    material->setDiffuse(R3XVECTOR4D(record.diffuse));
+    material->setSpecular(R3XVECTOR4D(record.specular));
+    material->setEmission(R3XVECTOR4D(record.emission));
+    material->setTransparency(record.transparency);
+    material->setShininess(record.shininess);
+    material->setShader(shader);
+    material->setTexture(0, texture);
+    material->setTexture(1, normalMap);
+    return true;
+}
+
+bool buildMaterials(const keltra::SceneMaterial *material) {
+    for (; material; material = material->next)
+        if (!buildMaterial(material->record)) return false;
+    return true;
+}
+
+// --- taking back
+
+void destroy(KTMATERIAL *material) {
+    // Destroying a material leaves the uses of its textures counted.
+    for (unsigned int level = 0; level < KTMATERIAL::levels; ++level) material->setTexture(level, nullptr);
+    delete material;
+}
+void destroy(KTSHADER *shader) { delete shader; }
+void destroy(KTTEXTURE *texture) { delete texture; }
+
+// Destroys what the list holds beyond its first `kept` objects.
+template <class T>
+void destroyBeyond(unsigned int kept, T *object) {
+    while (object) {
+        T *next = object->getNext();
+        if (kept > 0)
+            --kept;
+        else
+            destroy(object);
+        object = next;
+    }
+}
+
+// A node goes before its children, which then no longer look for it.
+void destroyNodesFrom(KTNODE *first) {
+    while (first) {
+        KTNODE *next = first->getNextNode();
+        delete first;
+        first = next;
+    }
+}
+
+// How long the lists were before a load: what was appended since is destroyed when it fails.
+class Rollback {
+   public:
+    Rollback()
+        : materials(KTMATERIAL::getNumberOfMaterials()),
+          shaders(KTSHADER::getNumberOfShaders()),
+          textures(KTTEXTURE::getNumberOfTextures()) {}
+    void run() const {
+        destroyBeyond(materials, KTMATERIAL::getFirst());
+        destroyBeyond(shaders, KTSHADER::getFirst());
+        destroyBeyond(textures, KTTEXTURE::getFirst());
+    }
+
+   private:
+    unsigned int materials, shaders, textures;
+};
+
+// --- nodes
+
+KTNODE *buildPlain(const keltra::PlainRecord &record) {
+    KTNODE *node = new (std::nothrow) KTNODE;
+    if (!node) return nullptr;
+    node->setAuxId(record.auxId);
+    node->setName(record.name);
+    node->setPosition(R3XVECTOR3D(record.position));
+    node->setOrigin(R3XVECTOR3D(record.origin));
+    node->numberOfChildren = record.children;
+    return node;
+}
+
+KTNODE *buildLight(const keltra::LightRecord &record) {
+    KTLIGHT *light = new (std::nothrow) KTLIGHT;
+    if (!light) return nullptr;
+    const float r = record.color[0], g = record.color[1], b = record.color[2];
+    light->setLightType(record.lightType);
+    light->setName(record.name);
+    light->setPosition(R3XVECTOR3D(record.position));
+    light->setDirection(R3XVECTOR3D(record.direction));
+    light->setTarget(light->position + light->direction);
+    light->setCutOff(record.cutOff);
+    // The alphas of 0.2 and 0.1 are meant: the shares count for all four components.
+    light->setAmbient(0.2f * r, 0.2f * g, 0.2f * b, 0.2f);
+    light->setDiffuse(r, g, b, 1.0f);
+    light->setSpecular(0.1f * r, 0.1f * g, 0.1f * b, 0.1f);
+    light->numberOfChildren = record.children;
+    return light;
+}
+
+KTNODE *buildNode(const keltra::SceneNode &node) {
+    if (node.plain) return buildPlain(*node.plain);
+    if (node.light) return buildLight(*node.light);
+    return keltra::buildMesh(*node.mesh);
+}
+
+KTNODE *buildTrustedNode(const char *buffer, long *cursor) {
+    if (!buffer || !cursor || *cursor < 0) return nullptr;
+    long body = *cursor + 1;
+    KTNODE *node = nullptr;
+    switch (static_cast<unsigned char>(buffer[*cursor])) {
+        case keltra::kPlainRecord:
+            node = KTNODE::load(buffer, &body);
+            break;
+        case keltra::kLightRecord:
+            node = KTLIGHT::load(buffer, &body);
+            break;
+        case keltra::kMeshRecord:
+            node = KTMESH::load(buffer, &body, false);
+            break;
+    }
+    if (node) *cursor = body;
+    return node;
+}
+
+}  // namespace
+
+namespace keltra {
+
+class TreeBuilder {
+   public:
+    // Makes a tree of the nodes that `next` returns, depth first, each with its number of children and
+    // without them. Null, with everything destroyed again, when `next` returns null, the tree nests too deep
+    // or memory runs out. The path is kept in an array: the device's stack is small.
+    template <class Next>
+    static KTNODE *build(KTNODE *parent, Next next) {
+        struct Step {
+            KTNODE *node;
+            unsigned int next, end;
+        };
+        Step path[kMaxTreeDepth];
+        unsigned int depth = 0;
+        KTNODE *root = nullptr;
+        for (KTNODE *above = parent;;) {
+            KTNODE *node = depth < kMaxTreeDepth ? next() : nullptr;
+            if (!root) root = node;
+            if (!node || !node->allocateChildren(node->numberOfChildren)) {
+                destroyNodesFrom(root);
+                return nullptr;
+            }
+            node->parent = above;
+            // A caller's parent does not list the root, so it would not tell it when it is destroyed.
+            if (depth == 0 && above) node->borrow(nullptr);
+            if (depth > 0) {
+                Step &step = path[depth - 1];
+                node->slot = step.next;
+                above->children[step.next++] = node;
+            }
+            path[depth++] = {node, 0, node->numberOfChildren};
+            while (path[depth - 1].next == path[depth - 1].end)
+                if (--depth == 0) return root;
+            above = path[depth - 1].node;
+        }
+    }
+};
+
+KTNODE *buildScene(const SceneContents &contents) {
+    const Rollback rollback;
+    const SceneNode *record = contents.firstNode();
+    KTNODE *root = nullptr;
+    if (buildMaterials(contents.firstMaterial())) {
+        root = TreeBuilder::build(nullptr, [&record] {
+            const SceneNode &read = *record;
+            record = read.next;
+            return buildNode(read);
+        });
+    }
+    if (!root) rollback.run();
+    return root;
+}
+
+KTNODE *buildTrustedTree(const char *buffer, long *cursor, KTNODE *parent) {
+    return TreeBuilder::build(parent, [buffer, cursor] { return buildTrustedNode(buffer, cursor); });
+}
+
+void bindSkins(KTNODE *root, KTNODE *node) {
+    walkTree(node, [root](KTNODE *visited, unsigned int) {
+        if (visited->type == KT_MESH) static_cast<KTMESH *>(visited)->resetBones(root);
+        return visited->numberOfChildren;
+    });
+}
+
+}  // namespace keltra
+
+KTNODE *KTNODE::load(const char *buffer, long *cursor) {
+    keltra::PlainRecord record;
+    const auto read = [&record](keltra::FieldReader &reader) { return readPlain(reader, record); };
+    return keltra::readTrusted(buffer, cursor, read) ? buildPlain(record) : nullptr;
+}
+
+KTNODE *KTLIGHT::load(const char *buffer, long *cursor) {
+    keltra::LightRecord record;
+    const auto read = [&record](keltra::FieldReader &reader) { return readLight(reader, record); };
+    return keltra::readTrusted(buffer, cursor, read) ? buildLight(record) : nullptr;
+}
