@@ -20,8 +20,10 @@ bool readCounts(FieldReader &reader, AnimRecord &record) {
     record.bones = reader.u16("bone count");
     record.frames = reader.u16("frame count");
     if (!reader.isWhole()) return false;
-    if (record.bones > KTANIM::maxBones) return reader.refuse(offset, "bone count", "more than 128");
-    if (record.frames > KTANIM::maxFrames) return reader.refuse(offset + 2, "frame count", "more than 1024");
+    if (record.bones > kMaxAnimBones)
+        return reader.refuseValue(offset, "bone count", record.bones, "more than %ld", kMaxAnimBones);
+    if (record.frames > kMaxAnimFrames)
+        return reader.refuseValue(offset + 2, "frame count", record.frames, "more than %ld", kMaxAnimFrames);
     return true;
 }
 

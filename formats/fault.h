@@ -1,23 +1,72 @@
 #ifndef KELTRA_FORMATS_FAULT_H
 #define KELTRA_FORMATS_FAULT_H
 
+// What the parsers tell: where a file is damaged, and, by way of a FaultSink, what of a file that is taken
+// has no effect. Neither knows who reads the file: the engine adds its call, keltra-info the name of the
+// file.
+
 #include <cstddef>
+
+#include "foundation/fault.h"
 
 namespace keltra {
 
 // Where a file is damaged: the offset and name of the field, and what is wrong with it. The texts are
-// literals. The loaders, whose callers are told true or false only, have no use for it; tools have.
+// literals; the reason may have two %ld for the limits.
 struct Fault {
     std::size_t offset;
     const char *field;
     const char *reason;
+    long first = 0, second = 0;  // limits
+    bool hasFound = false;
+    long found = 0;
 };
 
-// Tells whoever asked; always false.
-inline bool refuse(Fault *fault, std::size_t offset, const char *field, const char *reason) {
-    if (fault) *fault = {offset, field, reason};
+// Notes the fault when it is asked for; always false.
+inline bool refuse(Fault *fault, std::size_t offset, const char *field, const char *reason, long first = 0,
+                   long second = 0) {
+    if (fault) *fault = {offset, faultText(field), faultText(reason), first, second};
     return false;
 }
+inline bool refuseValue(Fault *fault, std::size_t offset, const char *field, long found, const char *reason,
+                        long first = 0, long second = 0) {
+    if (fault) *fault = {offset, faultText(field), faultText(reason), first, second, true, found};
+    return false;
+}
+
+// The fault without a call and a file.
+KTFAULT toPublic(const Fault &fault);
+// The same by line, for text.
+KTFAULT toPublic(const Fault &fault, const char *text, std::size_t size);
+
+// Number of the line, from 1, that the offset lies in; lines end in a line feed, a carriage return or both.
+unsigned int lineAt(const char *text, std::size_t size, std::size_t offset);
+
+// Takes the warnings of a parser, each with its line.
+class FaultSink {
+   public:
+    virtual void warn(KTFAULT &fault) = 0;
+
+   protected:
+    ~FaultSink() = default;
+};
+
+// Finds the name that someone meant who wrote another one: the nearest by letters changed, added, left out or
+// swapped, as long as these are no more than a third of it.
+class NearestName {
+   public:
+    explicit NearestName(const char *wanted);
+    void offer(const char *known);
+    // Empty when none is near enough.
+    const char *name() const { return nearest; }
+
+   private:
+    static constexpr std::size_t kLongest = 64;
+    std::size_t distanceTo(const char *known, std::size_t length) const;
+
+    const char *wanted, *nearest;
+    std::size_t wantedLength, least;
+};
 
 }  // namespace keltra
 

@@ -6,10 +6,9 @@
 
 #include "formats/byte_reader.h"
 #include "formats/fault.h"
+#include "formats/limits.h"
 
 namespace keltra {
-
-constexpr std::size_t kFieldNameSize = 256;  // of a name in a file with its terminating zero, at most
 
 // Reads fields by name, so that a fault can be told. After an overrun everything reads as zero.
 class FieldReader {
@@ -25,7 +24,7 @@ class FieldReader {
         at(name);
         for (int i = 0; i < count; ++i) values[i] = reader.f32();
     }
-    const char *string(const char *name) { return at(name).string(kFieldNameSize); }
+    const char *string(const char *name) { return at(name).string(kNameSize); }
     const unsigned char *array(const char *name, std::uint64_t elements, std::size_t elementSize) {
         const std::uint64_t bytes = elements * elementSize;
         return at(name).take(bytes > SIZE_MAX ? SIZE_MAX : static_cast<std::size_t>(bytes));
@@ -35,12 +34,17 @@ class FieldReader {
     std::size_t position() const { return reader.position(); }
     // False when a field reached past the end or a name is too long; the fault says which.
     bool isWhole() {
-        if (!reader.ok() && !found.reason) found = {fieldOffset, field, "ends early or is too long"};
+        if (!reader.ok() && !found.reason)
+            keltra::refuse(&found, fieldOffset, field, "ends early or is too long");
         return reader.ok();
     }
     // Notes the first fault; always false.
-    bool refuse(std::size_t offset, const char *name, const char *reason) {
-        if (!found.reason) found = {offset, name, reason};
+    bool refuse(std::size_t offset, const char *name, const char *reason, long limit = 0) {
+        if (!found.reason) keltra::refuse(&found, offset, name, reason, limit);
+        return false;
+    }
+    bool refuseValue(std::size_t offset, const char *name, long value, const char *reason, long limit = 0) {
+        if (!found.reason) keltra::refuseValue(&found, offset, name, value, reason, limit);
         return false;
     }
     const Fault &fault() const { return found; }
@@ -49,7 +53,7 @@ class FieldReader {
     ByteReader &at(const char *name) {
         if (reader.ok()) {
             fieldOffset = reader.position();
-            field = name;
+            field = faultText(name);
         }
         return reader;
     }

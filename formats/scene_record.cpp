@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "scene/tree_walk.h"
+#include "formats/limits.h"
 
 namespace keltra {
 
@@ -16,7 +16,8 @@ const std::size_t kOldVertexSize = 12, kOldFaceSize = 16;
 
 bool acceptChildren(FieldReader &reader, std::size_t offset, unsigned int children) {
     if (children <= reader.remaining() / kSmallestNode) return true;
-    return reader.refuse(offset, "children", "more than the rest of the file can hold");
+    return reader.refuseValue(offset, "children", static_cast<long>(children),
+                              "more than the rest of the file can hold");
 }
 
 // The largest index is enough to know.
@@ -28,17 +29,17 @@ bool acceptFaces(FieldReader &reader, const MeshRecord &record, std::size_t offs
         if (index > largest) largest = index;
     }
     if (record.faceCount == 0 || largest < record.vertexCount) return true;
-    return reader.refuse(offset, "faces", "vertex index out of range");
+    return reader.refuseValue(offset, "faces", static_cast<long>(largest), "vertex index out of range");
 }
 
 bool acceptInfluences(FieldReader &reader, const MeshRecord &record, std::size_t offset) {
     const std::size_t influences = std::size_t(record.vertexCount) * record.influenceCount;
-    const unsigned int limit = record.boneCount < kSceneBones ? record.boneCount : kSceneBones;
+    const unsigned int limit = record.boneCount < kMaxSkinBones ? record.boneCount : kMaxSkinBones;
     unsigned int largest = 0;
     for (std::size_t i = 0; i < influences; ++i)
         if (record.influenceBones[i] > largest) largest = record.influenceBones[i];
     if (influences == 0 || largest < limit) return true;
-    return reader.refuse(offset, "bone indices", "bone index out of range");
+    return reader.refuseValue(offset, "bone indices", static_cast<long>(largest), "bone index out of range");
 }
 
 void readGeometry(FieldReader &reader, bool oldVersion, MeshRecord &record, std::size_t &facesOffset) {
@@ -92,7 +93,7 @@ bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int level, unsig
         children = record.children;
         if (visitor) visitor->mesh(record, level);
     } else {
-        return reader.refuse(offset, "type", "unknown node type");
+        return reader.refuseValue(offset, "type", static_cast<long>(type), "unknown node type");
     }
     return true;
 }
@@ -132,7 +133,8 @@ bool readHeader(FieldReader &reader, SceneHeader &header) {
     if (!header.oldVersion && std::memcmp(magic, kMagic, kComparedMagic) != 0)
         return reader.refuse(0, "magic", "not a scene file of version 1.5a or 1.6a");
     if (header.materials > reader.remaining() / kSmallestMaterial)
-        return reader.refuse(kMagicSize, "material count", "more than the rest of the file can hold");
+        return reader.refuseValue(kMagicSize, "material count", static_cast<long>(header.materials),
+                                  "more than the rest of the file can hold");
     return true;
 }
 
@@ -192,7 +194,8 @@ bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record) {
     record.influenceCount = reader.u16("influence count");
     // Asked here, since everything behind a wrong count is read from the wrong place.
     if (reader.isWhole() && record.uvCount != 0 && record.uvCount < record.vertexCount)
-        return reader.refuse(uvCountOffset, "texture coordinate count", "neither 0 nor one for each vertex");
+        return reader.refuseValue(uvCountOffset, "texture coordinate count",
+                                  static_cast<long>(record.uvCount), "neither 0 nor one for each vertex");
     std::size_t facesOffset = 0, influencesOffset = 0;
     readGeometry(reader, oldVersion, record, facesOffset);
     readSkin(reader, record, influencesOffset);

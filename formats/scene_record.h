@@ -12,8 +12,6 @@
 
 namespace keltra {
 
-constexpr std::size_t kSceneNameSize = kFieldNameSize;
-constexpr unsigned int kSceneBones = 100;  // bones that influences can address
 constexpr std::size_t kVectorSize = 12, kUVSize = 8, kFaceSize = 6;
 
 enum NodeRecordType { kPlainRecord = 0, kLightRecord = 1, kMeshRecord = 2 };

@@ -22,7 +22,7 @@ TgaKind kindOf(const std::uint8_t *header) {
     return TgaKind::kOther;
 }
 
-bool isSize(unsigned int pixels) { return pixels >= 1 && pixels <= kTgaMaxSize; }
+bool isSize(unsigned int pixels) { return pixels >= 1 && pixels <= kMaxTextureSize; }
 
 // The least number of bytes that can hold the image: for run-length files, full run packets throughout.
 std::size_t leastData(const TgaImage &image) {
@@ -118,11 +118,13 @@ bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault)
     if (size < kHeaderSize) return refuse(fault, size, "header", "ends before its 18 bytes");
     const std::uint8_t *header = static_cast<const std::uint8_t *>(file);
     const unsigned int bits = header[16];
-    if (bits != 24 && bits != 32) return refuse(fault, 16, "bits a pixel", "neither 24 nor 32");
+    if (bits != 24 && bits != 32) return refuseValue(fault, 16, "bits a pixel", bits, "neither 24 nor 32");
     image.sizeX = header[12] | header[13] << 8;
     image.sizeY = header[14] | header[15] << 8;
-    if (!isSize(image.sizeX)) return refuse(fault, 12, "width", "outside 1 to 512");
-    if (!isSize(image.sizeY)) return refuse(fault, 14, "height", "outside 1 to 512");
+    if (!isSize(image.sizeX))
+        return refuseValue(fault, 12, "width", image.sizeX, "outside 1 to %ld", kMaxTextureSize);
+    if (!isSize(image.sizeY))
+        return refuseValue(fault, 14, "height", image.sizeY, "outside 1 to %ld", kMaxTextureSize);
     image.kind = kindOf(header);
     image.bytesPerPixel = bits / 8;
     // Bit 5 says that the top row comes first, but any of bits 4 to 7 turns the picture: files rely on it.
@@ -131,6 +133,12 @@ bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault)
     image.dataSize = size - kHeaderSize;
     if (image.dataSize >= leastData(image)) return true;
     return refuse(fault, size, "pixels", "the file is too short for its image");
+}
+
+Fault otherTgaKind() {
+    Fault fault;
+    refuse(&fault, 2, "kind", "neither uncompressed nor run-length true-colour: no pixels are loaded");
+    return fault;
 }
 
 bool decodeTga(const TgaImage &image, std::uint8_t *target, Fault *fault) {

@@ -5,10 +5,9 @@
 #include <cstdint>
 
 #include "formats/fault.h"
+#include "formats/limits.h"
 
 namespace keltra {
-
-const unsigned int kTgaMaxSize = 512;  // pixels in either direction
 
 enum class TgaKind { kUncompressed, kRunLength, kOther };
 
@@ -28,6 +27,9 @@ struct TgaImage {
 // outside 1 to 512 and for data that cannot hold the image. Neither an uncompressed nor a run-length file is
 // kOther, which has no pixels: that is true. `fault`, here and below, may be null.
 bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault = nullptr);
+
+// What to say of a file of kind kOther.
+Fault otherTgaKind();
 
 // Unpacks the pixels into `target`, `image.bytes()` of it: R, G, B(, A), bottom row first. False when the
 // data ends early, after writing a part of them.

@@ -26,18 +26,20 @@ class MarkupScan {
     bool run() {
         while (char *next = static_cast<char *>(std::memchr(cursor, '<', left()))) {
             tag = cursor = next;
-            if (++tags > kMaxXmlTags) return refused("more than 131072 tags");
+            if (++tags > kMaxXmlTags) return refused("more than %ld tags", kMaxXmlTags);
             if (!skipMarkup()) return refused("does not end");
         }
         return true;
     }
     // Of a run that was false; the offset is that of the tag in the text.
-    Fault fault() const { return {static_cast<std::size_t>(tag - begin), "tag", reason}; }
+    Fault fault() const { return {static_cast<std::size_t>(tag - begin), faultText("tag"), reason, limit}; }
 
    private:
     // Notes the first reason; always false.
-    bool refused(const char *why) {
-        if (!reason) reason = why;
+    bool refused(const char *why, long most = 0) {
+        if (reason) return false;
+        reason = faultText(why);
+        limit = most;
         return false;
     }
     std::size_t left() const { return static_cast<std::size_t>(end - cursor); }
@@ -88,11 +90,13 @@ class MarkupScan {
                 cursor = static_cast<char *>(std::memchr(cursor + 1, c, left() - 1));
                 if (!cursor) return refused("has a quote that is not closed");
             } else if (c == '=') {
-                if (++attributes > kMaxXmlAttributes) return refused("has more than 64 attributes");
+                if (++attributes > kMaxXmlAttributes)
+                    return refused("has more than %ld attributes", kMaxXmlAttributes);
             } else if (c == '>') {
                 const bool closed = cursor[-1] == '/';
                 ++cursor;
-                return closed || ++depth <= kMaxXmlNesting || refused("nests deeper than 64 elements");
+                return closed || ++depth <= kMaxXmlNesting ||
+                       refused("nests deeper than %ld elements", kMaxXmlNesting);
             }
         }
         return false;
@@ -102,9 +106,8 @@ class MarkupScan {
     char *end;
     unsigned depth, tags;
     const char *reason = nullptr;
+    long limit = 0;
 };
-
-static_assert(kMaxXmlTags == 131072 && kMaxXmlAttributes == 64 && kMaxXmlNesting == 64, "as the reasons say");
 
 // Copies the text with one line feed for every kind of line end, as documents are to be read; returns its
 // end.
@@ -142,25 +145,28 @@ int parseText(const char *text, TiXmlDocument &document, int tabSize) {
 }
 
 Fault faultOf(int error) {
+    const auto fault = [](const char *field, const char *reason) {
+        return Fault{0, faultText(field), faultText(reason)};
+    };
     switch (error) {
         case TiXmlBase::TIXML_ERROR_READING_ELEMENT_VALUE:
-            return {0, "element", "is not closed, or its contents are wrong"};
+            return fault("element", "is not closed, or its contents are wrong");
         case TiXmlBase::TIXML_ERROR_PARSING_ELEMENT:
-            return {0, "element", "has no name, or an attribute twice"};
+            return fault("element", "has no name, or an attribute twice");
         case TiXmlBase::TIXML_ERROR_FAILED_TO_READ_ELEMENT_NAME:
-            return {0, "element", "has no name"};
+            return fault("element", "has no name");
         case TiXmlBase::TIXML_ERROR_READING_ATTRIBUTES:
-            return {0, "attribute", "is no name with a quoted value"};
+            return fault("attribute", "is no name with a quoted value");
         case TiXmlBase::TIXML_ERROR_PARSING_EMPTY:
-            return {0, "tag", "ends in a slash without its bracket"};
+            return fault("tag", "ends in a slash without its bracket");
         case TiXmlBase::TIXML_ERROR_READING_END_TAG:
-            return {0, "end tag", "is not that of the element it ends"};
+            return fault("end tag", "is not that of the element it ends");
         case TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY:
-            return {0, "document", "holds no markup"};
+            return fault("document", "holds no markup");
         case kNoMemory:
-            return {0, "document", "memory is out"};
+            return fault("document", "out of memory");
         default:
-            return {0, "document", "is no XML"};
+            return fault("document", "is no XML");
     }
 }
 
@@ -208,14 +214,15 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
     document.Clear();
     if (!bytes) return refuse(fault, 0, "document", "is empty or cannot be read");
     if (size > static_cast<std::size_t>(kMaxXmlBytes))
-        return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), "document", "is larger than 4 MiB");
+        return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), "document", "is larger than %ld bytes",
+                      kMaxXmlBytes);
     if (const void *zero = std::memchr(bytes, '\0', size))
         return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - bytes), "document",
                       "holds a zero byte");
     static const char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
     char *text = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(size - mark + 1)));
-    if (!text) return refuse(fault, 0, "document", "memory is out");
+    if (!text) return refuse(fault, 0, "document", "out of memory");
     char *end = copyLines(text, bytes + mark, size - mark);
     const bool parsed = parseCopy(text, end, document, fault);
     if (!parsed && fault) fault->offset = mark + offsetInBytes(bytes + mark, size - mark, fault->offset);

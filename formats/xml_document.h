@@ -4,17 +4,11 @@
 #include <cstddef>
 
 #include "formats/fault.h"
+#include "formats/limits.h"
 
 class TiXmlDocument;
 
 namespace keltra {
-
-// What an XML document may hold. The parser recurses for every nested element, and the device's stack is 64
-// KB; it looks each attribute up among the element's others; and every tag costs it some hundred bytes.
-constexpr long kMaxXmlBytes = 4L << 20;
-constexpr unsigned kMaxXmlNesting = 64;
-constexpr unsigned kMaxXmlAttributes = 64;
-constexpr unsigned kMaxXmlTags = 1u << 17;
 
 // The one way in which documents reach the parser: both measure the text first and are false, with the
 // document empty, for a file that cannot be read, text beyond a limit, and text that is no XML. Declarations

@@ -102,7 +102,7 @@ FaultScope::FaultScope(const char *call, const char *file)
 
 FaultScope::~FaultScope() { channel.scope = outer; }
 
-bool FaultScope::fail(KTFAULT &fault) {
+bool FaultScope::fail(KTFAULT fault) {
     fault.severity = KT_FAULT_ERROR;
     if (channel.errors == errorsBefore) tell(fault);
     return false;
@@ -124,7 +124,7 @@ bool FaultScope::failFile(bool isOutOfMemory, long largest) {
     return fail(fault);
 }
 
-void FaultScope::warn(KTFAULT &fault) {
+void FaultScope::warn(KTFAULT fault) {
     fault.severity = KT_FAULT_WARNING;
     tell(fault);
 }

@@ -73,12 +73,12 @@ class FaultScope {
     void setLine(unsigned int at) { line = at; }
 
     // An error of this call, unless one was told since it began. Always false.
-    bool fail(KTFAULT &fault);
+    bool fail(KTFAULT fault);
     bool fail(KT_FAULT_CODE code);
     bool failNull(const char *argument);
     // The file cannot be read: finds out why.
     bool failFile(bool isOutOfMemory = false, long largest = 0x7fffffff);
-    void warn(KTFAULT &fault);
+    void warn(KTFAULT fault);
 
     const char *const call;
     const char *file;

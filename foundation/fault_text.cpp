@@ -39,7 +39,7 @@ const char *bodyOf(KT_FAULT_CODE code) {
         case KT_FAULT_FILE_WRITE:
             return "the file cannot be written";
         case KT_FAULT_DATA:
-            return "[$f: ][found $g, ]expected $e";
+            return "[$f: ]$e[ (found $g)]";
         case KT_FAULT_UNKNOWN:
             return "`$g`: unknown $f[; did you mean `$e`?]";
         case KT_FAULT_MISSING:

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <new>
 
+#include "formats/limits.h"
 #include "formats/xml_document.h"
 #include "foundation/text.h"
 #include "gui/gui_file.h"

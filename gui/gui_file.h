@@ -11,7 +11,6 @@ class TiXmlNode;
 namespace keltra {
 
 constexpr unsigned int kGuiAttributes = 4;  // of a property, at most
-constexpr unsigned int kGuiObjects = 8192;  // of a file; those beyond are left out
 
 // The part of a document that is read; null for none, which loads nothing.
 const TiXmlElement *guiRoot(const TiXmlDocument &document);

@@ -28,14 +28,21 @@ namespace {
 const char kDynamicName[] = "[dynamic]";
 
 // Reads a Targa file into a new block, which stays null for a file of another kind.
-bool readTga(const char *path, keltra::TgaImage &image, unsigned char *&pixels) {
-    const keltra::FileBytes file(path);
-    if (!keltra::parseTga(file.data(), file.size(), image)) return false;
-    if (image.kind == keltra::TgaKind::kOther) return true;
+bool readTga(keltra::FaultScope &scope, keltra::TgaImage &image, unsigned char *&pixels) {
+    const keltra::FileBytes file(scope.file);
+    if (!file.data()) return scope.failFile(file.isOutOfMemory());
+    keltra::Fault fault;
+    if (!keltra::parseTga(file.data(), file.size(), image, &fault))
+        return scope.fail(keltra::toPublic(fault));
+    if (image.kind == keltra::TgaKind::kOther) {
+        scope.warn(keltra::toPublic(keltra::otherTgaKind()));
+        return true;
+    }
     pixels = static_cast<unsigned char *>(keltra::newBlock(image.bytes()));
-    if (pixels && keltra::decodeTga(image, pixels)) return true;
+    if (!pixels) return scope.fail(KT_FAULT_OUT_OF_MEMORY);
+    if (keltra::decodeTga(image, pixels, &fault)) return true;
     keltra::releaseBlock(pixels);
-    return false;
+    return scope.fail(keltra::toPublic(fault));
 }
 
 unsigned char *newImage(unsigned int sizeX, unsigned int sizeY, unsigned int bpp) {
@@ -63,6 +70,7 @@ KTTEXTURE::KTTEXTURE()
       mipmapResident(false),
       ownsBitmap(false),
       ownsGLTexture(false),
+      toldMissing(false),
       deletionsSeen(0),
       uploadedX(0),
       uploadedY(0),
@@ -109,6 +117,7 @@ void KTTEXTURE::copyFields(const KTTEXTURE &other) {
     next = other.next;
     ownsBitmap = false;
     ownsGLTexture = false;
+    toldMissing = other.toldMissing;
     deletionsSeen = other.ownsGLTexture ? deletions : other.deletionsSeen;
     uploadedX = other.uploadedX;
     uploadedY = other.uploadedY;
@@ -121,12 +130,17 @@ void KTTEXTURE::setLink(KTTEXTURE &texture, KTTEXTURE *before, KTTEXTURE *after)
 }
 
 bool KTTEXTURE::load(const char *name) {
-    if (!name) return false;
-    if (std::strcmp(name, kDynamicName) == 0) return true;
-    if (std::strlen(name) >= sizeof filename) return false;
+    if (name && std::strcmp(name, kDynamicName) == 0) return true;
+    const keltra::FilePath path(texturePath, name);
+    keltra::FaultScope scope("KTTEXTURE::load", path.text);
+    if (!name) return scope.failNull("name");
+    if (std::strlen(name) >= sizeof filename) return scope.fail(KT_FAULT_FILE_NAME);
     keltra::TgaImage image;
     unsigned char *pixels = nullptr;
-    if (!readTga(keltra::FilePath(texturePath, name).text, image, pixels)) return false;
+    // A file that cannot be read is tried again at every render, and told once.
+    const bool isRead = readTga(scope, image, pixels);
+    toldMissing = !isRead;
+    if (!isRead) return false;
 
     if (bitmap && ownsBitmap) usedMemory -= memory;
     releaseBitmap();
@@ -141,6 +155,17 @@ bool KTTEXTURE::load(const char *name) {
     usedMemory += memory;
     keltra::copyText(filename, name);
     return true;
+}
+
+// Its file, once more. Told once, until it can be read; a name that is not a file's is not told.
+bool KTTEXTURE::loadAgain() {
+    if (toldMissing || *filename == '[') {
+        const keltra::FaultSilence silence;
+        return load(filename);
+    }
+    const keltra::FaultScope scope("KTTEXTURE::render");
+    const keltra::FaultOptional optional;
+    return load(filename);
 }
 
 bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int format) {
@@ -190,7 +215,7 @@ bool KTTEXTURE::modify(const char *pixels, bool keepCopy) {
 bool KTTEXTURE::reload() {
     forgetDeletedGLTexture();
     if (isLoaded()) return false;
-    if (!bitmap) load(filename);
+    if (!bitmap) loadAgain();
     update();
     return true;
 }
@@ -212,7 +237,7 @@ bool KTTEXTURE::render(void *data) {
     // A texture whose file could not be read is bound as name 0 and tried again at every render.
     if (channelCache[channel] == this && isLoaded()) return true;
     if (!isLoaded()) {
-        if (!bitmap) load(filename);
+        if (!bitmap) loadAgain();
         update();
     }
     texturingOn(channel);

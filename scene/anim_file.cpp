@@ -44,27 +44,43 @@ class Writer {
     bool good;
 };
 
+void readKeyframe(keltra::ByteReader &reader, KTBONEFRAME &keyframe) {
+    keltra::KeyframeRecord record;
+    keltra::readKeyframe(reader, record);
+    keyframe.rotation.set(record.rotation);
+    keyframe.position.set(record.position);
+    keyframe.set = record.set;
+}
+
 }  // namespace
 
+static_assert(KTANIM::maxBones == keltra::kMaxAnimBones && KTANIM::maxFrames == keltra::kMaxAnimFrames,
+              "a file that is taken fits");
+
 bool KTANIM::load(const char *fileName) {
-    if (!fileName || std::strlen(fileName) >= sizeof name) return false;
-    keltra::FileBytes file(keltra::FilePath(ktaPath, fileName).text);
+    const keltra::FilePath path(ktaPath, fileName);
+    keltra::FaultScope scope("KTANIM::load", path.text);
+    if (!fileName) return scope.failNull("fileName");
+    if (std::strlen(fileName) >= sizeof name) return scope.fail(KT_FAULT_FILE_NAME);
+    keltra::FileBytes file(path.text);
+    if (!file.data()) return scope.failFile(file.isOutOfMemory());
     keltra::AnimRecord record;
-    if (!keltra::readAnim(file.data(), file.size(), record)) return false;
+    keltra::Fault fault;
+    if (!keltra::readAnim(file.data(), file.size(), record, &fault))
+        return scope.fail(keltra::toPublic(fault));
     numberOfBones = static_cast<std::uint16_t>(record.bones);
     numberOfFrames = static_cast<std::uint16_t>(record.frames);
     for (unsigned int bone = 0; bone < record.bones; ++bone)
         keltra::copyText(boneNames[bone], record.names[bone]);
     keltra::ByteReader reader = keltra::keyframesOf(record);
     for (unsigned int frame = 0; frame < record.frames; ++frame)
-        for (unsigned int bone = 0; bone < record.bones; ++bone)
-            keltra::readKeyframe(reader, keyframes[frame][bone]);
+        for (unsigned int bone = 0; bone < record.bones; ++bone) readKeyframe(reader, keyframes[frame][bone]);
     keltra::copyText(name, fileName);
     return true;
 }
 
 bool KTANIM::save(const char *path) {
-    if (!path) return false;
+    if (!path) return keltra::failNull("KTANIM::save", "path");
     Writer writer(path);
     writer.bytes(keltra::kAnimMagic, std::strlen(keltra::kAnimMagic));
     writer.u8(kEndOfText);
@@ -83,5 +99,7 @@ bool KTANIM::save(const char *path) {
             writer.u8(keyframe.set ? 1 : 0);
         }
     }
-    return writer.close();
+    if (writer.close()) return true;
+    keltra::FaultScope scope("KTANIM::save", path);
+    return scope.fail(KT_FAULT_FILE_WRITE);
 }

@@ -35,7 +35,7 @@ KTTEXTURE *acquireTexture(const char *name) {
 // The normal map's name is the texture's with its last six characters replaced, "stone_d.tga" gives
 // "stone_n.tga". Meant as it is: "stone.tga" gives "sto_n.tga".
 KTTEXTURE *acquireNormalMap(const char *textureName) {
-    char name[keltra::kSceneNameSize];
+    char name[keltra::kNameSize];
     const std::size_t length = std::strlen(textureName);
     if (length < kNormalMapEndingLength || length >= sizeof name) return nullptr;
     std::memcpy(name, textureName, length - kNormalMapEndingLength);
@@ -48,7 +48,7 @@ KTSHADER *acquireShader(const char *name) {
     if (KTSHADER *known = KTSHADER::findByName(name)) return known;
     KTSHADER *shader = new (std::nothrow) KTSHADER;
     if (!shader) return nullptr;
-    char vertexProgram[keltra::kSceneNameSize + 8], pixelProgram[sizeof vertexProgram];
+    char vertexProgram[keltra::kNameSize + 8], pixelProgram[sizeof vertexProgram];
     std::snprintf(vertexProgram, sizeof vertexProgram, "%sVS.glsl", name);
     std::snprintf(pixelProgram, sizeof pixelProgram, "%sPS.glsl", name);
     shader->load(vertexProgram, pixelProgram);

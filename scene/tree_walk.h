@@ -3,11 +3,9 @@
 
 #include <keltra/node.h>
 
-namespace keltra {
+#include "formats/limits.h"
 
-// Deepest nesting of a scene tree. The walks keep their path in a fixed array, since the device's stack is 64
-// KB.
-const unsigned int kMaxTreeDepth = 256;
+namespace keltra {
 
 // What `enter` returns to end the whole walk; otherwise it returns how many of the node's children to visit.
 const unsigned int kStopWalk = ~0u;

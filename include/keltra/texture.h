@@ -128,12 +128,14 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     void releaseBitmap();
     bool deleteGLTexture();
     void forgetDeletedGLTexture();
+    bool loadAgain();
     bool takesPicture(unsigned int width, unsigned int height);
     void setParameters() const;
     void uploadImage();
 
     bool ownsBitmap;  // this object set it: its bytes are charged when the object has them charged
     bool ownsGLTexture;
+    bool toldMissing;                                // a fault says that its file cannot be read
     unsigned int deletionsSeen;                      // a copy's GL texture is trusted until any is deleted
     unsigned int uploadedX, uploadedY, uploadedBpp;  // level 0 in GL; 0 for none
     static unsigned int deletions;

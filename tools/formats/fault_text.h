@@ -7,8 +7,10 @@
 
 namespace keltra::formats {
 
+inline std::string reasonOf(const Fault &fault) { return toPublic(fault).expected; }
+
 inline std::string textOf(const Fault &fault) {
-    return "byte " + std::to_string(fault.offset) + ", " + fault.field + ": " + fault.reason;
+    return "byte " + std::to_string(fault.offset) + ", " + fault.field + ": " + reasonOf(fault);
 }
 
 }  // namespace keltra::formats

@@ -14,9 +14,10 @@ struct Track {
     unsigned int set = 0;
     bool finite = true;
 
-    void add(const KTBONEFRAME &keyframe, bool isFirst) {
-        const float values[6] = {keyframe.rotation.x, keyframe.rotation.y, keyframe.rotation.z,
-                                 keyframe.position.x, keyframe.position.y, keyframe.position.z};
+    void add(const KeyframeRecord &keyframe, bool isFirst) {
+        float values[6];
+        std::copy_n(keyframe.rotation, 3, values);
+        std::copy_n(keyframe.position, 3, values + 3);
         for (int i = 0; i < 6; ++i) {
             finite = finite && std::isfinite(values[i]);
             least[i] = isFirst ? values[i] : std::min(least[i], values[i]);
@@ -53,7 +54,7 @@ void describeAnim(const Source &source, const AnimRecord &record, Inspection &re
     for (unsigned int frame = 0; frame < record.frames; ++frame) {
         bool isSet = false;
         for (Track &track : tracks) {
-            KTBONEFRAME keyframe;
+            KeyframeRecord keyframe;
             readKeyframe(reader, keyframe);
             track.add(keyframe, frame == 0);
             isSet = isSet || keyframe.set;

@@ -72,7 +72,8 @@ void noteMissing(Inspection &result, const Source &source, const std::string &wh
 
 void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix) {
     result.good = false;
-    result.flaw = {fault.offset, 0, 0, prefix + fault.field, fault.reason};
+    const KTFAULT told = toPublic(fault);
+    result.flaw = {fault.offset, 0, 0, prefix + fault.field, told.expected, told.found};
 }
 
 void setTextFlaw(Inspection &result, const Source &source, const Fault &fault) {
@@ -95,7 +96,7 @@ Inspection inspect(FileKind kind, const void *bytes, std::size_t size, const std
     } catch (const std::bad_alloc &) {
         result = Inspection();
         result.kind = kind;
-        setFlaw(result, {0, "file", "memory is out"});
+        setFlaw(result, {0, "file", "out of memory"});
     }
     return result;
 }

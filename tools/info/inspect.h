@@ -38,6 +38,7 @@ struct Flaw {
     std::size_t offset = 0;
     std::size_t line = 0, column = 0;
     std::string field, reason;
+    std::string found;  // empty when there is nothing to show
 };
 
 // Insertion order is what is printed. Texts in it are the file's own bytes, whatever they are; lists of

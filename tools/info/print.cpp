@@ -50,6 +50,7 @@ Fields jsonOf(const Answer &answer, bool verdictsOnly) {
     if (!inspection.good) {
         const Flaw &flaw = inspection.flaw;
         file["fault"] = {{"offset", flaw.offset}, {"field", flaw.field}, {"reason", flaw.reason}};
+        if (!flaw.found.empty()) file["fault"]["found"] = flaw.found;
         if (flaw.line) file["fault"].update({{"line", flaw.line}, {"column", flaw.column}});
     }
     if (verdictsOnly) return file;
@@ -85,7 +86,8 @@ std::string verdictLine(const Answer &answer) {
     if (!answer.trouble.empty()) return file + printable(answer.trouble) + "\n";
     const Flaw &flaw = answer.inspection.flaw;
     if (answer.inspection.good) return file + "good\n";
-    return file + place(flaw) + ": " + printable(flaw.field) + ": " + printable(flaw.reason) + "\n";
+    return file + place(flaw) + ": " + printable(flaw.field) + ": " + printable(flaw.reason) +
+           (flaw.found.empty() ? "" : " (found " + printable(flaw.found) + ")") + "\n";
 }
 
 std::string jsonText(const std::vector<Answer> &answers, bool verdictsOnly) {

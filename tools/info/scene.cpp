@@ -15,10 +15,8 @@ namespace keltra::info {
 namespace {
 
 // The engine has identifiers for no more nodes.
-const std::size_t kMostListed = 65535;
+const std::size_t kMostListed = kLargestId;
 const char kNone[] = "[none]";
-// Of the GL's stack of 32 matrices one stands below the scene.
-const unsigned int kDrawnLevels = 31;
 
 std::string lightKind(unsigned int type) {
     switch (type) {
@@ -115,10 +113,10 @@ class Description : public SceneVisitor {
             note(result, counted(source.size - offset, "byte") + " after the tree, not read");
         noteBones();
         if (unnamed) note(result, counted(unnamed, "node") + " without a name");
-        if (skins > KTMESH::maxSkins)
+        if (skins > kMaxSkins)
             note(result, std::to_string(skins) + " skinned meshes; a frame draws " +
-                             std::to_string(unsigned{KTMESH::maxSkins}));
-        if (depth > kDrawnLevels)
+                             std::to_string(unsigned{kMaxSkins}));
+        if (depth > kMaxDrawnDepth)
             note(result, std::to_string(depth) + " levels of nodes are more than the GL's 32 matrices hold");
     }
 
