@@ -3,16 +3,12 @@
 #include <SDL/SDL.h>
 #include <SDL/SDL_syswm.h>
 
-#include <keltra/anim.h>
-#include <keltra/engine.h>
-#include <keltra/font.h>
 #include <keltra/foundation.h>
 #include <keltra/settings.h>
-#include <keltra/shader.h>
-#include <keltra/texture.h>
 
 #include <cstdint>
 
+#include "core/paths.h"
 #include "foundation/text.h"
 #include "platform/platform.h"
 
@@ -63,11 +59,7 @@ bool KTSETTINGS::init(KTSETTINGS *settings) {
     if (active || !settings) return false;
     const RECORD &record = settings->record;
     if (!modeAvailable(record)) return false;
-    KELTRA::setKTEPath(record.ktePath);
-    KTANIM::setKTAPath(record.ktaPath);
-    KTTEXTURE::setPath(record.texturePath);
-    KTSHADER::setPath(record.shaderPath);
-    KTFONT::setPath(record.fontPath);
+    keltra::setPaths(record);
     if (!openWindow(record) || !openContext(record)) {
         closeContext();
         return false;

@@ -17,27 +17,20 @@
 #include <keltra/texture.h>
 #include <keltra/video.h>
 
+#include "core/paths.h"
 #include "foundation/text.h"
 
 bool KELTRA::active = false;
-bool KELTRA::wireframe = false;
-bool KELTRA::shadowing = false;
 bool KELTRA::blooming = false;
 bool KELTRA::HDR = false;
 bool KELTRA::DOF = false;
 bool KELTRA::skipShadows = false;
 bool KELTRA::renderingOnFbo = false;
-int KELTRA::timer = -1;
-// Not 0: a stamp that was just zeroed never equals the current frame.
-long int KELTRA::timeStamp = 65536;
 float KELTRA::bloomingIntensity = 1.0f;
 float KELTRA::HDRExposure = 1.0f;
 float KELTRA::HDRCurrentLuminance = 1.0f;
 float KELTRA::DOFFocus = 1.0f;
 float KELTRA::DOFRange = 2.0f;
-unsigned int KELTRA::videoMemoryTotal = 0;
-unsigned int KELTRA::videoMemoryUsed = 0;
-KTNODE *KELTRA::skybox = nullptr;
 char KELTRA::ktePath[256];
 bool KELTRA::timerUpdated = false;
 
@@ -55,44 +48,87 @@ void forgetGLState() {
 
 }  // namespace
 
-bool KELTRA::init(KTSETTINGS *settings) {
-    if (active) return false;
-    if (SDL_Init(SDL_INIT_VIDEO) == -1) return false;
-    KTSETTINGS defaults;
-    if (!settings) settings = &defaults;
-    if (KTSETTINGS::init(settings)) {
-        forgetGLState();
-        if (KTOPENGL::init()) {
-            KTOPENGL::resize(0, 0, settings->getWindowX(), settings->getWindowY());
-            if (KTSHADER::init()) {
-                if (KTELEMENT::init(static_cast<unsigned int>(settings->getRenderingElements()))) {
-                    if (KTFONT::init()) {
-                        if (KTMESH::init()) {
-                            if (KTEMITTER::init()) {
-                                timer = vnfNewTimer(1.0f);
-                                timerUpdated = false;
-                                videoMemoryTotal = kVideoMemory;
-                                active = true;
-                                return true;
-                            }
-                            KTMESH::free();
-                        }
-                        KTFONT::free();
-                    }
-                    KTELEMENT::free();
-                }
-                KTSHADER::free();
-            }
-            KTOPENGL::free();
-        }
-        KTSETTINGS::free();
+// Start-up in steps. A nested class: some steps are open to the facade only.
+struct KELTRA::STARTUP {
+    struct Step {
+        const char *name;
+        bool (*start)(KTSETTINGS &settings);
+        bool (*stop)();
+    };
+    enum { kSdl, kWindow, kGlState, kShaders, kRenderList, kFonts, kMeshes, kEmitters, kCount };
+    static const Step steps[kCount];
+    // The reverse order of start-up, but for the fonts, which stop before the meshes.
+    static constexpr int kStopping[kCount] = {kEmitters, kFonts,   kMeshes, kRenderList,
+                                              kShaders,  kGlState, kWindow, kSdl};
+
+    static bool startSdl(KTSETTINGS &) { return SDL_Init(SDL_INIT_VIDEO) != -1; }
+    static bool stopSdl() {
+        SDL_Quit();
+        return true;
     }
-    SDL_Quit();
-    return false;
+    static bool startWindow(KTSETTINGS &settings) { return KTSETTINGS::init(&settings); }
+    static bool startGlState(KTSETTINGS &settings) {
+        forgetGLState();
+        if (!KTOPENGL::init()) return false;
+        KTOPENGL::resize(0, 0, settings.getWindowX(), settings.getWindowY());
+        return true;
+    }
+    static bool startShaders(KTSETTINGS &) { return KTSHADER::init(); }
+    static bool startRenderList(KTSETTINGS &settings) {
+        return KTELEMENT::init(static_cast<unsigned int>(settings.getRenderingElements()));
+    }
+    static bool startFonts(KTSETTINGS &) { return KTFONT::init(); }
+    static bool startMeshes(KTSETTINGS &) { return KTMESH::init(); }
+    static bool startEmitters(KTSETTINGS &) { return KTEMITTER::init(); }
+
+    // A failed step stops those before it, the latest first.
+    static bool startAll(KTSETTINGS &settings) {
+        for (int started = 0; started < kCount; ++started) {
+            if (steps[started].start(settings)) continue;
+            while (started-- > 0) steps[started].stop();
+            return false;
+        }
+        return true;
+    }
+
+    static void stopAll() {
+        for (int step : kStopping) steps[step].stop();
+    }
+};
+
+const KELTRA::STARTUP::Step KELTRA::STARTUP::steps[kCount] = {
+    {"SDL", startSdl, stopSdl},
+    {"window and GL context", startWindow, KTSETTINGS::free},
+    {"GL state", startGlState, KTOPENGL::free},
+    {"shaders", startShaders, KTSHADER::free},
+    {"render list", startRenderList, KTELEMENT::free},
+    {"fonts", startFonts, KTFONT::free},
+    {"meshes", startMeshes, KTMESH::free},
+    {"emitters", startEmitters, KTEMITTER::free},
+};
+
+// Every class takes its directory before the window opens, and keeps it when that fails.
+void keltra::setPaths(const KTSETTINGS::RECORD &record) {
+    KELTRA::setKTEPath(record.ktePath);
+    KTANIM::setKTAPath(record.ktaPath);
+    KTTEXTURE::setPath(record.texturePath);
+    KTSHADER::setPath(record.shaderPath);
+    KTFONT::setPath(record.fontPath);
 }
 
-// The order of both halves is fixed: fonts, then nodes, then what nodes refer to; then the subsystems,
-// emitters and fonts before the meshes; videos after the animations.
+bool KELTRA::init(KTSETTINGS *settings) {
+    if (active) return false;
+    KTSETTINGS defaults;
+    if (!STARTUP::startAll(settings ? *settings : defaults)) return false;
+    timer = vnfNewTimer(1.0f);
+    timerUpdated = false;
+    videoMemoryTotal = kVideoMemory;
+    active = true;
+    return true;
+}
+
+// The order is fixed: fonts, then nodes, then what nodes refer to, videos after the animations; then the
+// subsystems.
 bool KELTRA::free() {
     if (!active) return false;
     vnfFreeTimer(timer);
@@ -106,14 +142,7 @@ bool KELTRA::free() {
     KTTEXTURE::cleanUp();
     KTANIM::cleanUp();
     KTVIDEO::cleanUp();
-    KTEMITTER::free();
-    KTFONT::free();
-    KTMESH::free();
-    KTELEMENT::free();
-    KTSHADER::free();
-    KTOPENGL::free();
-    KTSETTINGS::free();
-    SDL_Quit();
+    STARTUP::stopAll();
     active = false;
     return true;
 }
@@ -123,10 +152,6 @@ void KELTRA::updateTimer() {
     vnfAdjournTimer(timer);
     timerUpdated = true;
 }
-
-float KELTRA::getFPS() { return vnfGetTimerFps(timer); }
-
-float KELTRA::getFPSfactor() { return vnfGetTimerFactor(timer); }
 
 void KELTRA::setKTEPath(const char *path) { keltra::copyText(ktePath, path); }
 

@@ -18,8 +18,6 @@
 
 namespace {
 
-const unsigned int kAllChannels = 16;
-
 // Wireframe switches face culling off behind its cache, which keeps what the application wants.
 bool cullingSuspended = false;
 
@@ -49,7 +47,7 @@ void depthOfFieldPass() {
 // Drawn around the eye, turned but not moved, and never on the render list.
 void renderSkybox(KTNODE &skybox) {
     KTMATERIAL::reset();
-    KTTEXTURE::texturingOff(kAllChannels);
+    KTTEXTURE::texturingOff(KTTEXTURE::channels);
     KTLIGHT::lightingOff();
     KT_glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     KT_glLoadIdentity();
@@ -99,7 +97,7 @@ bool KELTRA::begin3D(KTCAMERA *camera) {
     KTSHADER::disable();
     KTMATERIAL::reset();
     KTMESH::reset();
-    KTTEXTURE::texturingOff(kAllChannels);
+    KTTEXTURE::texturingOff(KTTEXTURE::channels);
     KTOPENGL::blendingOff();
     KTOPENGL::twoSideOff();
     if (camera) {
@@ -130,7 +128,7 @@ bool KELTRA::begin2D() {
     updateTimer();
     KTSHADER::disable();
     KTLIGHT::lightingOff();
-    KTTEXTURE::texturingOff(kAllChannels);
+    KTTEXTURE::texturingOff(KTTEXTURE::channels);
     KTELEMENT::reset();
     KTFONT::reset();
     KTOPENGL::blendingOff();

@@ -14,7 +14,6 @@
 
 namespace {
 
-const unsigned int kAllChannels = 16;
 const unsigned int kMaxRings = 1024;
 
 // The GL reads these arrays at each draw, so the pointers are given once a box and the values change between
@@ -72,7 +71,7 @@ void loadEntryMatrix(void *entry) {
 
 void drawBorder(const KTBOX &box, std::int64_t width, std::int64_t height, bool sunken) {
     if (box.thickness == 0) return;
-    KTTEXTURE::texturingOff(kAllChannels);
+    KTTEXTURE::texturingOff(KTTEXTURE::channels);
     KTOPENGL::blendingOn();
     const float alpha = 0.5f;
     FixedColor upper = shade(box.color, sunken ? 0.7f : 1.3f, alpha);
@@ -109,7 +108,7 @@ bool KTBOX::render(void *data) {
     if (texture)
         texture->render(nullptr);
     else
-        KTTEXTURE::texturingOff(kAllChannels);
+        KTTEXTURE::texturingOff(KTTEXTURE::channels);
     if (isTransparent())
         KTOPENGL::blendingOn();
     else

@@ -1,6 +1,6 @@
 #include <keltra/textfield.h>
 
-#include <keltra/engine.h>
+#include <keltra/engine_state.h>
 #include <keltra/font.h>
 #include <keltra/glbridge.h>
 #include <keltra/opengl.h>
@@ -65,7 +65,7 @@ bool KTTEXTFIELD::render(void *data) {
         shown[length + 1] = '\0';
     }
     if (focused) {
-        caretTimer += KELTRA::getFPSfactor();
+        caretTimer += KTENGINESTATE::getFPSfactor();
         // Also below 0: without a running engine the factor is negative.
         if (!(caretTimer >= 0.0f && caretTimer < kCaretPeriod)) caretTimer = 0.0f;
     }

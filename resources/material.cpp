@@ -1,4 +1,4 @@
-#include <keltra/engine.h>
+#include <keltra/engine_state.h>
 #include <keltra/glbridge.h>
 #include <keltra/material.h>
 #include <keltra/mesh.h>
@@ -158,12 +158,12 @@ KTSHADER *KTMATERIAL::chooseShader(const void *data) const {
     const std::int32_t type = *static_cast<const std::int32_t *>(data);
     if (type < kOmni || type > kSpot) return nullptr;
     const unsigned int row =
-        type == kSpot && KELTRA::shadowing ? kShadowRow : static_cast<unsigned int>(type);
+        type == kSpot && KTENGINESTATE::shadowing ? kShadowRow : static_cast<unsigned int>(type);
     return *kLightingShaders[row][(skinning ? 2 : 0) + (isTextured() ? 1 : 0)];
 }
 
 bool KTMATERIAL::render(void *data) {
-    timeStamp = static_cast<std::int32_t>(KELTRA::timeStamp);
+    timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
     if (currentMaterial == this) return true;
     bindShader(chooseShader(data));
     // The stored alphas follow the transparency; whoever reads a colour back sees it.

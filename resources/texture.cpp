@@ -1,4 +1,4 @@
-#include <keltra/engine.h>
+#include <keltra/engine_state.h>
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
@@ -178,7 +178,7 @@ bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int for
     // What the old bitmap was charged stays in `usedMemory`, and `memory` as it was: dynamic textures are not
     // counted.
     releaseBitmap();
-    if (deleteGLTexture()) KELTRA::popVideoMemory(memory);
+    if (deleteGLTexture()) KTENGINESTATE::popVideoMemory(memory);
     bitmap = pixels;
     ownsBitmap = pixels != nullptr;
     sizeX = width;
@@ -232,7 +232,7 @@ bool KTTEXTURE::setFilter(bool linear, bool withMipmaps, bool clampedToEdge) {
 bool KTTEXTURE::render(void *data) {
     const unsigned int channel = data ? *static_cast<const unsigned int *>(data) : 0;
     if (channel >= channels) return false;
-    timeStamp = static_cast<std::int32_t>(KELTRA::timeStamp);
+    timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
     forgetDeletedGLTexture();
     // A texture whose file could not be read is bound as name 0 and tried again at every render.
     if (channelCache[channel] == this && isLoaded()) return true;

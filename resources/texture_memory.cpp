@@ -1,6 +1,6 @@
 #include <keltra/box.h>
 #include <keltra/emitter.h>
-#include <keltra/engine.h>
+#include <keltra/engine_state.h>
 #include <keltra/fbo.h>
 #include <keltra/font.h>
 #include <keltra/material.h>
@@ -37,14 +37,14 @@ void uploadLevel(unsigned int level, unsigned int sizeX, unsigned int sizeY, uns
 bool KTTEXTURE::update() {
     const bool isTarget = bpp == 5 || bpp == 6;
     if (!isTarget && !bitmap) return false;
-    if (deleteGLTexture()) KELTRA::popVideoMemory(memory);
+    if (deleteGLTexture()) KTENGINESTATE::popVideoMemory(memory);
     const unsigned int need = memory;
     // Doubled at every upload with mipmaps, so that repeated updates charge more and more: applications'
     // budgets are tuned to these counts.
     if (mipmapped) memory *= 2;
-    if (KELTRA::videoMemoryTotal - KELTRA::videoMemoryUsed < need) {
+    if (KTENGINESTATE::videoMemoryTotal - KTENGINESTATE::videoMemoryUsed < need) {
         updating = this;
-        garbageCollect(KELTRA::videoMemoryTotal - need);
+        garbageCollect(KTENGINESTATE::videoMemoryTotal - need);
         updating = nullptr;
     }
     GLuint name = 0;
@@ -57,7 +57,7 @@ bool KTTEXTURE::update() {
     setParameters();
     if (bpp == 3 || bpp == 4) uploadImage();
     mipmapResident = mipmapped;
-    KELTRA::pushVideoMemory(mipmapped ? 2 * memory : memory);
+    KTENGINESTATE::pushVideoMemory(mipmapped ? 2 * memory : memory);
     return true;
 }
 
@@ -96,8 +96,8 @@ bool KTTEXTURE::unload(bool freeBitmap) {
     }
     const bool hadMipmaps = mipmapResident;
     if (deleteGLTexture()) {
-        KELTRA::popVideoMemory(memory);
-        if (hadMipmaps) KELTRA::popVideoMemory(memory);
+        KTENGINESTATE::popVideoMemory(memory);
+        if (hadMipmaps) KTENGINESTATE::popVideoMemory(memory);
     }
     return true;
 }
@@ -167,7 +167,7 @@ bool KTTEXTURE::garbageCollect(unsigned long limit) {
     });
     for (unsigned int i = 0; i < total; ++i) {
         KTTEXTURE *texture = candidates[i].texture;
-        if (texture != updating && KELTRA::videoMemoryUsed >= limit) texture->unload(true);
+        if (texture != updating && KTENGINESTATE::videoMemoryUsed >= limit) texture->unload(true);
     }
     for (unsigned int i = 0; i < total; ++i) {
         KTTEXTURE *texture = candidates[i].texture;

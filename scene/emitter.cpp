@@ -1,7 +1,7 @@
 #include <keltra/emitter.h>
 
 #include <keltra/element.h>
-#include <keltra/engine.h>
+#include <keltra/engine_state.h>
 #include <keltra/foundation.h>
 #include <keltra/glbridge.h>
 #include <keltra/light.h>
@@ -394,7 +394,7 @@ void KTEMITTER::updateParticles() {
     billboard.up.set(m[1], m[5], m[9]);
     billboard.axis = billboard.right ^ billboard.up;
     billboard.axis.normalize();
-    billboard.time = KELTRA::getFPSfactor();
+    billboard.time = KTENGINESTATE::getFPSfactor();
     billboard.gravityStep = gravity * billboard.time;
     const unsigned int count = static_cast<unsigned int>(clampedNumber(numberOfParticles));
     R3XVECTOR4D *corners = vertexArray;

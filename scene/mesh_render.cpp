@@ -3,7 +3,7 @@
 #include <GLES/gl.h>
 
 #include <keltra/element.h>
-#include <keltra/engine.h>
+#include <keltra/engine_state.h>
 #include <keltra/glbridge.h>
 #include <keltra/light.h>
 #include <keltra/material.h>
@@ -136,7 +136,7 @@ KTMESH::DRAWING KTMESH::prepareDrawing(bool special) {
     if (numberOfUVs == 0 || KTOPENGL::currentProfile == KT_PROFILE_PICKING) drawing.uvs = nullptr;
     if (!faces) drawing.indexCount = 0;
     // Without memory for the lines the triangles are drawn.
-    if (!special && KELTRA::isWireframed() && makeLineIndices()) {
+    if (!special && KTENGINESTATE::isWireframed() && makeLineIndices()) {
         drawing.primitive = GL_LINES;
         drawing.indexCount = GLsizei(numberOfFaces * kEdgeIndices);
         drawing.indices = lineIndices;

@@ -1,18 +1,18 @@
 #ifndef KELTRA_ENGINE_H
 #define KELTRA_ENGINE_H
 
-// The engine: start-up and shut-down, the frame, loading, picking, and the counters that everything shares.
-// All members are static. A frame is: clear, begin3D(camera), pass of the nodes to draw, end3D, begin2D, pass
-// of the interface, end2D, swap.
+// The engine: start-up and shut-down, the frame, loading, picking and the effect switches; `KTENGINESTATE`
+// gives it the counters that all classes share. All members are static. A frame is: clear, begin3D(camera),
+// pass of the nodes to draw, end3D, begin2D, pass of the interface, end2D, swap.
 
-#include <keltra/export.h>
+#include <keltra/engine_state.h>
 
 class KTCAMERA;
 class KTNODE;
 class KTSETTINGS;
 class TiXmlNode;
 
-class KT_API KELTRA {
+class KT_API KELTRA : public KTENGINESTATE {
    public:
     /** Opens the window and starts every subsystem; null stands for default settings. False when active or
      * when a step fails; everything that was started is shut down again then. */
@@ -42,20 +42,6 @@ class KT_API KELTRA {
 
     /** Advances the frame timer unless this frame has already done so. */
     static void updateTimer();
-    /** Frames per second, and seconds, of the last frame; -1 while not active. */
-    static float getFPS();
-    static float getFPSfactor();
-    /** Frame counter: 65536 at first, one more at each `begin3D`. */
-    static long int getTimeStamp() { return timeStamp; }
-
-    /** Video memory in bytes: budget (8 MiB), used, and their difference, which wraps around when the budget
-     * is exceeded. `pushVideoMemory` and `popVideoMemory` are bookkeeping without a limit and return the
-     * bytes used. */
-    static unsigned int getVideoMemory() { return videoMemoryTotal; }
-    static unsigned int getUsedVideoMemory() { return videoMemoryUsed; }
-    static unsigned int getFreeVideoMemory() { return videoMemoryTotal - videoMemoryUsed; }
-    static unsigned int pushVideoMemory(unsigned int bytes) { return videoMemoryUsed += bytes; }
-    static unsigned int popVideoMemory(unsigned int bytes) { return videoMemoryUsed -= bytes; }
 
     /** Prefix of scene file names, up to 255 characters; null empties it. */
     static void setKTEPath(const char *path);
@@ -81,16 +67,13 @@ class KT_API KELTRA {
     /** Node whose first child is drawn around the eye, before everything else; null for none. Not owned;
      * forgotten when the node is destroyed. */
     static void setSkybox(KTNODE *node);
-    static KTNODE *getSkybox() { return skybox; }
 
     /** Draw the edges of triangles instead of their faces. */
     static void wireframeOn() { wireframe = true; }
     static void wireframeOff() { wireframe = false; }
-    static bool isWireframed() { return wireframe; }
     /** Takes effect only where shaders support shadows. */
     static void shadowingOn();
     static void shadowingOff() { shadowing = false; }
-    static bool isShadowed() { return shadowing; }
     static void skipShadowsGeneration() { skipShadows = true; }
     static void bloomingOn() { blooming = true; }
     static void bloomingOff() { blooming = false; }
@@ -112,18 +95,15 @@ class KT_API KELTRA {
     static void updateVideo() {}
 
     static bool active;
-    static bool wireframe, shadowing, blooming, HDR, DOF, skipShadows;
+    static bool blooming, HDR, DOF, skipShadows;
     static bool renderingOnFbo;
-    static int timer;
-    static long int timeStamp;
     static float bloomingIntensity;
     static float HDRExposure, HDRCurrentLuminance;
     static float DOFFocus, DOFRange;
-    static unsigned int videoMemoryTotal, videoMemoryUsed;
-    static KTNODE *skybox;
     static char ktePath[256];
 
    private:
+    struct STARTUP;
     static bool timerUpdated;
 };
 

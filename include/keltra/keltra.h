@@ -13,6 +13,7 @@
 #include <keltra/element.h>
 #include <keltra/emitter.h>
 #include <keltra/engine.h>
+#include <keltra/engine_state.h>
 #include <keltra/export.h>
 #include <keltra/fault.h>
 #include <keltra/fbo.h>
