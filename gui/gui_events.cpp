@@ -4,6 +4,7 @@
 #include <keltra/textfield.h>
 
 #include "gui/widgets.h"
+#include "scene/render_list.h"
 
 namespace {
 
@@ -13,6 +14,7 @@ struct {
     KTBOX *active;  // pressed and held
     KTTEXTFIELD *focused;
     bool moved;  // the active box was dragged
+    unsigned int listStarts;
 } last;
 
 struct Pointer {
@@ -35,6 +37,14 @@ Pointer readPointer(int x, int y, int pressed, int extra) {
     }
     int dx = keltra::toInt(std::int64_t{x} - last.x), dy = keltra::toInt(std::int64_t{y} - last.y);
     return {x, y, dx, dy, pressed, extra};
+}
+
+// Boxes that were held before the render list was started anew are of an earlier run.
+void forgetEarlierRun() {
+    const unsigned int starts = keltra::renderListStarts();
+    if (last.listStarts == starts) return;
+    last = {};
+    last.listStarts = starts;
 }
 
 bool isButton(KTBOX *box, KT_BUTTON_EVENT kind) {
@@ -114,9 +124,8 @@ void keltra::forgetInEvents(const KTBOX *gone) {
     last.moved = false;
 }
 
-void keltra::resetEvents() { last = {}; }
-
 bool KTELEMENT::manageGUIEvents(char key, int x, int y, int pressed, int extra, unsigned int *activatedId) {
+    forgetEarlierRun();
     const Pointer pointer = readPointer(x, y, pressed, extra);
     if (activatedId) *activatedId = 0;
     if (last.focused) last.focused->manageKey(key);

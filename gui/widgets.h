@@ -74,9 +74,8 @@ void loadEntryMatrix(void *entry);
 // Draws the bevelled border of a rectangle of the box's colour, `width` x `height` from the current origin.
 void drawBorder(const KTBOX &box, std::int64_t width, std::int64_t height, bool sunken);
 
-// The events' pointers to boxes: forgets one that is destroyed, or all of them when the engine starts anew.
+// Clears the events' pointers to a box that is destroyed.
 void forgetInEvents(const KTBOX *gone);
-void resetEvents();
 
 }  // namespace keltra
 

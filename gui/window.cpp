@@ -65,8 +65,7 @@ void forScrolled(const KTWINDOW &window, Visit visit) {
 }  // namespace
 
 KTWINDOW::KTWINDOW()
-    : maximized(true),
-      text(),
+    : text(),
       formattedText(),
       titleBar(new (std::nothrow) KTBUTTON),
       scrollBar(new (std::nothrow) KTVSCROLLBAR),

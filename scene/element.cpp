@@ -1,6 +1,6 @@
 #include <keltra/element.h>
 
-#include <keltra/engine.h>
+#include <keltra/engine_state.h>
 #include <keltra/foundation.h>
 #include <keltra/glbridge.h>
 #include <keltra/material.h>
@@ -11,9 +11,9 @@
 #include <new>
 
 #include "core/glbridge.h"
-#include "gui/widgets.h"
 #include "scene/element_radius.h"
 #include "scene/local_transform.h"
+#include "scene/render_list.h"
 #include "scene/tree_walk.h"
 
 const unsigned int KTELEMENT::maxElements;
@@ -29,6 +29,8 @@ unsigned int KTELEMENT::numberOfLights = 0;
 unsigned int KTELEMENT::numberOfTransparencies = 0;
 
 namespace {
+
+unsigned int starts = 0;
 
 bool isTransparentMesh(const KTMESH &mesh) { return mesh.material && mesh.material->isTransparent(); }
 
@@ -47,10 +49,10 @@ bool isCulled(const KTNODE &node) {
     return distance > 2.0f * keltra::boundingRadius(&node) + KTELEMENT::clippingRadius;
 }
 
-// A folded window shows its title bar, the first child, and nothing else.
-unsigned int childrenToPass(KTNODE *node) {
-    const KTWINDOW *window = keltra::asWindow(node);
-    return window && window->isMinimized() ? std::min(node->numberOfChildren, 1u) : node->numberOfChildren;
+// A folded window shows its title bar, its first child, and nothing else.
+unsigned int childrenToPass(const KTNODE &node) {
+    const bool folded = node.type == KT_WINDOW && node.isFolded();
+    return folded ? std::min(node.numberOfChildren, 1u) : node.numberOfChildren;
 }
 
 // Remembers which levels of a walk really pushed a matrix: a full stack takes no more.
@@ -81,6 +83,8 @@ void storeBone(KTNODE *bone, const KTMESH &mesh) {
 
 }  // namespace
 
+unsigned int keltra::renderListStarts() { return starts; }
+
 KTELEMENT::KTELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight(), param1(0) {}
 
 void KTELEMENT::setNearestLight(unsigned int i, KTELEMENT *light) {
@@ -101,7 +105,7 @@ bool KTELEMENT::init(unsigned int n) {
     elementPointer = static_cast<KTELEMENT **>(order);
     for (unsigned int i = 0; i < capacity; ++i) elementPointer[i] = new (&element[i]) KTELEMENT;
     numberOfElements = capacity;
-    keltra::resetEvents();
+    ++starts;
     active = true;
     return true;
 }
@@ -120,6 +124,12 @@ bool KTELEMENT::free() {
 
 void KTELEMENT::reset() { numberOfPassedElements = numberOfLights = numberOfTransparencies = 0; }
 
+bool KTNODE::pass(bool flag) {
+    timeStamp = static_cast<unsigned int>(KTENGINESTATE::timeStamp);
+    KTELEMENT::pass(this, flag);
+    return true;
+}
+
 // Children go through the same steps as KTNODE::pass, which stamps a node before it is queued here.
 bool KTELEMENT::pass(KTNODE *root, bool) {
     if (!root || numberOfPassedElements >= numberOfElements) return false;
@@ -127,7 +137,7 @@ bool KTELEMENT::pass(KTNODE *root, bool) {
     const KTNODE *refused =
         nullptr;  // came when the list was full; it has no level, and its children do not come
     auto enter = [&](KTNODE *node, unsigned int depth) -> unsigned int {
-        if (depth > 0) node->timeStamp = static_cast<unsigned int>(KELTRA::timeStamp);
+        if (depth > 0) node->timeStamp = static_cast<unsigned int>(KTENGINESTATE::timeStamp);
         if (numberOfPassedElements >= numberOfElements) {
             refused = node;
             return 0;
@@ -135,7 +145,7 @@ bool KTELEMENT::pass(KTNODE *root, bool) {
         levels.push(depth);
         keltra::applyLocalTransform(*node);
         if (isDrawable(*node) && !isCulled(*node)) append(node);
-        return childrenToPass(node);
+        return childrenToPass(*node);
     };
     auto leave = [&](KTNODE *node, unsigned int depth) {
         if (node == refused)

@@ -1,7 +1,7 @@
 #include <keltra/node.h>
 
 #include <keltra/element.h>
-#include <keltra/engine.h>
+#include <keltra/engine_state.h>
 
 #include <cstdio>
 #include <cstring>
@@ -42,6 +42,7 @@ KTNODE::KTNODE()
       numberOfChildren(0),
       parent(nullptr),
       children(nullptr),
+      maximized(true),
       classes(0),
       borrows(false),
       targeted(false),
@@ -58,6 +59,7 @@ KTNODE::KTNODE(bool) : KTNODE() {}
 KTNODE::KTNODE(const KTNODE &other)
     : KTREGISTERED<KTNODE>(other),
       children(nullptr),
+      maximized(true),
       classes(0),
       borrows(false),
       targeted(false),
@@ -160,7 +162,7 @@ void KTNODE::forget(const KTNODE *gone) {
 
 void KTNODE::forgetEverywhere() {
     KTELEMENT::forget(this);
-    if (KELTRA::skybox == this) KELTRA::skybox = nullptr;
+    if (KTENGINESTATE::skybox == this) KTENGINESTATE::skybox = nullptr;
     if (borrows) {
         (previousBorrower ? previousBorrower->nextBorrower : firstBorrower) = nextBorrower;
         if (nextBorrower) nextBorrower->previousBorrower = previousBorrower;

@@ -1,7 +1,5 @@
 #include <keltra/node.h>
 
-#include <keltra/element.h>
-#include <keltra/engine.h>
 #include <keltra/foundation.h>
 #include <keltra/glbridge.h>
 
@@ -152,12 +150,6 @@ R3XMATRIX KTNODE::getFinalMatrix(const char *stopName) {
     else
         KT_glLoadMatrixf(top.m);
     return result;
-}
-
-bool KTNODE::pass(bool flag) {
-    timeStamp = static_cast<unsigned int>(KELTRA::timeStamp);
-    KTELEMENT::pass(this, flag);
-    return true;
 }
 
 void KTNODE::displayTreeRecursive(KTNODE *node, int indent) {

@@ -157,6 +157,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     /** Stamps the node with the frame and queues it and its subtree for drawing (`KTELEMENT::pass`). Always
      * true. */
     bool pass(bool flag = false);
+    /** Whether a pass takes the first child only: true for a window that is folded to its title bar. */
+    bool isFolded() const { return !maximized; }
     /** Writes the subtree to the run log, one line a node, two more blanks a level. */
     static void displayTreeRecursive(KTNODE *node, int indent);
     /** Reads the body of one plain node record at `buffer + *cursor` and advances the cursor. It trusts that
@@ -192,6 +194,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     /** For the constructors of the engine's node classes, those that copy included: `isOfClass` answers true
      * for the code from now on. */
     void joinClass(KT_NODE_TYPE code) { classes |= 1u << code; }
+
+    bool maximized;  // true but for folded windows; not copied with a node
 
    private:
     friend class KTREGISTERED<KTNODE>;

@@ -47,7 +47,7 @@ class KT_API KTWINDOW : public KTBUTTON {
     /** Draws body and text; nothing while folded. True. */
     bool render(void *data) override;
 
-    bool maximized;
+    using KTNODE::maximized;  // a bool
     char text[textSize];
     char formattedText[textSize];
     KTBUTTON *titleBar;
