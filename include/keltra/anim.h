@@ -1,11 +1,6 @@
 #ifndef KELTRA_ANIM_H
 #define KELTRA_ANIM_H
 
-// Skeletal animations: a grid of keyframes, one for each frame and bone, played by writing one frame into the
-// nodes of the bones' names. Animations are read from and written to KTA files, or made in code: take the
-// bones from a mesh, set some keyframes, fill the frames between them. All animations are on one list, which
-// owns them. An object holds the whole grid, about 3.7 MB: make it with `new`.
-
 #include <cstdint>
 
 #include <keltra/registered.h>
@@ -18,11 +13,17 @@ extern template class KT_API KTREGISTERED<KTANIM>;
 
 /** The pose of one bone in one frame. */
 struct KTBONEFRAME {
-    R3XVECTOR3D rotation;  // degrees about X, Y, Z
+    R3XVECTOR3D rotation;  ///< degrees about X, Y, Z
     R3XVECTOR3D position;
-    bool set;  // given explicitly, not interpolated
+    bool set;  ///< given explicitly, not interpolated
 };
 
+/** A skeletal animation: a grid of keyframes, one for each frame and bone, which is played by writing one
+ * frame into the nodes of the bones' names. It is read from and written to KTA files, or made in code: take
+ * the bones from a mesh, set some keyframes, fill the frames between them.
+ *
+ * All animations are on one list, which owns those made with `new`. An object holds the whole grid, about
+ * 3.7 MB: never put it on the stack. */
 class KT_API KTANIM : public KTREGISTERED<KTANIM> {
    public:
     static const unsigned int maxBones = 128;
@@ -43,6 +44,7 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     /** First animation of that name; a loaded one has the name of its file. Null when `name` is null or
      * unknown. */
     static KTANIM *findByFilename(const char *name);
+    /** First animation of that identifier; null when there is none. */
     static KTANIM *findById(unsigned int id);
     static unsigned int getNumberOfAnims();
     static KTANIM *getFirst() { return firstAnim; }
@@ -100,8 +102,8 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     std::uint16_t numberOfBones;
     std::uint16_t numberOfFrames;
     char boneNames[maxBones][256];
-    KTBONEFRAME keyframes[maxFrames + 1]
-                         [maxBones];  // the last row is the frame one past the last of a full animation
+    /** The last row is the frame one past the last of a full animation. */
+    KTBONEFRAME keyframes[maxFrames + 1][maxBones];
     KTANIM *previous, *next;
     KTANIM *getNext() const { return isRegistered() ? registeredNext() : next; }
     KTANIM *getPrevious() const { return isRegistered() ? registeredPrevious() : previous; }

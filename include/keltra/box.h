@@ -1,12 +1,6 @@
 #ifndef KELTRA_BOX_H
 #define KELTRA_BOX_H
 
-// A box is the base of every widget of the interface: a coloured, optionally textured rectangle with a
-// bevelled border, in pixels, x to the right and y downward from the parent's position. Boxes nest: a window
-// carries its widgets as children. Pass the outermost ones between `KELTRA::begin2D` and `end2D`, then hand
-// pointer and keys to `KTELEMENT::manageGUIEvents`. Textures and shaders are not owned; they are forgotten
-// when they are destroyed.
-
 #include <keltra/node.h>
 
 class KTFONT;
@@ -24,8 +18,16 @@ class KT_API KTBOXCOORD {
     float coord[8];
 };
 
+/** The base of every widget of the interface: a coloured, optionally textured rectangle with a bevelled
+ * border, in pixels, x to the right and y downward from the parent's position. Boxes nest: a window carries
+ * its widgets as children.
+ *
+ * Pass the outermost ones between `KELTRA::begin2D` and `end2D`, then hand pointer and keys to
+ * `KTELEMENT::manageGUIEvents`. Textures and shaders are not owned; they are forgotten when they are
+ * destroyed. */
 class KT_API KTBOX : public KTNODE {
    public:
+    /** 64 x 64 pixels, grey, opaque, in front of all older boxes; displayed, not checked, static. */
     KTBOX();
     /** Copies every field, place in the stacking order included. The texture's count of uses stays. */
     KTBOX(const KTBOX &other);
@@ -50,12 +52,13 @@ class KT_API KTBOX : public KTNODE {
     void setColor(float r, float g, float b, float a) { color.set(r, g, b, a); }
     void setColor(R3XVECTOR4D rgba) { color = rgba; }
     R3XVECTOR4D getColor() const { return color; }
-    /** True when alpha is not exactly 1. */
+    /** True when alpha is not exactly 1. Only then the box blends, and a texture shows its own alpha. */
     bool isTransparent() const { return color.w != 1.0f; }
-    /** Whether the pointer finds the box. */
+    /** Whether the pointer finds the box; off at first but for buttons, fields and windows. */
     void setCheckStatus(bool status) { checkStatus = status; }
     bool getCheckStatus() const { return checkStatus; }
-    /** Whether the box itself is drawn and found; its children decide for themselves. */
+    /** Whether the box itself is drawn and found; its children decide for themselves, also those of a
+     * window. */
     void setDisplayStatus(bool status) { displayStatus = status; }
     bool getDisplayStatus() const { return displayStatus; }
     /** A box that is not static can be dragged. */
@@ -65,6 +68,7 @@ class KT_API KTBOX : public KTNODE {
     void setClickedStatus(bool status) { clickedStatus = status; }
     bool getClickedStatus() const { return clickedStatus; }
     bool isClicked() const { return clickedStatus; }
+    /** Whether a drag keeps the box within its limits; off at first. */
     void setLimitStatus(bool status) { limitStatus = status; }
     bool getLimitStatus() const { return limitStatus; }
     /** Whether drawing is clipped to the enclosing window. */
@@ -81,6 +85,7 @@ class KT_API KTBOX : public KTNODE {
     bool setTexture(KTTEXTURE *texture);
     /** Null for none. True. */
     bool setShader(KTSHADER *shader);
+    /** The part of the texture that the face shows. */
     void setBoxCoords(KTBOXCOORD coords) { boxCoord = coords; }
     KTBOXCOORD getBoxCoord() const { return boxCoord; }
 

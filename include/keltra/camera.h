@@ -1,12 +1,11 @@
 #ifndef KELTRA_CAMERA_H
 #define KELTRA_CAMERA_H
 
-// A camera is a node whose render loads the view matrix. The projection belongs to the display
-// (`KTOPENGL::resize`). It looks along its rotation (about Z, then X, then Y), at a fixed point (`targetNode`
-// = itself, `target` = point), or at another node (`targetNode`). Parents do not move a camera.
-
 #include <keltra/node.h>
 
+/** A node whose render loads the view matrix. The projection belongs to the display (`KTOPENGL::resize`). A
+ * camera looks along its rotation (about Z, then X, then Y), at a fixed point (`targetNode` = itself,
+ * `target` = point), or at another node (`targetNode`). Parents do not move a camera. */
 class KT_API KTCAMERA : public KTNODE {
    public:
     KTCAMERA();

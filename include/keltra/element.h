@@ -1,15 +1,15 @@
 #ifndef KELTRA_ELEMENT_H
 #define KELTRA_ELEMENT_H
 
-// The render list of a frame: one KTELEMENT for each drawable node that was passed between `KELTRA::begin3D`
-// and `end3D` (or `begin2D` and `end2D`). The list is allocated once; it points at nodes without owning them.
-
 #include <keltra/matrix.h>
 #include <keltra/vector.h>
 
 class KTMESH;
 class KTNODE;
 
+/** One entry of the render list, and as static members the list itself: one entry for each drawable node that
+ * was passed between `KELTRA::begin3D` and `end3D` (or `begin2D` and `end2D`). The list is allocated once;
+ * it points at nodes without owning them. */
 class KT_API KTELEMENT {
    public:
     static const unsigned int maxElements = 1024;
@@ -21,7 +21,9 @@ class KT_API KTELEMENT {
     KTNODE *getNode() const { return node; }
     /** Model-view matrix of the pass. */
     R3XMATRIX *getMatrix() { return &matrix; }
+    /** The node's `auxId` when it was passed. */
     unsigned int getAuxId() const { return auxId; }
+    /** Of a light: its distance from the point that `sortLights` was given last. */
     float getDistance() const { return distance; }
     /** Light `i` of the four nearest, nearest first; null when there is none. */
     KTELEMENT *getNearestLight(unsigned int i) const { return i < nearestLights ? nearestLight[i] : nullptr; }
@@ -33,6 +35,7 @@ class KT_API KTELEMENT {
     /** Allocates the list for `n` entries; 0 and more than 1024 give 1024. False when active or out of
      * memory. */
     static bool init(unsigned int n);
+    /** Releases the list; false when not active. */
     static bool free();
     static bool isActive() { return active; }
     /** Empties the list. */
@@ -52,6 +55,7 @@ class KT_API KTELEMENT {
     static bool passSkeleton(KTNODE *bone, KTMESH *mesh);
     /** Light `i` in drawing order; null when there is none. Valid after `sort3D`. */
     static KTELEMENT *getLight(unsigned int i);
+    /** Capacity of the list, entries of this frame, and lights among them. */
     static unsigned int getNumberOfElements() { return numberOfElements; }
     static unsigned int getNumberOfPassedElements() { return numberOfPassedElements; }
     static unsigned int getNumberOfLights() { return numberOfLights; }
@@ -64,9 +68,13 @@ class KT_API KTELEMENT {
 
     /** The input of the interface: to be called once a frame after `KELTRA::end2D`, while the list of the 2D
      * pass stands. `key` is the frame's character, 0 for none; (x, y) the pointer in pixels of the window;
-     * `pressed` not 0 while the pointer is down; `extra` is only remembered. Presses, drags and folds widgets
-     * and moves the focus. `activatedId`, which may be null, receives the identifier of a widget that was
-     * activated, otherwise 0. True while the pointer is over a widget or holds one. */
+     * `pressed` not 0 while the pointer is down; `extra` is only remembered. Presses, drags and folds
+     * widgets and moves the focus. `activatedId`, which may be null, receives the identifier of a widget
+     * that was activated, otherwise 0.
+     *
+     * True while the pointer is over a widget or a widget holds it. False in the call in which a widget is
+     * let go of, and from the second call of a press on a switch on: to tell a press on a widget from one on
+     * the scene, keep the result of the call with which it begins. */
     static bool manageGUIEvents(char key, int x, int y, int pressed, int extra, unsigned int *activatedId);
 
     KTNODE *node;

@@ -1,16 +1,6 @@
 #ifndef KELTRA_EMITTER_H
 #define KELTRA_EMITTER_H
 
-// Particle emitters: nodes that spawn, move and draw textured squares which face the eye. All emitters share
-// one pool of particles; an emitter claims its share when it is rendered first and gives it back when it is
-// destroyed. Described by XML files (`load`) or by the setters, which act on particles spawned later. Times
-// are in seconds, angles in degrees.
-//
-// The particles of an emitter are drawn as a plain list of triangles, though there are four corners each: of
-// every three particles, the first and the third show one half of their square, and two more triangles span
-// the gaps between the three. An image that keeps to the right quarter of its texture is seen whole on two of
-// three particles, without those.
-
 #include <keltra/node.h>
 
 class KTTEXTURE;
@@ -23,17 +13,26 @@ class KT_API KTPARTICLE {
     R3XVECTOR3D position;
     R3XVECTOR3D velocity;
     R3XVECTOR4D color;
-    float spinSpeed;  // degrees a second
+    float spinSpeed;  ///< degrees a second
     float spinAngle;
     float size;
-    float initialEnergy, energy;  // at birth, and left
-    bool used;                    // an emitter holds it
+    float initialEnergy, energy;  ///< at birth, and left
+    bool used;                    ///< an emitter holds it
 };
 
+/** A particle emitter: a node that spawns, moves and draws textured squares which face the eye. All emitters
+ * share one pool of particles; an emitter claims its share when it is rendered first and gives it back when
+ * it is destroyed. It is described by an XML file (`load`) or by the setters, which act on particles spawned
+ * later. Times are in seconds, angles in degrees.
+ *
+ * Deliberate, since emitter files and their textures rely on it: the particles are drawn as a plain list of
+ * triangles, though there are four corners each. Of every three particles, the first and the third show one
+ * half of their square, and two more triangles span the gaps between the three. An image that keeps to the
+ * right quarter of its texture is seen whole on two of three particles, without those. */
 class KT_API KTEMITTER : public KTNODE {
    public:
     static const unsigned int poolSize = 1024;
-    static const unsigned int maxParticles = 512;  // of an emitter
+    static const unsigned int maxParticles = 512;  ///< of an emitter
 
     /** The colours are random, drawn with `rand`. */
     KTEMITTER();
@@ -43,7 +42,7 @@ class KT_API KTEMITTER : public KTNODE {
     ~KTEMITTER() override;
 
     /** Start and end of the engine: the pool and the arrays for drawing, all or none. False when they exist,
-     * are missing, or memory is out. */
+     * are missing, or there is no memory for them. */
     static bool init();
     static bool free();
 
@@ -86,6 +85,7 @@ class KT_API KTEMITTER : public KTNODE {
     void setCenter(R3XVECTOR3D value) { center = value; }
     void setCenter(float x, float y, float z) { center.set(x, y, z); }
     R3XVECTOR3D getCenter() const { return center; }
+    /** Acceleration in units a second, a second. */
     void setGravity(R3XVECTOR3D value) { gravity = value; }
     void setGravity(float x, float y, float z) { gravity.set(x, y, z); }
     R3XVECTOR3D getGravity() const { return gravity; }
@@ -112,7 +112,7 @@ class KT_API KTEMITTER : public KTNODE {
     void setColorEnd(float r, float g, float b) { setColorEnd(R3XVECTOR3D(r, g, b)); }
     R3XVECTOR3D getColorEnd() const { return colorEnd; }
     /** The emitter owns the texture: it counts as a user and destroys it, when it is replaced, by `load` and
-     * with the emitter, unless somebody else is counted as well. Null for none. */
+     * with the emitter, unless another use is counted as well. Null for none. */
     void setTexture(KTTEXTURE *value);
     KTTEXTURE *getTexture() const { return texture; }
     /** GL blend factors. */
@@ -124,7 +124,7 @@ class KT_API KTEMITTER : public KTNODE {
     int emitterType;
     bool initialized;
     int numberOfParticles;
-    int slot[maxParticles];  // indices in the pool; -1 for none
+    int slot[maxParticles];  ///< indices in the pool; -1 for none
     unsigned int maximumEnergy;
     unsigned int maxVelocity;
     unsigned int maximumParticuleSize;
@@ -136,7 +136,7 @@ class KT_API KTEMITTER : public KTNODE {
     float sizeX, sizeY;
     float radius;
     R3XVECTOR3D upVector;
-    R3XVECTOR3D colorDelta;  // from the start to the end
+    R3XVECTOR3D colorDelta;  ///< from the start to the end
     R3XVECTOR3D colorStart;
     R3XVECTOR3D colorEnd;
     KTTEXTURE *texture;

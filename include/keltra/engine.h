@@ -1,10 +1,6 @@
 #ifndef KELTRA_ENGINE_H
 #define KELTRA_ENGINE_H
 
-// The engine: start-up and shut-down, the frame, loading, picking and the effect switches; `KTENGINESTATE`
-// gives it the counters that all classes share. All members are static. A frame is: clear, begin3D(camera),
-// pass of the nodes to draw, end3D, begin2D, pass of the interface, end2D, swap.
-
 #include <keltra/engine_state.h>
 
 class KTCAMERA;
@@ -12,6 +8,10 @@ class KTNODE;
 class KTSETTINGS;
 class TiXmlNode;
 
+/** The engine: start-up and shut-down, the frame, loading, picking and the effect switches; `KTENGINESTATE`
+ * gives it the counters that all classes share. All members are static. A frame is: `clear`,
+ * `begin3D(camera)`, pass of the nodes to draw, `end3D`, `begin2D`, pass of the interface, `end2D`,
+ * `swap`. */
 class KT_API KELTRA : public KTENGINESTATE {
    public:
     /** Opens the window and starts every subsystem; null stands for default settings. False when active or
@@ -19,6 +19,7 @@ class KT_API KELTRA : public KTENGINESTATE {
     static bool init(KTSETTINGS *settings);
     /** Destroys all resources and shuts everything down; false when not active. */
     static bool free();
+    /** True between a successful `init` and `free`. */
     static bool isActive() { return active; }
 
     /** Starts a frame: chooses the render target and clears the chosen buffers. Always true. */
@@ -68,25 +69,35 @@ class KT_API KELTRA : public KTENGINESTATE {
      * forgotten when the node is destroyed. */
     static void setSkybox(KTNODE *node);
 
-    /** Draw the edges of triangles instead of their faces. */
+    /** Wireframe: meshes are drawn as the edges of their triangles. Off at first; takes effect at the next
+     * `end3D`. */
     static void wireframeOn() { wireframe = true; }
     static void wireframeOff() { wireframe = false; }
-    /** Takes effect only where shaders support shadows. */
+    /** Shadows: can be switched on only where shaders support them, which is nowhere at present. Off at
+     * first. */
     static void shadowingOn();
     static void shadowingOff() { shadowing = false; }
+    /** Sets a flag that nothing reads or clears. */
     static void skipShadowsGeneration() { skipShadows = true; }
+    /** Bloom: kept, and drives no pass. Off at first. */
     static void bloomingOn() { blooming = true; }
     static void bloomingOff() { blooming = false; }
     static bool isBlooming() { return blooming; }
+    /** Kept only; 1 at first. */
     static void setBloomingIntensity(float value) { bloomingIntensity = value; }
     static float getBloomingIntensity() { return bloomingIntensity; }
+    /** High dynamic range: kept, and drives no pass. Off at first. */
     static void HDROn() { HDR = true; }
     static void HDROff() { HDR = false; }
     static bool isHDR() { return HDR; }
+    /** Kept only; 1 at first. */
     static void setHDRExposure(float value) { HDRExposure = value; }
     static float getHDRExposure() { return HDRExposure; }
+    /** Depth of field: a pass of its own where shaders support it, which is nowhere at present. Off at
+     * first. */
     static void DOFOn() { DOF = true; }
     static void DOFOff() { DOF = false; }
+    /** Distance of the sharp picture, and its range; kept only; 1 and 2 at first. */
     static void setDOFFocus(float distance) { DOFFocus = distance; }
     static float getDOFFocus() { return DOFFocus; }
     static void setDOFRange(float distance) { DOFRange = distance; }

@@ -1,14 +1,13 @@
 #ifndef KELTRA_ENGINE_STATE_H
 #define KELTRA_ENGINE_STATE_H
 
-// What all classes of the engine share: the frame's counter and timer, the account of video memory, and the
-// switches that nodes and materials are drawn by. `KELTRA` derives from it, so that applications write
-// `KELTRA::timeStamp`.
-
 #include <keltra/export.h>
 
 class KTNODE;
 
+/** What all classes of the engine share: the frame's counter and timer, the account of video memory, and the
+ * switches that nodes and materials are drawn by. `KELTRA` derives from it, so that applications write
+ * `KELTRA::timeStamp`. */
 class KT_API KTENGINESTATE {
    public:
     /** Frames per second, and seconds, of the last frame; -1 while the engine is not active. */
@@ -28,11 +27,12 @@ class KT_API KTENGINESTATE {
 
     /** Whether the edges of triangles are drawn instead of their faces. */
     static bool isWireframed() { return wireframe; }
+    /** Whether shadows are on. */
     static bool isShadowed() { return shadowing; }
     /** The node set by `KELTRA::setSkybox`. */
     static KTNODE *getSkybox() { return skybox; }
 
-    static int timer;  // index of the frame timer; -1 while the engine is not active
+    static int timer;  ///< index of the frame timer; -1 while the engine is not active
     static long int timeStamp;
     static unsigned int videoMemoryTotal, videoMemoryUsed;
     static bool wireframe, shadowing;

@@ -1,14 +1,6 @@
 #ifndef KELTRA_FAULT_H
 #define KELTRA_FAULT_H
 
-// Faults: why a call failed, and what a load went on without. Each call that fails makes one fault of
-// severity error; each thing that a load leaves out (a texture, an unknown attribute, a value that was cut)
-// makes one warning. Calls that a call makes for its own use are told in its name. A search that finds
-// nothing is an answer and no fault. Nothing is printed and nothing is allocated; the run log receives none
-// of this. The last fault can be asked for, and a handler receives each one. With KELTRA_FAULTS=1 in the
-// environment each is also printed to standard error; the variable is read once, at the first fault. One
-// thread calls everything.
-
 #include <keltra/export.h>
 
 /** A warning: the call went on without it. An error: the call failed. */
@@ -66,12 +58,21 @@ struct KTFAULT {
  * the engine must not be stopped, since the call that made the fault goes on. */
 typedef void (*KTFAULTHANDLER)(const KTFAULT *fault, void *user);
 
+/** Why a call failed, and what a load went on without. Each call that fails makes one fault of severity
+ * error; each thing that a load leaves out (a texture, an unknown attribute, a value that was cut) makes one
+ * warning. A call that the engine makes within another has its faults under the name of the outer one. A
+ * search that finds nothing is an answer and no fault.
+ *
+ * Nothing is printed and nothing is allocated; the run log receives none of this. The last fault can be
+ * asked for, and a handler receives each one. With KELTRA_FAULTS=1 in the environment each is also printed
+ * to standard error; the variable is read once, at the first fault. */
 class KT_API KTFAULTS {
    public:
     /** The last fault since the start or `clear`; null when there was none. It is overwritten by the next. */
     static const KTFAULT *getLast();
     /** Number of faults since the start or `clear`. */
     static unsigned int getNumberOfFaults();
+    /** Forgets the last fault and counts from 0 again. */
     static void clear();
 
     /** Sets the handler, and what it is given as `user`; null for none. */

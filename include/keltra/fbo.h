@@ -1,10 +1,6 @@
 #ifndef KELTRA_FBO_H
 #define KELTRA_FBO_H
 
-// Off-screen targets on a GL without frame buffer objects: a target records a size and a texture and switches
-// the viewport, and only while `KTOPENGL::FBOFlag` is set, which the engine never does. All targets are on
-// one list, which owns them.
-
 #include <keltra/registered.h>
 
 class KTFBO;
@@ -12,6 +8,9 @@ class KTSHADER;
 class KTTEXTURE;
 extern template class KT_API KTREGISTERED<KTFBO>;
 
+/** An off-screen target on a GL without frame buffer objects: it records a size and a texture and switches
+ * the viewport, and only while `KTOPENGL::FBOFlag` is set, which the engine never does. All targets are on
+ * one list, which owns those made with `new`. */
 class KT_API KTFBO : public KTREGISTERED<KTFBO> {
    public:
     KTFBO();
@@ -35,6 +34,7 @@ class KT_API KTFBO : public KTREGISTERED<KTFBO> {
     bool computeLuminance(float *luminance);
     /** Destroys every target; false when there is none. */
     static bool cleanUp();
+    /** Length of the list of all targets. */
     static unsigned int getNumberOfFbos();
     /** The current target; null for the screen. */
     static KTFBO *getCurrent() { return currentFbo; }

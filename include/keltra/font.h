@@ -1,15 +1,6 @@
 #ifndef KELTRA_FONT_H
 #define KELTRA_FONT_H
 
-// Text in 2D from a bitmap font: a texture of 16 x 16 glyph cells, character 32 at the top left, and a
-// kerning table. Glyphs are queued as coloured triangles in arrays that all fonts share, and each string is
-// drawn with one call, between `KELTRA::begin2D` and `end2D`. All fonts are on one list, which owns them; a
-// font does not own its texture.
-//
-// Text may contain escapes of six characters: '^cRGBA' sets the colour, four digits from 0 to 8; '^xNNNN' and
-// '^yNNNN' move what follows by pixels, with a sign as one of the four. Small and capital letters are alike.
-// A '^' at the end of a text, or an escape cut short, ends it.
-
 #include <cstdint>
 
 #include <keltra/registered.h>
@@ -24,10 +15,18 @@ extern template class KT_API KTREGISTERED<KTFONT>;
 #define KELTRA_FONT_PRINTF_LIKE
 #endif
 
+/** A bitmap font, which draws text in 2D: a texture of 16 x 16 glyph cells, character 32 at the top left, and
+ * a kerning table. Glyphs are queued as coloured triangles in arrays that all fonts share, and each string
+ * is drawn with one call, between `KELTRA::begin2D` and `end2D`; it lies under the widgets, which `end2D`
+ * draws. All fonts are on one list, which owns those made with `new`; a font does not own its texture.
+ *
+ * Text may contain escapes of six characters: '^cRGBA' sets the colour, four digits from 0 to 8; '^xNNNN'
+ * and '^yNNNN' move what follows by pixels, with a sign as one of the four. Small and capital letters are
+ * alike. A '^' at the end of a text, or an escape cut short, ends it. */
 class KT_API KTFONT : public KTREGISTERED<KTFONT> {
    public:
-    static const unsigned int maxGlyphs = 1024;      // of one batch
-    static const unsigned int maxCharacters = 4064;  // of a formatted string, with its end
+    static const unsigned int maxGlyphs = 1024;      ///< of one batch
+    static const unsigned int maxCharacters = 4064;  ///< of a formatted string, with its end
 
     KTFONT();
     /** A copy shares the texture and does not count its use. */
@@ -68,6 +67,7 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT> {
 
     /** First font of that name; null when `text` is null or unknown. */
     static KTFONT *findByName(const char *text);
+    /** First font of that identifier; null when there is none. */
     static KTFONT *findById(unsigned int id);
     static unsigned int getNumberOfFonts();
     static KTFONT *getFirst() { return firstFont; }
@@ -94,7 +94,7 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT> {
 
     unsigned int id;
     KTTEXTURE *texture;
-    signed char kerning[96];  // of the characters 32 to 126; the last is that of the caret, 127
+    signed char kerning[96];  ///< of the characters 32 to 126; the last is that of the caret, 127
     unsigned int charSizeX, charSizeY;
     char name[256];
     KTFONT *previous, *next;
@@ -107,8 +107,8 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT> {
     static std::int32_t *fontCachedTexCoord;
     static unsigned char *fontCachedColor;
     static std::uint16_t *fontCachedIndex;
-    static unsigned int fontCachedCurrent;  // glyphs queued
-    static bool fontCachedFlushed;          // a full batch was drawn since the current string began
+    static unsigned int fontCachedCurrent;  ///< glyphs queued
+    static bool fontCachedFlushed;          ///< a full batch was drawn since the current string began
     static unsigned char fontCurrentColor[24];
 
    private:

@@ -1,10 +1,12 @@
 #ifndef KELTRA_FOUNDATION_H
 #define KELTRA_FOUNDATION_H
 
-// The foundation: run log, counted memory, frame timers, object identifiers and the key-value text parser.
-// Loading the library starts it without a log file; unloading it ends it and closes a log that is still open.
-// The state is process-wide and unguarded: everything is called from the one rendering thread.
-// Failures are reported by results and, where a call says so, by one line in the run log.
+/** @file
+ *
+ * The foundation: run log, counted memory, frame timers, object identifiers and the key-value text parser.
+ * Loading the library starts it without a log file; unloading it ends it and closes a log that is still
+ * open. The state is process-wide and unguarded: everything is called from the one rendering thread.
+ * Failures are reported by results and, where a call says so, by one line in the run log. */
 
 #include <cstdint>
 
@@ -43,7 +45,7 @@ KT_API void vnfSetLogEcho(bool echo);
 
 // --- counted memory
 
-/** Allocates `size` bytes, not cleared. Null when memory is out; the counters are raised all the same. */
+/** Allocates `size` bytes, not cleared. Null when out of memory; the counters are raised all the same. */
 KT_API void *vnfMalloc(unsigned int size);
 
 /** Releases a block of `vnfMalloc`. Null is counted as a release like any other, and frees nothing. */
@@ -94,8 +96,8 @@ KT_API bool releaseId(unsigned int id);
 
 /** A text file in memory, owned by the caller; the fields are set by `vnfOpenParser`. */
 struct vnfParser {
-    char *buffer =
-        nullptr;  ///< The file's contents and one spare byte that is never written; not zero-terminated.
+    /** The file's contents and one spare byte that is never written; not zero-terminated. */
+    char *buffer = nullptr;
     std::int32_t size = 0;      ///< Length of the contents in bytes.
     std::int32_t position = 0;  ///< Where `vnfReadLine` goes on.
 };

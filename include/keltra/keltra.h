@@ -1,10 +1,12 @@
 #ifndef KELTRA_KELTRA_H
 #define KELTRA_KELTRA_H
 
-// Everything. What holds throughout: matrices are 16 floats in column-major order; angles are degrees
-// (vectors and quaternions: radians); geometry and GL parameters are 16.16 fixed point; y points up in 3D and
-// down in 2D, where a unit is a pixel; colours are RGBA from 0 to 1; one thread calls everything; objects
-// made with `new` are owned by their class's list.
+/** @file
+ *
+ * Includes all exported headers. In all of them: matrices are 16 floats in column-major order; angles are
+ * degrees (vectors and quaternions: radians); geometry and GL parameters are 16.16 fixed point; y points up
+ * in 3D and down in 2D, where a unit is a pixel; colours are RGBA from 0 to 1; one thread calls everything;
+ * objects made with `new` are owned by their class's list. */
 
 #include <keltra/anim.h>
 #include <keltra/box.h>

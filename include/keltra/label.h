@@ -1,11 +1,10 @@
 #ifndef KELTRA_LABEL_H
 #define KELTRA_LABEL_H
 
-// A label is text without a box: it has no face and no border. Set the font, then write. The font is not
-// owned; it is forgotten when it is destroyed.
-
 #include <keltra/box.h>
 
+/** Text without a box: it has no face and no border. Set the font, then write. The font is not owned; it is
+ * forgotten when it is destroyed. */
 class KT_API KTLABEL : public KTBOX {
    public:
     KTLABEL();
@@ -13,6 +12,7 @@ class KT_API KTLABEL : public KTBOX {
     KTLABEL &operator=(const KTLABEL &) = default;
     ~KTLABEL() override;
 
+    /** Font of the text; to be set before `write`. */
     void setFont(KTFONT *newFont) { font = newFont; }
     /** Replaces the text by the formatted one (printf rules), cut at 255 characters. False, with the text
      * unchanged, for null and without a font. */

@@ -1,10 +1,6 @@
 #ifndef KELTRA_LIGHT_H
 #define KELTRA_LIGHT_H
 
-// Lights. A scene may hold any number; before an object is drawn its four nearest lights are loaded into GL
-// lights 0 to
-// 3. A GL light stays on until another light is loaded into it.
-
 #include <keltra/node.h>
 
 class KTELEMENT;
@@ -12,8 +8,11 @@ class KTELEMENT;
 /** Kinds of light, as `KTLIGHT::lightType` holds them. */
 enum KT_LIGHT_TYPE { KT_LIGHT_POINT = 0, KT_LIGHT_DIRECTIONAL = 1, KT_LIGHT_SPOT = 2 };
 
+/** A light. A scene may hold any number; before an object is drawn its four nearest lights are loaded into GL
+ * lights 0 to 3. A GL light stays on until another light is loaded into it. */
 class KT_API KTLIGHT : public KTNODE {
    public:
+    /** A white point light without attenuation. */
     KTLIGHT();
     KTLIGHT(const KTLIGHT &other);
     KTLIGHT &operator=(const KTLIGHT &) = default;
@@ -32,6 +31,8 @@ class KT_API KTLIGHT : public KTNODE {
     void setSpecular(R3XVECTOR4D color) { specular = color; }
     void setSpecular(float r, float g, float b, float a) { specular.set(r, g, b, a); }
     R3XVECTOR4D getSpecular() const { return specular; }
+    /** Factors of a light at distance d: 1 / (constant + linear d + quadratic d d). (1, 0, 0) at first:
+     * none. */
     void setAttenuation(float constant, float linear, float quadratic) {
         attenuation.set(constant, linear, quadratic);
     }
@@ -45,6 +46,7 @@ class KT_API KTLIGHT : public KTNODE {
     /** Exclusive lights come before all others when the nearest are chosen. */
     void setExclusive(bool status) { exclusive = status; }
     bool isExclusive() const { return exclusive; }
+    /** Kept only: whether it casts shadows, and the clipping distances of its shadow map. */
     void castShadows(bool status) { shadowCaster = status; }
     bool isShadowCaster() const { return shadowCaster; }
     void setShadowNearPlane(float distance) { shadowNearPlane = distance; }
@@ -55,6 +57,7 @@ class KT_API KTLIGHT : public KTNODE {
     /** Switch GL lighting, through the cached `lighting`. */
     static void lightingOn();
     static void lightingOff();
+    /** Whether GL lighting is on. */
     static bool getLighting() { return lighting; }
     /** Loads the lights of the render list nearest to `element`, four at most, into GL lights 0 to 3, nearest
      * first, and notes them in the element. False for null, while lighting is off, or when the list's lights

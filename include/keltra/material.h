@@ -1,9 +1,6 @@
 #ifndef KELTRA_MATERIAL_H
 #define KELTRA_MATERIAL_H
 
-// Materials: the colours, transparency, shininess and textures of a surface. Meshes render their material
-// before drawing. All materials are on one list, which owns them; textures and shaders are referred to.
-
 #include <cstdint>
 
 #include <keltra/registered.h>
@@ -14,9 +11,12 @@ class KTSHADER;
 class KTTEXTURE;
 extern template class KT_API KTREGISTERED<KTMATERIAL>;
 
+/** The colours, transparency, shininess and textures of a surface. Meshes render their material before
+ * drawing. All materials are on one list, which owns those made with `new`; textures and shaders are
+ * referred to. */
 class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
    public:
-    static const unsigned int levels = 16;  // texture slots
+    static const unsigned int levels = 16;  ///< texture slots
 
     KTMATERIAL();
     KTMATERIAL(const KTMATERIAL &other);
@@ -40,7 +40,7 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     void setEmission(const R3XVECTOR4D &color) { emission = color; }
     void setEmission(float r, float g, float b, float a) { emission.set(r, g, b, a); }
     R3XVECTOR4D getEmission() const { return emission; }
-    /** 1 is opaque, 0 invisible. */
+    /** 1 is opaque, 0 invisible. Only below 1 the surface blends, and a texture shows its own alpha. */
     void setTransparency(float value) { transparency = value; }
     float getTransparency() const { return transparency; }
     /** 0 to 128. */
@@ -54,8 +54,10 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     bool isTextured() const { return texture[0] != nullptr; }
     /** True when the transparency is not exactly 1. */
     bool isTransparent() const { return transparency != 1.0f; }
+    /** Shader in place of the one that the light would choose; null for none. Inert on this GL. */
     void setShader(KTSHADER *value) { shader = value; }
     KTSHADER *getShader() const { return shader; }
+    /** Set by the loader for materials of skins; chooses among shaders. */
     void setSkinning(bool status) { skinning = status; }
     bool isSkinned() const { return skinning; }
 
@@ -64,6 +66,7 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
      * `reset` or in the next frame. */
     bool render(void *data);
 
+    /** First material of that name or identifier; null for null and when there is none. */
     static KTMATERIAL *findByName(const char *name);
     static KTMATERIAL *findById(unsigned int id);
     static unsigned int getNumberOfMaterials();
@@ -77,7 +80,9 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     /** Null and names of 256 characters or more leave the name as it was. */
     void setName(const char *text);
     const char *getName() const { return name; }
+    /** `KELTRA::timeStamp` of the last render. */
     int getTimeStamp() const { return timeStamp; }
+    /** Count of uses, by meshes; nothing is destroyed at 0. */
     void incReferences() { ++references; }
     void decReferences() { --references; }
     int getReferences() const { return references; }

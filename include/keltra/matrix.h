@@ -1,13 +1,12 @@
 #ifndef KELTRA_MATRIX_H
 #define KELTRA_MATRIX_H
 
-// 4x4 transformation matrix of floats in column-major order, as the GL takes it: row r, column c at m[4c +
-// r], the translation in m[12..14]. Angles are in degrees. Vectors are columns: a point is transformed as
-// matrix times vector, and A * B applies A first, then B. Nothing is checked; a singular matrix inverts to
-// infinities or not-a-numbers.
-
 #include <keltra/vector.h>
 
+/** 4x4 transformation matrix of floats in column-major order, as the GL takes it: row r, column c at m[4c +
+ * r], the translation in m[12..14]. Angles are in degrees. Vectors are columns: a point is transformed as
+ * matrix times vector, and A * B applies A first, then B. Nothing is checked; a singular matrix inverts to
+ * infinities or not-a-numbers. */
 class KT_API R3XMATRIX {
    public:
     /** The identity. */
@@ -60,10 +59,8 @@ class KT_API R3XMATRIX {
 
     /** Becomes the rotation about the axis (x, y, z), which is used as given: it should have length 1. */
     void setRotation(float angle, float x, float y, float z);
-    /**
-     * Rotation about one axis. Meant as they are: all three write 1 into m[12] and leave m[15] alone, and
-     * applications rely on it. A pure rotation is made with `setRotation`.
-     */
+    /** Rotation about one axis. Deliberate, since applications rely on it: all three write 1 into m[12] and
+     * leave m[15] alone. A pure rotation is made with `setRotation`. */
     void setRotationX(float angle);
     void setRotationY(float angle);
     void setRotationZ(float angle);

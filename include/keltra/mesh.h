@@ -1,11 +1,6 @@
 #ifndef KELTRA_MESH_H
 #define KELTRA_MESH_H
 
-// Triangle meshes in 16.16 fixed point, rigid or skinned. A mesh comes from a scene file (`KELTRA::load`); it
-// refers to a material, which it does not own. A skinned mesh follows nodes of the tree, its bones, whose
-// matrices the frame's pass collects into one of 16 slots: a seventeenth skinned mesh of a frame is not
-// drawn.
-
 #include <cstdint>
 
 #include <keltra/node.h>
@@ -16,15 +11,19 @@ class KTMATERIAL;
 /** One bone of a skin. */
 struct KTBONE {
     char name[256];
-    KTNODE *node;                 // the node that drives the bone, or null; compared, never followed
-    R3XMATRIX inverseBindMatrix;  // inverse of the node's matrix relative to the node "HumanoidRoot" in the
-                                  // bind pose
+    KTNODE *node;  ///< the node that drives the bone, or null; compared, never followed
+    /** Inverse of the node's matrix relative to the node "HumanoidRoot" in the bind pose. */
+    R3XMATRIX inverseBindMatrix;
 };
 
+/** A triangle mesh in 16.16 fixed point, rigid or skinned. It comes from a scene file (`KELTRA::load`) and
+ * refers to a material, which it does not own. A skinned mesh follows nodes of the tree, its bones, whose
+ * matrices the frame's pass collects into one of 16 slots: a seventeenth skinned mesh of a frame is not
+ * drawn. */
 class KT_API KTMESH : public KTNODE {
    public:
-    static const unsigned int maxSkins = 16;   // skinned meshes a frame
-    static const unsigned int maxBones = 100;  // bones a skin
+    static const unsigned int maxSkins = 16;   ///< skinned meshes a frame
+    static const unsigned int maxBones = 100;  ///< bones a skin
 
     KTMESH();
     /** A copy shares the geometry and holds no use of the material. */
@@ -35,13 +34,17 @@ class KT_API KTMESH : public KTNODE {
     /** Refers to a material (null for none) and counts the use in both the old and the new one. */
     void setMaterial(KTMATERIAL *value);
     KTMATERIAL *getMaterial() const { return material; }
+    /** Kept only. */
     void setShadowCaster(bool status) { shadowCaster = status; }
     bool getShadowCaster() const { return shadowCaster; }
     /** A mesh whose display status is off is neither passed nor drawn. */
     void setDisplayStatus(bool status) { hidden = !status; }
     bool isHidden() const { return hidden; }
+    /** Kept only; false unless the application sets the member. */
     bool isClosed() const { return closed; }
+    /** True when vertices have influences. */
     bool isSkinned() const { return numberOfInfluences != 0; }
+    /** Bounding sphere around the mesh's origin, -1 for none, and bounding box. */
     float getRadius() const { return radius; }
     R3XVECTOR3D getMinimum() const { return minimum; }
     R3XVECTOR3D getMaximum() const { return maximum; }
@@ -71,14 +74,15 @@ class KT_API KTMESH : public KTNODE {
     static KTNODE *load(const char *buffer, long *cursor, bool oldVersion);
     /** Finds the skin's bones by name below `root` and takes their present pose, relative to the node
      *  "HumanoidRoot", as bind pose. A bone that is not found gets no node and the identity. Only bones that
-     * are mesh nodes move the skin. False for a null root. */
+     * are mesh nodes move the skin; vertices of others are drawn away from their place. False for a null
+     * root. */
     bool resetBones(KTNODE *root);
     /** Skins the vertices with the matrices of pool slot `slot`; false for 16 (no slot left) and beyond. */
     bool animate(unsigned int slot);
     /** Draws the mesh. `data` is its `KTELEMENT`; false when it is null or the skin got no slot. */
     bool render(void *data) override;
 
-    float radius;  // bounding radius; -1 for none
+    float radius;  ///< bounding radius; -1 for none
     R3XVECTOR3D minimum;
     R3XVECTOR3D maximum;
     KTMATERIAL *material;
@@ -88,20 +92,20 @@ class KT_API KTMESH : public KTNODE {
     std::uint16_t numberOfVertices;
     std::uint16_t numberOfUVs;
     std::uint16_t numberOfFaces;
-    std::uint16_t numberOfInfluences;  // per vertex; 0 for a rigid mesh
+    std::uint16_t numberOfInfluences;  ///< per vertex; 0 for a rigid mesh
     std::uint16_t numberOfBones;
-    void *dataBlock;               // holds the five arrays that follow
-    std::int32_t *vertices;        // numberOfVertices x 3, 16.16
-    std::int32_t *vertexNormals;   // numberOfVertices x 3, 16.16
-    float *faceNormals;            // numberOfFaces x 3
-    std::int32_t *uvs;             // numberOfUVs x 2, 16.16
-    std::uint16_t *faces;          // numberOfFaces x 3 vertex indices
-    std::uint8_t *influenceBones;  // numberOfVertices x numberOfInfluences
-    float *influenceWeights;       // numberOfVertices x numberOfInfluences
-    float *influenceBonesFloat;    // the bone indices as floats, for shaders
+    void *dataBlock;               ///< holds the five arrays that follow
+    std::int32_t *vertices;        ///< numberOfVertices x 3, 16.16
+    std::int32_t *vertexNormals;   ///< numberOfVertices x 3, 16.16
+    float *faceNormals;            ///< numberOfFaces x 3
+    std::int32_t *uvs;             ///< numberOfUVs x 2, 16.16
+    std::uint16_t *faces;          ///< numberOfFaces x 3 vertex indices
+    std::uint8_t *influenceBones;  ///< numberOfVertices x numberOfInfluences
+    float *influenceWeights;       ///< numberOfVertices x numberOfInfluences
+    float *influenceBonesFloat;    ///< the bone indices as floats, for shaders
     KTBONE *bones;
-    std::int32_t *skinnedVertices;  // numberOfVertices x 3, 16.16; null for a rigid mesh
-    std::int32_t *skinnedNormals;   // numberOfVertices x 3, 16.16
+    std::int32_t *skinnedVertices;  ///< numberOfVertices x 3, 16.16; null for a rigid mesh
+    std::int32_t *skinnedNormals;   ///< numberOfVertices x 3, 16.16
 
     /** Pool of bone matrices: `maxSkins` x `maxBones`; null outside `init` and `free`. */
     static R3XMATRIX *boneMatrices;

@@ -1,11 +1,6 @@
 #ifndef KELTRA_NODE_H
 #define KELTRA_NODE_H
 
-// Nodes: everything that is drawn hangs in a tree of KTNODE. A node has a local transform (position plus
-// origin, then rotation about X, Y, Z in degrees; or an explicit matrix), a name and an identifier. Every
-// node is also on one list of all nodes in creation order, which owns the nodes made with `new`; a parent
-// does not own its children. Trees nest at most 256 deep: what hangs deeper is neither searched nor drawn.
-
 #include <keltra/matrix.h>
 #include <keltra/registered.h>
 #include <keltra/vector.h>
@@ -40,7 +35,13 @@ class TreeBuilder;
 class KTNODE;
 extern template class KT_API KTREGISTERED<KTNODE>;
 
-/** A node of the scene: a transform, a name and children. Draws nothing itself. */
+/** A node of a tree: a transform, a name, an identifier and children. Everything that is drawn derives from
+ * it; a plain node draws nothing itself. The local transform is position plus origin, then rotation about X,
+ * Y, Z in degrees; or an explicit matrix.
+ *
+ * Every node is also on one list of all nodes in creation order, which owns those made with `new`; a parent
+ * does not own its children. Trees nest at most 256 deep: what hangs deeper is neither searched nor
+ * drawn. */
 class KT_API KTNODE : public KTREGISTERED<KTNODE> {
    public:
     /** Takes a new identifier, the name "[node <id>]" and the tail of the list of all nodes. */
@@ -74,7 +75,7 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
      * it. An only child is taken without being compared. */
     bool unlink();
     /** Hands the children to this node's parent, in order, behind its own, and unlinks this node. False
-     * without a parent. The node is not destroyed. When memory runs out it returns false too; children that
+     * without a parent. The node is not destroyed. When out of memory it returns false too; children that
      * were on their way may then be left without a parent. */
     bool remove();
     KTNODE *getParent() const { return parent; }
@@ -86,12 +87,15 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     /** First node of that name in creation order (exact, case-sensitive); null when `name` is null or
      * unknown. */
     static KTNODE *findByName(const char *name);
+    /** First node of that identifier; null when there is none. */
     static KTNODE *findById(unsigned int id);
     /** Searches this node and its subtree, depth first, a node before its children, children in order. */
     KTNODE *findByNameInHierarchy(const char *name);
     KTNODE *findByIdInHierarchy(unsigned int id);
 
     unsigned int getId() const { return id; }
+    /** An identifier that the application chooses, 0 for none; what picking reports in place of the
+     * identifier. */
     void setAuxId(unsigned int value) { auxId = value; }
     unsigned int getAuxId() const { return auxId; }
     /** Sets the name; null and names of 256 characters or more leave the name as it was. */
@@ -107,6 +111,7 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     /** A pointer for the application; the engine neither reads nor frees it. */
     void setData(void *pointer) { data = pointer; }
     void *getData() const { return data; }
+    /** A flag for the application; the engine does not read it. */
     void setSharedStatus(bool status) { shared = status; }
     bool isShared() const { return shared; }
 
@@ -195,7 +200,7 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
      * for the code from now on. */
     void joinClass(KT_NODE_TYPE code) { classes |= 1u << code; }
 
-    bool maximized;  // true but for folded windows; not copied with a node
+    bool maximized;  ///< true but for folded windows; not copied with a node
 
    private:
     friend class KTREGISTERED<KTNODE>;

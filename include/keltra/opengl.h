@@ -1,9 +1,6 @@
 #ifndef KELTRA_OPENGL_H
 #define KELTRA_OPENGL_H
 
-// The engine's view of GL state: projection, background, the cached switches. Code that changes a cached
-// switch goes through these functions, so that GL is called only on a change. All members are static.
-
 #include <keltra/export.h>
 #include <keltra/vector.h>
 
@@ -12,6 +9,8 @@ class KTFBO;
 /** What the renderers draw: the picture, flat codes for picking, or the depth-of-field pre-pass. */
 enum KT_OPENGL_PROFILE { KT_PROFILE_NORMAL = 1, KT_PROFILE_PICKING = 2, KT_PROFILE_DEPTH = 3 };
 
+/** The engine's view of GL state: projection, background, the cached switches. Code that changes a cached
+ * switch goes through these functions, so that GL is called only on a change. All members are static. */
 class KT_API KTOPENGL {
    public:
     static const int fbos = 14;
@@ -39,6 +38,7 @@ class KT_API KTOPENGL {
     static void setGlobalAmbientLight(float r, float g, float b, float a);
     static void setGlobalAmbientLight(R3XVECTOR4D color);
     static R3XVECTOR4D getGlobalAmbientLight() { return globalAmbientLight; }
+    /** What the renderers draw; set by the engine during its passes. */
     static void setProfile(KT_OPENGL_PROFILE profile) { currentProfile = profile; }
     static KT_OPENGL_PROFILE getProfile() { return currentProfile; }
 
@@ -65,6 +65,7 @@ class KT_API KTOPENGL {
 
     /** Off-screen target `i`; null for an empty entry or an index outside the table. */
     static KTFBO *getFbo(int i);
+    /** Capability flags and the level of anisotropy: nothing sets them, they are false and 0. */
     static bool useVBO() { return VBOFlag; }
     static bool useAnisotropic() { return anisotropicFlag; }
     static bool useFBO() { return FBOFlag; }
@@ -72,6 +73,7 @@ class KT_API KTOPENGL {
     static bool useShaders() { return shadersFlag; }
     static bool useOcclusionQuery() { return OcclusionQueryFlag; }
     static float getAnisotropicLevel() { return anisotropicLevel; }
+    /** True between start-up and shut-down of the engine. */
     static bool isActive() { return active; }
 
     static bool active;

@@ -1,10 +1,9 @@
 #ifndef KELTRA_PLANE_H
 #define KELTRA_PLANE_H
 
-// The plane a*x + b*y + c*z + d = 0, with the normal (a, b, c).
-
 #include <keltra/vector.h>
 
+/** The plane a*x + b*y + c*z + d = 0, with the normal (a, b, c). */
 class KT_API R3XPLANE {
    public:
     /** All four values 0. */

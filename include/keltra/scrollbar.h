@@ -1,12 +1,12 @@
 #ifndef KELTRA_SCROLLBAR_H
 #define KELTRA_SCROLLBAR_H
 
-// Scroll bars, lying (H) and standing (V): a thin track with a cursor that the user drags. A bar owns its
-// cursor, a button and its first child; a copied bar points to the original's. Set the range first, then the
-// value; poll the value.
-
 #include <keltra/button.h>
 
+/** A horizontal scroll bar: a thin track with a cursor that the user drags. It owns its cursor, a button and
+ * its first child; a copied bar points to the original's. Set the range first, then the value, and ask for
+ * the value each frame: the bar reports nothing. Its cursor does, as the normal button that it is: let go
+ * of, it is the widget that `KTELEMENT::manageGUIEvents` reports. */
 class KT_API KTHSCROLLBAR : public KTBOX {
    public:
     KTHSCROLLBAR();
@@ -18,6 +18,7 @@ class KT_API KTHSCROLLBAR : public KTBOX {
      * minimum. */
     void setValue(float value);
     float getValue() const;
+    /** Range of the value; 0 to 1 at first. To be set before the value. */
     void setMinValue(float value) { minValue = value; }
     float getMinValue() const { return minValue; }
     void setMaxValue(float value) { maxValue = value; }
@@ -31,7 +32,7 @@ class KT_API KTHSCROLLBAR : public KTBOX {
     /** Draws the track and adapts the cursor's limits to it. True. */
     bool render(void *data) override;
 
-    unsigned int reserved[2];  // carried along by copies; nothing reads them
+    unsigned int reserved[2];  ///< carried along by copies; nothing reads them
     float minValue, maxValue;
     KTBUTTON *cursor;
 
@@ -40,6 +41,7 @@ class KT_API KTHSCROLLBAR : public KTBOX {
     KTBUTTON *ownCursor;
 };
 
+/** A vertical scroll bar: the horizontal one with the axes exchanged; its minimum is at the top. */
 class KT_API KTVSCROLLBAR : public KTBOX {
    public:
     KTVSCROLLBAR();
@@ -47,7 +49,7 @@ class KT_API KTVSCROLLBAR : public KTBOX {
     KTVSCROLLBAR &operator=(const KTVSCROLLBAR &other);
     ~KTVSCROLLBAR() override;
 
-    /** As those of the lying bar, along y. */
+    /** As those of the horizontal bar, along y. */
     void setValue(float value);
     float getValue() const;
     void setMinValue(float value) { minValue = value; }

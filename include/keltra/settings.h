@@ -1,33 +1,32 @@
 #ifndef KELTRA_SETTINGS_H
 #define KELTRA_SETTINGS_H
 
-// Everything the engine needs to know before it opens its window. An application fills a KTSETTINGS, by
-// setters or from a settings file, and hands it to `KELTRA::init`. The values of the running engine are the
-// static members; those of one settings object are in its `record`.
-
 #include <keltra/export.h>
 
+/** Everything the engine needs to know before it opens its window. An application fills a KTSETTINGS, by
+ * setters or from a settings file, and hands it to `KELTRA::init`. The values of the running engine are the
+ * static members; those of one settings object are in its `record`. */
 class KT_API KTSETTINGS {
    public:
     /** The values of one settings object. */
     struct RECORD {
         char title[256];
-        int windowX, windowY;  // pixels
-        int colorDepth;        // bits a pixel
-        int zetaDepth;         // bits of the depth buffer
-        int stencilDepth;      // stored only, as are the title, fullScreen, resizable and mpgPath
+        int windowX, windowY;  ///< pixels
+        int colorDepth;        ///< bits a pixel
+        int zetaDepth;         ///< bits of the depth buffer
+        int stencilDepth;      ///< stored only, as are the title, fullScreen, resizable and mpgPath
         bool fullScreen;
         bool resizable;
-        bool landscape;  // the 2D pass and the projection are turned by 90 degrees
+        bool landscape;  ///< the 2D pass and the projection are turned by 90 degrees
         bool CAVESplashScreen;
         int audioChannels, audioBuffers, audioElements;
-        int renderingElements;  // capacity of the render list; 0 and more than 1024 mean 1024
+        int renderingElements;  ///< capacity of the render list; 0 and more than 1024 mean 1024
         bool useShaders;
         int shadowMapSize;
         int FBOSizeX, FBOSizeY;
         int waterSize;
         bool forceFBO;
-        char ktePath[256];  // directories are prefixes: a file name is appended as it is
+        char ktePath[256];  ///< directories are prefixes: a file name is appended as it is
         char ktaPath[256];
         char mpgPath[256];
         char texturePath[256];
@@ -38,6 +37,7 @@ class KT_API KTSETTINGS {
 
     /** All defaults: 240 x 320 pixels, 16 bits, full screen, "Keltra 3D Graphics Engine for PDA v1.6.6a". */
     KTSETTINGS();
+    /** Sets all defaults again. */
     void constructor();
 
     /** Reads the keys of a settings file over the present values. False for null and a file that cannot be
@@ -50,6 +50,8 @@ class KT_API KTSETTINGS {
     /** Text longer than 255 characters is cut; null stores the empty string. */
     void setTitle(const char *text);
     const char *getTitle() const { return record.title; }
+    /** Size of the window in pixels, bits a pixel and of the depth buffer; the other values as in
+     * `RECORD`. */
     void setWindowX(int pixels) { record.windowX = pixels; }
     int getWindowX() const { return record.windowX; }
     void setWindowY(int pixels) { record.windowY = pixels; }
@@ -88,6 +90,7 @@ class KT_API KTSETTINGS {
     int getWaterSize() const { return record.waterSize; }
     void setForceFBO(bool status) { record.forceFBO = status; }
     bool getForceFBO() const { return record.forceFBO; }
+    /** Prefixes of file names, cut at 255 characters; null stores the empty string. */
     void setKTEPath(const char *path);
     const char *getKTEPath() const { return record.ktePath; }
     void setKTAPath(const char *path);
@@ -131,6 +134,7 @@ class KT_API KTSETTINGS {
     static int getVNAAudioChannels() { return audioChannels; }
     static int getVNAAudioBuffers() { return audioBuffers; }
     static int getVNAAudioElements() { return audioElements; }
+    /** Switch the running engine's `useShaders`. */
     static void forceShadersOff() { useShaders = false; }
     static void forceShadersOn() { useShaders = true; }
 
@@ -139,7 +143,7 @@ class KT_API KTSETTINGS {
     static int windowX, windowY;
     static int colorDepth, zetaDepth, stencilDepth;
     static bool fullScreen, resizable, landscape, useShaders;
-    static void *window;  // native window handle
+    static void *window;  ///< native window handle
     static void *glesDisplay, *glesSurface, *glesContext;
     static int shadowMapSize, FBOSizeX, FBOSizeY, waterSize;
     static bool forceFBO;

@@ -1,14 +1,14 @@
 #ifndef KELTRA_SHADER_H
 #define KELTRA_SHADER_H
 
-// Shaders on a fixed-function GL: the whole interface stands and nothing is ever compiled or bound, so that
-// scene code written for shaders runs unchanged. Shader objects are named and listed; the list owns them.
-
 #include <keltra/registered.h>
 
 class KTSHADER;
 extern template class KT_API KTREGISTERED<KTSHADER>;
 
+/** A shader on a fixed-function GL: the whole interface stands and nothing is ever compiled or bound, so that
+ * scene code written for shaders runs unchanged. Shader objects are named and listed; the list owns those
+ * made with `new`. */
 class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
    public:
     static const unsigned int params = 28;
@@ -39,10 +39,12 @@ class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
     static bool enable();
     /** Clears the switch and forgets the current shader when it was set; true. */
     static bool disable();
+    /** Forgets the current shader and clears the switch. */
     static void reset();
     /** Destroys every shader; false when there is none. */
     static bool cleanUp();
 
+    /** What shaders support: nothing sets these flags, they are false. */
     static bool useSkinning() { return skinningFlag; }
     static bool usePPL() { return pplFlag; }
     static bool useBloom() { return bloomFlag; }
@@ -54,6 +56,7 @@ class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
     static bool useWater() { return waterFlag; }
     static bool useTerrain() { return terrainFlag; }
 
+    /** First shader of that name or identifier; null for null and when there is none. */
     static KTSHADER *findByName(const char *name);
     static KTSHADER *findById(unsigned int id);
     static unsigned int getNumberOfShaders();
@@ -68,10 +71,12 @@ class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
     /** Null and names of 256 characters or more leave the name as it was. */
     void setName(const char *text);
     const char *getName() const { return name; }
+    /** File names of the programs; "[none]" in every shader. */
     const char *getVSFilename() const { return vsFilename; }
     const char *getPSFilename() const { return psFilename; }
     /** True when both programs are ready, which they never are here. */
     bool isOperative() const { return vertexReady && pixelReady; }
+    /** Makes the shader inoperative. */
     void forceDeactivation() { vertexReady = pixelReady = false; }
     /** Parameter slot `index`, or 28 for an index of 28 or more. */
     unsigned int getParam(unsigned int index) const { return index < params ? param[index] : params; }

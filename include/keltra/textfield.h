@@ -1,11 +1,11 @@
 #ifndef KELTRA_TEXTFIELD_H
 #define KELTRA_TEXTFIELD_H
 
-// A text field is a button whose caption is edited by keys. The field that was pressed last has the focus: it
-// receives the key of every call of `KTELEMENT::manageGUIEvents` and shows a blinking caret.
-
 #include <keltra/button.h>
 
+/** A button whose caption is edited by keys. The field that was pressed last has the focus: it receives the
+ * key of every call of `KTELEMENT::manageGUIEvents` and shows a blinking caret. A press on another widget
+ * takes the focus away, a press beside all widgets does not. */
 class KT_API KTTEXTFIELD : public KTBUTTON {
    public:
     KTTEXTFIELD();
@@ -21,8 +21,8 @@ class KT_API KTTEXTFIELD : public KTBUTTON {
     /** Draws the field. True. */
     bool render(void *data) override;
 
-    bool focused;      // set by `manageKey`, cleared by `render`
-    float caretTimer;  // seconds, from 0 to 1
+    bool focused;      ///< set by `manageKey`, cleared by `render`
+    float caretTimer;  ///< seconds, from 0 to 1
 };
 
 #endif

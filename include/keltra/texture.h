@@ -1,11 +1,6 @@
 #ifndef KELTRA_TEXTURE_H
 #define KELTRA_TEXTURE_H
 
-// Textures: an RGB or RGBA bitmap from a Targa file, or a dynamic one made by the application. A texture is
-// read from disk by `load`, uploaded to GL when first rendered, and evicted when the video memory budget runs
-// short. All textures are on one list, which owns them. A use is counted by whoever keeps a pointer
-// (`incReferences`); textures that nobody uses are destroyed by garbage collection.
-
 #include <cstdint>
 
 #include <keltra/registered.h>
@@ -15,10 +10,15 @@ class KTTEXTURE;
 class KTVIDEO;
 extern template class KT_API KTREGISTERED<KTTEXTURE>;
 
+/** An RGB or RGBA bitmap from a Targa file, or a dynamic one made by the application. A texture is read from
+ * disk by `load`, uploaded to GL when first rendered, and evicted when the video memory budget runs short.
+ *
+ * All textures are on one list, which owns those made with `new`. A use is counted by each object that keeps
+ * a pointer (`incReferences`); textures without a counted use are destroyed by garbage collection. */
 class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
    public:
     static const unsigned int channels = 16;
-    static const unsigned int maxSize = 512;  // pixels in either direction
+    static const unsigned int maxSize = 512;  ///< pixels in either direction
 
     KTTEXTURE();
     /** A copy shares the bitmap and does not own the GL texture. */
@@ -57,10 +57,12 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     static bool texturingOn(unsigned int channel);
     static bool texturingOff(unsigned int channel);
     /** Evicts textures, the most recently rendered first, until less than `limit` bytes of video memory are
-     * in use, and destroys every texture that nobody uses. False when there are no textures. */
+     * in use, and destroys every texture without a counted use. False when there are no textures. */
     static bool garbageCollect(unsigned long limit);
     /** Destroys every texture; false when there is none. */
     static bool cleanUp();
+    /** First texture of that file name, as it was given to `load`, or of that identifier; null when there is
+     * none. */
     static KTTEXTURE *findByFilename(const char *filename);
     static KTTEXTURE *findById(unsigned int id);
     static unsigned int getNumberOfTextures();
@@ -80,6 +82,7 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     unsigned int getBpp() const { return bpp; }
     unsigned int getId() const { return id; }
     const char *getFilename() const { return filename; }
+    /** `KELTRA::timeStamp` of the last render. */
     int getTimeStamp() const { return timeStamp; }
     int getReferences() const { return references; }
     void incReferences() { ++references; }
@@ -101,8 +104,8 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     std::int32_t references;
     unsigned char *bitmap;
     unsigned int sizeX, sizeY;
-    unsigned int memory;  // bytes charged
-    unsigned int bpp;     // 3 RGB, 4 RGBA, 5 and 6 without pixels
+    unsigned int memory;  ///< bytes charged
+    unsigned int bpp;     ///< 3 RGB, 4 RGBA, 5 and 6 without pixels
     unsigned int cubeType;
     unsigned int glId;
     bool trilinear;

@@ -1,12 +1,13 @@
 #ifndef KELTRA_VECTOR_H
 #define KELTRA_VECTOR_H
 
-// Value vectors of 2, 3 and 4 floats. R3XVECTOR4D is also the quaternion (w the scalar part) and the RGBA
-// colour. The components are contiguous and in order. Constructors and `set` narrow doubles and convert
-// integers to float, mixed as they come; a null pointer to floats counts as absent: the vector keeps its
-// default or its value. Arithmetic works component by component, in float; comparisons are exact. Compound
-// assignments return a copy of the new value. Nothing guards against a division by zero except where a call
-// says so. Angles are in radians here.
+/** @file
+ *
+ * Value vectors of 2, 3 and 4 floats. The components are contiguous and in order. Constructors and `set`
+ * narrow doubles and convert integers to float, mixed as they come; a null pointer to floats counts as
+ * absent: the vector keeps its default or its value. Arithmetic works component by component, in float;
+ * comparisons are exact. Compound assignments return a copy of the new value. Nothing guards against a
+ * division by zero except where a call says so. Angles are in radians here. */
 
 #include <type_traits>
 
@@ -271,7 +272,8 @@ class KT_API R3XVECTOR4D {
     R3XVECTOR4D normalize();
     /** The point at `t` on the way from here (0) to `other` (1). */
     R3XVECTOR4D lerp(const R3XVECTOR4D &other, float t) const { return *this + (other - *this) * t; }
-    /** Meant as it is: the sum of squares has a fourth term, between the argument's z and this vector's w. */
+    /** Deliberate, since applications rely on it: the sum of squares has a fourth term, between the
+     * argument's z and this vector's w. */
     float distance(const R3XVECTOR3D &other) const;
     /** Angle between two directions, 0 to pi; 0.0 when one of them is zero. */
     double angle(const R3XVECTOR4D &other) const;
@@ -281,7 +283,7 @@ class KT_API R3XVECTOR4D {
     /** Becomes the rotation by three Euler angles. Returns a copy. */
     R3XVECTOR4D quaternionSetEulers(float a, float b, float c);
     R3XVECTOR4D quaternionSetEulers(const R3XVECTOR3D &v) { return quaternionSetEulers(v.x, v.y, v.z); }
-    /** Meant as it is: the vector part (x, y, z), not converted to angles. */
+    /** Deliberate, since applications rely on it: the vector part (x, y, z), not converted to angles. */
     R3XVECTOR3D quaternionGetEulers() const { return R3XVECTOR3D(x, y, z); }
     /** The axis in x, y, z and the angle in w; (0, 1, 0, angle) for an angle below 0.0001. */
     R3XVECTOR4D quaternionGetAxisAngles() const;

@@ -1,11 +1,6 @@
 #ifndef KELTRA_VIDEO_H
 #define KELTRA_VIDEO_H
 
-// Video textures: a film, which is a file that holds nothing but an MPEG-1 video stream, is decoded piece by
-// piece into a texture. Make the texture first, RGB and at least as large as the picture; give it to the
-// video, load the film, `playLoop`, then call `update` once a frame, before `KELTRA::begin3D`. All videos are
-// on one list, which owns them. In an engine built without video every `load` is false.
-
 #include <cstdint>
 #include <cstdio>
 
@@ -20,26 +15,33 @@ struct mpeg2dec_s;
 struct mpeg2_info_s;
 struct mpeg2_sequence_s;
 
+/** What `KTVIDEO::update` does, and what becomes of it at the end of the film. */
 enum KT_VIDEO_STATUS {
     KT_VIDEO_STOPPED = 0,
-    KT_VIDEO_PLAYING = 1,    // to the end, then stopped at the beginning
-    KT_VIDEO_LOOPING = 2,    // from the beginning again at each end
-    KT_VIDEO_REWINDING = 3,  // to the end, then stopped at the beginning
+    KT_VIDEO_PLAYING = 1,    ///< to the end, then stopped at the beginning
+    KT_VIDEO_LOOPING = 2,    ///< from the beginning again at each end
+    KT_VIDEO_REWINDING = 3,  ///< to the end, then stopped at the beginning
 };
 
 /** What decodes one film. Pointers are null while no film is open. */
 struct KTVIDEOSTREAM {
-    unsigned char buffer[4096];  // bytes of the file that the decoder is working on
+    unsigned char buffer[4096];  ///< bytes of the file that the decoder is working on
     mpeg2dec_s *decoder;
     const mpeg2_info_s *info;
-    const mpeg2_sequence_s *sequence;  // of the last step; null outside of a sequence
-    int state;                         // what the last step reached, a mpeg2_state_t
-    std::int32_t lastRead;             // bytes; -1 before the first read of a film, 0 at its end
+    const mpeg2_sequence_s *sequence;  ///< of the last step; null outside of a sequence
+    int state;                         ///< what the last step reached, a mpeg2_state_t
+    std::int32_t lastRead;             ///< bytes; -1 before the first read of a film, 0 at its end
     std::FILE *file;
-    bool converted;  // the decoder gives RGB pictures for this sequence
-    bool begun;      // and has begun one
+    bool converted;  ///< the decoder gives RGB pictures for this sequence
+    bool begun;      ///< and has begun one
 };
 
+/** A video texture: a film, which is a file that holds nothing but an MPEG-1 video stream, is decoded piece
+ * by piece into a texture. Make the texture first, RGB and at least as large as the picture; give it to the
+ * video, load the film, `playLoop`, then call `update` once a frame, before `KELTRA::begin3D`.
+ *
+ * All videos are on one list, which owns those made with `new`. In an engine built without video every
+ * `load` is false. */
 class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
    public:
     /** The largest picture that is decoded, in pixels in either direction: that of the largest texture. */
@@ -63,6 +65,7 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
      * film, and when the film cannot be opened again at its end. */
     bool update(unsigned int steps);
 
+    /** Set the status; `load` sets it to stopped. */
     void play() { status = KT_VIDEO_PLAYING; }
     void stop() { status = KT_VIDEO_STOPPED; }
     void playLoop() { status = KT_VIDEO_LOOPING; }
@@ -75,6 +78,8 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
     void setTexture(KTTEXTURE *target);
     KTTEXTURE *getTexture() const { return texture; }
 
+    /** First video of that file name, as it was given to `load`, or of that identifier; null when there is
+     * none. */
     static KTVIDEO *findByFilename(const char *filename);
     static KTVIDEO *findById(unsigned int id);
     static unsigned int getNumberOfVideos();
@@ -95,7 +100,7 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
     KTTEXTURE *texture;
     KTVIDEO *previous, *next;
     KT_VIDEO_STATUS status;
-    KTVIDEOSTREAM *stream;  // shared with copies; null when there was no memory for it
+    KTVIDEOSTREAM *stream;  ///< shared with copies; null when there was no memory for it
 
     static KTVIDEO *firstVideo;
     static char mpgPath[256];

@@ -1,13 +1,14 @@
 #ifndef KELTRA_WINDOW_H
 #define KELTRA_WINDOW_H
 
-// A window is a movable panel with a title bar, a scroll bar and a block of wrapped text. What is linked
-// below it is clipped to its body and scrolled with its text. It owns its title bar and its scroll bar, which
-// are its first two children; a copied window points to the original's. Set the font, write, then format.
-
 #include <keltra/button.h>
 #include <keltra/scrollbar.h>
 
+/** A movable panel with a title bar, a scroll bar and a block of wrapped text. What is linked below it is
+ * clipped to its body and scrolled with its text. It owns its title bar and its scroll bar, which are its
+ * first two children; a copied window points to the original's. Set the size and the font, write, then
+ * format. Hiding a window (`setDisplayStatus`) leaves its children visible: to hide all of it, do not pass
+ * it. */
 class KT_API KTWINDOW : public KTBUTTON {
    public:
     static const unsigned int textSize = 3968;
@@ -23,7 +24,9 @@ class KT_API KTWINDOW : public KTBUTTON {
     void setFont(KTFONT *newFont);
     /** Size of the body in pixels; title bar and scroll bar follow, and the window is scrolled to its top. */
     void setSizes(int width, int height);
+    /** Null when the title bar was destroyed. */
     KTBUTTON *getTitleBar() const { return titleBar; }
+    /** What the contents are scrolled by, in pixels; each render sets it from the scroll bar. */
     int getScrollLine() const { return scrollLine; }
     void setScrollLine(int pixels) { scrollLine = pixels; }
     /** Folded to its title bar. */
@@ -32,7 +35,8 @@ class KT_API KTWINDOW : public KTBUTTON {
     /** Empties the text. */
     void clear();
     /** Appends formatted text (printf rules). False, with nothing appended, for null and when the whole text
-     * would take 3,968 characters or more. */
+     * would take 3,968 characters or more. End the last line with a line feed: without, it lies below what
+     * the scroll bar reaches. */
     bool write(const char *format, ...);
     /** Wraps the text to the window's width; new text shows only then. False without a font. */
     bool format();
@@ -42,20 +46,22 @@ class KT_API KTWINDOW : public KTBUTTON {
     /** Clips drawing to the window's body, and to the whole screen again. */
     void enableScissor();
     void disableScissor();
-    /** Measures the contents, adapts the scroll bar and moves the children by what was scrolled. True. */
+    /** Measures the contents, adapts the scroll bar and moves the children by what was scrolled. True. Each
+     * render does it; call it before setting the scroll bar of a window that was not drawn since its
+     * contents changed. */
     bool updateScroll();
     /** Draws body and text; nothing while folded. True. */
     bool render(void *data) override;
 
-    using KTNODE::maximized;  // a bool
+    using KTNODE::maximized;  ///< a bool
     char text[textSize];
     char formattedText[textSize];
     KTBUTTON *titleBar;
     KTVSCROLLBAR *scrollBar;
-    int scrollLine;      // pixels
-    int previousScroll;  // what the children are moved by now
+    int scrollLine;      ///< pixels
+    int previousScroll;  ///< what the children are moved by now
     int contentHeight;
-    int lineCount;  // pixels of height that line breaks add to the text
+    int lineCount;  ///< pixels of height that line breaks add to the text
 
    private:
     friend class KTBOX;
