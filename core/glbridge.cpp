@@ -13,6 +13,10 @@ using keltra::toFixed;
 
 const unsigned int kLevels = 32;  // matrices a stack, and the deepest push
 const int kStacks = 2;            // 0 model-view, 1 projection
+// Below these levels trees nest in a store of their own: with the levels above it, room for the deepest tree
+// and the skeleton of its deepest mesh.
+const unsigned int kTreeLevels = kLevels - 1;
+const unsigned int kDeepLevels = 228;
 
 // The stacks stand one behind the other, and depth runs from 0 to 32. So level 32 of the model-view stack is
 // the base of the projection stack: meant, applications have been tuned against it. Level 32 of the
@@ -20,6 +24,12 @@ const int kStacks = 2;            // 0 model-view, 1 projection
 float mirror[kStacks * kLevels + 1][16];
 unsigned int depths[kStacks];
 int current;
+unsigned int sizes[kStacks];  // matrices that the GL's stacks hold; 0 while that is not known
+float deepLevels[kDeepLevels][16];
+unsigned int deepDepth;
+
+// Whether the GL has a level for the current depth.
+bool isInGL() { return sizes[current] == 0 || depths[current] < sizes[current]; }
 
 float *top() { return mirror[current * kLevels + depths[current]]; }
 
@@ -64,15 +74,31 @@ void resetMatrixMirror() {
         while (depths[current])
             std::memcpy(mirror[current * kLevels + depths[current]--], R3XMATRIX().m, sizeof mirror[0]);
     while (depths[0]) std::memcpy(mirror[depths[0]--], R3XMATRIX().m, sizeof mirror[0]);
+    deepDepth = 0;
 }
 
+void setStackSizes(unsigned int modelView, unsigned int projection) {
+    sizes[0] = modelView;
+    sizes[1] = projection;
+}
+
+// Level 32, which lies on the projection's base, is left to the pushes of applications.
 bool pushMatrix() {
-    if (depths[current] >= kLevels) return false;
-    const float *below = top();
-    ++depths[current];
-    std::memcpy(top(), below, sizeof mirror[0]);
-    glPushMatrix();
+    if (depths[current] < kTreeLevels) {
+        KT_glPushMatrix();
+        return true;
+    }
+    if (current != 0 || deepDepth == kDeepLevels) return false;
+    std::memcpy(deepLevels[deepDepth++], top(), sizeof mirror[0]);
     return true;
+}
+
+void popMatrix() {
+    if (deepDepth == 0) {
+        KT_glPopMatrix();
+        return;
+    }
+    KT_glLoadMatrixf(deepLevels[--deepDepth]);
 }
 
 }  // namespace keltra
@@ -162,13 +188,25 @@ void KT_glOrtho(float l, float r, float b, float t, float n, float f) {
     glOrthox(toFixed(l), toFixed(r), toFixed(b), toFixed(t), toFixed(n), toFixed(f));
 }
 
-void KT_glPushMatrix() { keltra::pushMatrix(); }
+// A GL whose stack is full is not asked for more: the levels above are in the mirror only, and the GL's own
+// top is loaded anew when one of them is popped.
+void KT_glPushMatrix() {
+    if (depths[current] >= kLevels) return;
+    const float *below = top();
+    ++depths[current];
+    std::memcpy(top(), below, sizeof mirror[0]);
+    if (isInGL()) glPushMatrix();
+}
 
 void KT_glPopMatrix() {
     if (depths[current] == 0) return;
+    const bool wasInGL = isInGL();
     std::memcpy(top(), R3XMATRIX().m, sizeof mirror[0]);
     --depths[current];
-    glPopMatrix();
+    if (wasInGL)
+        glPopMatrix();
+    else
+        glLoadMatrixx(Fixed16(top()).v);
 }
 
 void KT_glGetFloatv(int which, float *out) {

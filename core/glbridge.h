@@ -6,8 +6,13 @@ namespace keltra {
 // Brings the mirror in line with a new GL context: both stacks at depth 0, model-view selected.
 void resetMatrixMirror();
 
-// Pushes the current matrix; false when the stack is full and nothing was pushed.
+// How many matrices the GL's stacks hold; 0 when that is not known, and each push is handed on.
+void setStackSizes(unsigned int modelView, unsigned int projection);
+
+// Pushes the current matrix, beyond the stack's own levels too, and pops it again; for walks of trees. False
+// when nothing was pushed, which no tree within the limit of nesting comes to.
 bool pushMatrix();
+void popMatrix();
 
 }  // namespace keltra
 

@@ -59,6 +59,12 @@ void disableArray(bool &cached, GLenum array) {
     cached = false;
 }
 
+unsigned int askInteger(GLenum name) {
+    GLint value = 0;
+    glGetIntegerv(name, &value);
+    return value > 0 ? static_cast<unsigned int>(value) : 0;
+}
+
 float ratio(int width, int height) { return static_cast<float>(width) / static_cast<float>(height); }
 
 }  // namespace
@@ -70,6 +76,8 @@ bool KTOPENGL::init() {
     blending = scissor = culling = twoSide = false;
     vertexArrayStatus = indexArrayStatus = normalArrayStatus = colorArrayStatus = textureArrayStatus = false;
     keltra::resetMatrixMirror();
+    keltra::setStackSizes(askInteger(GL_MAX_MODELVIEW_STACK_DEPTH),
+                          askInteger(GL_MAX_PROJECTION_STACK_DEPTH));
     reset();
     active = true;
     return true;
@@ -77,6 +85,7 @@ bool KTOPENGL::init() {
 
 bool KTOPENGL::free() {
     if (!active) return false;
+    keltra::setStackSizes(0, 0);
     active = false;
     return true;
 }

@@ -205,7 +205,7 @@ void KTWINDOW::enableScissor() {
     else
         glScissor(left, keltra::toInt(std::int64_t{KTSETTINGS::windowY} - top - height), width, height);
     if (pushed)
-        KT_glPopMatrix();
+        keltra::popMatrix();
     else
         KT_glLoadMatrixf(matrix);
 }

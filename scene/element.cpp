@@ -60,7 +60,7 @@ class Levels {
    public:
     void push(unsigned int depth) { pushed[depth] = keltra::pushMatrix(); }
     void pop(unsigned int depth) const {
-        if (pushed[depth]) KT_glPopMatrix();
+        if (pushed[depth]) keltra::popMatrix();
     }
 
    private:
@@ -192,7 +192,7 @@ void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
     KTMESH::slotMesh[KTMESH::usedSlots] = mesh;
     entry.param1 = KTMESH::usedSlots++;
     if (pushed)
-        KT_glPopMatrix();
+        keltra::popMatrix();
     else
         KT_glLoadMatrixf(entry.matrix.m);
 }

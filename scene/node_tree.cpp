@@ -146,7 +146,7 @@ R3XMATRIX KTNODE::getFinalMatrix(const char *stopName) {
     KT_glGetFloatv(0, result.m);
     // On a full stack the push was ignored and the caller's own matrix gave way.
     if (pushed)
-        KT_glPopMatrix();
+        keltra::popMatrix();
     else
         KT_glLoadMatrixf(top.m);
     return result;

@@ -339,6 +339,50 @@ TEST_F(GlBridgeTest, ReadingBackKnowsOnlyTheSelectors0And1) {
     EXPECT_THAT(GlRecorder::names(), IsEmpty());
 }
 
+// The levels above are in the mirror only, and the GL gets its top back when they are popped.
+TEST_F(GlBridgeTest, AGlWithAFullStackIsNotAskedForMore) {
+    setStackSizes(4, 2);
+    for (int level = 0; level <= kLevels; ++level) {
+        KT_glLoadMatrixf(counting(static_cast<float>(level)).m);
+        KT_glPushMatrix();
+    }
+    EXPECT_EQ(GlRecorder::count("glPushMatrix"), 3);
+    for (int level = kLevels - 1; level >= 0; --level) {
+        GlRecorder::clear();
+        KT_glPopMatrix();
+        const R3XMATRIX expected = counting(static_cast<float>(level));
+        EXPECT_EQ(top(kModelView), elements(expected));
+        EXPECT_EQ(GlRecorder::count("glPopMatrix"), level < 3 ? 1 : 0) << level;
+        ASSERT_EQ(GlRecorder::count("glLoadMatrixx"), level < 3 ? 0 : 1) << level;
+        if (level < 3) continue;
+        EXPECT_EQ(GlRecorder::last("glLoadMatrixx").contents[15], (level + 15) * 65536) << level;
+    }
+    KT_glMatrixMode(GL_PROJECTION);
+    GlRecorder::clear();
+    push(3);
+    EXPECT_EQ(GlRecorder::count("glPushMatrix"), 1) << "the stacks have sizes of their own";
+    setStackSizes(0, 0);
+}
+
+TEST_F(GlBridgeTest, WalksOfTreesPushBeyondTheStackAndLeaveTheProjectionAlone) {
+    KT_glMatrixMode(GL_PROJECTION);
+    KT_glLoadMatrixf(counting(7.0f).m);
+    KT_glMatrixMode(GL_MODELVIEW);
+    const int deepest = 31 + 228;
+    for (int level = 0; level < deepest; ++level) {
+        KT_glLoadMatrixf(counting(static_cast<float>(level)).m);
+        ASSERT_TRUE(pushMatrix()) << level;
+    }
+    EXPECT_FALSE(pushMatrix());
+    EXPECT_EQ(GlRecorder::count("glPushMatrix"), 31);
+    for (int level = deepest; level-- > 0;) {
+        popMatrix();
+        EXPECT_EQ(top(kModelView), elements(counting(static_cast<float>(level)))) << level;
+    }
+    EXPECT_EQ(GlRecorder::count("glPopMatrix"), 31);
+    EXPECT_EQ(top(kProjection), elements(counting(7.0f)));
+}
+
 TEST_F(GlBridgeTest, ANewContextStartsWithBothStacksAtDepthZeroInModelViewMode) {
     push(kLevels);
     KT_glMatrixMode(GL_PROJECTION);
