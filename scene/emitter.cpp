@@ -19,6 +19,8 @@
 #include <cstring>
 #include <new>
 
+#include "scene/emitter_file.h"
+
 const unsigned int KTEMITTER::poolSize;
 const unsigned int KTEMITTER::maxParticles;
 KTPARTICLE *KTEMITTER::particle = nullptr;
@@ -109,6 +111,12 @@ void writeCorners(const R3XVECTOR3D &position, float scale, R3XVECTOR3D right, R
     corners[1] = middle + (right - up);
     corners[2] = middle + (right + up);
     corners[3] = middle + (-right + up);
+}
+
+// The GL refuses other factors; the default takes their place.
+GLenum blendFactor(unsigned int factor, bool isSource) {
+    if (keltra::isBlendFactor(static_cast<int>(factor), isSource)) return factor;
+    return isSource ? GL_SRC_ALPHA : GL_ONE_MINUS_SRC_ALPHA;
 }
 
 int clampedNumber(int number) { return std::clamp(number, 0, static_cast<int>(KTEMITTER::maxParticles)); }
@@ -366,7 +374,7 @@ bool KTEMITTER::render(void *data) {
     if (wasLit) KTLIGHT::lightingOff();
     KTSHADER::disable();
     KTOPENGL::blendingOn();
-    glBlendFunc(blendingSrc, blendingDst);
+    glBlendFunc(blendFactor(blendingSrc, true), blendFactor(blendingDst, false));
     glDepthMask(GL_FALSE);
     glEnable(GL_ALPHA_TEST);
     KT_glAlphaFunc(GL_GREATER, kAlphaLimit);

@@ -3,6 +3,7 @@
 #include <keltra/element.h>
 #include <keltra/glbridge.h>
 
+#include "math/fixed.h"
 #include "scene/local_transform.h"
 
 bool KTLIGHT::lighting = false;
@@ -11,16 +12,32 @@ namespace {
 
 const unsigned int kGlLights = 8;  // what every GL has
 const float kNoCutOff = 180.0f;
+const float kWidestCone = 90.0f;
+const float kSharpest = 128.0f;
+const float kLargest = 32767.998f;  // that 16.16 holds
+
+// What the GL refuses is not sent, since the error would be found far from the file that caused it; and what
+// an earlier light has left in the unit must not take its place. As the GL reads it, in 16.16.
+float withinCutOff(float degrees) {
+    const GLfixed fixed = keltra::toFixed(degrees);
+    return fixed >= 0 && fixed <= keltra::toFixed(kWidestCone) ? degrees : kNoCutOff;
+}
+
+float within(float value, float most, float otherwise) {
+    const GLfixed fixed = keltra::toFixed(value);
+    if (fixed >= 0 && fixed <= keltra::toFixed(most)) return value;
+    return value > most ? most : otherwise;
+}
 
 void loadParameters(const KTLIGHT &light, GLenum unit, float cutOff) {
     KT_glLightfv(unit, GL_AMBIENT, &light.ambient.x);
     KT_glLightfv(unit, GL_DIFFUSE, &light.diffuse.x);
     KT_glLightfv(unit, GL_SPECULAR, &light.specular.x);
-    KT_glLightf(unit, GL_SPOT_CUTOFF, cutOff);
-    KT_glLightf(unit, GL_SPOT_EXPONENT, light.exponent);
-    KT_glLightf(unit, GL_CONSTANT_ATTENUATION, light.attenuation.x);
-    KT_glLightf(unit, GL_LINEAR_ATTENUATION, light.attenuation.y);
-    KT_glLightf(unit, GL_QUADRATIC_ATTENUATION, light.attenuation.z);
+    KT_glLightf(unit, GL_SPOT_CUTOFF, withinCutOff(cutOff));
+    KT_glLightf(unit, GL_SPOT_EXPONENT, within(light.exponent, kSharpest, 0.0f));
+    KT_glLightf(unit, GL_CONSTANT_ATTENUATION, within(light.attenuation.x, kLargest, 1.0f));
+    KT_glLightf(unit, GL_LINEAR_ATTENUATION, within(light.attenuation.y, kLargest, 0.0f));
+    KT_glLightf(unit, GL_QUADRATIC_ATTENUATION, within(light.attenuation.z, kLargest, 0.0f));
 }
 
 // From `eye` to `point`, normalised in four components.

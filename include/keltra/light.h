@@ -37,10 +37,11 @@ class KT_API KTLIGHT : public KTNODE {
         attenuation.set(constant, linear, quadratic);
     }
     R3XVECTOR3D getAttenuation() const { return attenuation; }
-    /** Spot cut-off in degrees, 0 to 90, or 180 for none; only spot lights use it. */
+    /** Spot cut-off in degrees, 0 to 90, or 180 for none; only spot lights use it. Any other value counts as
+     * 180. */
     void setCutOff(float degrees) { cutOff = degrees; }
     float getCutOff() const { return cutOff; }
-    /** Spot exponent, 0 to 128. */
+    /** Spot exponent, 0 to 128; the GL gets the nearest of these. */
     void setExponent(float value) { exponent = value; }
     float getExponent() const { return exponent; }
     /** Exclusive lights come before all others when the nearest are chosen. */
