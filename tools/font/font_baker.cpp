@@ -13,7 +13,7 @@ namespace {
 using Library = std::unique_ptr<FT_LibraryRec_, FT_Error (*)(FT_Library)>;
 using Face = std::unique_ptr<FT_FaceRec_, FT_Error (*)(FT_Face)>;
 
-constexpr formats::Rgba kClear = {255, 255, 255, 0};  // white: filtering then mixes no dark edge in
+constexpr formats::Rgba kClear = {255, 255, 255, 0};  // white: filtering then makes no dark edges
 constexpr int kSmallestSize = 4;
 
 // One letter, relative to the pen on the base line; y grows downward.
@@ -35,7 +35,7 @@ Glyph readGlyph(FT_Face face, int character) {
     const FT_Bitmap &bitmap = slot->bitmap;
     glyph.advance = static_cast<int>((slot->advance.x + 32) >> 6);
     if (bitmap.pixel_mode != FT_PIXEL_MODE_GRAY) return glyph;
-    // What reaches back over the pen would lie in the neighbouring cell: it is moved into its own.
+    // Pixels left of the pen would lie in the neighbouring cell: the glyph is moved to the right.
     const int shift = std::max(0, -slot->bitmap_left);
     glyph.advance += shift;
     glyph.left = slot->bitmap_left + shift;
@@ -141,7 +141,7 @@ bool isNamed(int character) { return character == ' ' || character == '#' || cha
 bool bakeFont(const BakeOptions &options, BakedFont *font, std::string *error) {
     FT_Library startedLibrary = nullptr;
     if (FT_Init_FreeType(&startedLibrary)) {
-        *error = "FreeType does not start";
+        *error = "FreeType cannot be initialised";
         return false;
     }
     const Library library(startedLibrary, FT_Done_FreeType);
@@ -183,8 +183,8 @@ std::string kerningText(const BakedFont &font) {
             keyOf(character) + " = " + std::to_string(font.kerning[static_cast<std::size_t>(i)]) + "\n";
         (isNamed(character) ? named : letters) += line;
     }
-    // Keys match inside longer words, and the first line wins: the names stand behind the letters they begin
-    // with.
+    // The engine finds keys inside longer words and takes the first line: named keys follow the letters that
+    // they begin with.
     return "# " + font.family + ", " + std::to_string(font.size) + " pixels, in cells of " +
            std::to_string(font.cell) + "\n" + letters + named;
 }

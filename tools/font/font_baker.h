@@ -2,12 +2,12 @@
 #define KELTRA_FONT_BAKER_H
 
 // Draws the characters 32 to 126 of a TrueType font, and a caret as 127, into the 16 x 16 cells of a KTFONT
-// texture, and works out how much shorter than its cell each character's advance is.
+// texture, and computes by how much each character's advance is shorter than its cell.
+
+#include "tools/formats/tga_writer.h"
 
 #include <array>
 #include <string>
-
-#include "tools/formats/tga_writer.h"
 
 namespace keltra::font {
 
@@ -19,7 +19,7 @@ constexpr int kLetters = kCaret - kFirstCharacter;
 struct BakeOptions {
     std::string file;
     int cell = 16;  // pixels
-    int size = 0;   // of the letters, in pixels; 0 for the largest that fit the cells
+    int size = 0;   // of the letters, in pixels; 0 for the largest that fit into the cells
 };
 
 struct BakedFont {
@@ -31,13 +31,13 @@ struct BakedFont {
     int cut = 0;  // letters that are larger than a cell
 };
 
-// False, with the reason in `error`, for a file that is no scalable font.
+// Returns false, with the reason in `error`, for a file that is not a scalable font.
 bool bakeFont(const BakeOptions &options, BakedFont *font, std::string *error);
 
 // The text of the kerning file.
 std::string kerningText(const BakedFont &font);
 
-// The grid and a few lines set in the font, enlarged, as a picture without transparency.
+// The grid of cells and a few lines of text in the font, enlarged, as an opaque picture.
 formats::Image previewOf(const BakedFont &font);
 
 }  // namespace keltra::font

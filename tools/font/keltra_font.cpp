@@ -1,15 +1,15 @@
 // keltra-font FONT.ttf OUT.tga OUT.txt: bakes a TrueType font into the texture and the kerning file of a
 // KTFONT.
 
-#include <png.h>
+#include "tools/font/font_baker.h"
 
+#include <png.h>
 #include <CLI/CLI.hpp>
+
 #include <cstdio>
 #include <fstream>
 #include <string>
 #include <vector>
-
-#include "tools/font/font_baker.h"
 
 namespace {
 
@@ -58,7 +58,7 @@ void describe(CLI::App *app, Arguments *arguments) {
     app->add_option("TEXTURE", arguments->texture, "Targa file to write, 16 x 16 cells")->required();
     app->add_option("KERNING", arguments->kerning, "Kerning file to write")->required();
     app->add_option("--size", arguments->bake.size,
-                    "Pixel size of the letters; the largest that fits when left out")
+                    "Pixel size of the letters; without it, the largest that fits")
         ->check(CLI::Range(4, 64));
     app->add_option(
            "--cell", arguments->bake.cell,
@@ -85,12 +85,11 @@ int main(int argc, char **argv) {
     }
     if (font.cut)
         std::fprintf(stderr, "keltra-font: %d letters are larger than their cells and are cut\n", font.cut);
-    if (font.cell != kDrawnCell) {
+    if (font.cell != kDrawnCell)
         std::fprintf(stderr,
-                     "keltra-font: set the engine's font to a width of %d pixels all the same: others draw\n"
-                     "keltra-font: wrong glyphs; and scale the kerning by %d / %d\n",
+                     "keltra-font: set the width of the engine's font to %d pixels, other widths draw wrong\n"
+                     "keltra-font: glyphs; and scale the kerning by %d / %d\n",
                      kDrawnCell, kDrawnCell, font.cell);
-    }
     if (!writeAll(arguments, font)) return 1;
     std::printf("%s, %d pixels: %s, %s\n", font.family.c_str(), font.size, arguments.texture.c_str(),
                 arguments.kerning.c_str());

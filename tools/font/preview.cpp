@@ -1,6 +1,6 @@
-#include <algorithm>
-
 #include "tools/font/font_baker.h"
+
+#include <algorithm>
 
 namespace keltra::font {
 namespace {
@@ -39,7 +39,7 @@ void paintCell(Image *picture, const BakedFont &font, int character, int left, i
                   font.image.at(static_cast<unsigned>(column + x), static_cast<unsigned>(row + y)).a);
 }
 
-// The cells in two shades, so that it shows where each glyph stands in its own.
+// The cells in two shades, so that each glyph's position in its cell can be seen.
 void paintBoard(Image *picture, int cell) {
     for (unsigned y = 0; y < picture->height; ++y) {
         for (unsigned x = 0; x < picture->width; ++x) {

@@ -1,9 +1,9 @@
 #ifndef KELTRA_FORMATS_FAULT_TEXT_H
 #define KELTRA_FORMATS_FAULT_TEXT_H
 
-#include <string>
-
 #include "formats/fault.h"
+
+#include <string>
 
 namespace keltra::formats {
 
@@ -15,4 +15,4 @@ inline std::string textOf(const Fault &fault) {
 
 }  // namespace keltra::formats
 
-#endif  // KELTRA_FORMATS_FAULT_TEXT_H
+#endif

@@ -6,14 +6,14 @@
 namespace keltra::formats {
 namespace {
 
-constexpr size_t kAfterMagic = 14;
-constexpr size_t kOldBytesPerVertex = 12, kOldBytesPerFace = 16;
-constexpr size_t kCountsSize = 10;  // five counts stand between a mesh's hidden byte and its vertices
+constexpr std::size_t kAfterMagic = 14;
+constexpr std::size_t kOldBytesPerVertex = 12, kOldBytesPerFace = 16;
+constexpr std::size_t kCountsSize = 10;  // five counts between a mesh's hidden byte and its vertices
 
 Vec3 vecOf(const float *v) { return {v[0], v[1], v[2]}; }
 Color colorOf(const float *c) { return {c[0], c[1], c[2], c[3]}; }
 
-std::vector<Vec3> vecsOf(const unsigned char *bytes, size_t count) {
+std::vector<Vec3> vecsOf(const unsigned char *bytes, std::size_t count) {
     ByteReader reader(bytes, count * kVectorSize);
     std::vector<Vec3> list(count);
     for (Vec3 &v : list) {
@@ -27,29 +27,26 @@ std::vector<Vec3> vecsOf(const unsigned char *bytes, size_t count) {
 // Reads a file that has been checked, so no record can fail.
 class KteReader {
    public:
-    explicit KteReader(const std::vector<uint8_t> &bytes)
-        : bytes_(bytes), fields_(bytes.data(), bytes.size()) {}
+    explicit KteReader(const std::vector<std::uint8_t> &bytes)
+        : bytes(bytes), fields(bytes.data(), bytes.size()) {}
 
     KteFile read() {
         KteFile file;
         SceneHeader header;
-        readHeader(fields_, header);
-        old_ = header.oldVersion;
-        file.version = old_ ? KteVersion::k15a : KteVersion::k16a;
-        file.scene.afterMagic = bytes_[kAfterMagic];
-        for (unsigned i = 0; i < header.materials; ++i) {
-            file.scene.materials.push_back(material());
-        }
+        readHeader(fields, header);
+        old = header.oldVersion;
+        file.version = old ? KteVersion::k15a : KteVersion::k16a;
+        file.scene.afterMagic = bytes[kAfterMagic];
+        for (unsigned i = 0; i < header.materials; ++i) file.scene.materials.push_back(material());
         file.scene.root = node();
-        file.scene.rest.assign(bytes_.begin() + static_cast<std::ptrdiff_t>(fields_.position()),
-                               bytes_.end());
+        file.scene.rest.assign(bytes.begin() + static_cast<std::ptrdiff_t>(fields.position()), bytes.end());
         return file;
     }
 
    private:
     Material material() {
         MaterialRecord record;
-        readMaterial(fields_, record);
+        readMaterial(fields, record);
         Material m;
         m.name = record.name;
         m.texture = record.texture;
@@ -65,129 +62,114 @@ class KteReader {
 
     Node node() {
         Node n;
-        n.kind = static_cast<NodeKind>(fields_.u8("type"));
+        n.kind = static_cast<NodeKind>(fields.u8("type"));
         // The engine skips this word in lights and meshes.
-        n.auxId = ByteReader(bytes_.data() + fields_.position(), sizeof n.auxId).u32();
+        n.auxId = ByteReader(bytes.data() + fields.position(), sizeof n.auxId).u32();
         unsigned children = 0;
         switch (n.kind) {
             case NodeKind::kPlain:
-                children = plainBody(&n);
+                children = plainBody(n);
                 break;
             case NodeKind::kLight:
-                children = lightBody(&n);
+                children = lightBody(n);
                 break;
             case NodeKind::kMesh:
-                children = meshBody(&n);
+                children = meshBody(n);
                 break;
         }
         n.children.reserve(children);
-        for (unsigned i = 0; i < children; ++i) {
-            n.children.push_back(node());
-        }
+        for (unsigned i = 0; i < children; ++i) n.children.push_back(node());
         return n;
     }
 
-    unsigned plainBody(Node *n) {
+    unsigned plainBody(Node &n) {
         PlainRecord record;
-        readPlain(fields_, record);
-        n->name = record.name;
-        n->position = vecOf(record.position);
-        n->origin = vecOf(record.origin);
+        readPlain(fields, record);
+        n.name = record.name;
+        n.position = vecOf(record.position);
+        n.origin = vecOf(record.origin);
         return record.children;
     }
 
-    unsigned lightBody(Node *n) {
+    unsigned lightBody(Node &n) {
         LightRecord record;
-        readLight(fields_, record);
-        n->name = record.name;
-        n->position = vecOf(record.position);
-        n->light.type = static_cast<LightType>(record.lightType);
-        n->light.direction = vecOf(record.direction);
-        n->light.cutOff = record.cutOff;
-        n->light.color = vecOf(record.color);
+        readLight(fields, record);
+        n.name = record.name;
+        n.position = vecOf(record.position);
+        n.light.type = static_cast<LightType>(record.lightType);
+        n.light.direction = vecOf(record.direction);
+        n.light.cutOff = record.cutOff;
+        n.light.color = vecOf(record.color);
         return record.children;
     }
 
-    unsigned meshBody(Node *n) {
+    unsigned meshBody(Node &n) {
         MeshRecord record;
-        readMesh(fields_, old_, record);
-        n->name = record.name;
-        n->position = vecOf(record.position);
-        n->origin = vecOf(record.origin);
-        MeshData &m = n->mesh;
+        readMesh(fields, old, record);
+        n.name = record.name;
+        n.position = vecOf(record.position);
+        n.origin = vecOf(record.origin);
+        MeshData &m = n.mesh;
         m.rotation = vecOf(record.rotation);
         m.material = record.material;
         m.radius = record.radius;
         m.minimum = vecOf(record.minimum);
         m.maximum = vecOf(record.maximum);
         m.hidden = record.hidden;
-        if (m.hidden) {
-            m.hiddenByte = *(record.vertices - kCountsSize - 1);
-        }
-        geometry(record, &m);
-        skin(record, &m);
+        if (m.hidden) m.hiddenByte = *(record.vertices - kCountsSize - 1);
+        geometry(record, m);
+        skin(record, m);
         return record.children;
     }
 
-    void geometry(const MeshRecord &record, MeshData *m) {
-        m->vertices = vecsOf(record.vertices, record.vertexCount);
-        m->normals = vecsOf(record.normals, record.vertexCount);
-        m->faceNormals = vecsOf(record.faceNormals, record.faceCount);
+    void geometry(const MeshRecord &record, MeshData &m) {
+        m.vertices = vecsOf(record.vertices, record.vertexCount);
+        m.normals = vecsOf(record.normals, record.vertexCount);
+        m.faceNormals = vecsOf(record.faceNormals, record.faceCount);
         ByteReader uvs(record.uvs, record.uvCount * kUVSize);
-        m->uvs.resize(record.uvCount);
-        for (Vec2 &uv : m->uvs) {
+        m.uvs.resize(record.uvCount);
+        for (Vec2 &uv : m.uvs) {
             uv.x = uvs.f32();
             uv.y = uvs.f32();
         }
         ByteReader faces(record.faces, record.faceCount * kFaceSize);
-        m->faces.resize(record.faceCount);
-        for (Face &face : m->faces) {
-            for (uint16_t &index : face) {
-                index = faces.u16();
-            }
-        }
-        if (old_) {
+        m.faces.resize(record.faceCount);
+        for (Face &face : m.faces)
+            for (std::uint16_t &index : face) index = faces.u16();
+        if (old) {
             const unsigned char *vertexData = record.normals + record.vertexCount * kVectorSize;
-            m->oldVertexData.assign(vertexData, vertexData + record.vertexCount * kOldBytesPerVertex);
+            m.oldVertexData.assign(vertexData, vertexData + record.vertexCount * kOldBytesPerVertex);
             const unsigned char *faceData = record.faceNormals + record.faceCount * kVectorSize;
-            m->oldFaceData.assign(faceData, faceData + record.faceCount * kOldBytesPerFace);
+            m.oldFaceData.assign(faceData, faceData + record.faceCount * kOldBytesPerFace);
         }
     }
 
-    static void skin(const MeshRecord &record, MeshData *m) {
-        m->influences = static_cast<uint16_t>(record.influenceCount);
-        if (m->influences == 0) {
-            return;
-        }
-        const size_t count = size_t{record.vertexCount} * record.influenceCount;
-        m->influenceBones.assign(record.influenceBones, record.influenceBones + count);
+    static void skin(const MeshRecord &record, MeshData &m) {
+        m.influences = static_cast<std::uint16_t>(record.influenceCount);
+        if (m.influences == 0) return;
+        const std::size_t count = std::size_t{record.vertexCount} * record.influenceCount;
+        m.influenceBones.assign(record.influenceBones, record.influenceBones + count);
         ByteReader weights(record.influenceWeights, count * sizeof(float));
-        m->influenceWeights.resize(count);
-        for (float &weight : m->influenceWeights) {
-            weight = weights.f32();
-        }
+        m.influenceWeights.resize(count);
+        for (float &weight : m.influenceWeights) weight = weights.f32();
         const char *name = record.boneNames;
         for (unsigned i = 0; i < record.boneCount; ++i) {
-            m->boneNames.emplace_back(name);
-            name += m->boneNames.back().size() + 1;
+            m.boneNames.emplace_back(name);
+            name += m.boneNames.back().size() + 1;
         }
     }
 
-    const std::vector<uint8_t> &bytes_;
-    FieldReader fields_;
-    bool old_ = false;
+    const std::vector<std::uint8_t> &bytes;
+    FieldReader fields;
+    bool old = false;
 };
 
 }  // namespace
 
-std::optional<KteFile> readKte(const std::vector<uint8_t> &bytes, std::string *reason) {
+std::optional<KteFile> readKte(const std::vector<std::uint8_t> &bytes, std::string *reason) {
     Fault fault = {};
-    if (checkScene(bytes.data(), bytes.size(), fault)) {
-        return KteReader(bytes).read();
-    }
-    if (reason != nullptr) {
-        *reason = textOf(fault);
-    }
+    if (checkScene(bytes.data(), bytes.size(), fault)) return KteReader(bytes).read();
+    if (reason) *reason = textOf(fault);
     return std::nullopt;
 }
 

@@ -1,18 +1,17 @@
 #ifndef KELTRA_FORMATS_KTE_WRITER_H
 #define KELTRA_FORMATS_KTE_WRITER_H
 
-// Writes KTE scene files, versions 1.5a and 1.6a, byte for byte the same on
-// every machine. The structures hold what goes into the file and nothing is
-// checked: every count is the size of its own list, so lists that disagree
-// make an inconsistent file, which is what tests of the loader need.
+// Writes KTE scene files, versions 1.5a and 1.6a, the same bytes on every machine. The structures hold what
+// goes into the file and nothing is checked: every count is the size of its own list, so lists that disagree
+// make an inconsistent file, which tests of the loader need.
+
+#include "tools/formats/vec.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "tools/formats/vec.h"
 
 namespace keltra::formats {
 
@@ -30,8 +29,8 @@ struct Material {
     float shininess = 0.0f;
 };
 
-enum class NodeKind : uint8_t { kPlain = 0, kLight = 1, kMesh = 2 };
-enum class LightType : uint8_t { kPoint = 0, kDirectional = 1, kSpot = 2 };
+enum class NodeKind : std::uint8_t { kPlain = 0, kLight = 1, kMesh = 2 };
+enum class LightType : std::uint8_t { kPoint = 0, kDirectional = 1, kSpot = 2 };
 
 struct LightData {
     LightType type = LightType::kPoint;
@@ -40,7 +39,7 @@ struct LightData {
     Vec3 color = {1.0f, 1.0f, 1.0f};
 };
 
-using Face = std::array<uint16_t, 3>;
+using Face = std::array<std::uint16_t, 3>;
 
 struct MeshData {
     Vec3 rotation;  // degrees
@@ -54,18 +53,18 @@ struct MeshData {
     std::vector<Vec2> uvs;
     std::vector<Face> faces;
     std::vector<Vec3> faceNormals;
-    uint16_t influences = 0;  // per vertex; the three lists below need it non-zero
-    std::vector<uint8_t> influenceBones;
+    std::uint16_t influences = 0;  // per vertex; the three lists below are written only if it is not 0
+    std::vector<std::uint8_t> influenceBones;
     std::vector<float> influenceWeights;
     std::vector<std::string> boneNames;
-    uint8_t hiddenByte = 1;  // what a hidden mesh is marked with
-    // Version 1.5a only, 12 bytes a vertex and 16 a face; what is missing is written as zeros.
-    std::vector<uint8_t> oldVertexData, oldFaceData;
+    std::uint8_t hiddenByte = 1;  // the byte that marks a hidden mesh
+    // Version 1.5a only, 12 bytes per vertex and 16 per face; missing bytes are written as zeros.
+    std::vector<std::uint8_t> oldVertexData, oldFaceData;
 };
 
 struct Node {
     NodeKind kind = NodeKind::kPlain;
-    uint32_t auxId = 0;  // the ignored first word of a light and of a mesh
+    std::uint32_t auxId = 0;  // the ignored first word of a light and of a mesh
     std::string name;
     Vec3 position;
     Vec3 origin;  // plain nodes and meshes
@@ -77,28 +76,26 @@ struct Node {
 struct Scene {
     std::vector<Material> materials;
     Node root;
-    uint8_t afterMagic = 0;
-    std::vector<uint8_t> rest;  // behind the tree, where nothing reads
+    std::uint8_t afterMagic = 0;
+    std::vector<std::uint8_t> rest;  // after the tree; the engine does not read it
 };
 
-// Where one field of the file stands. Names are "materialCount",
-// "material[i].texture", "node[i].children", ..., nodes counted in file order
-// (depth-first, the root is 0). Lists have one mark for the whole list.
+// Offset and size of one field of the file. Names are "materialCount", "material[i].texture",
+// "node[i].children", ..., nodes counted in file order (depth-first, the root is 0). A list has one mark.
 struct Mark {
     std::string name;
-    size_t offset = 0;
-    size_t size = 0;
+    std::size_t offset = 0;
+    std::size_t size = 0;
 };
 
 using Marks = std::vector<Mark>;
 
-// The bytes of the file. When `marks` is not null the place of every field is
-// appended to it in file order.
-std::vector<uint8_t> writeKte(const Scene &scene, KteVersion version, Marks *marks = nullptr);
+// The bytes of the file. The mark of every field is appended to `marks`, unless null, in file order.
+std::vector<std::uint8_t> writeKte(const Scene &scene, KteVersion version, Marks *marks = nullptr);
 
 // The mark of that name, or null.
 const Mark *findMark(const Marks &marks, const std::string &name);
 
 }  // namespace keltra::formats
 
-#endif  // KELTRA_FORMATS_KTE_WRITER_H
+#endif

@@ -1,8 +1,7 @@
 #ifndef KELTRA_FORMATS_TGA_WRITER_H
 #define KELTRA_FORMATS_TGA_WRITER_H
 
-// Writes Targa images: uncompressed or run-length, 24 or 32 bits, rows from
-// the bottom up or from the top down.
+// Writes Targa images: uncompressed or run-length, 24 or 32 bits, rows from the bottom up or the top down.
 
 #include <cstdint>
 #include <vector>
@@ -10,7 +9,7 @@
 namespace keltra::formats {
 
 struct Rgba {
-    uint8_t r = 0, g = 0, b = 0, a = 255;
+    std::uint8_t r = 0, g = 0, b = 0, a = 255;
 };
 
 inline bool operator==(Rgba x, Rgba y) { return x.r == y.r && x.g == y.g && x.b == y.b && x.a == y.a; }
@@ -33,10 +32,9 @@ struct TgaOptions {
     bool topDown = false;  // descriptor bit 5
 };
 
-// The bytes of the file. Run-length packets never cross a row, as the Targa
-// format asks.
-std::vector<uint8_t> writeTga(const Image &image, const TgaOptions &options);
+// The bytes of the file. Run-length packets do not cross rows, as the format requires.
+std::vector<std::uint8_t> writeTga(const Image &image, const TgaOptions &options);
 
 }  // namespace keltra::formats
 
-#endif  // KELTRA_FORMATS_TGA_WRITER_H
+#endif

@@ -69,4 +69,4 @@ inline Vec3 polar(float degrees, float radius, float y) {
 
 }  // namespace keltra::formats
 
-#endif  // KELTRA_FORMATS_VEC_H
+#endif

@@ -3,9 +3,9 @@
 
 namespace keltra::formats {
 
-// Of the project, as the tools' --version prints it: "1.6.6".
+// The project's version as the tools' --version prints it: "1.6.6".
 const char *projectVersion();
 
 }  // namespace keltra::formats
 
-#endif  // KELTRA_FORMATS_VERSION_H
+#endif

@@ -1,13 +1,11 @@
 #ifndef KELTRA_TOOLS_INTERPOSE_H
 #define KELTRA_TOOLS_INTERPOSE_H
 
-// What is needed to define, in a program, a function that a shared library also defines. The dynamic
-// linker binds the engine's calls to the program's definition, which looks at them and passes them on to the
-// library's. The parameters come from the function's own declaration, so that a table of names and counts is
-// enough.
+// Helpers to define, in a program, a function that a shared library also defines. The dynamic linker binds
+// the engine's calls to the program's definition, which records them and calls the library's. The parameters
+// come from the function's declaration, so that a table of names and counts is enough.
 
 #include <dlfcn.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -26,7 +24,7 @@ struct Signature<R(A...)> {
     using Argument = std::tuple_element_t<i, std::tuple<A...>>;
 };
 
-/// The library's own definition. A missing one ends the program.
+// The library's definition. Ends the program if there is none.
 template <class F>
 F *nextFunction(const char *name) {
     void *found = dlsym(RTLD_NEXT, name);

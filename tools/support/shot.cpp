@@ -1,21 +1,21 @@
 #include "tools/support/shot.h"
 
-#include <GLES/gl.h>
-#include <fcntl.h>
 #include <keltra/settings.h>
-#include <png.h>
-#include <unistd.h>
 
+#include <GLES/gl.h>
+#include <png.h>
+
+#include <fcntl.h>
+#include <unistd.h>
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
-namespace keltra {
-namespace support {
+namespace keltra::support {
 namespace {
 
-const int kRgba = 4, kRgb = 3;
+constexpr int kRgba = 4, kRgb = 3;
 
 bool encode(const Shot &shot, std::vector<unsigned char> *file, std::string *reason) {
     png_image image = {};
@@ -87,5 +87,4 @@ bool saveShot(const Shot &shot, const std::string &path, std::string *reason) {
     return false;
 }
 
-}  // namespace support
-}  // namespace keltra
+}  // namespace keltra::support

@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace keltra {
-namespace support {
+namespace keltra::support {
 
 // Rows from the top; red, green, blue.
 struct Shot {
@@ -18,11 +17,10 @@ struct Shot {
 // The frame just drawn, before it is swapped.
 Shot takeShot();
 
-// Writes the picture aside and renames it to `path`, so that there is never half a file. False, and `reason`,
-// when it cannot.
+// Writes a temporary file and renames it to `path`, so that the file is never incomplete. Returns false, with
+// the reason, on failure.
 bool saveShot(const Shot &shot, const std::string &path, std::string *reason);
 
-}  // namespace support
-}  // namespace keltra
+}  // namespace keltra::support
 
 #endif
