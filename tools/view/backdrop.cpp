@@ -1,7 +1,8 @@
 #include "tools/view/backdrop.h"
 
-#include <GLES/gl.h>
 #include <keltra/keltra.h>
+
+#include <GLES/gl.h>
 
 #include <cmath>
 #include <cstring>
@@ -10,14 +11,14 @@
 namespace keltra::view {
 namespace {
 
-const unsigned kTile = 4, kRows = 512;
-const GLfixed kFixed = 65536;
+constexpr unsigned kTile = 4, kRows = 512;
+constexpr GLfixed kFixed = 65536;
 
 struct Stop {
     float at;      // share of the height, from the bottom
     float rgb[3];  // 0 to 255
 };
-const Stop kStops[] = {
+constexpr Stop kStops[] = {
     {0.00f, {34.0f, 38.0f, 46.0f}},
     {0.22f, {70.0f, 78.0f, 92.0f}},
     {0.55f, {54.0f, 62.0f, 76.0f}},
@@ -25,7 +26,7 @@ const Stop kStops[] = {
 };
 
 // Thresholds of ordered dithering.
-const int kOrder[kTile][kTile] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
+constexpr int kOrder[kTile][kTile] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
 
 float shadeAt(float at, int channel) {
     const Stop *stop = kStops + 1;

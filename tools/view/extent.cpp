@@ -8,8 +8,8 @@
 namespace keltra::view {
 namespace {
 
-const float kNothing = 1.0f / 65536.0f;  // what 16.16 cannot tell from a single place
-const float kLeastGirth = 0.05f;         // of the radius: a rod keeps some width
+constexpr float kNothing = 1.0f / 65536.0f;  // what 16.16 cannot tell from a single place
+constexpr float kLeastGirth = 0.05f;         // of the radius: a rod keeps some width
 
 bool isPlace(const R3XVECTOR3D &point) {
     return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);

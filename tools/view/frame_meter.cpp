@@ -3,7 +3,7 @@
 namespace keltra::view {
 namespace {
 
-const double kPeriod = 0.5;  // seconds
+constexpr double kPeriod = 0.5;  // seconds
 
 }  // namespace
 

@@ -1,9 +1,9 @@
 #include "tools/view/gl_calls.h"
 
-#include <GLES/gl.h>
-
 #include "tools/support/gl_functions.h"
 #include "tools/support/interpose.h"
+
+#include <GLES/gl.h>
 
 namespace {
 

@@ -9,7 +9,7 @@ struct KeyAction {
     SDLKey key;
     Action action;
 };
-const KeyAction kKeys[] = {
+constexpr KeyAction kKeys[] = {
     {SDLK_ESCAPE, Action::kQuit},
     {SDLK_SPACE, Action::kPlay},
     {SDLK_n, Action::kNextClip},

@@ -3,9 +3,9 @@
 
 // Pen, mouse and keys, as SDL reports them.
 
-#include <vector>
-
 #include "tools/view/actions.h"
+
+#include <vector>
 
 namespace keltra::view {
 

@@ -1,12 +1,13 @@
 #include "tools/view/lamps.h"
 
-#include <GLES/gl.h>
 #include <keltra/keltra.h>
+
+#include <GLES/gl.h>
 
 namespace keltra::view {
 namespace {
 
-const GLenum kLights = 4;  // as many as the engine uses
+constexpr GLenum kLights = 4;  // as many as the engine uses
 
 KTLIGHT *makeLamp(const R3XVECTOR3D &direction, float r, float g, float b, float shine) {
     KTLIGHT *lamp = new KTLIGHT;

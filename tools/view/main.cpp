@@ -1,8 +1,14 @@
 // keltra-view FILE: shows a scene or a model in the engine, and what it costs.
 
-#include <SDL.h>
+#include "tools/formats/version.h"
+#include "tools/support/shot.h"
+#include "tools/view/failure.h"
+#include "tools/view/gl_calls.h"
+#include "tools/view/viewer.h"
 
+#include <SDL.h>
 #include <CLI/CLI.hpp>
+
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -10,23 +16,17 @@
 #include <string>
 #include <vector>
 
-#include "tools/formats/version.h"
-#include "tools/support/shot.h"
-#include "tools/view/failure.h"
-#include "tools/view/gl_calls.h"
-#include "tools/view/viewer.h"
-
 namespace {
 
 using keltra::support::Shot;
 using keltra::view::failure;
 using keltra::view::Viewer;
 
-const int kFailed = 1, kUsage = 2;
-const int kShotFrames = 25;             // of a picture without a number of frames
-const int kPictures = 12;               // of a turntable
-const float kFixedStep = 1.0f / 25.0f;  // seconds, of runs that must repeat exactly
-const double kShortestFrame = 1.0 / 60.0, kLongestFrame = 0.25;
+constexpr int kFailed = 1, kUsage = 2;
+constexpr int kShotFrames = 25;             // of a picture without a number of frames
+constexpr int kPictures = 12;               // of a turntable
+constexpr float kFixedStep = 1.0f / 25.0f;  // seconds, of runs that must repeat exactly
+constexpr double kShortestFrame = 1.0 / 60.0, kLongestFrame = 0.25;
 
 volatile std::sig_atomic_t stopSignal = 0;
 

@@ -1,13 +1,13 @@
+#include "tools/view/marks.h"
+
 #include <algorithm>
 #include <cmath>
-
-#include "tools/view/marks.h"
 
 namespace keltra::view {
 namespace {
 
-const GLfixed kOne = 65536;
-const GLfixed kPointSize = 4 * kOne, kLineWidth = kOne;
+constexpr GLfixed kOne = 65536;
+constexpr GLfixed kPointSize = 4 * kOne, kLineWidth = kOne;
 
 GLfixed toFixed(float value) {
     return static_cast<GLfixed>(std::clamp(value, -32767.0f, 32767.0f) * static_cast<float>(kOne));

@@ -6,10 +6,10 @@
 namespace keltra::view {
 namespace {
 
-const MarkColor kBoxColor = {96, 200, 216}, kSkinBoxColor = {240, 184, 88};
-const MarkColor kBoneColor = {255, 224, 112}, kJointColor = {255, 120, 64};
-const float kDegree = 3.14159265f / 180.0f;
-const float kOne = 65536.0f;
+constexpr MarkColor kBoxColor = {96, 200, 216}, kSkinBoxColor = {240, 184, 88};
+constexpr MarkColor kBoneColor = {255, 224, 112}, kJointColor = {255, 120, 64};
+constexpr float kDegree = 3.14159265f / 180.0f;
+constexpr float kOne = 65536.0f;
 
 R3XVECTOR3D turned(const R3XMATRIX &matrix, const R3XVECTOR3D &direction) {
     return matrix.rotate(R3XVECTOR4D(direction.x, direction.y, direction.z, 0.0f));
@@ -122,7 +122,7 @@ void addArrow(MarkBatch &batch, const R3XVECTOR3D &from, const Frame &frame, flo
 
 void addCone(MarkBatch &batch, const R3XVECTOR3D &apex, const Frame &frame, float degrees, float length,
              MarkColor color) {
-    const unsigned kSides = 12;
+    constexpr unsigned kSides = 12;
     const float angle = std::clamp(degrees, 0.0f, 90.0f) * kDegree;
     R3XVECTOR3D previous;
     for (unsigned i = 0; i <= kSides; ++i) {

@@ -3,8 +3,9 @@
 
 // What the viewer draws over a model: boxes, skeletons and lights, as lines.
 
-#include <GLES/gl.h>
 #include <keltra/keltra.h>
+
+#include <GLES/gl.h>
 
 #include <vector>
 

@@ -1,5 +1,8 @@
 #include "tools/view/model.h"
 
+#include "tools/formats/kte_reader.h"
+#include "tools/view/failure.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -7,14 +10,11 @@
 #include <fstream>
 #include <iterator>
 
-#include "tools/formats/kte_reader.h"
-#include "tools/view/failure.h"
-
 namespace keltra::view {
 namespace {
 
-const char kSkyName[] = "sky";
-const float kOne = 65536.0f;  // of 16.16
+constexpr char kSkyName[] = "sky";
+constexpr float kOne = 65536.0f;  // of 16.16
 
 KTNODE *nextOf(KTNODE *node) { return node->getNextNode(); }
 template <class T>

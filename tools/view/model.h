@@ -4,13 +4,12 @@
 // The model that is shown, and everything that came with it.
 
 #include <keltra/keltra.h>
+#include "tools/view/extent.h"
+#include "tools/view/source.h"
 
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "tools/view/extent.h"
-#include "tools/view/source.h"
 
 namespace keltra::view {
 

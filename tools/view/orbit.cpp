@@ -7,16 +7,16 @@ namespace keltra::view {
 namespace {
 
 // Radii that are left alone. Beyond them distances would leave 16.16, or clipping planes lose their digits.
-const float kLargest = 2048.0f, kSmallest = 0.25f;
-const float kNearest = 0.03f, kFarthest = 2.2f;  // of the fitting distance
-const float kSteepest = 88.0f;                   // degrees: no flip over the poles
-const float kYaw = -28.0f, kPitch = 12.0f;       // three quarters, slightly from above
-const float kMargin = 1.06f;
-const float kLeastNear = 0.02f;         // of the distance; keeps the 16 bits of depth apart
-const float kFarthestPlane = 32000.0f;  // within 16.16
-const float kSkyReach = 0.95f,
-            kSkyLeast = 0.1f;  // of a sky's radius: where the model ends, how far the eye goes
-const float kFullTurn = 360.0f, kDegree = 3.14159265f / 180.0f;
+constexpr float kLargest = 2048.0f, kSmallest = 0.25f;
+constexpr float kNearest = 0.03f, kFarthest = 2.2f;  // of the fitting distance
+constexpr float kSteepest = 88.0f;                   // degrees: no flip over the poles
+constexpr float kYaw = -28.0f, kPitch = 12.0f;       // three quarters, slightly from above
+constexpr float kMargin = 1.06f;
+constexpr float kLeastNear = 0.02f;         // of the distance; keeps the 16 bits of depth apart
+constexpr float kFarthestPlane = 32000.0f;  // within 16.16
+constexpr float kSkyReach = 0.95f,
+                kSkyLeast = 0.1f;  // of a sky's radius: where the model ends, how far the eye goes
+constexpr float kFullTurn = 360.0f, kDegree = 3.14159265f / 180.0f;
 
 R3XMATRIX translation(float x, float y, float z) {
     R3XMATRIX matrix;

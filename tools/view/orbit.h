@@ -5,7 +5,6 @@
 // model is brought to the origin and, when it is very large or very small, to a size that 16.16 holds well.
 
 #include <keltra/matrix.h>
-
 #include "tools/view/extent.h"
 
 namespace keltra::view {

@@ -1,21 +1,21 @@
 #include "tools/view/panel.h"
 
+#include "tools/view/failure.h"
+
 #include <cmath>
 #include <cstdio>
-
-#include "tools/view/failure.h"
 
 namespace keltra::view {
 namespace {
 
-const int kTitleHeight = 19;
-const int kTextInset = 6;
+constexpr int kTitleHeight = 19;
+constexpr int kTextInset = 6;
 const R3XVECTOR4D kTitleColor(0.20f, 0.24f, 0.29f, 0.95f);
 const R3XVECTOR4D kButtonColor(0.22f, 0.26f, 0.31f, 1.0f);
 const R3XVECTOR4D kSwitchedColor(0.17f, 0.38f, 0.47f, 1.0f);
 const R3XVECTOR4D kCursorColor(0.45f, 0.68f, 0.76f, 1.0f);
-const char kFontFile[] = "font.tga";
-const char kDim[] = "^c5558";
+constexpr char kFontFile[] = "font.tga";
+constexpr char kDim[] = "^c5558";
 
 // Finds the widgets of a description by name.
 class Finder {

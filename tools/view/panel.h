@@ -4,13 +4,12 @@
 // The interface in front of the model: the engine's own, described by an XML file.
 
 #include <keltra/keltra.h>
-
-#include <string>
-#include <vector>
-
 #include "tools/view/actions.h"
 #include "tools/view/orbit.h"
 #include "tools/view/panel_text.h"
+
+#include <string>
+#include <vector>
 
 namespace keltra::view {
 

@@ -6,8 +6,8 @@
 namespace keltra::view {
 namespace {
 
-const char kCut[] = "..";
-const int kLetterHeight = 16;  // a cell of the font
+constexpr char kCut[] = "..";
+constexpr int kLetterHeight = 16;  // a cell of the font
 
 // "1234567" as "1,234,567".
 std::string grouped(unsigned long number) {

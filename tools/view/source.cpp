@@ -1,24 +1,23 @@
 #include "tools/view/source.h"
 
-#include <sys/stat.h>
+#include "tools/convert/isolated.h"
+#include "tools/convert/names.h"
+#include "tools/view/failure.h"
 
+#include <sys/stat.h>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 
-#include "tools/convert/isolated.h"
-#include "tools/convert/names.h"
-#include "tools/view/failure.h"
-
 namespace keltra::view {
 namespace {
 
 namespace fs = std::filesystem;
 
-const char kMagic[] = "KTE file v1.";
-const char kSceneEnding[] = ".kte", kClipEnding[] = ".kta";
+constexpr char kMagic[] = "KTE file v1.";
+constexpr char kSceneEnding[] = ".kte", kClipEnding[] = ".kta";
 
 std::string lowerCase(std::string text) {
     for (char &c : text)

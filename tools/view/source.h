@@ -4,10 +4,10 @@
 // Where a model's files are: those of a scene file as they stand, those of any other model after its
 // conversion.
 
+#include "tools/view/stage.h"
+
 #include <string>
 #include <vector>
-
-#include "tools/view/stage.h"
 
 namespace keltra::view {
 

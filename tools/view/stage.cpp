@@ -1,17 +1,16 @@
 #include "tools/view/stage.h"
 
-#include <stdlib.h>
-
-#include <filesystem>
-
 #include "tools/view/failure.h"
+
+#include <stdlib.h>
+#include <filesystem>
 
 namespace keltra::view {
 namespace {
 
 namespace fs = std::filesystem;
 
-const std::size_t kLongestPrefix = 200;  // the rest of the engine's 255 is for names in the folder
+constexpr std::size_t kLongestPrefix = 200;  // the rest of the engine's 255 is for names in the folder
 
 }  // namespace
 

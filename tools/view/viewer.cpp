@@ -1,22 +1,22 @@
 #include "tools/view/viewer.h"
 
+#include "tools/view/failure.h"
+
 #include <GLES/gl.h>
 
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 
-#include "tools/view/failure.h"
-
 namespace keltra::view {
 namespace {
 
-const double kPollPeriod = 0.5;       // seconds
-const float kDegreesAPixel = 0.6f;    // of a drag
-const float kDegreesASecond = 90.0f;  // of the arrow keys
-const float kZoomAPixel = 1.01f, kZoomAStep = 1.12f, kZoomASecond = 2.5f;
-const float kPortraitPitch = 14.0f;
-const unsigned kPoses = 4;  // of the first clip that are measured
+constexpr double kPollPeriod = 0.5;       // seconds
+constexpr float kDegreesAPixel = 0.6f;    // of a drag
+constexpr float kDegreesASecond = 90.0f;  // of the arrow keys
+constexpr float kZoomAPixel = 1.01f, kZoomAStep = 1.12f, kZoomASecond = 2.5f;
+constexpr float kPortraitPitch = 14.0f;
+constexpr unsigned kPoses = 4;  // of the first clip that are measured
 
 double now() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();

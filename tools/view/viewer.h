@@ -2,13 +2,6 @@
 #define KELTRA_VIEW_VIEWER_H
 
 #include <keltra/keltra.h>
-
-#include <functional>
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "tools/view/backdrop.h"
 #include "tools/view/clip_clock.h"
 #include "tools/view/file_watch.h"
@@ -20,6 +13,12 @@
 #include "tools/view/orbit.h"
 #include "tools/view/panel.h"
 #include "tools/view/stage.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace keltra::view {
 

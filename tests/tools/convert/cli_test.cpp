@@ -1,11 +1,11 @@
+#include "tests/tools/convert/program.h"
+#include "tools/formats/kte_reader.h"
+
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <csignal>
-#include <nlohmann/json.hpp>
-
-#include "tests/tools/convert/program.h"
-#include "tools/formats/kte_reader.h"
 
 namespace keltra::convert {
 namespace {

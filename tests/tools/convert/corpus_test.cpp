@@ -1,6 +1,12 @@
 // The program, run over every file of the package of models: whatever it is given, it converts it or says in
 // one line why not.
 
+#include "tests/scene/scene_parts.h"
+#include "tests/tools/convert/support/clips.h"
+#include "tests/tools/convert/support/converter_run.h"
+#include "tests/tools/convert/support/model_package.h"
+#include "tests/tools/convert/support/model_table.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -9,12 +15,6 @@
 #include <filesystem>
 #include <mutex>
 #include <thread>
-
-#include "tests/scene/scene_parts.h"
-#include "tests/tools/convert/support/clips.h"
-#include "tests/tools/convert/support/converter_run.h"
-#include "tests/tools/convert/support/model_package.h"
-#include "tests/tools/convert/support/model_table.h"
 
 namespace keltra::test {
 namespace {

@@ -1,11 +1,11 @@
 // Animations that are longer, larger or emptier than a file of the engine holds.
 
+#include "tests/tools/convert/support/clips.h"
+#include "tests/tools/convert/support/convert_fixture.h"
+
 #include <gtest/gtest.h>
 
 #include <set>
-
-#include "tests/tools/convert/support/clips.h"
-#include "tests/tools/convert/support/convert_fixture.h"
 
 namespace keltra::test {
 namespace {

@@ -1,14 +1,14 @@
 // Models with something wrong or unusual in their shapes, names and files.
 
+#include "formats/scene_record.h"
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tests/tools/convert/support/source_pose.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <limits>
 #include <set>
-
-#include "formats/scene_record.h"
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tests/tools/convert/support/source_pose.h"
 
 namespace keltra::test {
 namespace {

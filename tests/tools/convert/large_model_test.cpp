@@ -1,12 +1,12 @@
 // Models larger than the engine's meshes, and how long they take.
 
+#include "tests/tools/convert/support/convert_fixture.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-
-#include "tests/tools/convert/support/convert_fixture.h"
 
 namespace keltra::test {
 namespace {

@@ -1,14 +1,14 @@
 #include "tools/convert/output_folder.h"
 
+#include "tests/support/temp_file.h"
+
 #include <gmock/gmock.h>
+
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
 #include <random>
-
-#include "tests/support/temp_file.h"
 
 namespace keltra::convert {
 namespace {

@@ -1,11 +1,11 @@
 #include "tools/convert/picture.h"
 
+#include "tests/tools/convert/support/pictures.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <iterator>
-
-#include "tests/tools/convert/support/pictures.h"
 
 namespace keltra::convert {
 namespace {

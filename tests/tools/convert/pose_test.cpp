@@ -1,15 +1,15 @@
 // The converter held against its models: what the engine shows of a converted clip, vertex by vertex, is
 // where the model's own matrices put it.
 
-#include <cstdio>
-#include <map>
-#include <set>
-
 #include "tests/support/engine_fixture.h"
 #include "tests/tools/convert/support/clips.h"
 #include "tests/tools/convert/support/engine_pose.h"
 #include "tests/tools/convert/support/model_package.h"
 #include "tests/tools/convert/support/source_pose.h"
+
+#include <cstdio>
+#include <map>
+#include <set>
 
 namespace keltra::test {
 namespace {
@@ -32,7 +32,7 @@ const char *const kAlways[] = {
 };
 
 // What the engine cannot show as the model has it, and the word by which the report has to say so.
-const char kScales[] = "animated scales", kInfluences[] = "influences", kBindPose[] = "bind pose";
+constexpr char kScales[] = "animated scales", kInfluences[] = "influences", kBindPose[] = "bind pose";
 const std::map<std::string, std::string> kInexact = {
     {"ASE/anim.ASE", kScales},  // at rest a box has a scale that the clip takes away
     {"ASE/anim2.ASE", kScales},

@@ -3,14 +3,13 @@
 
 // Runs a program and keeps what it writes.
 
+#include "tests/support/temp_file.h"
+
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
 #include <string>
 #include <vector>
-
-#include "tests/support/temp_file.h"
 
 namespace keltra::test {
 

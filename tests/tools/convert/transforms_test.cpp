@@ -1,13 +1,13 @@
 // Trees of nodes with every kind of transform: whatever the model does with its matrices, each vertex has to
 // stand in the world where it stood.
 
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tests/tools/convert/support/source_pose.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
 #include <random>
-
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tests/tools/convert/support/source_pose.h"
 
 namespace keltra::test {
 namespace {

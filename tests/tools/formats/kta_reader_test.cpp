@@ -1,16 +1,16 @@
 #include "tools/formats/kta_reader.h"
 
+#include "tools/samples/figure.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <random>
 
-#include "tools/samples/figure.h"
-
 namespace keltra::formats {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+using Bytes = std::vector<std::uint8_t>;
 
 Bytes again(const Bytes &bytes) {
     const std::optional<Animation> animation = readKta(bytes);
@@ -21,13 +21,13 @@ Bytes again(const Bytes &bytes) {
 Animation randomAnimation(unsigned seed, unsigned bones, unsigned frames) {
     std::mt19937 random(seed);
     const auto real = [&random] {
-        const uint32_t bits = static_cast<uint32_t>(random());
+        const std::uint32_t bits = static_cast<std::uint32_t>(random());
         float value = 0.0f;
         std::memcpy(&value, &bits, sizeof value);
         return value;
     };
     Animation animation;
-    animation.endOfText = static_cast<uint8_t>(random());
+    animation.endOfText = static_cast<std::uint8_t>(random());
     for (unsigned bone = 0; bone < bones; ++bone)
         animation.bones.push_back(std::string(random() % 256, static_cast<char>(1 + random() % 255)));
     animation.frames.resize(frames);
@@ -37,11 +37,11 @@ Animation randomAnimation(unsigned seed, unsigned bones, unsigned frames) {
             keyframe.rotation = {real(), real(), real()};
             keyframe.position = {real(), real(), real()};
             keyframe.set = random() % 2 == 0;
-            if (keyframe.set) keyframe.setByte = static_cast<uint8_t>(1 + random() % 255);
+            if (keyframe.set) keyframe.setByte = static_cast<std::uint8_t>(1 + random() % 255);
             frame.push_back(keyframe);
         }
     }
-    animation.rest.assign(random() % 9, static_cast<uint8_t>(random()));
+    animation.rest.assign(random() % 9, static_cast<std::uint8_t>(random()));
     return animation;
 }
 
@@ -93,7 +93,7 @@ TEST(KtaReader, RefusesEveryTruncation) {
     Animation animation = randomAnimation(3, 3, 2);
     animation.rest.clear();
     const Bytes whole = writeKta(animation);
-    for (size_t size = 0; size < whole.size(); ++size) {
+    for (std::size_t size = 0; size < whole.size(); ++size) {
         std::string reason;
         const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
         EXPECT_FALSE(readKta(cut, &reason)) << size;
@@ -103,11 +103,11 @@ TEST(KtaReader, RefusesEveryTruncation) {
 
 TEST(KtaReader, WhateverItAcceptsComesBackByteForByte) {
     const Bytes whole = writeKta(randomAnimation(3, 3, 2));
-    size_t accepted = 0, refused = 0;
-    for (size_t at = 0; at < whole.size(); ++at) {
+    std::size_t accepted = 0, refused = 0;
+    for (std::size_t at = 0; at < whole.size(); ++at) {
         for (unsigned flip = 1; flip < 256; ++flip) {
             Bytes bytes = whole;
-            bytes[at] = static_cast<uint8_t>(bytes[at] ^ flip);
+            bytes[at] = static_cast<std::uint8_t>(bytes[at] ^ flip);
             const std::optional<Animation> animation = readKta(bytes);
             ++(animation ? accepted : refused);
             if (animation) {

@@ -1,18 +1,18 @@
 #include "tools/formats/kte_reader.h"
 
+#include "tools/samples/figure.h"
+#include "tools/samples/film.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <limits>
 #include <random>
 
-#include "tools/samples/figure.h"
-#include "tools/samples/film.h"
-
 namespace keltra::formats {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+using Bytes = std::vector<std::uint8_t>;
 
 // What a file becomes when it is read and written again; nothing when it is refused.
 Bytes again(const Bytes &bytes) {
@@ -20,7 +20,7 @@ Bytes again(const Bytes &bytes) {
     return file ? writeKte(file->scene, file->version) : Bytes();
 }
 
-float fromBits(uint32_t bits) {
+float fromBits(std::uint32_t bits) {
     float value = 0.0f;
     std::memcpy(&value, &bits, sizeof value);
     return value;
@@ -42,14 +42,14 @@ class RandomScene {
 
    private:
     unsigned upTo(unsigned most) { return static_cast<unsigned>(random() % (most + 1)); }
-    uint8_t byte() { return static_cast<uint8_t>(random()); }
-    Bytes bytes(size_t count) {
+    std::uint8_t byte() { return static_cast<std::uint8_t>(random()); }
+    Bytes bytes(std::size_t count) {
         Bytes list(count);
-        for (uint8_t &value : list) value = byte();
+        for (std::uint8_t &value : list) value = byte();
         return list;
     }
     // Any bits: infinities and not-a-numbers with their payloads too.
-    float real() { return fromBits(static_cast<uint32_t>(random())); }
+    float real() { return fromBits(static_cast<std::uint32_t>(random())); }
     Vec3 vec() { return {real(), real(), real()}; }
     Color color() { return {real(), real(), real(), real()}; }
     std::string name() {
@@ -65,7 +65,7 @@ class RandomScene {
     Node node(unsigned level) {
         Node n;
         n.kind = static_cast<NodeKind>(upTo(2));
-        n.auxId = static_cast<uint32_t>(random());
+        n.auxId = static_cast<std::uint32_t>(random());
         n.name = name();
         n.position = vec();
         if (n.kind != NodeKind::kLight) n.origin = vec();
@@ -83,14 +83,14 @@ class RandomScene {
         m.minimum = vec();
         m.maximum = vec();
         m.hidden = upTo(1) == 1;
-        m.hiddenByte = static_cast<uint8_t>(1 + upTo(254));
+        m.hiddenByte = static_cast<std::uint8_t>(1 + upTo(254));
         const unsigned vertices = upTo(5);
         for (unsigned i = 0; i < vertices; ++i) m.vertices.push_back(vec());
         for (unsigned i = 0; i < vertices; ++i) m.normals.push_back(vec());
         // More texture coordinates than vertices are accepted.
         for (unsigned i = upTo(1) * (vertices + upTo(2)); i > 0; --i) m.uvs.push_back({real(), real()});
         for (unsigned i = vertices > 0 ? upTo(4) : 0; i > 0; --i) {
-            const auto index = [&] { return static_cast<uint16_t>(upTo(vertices - 1)); };
+            const auto index = [&] { return static_cast<std::uint16_t>(upTo(vertices - 1)); };
             m.faces.push_back({index(), index(), index()});
             m.faceNormals.push_back(vec());
         }
@@ -101,10 +101,10 @@ class RandomScene {
     }
 
     void skin(MeshData *m) {
-        m->influences = static_cast<uint16_t>(1 + upTo(3));
+        m->influences = static_cast<std::uint16_t>(1 + upTo(3));
         for (unsigned i = 1 + upTo(3); i > 0; --i) m->boneNames.push_back(name());
-        for (size_t i = m->vertices.size() * m->influences; i > 0; --i) {
-            m->influenceBones.push_back(static_cast<uint8_t>(upTo(unsigned(m->boneNames.size()) - 1)));
+        for (std::size_t i = m->vertices.size() * m->influences; i > 0; --i) {
+            m->influenceBones.push_back(static_cast<std::uint8_t>(upTo(unsigned(m->boneNames.size()) - 1)));
             m->influenceWeights.push_back(real());
         }
     }
@@ -221,7 +221,7 @@ TEST(KteReader, RefusesEveryTruncation) {
     for (const KteVersion version : {KteVersion::k15a, KteVersion::k16a}) {
         const Bytes whole = smallScene(version);
         ASSERT_EQ(again(whole), whole);
-        for (size_t size = 0; size < whole.size(); ++size) {
+        for (std::size_t size = 0; size < whole.size(); ++size) {
             std::string reason;
             const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
             EXPECT_FALSE(readKte(cut, &reason)) << size;
@@ -231,13 +231,13 @@ TEST(KteReader, RefusesEveryTruncation) {
 }
 
 TEST(KteReader, WhateverItAcceptsComesBackByteForByte) {
-    size_t accepted = 0, refused = 0;
+    std::size_t accepted = 0, refused = 0;
     for (const KteVersion version : {KteVersion::k15a, KteVersion::k16a}) {
         const Bytes whole = smallScene(version);
-        for (size_t at = 0; at < whole.size(); ++at) {
+        for (std::size_t at = 0; at < whole.size(); ++at) {
             for (unsigned flip = 1; flip < 256; ++flip) {
                 Bytes bytes = whole;
-                bytes[at] = static_cast<uint8_t>(bytes[at] ^ flip);
+                bytes[at] = static_cast<std::uint8_t>(bytes[at] ^ flip);
                 const std::optional<KteFile> file = readKte(bytes);
                 ++(file ? accepted : refused);
                 if (file) {

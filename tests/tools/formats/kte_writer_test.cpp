@@ -7,7 +7,7 @@
 namespace keltra::formats {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+using Bytes = std::vector<std::uint8_t>;
 
 // Expected bytes, put down piece by piece.
 class Expected {
@@ -17,10 +17,10 @@ class Expected {
         return *this;
     }
     Expected &raw(std::initializer_list<int> values) {
-        for (int value : values) bytes_.push_back(static_cast<uint8_t>(value));
+        for (int value : values) bytes_.push_back(static_cast<std::uint8_t>(value));
         return *this;
     }
-    Expected &zeros(size_t count) {
+    Expected &zeros(std::size_t count) {
         bytes_.insert(bytes_.end(), count, 0);
         return *this;
     }
@@ -183,7 +183,7 @@ TEST(KteWriter, WritesNodesDepthFirst) {
     Marks marks;
     const Bytes bytes = writeKte(scene, KteVersion::k16a, &marks);
     const char *expected[] = {"", "A", "A1", "B"};
-    for (size_t i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4; ++i) {
         const Mark *mark = findMark(marks, "node[" + std::to_string(i) + "].name");
         ASSERT_NE(mark, nullptr);
         EXPECT_STREQ(reinterpret_cast<const char *>(&bytes[mark->offset]), expected[i]);
@@ -201,7 +201,7 @@ TEST(KteWriter, MarksCoverTheFileWithoutGaps) {
         scene.root.children[1].mesh.boneNames = {"b"};
         Marks marks;
         const Bytes bytes = writeKte(scene, version, &marks);
-        size_t end = 0;
+        std::size_t end = 0;
         for (const Mark &mark : marks) {
             EXPECT_EQ(mark.offset, end) << mark.name;
             end = mark.offset + mark.size;
@@ -225,7 +225,7 @@ TEST(KteWriter, MarksPointAtTheirFields) {
 TEST(KteWriter, WritesListsThatDisagreeAsTheyAre) {
     Scene scene;
     scene.root = triangleMesh();
-    const size_t whole = writeKte(scene, KteVersion::k16a).size();
+    const std::size_t whole = writeKte(scene, KteVersion::k16a).size();
     scene.root.mesh.normals.pop_back();
     const Bytes bytes = writeKte(scene, KteVersion::k16a);
     EXPECT_EQ(bytes.size(), whole - 12);

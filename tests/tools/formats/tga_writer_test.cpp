@@ -5,7 +5,7 @@
 namespace keltra::formats {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+using Bytes = std::vector<std::uint8_t>;
 
 // Two columns, two rows: red and green over blue and half-transparent white.
 Image fourPixels() {
@@ -21,7 +21,7 @@ Image row(std::initializer_list<int> grays) {
     Image image(static_cast<unsigned>(grays.size()), 1);
     unsigned x = 0;
     for (int gray : grays) {
-        const uint8_t value = static_cast<uint8_t>(gray);
+        const std::uint8_t value = static_cast<std::uint8_t>(gray);
         image.at(x++, 0) = {value, value, value, 255};
     }
     return image;
@@ -73,7 +73,7 @@ TEST(TgaWriter, LongestRunIsOneHundredTwentyEight) {
 
 TEST(TgaWriter, LongestStretchIsOneHundredTwentyEight) {
     Image image(130, 1);
-    for (unsigned x = 0; x < 130; ++x) image.at(x, 0) = {static_cast<uint8_t>(x), 0, 0, 255};
+    for (unsigned x = 0; x < 130; ++x) image.at(x, 0) = {static_cast<std::uint8_t>(x), 0, 0, 255};
     const Bytes pixels = pixelBytes(writeTga(image, {true, 24, false}));
     EXPECT_EQ(pixels.size(), 2 + 130u * 3);
     EXPECT_EQ(pixels[0], 0x7F);

@@ -1,13 +1,13 @@
-#include <gmock/gmock.h>
-
-#include <functional>
-
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/support/temp_file.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
 #include "tools/info/inspect.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
 
 namespace keltra::test {
 namespace {

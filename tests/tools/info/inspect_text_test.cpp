@@ -1,7 +1,7 @@
-#include <gmock/gmock.h>
-
 #include "tests/support/temp_file.h"
 #include "tools/info/inspect.h"
+
+#include <gmock/gmock.h>
 
 namespace keltra::test {
 namespace {

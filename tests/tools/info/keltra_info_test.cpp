@@ -1,13 +1,5 @@
 // The program as it is called: exit codes, streams, kinds of files, and what is no file.
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <nlohmann/json.hpp>
-
 #include "tests/formats/tga_bytes.h"
 #include "tests/support/temp_file.h"
 #include "tests/support/unprivileged.h"
@@ -15,6 +7,14 @@
 #include "tools/formats/kte_writer.h"
 #include "tools/info/print.h"
 #include "tools/info/read_file.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <cstdio>
 
 namespace keltra::test {
 namespace {

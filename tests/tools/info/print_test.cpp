@@ -1,10 +1,10 @@
 #include "tools/info/print.h"
 
-#include <gmock/gmock.h>
-
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tools/formats/kte_writer.h"
+
+#include <gmock/gmock.h>
 
 namespace keltra::test {
 namespace {

@@ -1,9 +1,9 @@
 #include "tests/tools/info/probe.h"
 
+#include "tools/info/print.h"
+
 #include <algorithm>
 #include <cstdio>
-
-#include "tools/info/print.h"
 
 namespace {
 

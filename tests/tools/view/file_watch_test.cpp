@@ -1,8 +1,8 @@
 #include "tools/view/file_watch.h"
 
-#include <gtest/gtest.h>
-
 #include "tests/support/temp_file.h"
+
+#include <gtest/gtest.h>
 
 using keltra::test::TempFolder;
 using keltra::view::FileStamp;

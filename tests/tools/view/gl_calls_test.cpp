@@ -1,8 +1,9 @@
 #include "tools/view/gl_calls.h"
 
+#include <keltra/keltra.h>
+
 #include <GLES/gl.h>
 #include <gtest/gtest.h>
-#include <keltra/keltra.h>
 
 using keltra::view::glCallsMade;
 

@@ -11,7 +11,7 @@ using keltra::view::Orbit;
 
 namespace {
 
-const int kWidth = 240, kHeight = 320;
+constexpr int kWidth = 240, kHeight = 320;
 
 struct Pixel {
     float x, y, depth;

@@ -1,9 +1,9 @@
 #ifndef KELTRA_TESTS_TOOLS_VIEW_SCENES_H
 #define KELTRA_TESTS_TOOLS_VIEW_SCENES_H
 
-#include <string>
-
 #include "tools/formats/kte_writer.h"
+
+#include <string>
 
 namespace keltra::test {
 

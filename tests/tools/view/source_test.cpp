@@ -1,12 +1,12 @@
 #include "tools/view/source.h"
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <filesystem>
-
 #include "tests/support/temp_file.h"
 #include "tools/view/failure.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <filesystem>
 
 namespace fs = std::filesystem;
 using keltra::test::readFile;
@@ -26,7 +26,7 @@ std::string reasonOf(const std::string &file, const std::vector<std::string> &cl
     return "";
 }
 
-const char kTriangle[] = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
+constexpr char kTriangle[] = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
 }  // namespace
 

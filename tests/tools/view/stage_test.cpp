@@ -1,13 +1,13 @@
 #include "tools/view/stage.h"
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-#include <sys/stat.h>
-
-#include <filesystem>
-
 #include "tests/support/temp_file.h"
 #include "tools/view/failure.h"
+
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <filesystem>
 
 namespace fs = std::filesystem;
 using keltra::test::readFile;

@@ -1,21 +1,20 @@
 #include "tests/tools/convert/support/converter_run.h"
 
-#include <fcntl.h>
 #include <keltra/keltra.h>
+#include "formats/scene_record.h"
+#include "formats/tga.h"
+#include "tests/support/temp_file.h"
+
+#include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <set>
 #include <thread>
-
-#include "formats/scene_record.h"
-#include "formats/tga.h"
-#include "tests/support/temp_file.h"
 
 namespace keltra::test {
 namespace {

@@ -4,6 +4,7 @@
 // The program keltra-convert, run as its users run it.
 
 #include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
 

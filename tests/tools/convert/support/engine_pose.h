@@ -4,14 +4,13 @@
 // What the converter made, as the engine poses it.
 
 #include <keltra/keltra.h>
+#include "tests/support/temp_file.h"
+#include "tests/tools/convert/support/points.h"
+#include "tools/convert/convert.h"
 
 #include <functional>
 #include <string>
 #include <vector>
-
-#include "tests/support/temp_file.h"
-#include "tests/tools/convert/support/points.h"
-#include "tools/convert/convert.h"
 
 namespace keltra::test {
 

@@ -3,8 +3,9 @@
 
 // Writes small glTF files with everything in one text: models for tests that say what is in them.
 
-#include <array>
 #include <nlohmann/json.hpp>
+
+#include <array>
 #include <string>
 #include <vector>
 

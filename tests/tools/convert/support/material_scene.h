@@ -3,6 +3,9 @@
 
 // A scene of materials and embedded pictures, as importers make them.
 
+#include "tools/convert/materials.h"
+#include "tools/formats/tga_writer.h"
+
 #include <assimp/GltfMaterial.h>
 #include <assimp/material.h>
 #include <assimp/scene.h>
@@ -12,9 +15,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "tools/convert/materials.h"
-#include "tools/formats/tga_writer.h"
 
 namespace keltra::test {
 

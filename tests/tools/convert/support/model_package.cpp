@@ -2,12 +2,12 @@
 
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
+#include <assimp/Importer.hpp>
+
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
 #include <algorithm>
-#include <assimp/Importer.hpp>
 #include <filesystem>
 
 namespace keltra::test {

@@ -8,7 +8,7 @@ namespace {
 
 using nlohmann::json;
 
-const char kMark[] = "<!-- What follows is written by the test convert_corpus_test. -->\n";
+constexpr char kMark[] = "<!-- What follows is written by the test convert_corpus_test. -->\n";
 
 std::string escaped(const std::string &text) {
     std::string result;

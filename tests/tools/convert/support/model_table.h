@@ -1,10 +1,10 @@
 #ifndef KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_MODEL_TABLE_H
 #define KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_MODEL_TABLE_H
 
+#include "tests/tools/convert/support/converter_run.h"
+
 #include <map>
 #include <string>
-
-#include "tests/tools/convert/support/converter_run.h"
 
 namespace keltra::test {
 

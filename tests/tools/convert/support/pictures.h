@@ -3,6 +3,9 @@
 
 // Pictures of the common formats, made in the test, and textures as the engine reads them.
 
+#include "formats/tga.h"
+#include "tools/formats/tga_writer.h"
+
 #include <Magick++.h>
 
 #include <algorithm>
@@ -12,9 +15,6 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include "formats/tga.h"
-#include "tools/formats/tga_writer.h"
 
 namespace keltra::test {
 

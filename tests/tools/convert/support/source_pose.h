@@ -4,13 +4,13 @@
 // A model as its importer gives it, posed by its own matrices in double precision: what the converter's
 // result is held against. Nothing here is shared with the converter.
 
-#include <assimp/scene.h>
+#include "tests/tools/convert/support/points.h"
 
+#include <assimp/scene.h>
 #include <assimp/Importer.hpp>
+
 #include <string>
 #include <vector>
-
-#include "tests/tools/convert/support/points.h"
 
 namespace keltra::test {
 
