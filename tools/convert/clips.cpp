@@ -1,37 +1,37 @@
 #include "tools/convert/clips.h"
 
+#include "tools/convert/motion.h"
+#include "tools/formats/kta_writer.h"
+
 #include <assimp/scene.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "tools/convert/motion.h"
-#include "tools/formats/kta_writer.h"
-
 namespace keltra::convert {
 namespace {
 
-constexpr std::size_t kMaxFrames = 1024, kMaxBones = 128;  // of a file
-constexpr std::size_t kMaxParts = 16;                      // of a clip: 11 minutes
-constexpr double kFrameSlack = 1e-3;                       // a clip of 1.99999 frames has 2
+constexpr std::size_t kMaxFrames = 1024, kMaxBones = 128;  // per file
+constexpr std::size_t kMaxParts = 16;                      // per clip: 11 minutes
+constexpr double kFrameSlack = 1e-3;                       // 1.99999 frames count as 2
 constexpr double kStretched = 2e-3;
 constexpr double kMoved = 1e-5;        // of the model's size
-constexpr double kTurned = 1e-3;       // degrees
-constexpr double kFarthest = 32000.0;  // what 16.16 holds, nearly
+constexpr double kRotated = 1e-3;      // degrees
+constexpr double kFarthest = 32000.0;  // almost the limit of 16.16
 
 struct Pose {
     Vector angles, position;
 };
 
-// The joints that are in the files, and where they stand in the scene.
-struct Cast {
+// The joints that the files hold, with their poses in the scene file.
+struct PosedJoints {
     std::vector<unsigned> joints;
     std::vector<Pose> bind;
 };
 
 struct Clip {
     std::string name;
-    std::vector<std::vector<Pose>> frames;  // of the cast, in its order
+    std::vector<std::vector<Pose>> frames;  // one pose per posed joint
 };
 
 std::string titleOf(const Clip &clip) { return clip.name.empty() ? "without a name" : cleanText(clip.name); }
@@ -47,15 +47,15 @@ class Sampler {
             const Matrix local = rig.localFrame(j, bindFrames);
             bindLocals.push_back(local);
             if (!rig.joints[j].isPosed) continue;
-            cast.joints.push_back(j);
-            cast.bind.push_back({eulerAngles(local), translationOf(local)});
+            posed.joints.push_back(j);
+            posed.bind.push_back({eulerAngles(local), translationOf(local)});
         }
     }
 
     Clip sample(const Motion &motion, const std::string &name, double fps, const Progress &progress);
     void finish();
 
-    Cast cast;
+    PosedJoints posed;
 
    private:
     void frame(std::vector<Pose> &poses, const std::vector<Pose> &before);
@@ -73,7 +73,7 @@ Clip Sampler::sample(const Motion &motion, const std::string &name, double fps, 
     double count = std::floor(motion.seconds() * fps + kFrameSlack) + 1.0;
     if (!(count <= double(kMaxFrames * kMaxParts))) {
         count = double(kMaxFrames * kMaxParts);
-        report.warn("clip " + titleOf(clip) + " claims to last " +
+        report.warn("clip " + titleOf(clip) + " has a length of " +
                     std::to_string(static_cast<long long>(std::min(motion.seconds(), 1e15))) +
                     " seconds; it is cut after " + std::to_string(kMaxFrames * kMaxParts) + " frames");
     }
@@ -82,7 +82,7 @@ Clip Sampler::sample(const Motion &motion, const std::string &name, double fps, 
     for (std::size_t f = 0; f < clip.frames.size(); ++f) {
         motion.locals(double(f) / fps, locals);
         rig.pose(locals, worlds);
-        frame(clip.frames[f], f == 0 ? cast.bind : clip.frames[f - 1]);
+        frame(clip.frames[f], f == 0 ? posed.bind : clip.frames[f - 1]);
         if (progress && f % 64 == 0) progress("animations", double(f) / count);
     }
     return clip;
@@ -96,13 +96,13 @@ void Sampler::frame(std::vector<Pose> &poses, const std::vector<Pose> &before) {
             continue;
         }
         const Matrix moved = worlds[joint.source] * unbake[j];
-        // A node scaled to nothing keeps the turn that it had.
+        // A node scaled to 0 keeps its last rotation.
         frames[j] = rigidPart(moved, frames[j]);
         if (linearDifference(moved, frames[j]) > kStretched) stretched[j] = true;
     }
-    poses.resize(cast.joints.size());
+    poses.resize(posed.joints.size());
     for (std::size_t i = 0; i < poses.size(); ++i) {
-        const Matrix local = rig.localFrame(cast.joints[i], frames);
+        const Matrix local = rig.localFrame(posed.joints[i], frames);
         poses[i].angles = nearestAngles(eulerAngles(local), before[i].angles);
         Vector &at = poses[i].position = translationOf(local);
         for (double *component : {&at.x, &at.y, &at.z}) {
@@ -115,28 +115,27 @@ void Sampler::frame(std::vector<Pose> &poses, const std::vector<Pose> &before) {
 void Sampler::finish() {
     report.drop("animated scales",
                 static_cast<std::uint64_t>(std::count(stretched.begin(), stretched.end(), true)),
-                "the engine's nodes turn and move, but have no scale");
-    if (isFar)
-        report.warn("an animation moves a node farther than the engine's numbers reach; it stops there");
+                "the engine's nodes rotate and move but do not scale");
+    if (isFar) report.warn("an animation moves a node beyond the engine's range; its position is clamped");
 }
 
 double difference(const Vector &a, const Vector &b) {
     return std::max({std::abs(a.x - b.x), std::abs(a.y - b.y), std::abs(a.z - b.z)});
 }
 
-// The rows of the cast that anything moves, when there are too many to keep all.
-std::vector<std::size_t> chooseRows(const Cast &cast, const std::vector<Clip> &clips, double size) {
+// Indices of the posed joints that the files hold: all, or if these are too many, those that some clip moves.
+std::vector<std::size_t> chooseRows(const PosedJoints &posed, const std::vector<Clip> &clips, double size) {
     std::vector<std::size_t> rows;
-    for (std::size_t i = 0; i < cast.joints.size(); ++i) {
-        bool stirs = cast.joints.size() <= kMaxBones;
+    for (std::size_t i = 0; i < posed.joints.size(); ++i) {
+        bool kept = posed.joints.size() <= kMaxBones;
         for (const Clip &clip : clips) {
             for (const std::vector<Pose> &frame : clip.frames) {
-                if (stirs) break;
-                stirs = difference(frame[i].angles, cast.bind[i].angles) > kTurned ||
-                        difference(frame[i].position, cast.bind[i].position) > kMoved * size;
+                if (kept) break;
+                kept = difference(frame[i].angles, posed.bind[i].angles) > kRotated ||
+                       difference(frame[i].position, posed.bind[i].position) > kMoved * size;
             }
         }
-        if (stirs) rows.push_back(i);
+        if (kept) rows.push_back(i);
     }
     return rows;
 }
@@ -144,8 +143,8 @@ std::vector<std::size_t> chooseRows(const Cast &cast, const std::vector<Clip> &c
 // The files of a model's clips, split where they are too large for one.
 class Writer {
    public:
-    Writer(const Rig &rig, const Cast &cast, const Options &options, Report &report)
-        : rig(rig), cast(cast), options(options), report(report), names(kLongestName, false) {}
+    Writer(const Rig &rig, const PosedJoints &posed, const Options &options, Report &report)
+        : rig(rig), posed(posed), options(options), report(report), names(kLongestName, false) {}
 
     void write(const Clip &clip, const std::vector<std::size_t> &rows) {
         const std::size_t parts = (clip.frames.size() + kMaxFrames - 1) / kMaxFrames;
@@ -164,7 +163,7 @@ class Writer {
         if (parts > 1)
             report.note("clip " + titleOf(clip) + " has " + std::to_string(clip.frames.size()) +
                         " frames: split into " + std::to_string(parts) +
-                        " files of at most 1024, to be played in turn");
+                        " files of at most 1024, to be played one after the other");
         if (groups > 1)
             report.note("clip " + titleOf(clip) + " moves " + std::to_string(rows.size()) +
                         " nodes: split into " + std::to_string(groups) +
@@ -177,8 +176,8 @@ class Writer {
     void writeFile(const Clip &clip, const std::string &stem, std::size_t first,
                    const std::vector<std::size_t> &rows) {
         formats::Animation animation;
-        ClipReport told;
-        for (std::size_t row : rows) animation.bones.push_back(rig.joints[cast.joints[row]].name);
+        ClipReport entry;
+        for (std::size_t row : rows) animation.bones.push_back(rig.joints[posed.joints[row]].name);
         const std::size_t end = std::min(first + kMaxFrames, clip.frames.size());
         for (std::size_t f = first; f < end; ++f) {
             animation.frames.emplace_back();
@@ -188,21 +187,21 @@ class Writer {
                 keyframe.rotation = narrowed(pose.angles);
                 keyframe.position = narrowed(pose.position);
                 animation.frames.back().push_back(keyframe);
-                told.moves = told.moves || difference(pose.position, cast.bind[row].position) >
-                                               kMoved * std::max(report.size, 1e-9);
+                entry.moves = entry.moves || difference(pose.position, posed.bind[row].position) >
+                                                 kMoved * std::max(report.size, 1e-9);
             }
         }
-        told.name = cleanText(clip.name);
-        told.file = names.take(stem, "clip", ".kta");
-        told.frames = static_cast<unsigned>(end - first);
-        told.bones = static_cast<unsigned>(rows.size());
-        told.seconds = double(end - first - 1) / options.fps;
-        report.clips.push_back(told);
-        files.push_back({told.file, formats::writeKta(animation)});
+        entry.name = cleanText(clip.name);
+        entry.file = names.take(stem, "clip", ".kta");
+        entry.frames = static_cast<unsigned>(end - first);
+        entry.bones = static_cast<unsigned>(rows.size());
+        entry.seconds = double(end - first - 1) / options.fps;
+        report.clips.push_back(entry);
+        files.push_back({entry.file, formats::writeKta(animation)});
     }
 
     const Rig &rig;
-    const Cast &cast;
+    const PosedJoints &posed;
     const Options &options;
     Report &report;
     Names names;
@@ -214,22 +213,22 @@ std::vector<OutputFile> convertClips(const aiScene &scene, const Rig &rig, const
                                      Report &report, const Progress &progress) {
     Sampler sampler(rig, report);
     std::vector<Clip> clips;
-    std::uint64_t morphs = 0, still = 0;
+    std::uint64_t morphs = 0, empty = 0;
     for (unsigned a = 0; a < scene.mNumAnimations; ++a) {
         const aiAnimation &animation = *scene.mAnimations[a];
         morphs += animation.mNumMorphMeshChannels + animation.mNumMeshChannels;
         const Motion motion(animation, rig);
-        if (sampler.cast.joints.empty() || !motion.movesNodes()) {
-            ++still;
+        if (sampler.posed.joints.empty() || !motion.movesNodes()) {
+            ++empty;
             continue;
         }
         clips.push_back(sampler.sample(motion, animation.mName.C_Str(), options.fps, progress));
     }
     sampler.finish();
     report.drop("morph animations", morphs, "the engine's vertices follow bones only");
-    report.drop("animations", still, "they move no node");
-    const std::vector<std::size_t> rows = chooseRows(sampler.cast, clips, std::max(report.size, 1e-9));
-    Writer writer(rig, sampler.cast, options, report);
+    report.drop("animations", empty, "they move no node");
+    const std::vector<std::size_t> rows = chooseRows(sampler.posed, clips, std::max(report.size, 1e-9));
+    Writer writer(rig, sampler.posed, options, report);
     for (const Clip &clip : clips) writer.write(clip, rows);
     return std::move(writer.files);
 }

@@ -1,15 +1,15 @@
 #ifndef KELTRA_CONVERT_CONVERT_H
 #define KELTRA_CONVERT_CONVERT_H
 
-// Turns a model that assimp reads into the engine's files: NAME.kte, NAME_CLIP.kta for every animation, and
-// NAME_PICTURE_d.tga for every texture.
-
-#include <memory>
+// Converts a model that assimp reads into the engine's files: NAME.kte, NAME_CLIP.kta for every animation,
+// and NAME_PICTURE_d.tga for every texture.
 
 #include "tools/convert/options.h"
 #include "tools/convert/report.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
+
+#include <memory>
 
 struct aiScene;
 
@@ -33,12 +33,12 @@ class Model {
 };
 
 struct Conversion {
-    // The scene file last: whoever finds it finds everything else.
+    // The scene file is the last: once it exists, all files that it names exist.
     std::vector<OutputFile> files;
     Report report;
 };
 
-// Throws Refusal for a model that cannot be read or has nothing that the engine could show or play.
+// Throws Refusal for a model that cannot be read or has nothing that the engine can draw or play.
 Conversion convertModel(const Options &options, const Progress &progress);
 
 }  // namespace keltra::convert

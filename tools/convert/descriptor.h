@@ -2,12 +2,11 @@
 #define KELTRA_CONVERT_DESCRIPTOR_H
 
 #include <unistd.h>
-
 #include <utility>
 
 namespace keltra::convert {
 
-// Closes a file descriptor with its end; a negative one is none.
+// Owns a file descriptor and closes it; a negative number is no descriptor.
 class Descriptor {
    public:
     explicit Descriptor(int number) : number(number) {}
@@ -16,7 +15,7 @@ class Descriptor {
     Descriptor &operator=(const Descriptor &) = delete;
 
     int get() const { return number; }
-    // Some file systems report only here that the disk is full.
+    // Some file systems do not report a full disk before this.
     bool close() { return number < 0 || ::close(std::exchange(number, -1)) == 0; }
 
    private:

@@ -1,20 +1,20 @@
 #include "tools/convert/geometry.h"
 
+#include "tools/convert/normals.h"
+
 #include <assimp/mesh.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 
-#include "tools/convert/normals.h"
-
 namespace keltra::convert {
 namespace {
 
-constexpr double kFlatTriangle = 1e-7;   // of the longest edge's square
-constexpr unsigned kToldAtOnce = 16384;  // triangles
-constexpr unsigned kPatience = 65536;    // refusals after which a mesh is not asked again
-constexpr float kLargestUV = 16384.0f;   // half of what 16.16 holds
+constexpr double kFlatTriangle = 1e-7;     // relative to the square of the longest edge
+constexpr unsigned kProgressStep = 16384;  // triangles
+constexpr unsigned kMaxRefusals = 65536;   // after these a full chunk is not tried again
+constexpr float kLargestUV = 16384.0f;     // half the limit of 16.16
 
 bool isFinite(const formats::Vec3 &v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
@@ -24,6 +24,9 @@ float usableUV(float value) {
     return std::isfinite(value) ? std::clamp(value, -kLargestUV, kLargestUV) + 0.0f : 0.0f;
 }
 
+// Instead of aiProcess_FindDegenerates, which without its test of areas keeps 36 flat triangles in 6 models.
+// Its test compares with an absolute area: 6,229 good triangles of 11 models were lost, and one model
+// entirely.
 bool isFlat(const formats::Vec3 &a, const formats::Vec3 &b, const formats::Vec3 &c) {
     const formats::Vec3 ab = b - a, ac = c - a, bc = c - b;
     const double longest = std::max({formats::dot(ab, ab), formats::dot(ac, ac), formats::dot(bc, bc)});
@@ -56,14 +59,14 @@ void MeshBuilder::add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, 
         uvChannel < AI_MAX_NUMBER_OF_TEXTURECOORDS ? mesh.mTextureCoords[uvChannel] : nullptr;
     hasUVs = hasUVs || uvs;
     const std::vector<Vector> normals = cornerNormals(mesh);
-    const Matrix turnNormals = forNormals(bake);
+    const Matrix normalMatrix = forNormals(bake);
     const Facing facing = facingOf(mesh, normals);
-    const double outward = facing == Facing::kTurnNormals ? -1.0 : 1.0;
-    // Mirrored triangles are wound the other way, so that their fronts stay in front.
-    const bool turns = (determinant3(bake) < 0.0) != (facing == Facing::kTurnTriangles);
+    const double outward = facing == Facing::kFlipNormals ? -1.0 : 1.0;
+    // A mirror exchanges front and back sides: the winding is reversed to keep them.
+    const bool reversed = (determinant3(bake) < 0.0) != (facing == Facing::kFlipTriangles);
     if (facing != Facing::kAgrees) ++rejects.insideOut;
     for (unsigned f = 0; f < mesh.mNumFaces; ++f) {
-        if (tell && f % kToldAtOnce == kToldAtOnce - 1) tell(kToldAtOnce);
+        if (onTriangles && f % kProgressStep == kProgressStep - 1) onTriangles(kProgressStep);
         const aiFace &face = mesh.mFaces[f];
         if (face.mNumIndices != 3) {
             ++rejects.linesAndPoints;
@@ -75,10 +78,10 @@ void MeshBuilder::add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, 
             const unsigned v = face.mIndices[i];
             inside = v < mesh.mNumVertices;
             if (!inside) break;
-            Corner &corner = corners[turns ? 2 - i : i];
+            Corner &corner = corners[reversed ? 2 - i : i];
             const aiVector3D &at = mesh.mVertices[v];
             corner.position = narrowed(bake * Vector(at.x, at.y, at.z));
-            const Vector normal = turned(turnNormals, normals[std::size_t{f} * 3 + i] * outward);
+            const Vector normal = rotated(normalMatrix, normals[std::size_t{f} * 3 + i] * outward);
             corner.normal = formats::normalized(narrowed(normal * (1.0 / normal.Length())));
             if (uvs) corner.uv = {usableUV(uvs[v].x), usableUV(uvs[v].y)};
             if (skin) corner.skin = skin->vertices[v];
@@ -95,11 +98,15 @@ void MeshBuilder::add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, 
     }
 }
 
-// Into the first mesh that has room. One that is full may still take triangles of its own vertices, until it
-// has refused many.
+// Adds to the first chunk that has room. A full one can still take triangles of its own vertices.
+//
+// Instead of aiProcess_SplitLargeMeshes, which counts vertices before equal ones are shared: 21 meshes and
+// 6,155 vertices (0.7 %) more. Instead of aiProcess_SplitByBoneCount: no model of the package has more than
+// 100 bones in a mesh, but the step runs before skins are joined, and 20 joined skins of 10 bones each must
+// be split.
 void MeshBuilder::addTriangle(const Corner (&corners)[3], bool isSkinned) {
     auto chunk = std::find_if(chunks.begin(), chunks.end(), [&](Chunk &c) {
-        if (c.refusals == kPatience) return false;
+        if (c.refusals == kMaxRefusals) return false;
         const bool hasRoom = fits(c, corners, isSkinned);
         if (!hasRoom) ++c.refusals;
         return hasRoom;
@@ -129,6 +136,9 @@ bool MeshBuilder::fits(const Chunk &chunk, const Corner (&corners)[3], bool isSk
     return chunk.bones.size() + fresh.size() <= kMaxSkinBones;
 }
 
+// Instead of aiProcess_JoinIdenticalVertices: it takes a vertex that is not finite for equal to a finite one,
+// so that a broken triangle becomes a wrong one, and reading takes half as long again. It has a tolerance,
+// which saves 0.3 % of the vertices.
 std::uint16_t MeshBuilder::indexOf(Chunk &chunk, const Corner &corner, bool isSkinned) {
     const auto [known, isNew] =
         chunk.known.emplace(corner, static_cast<std::uint16_t>(chunk.data.vertices.size()));

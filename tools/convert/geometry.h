@@ -1,8 +1,11 @@
 #ifndef KELTRA_CONVERT_GEOMETRY_H
 #define KELTRA_CONVERT_GEOMETRY_H
 
-// Triangles with baked vertices, shared where they are the same, in meshes of a size that the engine's 16-bit
-// indices and its 100 bones a skin can hold.
+// Builds meshes of triangles with baked vertices. Equal vertices are shared, and meshes are split at the
+// limits of the engine: 16-bit indices and 100 bones per skin.
+
+#include "tools/convert/rig.h"
+#include "tools/formats/kte_writer.h"
 
 #include <cstdint>
 #include <functional>
@@ -11,9 +14,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "tools/convert/rig.h"
-#include "tools/formats/kte_writer.h"
-
 struct aiMesh;
 
 namespace keltra::convert {
@@ -21,7 +21,7 @@ namespace keltra::convert {
 constexpr std::size_t kMaxMeshCount = 65535;  // of vertices, and of triangles
 constexpr std::size_t kMaxSkinBones = 100;
 
-// What did not become triangles, and meshes whose normals looked away from their triangles' fronts.
+// Counts of left-out faces, and of meshes whose normals and triangles did not agree.
 struct Rejects {
     std::uint64_t notFinite = 0, degenerate = 0, badIndex = 0, linesAndPoints = 0;
     std::uint64_t insideOut = 0;
@@ -37,14 +37,15 @@ bool operator==(const Corner &a, const Corner &b);
 
 class MeshBuilder {
    public:
-    // `tell`, which may be empty, is called with the triangles done since the last time.
-    explicit MeshBuilder(std::function<void(std::size_t)> tell = nullptr) : tell(std::move(tell)) {}
+    // `onTriangles`, unless empty, is called with the number of triangles done since the last call.
+    explicit MeshBuilder(std::function<void(std::size_t)> onTriangles = nullptr)
+        : onTriangles(std::move(onTriangles)) {}
 
-    // Adds what a mesh has, moved by `bake`; `skin` has its influences and is null for a rigid one. Texture
-    // coordinates are those of the channel, none when the mesh has no such channel.
+    // Adds the triangles of a mesh, transformed by `bake`. `skin` holds the mesh's influences, null for a
+    // rigid mesh. `uvChannel` may be one that the mesh does not have.
     void add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, unsigned uvChannel, Rejects &rejects);
 
-    // The meshes, complete but for rotation and material; bones by the joints' names.
+    // The meshes, complete except for rotation and material, with the names of the joints as bone names.
     std::vector<formats::MeshData> finish(const std::vector<Joint> &joints);
 
    private:
@@ -65,12 +66,12 @@ class MeshBuilder {
     static std::uint16_t indexOf(Chunk &chunk, const Corner &corner, bool isSkinned);
     static void finishSkin(Chunk &chunk, const std::vector<Joint> &joints);
 
-    std::function<void(std::size_t)> tell;
+    std::function<void(std::size_t)> onTriangles;
     std::vector<Chunk> chunks;
     bool hasUVs = false;
 };
 
-// Sets bounding box and radius, about the mesh's own origin, from the vertices.
+// Sets the bounding box and the radius around the mesh's origin from the vertices.
 void setBounds(formats::MeshData &mesh);
 
 }  // namespace keltra::convert

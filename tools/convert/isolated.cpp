@@ -1,12 +1,17 @@
 #include "tools/convert/isolated.h"
 
+#include "tools/convert/convert.h"
+#include "tools/convert/descriptor.h"
+#include "tools/convert/isolated_child.h"
+#include "tools/convert/output_folder.h"
+#include "tools/convert/report_json.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -14,21 +19,15 @@
 #include <optional>
 #include <thread>
 
-#include "tools/convert/convert.h"
-#include "tools/convert/descriptor.h"
-#include "tools/convert/isolated_child.h"
-#include "tools/convert/output_folder.h"
-#include "tools/convert/report_json.h"
-
 namespace keltra::convert {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-// A process that is told to stop while it puts its files in place finishes that first.
+// A child that gets a signal while it renames its files finishes that first.
 constexpr std::chrono::seconds kGrace(5);
 constexpr std::chrono::milliseconds kReapInterval(5), kLongestWait(60000);
 
-// Whatever happens here, it is gone and reaped afterwards.
+// The child process; killed and reaped by the destructor.
 class Child {
    public:
     explicit Child(pid_t pid) : pid(pid) {}
@@ -43,7 +42,7 @@ class Child {
     void signal(int number) const {
         if (pid > 0) ::kill(pid, number);
     }
-    // How it ended; nothing while it still runs at `deadline`, or when somebody else has waited for it.
+    // The exit status. Nothing if it still runs at `deadline`, or if another wait has reaped it.
     std::optional<int> reap(Clock::time_point deadline) {
         for (;; std::this_thread::sleep_for(kReapInterval)) {
             int status = 0;
@@ -59,12 +58,12 @@ class Child {
     pid_t pid;
 };
 
-// The child's messages as they come in. A crashing child may send anything.
+// Collects the child's messages. A crashing child can send any bytes.
 class Receiver {
    public:
     explicit Receiver(const Progress &progress) : progress(progress) {}
 
-    // False at the end of the pipe, after the outcome, and after what is no message.
+    // False at the end of the pipe, after the outcome, and after an invalid message.
     bool readFrom(int pipe) {
         char bytes[65536];
         const ssize_t count = ::read(pipe, bytes, sizeof bytes);
@@ -127,14 +126,14 @@ std::string reasonOf(const std::optional<int> &status) {
     const std::string signal = name ? std::string(" (SIG") + name + ")" : "";
     if (number == SIGINT || number == SIGTERM || number == SIGHUP || number == SIGQUIT)
         return "the conversion was interrupted" + signal;
-    if (number == SIGKILL) return "its importer was killed, perhaps for want of memory" + signal;
+    if (number == SIGKILL) return "its importer was killed, possibly because memory ran out" + signal;
     return "its importer crashed on it" + signal;
 }
 
 enum class Stop { kNone, kInterrupted, kTimeout };
 
-// Reads until the outcome is there or the pipe is at its end. At the deadline, and when a signal waits, the
-// child is told to stop.
+// Reads until the outcome arrives or the pipe ends. At the deadline, and when a signal is pending, the child
+// gets SIGTERM.
 Stop receive(Receiver &receiver, int pipe, int signals, Child &child, Clock::time_point deadline) {
     Stop stop = Stop::kNone;
     for (;;) {
@@ -170,7 +169,7 @@ Outcome convertIsolated(const Options &options, const std::string &folder, const
 
 Outcome convertIsolated(const ConvertFunction &convert, const Options &options, const std::string &folder,
                         const Progress &progress, unsigned seconds) {
-    // A signal stays pending until the child is gone, and acts when these go out of scope.
+    // Signals stay pending until the child has ended; they are delivered when these go out of scope.
     const HeldSignals held;
     const Descriptor signals(::signalfd(-1, &held.set(), SFD_CLOEXEC | SFD_NONBLOCK));
     int ends[2];

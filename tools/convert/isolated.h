@@ -1,12 +1,12 @@
 #ifndef KELTRA_CONVERT_ISOLATED_H
 #define KELTRA_CONVERT_ISOLATED_H
 
+#include "tools/convert/options.h"
+#include "tools/convert/report.h"
+
 #include <functional>
 #include <string>
 #include <vector>
-
-#include "tools/convert/options.h"
-#include "tools/convert/report.h"
 
 namespace keltra::convert {
 
@@ -14,18 +14,18 @@ struct Conversion;
 
 struct Outcome {
     bool converted = false;
-    std::string reason;  // why not: one line, without the file's name
+    std::string reason;  // why it failed: one line, without the file's name
     Report report;
-    std::vector<std::string> files;  // names of what was written, or would have been
+    std::vector<std::string> files;  // written, or in a dry run those that would be
 };
 
-// Converts in a child process, for a damaged model can crash its importer or keep it busy for ever: either is
-// a refusal here. The child writes into `folder`, which must exist; an empty one writes nothing. It is
-// stopped after `seconds`.
+// Converts in a child process, because a damaged model can crash its importer or make it run forever; both
+// count as refusals. The child writes into `folder`, which must exist; with an empty name it writes nothing.
+// It is stopped after `seconds`.
 Outcome convertIsolated(const Options &options, const std::string &folder, const Progress &progress,
                         unsigned seconds = 300);
 
-// The same around another conversion.
+// The same with another conversion function.
 using ConvertFunction = std::function<Conversion(const Options &, const Progress &)>;
 Outcome convertIsolated(const ConvertFunction &convert, const Options &options, const std::string &folder,
                         const Progress &progress, unsigned seconds);

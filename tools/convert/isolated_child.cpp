@@ -1,20 +1,19 @@
 #include "tools/convert/isolated_child.h"
 
+#include "tools/convert/convert.h"
+#include "tools/convert/output_folder.h"
+#include "tools/convert/report_json.h"
+
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <new>
-
-#include "tools/convert/convert.h"
-#include "tools/convert/output_folder.h"
-#include "tools/convert/report_json.h"
 
 #ifndef __has_feature
 #define __has_feature(feature) 0
@@ -31,15 +30,15 @@ constexpr bool kLimitMemory = true;
 constexpr std::uint64_t kMostMemory = std::uint64_t(8) << 30;
 constexpr std::chrono::milliseconds kProgressInterval(50);
 
-// A window library's handlers would act on its connection, which is the parent's. What is ignored stays so:
-// nohup means this process too.
+// Handlers of a window library would use its connection, which belongs to the parent. Ignored signals stay
+// ignored, as nohup requires.
 void resetSignals() {
     for (int number = 1; number < NSIG; ++number) {
         struct sigaction action;
         if (::sigaction(number, nullptr, &action) == 0 && action.sa_handler != SIG_IGN)
             ::signal(number, SIG_DFL);
     }
-    ::signal(SIGPIPE, SIG_IGN);  // both are seen as errors of the write
+    ::signal(SIGPIPE, SIG_IGN);  // write() returns an error for both
     ::signal(SIGXFSZ, SIG_IGN);
     sigset_t none;
     ::sigemptyset(&none);
@@ -53,7 +52,7 @@ void limit(int resource, std::uint64_t most) {
     ::setrlimit(resource, &limits);
 }
 
-// Importers write to the terminal as they like.
+// Importers print messages of their own.
 void silence() {
     const int nowhere = ::open("/dev/null", O_RDWR);
     if (nowhere < 0) return;
@@ -63,7 +62,7 @@ void silence() {
     if (nowhere > STDERR_FILENO) ::close(nowhere);
 }
 
-// A parent that does not read any more is gone: there is nobody to work for.
+// Ends the process if the parent no longer reads.
 void sendAll(int pipe, const void *data, std::size_t size) {
     const char *bytes = static_cast<const char *>(data);
     while (size > 0) {
@@ -92,7 +91,7 @@ Progress progressTo(int pipe) {
     };
 }
 
-// The files are in place before the outcome is sent, and nothing stops the process in between.
+// The files are in place before the outcome is sent, and signals are held between the two.
 void convertAndSend(const Work &work, int pipe) {
     const Conversion conversion = work.convert(work.options, progressTo(pipe));
     Outcome outcome;
@@ -126,7 +125,7 @@ void runChild(const Work &work, int pipe, pid_t parent) noexcept {
     } catch (const Refusal &refusal) {
         sendRefusal(pipe, refusal.what());
     } catch (const std::bad_alloc &) {
-        sendRefusal(pipe, "it needs more memory than there is");
+        sendRefusal(pipe, "out of memory");
     } catch (const std::exception &error) {
         sendRefusal(pipe, std::string("its importer failed: ") + error.what());
     } catch (...) {

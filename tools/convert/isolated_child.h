@@ -1,20 +1,19 @@
 #ifndef KELTRA_CONVERT_ISOLATED_CHILD_H
 #define KELTRA_CONVERT_ISOLATED_CHILD_H
 
-// The converting side of `convertIsolated`, and the messages that it sends: the size in 32 bits, then CBOR,
-// which takes names of any bytes.
-
-#include <sys/types.h>
-
-#include <cstdint>
-#include <string>
+// The child's side of `convertIsolated`, and the messages that it sends: the size in 32 bits, then CBOR,
+// which can hold names of any bytes.
 
 #include "tools/convert/isolated.h"
+
+#include <sys/types.h>
+#include <cstdint>
+#include <string>
 
 namespace keltra::convert {
 
 constexpr std::uint32_t kLongestMessage = 64u << 20;
-// Of a message: {"what", "done"} tells the progress, everything else is the outcome.
+// Keys of a progress message; a message without them is the outcome.
 constexpr char kProgressKey[] = "what", kDoneKey[] = "done";
 
 struct Work {
@@ -23,8 +22,8 @@ struct Work {
     const std::string &folder;
 };
 
-// Does the work and ends the process, after the outcome was written to `pipe`. `parent` is the process that
-// waits for it: when that one ends, so does this.
+// Does the work, writes the outcome to `pipe` and ends the process. Ends it too when the process `parent`
+// ends.
 [[noreturn]] void runChild(const Work &work, int pipe, pid_t parent) noexcept;
 
 }  // namespace keltra::convert

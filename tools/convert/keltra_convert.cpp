@@ -1,19 +1,19 @@
 // keltra-convert MODEL -o DIR: converts a model into the engine's files.
 
-#include <unistd.h>
-
-#include <CLI/CLI.hpp>
-#include <chrono>
-#include <cmath>
-#include <cstdio>
-#include <string>
-
 #include "tools/convert/isolated.h"
 #include "tools/convert/names.h"
 #include "tools/convert/output_folder.h"
 #include "tools/convert/report_json.h"
 #include "tools/convert/report_text.h"
 #include "tools/formats/version.h"
+
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <string>
 
 namespace {
 
@@ -22,7 +22,7 @@ using namespace keltra::convert;
 constexpr int kGood = 0, kRefused = 1, kUsage = 2;
 constexpr double kLowestRate = 1.0, kHighestRate = 1000.0;
 constexpr unsigned kLargestTexture = 512, kLongestTimeout = 86400;
-constexpr auto kPatience = std::chrono::seconds(1);
+constexpr auto kProgressDelay = std::chrono::seconds(1);
 constexpr char kExamples[] =
     "Examples:\n"
     "  keltra-convert hero.fbx -o data\n"
@@ -62,7 +62,7 @@ std::string checkTexture(const std::string &text) {
 
 std::string checkName(const std::string &text) {
     if (!text.empty() && fileName(text) == text) return "";
-    return "must be of letters, digits, '.', '-' and '_', at most 64, and no name that a system reserves";
+    return "must be at most 64 letters, digits, '.', '-' and '_', and not a name that a system reserves";
 }
 
 std::string checkTimeout(const std::string &text) {
@@ -80,20 +80,19 @@ void describe(CLI::App &app, Arguments &arguments) {
     };
     check(app.add_option("MODEL", options.model, "Model: FBX, glTF, Collada, OBJ, X, ..."), checkNotEmpty)
         ->required();
-    check(app.add_option("-o,--output", arguments.folder, "Folder to write to; made when missing"),
+    check(app.add_option("-o,--output", arguments.folder, "Output folder; created if missing"),
           checkNotEmpty);
-    check(app.add_option("--name", options.name, "What the files' names begin with; else the model's name"),
+    check(app.add_option("--name", options.name, "Prefix of the files' names; default: the model's name"),
           checkName);
-    check(app.add_option("--fps", options.fps, "Frames a second of animations, 1 to 1000"), checkRate)
+    check(app.add_option("--fps", options.fps, "Frames per second of animations, 1 to 1000"), checkRate)
         ->capture_default_str();
     check(app.add_option("--max-texture", options.maxTexture, "Longest side of textures, a power of two"),
           checkTexture)
         ->capture_default_str();
-    app.add_flag("--normal-maps", options.normalMaps, "Write normal maps too; for devices with shaders");
-    check(
-        app.add_option("--scale", options.scale, "Factor of all lengths; else what fits the engine's range"),
-        checkScale);
-    check(app.add_option("--timeout", arguments.seconds, "Give up after so many seconds"), checkTimeout)
+    app.add_flag("--normal-maps", options.normalMaps, "Also write normal maps, for devices with shaders");
+    check(app.add_option("--scale", options.scale, "Factor for all lengths; default: what the range needs"),
+          checkScale);
+    check(app.add_option("--timeout", arguments.seconds, "Stop after that many seconds"), checkTimeout)
         ->capture_default_str();
     app.add_flag("--dry-run", arguments.dryRun, "Report what would be written, and write nothing");
     CLI::Option *json = app.add_flag("--json", arguments.json, "Report as one JSON document");
@@ -102,8 +101,7 @@ void describe(CLI::App &app, Arguments &arguments) {
     app.footer(kExamples);
 }
 
-// One line of a terminal, written again and again once a conversion takes its time. It is gone with the
-// object.
+// A line of the terminal that shows the progress of a long conversion. The destructor clears it.
 class ProgressLine {
    public:
     ProgressLine() : shows(::isatty(STDERR_FILENO) == 1) {}
@@ -114,7 +112,7 @@ class ProgressLine {
     ProgressLine &operator=(const ProgressLine &) = delete;
 
     void show(const char *what, double done) {
-        if (!shows || std::chrono::steady_clock::now() - start < kPatience) return;
+        if (!shows || std::chrono::steady_clock::now() - start < kProgressDelay) return;
         std::fprintf(stderr, "\r%s %.0f %%\x1b[K", printable(what).c_str(), 100.0 * done);
         written = true;
     }
@@ -132,7 +130,7 @@ Outcome convertTo(const std::string &folder, const Arguments &arguments) {
 }
 
 Outcome convert(const Arguments &arguments) {
-    const HeldSignals held;  // an interrupt ends the process once the folder and the terminal are in order
+    const HeldSignals held;  // an interrupt acts after the folder and the terminal are cleaned up
     if (arguments.dryRun) return convertTo("", arguments);
     try {
         OutputFolder folder(arguments.folder);

@@ -1,5 +1,9 @@
 #include "tools/convert/materials.h"
 
+#include "tools/convert/names.h"
+#include "tools/convert/surface.h"
+#include "tools/convert/textures.h"
+
 #include <assimp/material.h>
 #include <assimp/scene.h>
 
@@ -8,15 +12,11 @@
 #include <set>
 #include <string>
 
-#include "tools/convert/names.h"
-#include "tools/convert/surface.h"
-#include "tools/convert/textures.h"
-
 namespace keltra::convert {
 namespace {
 
 constexpr char kOneTexture[] = "a surface has one texture";
-constexpr char kNoTextureOf[] = "the engine's lighting has no texture for it";
+constexpr char kUnused[] = "the engine's lighting does not use them";
 
 // A texture that a material names.
 struct Layer {
@@ -25,8 +25,7 @@ struct Layer {
     std::string path;
 };
 
-// Read from the properties themselves: the library's own count is the greatest index, and a damaged model can
-// name any.
+// Read from the properties: the library's count is the largest index, which is arbitrary in a damaged model.
 std::vector<Layer> layersOf(const aiMaterial &material) {
     std::vector<Layer> layers;
     for (unsigned i = 0; i < material.mNumProperties; ++i) {
@@ -122,11 +121,11 @@ class Converter {
    private:
     struct Chosen {
         const Layer *base = nullptr, *opacity = nullptr, *normals = nullptr;
-        bool glow = false;  // the base is a picture of emission
+        bool glow = false;  // the base is an emission map
     };
     Chosen choose(const aiMaterial &material, const std::vector<Layer> &layers);
     void chooseOpacity(const aiMaterial &material, const std::vector<Layer> &layers, Chosen &chosen);
-    TextureWish wishFor(const aiMaterial &material, const Chosen &chosen, float &opacity) const;
+    TextureRequest requestFor(const aiMaterial &material, const Chosen &chosen, float &opacity) const;
     void applyTexture(const aiMaterial &material, const Chosen &chosen, float opacity,
                       formats::Material &result);
     void dropRest(const std::vector<Layer> &layers, const Chosen &chosen);
@@ -138,11 +137,11 @@ class Converter {
     Materials made;
 };
 
-// Emission is taken for the picture of a surface only if there is nothing else to see: a grey wall with a
-// picture of its lit windows would become black.
+// An emission map becomes the base texture only of a material that is otherwise black: a grey wall with a map
+// of its lit windows would become black.
 Converter::Chosen Converter::choose(const aiMaterial &material, const std::vector<Layer> &layers) {
     Chosen chosen;
-    // The oldest OBJ exporters write only an ambient picture.
+    // Old OBJ exporters write only an ambient map.
     chosen.base = firstOf(layers, {aiTextureType_BASE_COLOR, aiTextureType_DIFFUSE, aiTextureType_AMBIENT});
     if (!chosen.base && isDark(material)) {
         chosen.base = firstOf(layers, {aiTextureType_EMISSION_COLOR, aiTextureType_EMISSIVE});
@@ -167,50 +166,50 @@ void Converter::chooseOpacity(const aiMaterial &material, const std::vector<Laye
     chosen.opacity = opacity;
 }
 
-TextureWish Converter::wishFor(const aiMaterial &material, const Chosen &chosen, float &opacity) const {
-    TextureWish wish;
+TextureRequest Converter::requestFor(const aiMaterial &material, const Chosen &chosen, float &opacity) const {
+    TextureRequest request;
     const AlphaMode mode = alphaModeOf(material);
     if (chosen.base) {
-        wish.base = chosen.base->path;
+        request.base = chosen.base->path;
         const int flags = flagsOf(material, *chosen.base);
         if (mode == AlphaMode::kBlend || (mode == AlphaMode::kNone && (flags & aiTextureFlags_UseAlpha)))
-            wish.alpha = AlphaUse::kKeep;
-        if (flags & aiTextureFlags_IgnoreAlpha) wish.alpha = AlphaUse::kDrop;
+            request.alpha = AlphaUse::kKeep;
+        if (flags & aiTextureFlags_IgnoreAlpha) request.alpha = AlphaUse::kDrop;
     }
     if (chosen.base && mode == AlphaMode::kMask) {
-        // The opacity scales the alpha before it is compared, and what passes is opaque.
-        wish.alpha = AlphaUse::kCut;
-        wish.cutOff = opacity > 0.0f ? alphaCutOff(material) / opacity : 2.0f;
+        // The opacity scales the alpha before the comparison; pixels that pass are opaque.
+        request.alpha = AlphaUse::kCut;
+        request.cutOff = opacity > 0.0f ? alphaCutOff(material) / opacity : 2.0f;
         opacity = 1.0f;
     }
     if (chosen.opacity) {
-        wish.opacity = chosen.opacity->path;
-        wish.opacityInverted = (flagsOf(material, *chosen.opacity) & aiTextureFlags_Invert) != 0;
+        request.opacity = chosen.opacity->path;
+        request.opacityInverted = (flagsOf(material, *chosen.opacity) & aiTextureFlags_Invert) != 0;
     }
     if (chosen.normals) {
-        wish.normals = chosen.normals->path;
-        wish.normalsMayBeHeights = chosen.normals->type == aiTextureType_HEIGHT;
+        request.normals = chosen.normals->path;
+        request.normalsMayBeHeights = chosen.normals->type == aiTextureType_HEIGHT;
     }
-    return wish;
+    return request;
 }
 
 void Converter::applyTexture(const aiMaterial &material, const Chosen &chosen, float opacity,
                              formats::Material &result) {
     const AlphaMode mode = alphaModeOf(material);
     TextureMade texture;
-    if (chosen.base || chosen.opacity) texture = textures.make(wishFor(material, chosen, opacity));
+    if (chosen.base || chosen.opacity) texture = textures.make(requestFor(material, chosen, opacity));
     if (!texture.file.empty()) result.texture = texture.file;
     if (!chosen.base && mode == AlphaMode::kMask) opacity = opacity < alphaCutOff(material) ? 0.0f : 1.0f;
     result.transparency = opacity;
-    // The engine blends only what is not exactly opaque.
+    // The engine blends only materials that are not exactly opaque.
     if (texture.seeThrough && opacity == 1.0f) result.transparency = 254.0f / 255.0f;
     const Layer *shown = chosen.base ? chosen.base : chosen.opacity;
     if (shown && !texture.file.empty() && !repeats(material, *shown))
-        report.drop("clamped or mirrored textures", 1, "scene files cannot say so: they repeat");
+        report.drop("clamped or mirrored textures", 1, "scene files have no wrap modes: textures repeat");
 }
 
 void Converter::dropRest(const std::vector<Layer> &layers, const Chosen &chosen) {
-    // Importers name one picture for several purposes, and exporters the base picture for others.
+    // Importers list one picture under several types, and exporters list the base picture under others.
     std::set<std::string> seen;
     for (const Layer *used : {chosen.base, chosen.opacity, chosen.normals})
         if (used) seen.insert(used->path);
@@ -223,14 +222,14 @@ void Converter::dropRest(const std::vector<Layer> &layers, const Chosen &chosen)
         const bool normals = layer.type == aiTextureType_NORMALS || layer.type == aiTextureType_NORMAL_CAMERA;
         report.drop(mapsOf(layer.type), 1,
                     second                              ? kOneTexture
-                    : normals && !options.normalMaps    ? "normal maps are not asked for"
-                    : normals && chosen.base == nullptr ? "there is no texture to go with them"
-                                                        : kNoTextureOf);
+                    : normals && !options.normalMaps    ? "normal maps were not requested"
+                    : normals && chosen.base == nullptr ? "the material has no base texture"
+                                                        : kUnused);
     }
-    // The same pictures stand under this name and under their own, mostly.
+    // Most pictures of unknown type are listed under their own type too.
     for (const Layer &layer : layers)
         if (layer.type == aiTextureType_UNKNOWN && seen.insert(layer.path).second)
-            report.drop(mapsOf(layer.type), 1, kNoTextureOf);
+            report.drop(mapsOf(layer.type), 1, kUnused);
 }
 
 void Converter::add(const aiMaterial &material) {
@@ -275,7 +274,7 @@ Materials Converter::finish() {
     };
     if (report.textureMemory > kTextureBudget)
         report.warn("the textures take " + megabytes(report.textureMemory) + " of the engine's " +
-                    megabytes(kTextureBudget) + ": it will load some of them again and again");
+                    megabytes(kTextureBudget) + ": some of them will be loaded repeatedly");
     else if (report.textureMemory * 2 > kTextureBudget)
         report.note("the textures take " + megabytes(report.textureMemory) +
                     "; mipmapped, the engine counts " + megabytes(report.textureMemory * 2) +

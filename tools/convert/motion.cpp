@@ -11,7 +11,7 @@
 namespace keltra::convert {
 namespace {
 
-constexpr double kDefaultTicks = 25.0;  // a second, of animations that do not say
+constexpr double kDefaultTicks = 25.0;  // per second, for animations without a rate
 
 bool isFinite(const aiVector3D &v) { return std::isfinite(v.x + v.y + v.z); }
 bool isFinite(const aiQuaternion &q) { return std::isfinite(q.w + q.x + q.y + q.z); }
@@ -24,7 +24,7 @@ aiQuaternion between(const aiQuaternion &a, const aiQuaternion &b, float t) {
     return result.Normalize();
 }
 
-// The keys whose times and values are numbers, by rising time: some importers give them in another order.
+// The keys with finite times and values, sorted by time: some importers give them in another order.
 template <class Key>
 std::vector<Key> sorted(const Key *keys, unsigned count) {
     std::vector<Key> result;
@@ -35,7 +35,7 @@ std::vector<Key> sorted(const Key *keys, unsigned count) {
     return result;
 }
 
-// The value at a time: before the first key and after the last one it stays.
+// The value at a time; constant before the first key and after the last one.
 template <class Key, class Value>
 Value valueAt(const std::vector<Key> &keys, double time, const Value &otherwise) {
     if (keys.empty()) return otherwise;
@@ -69,7 +69,7 @@ Motion::Motion(const aiAnimation &animation, const Rig &rig) : rig(rig) {
         ticks =
             std::max({ticks, lastTime(track.positions), lastTime(track.rotations), lastTime(track.scales)});
     }
-    // Importers that do not know the duration give 0, -1 or nonsense.
+    // Importers that do not know the duration give 0, -1 or arbitrary values.
     if (std::isfinite(animation.mDuration) && animation.mDuration > 0.0) ticks = animation.mDuration;
     const double rate = animation.mTicksPerSecond;
     ticksPerSecond = std::isfinite(rate) && rate > 0.0 ? rate : kDefaultTicks;

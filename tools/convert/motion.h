@@ -1,22 +1,22 @@
 #ifndef KELTRA_CONVERT_MOTION_H
 #define KELTRA_CONVERT_MOTION_H
 
+#include "tools/convert/rig.h"
+
 #include <assimp/anim.h>
 
 #include <vector>
 
-#include "tools/convert/rig.h"
-
 namespace keltra::convert {
 
-// One animation of a model: where its nodes are at a time.
+// One animation of a model.
 class Motion {
    public:
     Motion(const aiAnimation &animation, const Rig &rig);
 
     double seconds() const { return length; }
     bool movesNodes() const { return !tracks.empty(); }
-    // The local matrices of all source nodes; those without keyframes are at rest.
+    // The local matrices of all source nodes; nodes without keyframes keep their rest pose.
     void locals(double seconds, std::vector<Matrix> &locals) const;
 
    private:

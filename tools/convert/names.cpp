@@ -9,8 +9,8 @@ constexpr std::size_t kLongestFileName = 64;
 
 bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
-// Bytes of the UTF-8 character at `at`, or 0 when there is none: cut short, longer than it has to be, half of
-// a surrogate pair or beyond the last code point.
+// Bytes of the UTF-8 character at `at`; 0 if it is invalid: incomplete, overlong, a surrogate or beyond the
+// last code point.
 std::size_t characterSize(const std::string &text, std::size_t at, std::uint32_t &code) {
     const unsigned char first = static_cast<unsigned char>(text[at]);
     code = first;
@@ -22,7 +22,7 @@ std::size_t characterSize(const std::string &text, std::size_t at, std::uint32_t
         if (!isContinuation(text[at + i])) return 0;
         code = code << 6 | (static_cast<unsigned char>(text[at + i]) & 0x3F);
     }
-    static const std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+    constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
     if (code < kLeast[size] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return 0;
     return size;
 }
@@ -41,7 +41,7 @@ std::string folded(std::string text) {
     return text;
 }
 
-// Windows takes these for devices, whatever extension follows.
+// Windows takes these names for devices, with any extension.
 bool isDevice(const std::string &name) {
     const std::string stem = folded(name.substr(0, name.find('.')));
     if (stem == "con" || stem == "prn" || stem == "aux" || stem == "nul") return true;
@@ -75,7 +75,7 @@ std::string cleanText(const std::string &text) {
 std::string fileName(const std::string &text) {
     std::string name;
     for (const char c : cleanText(text)) {
-        if (isContinuation(c)) continue;  // one '_' for a character, however many bytes it has
+        if (isContinuation(c)) continue;  // one '_' per character, not per byte
         name += isPlain(c) ? c : '_';
     }
     if (name.empty()) return "_";
@@ -104,8 +104,8 @@ std::string Names::take(const std::string &wanted, const std::string &otherwise,
         const std::string name = numbered(number);
         return taken.count(caseMatters ? name : folded(name)) != 0;
     };
-    // Models with ten thousands of nodes of one name exist: a free number is searched for by halving, not one
-    // by one. `last` is taken, `next` is free.
+    // Some models have tens of thousands of nodes of one name: bisection finds a free number. `last` is
+    // taken, `next` is free.
     std::uint64_t next = 1, last = 0;
     while (isTaken(next)) {
         last = next;

@@ -9,14 +9,14 @@
 
 namespace keltra::convert {
 
-// What a conversion is asked to do.
+// The options of a conversion.
 struct Options {
     std::string model;          // path of the model
-    std::string name;           // what the output files' names begin with; see `fileStem`
-    double fps = 25.0;          // frames a second that animations are sampled at
+    std::string name;           // prefix of the output files' names; see `fileStem`
+    double fps = 25.0;          // frames per second at which animations are sampled
     unsigned maxTexture = 512;  // pixels, a power of two
     bool normalMaps = false;
-    double scale = 0.0;  // of all lengths; 0 chooses 1, or what brings the model into the range of 16.16
+    double scale = 0.0;  // of all lengths; 0 for 1, or a power of ten that brings the model into 16.16
 };
 
 // A model that cannot be converted, and why: one line, without the file's name.
@@ -29,7 +29,7 @@ struct OutputFile {
     std::vector<std::uint8_t> bytes;
 };
 
-// Told what is being done, 0 to 1 of it done.
+// Called with the present step and how much of it is done, from 0 to 1.
 using Progress = std::function<void(const char *what, double done)>;
 
 }  // namespace keltra::convert

@@ -1,16 +1,15 @@
 #include "tools/convert/output_folder.h"
 
+#include "tools/convert/descriptor.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <random>
 #include <system_error>
-
-#include "tools/convert/descriptor.h"
 
 namespace keltra::convert {
 namespace {
@@ -42,7 +41,7 @@ bool writeAll(int file, const std::vector<std::uint8_t> &bytes) {
     return true;
 }
 
-// Files on their way into a folder. What has not arrived at the end is taken back.
+// Writes files into a folder. The destructor removes them unless all were renamed.
 class Commit {
    public:
     explicit Commit(const std::string &path)
@@ -52,13 +51,13 @@ class Commit {
     ~Commit() {
         if (done) return;
         for (const Entry &entry : entries) {
-            // A file that took an older one's place stays: it is whole, and the older one is gone.
-            if (entry.arrived && entry.replaced) continue;
-            ::unlinkat(folder.get(), (entry.arrived ? entry.name : entry.temporary).c_str(), 0);
+            // A file that has replaced another one stays: it is complete, and the other one is lost.
+            if (entry.renamed && entry.replaced) continue;
+            ::unlinkat(folder.get(), (entry.renamed ? entry.name : entry.temporary).c_str(), 0);
         }
     }
 
-    // Renaming fails for little else than something in the way that is no file, so this is asked first.
+    // Renaming fails mostly because the target is not a file, so this is checked before anything is written.
     void check(const OutputFile &file) {
         struct stat status;
         if (::fstatat(folder.get(), file.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -87,7 +86,7 @@ class Commit {
             entry.replaced = ::faccessat(folder.get(), entry.name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
             if (::renameat(folder.get(), entry.temporary.c_str(), folder.get(), entry.name.c_str()) != 0)
                 refuse(full(entry.name), errno);
-            entry.arrived = true;
+            entry.renamed = true;
         }
         done = true;
     }
@@ -95,7 +94,7 @@ class Commit {
    private:
     struct Entry {
         std::string name, temporary;
-        bool arrived = false, replaced = false;
+        bool renamed = false, replaced = false;
     };
 
     std::string full(const std::string &name) const { return (fs::path(path) / name).string(); }
@@ -111,27 +110,27 @@ class Commit {
 OutputFolder::OutputFolder(const std::string &path) {
     std::error_code error;
     std::vector<fs::path> missing;
-    // A closing slash would count as one more folder of an empty name.
+    // Without the final slash of the path, which would count as one more folder.
     fs::path folder = fs::path(path) / "";
     for (folder = folder.parent_path(); !folder.empty() && !fs::exists(folder, error) && !error;
          folder = folder.parent_path())
         missing.push_back(folder);
     if (error) throw Refusal("cannot write to " + path + ": " + error.message());
     for (auto each = missing.rbegin(); each != missing.rend(); ++each) {
-        if (fs::create_directory(*each, error)) made.push_back(*each);
+        if (fs::create_directory(*each, error)) created.push_back(*each);
         if (error) break;
     }
     if (!error && !fs::is_directory(path, error) && !error)
         error = std::make_error_code(std::errc::not_a_directory);
     if (!error && ::access(path.c_str(), W_OK | X_OK) != 0) error = {errno, std::generic_category()};
     if (!error) return;
-    takeBack();
+    removeCreated();
     throw Refusal("cannot write to " + path + ": " + error.message());
 }
 
-void OutputFolder::takeBack() {
-    std::error_code ignored;  // others may have put something there
-    for (auto each = made.rbegin(); each != made.rend(); ++each) fs::remove(*each, ignored);
+void OutputFolder::removeCreated() {
+    std::error_code ignored;  // another program may have put files there
+    for (auto each = created.rbegin(); each != created.rend(); ++each) fs::remove(*each, ignored);
 }
 
 HeldSignals::HeldSignals() {

@@ -1,35 +1,34 @@
 #ifndef KELTRA_CONVERT_OUTPUT_FOLDER_H
 #define KELTRA_CONVERT_OUTPUT_FOLDER_H
 
-#include <signal.h>
+#include "tools/convert/options.h"
 
+#include <signal.h>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "tools/convert/options.h"
-
 namespace keltra::convert {
 
-// A folder to write to. It is made, with its parents, when it is missing; what was made goes away with the
-// object unless it is kept.
+// A folder to write to. It is created, with its parents, if it does not exist; the destructor removes what
+// was created unless `keep` was called.
 class OutputFolder {
    public:
-    // Throws Refusal for a path that is no folder and cannot be made one, or that cannot be written to.
+    // Throws Refusal if the folder cannot be created or cannot be written to.
     explicit OutputFolder(const std::string &path);
-    ~OutputFolder() { takeBack(); }
+    ~OutputFolder() { removeCreated(); }
     OutputFolder(const OutputFolder &) = delete;
     OutputFolder &operator=(const OutputFolder &) = delete;
 
-    void keep() { made.clear(); }
+    void keep() { created.clear(); }
 
    private:
-    void takeBack();
+    void removeCreated();
 
-    std::vector<std::filesystem::path> made;  // the outermost first
+    std::vector<std::filesystem::path> created;  // the outermost first
 };
 
-// Holds back the signals that ask a process to stop, and lets them through again with its end.
+// Blocks the signals that ask a process to stop, for the lifetime of the object.
 class HeldSignals {
    public:
     HeldSignals();
@@ -37,15 +36,15 @@ class HeldSignals {
     HeldSignals(const HeldSignals &) = delete;
     HeldSignals &operator=(const HeldSignals &) = delete;
 
-    // Those held, without the ones that the process ignores: these would seem to have come.
+    // The blocked signals without those that the process ignores: these would be reported as pending.
     const sigset_t &set() const { return held; }
 
    private:
     sigset_t held, before;
 };
 
-// Writes all the files or none: each beside its place first, then all are renamed in order. Existing files
-// are replaced. A signal that asks the process to stop waits until the end. Throws Refusal.
+// Writes all files or none: first under temporary names, then all are renamed in order. Existing files are
+// replaced. Signals that ask the process to stop are blocked meanwhile. Throws Refusal.
 void commitFiles(const std::string &folder, const std::vector<OutputFile> &files);
 
 }  // namespace keltra::convert

@@ -1,5 +1,7 @@
 #include "tools/convert/picture.h"
 
+#include "tools/convert/names.h"
+
 #include <Magick++.h>
 
 #include <algorithm>
@@ -8,22 +10,19 @@
 #include <cstdint>
 #include <cstring>
 
-#include "tools/convert/names.h"
-
 namespace keltra::convert {
 namespace {
 
 using formats::Image;
 using formats::Rgba;
 
-// Plain pictures only. Formats that draw, run scripts or fetch further files are not to be reached by a
-// model.
+// Raster formats only: a model must not be able to use formats that draw, run scripts or read other files.
 struct Signature {
     const char *format;
     const char *bytes;
     std::size_t size;
 };
-const Signature kSignatures[] = {
+constexpr Signature kSignatures[] = {
     {"PNG", "\x89PNG\r\n\x1a\n", 8},
     {"JPEG", "\xff\xd8\xff", 3},
     {"GIF", "GIF8", 4},
@@ -48,7 +47,7 @@ bool startsWith(const unsigned char *bytes, std::size_t size, const char *with, 
     return size >= length && std::memcmp(bytes, with, length) == 0;
 }
 
-// The decoder's name of the format, or null. A Targa file tells its kind only in a footer that many lack.
+// The decoder's name of the format, or null. Targa has only an optional footer to recognise it by.
 const char *formatOf(const unsigned char *bytes, std::size_t size, const std::string &extension) {
     for (const Signature &known : kSignatures)
         if (startsWith(bytes, size, known.bytes, known.size)) return known.format;
@@ -56,7 +55,7 @@ const char *formatOf(const unsigned char *bytes, std::size_t size, const std::st
         return "WEBP";
     if (size >= 3 && bytes[0] == 'P' && bytes[1] >= '1' && bytes[1] <= '7' && std::isspace(bytes[2]))
         return "PNM";
-    const char kFooter[] = "TRUEVISION-XFILE.";  // a zero behind it
+    constexpr char kFooter[] = "TRUEVISION-XFILE.";  // with the terminating zero
     if (size >= 26 && std::memcmp(bytes + size - sizeof kFooter, kFooter, sizeof kFooter) == 0) return "TGA";
     for (const char *targa : {"tga", "vda", "vst", "icb"})
         if (extension == targa) return "TGA";
@@ -66,8 +65,8 @@ const char *formatOf(const unsigned char *bytes, std::size_t size, const std::st
 void startMagick() {
     static const bool started = [] {
         Magick::InitializeMagick(nullptr);
-        // No threads: a conversion runs in a forked process. The library's own limit of time ends the
-        // process, so there is a clock for each picture instead.
+        // No threads: a conversion runs in a forked process. The library's time limit would end the process,
+        // so each picture has a Clock instead.
         MagickCore::SetMagickResourceLimit(MagickCore::ThreadResource, 1);
         MagickCore::SetMagickResourceLimit(MagickCore::WidthResource, kMaxPictureSide);
         MagickCore::SetMagickResourceLimit(MagickCore::HeightResource, kMaxPictureSide);
@@ -92,7 +91,7 @@ struct Clock {
     }
 };
 
-// "PROGRAM: what is wrong `FILE' @ error/png.c/..." without program, file and place.
+// "PROGRAM: MESSAGE `FILE' @ error/png.c/..." reduced to the message.
 std::string reasonOf(const std::exception &error) {
     std::string text = error.what();
     text = text.substr(0, text.find(" @ "));
@@ -122,14 +121,14 @@ Image exported(Magick::Image &image) {
     Image result(static_cast<unsigned>(image.columns()), static_cast<unsigned>(image.rows()));
     static_assert(sizeof(Rgba) == 4, "pixels must be packed");
     image.write(0, 0, image.columns(), image.rows(), "RGBA", MagickCore::CharPixel, result.pixels.data());
-    // Decoders leave the alpha of a picture without any as it was in memory.
+    // Decoders do not initialise the alpha of a picture that has none.
     if (!image.matte())
         for (Rgba &pixel : result.pixels) pixel.a = 255;
     return result;
 }
 
-// The decoder hands out the rows of a Targa file as they stand in it, and says where they begin. That of
-// other formats is a camera's attitude, which textures are not turned by.
+// The decoder returns the rows of a Targa file in file order, with their orientation. In other formats the
+// orientation is the camera's, which does not apply to textures.
 void turnTarga(Magick::Image &image) {
     const MagickCore::OrientationType begin = image.orientation();
     if (begin == MagickCore::BottomLeftOrientation || begin == MagickCore::BottomRightOrientation)
@@ -138,8 +137,8 @@ void turnTarga(Magick::Image &image) {
 }
 
 Image decode(const Magick::Blob &blob, const char *format, Clock &clock, std::string &remark) {
-    // The PNM decoder loses memory when it is only asked for the size. Nothing is packed in such a file, so
-    // the limits of the library will do: a small file is no large picture.
+    // The PNM decoder leaks memory when asked only for the size. PNM is not compressed, so a small file
+    // cannot be a large picture, and the library's limits are enough.
     if (std::strcmp(format, "PNM") != 0) {
         Magick::Image header;
         prepare(header, format, clock);
@@ -154,11 +153,11 @@ Image decode(const Magick::Blob &blob, const char *format, Clock &clock, std::st
     } catch (const Magick::WarningCorruptImage &damage) {
         remark = reasonOf(damage);
     } catch (const Magick::Warning &) {
-        // Unknown tags, odd colour profiles: nothing that changes pixels.
+        // Unknown tags and colour profiles do not change pixels.
     }
     checkSize(image);
     if (std::strcmp(format, "TGA") == 0) turnTarga(image);
-    // Values of grey pictures are shades of sRGB already.
+    // The values of grey pictures are sRGB already.
     if (image.colorSpace() != MagickCore::GRAYColorspace && image.colorSpace() != MagickCore::sRGBColorspace)
         image.colorSpace(MagickCore::sRGBColorspace);
     return exported(image);
@@ -199,7 +198,7 @@ Image readPicture(const void *bytes, std::size_t size, const std::string &extens
 
 unsigned nearestPower(unsigned size, unsigned most) {
     unsigned power = 1;
-    // From one power p to the next the middle in ratio is p times the root of 2.
+    // The geometric mean of p and 2 p is p times the square root of 2.
     while (power * 2 <= most && std::uint64_t{size} * size > std::uint64_t{power} * power * 2) power *= 2;
     return power;
 }
@@ -208,7 +207,7 @@ Image resized(const Image &image, unsigned width, unsigned height, bool alphaCou
     Image result = image;
     if (image.width != width || image.height != height) {
         startMagick();
-        // 'P' is a byte to pass over.
+        // 'P' is a byte of padding.
         Magick::Image work(image.width, image.height, alphaCounts ? "RGBA" : "RGBP", MagickCore::CharPixel,
                            image.pixels.data());
         Magick::Geometry size(width, height);
@@ -228,7 +227,7 @@ void spreadColours(Image &image) {
         known[i] = visible(image.pixels[i]);
         if (known[i]) edge.push_back(i);
     }
-    // One ring of pixels a turn, each from its neighbour of the ring before.
+    // Each round colours one ring of pixels from the ring before.
     while (!edge.empty()) {
         std::vector<std::uint32_t> ring;
         for (const std::uint32_t from : edge) {

@@ -1,17 +1,17 @@
 #include "tools/convert/picture_source.h"
 
+#include "tools/convert/names.h"
+
 #include <assimp/scene.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
-
-#include "tools/convert/names.h"
 
 namespace keltra::convert {
 namespace {
@@ -20,12 +20,12 @@ using Parts = std::vector<std::string>;
 
 constexpr std::size_t kMaxFile = std::size_t{256} << 20;
 constexpr std::size_t kMaxParts = 64;
-constexpr std::size_t kMaxEntries = 65536;  // of a folder
+constexpr std::size_t kMaxEntries = 65536;  // per folder
 
-// What importers of formats without names of pictures write; the picture is mostly called as the model is.
+// The name that importers write for formats without picture names; the picture mostly has the model's name.
 constexpr char kUnnamed[] = "$texture_dummy.bmp";
 
-// Where exporters and artists put pictures, seen from the model.
+// Folders, relative to the model, where exporters and artists put pictures.
 const Parts kUsualFolders[] = {
     {"textures"},     {"texture"},         {"tex"},           {"maps"},      {"images"},
     {"materials"},    {"..", "textures"},  {"..", "texture"}, {"..", "tex"}, {"..", "maps"},
@@ -67,11 +67,11 @@ std::string urlDecoded(const std::string &text) {
     return plain;
 }
 
-// A path of the model, which may come from any system.
+// A path in the model, which may come from any system.
 struct WrittenPath {
     Parts parts;
-    bool absolute = false;  // in the sense of this system
-    bool foreign = false;   // of another machine: only its end can be of use
+    bool absolute = false;  // on this system
+    bool foreign = false;   // of another machine: only its last parts can be used
 };
 
 WrittenPath written(std::string path) {
@@ -81,7 +81,7 @@ WrittenPath written(std::string path) {
         path.erase(0, 7);
         if (path.size() > 2 && path[0] == '/' && path[2] == ':') path.erase(0, 1);
     } else if (path.compare(0, 2, "//") == 0) {
-        path.erase(0, 2);  // Blender's mark of a path relative to its file
+        path.erase(0, 2);  // Blender's prefix of a path relative to its file
     }
     if (path.size() > 1 && path[1] == ':') {
         path.erase(0, 2);
@@ -106,13 +106,13 @@ std::string joined(const Parts &parts) {
     return path;
 }
 
-// What to look for from the model's folder, the likeliest first.
+// The paths to try, relative to the model's folder, the likeliest first.
 std::vector<Parts> candidatesFor(const WrittenPath &path) {
     std::vector<Parts> candidates;
     const std::size_t count = path.parts.size();
     if (count == 0) return candidates;
     if (!path.absolute && !path.foreign) candidates.push_back(path.parts);
-    // The end of a path often fits although its beginning is of another machine.
+    // The last parts often match although the path comes from another machine.
     for (std::size_t from = count > kMaxParts ? count - kMaxParts : 0; from < count; ++from) {
         if (path.parts[from] == "..") continue;
         candidates.emplace_back(path.parts.begin() + static_cast<std::ptrdiff_t>(from), path.parts.end());
@@ -124,7 +124,7 @@ std::vector<Parts> candidatesFor(const WrittenPath &path) {
     return candidates;
 }
 
-// Opens only what is a regular file: a pipe would wait, a device might act.
+// Opens only regular files: opening a pipe would block, opening a device may have effects.
 std::vector<std::uint8_t> readFile(const std::string &path) {
     struct Descriptor {
         int number;
@@ -188,7 +188,7 @@ const std::vector<PictureSource::Entry> &PictureSource::entriesOf(const std::str
         const std::string name = at->path().filename().string();
         entries.push_back({name, lower(name)});
     }
-    // Folders list their files in no order; which one is taken must not depend on it.
+    // The order of a folder's entries is undefined, and the choice must not depend on it.
     std::sort(entries.begin(), entries.end(), [](const Entry &a, const Entry &b) { return a.name < b.name; });
     return entries;
 }

@@ -1,13 +1,13 @@
 #ifndef KELTRA_CONVERT_PICTURE_SOURCE_H
 #define KELTRA_CONVERT_PICTURE_SOURCE_H
 
-// Finds the pictures that a model names: inside the model, where the model says, or near the model.
+// Finds the pictures that a model names: embedded, at the path in the model, or near the model.
+
+#include "tools/convert/picture.h"
 
 #include <map>
 #include <string>
 #include <vector>
-
-#include "tools/convert/picture.h"
 
 struct aiScene;
 struct aiTexture;
@@ -17,8 +17,8 @@ namespace keltra::convert {
 // Where a picture was found.
 struct PicturePlace {
     const aiTexture *embedded = nullptr;
-    std::string file;     // when it is not embedded: what to open
-    std::string instead;  // the file in words, when it is another than the model names
+    std::string file;     // path, unless it is embedded
+    std::string instead;  // for reports: the file, if it is not the one that the model names
 };
 
 class PictureSource {
@@ -30,7 +30,7 @@ class PictureSource {
     PicturePlace find(const std::string &path);
     formats::Image read(const PicturePlace &place, std::string &remark) const;
 
-    // What the picture is called in names of files: its own name without folder and extension.
+    // The picture's name in names of output files: its own name without folder and extension.
     std::string stem(const std::string &path) const;
 
    private:
@@ -38,7 +38,7 @@ class PictureSource {
         std::string name, folded;
     };
     const std::vector<Entry> &entriesOf(const std::string &folder);
-    // The file's path as its folders spell it, or an empty one.
+    // The path with upper and lower case as in the file system; empty if there is no such file.
     std::string spelled(const std::string &folder, const std::vector<std::string> &parts);
     std::string otherExtension(const std::string &folder, const std::vector<std::string> &parts);
     bool accept(const std::string &file, PicturePlace &place);
@@ -47,7 +47,7 @@ class PictureSource {
     std::string folder;     // of the model, with a slash at its end
     std::string modelStem;  // its file's name without extension
     std::map<std::string, std::vector<Entry>> listed;
-    bool sawOther = false;  // something of the name that is no file
+    bool sawOther = false;  // the name exists but is not a regular file
 };
 
 }  // namespace keltra::convert

@@ -1,7 +1,7 @@
 #ifndef KELTRA_CONVERT_REPORT_H
 #define KELTRA_CONVERT_REPORT_H
 
-// What a conversion did, dropped and warns of; printed as text or as JSON.
+// What a conversion did and dropped, and its warnings; printed as text or as JSON.
 
 #include <cstdint>
 #include <string>
@@ -23,7 +23,7 @@ struct TextureReport {
     std::string file;
     std::string source;  // path in the model, or "*0" for an embedded one
     unsigned width = 0, height = 0, bits = 0;
-    bool missing = false;  // a checker stands in for it
+    bool missing = false;  // replaced by a checkerboard
 };
 
 // Something of the model that is not in the output.
@@ -41,10 +41,10 @@ struct Report {
     double size = 0.0;  // diagonal of the bounding box, after scaling
     std::vector<ClipReport> clips;
     std::vector<TextureReport> textures;
-    std::uint64_t textureMemory = 0;  // bytes, four a pixel, without mipmaps
+    std::uint64_t textureMemory = 0;  // bytes, four per pixel, without mipmaps
     std::vector<Dropped> dropped;
-    std::vector<std::string> warnings;  // things the user should look at
-    std::vector<std::string> notes;     // things done that the user may wonder about
+    std::vector<std::string> warnings;  // results that the user should check
+    std::vector<std::string> notes;     // changes that the user may not expect
 
     void drop(const std::string &what, std::uint64_t count, const std::string &why) {
         if (count == 0) return;

@@ -1,21 +1,21 @@
 #ifndef KELTRA_CONVERT_REPORT_JSON_H
 #define KELTRA_CONVERT_REPORT_JSON_H
 
-#include <nlohmann/json.hpp>
-#include <string>
-
 #include "tools/convert/isolated.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
 
 namespace keltra::convert {
 
 using Json = nlohmann::ordered_json;
 
-// An outcome as it travels from the converting process. Throws Json::exception for what is none.
+// The outcome in a message of the child process. Throws Json::exception if it is not an outcome.
 Json outcomeJson(const Outcome &outcome);
 Outcome outcomeOf(const Json &json);
 
-// The document that --json prints, with a line feed. It is UTF-8 whatever the names are: bytes that are not
-// become U+FFFD.
+// The document that --json prints, with a line feed. It is always UTF-8: invalid bytes become U+FFFD.
 std::string documentOf(const std::string &model, const std::string &folder, const Outcome &outcome);
 
 }  // namespace keltra::convert

@@ -11,7 +11,7 @@ namespace {
 constexpr double kMebibyte = 1048576.0;
 constexpr int kLabelWidth = 10;
 
-// How many bytes the UTF-8 character at `at` has; 0 for what is none or is a control character.
+// Bytes of the UTF-8 character at `at`; 0 if it is invalid or a control character.
 std::size_t characterAt(const std::string &text, std::size_t at) {
     const unsigned char first = static_cast<unsigned char>(text[at]);
     if (first < 0x80) return first >= 0x20 && first != 0x7f ? 1 : 0;
@@ -23,7 +23,8 @@ std::size_t characterAt(const std::string &text, std::size_t at) {
         if ((next & 0xc0) != 0x80) return 0;
         code = code << 6 | (next & 0x3fu);
     }
-    constexpr std::uint32_t smallest[] = {0, 0, 0xa0, 0x800, 0x10000};  // the controls up to 0x9f are none
+    constexpr std::uint32_t smallest[] = {0, 0, 0xa0, 0x800,
+                                          0x10000};  // control characters up to 0x9f are refused
     const bool surrogate = code >= 0xd800 && code < 0xe000;
     return code >= smallest[size] && code < 0x110000 && !surrogate ? size : 0;
 }
@@ -47,8 +48,8 @@ std::string formatted(const char *format, Values... values) {
 
 using Row = std::vector<std::string>;
 
-// Columns as wide as their widest cell. Numbers stand at the right, the first and the last column at the
-// left.
+// Lines with columns as wide as their widest cell; the first and the last column are aligned to the left, the
+// others to the right.
 std::vector<std::string> aligned(const std::vector<Row> &rows) {
     std::vector<std::size_t> widths;
     for (const Row &row : rows) {
@@ -69,7 +70,7 @@ std::vector<std::string> aligned(const std::vector<Row> &rows) {
     return lines;
 }
 
-// The lines, with the label before the first one.
+// Appends the lines, with the label before the first one.
 void put(std::string &text, const char *label, const std::vector<std::string> &lines) {
     for (const std::string &line : lines) {
         text += formatted("  %-*s", kLabelWidth, label) + line + "\n";
@@ -113,7 +114,7 @@ std::vector<std::string> textureLines(const Report &report) {
     for (const TextureReport &texture : report.textures) {
         rows.push_back({printable(texture.file), formatted("%u x %u", texture.width, texture.height),
                         formatted("%u bits", texture.bits),
-                        (texture.missing ? "a checker for " : "from ") + printable(texture.source)});
+                        (texture.missing ? "checkerboard for " : "from ") + printable(texture.source)});
     }
     return aligned(rows);
 }

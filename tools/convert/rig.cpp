@@ -1,21 +1,21 @@
 #include "tools/convert/rig.h"
 
+#include "tools/convert/options.h"
+
 #include <assimp/scene.h>
 
 #include <algorithm>
 #include <cmath>
 #include <set>
 
-#include "tools/convert/options.h"
-
 namespace keltra::convert {
 namespace {
 
-// The FBX importer puts every pivot and pre-rotation into a node of its own; they are part of the node below.
+// The FBX importer makes a node for every pivot and pre-rotation; they are merged into the node below.
 constexpr char kPivotMark[] = "_$AssimpFbx$_";
 
-constexpr int kMaxDepth = 26;             // of joints: GL has 32 matrices, and camera and roots need some
-constexpr std::size_t kMaxNodes = 50000;  // the engine numbers its objects up to 65535
+constexpr int kMaxDepth = 26;             // of joints: GL has 32 matrices, some for camera and roots
+constexpr std::size_t kMaxNodes = 50000;  // the engine has 65535 identifiers
 constexpr double kScaleKeysDiffer = 1e-4;
 
 bool changesScale(const aiNodeAnim &channel) {
@@ -27,7 +27,7 @@ bool changesScale(const aiNodeAnim &channel) {
     return false;
 }
 
-// Of all nodes, in the order in which the model lists them, each with the one that lists it.
+// All nodes in the model's order, each with the node that lists it as child.
 std::vector<std::pair<const aiNode *, const aiNode *>> listNodes(const aiNode *root) {
     std::vector<std::pair<const aiNode *, const aiNode *>> listed, open;
     if (root) open.emplace_back(root, nullptr);
@@ -37,7 +37,7 @@ std::vector<std::pair<const aiNode *, const aiNode *>> listNodes(const aiNode *r
         open.pop_back();
         if (listed.size() > kMaxNodes)
             throw Refusal("it has more than " + std::to_string(kMaxNodes) + " nodes");
-        // Some importers count a child too many.
+        // Some importers count one child too many.
         for (unsigned i = node->mNumChildren; i-- > 0;)
             if (node->mChildren[i]) open.emplace_back(node->mChildren[i], node);
     }
@@ -62,8 +62,8 @@ Rig::Rig(const aiScene &scene, double scale, Report &report) : scene(scene), sca
                     " changed: empty, taken by another node, too long or not UTF-8");
 }
 
-// Some importers list bones side by side and tell only by a node's parent where it hangs: the parent counts.
-// Where parents lead in a circle, or out of the model, the list does.
+// Some importers list bones side by side and give the hierarchy only by the nodes' parents, so these are
+// used. If they form a circle or leave the model, the lists of children are used.
 void Rig::readNodes() {
     const auto listed = listNodes(scene.mRootNode);
     std::map<const aiNode *, std::vector<const aiNode *>> children;
@@ -81,7 +81,7 @@ void Rig::readNodes() {
     }
     std::map<const aiNode *, int> indices;
     for (std::size_t s = 0; s < sources.size(); ++s) indices.emplace(sources[s].node, static_cast<int>(s));
-    // The first of a name counts, as it does for assimp.
+    // The first node of a name is taken, as in assimp.
     for (const auto &[node, lister] : listed) byName.emplace(node->mName.C_Str(), indices.at(node));
 }
 
@@ -131,7 +131,7 @@ void Rig::spreadBind() {
     }
 }
 
-// How far bones, and what is bound to them, reach from the origin.
+// The largest distance of bones and of the vertices bound to them from the origin.
 void Rig::measure() {
     for (const SourceNode &source : sources) size = std::max(size, translationOf(source.bind).Length());
     for (const Skin &skin : skins) {
@@ -149,16 +149,16 @@ void Rig::measure() {
 bool Rig::isKept(int index) const {
     const SourceNode &source = sources[index];
     const aiNode &node = *source.node;
-    bool carries = false, wears = false;  // rigid meshes, skins
+    bool hasMesh = false, hasSkin = false;
     for (unsigned i = 0; i < node.mNumMeshes; ++i) {
         if (node.mMeshes[i] >= scene.mNumMeshes) continue;
-        (isSkinned(*scene.mMeshes[node.mMeshes[i]]) ? wears : carries) = true;
+        (isSkinned(*scene.mMeshes[node.mMeshes[i]]) ? hasSkin : hasMesh) = true;
     }
-    if (source.isBone || carries) return true;
+    if (source.isBone || hasMesh) return true;
     if (std::string(node.mName.C_Str()).find(kPivotMark) != std::string::npos) return false;
-    if (source.parent == kNone) return source.moves;  // the scene's own root stands for it
-    // The skin takes the name of a node that exists to hold it only.
-    return !(wears && node.mNumChildren == 0 && !source.moves);
+    if (source.parent == kNone) return source.moves;  // the scene's root replaces it
+    // A node that only holds a skin is left out; the skin takes its name.
+    return !(hasSkin && node.mNumChildren == 0 && !source.moves);
 }
 
 void Rig::makeJoints() {
@@ -202,8 +202,7 @@ void Rig::placeRigidMeshes() {
     }
 }
 
-// Skins look for their bones below the node that holds both: HumanoidRoot. What has no bone in it stays
-// outside, so that it need not be searched in every frame.
+// The engine searches a skin's bones below HumanoidRoot in every frame, so trees without bones stay outside.
 void Rig::markSkeleton() {
     std::vector<std::size_t> top(joints.size());
     std::vector<bool> holdsBones(joints.size());
@@ -227,8 +226,8 @@ Matrix Rig::localFrame(unsigned joint, const std::vector<Matrix> &frames) const 
     return parent == kNone ? frames[joint] : inverse(frames[parent]) * frames[joint];
 }
 
-// A joint's keyframes are needed when something between it and the joint above moves, when a scale above
-// changes its distance, and when it does not rest in its bind pose.
+// A joint needs keyframes if a node between it and the joint above moves, if a scale above changes its
+// distance, or if its rest pose differs from its bind pose.
 void Rig::markPosed() {
     std::vector<bool> stretched(sources.size());
     for (std::size_t s = 0; s < sources.size(); ++s)
@@ -249,12 +248,12 @@ void Rig::markPosed() {
         for (int s = joint.source; s != kNone && s != above; s = sources[s].parent)
             posed = posed || sources[s].moves;
         const unsigned index = static_cast<unsigned>(j);
-        const bool strays = !areAlike(localFrame(index, bound), localFrame(index, rest), size);
-        restsElsewhere = restsElsewhere || strays;
-        joint.isPosed = scene.mNumAnimations > 0 && (posed || strays);
+        const bool differs = !areAlike(localFrame(index, bound), localFrame(index, rest), size);
+        restsElsewhere = restsElsewhere || differs;
+        joint.isPosed = scene.mNumAnimations > 0 && (posed || differs);
     }
     if (restsElsewhere)
-        report.note("its bones rest in another pose than their bind pose, in which the scene shows them");
+        report.note("the rest pose of its bones is not their bind pose; the scene shows the bind pose");
 }
 
 }  // namespace keltra::convert

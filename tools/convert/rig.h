@@ -1,19 +1,19 @@
 #ifndef KELTRA_CONVERT_RIG_H
 #define KELTRA_CONVERT_RIG_H
 
-// The nodes of a model, and the joints that become nodes of the scene. The engine's nodes have a place and a
-// turn but no scale, so every joint gets a rigid frame, and what the model's node has beyond it, its `bake`,
-// goes into the vertices. Where bones are concerned the frames are those of the bind pose, for the engine
-// takes the pose in the file for it.
+// The nodes of a model, and the joints that become nodes of the scene. The engine's nodes have position and
+// rotation but no scale: every joint gets a rigid frame, and the rest of the model's transform, its `bake`,
+// is applied to the vertices. Frames of bones are those of the bind pose, because the engine takes the pose
+// in the file as bind pose.
+
+#include "tools/convert/names.h"
+#include "tools/convert/report.h"
+#include "tools/convert/transform.h"
 
 #include <array>
 #include <map>
 #include <string>
 #include <vector>
-
-#include "tools/convert/names.h"
-#include "tools/convert/report.h"
-#include "tools/convert/transform.h"
 
 struct aiMesh;
 struct aiNode;
@@ -22,16 +22,16 @@ struct aiScene;
 namespace keltra::convert {
 
 constexpr int kNone = -1;
-constexpr char kSkeletonRoot[] = "HumanoidRoot";  // the name by which the engine knows the frame of skeletons
+constexpr char kSkeletonRoot[] = "HumanoidRoot";  // the node in whose frame the engine moves skeletons
 
 struct SourceNode {
     const aiNode *node = nullptr;
     int parent = kNone;
-    int joint = kNone;    // the joint it became; kNone for one that only its children remember
+    int joint = kNone;    // its own joint, or the nearest one above
     bool moves = false;   // some clip has keyframes for it
     bool scales = false;  // and they change its scale
-    Matrix local;         // at rest
-    Matrix world;         // at rest
+    Matrix local;         // in the rest pose
+    Matrix world;         // in the rest pose
     Matrix bind;          // in the bind pose, in the world
     bool isBone = false;
 };
@@ -43,14 +43,14 @@ struct Joint {
     Matrix frame;            // rigid, in the world
     Matrix bake;             // from the source node's coordinates to the frame's
     bool isBone = false;     // some skin follows it
-    bool isPosed = false;    // clips may move it
-    bool underRoot = false;  // part of the skeleton: stands below HumanoidRoot
+    bool isPosed = false;    // clips can move it
+    bool underRoot = false;  // part of a skeleton, below HumanoidRoot
 };
 
-constexpr unsigned kMaxInfluences = 4;  // more would double the work of a handheld for what nobody sees
+constexpr unsigned kMaxInfluences = 4;  // each one more costs as much per frame as the first
 
-// What one vertex follows, by falling weight. The weights are multiples of 1/65536, as the engine takes them,
-// and sum to 1 exactly; unused ones are 0.
+// The joints that a vertex follows, by decreasing weight. The weights are multiples of 1/65536, as in the
+// engine, and their sum is exactly 1; unused ones are 0.
 struct VertexSkin {
     std::array<unsigned, kMaxInfluences> joints{};
     std::array<float, kMaxInfluences> weights{};
@@ -61,7 +61,7 @@ struct Skin {
     int source;     // the node that holds it
     std::string name;
     Matrix bake;                       // from the mesh's coordinates to the world, in the bind pose
-    std::vector<VertexSkin> vertices;  // of the mesh's
+    std::vector<VertexSkin> vertices;  // one per vertex of the mesh
 };
 
 struct RigidMesh {
@@ -77,7 +77,7 @@ class Rig {
 
     // The world matrices of all source nodes for the given local ones, in their order.
     void pose(const std::vector<Matrix> &locals, std::vector<Matrix> &worlds) const;
-    // A joint's place and turn above its parent, for rigid frames of all joints.
+    // A joint's frame relative to its parent's, from the rigid frames of all joints.
     Matrix localFrame(unsigned joint, const std::vector<Matrix> &frames) const;
     int findSource(const std::string &name) const;
 
@@ -101,7 +101,7 @@ class Rig {
     unsigned addJoint(int source, int parent, const Matrix &bind, const std::string &wanted);
     void makeInfluences(Skin &skin);
     unsigned boneJoint(int source, const Matrix &bind);
-    unsigned carrierOf(const Skin &skin);
+    unsigned holderOf(const Skin &skin);
     void markSkeleton();
     void markPosed();
     void placeRigidMeshes();
@@ -111,11 +111,11 @@ class Rig {
     Report &report;
     double size = 0.0;
     std::map<std::string, int> byName;
-    std::vector<std::vector<unsigned>> bonesOf;  // of each source node: the joints that skins follow
-    int still = kNone;                           // a joint that never moves, for what follows nothing
+    std::vector<std::vector<unsigned>> bonesOf;  // per source node: the joints that skins follow
+    int still = kNone;                           // a joint that never moves, for vertices without bones
 };
 
-// Whether bones move the mesh: some vertex has a weight.
+// Whether some vertex of the mesh has a weight.
 bool isSkinned(const aiMesh &mesh);
 
 }  // namespace keltra::convert

@@ -1,16 +1,16 @@
 #include "tools/convert/scene_builder.h"
 
+#include "tools/convert/geometry.h"
+
 #include <assimp/scene.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "tools/convert/geometry.h"
-
 namespace keltra::convert {
 namespace {
 
-constexpr std::size_t kSkinsDrawn = 16;  // in a frame
+constexpr std::size_t kSkinsDrawn = 16;  // per frame
 constexpr std::size_t kElementsDrawn = 1024;
 constexpr std::size_t kMaxChildren = 65535;
 constexpr double kNoAngle = 1e-5;  // degrees
@@ -46,12 +46,12 @@ class Builder {
     void addSkins();
     void addLights();
     formats::Node lightNode(const aiLight &light, const Matrix &bake);
-    void putTogether(formats::Node &root);
+    void assemble(formats::Node &root);
     formats::Node jointNode(unsigned joint) const;
     void count(const formats::MeshData &mesh);
     const std::string &materialOf(unsigned mesh) const;
     unsigned uvChannelOf(unsigned mesh) const;
-    void tellRejects();
+    void reportRejects();
 
     const aiScene &scene;
     Rig &rig;
@@ -60,7 +60,7 @@ class Builder {
     const Progress &progress;
     std::size_t faces = 0, facesDone = 0;
     Rejects rejects;
-    std::vector<std::vector<formats::Node>> atJoint;  // what hangs at each: meshes, lights
+    std::vector<std::vector<formats::Node>> atJoint;  // meshes and lights of each
     std::vector<formats::Node> atRoot, skins;
 };
 
@@ -99,7 +99,7 @@ void Builder::addRigidMeshes() {
     }
 }
 
-// The engine draws 16 skins in a frame: when the model has more, those of one material become one.
+// The engine draws 16 skins per frame: if the model has more, skins of the same material are joined.
 void Builder::addSkins() {
     const bool joined = rig.skins.size() > kSkinsDrawn;
     std::vector<bool> done(rig.skins.size());
@@ -124,8 +124,7 @@ void Builder::addSkins() {
         report.note(std::to_string(rig.skins.size()) + " skins were joined by material into " +
                     std::to_string(skins.size()));
     if (skins.size() > kSkinsDrawn)
-        report.warn("it has " + std::to_string(skins.size()) +
-                    " skins; the engine draws 16 in a frame, and the others not at all");
+        report.warn("it has " + std::to_string(skins.size()) + " skins; the engine draws only 16 per frame");
 }
 
 formats::Node Builder::lightNode(const aiLight &light, const Matrix &bake) {
@@ -135,13 +134,13 @@ formats::Node Builder::lightNode(const aiLight &light, const Matrix &bake) {
     const Vector at(light.mPosition.x, light.mPosition.y, light.mPosition.z);
     const Vector to(light.mDirection.x, light.mDirection.y, light.mDirection.z);
     node.position = narrowed(bake * at);
-    Vector direction = turned(bake, to);
+    Vector direction = rotated(bake, to);
     if (!(direction.Length() > 0.0)) direction = Vector(0.0, 0.0, -1.0);
     node.light.direction = narrowed(direction.Normalize());
     node.light.type = light.mType == aiLightSource_SPOT          ? formats::LightType::kSpot
                       : light.mType == aiLightSource_DIRECTIONAL ? formats::LightType::kDirectional
                                                                  : formats::LightType::kPoint;
-    // The cone's whole angle, in radians; GL takes half of it, up to 90 degrees.
+    // The model has the cone's whole angle, in radians; GL takes half of it, up to 90 degrees.
     if (light.mType == aiLightSource_SPOT)
         node.light.cutOff = static_cast<float>(std::clamp(light.mAngleOuterCone * kDegrees * 0.5, 1.0, 90.0));
     const aiColor3D &color = light.mColorDiffuse;
@@ -172,10 +171,10 @@ void Builder::addLights() {
             atJoint[joint].push_back(lightNode(light, bake));
         }
     }
-    report.drop("lights", other, "GL has point lights, spots and directional ones");
+    report.drop("lights", other, "GL has point, spot and directional lights only");
 }
 
-// The joint as it is in the file, with the first of its meshes in it.
+// The joint's node, without meshes and children.
 formats::Node Builder::jointNode(unsigned index) const {
     const Joint &joint = rig.joints[index];
     const Matrix local =
@@ -185,7 +184,7 @@ formats::Node Builder::jointNode(unsigned index) const {
     formats::Node node;
     node.name = joint.name;
     node.position = narrowed(translationOf(local));
-    // Only records of meshes have rotations, and only meshes move skins.
+    // Only mesh records have rotations, and only meshes can be bones.
     if (!turns && !joint.isBone && !joint.isPosed) return node;
     node.kind = formats::NodeKind::kMesh;
     node.mesh.rotation = narrowed(angles);
@@ -193,8 +192,8 @@ formats::Node Builder::jointNode(unsigned index) const {
     return node;
 }
 
-// Children know only after them what hangs at them, so the tree is put together from the leaves.
-void Builder::putTogether(formats::Node &root) {
+// Nodes own their children, so the tree is built from the leaves.
+void Builder::assemble(formats::Node &root) {
     formats::Node skeleton;
     skeleton.name = kSkeletonRoot;
     std::vector<std::vector<formats::Node>> below(rig.joints.size());
@@ -202,18 +201,18 @@ void Builder::putTogether(formats::Node &root) {
     for (std::size_t j = rig.joints.size(); j-- > 0;) {
         const Joint &joint = rig.joints[j];
         formats::Node node = jointNode(static_cast<unsigned>(j));
-        std::vector<formats::Node> &hanging = atJoint[j];
+        std::vector<formats::Node> &attached = atJoint[j];
         std::size_t taken = 0;
-        if (!hanging.empty() && hanging[0].kind == formats::NodeKind::kMesh) {
+        if (!attached.empty() && attached[0].kind == formats::NodeKind::kMesh) {
             const formats::Vec3 rotation = node.mesh.rotation;
             node.kind = formats::NodeKind::kMesh;
-            node.mesh = std::move(hanging[0].mesh);
+            node.mesh = std::move(attached[0].mesh);
             node.mesh.rotation = rotation;
             taken = 1;
         }
-        for (std::size_t i = taken; i < hanging.size(); ++i) {
-            if (hanging[i].name.empty()) hanging[i].name = rig.names.take(joint.name, "mesh");
-            node.children.push_back(std::move(hanging[i]));
+        for (std::size_t i = taken; i < attached.size(); ++i) {
+            if (attached[i].name.empty()) attached[i].name = rig.names.take(joint.name, "mesh");
+            node.children.push_back(std::move(attached[i]));
         }
         std::move(below[j].rbegin(), below[j].rend(), std::back_inserter(node.children));
         if (node.children.size() > kMaxChildren)
@@ -228,17 +227,17 @@ void Builder::putTogether(formats::Node &root) {
     std::move(outside.rbegin(), outside.rend(), std::back_inserter(root.children));
     std::move(atRoot.begin(), atRoot.end(), std::back_inserter(root.children));
     if (root.children.size() > kMaxChildren)
-        throw Refusal("it has more than " + std::to_string(kMaxChildren) + " nodes side by side");
+        throw Refusal("its root has more than " + std::to_string(kMaxChildren) + " children");
 }
 
-void Builder::tellRejects() {
+void Builder::reportRejects() {
     report.drop("triangles", rejects.degenerate, "they have no area");
-    report.drop("triangles", rejects.notFinite, "a coordinate is no finite number");
-    report.drop("triangles", rejects.badIndex, "they name vertices that do not exist");
+    report.drop("triangles", rejects.notFinite, "a coordinate is not a finite number");
+    report.drop("triangles", rejects.badIndex, "they refer to vertices that do not exist");
     if (rejects.insideOut > 0)
         report.note("the normals of " + std::to_string(rejects.insideOut) +
                     (rejects.insideOut == 1 ? " mesh" : " meshes") +
-                    " looked away from the triangles' fronts, and one of the two was turned");
+                    " pointed away from the triangles' front sides; one of the two was flipped");
     report.drop("lines and points", rejects.linesAndPoints, "the engine draws triangles");
 }
 
@@ -246,11 +245,11 @@ void Builder::build(formats::Node &root) {
     addRigidMeshes();
     addSkins();
     addLights();
-    putTogether(root);
-    tellRejects();
+    assemble(root);
+    reportRejects();
     if (report.meshes + report.lights > kElementsDrawn)
         report.warn("it has " + std::to_string(report.meshes + report.lights) +
-                    " meshes and lights; the engine draws 1024 in a frame");
+                    " meshes and lights; the engine draws 1024 per frame");
 }
 
 std::uint64_t countNodes(const formats::Node &node) {
@@ -268,7 +267,7 @@ formats::Scene buildScene(const aiScene &scene, Rig &rig, const Materials &mater
     if (built.materials.size() > kMaxChildren)
         throw Refusal("it has more than " + std::to_string(kMaxChildren) + " materials");
     Builder(scene, rig, materials, report, progress).build(built.root);
-    // Last, for whoever animates looks for the model's own names.
+    // Last, so that the model's own names are kept: animations find nodes by them.
     built.root.name = rig.names.take(options.name, "model");
     report.materials = static_cast<unsigned>(built.materials.size());
     report.nodes = static_cast<unsigned>(countNodes(built.root));

@@ -11,8 +11,8 @@ struct aiScene;
 
 namespace keltra::convert {
 
-// The scene file's contents: below a plain root the nodes that carry no bones, and "HumanoidRoot" with the
-// skeletons and the skins. Also fills the report's counts and its size.
+// The scene file's contents: a plain root, below it the nodes without bones, and "HumanoidRoot" with the
+// skeletons and the skins. Also fills the report's counts.
 formats::Scene buildScene(const aiScene &scene, Rig &rig, const Materials &materials, const Options &options,
                           Report &report, const Progress &progress);
 

@@ -1,12 +1,12 @@
 #include "tools/convert/surface.h"
 
+#include "tools/convert/names.h"
+
 #include <assimp/GltfMaterial.h>
 #include <assimp/material.h>
 
 #include <algorithm>
 #include <cmath>
-
-#include "tools/convert/names.h"
 
 namespace keltra::convert {
 namespace {
@@ -15,12 +15,12 @@ using formats::Color;
 
 constexpr Color kBlack = {0.0f, 0.0f, 0.0f, 1.0f};
 constexpr Color kWhite = {1.0f, 1.0f, 1.0f, 1.0f};
-constexpr Color kDefault = {0.6f, 0.6f, 0.6f, 1.0f};  // of a new material of the engine
+constexpr Color kDefault = {0.6f, 0.6f, 0.6f, 1.0f};  // the engine's default
 constexpr float kDark = 0.02f;
 constexpr float kGreatestShininess = 128.0f;
 
 float clamped(float value, float most = 1.0f) {
-    if (!(value > 0.0f)) return 0.0f;  // not a number, too
+    if (!(value > 0.0f)) return 0.0f;  // also NaN
     return std::min(value, most);
 }
 
@@ -31,7 +31,7 @@ bool number(const aiMaterial &material, const char *key, unsigned type, unsigned
     return true;
 }
 
-// Not clamped; false when it is absent or holds something that is not a number.
+// Not clamped. False if it is absent or NaN.
 bool colour(const aiMaterial &material, const char *key, unsigned type, unsigned index, Color &value) {
     aiColor4D read(0, 0, 0, 1);
     if (material.Get(key, type, index, read) != aiReturn_SUCCESS) return false;
@@ -48,7 +48,7 @@ Color mixed(Color a, Color b, float t) {
 
 bool dark(Color c) { return std::max({c.r, c.g, c.b}) < kDark; }
 
-// Physically based factors are amounts of light; the engine computes in the values of the screen.
+// Physically based factors are linear; the engine computes in sRGB.
 float shown(float light) {
     light = clamped(light);
     return light <= 0.0031308f ? 12.92f * light : 1.055f * std::pow(light, 1.0f / 2.4f) - 0.055f;
@@ -72,7 +72,7 @@ bool unlit(const aiMaterial &material) {
 
 bool bodyColour(const aiMaterial &material, Color &value) {
     float gloss;
-    // Materials of specular and gloss keep their colour as diffuse, and the base colour at its default.
+    // Specular-glossiness materials have a diffuse colour, and a base colour that is always the default.
     const bool glossy = number(material, AI_MATKEY_GLOSSINESS_FACTOR, gloss);
     if (!glossy && colour(material, AI_MATKEY_BASE_COLOR, value)) {
         value = shown(value);
@@ -83,7 +83,7 @@ bool bodyColour(const aiMaterial &material, Color &value) {
     return true;
 }
 
-// The exponent that makes a highlight as wide as that roughness does.
+// The exponent that gives a highlight of the same width as the roughness.
 float shininessOf(float roughness) {
     const float width = std::pow(std::max(roughness, 0.05f), 4.0f);
     return clamped(2.0f / width - 2.0f, kGreatestShininess);
@@ -101,10 +101,9 @@ void setPhysicalHighlight(const aiMaterial &material, const SurfaceUse &use, for
         number(material, AI_MATKEY_ROUGHNESS_FACTOR, rough);
         metal = clamped(metal);
         rough = clamped(rough);
-        // Factors only scale such maps, mostly by 1: half of them stands for what is in the pictures.
+        // Factors only scale such maps, mostly by 1: half of them is an estimate of their content.
         if (use.metalMaps) metal *= 0.5f, rough *= 0.5f;
-        // Plastic reflects little straight on and much at its edges, which has no counterpart here: a
-        // quarter.
+        // A compromise: plastic reflects little from the front and much at its edges.
         const Color plastic = {0.25f, 0.25f, 0.25f, 1.0f};
         result.specular = scaled(mixed(plastic, result.diffuse, metal), 1.0f - rough);
     }
@@ -117,13 +116,13 @@ void setPlainHighlight(const aiMaterial &material, formats::Material &result) {
     colour(material, AI_MATKEY_COLOR_SPECULAR, specular);
     number(material, AI_MATKEY_SHININESS_STRENGTH, strength);
     number(material, AI_MATKEY_SHININESS, shininess);
-    // Below 1 it is meant as a share of the greatest.
+    // Exporters that write values below 1 use a scale from 0 to 1.
     if (shininess > 0.0f && shininess < 1.0f) shininess *= kGreatestShininess;
     result.specular = scaled(specular, clamped(strength, 1e6f));
     result.shininess = clamped(shininess, kGreatestShininess);
 }
 
-// Not in units of light: exporters multiply it by factors of their own, and 1 is all that the screen has.
+// Limited to 1: exporters use factors of their own as intensity.
 Color emissionOf(const aiMaterial &material, bool isPhysical) {
     Color emission = kBlack;
     float strength = 1.0f;
@@ -161,15 +160,15 @@ float opacityOf(const aiMaterial &material, const std::string &name, Report &rep
     number(material, AI_MATKEY_OPACITY, opacity);
     number(material, AI_MATKEY_TRANSMISSION_FACTOR, transmission);
     opacity = mode == AlphaMode::kOpaque ? 1.0f : clamped(opacity);
-    // Clear glass still has to be seen: reflections, which show it elsewhere, are missing here.
+    // Clear glass has to stay visible without reflections.
     opacity *= 1.0f - 0.75f * clamped(transmission);
-    // Nobody models what is never seen. Exporters write 0, or a transparency of 1, where they mean opaque;
-    // only where the model says how it blends is it taken at its word.
+    // Many exporters write an opacity of 0, or a transparency of 1, for opaque materials. It is believed only
+    // if the model also has an alpha mode.
     if (mode == AlphaMode::kNone && opacity < 0.5f / 255.0f) {
-        report.note("material " + name + " is invisible in the model, and taken as opaque");
+        report.note("material " + name + " is invisible in the model; it was made opaque");
         return 1.0f;
     }
-    // Blending is on for anything but exactly 1, and nobody sees the last 255th.
+    // The engine blends everything below exactly 1; half of a 255th is not visible.
     return opacity > 254.5f / 255.0f ? 1.0f : opacity;
 }
 
@@ -186,29 +185,29 @@ void setColours(const aiMaterial &material, const SurfaceUse &use, formats::Mate
     if (!given) body = use.textured ? kWhite : kDefault;
     Color emission = emissionOf(material, isPhysical);
     if (use.glowTexture) {
-        // The picture shines; what scales it is often left at black.
+        // The factor of the emission map is often left black.
         setUnlit(dark(emission) ? kWhite : emission, result);
         return;
     }
-    // The factor of a picture of lights is mostly white: without the picture, all would shine.
+    // The factor of an emission map is mostly white: without the map, the whole surface would emit light.
     if (use.glowDropped) emission = kBlack;
-    // A texture is multiplied by the lit colour: black would hide it, which its exporter cannot have meant.
+    // The texture is multiplied by the lit colour, so black would hide it.
     if (use.textured && given && dark(body) && dark(emission)) {
         report.note("the diffuse colour of material " + use.name +
                     " is black, which hides its texture; white is used");
         body = kWhite;
     }
     result.diffuse = body;
-    // Formats and exporters disagree about what ambient is, and write 0, 0.2, 1 or the diffuse colour. Lights
-    // of scene files bring a fifth of their colour as ambient light, beside a fifth of global light: three
-    // quarters of the diffuse colour keep unlit sides readable, and lit ones well above them.
+    // Exporters disagree about ambient and write 0, 0.2, 1 or the diffuse colour. Lights of scene files have
+    // a fifth of their colour as ambient light, and there is a fifth of global light: with three quarters of
+    // the diffuse colour, unlit sides are visible and still darker than lit ones.
     result.ambient = scaled(body, 0.75f);
     result.emission = emission;
     if (isPhysical)
         setPhysicalHighlight(material, use, result);
     else
         setPlainHighlight(material, result);
-    // An exponent of 0 makes a "highlight" that covers all there is; no exponent, no highlight.
+    // An exponent of 0 would make a highlight that covers the whole surface.
     if (result.shininess < 1.0f || dark(result.specular)) {
         result.specular = kBlack;
         result.shininess = 0.0f;

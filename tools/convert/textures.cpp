@@ -9,7 +9,7 @@ using formats::Image;
 using formats::Rgba;
 
 constexpr unsigned kLargestSide = 512;            // that the engine loads
-constexpr std::size_t kLongestTextureName = 160;  // short enough for a path before it
+constexpr std::size_t kLongestTextureName = 160;  // leaves room for a path before it
 constexpr char kBaseEnding[] = "_d.tga";
 
 unsigned powerUpTo(unsigned size) {
@@ -18,7 +18,7 @@ unsigned powerUpTo(unsigned size) {
     return power;
 }
 
-// Rows from the bottom up, which the loader takes as they are.
+// Rows from the bottom up, which the engine loads without reordering.
 std::vector<std::uint8_t> targa(const Image &image, bool withAlpha) {
     const unsigned bits = withAlpha ? 32 : 24;
     std::vector<std::uint8_t> raw = formats::writeTga(image, {false, bits, false});
@@ -26,7 +26,7 @@ std::vector<std::uint8_t> targa(const Image &image, bool withAlpha) {
     return packed.size() < raw.size() ? packed : raw;
 }
 
-// Exporters leave the alpha of a picture at 0 where they have none; no one draws a wholly invisible picture.
+// Alpha 0 everywhere means no alpha: some exporters write it so.
 bool isBlank(const Image &image) {
     return std::all_of(image.pixels.begin(), image.pixels.end(), [](Rgba pixel) { return pixel.a == 0; });
 }
@@ -35,7 +35,7 @@ void makeOpaque(Image &image) {
     for (Rgba &pixel : image.pixels) pixel.a = 255;
 }
 
-// The picture's alpha becomes its opacity: what an opacity map says, which is alpha if it has any.
+// Sets the alpha of an opacity map to the opacity: its alpha if it has any, otherwise its brightness.
 void keepOpacity(Image &image, bool inverted) {
     const bool byAlpha = hasAlpha(image) && !isBlank(image);
     for (Rgba &pixel : image.pixels) {
@@ -45,10 +45,11 @@ void keepOpacity(Image &image, bool inverted) {
     }
 }
 
-std::string keyOf(const TextureWish &wish) {
-    const std::string cut = wish.alpha == AlphaUse::kCut ? std::to_string(wish.cutOff) : "";
-    return wish.base + '\n' + std::to_string(static_cast<int>(wish.alpha)) + cut + '\n' + wish.opacity +
-           '\n' + (wish.opacityInverted ? "-" : "+") + (wish.normalsMayBeHeights ? "h" : "n") + wish.normals;
+std::string keyOf(const TextureRequest &request) {
+    const std::string cut = request.alpha == AlphaUse::kCut ? std::to_string(request.cutOff) : "";
+    return request.base + '\n' + std::to_string(static_cast<int>(request.alpha)) + cut + '\n' +
+           request.opacity + '\n' + (request.opacityInverted ? "-" : "+") +
+           (request.normalsMayBeHeights ? "h" : "n") + request.normals;
 }
 
 std::string quoted(const std::string &path) { return "texture " + cleanText(path); }
@@ -67,17 +68,17 @@ bool Textures::read(const std::string &path, const std::string &consequence, Ima
         const PicturePlace place = source.find(path);
         std::string remark;
         image = source.read(place, remark);
-        const bool first = said.insert(path).second;
+        const bool first = reported.insert(path).second;
         if (first && !place.instead.empty())
             report.note(quoted(path) + " is read from " + cleanText(place.instead));
         if (first && !remark.empty())
-            report.warn(quoted(path) + " is damaged, and read as far as it goes: " + remark);
+            report.warn(quoted(path) + " is damaged and was read in part: " + remark);
         return true;
     } catch (const PictureFault &fault) {
         const std::string what =
             fault.missing ? " is missing" : std::string(" cannot be read: ") + fault.what();
         const std::string text = quoted(path) + what + "; " + consequence;
-        if (said.insert(text).second) report.warn(text);
+        if (reported.insert(text).second) report.warn(text);
         return false;
     }
 }
@@ -87,14 +88,14 @@ void Textures::fit(Image &image, bool alphaCounts) const {
         resized(image, nearestPower(image.width, largest), nearestPower(image.height, largest), alphaCounts);
 }
 
-void Textures::loadBase(const TextureWish &wish, Pictures &pictures) {
+void Textures::loadBase(const TextureRequest &request, Pictures &pictures) {
     Image &base = pictures.base;
-    if (wish.base.empty()) {
+    if (request.base.empty()) {
         base = Image(1, 1);
         base.pixels[0] = {255, 255, 255, 255};
         return;
     }
-    if (!read(wish.base, "a checker stands in for it", base)) {
+    if (!read(request.base, "a checkerboard replaces it", base)) {
         base = checker();
         fit(base, false);
         pictures.missing = true;
@@ -102,75 +103,75 @@ void Textures::loadBase(const TextureWish &wish, Pictures &pictures) {
     }
     if (hasAlpha(base)) {
         if (isBlank(base)) makeOpaque(base);
-        if (wish.alpha == AlphaUse::kDrop) {
+        if (request.alpha == AlphaUse::kDrop) {
             makeOpaque(base);
-            if (wish.opacity.empty() && said.insert(wish.base + "\nalpha").second)
-                report.note("the alpha of " + quoted(wish.base) +
-                            " is dropped: the model's material does not ask for it");
+            if (request.opacity.empty() && reported.insert(request.base + "\nalpha").second)
+                report.note("the alpha of " + quoted(request.base) +
+                            " is dropped: the material does not use it");
         }
-        if (wish.alpha == AlphaUse::kCut)
+        if (request.alpha == AlphaUse::kCut)
             for (Rgba &pixel : base.pixels)
-                pixel.a = static_cast<float>(pixel.a) < wish.cutOff * 255.0f ? 0 : 255;
+                pixel.a = static_cast<float>(pixel.a) < request.cutOff * 255.0f ? 0 : 255;
     }
 }
 
-void Textures::mergeOpacity(const TextureWish &wish, Pictures &pictures) {
-    if (wish.opacity.empty() || pictures.missing) return;
+void Textures::mergeOpacity(const TextureRequest &request, Pictures &pictures) {
+    if (request.opacity.empty() || pictures.missing) return;
     Image opacity;
-    if (!read(wish.opacity, "nothing is seen through", opacity)) return;
-    // Exporters name the picture itself as its opacity when they mean its alpha; without one it says nothing.
-    if (wish.opacity == wish.base && !(hasAlpha(opacity) && !isBlank(opacity))) return;
-    keepOpacity(opacity, wish.opacityInverted);
+    if (!read(request.opacity, "the opacity map is ignored", opacity)) return;
+    // Exporters name the base picture as opacity map to refer to its alpha. Without alpha it is ignored.
+    if (request.opacity == request.base && !(hasAlpha(opacity) && !isBlank(opacity))) return;
+    keepOpacity(opacity, request.opacityInverted);
     Image &base = pictures.base;
     const unsigned width = nearestPower(std::max(base.width, opacity.width), largest);
     const unsigned height = nearestPower(std::max(base.height, opacity.height), largest);
-    // The colours under the opacity must weigh by it, and its own colours must not.
+    // The opacity weights the base's colours, but not its own.
     for (Rgba &pixel : opacity.pixels) pixel.r = pixel.g = pixel.b = pixel.a;
     opacity = resized(opacity, width, height, false);
-    base = resized(base, width, height, wish.alpha != AlphaUse::kDrop);
+    base = resized(base, width, height, request.alpha != AlphaUse::kDrop);
     for (std::size_t i = 0; i < base.pixels.size(); ++i)
         base.pixels[i].a = static_cast<std::uint8_t>((base.pixels[i].a * opacity.pixels[i].r + 127u) / 255u);
 }
 
-void Textures::loadNormals(const TextureWish &wish, Pictures &pictures) {
-    if (wish.normals.empty()) return;
+void Textures::loadNormals(const TextureRequest &request, Pictures &pictures) {
+    if (request.normals.empty()) return;
     Image normals;
-    if (!read(wish.normals, "it is left out", normals)) return;
-    if (wish.normalsMayBeHeights && !looksLikeNormals(normals)) {
-        report.drop("bump maps", 1, "the engine has no use for heights");
+    if (!read(request.normals, "it is left out", normals)) return;
+    if (request.normalsMayBeHeights && !looksLikeNormals(normals)) {
+        report.drop("bump maps", 1, "the engine does not use heights");
         return;
     }
     fit(normals, false);
     pictures.normals = std::move(normals);
 }
 
-TextureMade Textures::make(const TextureWish &wish) {
-    const std::string key = keyOf(wish);
+TextureMade Textures::make(const TextureRequest &request) {
+    const std::string key = keyOf(request);
     const auto before = madeBefore.find(key);
     if (before != madeBefore.end()) return before->second;
     Pictures pictures;
-    loadBase(wish, pictures);
-    mergeOpacity(wish, pictures);
+    loadBase(request, pictures);
+    mergeOpacity(request, pictures);
     fit(pictures.base, hasAlpha(pictures.base));
     pictures.seeThrough = hasAlpha(pictures.base);
     if (pictures.seeThrough) spreadColours(pictures.base);
     TextureMade made;
-    // White that hides nothing is no texture.
-    if (!wish.base.empty() || pictures.seeThrough) {
-        loadNormals(wish, pictures);
-        made = write(wish, pictures);
+    // Opaque white needs no texture.
+    if (!request.base.empty() || pictures.seeThrough) {
+        loadNormals(request, pictures);
+        made = write(request, pictures);
     }
     madeBefore[key] = made;
     return made;
 }
 
-TextureMade Textures::write(const TextureWish &wish, const Pictures &pictures) {
-    const std::string &from = wish.base.empty() ? wish.opacity : wish.base;
+TextureMade Textures::write(const TextureRequest &request, const Pictures &pictures) {
+    const std::string &from = request.base.empty() ? request.opacity : request.base;
     std::vector<std::uint8_t> base = targa(pictures.base, pictures.seeThrough), normals;
     if (!pictures.normals.pixels.empty()) normals = targa(pictures.normals, false);
     std::vector<std::uint8_t> content = base;
     content.insert(content.end(), normals.begin(), normals.end());
-    // Every missing texture keeps a name of its own: its file waits to be replaced.
+    // Every missing texture has a file of its own, which the user can replace.
     if (!pictures.missing) {
         const auto before = writtenBefore.find(content);
         if (before != writtenBefore.end()) return before->second;
@@ -181,10 +182,9 @@ TextureMade Textures::write(const TextureWish &wish, const Pictures &pictures) {
     if (!pictures.missing) writtenBefore[std::move(content)] = made;
     add(made.file, from, pictures.base, pictures.missing, std::move(base));
     if (!normals.empty()) {
-        // The engine looks for this name by itself. Base textures all end otherwise, so none can be taken for
-        // it.
+        // The engine looks for a file of this name. No base texture can have it, because theirs end in _d.
         const std::string stem = made.file.substr(0, made.file.size() - (sizeof kBaseEnding - 1));
-        add(stem + "_n.tga", wish.normals, pictures.normals, false, std::move(normals));
+        add(stem + "_n.tga", request.normals, pictures.normals, false, std::move(normals));
     }
     return made;
 }

@@ -6,13 +6,13 @@
 namespace keltra::convert {
 namespace {
 
-constexpr double kNothing = 1e-7;  // far below the engine's steps of 1/65536
-constexpr double kSame = 2e-4;     // of the larger matrix, or of the model's size
-constexpr double kFlat = 1e-12;    // of the scale's cube: less volume is none
-constexpr double kGimbal = 1e-7;   // cosine of Y below which X and Z turn about one axis
-constexpr int kPolarSteps = 64;    // it takes about ten; ill-conditioned matrices more
+constexpr double kRoundingError = 1e-7;  // far below the engine's steps of 1/65536
+constexpr double kSame = 2e-4;           // of the larger matrix, or of the model's size
+constexpr double kFlat = 1e-12;          // volume, relative to the cube of the scale, that counts as 0
+constexpr double kGimbal = 1e-7;         // cosine of Y below which X and Z rotate about the same axis
+constexpr int kPolarSteps = 64;          // about ten are needed; ill-conditioned matrices need more
 
-float narrowed(double value) { return std::abs(value) < kNothing ? 0.0f : static_cast<float>(value); }
+float narrowed(double value) { return std::abs(value) < kRoundingError ? 0.0f : static_cast<float>(value); }
 
 double largest(const Matrix &m) {
     return std::max({std::abs(m.a1), std::abs(m.a2), std::abs(m.a3), std::abs(m.b1), std::abs(m.b2),
@@ -24,8 +24,8 @@ bool isFlat(const Matrix &m) {
     return !(std::abs(determinant3(m)) > kFlat * scale * scale * scale);
 }
 
-// The nearest turn by full circles.
-double nearestTurn(double angle, double previous) {
+// The angle plus the multiple of 360 degrees that is nearest to `previous`.
+double nearestAngle(double angle, double previous) {
     return angle + 360.0 * std::round((previous - angle) / 360.0);
 }
 
@@ -50,7 +50,7 @@ Matrix scaling(double factor) {
 
 Vector translationOf(const Matrix &m) { return Vector(m.a4, m.b4, m.c4); }
 
-Vector turned(const Matrix &m, const Vector &v) {
+Vector rotated(const Matrix &m, const Vector &v) {
     return Vector(m.a1 * v.x + m.a2 * v.y + m.a3 * v.z, m.b1 * v.x + m.b2 * v.y + m.b3 * v.z,
                   m.c1 * v.x + m.c2 * v.y + m.c3 * v.z);
 }
@@ -67,7 +67,7 @@ double determinant3(const Matrix &m) {
            m.a3 * (m.b1 * m.c2 - m.b2 * m.c1);
 }
 
-// The cofactors: the determinant, which is the factor between them and the inverse transpose, may be zero.
+// The cofactors. The inverse transpose is these divided by the determinant, which may be 0.
 Matrix forNormals(const Matrix &m) {
     const double sign = determinant3(m) < 0.0 ? -1.0 : 1.0;
     Matrix n;
@@ -90,7 +90,8 @@ Matrix inverse(const Matrix &m) {
     return isFinite(inverted) ? inverted : Matrix();
 }
 
-// The mean of a matrix and its inverse transpose, again and again, tends to the rotation nearest to it.
+// Polar decomposition: the repeated mean of a matrix and its inverse transpose converges to the nearest
+// rotation.
 Matrix rigidPart(const Matrix &matrix, const Matrix &otherwise) {
     Matrix r = matrix;
     if (isFlat(matrix)) {
@@ -100,7 +101,7 @@ Matrix rigidPart(const Matrix &matrix, const Matrix &otherwise) {
         for (int step = 0; step < kPolarSteps; ++step) {
             const double volume = determinant3(r);
             const Matrix n = forNormals(r);
-            // Scaled to volume 1 first, it converges at once for what is a rotation and a factor.
+            // Scaling to volume 1 makes it converge at once for a rotation with a uniform scale.
             const double shrink = 1.0 / std::cbrt(volume), grow = std::cbrt(volume) / volume;
             Matrix next;
             for (unsigned row = 0; row < 3; ++row)
@@ -145,7 +146,7 @@ Vector eulerAngles(const Matrix &m) {
 
 Vector nearestAngles(const Vector &angles, const Vector &previous) {
     const auto near = [&previous](double x, double y, double z) {
-        return Vector(nearestTurn(x, previous.x), nearestTurn(y, previous.y), nearestTurn(z, previous.z));
+        return Vector(nearestAngle(x, previous.x), nearestAngle(y, previous.y), nearestAngle(z, previous.z));
     };
     const Vector plain = near(angles.x, angles.y, angles.z);
     const Vector other = near(angles.x + 180.0, 180.0 - angles.y, angles.z + 180.0);

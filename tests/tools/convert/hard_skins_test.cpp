@@ -288,6 +288,38 @@ TEST_F(HardSkinsTest, ADeepSkeletonIsPosedBeyondTheDepthOfTheMatrixStack) {
     expectClips(made, "snake.gltf", 1);
 }
 
+TEST_F(HardSkinsTest, JoinedSkinsAreSplitAtAHundredBones) {
+    constexpr int kSkins = 20, kBonesASkin = 10;
+    GltfBuilder model;
+    std::vector<GltfChannel> channels;
+    const int top = model.node({{"name", "top"}});
+    for (int s = 0; s < kSkins; ++s) {
+        GltfMesh row = rowOfTriangles(kBonesASkin, 2);
+        for (std::size_t k = 2; k < row.positions.size(); k += 3) row.positions[k] += 2.0f * float(s);
+        std::vector<int> joints;
+        Floats binds;
+        for (int b = 0; b < kBonesASkin; ++b) {
+            const std::string name = "bone" + std::to_string(s) + "." + std::to_string(b);
+            joints.push_back(model.node({{"name", name}, {"translation", {double(b), 0, 0}}}, top));
+            const Floats bind = inverseBind(b);
+            binds.insert(binds.end(), bind.begin(), bind.end());
+            const float x = float(b), y = float(s % 3);
+            channels.push_back({joints.back(), "translation", {0, 1}, {x, 0, 0, x, y, 1}});
+        }
+        model.node({{"name", "part" + std::to_string(s)},
+                    {"mesh", model.mesh(row)},
+                    {"skin", model.skin(joints, binds)}});
+    }
+    model.clip("wave", channels);
+    const Made made = make("joined.gltf", model.text());
+    ASSERT_NE(made.root(), nullptr);
+    EXPECT_TRUE(mentions(made.report(), "joined by material"));
+    EXPECT_LT(meshesOf(made.root()).size(), std::size_t{kSkins});
+    EXPECT_EQ(made.report().triangles, std::uint64_t{kSkins} * kBonesASkin * 2);
+    expectGoodSkins(made);
+    expectClips(made, "joined.gltf", 1);
+}
+
 TEST_F(HardSkinsTest, MoreSkinsThanAFrameHoldsAreJoinedByMaterial) {
     GltfBuilder model;
     const int bone = model.node({{"name", "bone"}});

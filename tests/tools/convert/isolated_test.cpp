@@ -1,18 +1,18 @@
 #include "tools/convert/isolated.h"
 
-#include <fcntl.h>
+#include "tests/support/temp_file.h"
+#include "tools/convert/convert.h"
+
 #include <gmock/gmock.h>
+
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
 #include <chrono>
 #include <cstdio>
 #include <new>
-
-#include "tests/support/temp_file.h"
-#include "tools/convert/convert.h"
 
 namespace keltra::convert {
 namespace {
@@ -110,7 +110,7 @@ TEST_F(IsolatedTest, ReasonsAreOneLine) {
     EXPECT_EQ(reasonOf([] { throw Refusal("no\n meshes \t in it\n"); }), "no meshes in it");
     EXPECT_EQ(reasonOf([] { throw std::runtime_error("odd"); }), "its importer failed: odd");
     EXPECT_EQ(reasonOf([] { throw 1; }), "its importer failed");
-    EXPECT_EQ(reasonOf([] { throw std::bad_alloc(); }), "it needs more memory than there is");
+    EXPECT_EQ(reasonOf([] { throw std::bad_alloc(); }), "out of memory");
 }
 
 TEST_F(IsolatedTest, ACrashIsARefusal) {
@@ -183,7 +183,7 @@ TEST_F(IsolatedTest, LyingCountsCannotTakeAllTheMemory) {
                   std::vector<void *> blocks;
                   for (int i = 0; i < 64; ++i) blocks.push_back(::operator new(std::size_t(1) << 30));
               }),
-              "it needs more memory than there is");
+              "out of memory");
 }
 
 TEST_F(IsolatedTest, NoiseReachesNobody) {

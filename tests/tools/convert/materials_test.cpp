@@ -1,13 +1,13 @@
 #include "tools/convert/materials.h"
 
+#include "tests/support/temp_file.h"
+#include "tests/tools/convert/support/material_scene.h"
+#include "tests/tools/convert/support/pictures.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-
-#include "tests/support/temp_file.h"
-#include "tests/tools/convert/support/material_scene.h"
-#include "tests/tools/convert/support/pictures.h"
 
 namespace keltra::convert {
 namespace {
@@ -228,7 +228,7 @@ TEST_F(MaterialsTest, OpacityIsOneOrBlended) {
     for (std::size_t i = 0; i < made.materials.size(); ++i)
         EXPECT_EQ(made.materials[i].transparency, cases[i][1]) << cases[i][0];
     EXPECT_EQ(scene.report.notes.size(), 2u);
-    EXPECT_TRUE(mentions(scene.report.notes, "is invisible in the model, and taken as opaque"));
+    EXPECT_TRUE(mentions(scene.report.notes, "is invisible in the model; it was made opaque"));
 }
 
 TEST_F(MaterialsTest, WhereTheModelSaysHowItBlendsItsOpacityIsTakenAtItsWord) {

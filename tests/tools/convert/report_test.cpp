@@ -1,9 +1,9 @@
+#include "tools/convert/report_json.h"
+#include "tools/convert/report_text.h"
+
 #include <gmock/gmock.h>
 
 #include <cmath>
-
-#include "tools/convert/report_json.h"
-#include "tools/convert/report_text.h"
 
 namespace keltra::convert {
 namespace {
@@ -35,7 +35,7 @@ Outcome fullOutcome() {
     report.textureMemory = 147456;
     report.drop("cameras", 1, "cameras are made in code");
     report.drop("morph targets", 1200, "the engine has none");
-    report.warn("texture x.png is missing; a checker stands in for it");
+    report.warn("texture x.png is missing; a checkerboard replaces it");
     report.note("two bones were called \"hip\"");
     return outcome;
 }
@@ -49,11 +49,11 @@ TEST(ReportText, IsShortAndAligned) {
               "  clips     hero_walk.kta   32 frames  20 bones  1.28 s  with positions\n"
               "            hero_stand.kta    1 frame    1 bone  0.04 s\n"
               "  textures  hero_skin_d.tga  256 x 128  24 bits  from textures/skin.png\n"
-              "            hero_x_d.tga       64 x 64  32 bits  a checker for x.png\n"
+              "            hero_x_d.tga       64 x 64  32 bits  checkerboard for x.png\n"
               "  memory    0.14 of 8 MiB of textures\n"
               "  dropped   cameras (1): cameras are made in code\n"
               "            morph targets (1,200): the engine has none\n"
-              "  warnings  texture x.png is missing; a checker stands in for it\n"
+              "  warnings  texture x.png is missing; a checkerboard replaces it\n"
               "  notes     two bones were called \"hip\"\n");
 }
 
@@ -88,7 +88,7 @@ TEST(ReportText, NamesCannotBreakLines) {
 
 TEST(ReportText, QuietOnesAreWarningsOnly) {
     Outcome outcome = fullOutcome();
-    EXPECT_EQ(warningsOf(outcome), "warning: texture x.png is missing; a checker stands in for it\n");
+    EXPECT_EQ(warningsOf(outcome), "warning: texture x.png is missing; a checkerboard replaces it\n");
     outcome.report.warnings.clear();
     EXPECT_EQ(warningsOf(outcome), "");
 }

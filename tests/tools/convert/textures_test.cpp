@@ -1,12 +1,12 @@
 #include "tools/convert/textures.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
 #include "tests/support/temp_file.h"
 #include "tests/tools/convert/support/material_scene.h"
 #include "tests/tools/convert/support/pictures.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
 
 namespace keltra::convert {
 namespace {
@@ -161,10 +161,10 @@ TEST_F(TexturesTest, ACheckerStandsInForWhatIsMissing) {
         EXPECT_TRUE(scene.report.textures[i].missing);
     }
     const std::vector<std::string> &warnings = scene.report.warnings;
-    EXPECT_TRUE(mentions(warnings, "texture art\\lost.png is missing; a checker stands in for it"));
+    EXPECT_TRUE(mentions(warnings, "texture art\\lost.png is missing; a checkerboard replaces it"));
     EXPECT_TRUE(mentions(warnings,
                          "texture words.png cannot be read: it is not a picture of a known format; "
-                         "a checker stands in for it"));
+                         "a checkerboard replaces it"));
     EXPECT_TRUE(mentions(warnings, "texture folder.png cannot be read: it is not a regular file"));
     EXPECT_TRUE(mentions(warnings, "texture *3 is missing"));
     EXPECT_TRUE(mentions(warnings, "texture caf__.png is missing"));
@@ -195,7 +195,7 @@ TEST_F(TexturesTest, AnotherFileIsNotedAndDamageWarnedOf) {
     EXPECT_EQ(scene.report.notes,
               std::vector<std::string>{"texture D:\\art\\skin.tga is read from skin.png"});
     ASSERT_EQ(scene.report.warnings.size(), 1u);
-    EXPECT_TRUE(mentions(scene.report.warnings, "texture torn.jpg is damaged, and read as far as it goes: "));
+    EXPECT_TRUE(mentions(scene.report.warnings, "texture torn.jpg is damaged and was read in part: "));
 }
 
 // Alpha
@@ -352,7 +352,7 @@ TEST_F(TexturesTest, AnOpacityMapAloneMakesAWhiteTexture) {
     EXPECT_EQ(difference(read(made), plain(4, 4, {255, 255, 255, 64})), 0);
     EXPECT_EQ(made.uvChannel[0], 1u);
     EXPECT_EQ(made.materials[1].texture, "[none]");
-    EXPECT_TRUE(mentions(scene.report.warnings, "texture lost.png is missing; nothing is seen through"));
+    EXPECT_TRUE(mentions(scene.report.warnings, "texture lost.png is missing; the opacity map is ignored"));
 }
 
 TEST_F(TexturesTest, AnOpacityMapOfOtherCoordinatesIsDropped) {

@@ -113,11 +113,11 @@ TEST(Transform, NormalsStayUprightOnWhatIsStretchedAndSheared) {
         const Matrix m = turnedBy(angles.next()) * stretch(3.0, i % 2 ? -0.5 : 0.5, 2.0) *
                          turnedBy(angles.next()) * stretch(1.0, 4.0, 1.0);
         const Vector along(1.0, 0.3, 0.0), across(0.0, 0.2, 1.0);
-        const Vector normal = turned(forNormals(m), across ^ along);
-        EXPECT_NEAR(normal * turned(m, along), 0.0, 1e-9 * normal.Length());
-        EXPECT_NEAR(normal * turned(m, across), 0.0, 1e-9 * normal.Length());
+        const Vector normal = rotated(forNormals(m), across ^ along);
+        EXPECT_NEAR(normal * rotated(m, along), 0.0, 1e-9 * normal.Length());
+        EXPECT_NEAR(normal * rotated(m, across), 0.0, 1e-9 * normal.Length());
         // And on the side where the surface was looked at from.
-        EXPECT_GT(normal * turned(m, across ^ along), 0.0);
+        EXPECT_GT(normal * rotated(m, across ^ along), 0.0);
     }
 }
 
