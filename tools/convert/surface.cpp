@@ -51,6 +51,7 @@ bool dark(Color c) { return std::max({c.r, c.g, c.b}) < kDark; }
 // Physically based factors are linear; the engine computes in sRGB.
 float shown(float light) {
     light = clamped(light);
+    if (light == 1.0f) return light;  // the formula's last bit is lost, and 16.16 would be a step below white
     return light <= 0.0031308f ? 12.92f * light : 1.055f * std::pow(light, 1.0f / 2.4f) - 0.055f;
 }
 

@@ -57,6 +57,13 @@ TEST_F(MaterialsTest, AreNamedAfterModelAndMaterialEachOnce) {
     EXPECT_EQ(made.uvChannel.size(), 6u);
 }
 
+// White is all of 16.16's 1, not a step below it.
+TEST_F(MaterialsTest, WhiteStaysWhite) {
+    const aiColor4D white(1, 1, 1, 1);
+    scene.add("paper").AddProperty(&white, 1, kBase, 0, 0);
+    EXPECT_EQ(only().diffuse.r, 1.0f);
+}
+
 TEST_F(MaterialsTest, NoneAreMadeOfNone) {
     const Materials made = scene.convert();
     EXPECT_TRUE(made.materials.empty());
