@@ -7,11 +7,7 @@
 #include <regex>
 
 #include "formats/anim_record.h"
-#include "formats/scene_record.h"
-#include "formats/tga.h"
-#include "formats/xml_document.h"
-#include "gui/gui_file.h"
-#include "scene/tree_walk.h"
+#include "formats/limits.h"
 #include "tests/docs/document.h"
 #include "tests/support/gl_recorder.h"
 #include "tests/support/temp_file.h"
@@ -27,15 +23,12 @@ std::string ungrouped(const std::string &text) {
 }
 
 constexpr unsigned kLargest16 = std::numeric_limits<decltype(KTMESH::numberOfVertices)>::max();
-constexpr unsigned kText = sizeof(KTNODE::name) - 1;
-static_assert(sizeof(KTSETTINGS::RECORD::title) - 1 == kText &&
+constexpr unsigned kText = kNameSize - 1;
+static_assert(sizeof(KTNODE::name) - 1 == kText && sizeof(KTSETTINGS::RECORD::title) - 1 == kText &&
                   sizeof(KTSETTINGS::RECORD::ktePath) - 1 == kText &&
                   sizeof(KTANIM::boneNames[0]) - 1 == kText && sizeof(KTLABEL::text) - 1 == kText &&
                   sizeof(KTBUTTON::caption) - 1 == kText,
               "one row says it of all");
-static_assert(kSceneBones == KTMESH::maxBones && kTgaMaxSize == KTTEXTURE::maxSize &&
-                  KTTEXTURE::channels == KTMATERIAL::levels && kSceneNameSize == kText + 1,
-              "one number says it of both");
 
 // --- limits that are no constants that can be seen: they are tried
 
@@ -153,9 +146,9 @@ TEST(LimitsTest, PagesNameTheSameLimits) {
     const double animMegabytes = static_cast<double>(sizeof(KTANIM)) / 1e6;
     const std::map<std::string, std::vector<std::string>> phrases = {
         {"docs/formats/kte.md",
-         {"at most " + number(kSceneNameSize) + " bytes with it",
+         {"at most " + number(kNameSize) + " bytes with it",
           "deeper than " + number(kMaxTreeDepth) + " levels", "or bone " + bones + " or beyond",
-          "zero among " + number(kSceneNameSize) + " bytes"}},
+          "zero among " + number(kNameSize) + " bytes"}},
         {"docs/formats/kta.md",
          {"u16, at most " + animBones, "u16, at most " + frames, "at most " + number(kText) + " characters",
           "F x B x " + number(kKeyframeSize), std::string("`") + kAnimMagic + "`"}},
