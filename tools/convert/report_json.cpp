@@ -1,51 +1,61 @@
 #include "tools/convert/report_json.h"
 
+#include <tuple>
+#include <utility>
+
 namespace keltra::convert {
 
-static void to_json(Json &json, const ClipReport &clip) {
-    json = {{"name", clip.name},   {"file", clip.file},       {"frames", clip.frames},
-            {"bones", clip.bones}, {"seconds", clip.seconds}, {"moves", clip.moves}};
+// Names and members of what is written and read in the same way.
+constexpr auto fieldsOf(const ClipReport &) {
+    using Clip = ClipReport;
+    return std::make_tuple(std::pair("name", &Clip::name), std::pair("file", &Clip::file),
+                           std::pair("frames", &Clip::frames), std::pair("bones", &Clip::bones),
+                           std::pair("seconds", &Clip::seconds), std::pair("moves", &Clip::moves));
 }
 
-static void from_json(const Json &json, ClipReport &clip) {
-    json.at("name").get_to(clip.name);
-    json.at("file").get_to(clip.file);
-    json.at("frames").get_to(clip.frames);
-    json.at("bones").get_to(clip.bones);
-    json.at("seconds").get_to(clip.seconds);
-    json.at("moves").get_to(clip.moves);
+constexpr auto fieldsOf(const TextureReport &) {
+    using Texture = TextureReport;
+    return std::make_tuple(std::pair("file", &Texture::file), std::pair("source", &Texture::source),
+                           std::pair("width", &Texture::width), std::pair("height", &Texture::height),
+                           std::pair("bits", &Texture::bits), std::pair("missing", &Texture::missing));
 }
 
-static void to_json(Json &json, const TextureReport &texture) {
-    json = {{"file", texture.file},     {"source", texture.source}, {"width", texture.width},
-            {"height", texture.height}, {"bits", texture.bits},     {"missing", texture.missing}};
+constexpr auto fieldsOf(const Dropped &) {
+    return std::make_tuple(std::pair("what", &Dropped::what), std::pair("count", &Dropped::count),
+                           std::pair("why", &Dropped::why));
 }
 
-static void from_json(const Json &json, TextureReport &texture) {
-    json.at("file").get_to(texture.file);
-    json.at("source").get_to(texture.source);
-    json.at("width").get_to(texture.width);
-    json.at("height").get_to(texture.height);
-    json.at("bits").get_to(texture.bits);
-    json.at("missing").get_to(texture.missing);
+constexpr auto kSceneFields =
+    std::make_tuple(std::pair("file", &Report::sceneFile), std::pair("nodes", &Report::nodes),
+                    std::pair("meshes", &Report::meshes), std::pair("skins", &Report::skins),
+                    std::pair("bones", &Report::bones), std::pair("lights", &Report::lights),
+                    std::pair("materials", &Report::materials), std::pair("vertices", &Report::vertices),
+                    std::pair("triangles", &Report::triangles), std::pair("scale", &Report::scale),
+                    std::pair("size", &Report::size));
+
+template <class T, class Fields>
+static void write(Json &json, const T &entry, const Fields &fields) {
+    std::apply([&](const auto &...field) { ((json[field.first] = entry.*field.second), ...); }, fields);
 }
 
-static void to_json(Json &json, const Dropped &dropped) {
-    json = {{"what", dropped.what}, {"count", dropped.count}, {"why", dropped.why}};
+template <class T, class Fields>
+static void read(const Json &json, T &entry, const Fields &fields) {
+    std::apply([&](const auto &...field) { (json.at(field.first).get_to(entry.*field.second), ...); },
+               fields);
 }
 
-static void from_json(const Json &json, Dropped &dropped) {
-    json.at("what").get_to(dropped.what);
-    json.at("count").get_to(dropped.count);
-    json.at("why").get_to(dropped.why);
+template <class T>
+static auto to_json(Json &json, const T &entry) -> decltype(fieldsOf(entry), void()) {
+    write(json, entry, fieldsOf(entry));
+}
+
+template <class T>
+static auto from_json(const Json &json, T &entry) -> decltype(fieldsOf(entry), void()) {
+    read(json, entry, fieldsOf(entry));
 }
 
 static void to_json(Json &json, const Report &report) {
-    json["scene"] = {
-        {"file", report.sceneFile},      {"nodes", report.nodes},       {"meshes", report.meshes},
-        {"skins", report.skins},         {"bones", report.bones},       {"lights", report.lights},
-        {"materials", report.materials}, {"vertices", report.vertices}, {"triangles", report.triangles},
-        {"scale", report.scale},         {"size", report.size}};
+    write(json["scene"], report, kSceneFields);
     json["clips"] = report.clips;
     json["textures"] = report.textures;
     json["textureMemory"] = report.textureMemory;
@@ -56,18 +66,7 @@ static void to_json(Json &json, const Report &report) {
 }
 
 static void from_json(const Json &json, Report &report) {
-    const Json &scene = json.at("scene");
-    scene.at("file").get_to(report.sceneFile);
-    scene.at("nodes").get_to(report.nodes);
-    scene.at("meshes").get_to(report.meshes);
-    scene.at("skins").get_to(report.skins);
-    scene.at("bones").get_to(report.bones);
-    scene.at("lights").get_to(report.lights);
-    scene.at("vertices").get_to(report.vertices);
-    scene.at("triangles").get_to(report.triangles);
-    scene.at("materials").get_to(report.materials);
-    scene.at("scale").get_to(report.scale);
-    scene.at("size").get_to(report.size);
+    read(json.at("scene"), report, kSceneFields);
     json.at("clips").get_to(report.clips);
     json.at("textures").get_to(report.textures);
     json.at("textureMemory").get_to(report.textureMemory);
