@@ -53,10 +53,10 @@ bool readWholeFile(const std::string &path, std::vector<char> &bytes, std::strin
     // Asked before opening: opening alone makes some devices act.
     if (stat(path.c_str(), &status) != 0) return refused(trouble, std::strerror(errno));
     if (S_ISDIR(status.st_mode)) return refused(trouble, "is a folder");
-    if (!S_ISREG(status.st_mode)) return refused(trouble, "is no regular file");
+    if (!S_ISREG(status.st_mode)) return refused(trouble, "is not a regular file");
     const Descriptor file(path);
     if (file.number < 0 || fstat(file.number, &status) != 0) return refused(trouble, std::strerror(errno));
-    if (!S_ISREG(status.st_mode)) return refused(trouble, "is no regular file");
+    if (!S_ISREG(status.st_mode)) return refused(trouble, "is not a regular file");
     if (status.st_size > kLargest) return refused(trouble, "is larger than the 2 GiB that the engine reads");
     try {
         bytes.resize(static_cast<std::size_t>(status.st_size));

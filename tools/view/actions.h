@@ -3,7 +3,7 @@
 
 namespace keltra::view {
 
-// What a key or a button of the panel asks for.
+// The action of a key or of a button of the panel.
 enum class Action {
     kNone,
     kQuit,
@@ -23,7 +23,7 @@ enum class Action {
     kResetView,
 };
 
-// What is shown beside the model itself.
+// What is shown besides the model.
 struct Switches {
     bool wire = false, boxes = false, normals = false, bones = false, lights = false, culling = true;
 };

@@ -37,7 +37,7 @@ float shadeAt(float at, int channel) {
     return below.rgb[channel] + eased * (stop->rgb[channel] - below.rgb[channel]);
 }
 
-// The nearest step that a channel of so many bits has, or the one above it.
+// One of the two nearest values that a channel of `bits` bits can have.
 unsigned char dithered(float shade, unsigned bits, int order) {
     const float steps = static_cast<float>((1 << bits) - 1);
     const float threshold = (static_cast<float>(order) + 0.5f) / 16.0f;
@@ -69,12 +69,13 @@ Backdrop::Backdrop() : texture(new KTTEXTURE) {
     texture->setFilter(false, false, false);
 }
 
-// One texel is one pixel: the tile repeats across, and only as many of its rows as the screen has are shown.
+// One texel is one pixel: the tile repeats horizontally; of its rows only as many as the screen has are
+// shown.
 void Backdrop::draw() const {
-    // Evicted, a texture without a file is lost.
+    // A texture without a file has to be made again after eviction.
     if (!texture->isLoaded() && texture->create(kTile, kRows, 3)) {
         texture->modify(paint().data(), false);
-        // No model is to find it by the name that dynamic textures have.
+        // Not the name of dynamic textures, by which a model could find it.
         std::strcpy(texture->filename, "[backdrop]");
     }
     const GLfixed across = KTSETTINGS::getSDLWindowX() * kFixed / static_cast<GLfixed>(kTile);

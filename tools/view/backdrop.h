@@ -5,11 +5,10 @@ class KTTEXTURE;
 
 namespace keltra::view {
 
-// The quiet grey behind a model: lighter where its feet are, as in a photographer's studio. A screen of 16
-// bits has few greys, so what is between them is dithered.
+// The background: a vertical gradient of greys, dithered because a 16-bit screen has few of them.
 class Backdrop {
    public:
-    // The engine runs; the list of textures owns the texture.
+    // The engine must be running; its list of textures owns the texture.
     Backdrop();
     // Between `clear` and `begin3D`.
     void draw() const;

@@ -12,7 +12,7 @@ void ClipClock::start(unsigned frames) {
 
 void ClipClock::advance(double seconds) {
     if (!playing || length == 0 || !(seconds > 0.0)) return;
-    // A sum of frames of 1/25 s must not fall short of a whole number.
+    // Rounded, so that steps of 1/25 s always reach the next frame.
     const double next = position + seconds * kRate;
     const double whole = std::round(next);
     position = std::fmod(std::abs(next - whole) < 1e-4 ? whole : next, static_cast<double>(length));
@@ -25,9 +25,9 @@ void ClipClock::seek(unsigned frame) {
 void ClipClock::step(int frames) {
     playing = false;
     if (length == 0) return;
-    const long long ring = length;
-    const long long wanted = (static_cast<long long>(frame()) + frames) % ring;
-    position = static_cast<double>((wanted + ring) % ring);
+    const long long count = length;
+    const long long wanted = (static_cast<long long>(frame()) + frames) % count;
+    position = static_cast<double>((wanted + count) % count);
 }
 
 }  // namespace keltra::view

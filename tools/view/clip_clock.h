@@ -3,17 +3,17 @@
 
 namespace keltra::view {
 
-// Which frame of a clip is shown. Clips are played in a ring, 25 frames a second.
+// The frame of a clip that is shown. Clips are repeated, at 25 frames per second.
 class ClipClock {
    public:
-    static constexpr double kRate = 25.0;  // what the converter samples at unless it is told otherwise
+    static constexpr double kRate = 25.0;  // the converter's default
 
-    // Begins a clip of so many frames at its first one; it goes on playing, or stays paused.
+    // Starts a clip of that many frames at its first one; a paused clock stays paused.
     void start(unsigned frames);
     void advance(double seconds);
-    // Shows a frame, within the clip.
+    // Shows a frame; the last one if `frame` is beyond the end.
     void seek(unsigned frame);
-    // Pauses, and moves by whole frames around the ring.
+    // Pauses and moves by whole frames, from the end to the beginning and back.
     void step(int frames);
     void toggle() { playing = !playing; }
     bool isPlaying() const { return playing; }

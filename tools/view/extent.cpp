@@ -8,8 +8,8 @@
 namespace keltra::view {
 namespace {
 
-constexpr float kNothing = 1.0f / 65536.0f;  // what 16.16 cannot tell from a single place
-constexpr float kLeastGirth = 0.05f;         // of the radius: a rod keeps some width
+constexpr float kSmallest = 1.0f / 65536.0f;  // radii below one step of 16.16 count as 0
+constexpr float kLeastGirth = 0.05f;          // relative to the radius, for models like rods
 
 bool isPlace(const R3XVECTOR3D &point) {
     return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
@@ -35,7 +35,7 @@ void findCore(const std::vector<R3XVECTOR3D> &places, Extent &extent) {
         return std::hypot(place.x - x, place.y - y, place.z - z);
     });
     const float radius = quantile(values, 0.75);
-    extent.coreRadius = radius > kNothing ? radius : extent.radius;
+    extent.coreRadius = radius > kSmallest ? radius : extent.radius;
 }
 
 }  // namespace
@@ -57,7 +57,7 @@ Extent extentOf(const std::vector<R3XVECTOR3D> &points) {
         girth = std::max(girth, std::hypot(way.x, way.z));
         radius = std::max(radius, std::hypot(way.x, way.y, way.z));
     }
-    if (radius <= kNothing) return extent;
+    if (radius <= kSmallest) return extent;
     extent.radius = radius;
     extent.girth = std::max(girth, kLeastGirth * radius);
     findCore(places, extent);

@@ -7,19 +7,18 @@
 
 namespace keltra::view {
 
-// The room that a model takes, all poses together.
+// The extent of a model over all measured poses.
 struct Extent {
     R3XVECTOR3D centre;
     float radius = 1.0f;  // of the sphere around the centre that holds everything
-    float girth = 1.0f;   // the same about the upright axis through the centre
-    // Where most of it is, whatever stands far off: the median of the points, and the radius around it that
-    // holds three quarters of them.
+    float girth = 1.0f;   // radius of the upright cylinder around the centre that holds everything
+    // The median of the points, which is not affected by distant parts, and the radius around it that holds
+    // three quarters of them.
     R3XVECTOR3D core;
     float coreRadius = 1.0f;
 };
 
-// Of no point, or of one place only, the extent of a unit sphere; points that are no numbers count for
-// nothing.
+// Points that are not finite are ignored. The extent of no points, or of equal points, is a unit sphere.
 Extent extentOf(const std::vector<R3XVECTOR3D> &points);
 
 }  // namespace keltra::view

@@ -6,12 +6,12 @@
 
 namespace keltra::view {
 
-// What cannot be shown, and why: one line, as it is printed.
+// A file that cannot be shown, and why, in one line.
 struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// `path: reason` on one line, whatever the path holds.
+// `path: reason`; control characters of the path become '?'.
 Failure failure(const std::string &path, const std::string &reason);
 
 }  // namespace keltra::view

@@ -6,11 +6,11 @@
 
 namespace keltra::view {
 
-// What tells one state of a file from another.
+// Distinguishes states of a file.
 struct FileStamp {
     bool exists = false;
     std::int64_t seconds = 0, nanoseconds = 0, size = 0;
-    std::uint64_t device = 0, number = 0;  // a file that was renamed into place is another one
+    std::uint64_t device = 0, number = 0;  // differ for a file that was renamed into place
 
     bool operator==(const FileStamp &other) const;
     bool operator!=(const FileStamp &other) const { return !(*this == other); }
@@ -18,14 +18,14 @@ struct FileStamp {
 
 FileStamp stampOf(const std::string &path);
 
-// Says when a file is to be loaded again: once it differs from what was loaded last, and the same was seen
-// twice, for who writes a file does it in several steps.
+// Decides when a file is loaded again: when it differs from the loaded state and two polls have found the
+// same state, because programs write files in several steps.
 class FileWatch {
    public:
     explicit FileWatch(const FileStamp &loaded) : loaded(loaded), seen(loaded) {}
 
-    // True when the file is due; it then counts as loaded, with success or not. A file that is away is never
-    // due.
+    // True if the file is to be loaded; the state then counts as loaded even if loading fails. Never true
+    // while the file does not exist.
     bool poll(const FileStamp &now);
 
    private:

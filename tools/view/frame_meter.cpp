@@ -11,7 +11,7 @@ void FrameMeter::add(double frameWork, double frameWhole) {
     work += frameWork;
     whole += frameWhole;
     ++frames;
-    // The first frame shows at once.
+    // The first frame is shown at once.
     if ((whole < kPeriod && shownRate > 0.0) || !(whole > 0.0)) return;
     shownMilliseconds = 1000.0 * work / frames;
     shownRate = frames / whole;

@@ -3,10 +3,10 @@
 
 namespace keltra::view {
 
-// Means over half a second: figures that change with every frame cannot be read.
+// Means over half a second: values that change with every frame cannot be read.
 class FrameMeter {
    public:
-    // A frame took `work` seconds to draw, and came `whole` seconds after the one before.
+    // Adds a frame that took `work` seconds to draw and came `whole` seconds after the last one.
     void add(double work, double whole);
     double milliseconds() const { return shownMilliseconds; }
     double framesPerSecond() const { return shownRate; }

@@ -3,8 +3,8 @@
 
 namespace keltra::view {
 
-// Calls of the GL since the program began: of the engine's and of its own. The program exports a wrapper for
-// each entry point of the GL, which counts and passes on; so it must be linked into the program itself.
+// The number of GL calls of the engine and the program so far. The program exports a wrapper for each entry
+// point of the GL, which counts and forwards; it must therefore be linked into the program, not a library.
 unsigned long glCallsMade();
 
 }  // namespace keltra::view

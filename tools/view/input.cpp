@@ -34,7 +34,7 @@ Action actionOf(SDLKey key) {
     return Action::kNone;
 }
 
-// Held keys: what is pressed counts until it is released.
+// Keys that act while they are held.
 void readHeld(Input &input, SDLKey key, bool down) {
     const float held = down ? 1.0f : 0.0f;
     switch (key) {
@@ -64,7 +64,7 @@ void readHeld(Input &input, SDLKey key, bool down) {
     }
 }
 
-// True for a change that the rest of the frame must see by itself.
+// True for a change after which the frame reads no more events.
 bool readButton(Input &input, const SDL_MouseButtonEvent &event) {
     const bool down = event.type == SDL_MOUSEBUTTONDOWN;
     switch (event.button) {

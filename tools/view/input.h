@@ -11,16 +11,16 @@ namespace keltra::view {
 
 struct Input {
     int x = 0, y = 0;           // pixels of the window
-    bool pressed = false;       // the pen, or the first button
-    bool zooming = false;       // the second or third button
-    int dx = 0, dy = 0;         // since the frame before
+    bool pressed = false;       // the pen, or the left button
+    bool zooming = false;       // the middle or right button
+    int dx = 0, dy = 0;         // since the last frame
     int wheel = 0;              // steps towards the model
-    float right = 0, down = 0;  // -1, 0 or 1: arrow keys that are held
-    float nearer = 0;           // the same of + and -
+    float right = 0, down = 0;  // -1, 0 or 1: held arrow keys
+    float nearer = 0;           // -1, 0 or 1: held - and + keys
     std::vector<Action> actions;
 
-    // Takes what happened since the last frame. A press and a release are never taken in one frame, for the
-    // interface would see neither.
+    // Reads the events since the last frame. Stops after a press or a release: the interface would miss a
+    // click within one frame.
     void read();
 };
 

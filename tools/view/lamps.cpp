@@ -25,11 +25,11 @@ Lamps::Lamps()
     : key(makeLamp(R3XVECTOR3D(0.50f, -0.62f, -0.60f), 1.0f, 0.97f, 0.92f, 0.6f)),
       fill(makeLamp(R3XVECTOR3D(-0.78f, 0.10f, -0.62f), 0.24f, 0.28f, 0.34f, 0.1f)) {}
 
-// The engine switches no GL light off by itself.
+// The engine does not switch GL lights off.
 void Lamps::begin(bool modelHasLights) {
     lit = !modelHasLights;
     for (GLenum i = 0; i < kLights; ++i) glDisable(GL_LIGHT0 + i);
-    // A scene's own lights bring ambient shares of their own.
+    // Lights of scenes have ambient colours.
     if (lit)
         KTOPENGL::setGlobalAmbientLight(0.34f, 0.35f, 0.38f, 1.0f);
     else

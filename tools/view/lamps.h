@@ -5,13 +5,13 @@ class KTLIGHT;
 
 namespace keltra::view {
 
-// The light in which a model without lights of its own is shown: a key light from above left and a weaker,
-// cooler one from the right, both fixed to the viewer.
+// The lights for a model without lights: a key light from above left and a weaker, cooler fill light from the
+// right, both fixed to the camera.
 class Lamps {
    public:
-    // The engine runs; the list of nodes owns the lights.
+    // The engine must be running; its list of nodes owns the lights.
     Lamps();
-    // Begins with another model: no light of the one before shines on.
+    // Prepares for another model: switches the lights of the last one off.
     void begin(bool modelHasLights);
     // Between `begin3D` and `end3D`.
     void pass() const;

@@ -1,4 +1,4 @@
-// keltra-view FILE: shows a scene or a model in the engine, and what it costs.
+// keltra-view FILE: shows a scene or a model in the engine, with its frame time, triangles and memory.
 
 #include "tools/formats/version.h"
 #include "tools/support/shot.h"
@@ -23,9 +23,9 @@ using keltra::view::failure;
 using keltra::view::Viewer;
 
 constexpr int kFailed = 1, kUsage = 2;
-constexpr int kShotFrames = 25;             // of a picture without a number of frames
+constexpr int kShotFrames = 25;             // before a picture if --frames is not given
 constexpr int kPictures = 12;               // of a turntable
-constexpr float kFixedStep = 1.0f / 25.0f;  // seconds, of runs that must repeat exactly
+constexpr float kFixedStep = 1.0f / 25.0f;  // seconds per frame of repeatable runs
 constexpr double kShortestFrame = 1.0 / 60.0, kLongestFrame = 0.25;
 
 volatile std::sig_atomic_t stopSignal = 0;
@@ -38,7 +38,7 @@ struct Arguments {
     std::string shot, turntable;
 };
 
-// SDL leaves handlers alone that were there before it.
+// SDL keeps handlers that were set before it starts.
 void catchSignals() {
     struct sigaction action = {};
     action.sa_handler = noteSignal;
@@ -51,7 +51,7 @@ void describe(CLI::App *app, Arguments *arguments) {
     app->add_option("--clip", arguments->viewer.clips, "Animation to play; may be given several times")
         ->type_name("FILE.kta")
         ->allow_extra_args(false);
-    CLI::Option *frames = app->add_option("--frames", arguments->frames, "Draw so many frames and end")
+    CLI::Option *frames = app->add_option("--frames", arguments->frames, "Draw that many frames and end")
                               ->check(CLI::Range(1, 1000000));
     CLI::Option *shot =
         app->add_option("--shot", arguments->shot, "Save the last frame")->type_name("FILE.png");
@@ -72,7 +72,7 @@ void describe(CLI::App *app, Arguments *arguments) {
         "  keltra-view fox.glb --turntable pictures");
 }
 
-// Where panel and font were installed, with the program or by the build's own choice, or else were built.
+// The folder of panel and font: beside the program, where the build installs them, or in the build folder.
 std::string dataFolder() {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
@@ -122,8 +122,7 @@ void drawFrames(const Arguments &arguments) {
     if (!shot.pixels.empty()) save(shot, arguments.shot);
 }
 
-// Runs until the user ends it, at the pace of a screen: more frames than it shows would only warm the
-// machine.
+// Runs until the user ends the program, at 60 frames per second at most.
 void show(const Arguments &arguments) {
     using Clock = std::chrono::steady_clock;
     Viewer viewer(arguments.viewer);
@@ -155,7 +154,7 @@ void run(Arguments arguments) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    CLI::App app("Shows a scene or a model in the engine, and what it costs", "keltra-view");
+    CLI::App app("Shows a scene or a model in the engine, with its costs", "keltra-view");
     Arguments arguments;
     describe(&app, &arguments);
     try {

@@ -36,7 +36,7 @@ void MarkBatch::Vertices::draw(GLenum primitive) const {
     glDrawArrays(primitive, 0, static_cast<GLsizei>(places.size() / 3));
 }
 
-// The arrays keep their room for the next frame.
+// The arrays keep their capacity for the next frame.
 void MarkBatch::clear() {
     for (Vertices *vertices : {&lineEnds, &dots}) {
         vertices->places.clear();
@@ -64,7 +64,7 @@ void MarkBatch::box(const R3XVECTOR3D &low, const R3XVECTOR3D &high, const R3XMA
             if (!(i & side)) line(corners[i], corners[i | side], color);
 }
 
-// `begin2D` switches off what it must, and sets all client arrays.
+// Leaves client arrays to `begin2D`, which sets all of them.
 void MarkBatch::draw(bool throughModel) const {
     if (lineEnds.places.empty() && dots.places.empty()) return;
     KTLIGHT::lightingOff();

@@ -39,7 +39,7 @@ void forDrawn(unsigned type, Visit visit) {
     }
 }
 
-// The box of a skin is that of its pose, which the file does not know.
+// The box of a skin's present pose, which is not in the file.
 void addSkinBox(MarkBatch &batch, const KTMESH &mesh, const R3XMATRIX &matrix) {
     if (!mesh.skinnedVertices || mesh.numberOfVertices == 0) return;
     std::int32_t low[3], high[3];
@@ -66,7 +66,7 @@ struct Joint {
     R3XVECTOR3D place;
 };
 
-// `matrix` leads from the node's parent to the eye.
+// `matrix` is from the node's parent to the eye.
 void addBones(MarkBatch &batch, const KTMESH &mesh, KTNODE &node, const R3XMATRIX &matrix, Joint above) {
     const R3XMATRIX own = localMatrix(node) * matrix;
     if (node.getType() == KT_MESH && isBoneOf(mesh, &node)) {
@@ -81,7 +81,7 @@ void addBones(MarkBatch &batch, const KTMESH &mesh, KTNODE &node, const R3XMATRI
 
 MarkColor colorOf(const KTLIGHT &light) {
     const R3XVECTOR4D rgb = light.getDiffuse();
-    // At full strength: a dim light is to be found as well.
+    // At full brightness, so that the mark of a dim light is visible.
     const float most = std::max({rgb.x, rgb.y, rgb.z, 0.01f});
     const auto byte = [most](float value) {
         return static_cast<unsigned char>(std::clamp(value / most, 0.25f, 1.0f) * 255.0f);

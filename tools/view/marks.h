@@ -1,7 +1,7 @@
 #ifndef KELTRA_VIEW_MARKS_H
 #define KELTRA_VIEW_MARKS_H
 
-// What the viewer draws over a model: boxes, skeletons and lights, as lines.
+// Lines that the viewer draws over a model: boxes, skeletons and lights.
 
 #include <keltra/keltra.h>
 
@@ -15,7 +15,7 @@ struct MarkColor {
     unsigned char r, g, b;
 };
 
-// Coloured lines and points, in the coordinates of the eye.
+// Coloured lines and points in eye coordinates.
 class MarkBatch {
    public:
     void clear();
@@ -23,7 +23,7 @@ class MarkBatch {
     void point(const R3XVECTOR3D &place, MarkColor color);
     // Twelve edges; the corners are transformed by `matrix`.
     void box(const R3XVECTOR3D &low, const R3XVECTOR3D &high, const R3XMATRIX &matrix, MarkColor color);
-    // After `end3D`, before `begin2D`. The engine's state is as it was, but for what `begin2D` sets anyway.
+    // After `end3D`, before `begin2D`. Changes no state of the engine but what `begin2D` sets anyway.
     void draw(bool throughModel) const;
 
     std::size_t lines() const { return lineEnds.colors.size() / 8; }
@@ -39,12 +39,12 @@ class MarkBatch {
     Vertices lineEnds, dots;
 };
 
-// Each collects from the render list of the frame, which stands from `end3D` to `begin2D`.
+// These read the render list of the frame, which is valid from `end3D` to `begin2D`.
 void addBoxes(MarkBatch &batch);
-// Bones of the skins, each joined to the next bone above it.
+// The bones of all skins, each connected with the next bone above it.
 void addSkeletons(MarkBatch &batch);
-// `radius` is the model's, `centre` its middle, both seen from the eye: directional lights, which are
-// nowhere, are shown around it.
+// `centre` and `radius` are those of the model in eye coordinates: directional lights, which have no
+// position, are drawn around it.
 void addLights(MarkBatch &batch, const R3XVECTOR3D &centre, float radius);
 
 }  // namespace keltra::view

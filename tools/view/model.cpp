@@ -22,7 +22,7 @@ T *nextOf(T *object) {
     return object->getNext();
 }
 
-// What a list holds beyond its first objects.
+// The objects of a list without its first ones.
 template <class T>
 std::vector<T *> beyond(unsigned kept, T *object) {
     std::vector<T *> added;
@@ -41,7 +41,7 @@ void destroy(std::vector<T *> &objects) {
     objects.clear();
 }
 
-// A name that a later state of the same model does not find. One that grows too long loses its end.
+// Prefixes the name so that a later state of the same model does not find it. Truncated if too long.
 template <std::size_t size>
 void rename(char (&name)[size], const std::string &key) {
     const std::string own = key + "/" + name;
@@ -69,17 +69,17 @@ void addVertices(const std::int32_t *vertices, unsigned count, const R3XMATRIX &
 
 }  // namespace
 
-Model::Model(const Source &source, const Stage &stage, const std::string &file)
-    : stage(stage), key(source.key) {
+Model::Model(const Source &source, const LinkFolder &links, const std::string &file)
+    : links(links), key(source.key) {
     const unsigned oldNodes = KTNODE::getNumberOfNodes(), oldMaterials = KTMATERIAL::getNumberOfMaterials(),
                    oldShaders = KTSHADER::getNumberOfShaders(),
                    oldTextures = KTTEXTURE::getNumberOfTextures();
-    KTTEXTURE::setPath(stage.path(key + "/").c_str());
+    KTTEXTURE::setPath(links.path(key + "/").c_str());
     root = KELTRA::load(source.scene.c_str());
-    KTTEXTURE::setPath(stage.prefix().c_str());
+    KTTEXTURE::setPath(links.prefix().c_str());
     if (!root) {
-        const std::string reason = faultOf(stage.path(source.scene));
-        stage.clear(key);
+        const std::string reason = faultOf(links.path(source.scene));
+        links.clear(key);
         throw failure(file, reason);
     }
     nodes = beyond(oldNodes, KTNODE::getFirstNode());
@@ -89,7 +89,7 @@ Model::Model(const Source &source, const Stage &stage, const std::string &file)
     for (KTMATERIAL *material : materials) rename(material->name, key);
     for (KTSHADER *shader : shaders) shader->setName((key + "/" + std::to_string(shader->getId())).c_str());
     for (KTTEXTURE *texture : textures) {
-        // An evicted texture is read again by this name, from the stage.
+        // An evicted texture is read again by this name, from the links.
         rename(texture->filename, key);
         texture->incReferences();
         texture->setFilter(true, true, false);
@@ -98,15 +98,15 @@ Model::Model(const Source &source, const Stage &stage, const std::string &file)
 }
 
 Model::~Model() {
-    // A node goes before its children, which then do not look for it.
+    // A node is destroyed before its children, which then do not unlink themselves from it.
     destroy(nodes);
     destroy(materials);
     destroy(shaders);
     destroy(textures);
-    stage.clear(key);
+    links.clear(key);
 }
 
-// A plain node of this name with a mesh below it is the sky in the scenes of the engine's own examples.
+// In the scenes of the engine's examples, the sky is a plain node of this name with a mesh below it.
 void Model::takeSky() {
     KTNODE *found = root->findByNameInHierarchy(kSkyName);
     if (!found || found == root || found->getType() != KT_NODE) return;
@@ -131,8 +131,7 @@ float Model::skyRadius() const {
     return radius;
 }
 
-// The engine poses and places everything by itself: seen from the origin, its model-view matrices are those
-// of the world.
+// Without a camera the engine's model-view matrices are the world matrices.
 void Model::measure(std::vector<R3XVECTOR3D> &points) const {
     KELTRA::begin3D(nullptr);
     root->pass();

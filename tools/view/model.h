@@ -1,7 +1,7 @@
 #ifndef KELTRA_VIEW_MODEL_H
 #define KELTRA_VIEW_MODEL_H
 
-// The model that is shown, and everything that came with it.
+// The model that is shown, with all objects that were loaded with it.
 
 #include <keltra/keltra.h>
 #include "tools/view/extent.h"
@@ -15,26 +15,26 @@ namespace keltra::view {
 
 class Model {
    public:
-    // Loads a scene from the stage; the engine runs. Throws Failure, with what was loaded earlier as it was;
-    // `file` is what the message calls it.
-    Model(const Source &source, const Stage &stage, const std::string &file);
+    // Loads a scene from the links; the engine must be running. On failure leaves earlier models unchanged
+    // and throws Failure with `file` in the message.
+    Model(const Source &source, const LinkFolder &links, const std::string &file);
     ~Model();
     Model(const Model &) = delete;
     Model &operator=(const Model &) = delete;
 
     KTNODE *scene() const { return root; }
-    // Every node, in the order of creation; a sky too.
+    // Every node in the order of creation, also those of a sky.
     const std::vector<KTNODE *> &allNodes() const { return nodes; }
     bool hasLights() const;
     float skyRadius() const;  // 0 without a sky
 
-    // Adds what is drawn in the present pose, in world space.
+    // Appends the vertices that are drawn in the present pose, in world space.
     void measure(std::vector<R3XVECTOR3D> &points) const;
 
    private:
     void takeSky();
 
-    const Stage &stage;
+    const LinkFolder &links;
     std::string key;
     KTNODE *root;
     KTNODE *sky = nullptr;

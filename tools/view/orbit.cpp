@@ -6,7 +6,8 @@
 namespace keltra::view {
 namespace {
 
-// Radii that are left alone. Beyond them distances would leave 16.16, or clipping planes lose their digits.
+// Models of these radii are not scaled. Beyond them distances exceed 16.16, or clipping planes lose
+// precision.
 constexpr float kLargest = 2048.0f, kSmallest = 0.25f;
 constexpr float kNearest = 0.03f, kFarthest = 2.2f;  // of the fitting distance
 constexpr float kSteepest = 88.0f;                   // degrees: no flip over the poles
@@ -14,8 +15,8 @@ constexpr float kYaw = -28.0f, kPitch = 12.0f;       // three quarters, slightly
 constexpr float kMargin = 1.06f;
 constexpr float kLeastNear = 0.02f;         // of the distance; keeps the 16 bits of depth apart
 constexpr float kFarthestPlane = 32000.0f;  // within 16.16
-constexpr float kSkyReach = 0.95f,
-                kSkyLeast = 0.1f;  // of a sky's radius: where the model ends, how far the eye goes
+// Relative to a sky's radius: the end of the model, and the smallest range of the camera.
+constexpr float kSkyReach = 0.95f, kSkyLeast = 0.1f;
 constexpr float kFullTurn = 360.0f, kDegree = 3.14159265f / 180.0f;
 
 R3XMATRIX translation(float x, float y, float z) {
@@ -51,7 +52,7 @@ void Orbit::frame(const Extent &extent, float sky) {
     fit();
 }
 
-// The sphere must fit upright; across, an upright cylinder is enough, whatever side of it is seen.
+// Vertically the bounding sphere must fit; horizontally an upright cylinder is enough for all yaw angles.
 void Orbit::fit() {
     const bool within = skyRadius > 0.0f;
     const float half = std::tan(0.5f * kAngleOfView * kDegree);
@@ -95,7 +96,7 @@ float Orbit::zoomShare() const { return std::log(away / kNearest) / std::log(far
 R3XMATRIX Orbit::view() const {
     R3XMATRIX scaling;
     scaling.setScaling(R3XVECTOR3D(size, size, size));
-    // The free rows' middle as a share of half the screen, upward.
+    // The middle of the free rows, upward, relative to half the screen.
     const float middle = 0.5f * static_cast<float>(rows.top + rows.bottom);
     const float lift = 1.0f - middle / (0.5f * static_cast<float>(height));
     const float up = lift * distance() * std::tan(0.5f * kAngleOfView * kDegree);

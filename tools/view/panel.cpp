@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
+#include <utility>
 
 namespace keltra::view {
 namespace {
@@ -47,17 +49,20 @@ Panel::Panel(const std::string &file) : root(KELTRA::loadXML(file.c_str())) {
     if (!root) throw failure(file, "cannot be read as an interface");
     const Finder finder(root, file);
     finder.find("panel", KT_WINDOW, window);
-    finder.find("overlay", KT_BOX, overlay);
-    finder.find("noticeBack", KT_BOX, noticeBack);
-    finder.find("clipBack", KT_BOX, clipBack);
-    finder.find("time", KT_LABEL, time);
-    finder.find("scene", KT_LABEL, scene);
-    finder.find("driver", KT_LABEL, driver);
-    finder.find("notice", KT_LABEL, notice);
-    finder.find("clip", KT_LABEL, clip);
-    finder.find("frame", KT_LABEL, frame);
     finder.find("scrub", KT_HSCROLLBAR, scrub);
     finder.find("zoom", KT_VSCROLLBAR, zoom);
+    using Boxes = std::initializer_list<std::pair<const char *, KTBOX **>>;
+    for (const auto &[name, box] :
+         Boxes{{"overlay", &overlay}, {"noticeBack", &noticeBack}, {"clipBack", &clipBack}})
+        finder.find(name, KT_BOX, *box);
+    using Labels = std::initializer_list<std::pair<const char *, KTLABEL **>>;
+    for (const auto &[name, label] : Labels{{"time", &time},
+                                            {"scene", &scene},
+                                            {"driver", &driver},
+                                            {"notice", &notice},
+                                            {"clip", &clip},
+                                            {"frame", &frame}})
+        finder.find(name, KT_LABEL, *label);
     previous = finder.button("previous");
     next = finder.button("next");
     play = finder.button("play");
@@ -71,7 +76,7 @@ Panel::Panel(const std::string &file) : root(KELTRA::loadXML(file.c_str())) {
     };
     KTFONT *font = window->font;
     if (!font) throw failure(file, "the interface's panel has no font");
-    // Models find textures by name: none is to find the panel's, which is read again by this one.
+    // A prefix, so that no model finds the texture by its name; the engine still reads the file by it.
     if (KTTEXTURE *glyphs = font->getTexture())
         std::snprintf(glyphs->filename, sizeof glyphs->filename, ".//%s", kFontFile);
     measure = [font](const std::string &text) { return font->stringLength(text.c_str()); };
@@ -79,7 +84,7 @@ Panel::Panel(const std::string &file) : root(KELTRA::loadXML(file.c_str())) {
     style();
 }
 
-// What a description cannot say: borders, ranges, and that the panel stays where it is.
+// Sets what a description cannot: borders, colours of parts, and that the panel cannot be dragged.
 void Panel::style() {
     window->setThickness(1);
     window->setStaticStatus(true);
@@ -115,7 +120,7 @@ void Panel::setTitle(const std::string &title) {
 
 void Panel::fold() { window->minmaximize(); }
 
-// A click on the title bar folds the window too, so its place is looked after in each frame.
+// A click on the title bar folds the window too, so the position is set in every frame.
 void Panel::place() {
     const float bottom = static_cast<float>(KTSETTINGS::getSDLWindowY());
     window->setPosition(0.0f, isFolded() ? bottom : unfoldedTop);
@@ -143,7 +148,7 @@ void Panel::drawClip(const PanelState &state) {
     setCaption(*play, state.playing && state.frames > 0 ? "Pause" : "Play");
     frame->write("%s", frameText(state.frame, state.frames).c_str());
     scrubFrames = state.frames;
-    // A range of nothing would leave the cursor no place.
+    // The scroll bar needs a range above 0.
     scrub->setMaxValue(state.frames > 1 ? static_cast<float>(state.frames - 1) : 1.0f);
     if (scrub->getCursor() && !scrub->getCursor()->isClicked())
         scrub->setValue(static_cast<float>(state.frame));

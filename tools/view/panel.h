@@ -1,7 +1,7 @@
 #ifndef KELTRA_VIEW_PANEL_H
 #define KELTRA_VIEW_PANEL_H
 
-// The interface in front of the model: the engine's own, described by an XML file.
+// The viewer's interface: windows of the engine, described by an XML file.
 
 #include <keltra/keltra.h>
 #include "tools/view/actions.h"
@@ -15,16 +15,16 @@ namespace keltra::view {
 
 // What the panel shows.
 struct PanelState {
-    std::string clip;  // empty without clips
+    std::string clip;  // empty if there are no clips
     unsigned frame = 0, frames = 0;
     bool playing = false;
     Switches switches;
     Figures figures;
-    std::string notice;  // what went wrong; empty for nothing
+    std::string notice;  // an error message, or empty
     float zoomShare = 0.0f;
 };
 
-// What was done on it in this frame.
+// The user's actions on the panel in a frame.
 struct PanelEvents {
     bool held = false;  // the pen belongs to the panel
     Action action = Action::kNone;
@@ -35,14 +35,14 @@ struct PanelEvents {
 
 class Panel {
    public:
-    // Reads the description; the engine runs, and texture and font prefix lead to the font. Throws Failure
-    // for a file that is no interface, or one without the widgets that the viewer needs.
+    // Reads the description. The engine must be running, with texture and font paths at the font. Throws
+    // Failure if the file is not an interface or lacks a widget that the viewer needs.
     explicit Panel(const std::string &file);
 
     void setTitle(const std::string &title);
     void setOverlay(bool shown) { overlayShown = shown; }
     bool isOverlayShown() const { return overlayShown; }
-    // Folded, only its title bar is left, at the lower edge.
+    // Folds the panel to its title bar at the lower edge, or unfolds it.
     void fold();
     bool isFolded() const { return window->isMinimized(); }
     FreeRows freeRows() const;

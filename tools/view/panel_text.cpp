@@ -34,7 +34,7 @@ std::string plainText(const std::string &text) {
     std::string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const unsigned char byte = static_cast<unsigned char>(text[i]);
-        // A character of several bytes is one: those that follow its first are 10xxxxxx.
+        // One '?' per character: bytes 10xxxxxx continue one.
         if (byte >= 0x80 && byte < 0xc0 && i > 0 && static_cast<unsigned char>(text[i - 1]) >= 0x80) continue;
         plain += byte >= 32 && byte < 127 && byte != '^' ? text[i] : '?';
     }
@@ -51,7 +51,7 @@ std::string cutText(const std::string &text, unsigned width, const Measure &meas
 }
 
 std::string centredText(const std::string &text, int width, int height, const Measure &measure) {
-    // A caption is drawn one pixel inside of its button.
+    // The engine draws a caption one pixel inside its button.
     const std::string shown = cutText(text, static_cast<unsigned>(std::max(width - 4, 0)), measure);
     const int x = (width - static_cast<int>(measure(shown))) / 2 - 1, y = (height - kLetterHeight) / 2 - 1;
     return formatted("^x%04d^y%04d", std::clamp(x, 0, 999), std::clamp(y, -99, 999)) + shown;
@@ -73,7 +73,7 @@ std::string sceneText(const Figures &figures) {
            (figures.triangles == 1 ? " triangle" : " triangles");
 }
 
-// The count of video memory wraps around below 0 when textures give back more than they were charged.
+// The engine's count of video memory can wrap below 0: textures may return more than they were charged.
 std::string driverText(const Figures &figures) {
     const unsigned long used = figures.textureBytes > 0x80000000ul ? 0 : figures.textureBytes;
     return grouped(figures.calls) + " GL calls" +

@@ -1,21 +1,21 @@
 #ifndef KELTRA_VIEW_PANEL_TEXT_H
 #define KELTRA_VIEW_PANEL_TEXT_H
 
-// The words of the panel and of the overlay.
+// The texts of the panel and of the overlay.
 
 #include <functional>
 #include <string>
 
 namespace keltra::view {
 
-// Pixels that a text takes.
+// The width of a text in pixels.
 using Measure = std::function<unsigned(const std::string &text)>;
 
-// What the font can draw: every other character becomes '?', and so does the '^' that begins an escape.
+// Replaces all characters that the font does not have, and the '^' of escapes, by '?'.
 std::string plainText(const std::string &text);
-// `text`, cut to fit `width` pixels, with ".." at its end then. Empty when even those do not fit.
+// `text`, or its beginning with ".." if it is wider than `width` pixels. Empty if even these do not fit.
 std::string cutText(const std::string &text, unsigned width, const Measure &measure);
-// `text` in the middle of a box, for the GUI: with escapes that move it.
+// `text` with escapes that move it to the middle of a box.
 std::string centredText(const std::string &text, int width, int height, const Measure &measure);
 
 std::string switchText(bool on, const std::string &what);

@@ -29,12 +29,12 @@ bool hasEnding(const std::string &file, const char *ending) {
     return lowerCase(fs::path(file).extension().string()) == ending;
 }
 
-// Only regular files are opened: anything else may wait for ever.
+// Only regular files are opened: opening a pipe can block forever.
 void requireFile(const std::string &file) {
     struct stat status;
     if (::stat(file.c_str(), &status) != 0) throw failure(file, std::strerror(errno));
     if (S_ISDIR(status.st_mode)) throw failure(file, "is a folder");
-    if (!S_ISREG(status.st_mode)) throw failure(file, "is no regular file");
+    if (!S_ISREG(status.st_mode)) throw failure(file, "is not a regular file");
     errno = 0;
     if (!std::ifstream(file, std::ios::binary)) throw failure(file, std::strerror(errno ? errno : EIO));
 }
@@ -45,32 +45,32 @@ std::string folderOf(const std::string &file) {
 }
 
 void addClip(Source &source, const std::string &title, const std::string &path, bool wanted,
-             const Stage &stage) {
+             const LinkFolder &links) {
     const std::string name = source.key + "-" + std::to_string(source.clips.size()) + kClipEnding;
-    stage.link(path, name);
+    links.link(path, name);
     source.clips.push_back({title, path, name, wanted});
 }
 
-void openScene(Source &source, const std::string &file, const Stage &stage) {
-    stage.link(folderOf(file), source.key);
-    stage.link(file, source.scene);
+void openScene(Source &source, const std::string &file, const LinkFolder &links) {
+    links.link(folderOf(file), source.key);
+    links.link(file, source.scene);
     const std::size_t stem = fs::path(file).stem().string().size() + 1;
     for (const std::string &clip : clipsBeside(file))
-        addClip(source, fs::path(clip).stem().string().substr(stem), clip, false, stage);
+        addClip(source, fs::path(clip).stem().string().substr(stem), clip, false, links);
 }
 
-void convertModel(Source &source, const std::string &file, const Stage &stage) {
-    stage.makeFolder(source.key);
-    const std::string folder = stage.path(source.key);
+void convertModel(Source &source, const std::string &file, const LinkFolder &links) {
+    links.makeFolder(source.key);
+    const std::string folder = links.path(source.key);
     convert::Options options;
     options.model = file;
     options.name = convert::fileStem(file);
     const convert::Outcome outcome = convert::convertIsolated(options, folder, [](const char *, double) {});
     if (!outcome.converted) throw failure(file, outcome.reason);
-    stage.link(folder + "/" + outcome.report.sceneFile, source.scene);
+    links.link(folder + "/" + outcome.report.sceneFile, source.scene);
     for (const convert::ClipReport &clip : outcome.report.clips) {
         const std::string title = clip.name.empty() ? fs::path(clip.file).stem().string() : clip.name;
-        addClip(source, title, folder + "/" + clip.file, false, stage);
+        addClip(source, title, folder + "/" + clip.file, false, links);
     }
 }
 
@@ -99,22 +99,22 @@ std::vector<std::string> clipsBeside(const std::string &sceneFile) {
     return clips;
 }
 
-Source openSource(const std::string &file, const std::vector<std::string> &clips, const Stage &stage,
+Source openSource(const std::string &file, const std::vector<std::string> &clips, const LinkFolder &links,
                   unsigned generation) {
     Source source;
     source.key = "m" + std::to_string(generation);
     source.scene = source.key + "-scene.kte";
     try {
         if (isSceneFile(file))
-            openScene(source, file, stage);
+            openScene(source, file, links);
         else
-            convertModel(source, file, stage);
+            convertModel(source, file, links);
         for (const std::string &clip : clips) {
             requireFile(clip);
-            addClip(source, fs::path(clip).stem().string(), clip, true, stage);
+            addClip(source, fs::path(clip).stem().string(), clip, true, links);
         }
     } catch (...) {
-        stage.clear(source.key);
+        links.clear(source.key);
         throw;
     }
     return source;

@@ -1,10 +1,9 @@
 #ifndef KELTRA_VIEW_SOURCE_H
 #define KELTRA_VIEW_SOURCE_H
 
-// Where a model's files are: those of a scene file as they stand, those of any other model after its
-// conversion.
+// Finds the files of a scene, or converts a model of another format, and links them for the engine.
 
-#include "tools/view/stage.h"
+#include "tools/view/link_folder.h"
 
 #include <string>
 #include <vector>
@@ -12,30 +11,29 @@
 namespace keltra::view {
 
 struct ClipFile {
-    std::string title;  // as it is shown
-    std::string path;   // where it lies
-    std::string name;   // in the stage
+    std::string title;  // shown in the panel
+    std::string path;   // of the file
+    std::string name;   // of the link
     bool wanted;        // named on the command line
 };
 
 struct Source {
-    std::string key;    // what the stage's names of this state begin with, and the folder of its textures
-    std::string scene;  // in the stage
+    std::string key;    // prefix of this state's links, and the link to the folder of its textures
+    std::string scene;  // name of the scene's link
     std::vector<ClipFile> clips;
 };
 
-// Brings `file` onto the stage, with the animations that belong to it and `clips`; `generation` tells this
-// state of the file from earlier ones, which may still be shown. Throws Failure and leaves nothing of it
-// behind.
-Source openSource(const std::string &file, const std::vector<std::string> &clips, const Stage &stage,
+// Links `file`, the animations that belong to it, and `clips`. `generation` makes the names different from
+// those of earlier states of the file, which may still be shown. On failure removes its links and throws
+// Failure.
+Source openSource(const std::string &file, const std::vector<std::string> &clips, const LinkFolder &links,
                   unsigned generation);
 
-// True for a scene file of the engine, by its name or by what it begins with. Throws Failure for what is no
-// file that can be read.
+// Whether the file is a scene of the engine, by its extension or its first bytes. Throws Failure if it is not
+// a readable regular file.
 bool isSceneFile(const std::string &file);
 
-// The animation files beside a scene: those whose names begin with its stem and '_', in the order of their
-// names.
+// The animation files in the scene's folder whose names begin with its stem and '_', sorted by name.
 std::vector<std::string> clipsBeside(const std::string &sceneFile);
 
 }  // namespace keltra::view

@@ -16,7 +16,7 @@ constexpr float kDegreesAPixel = 0.6f;    // of a drag
 constexpr float kDegreesASecond = 90.0f;  // of the arrow keys
 constexpr float kZoomAPixel = 1.01f, kZoomAStep = 1.12f, kZoomASecond = 2.5f;
 constexpr float kPortraitPitch = 14.0f;
-constexpr unsigned kPoses = 4;  // of the first clip that are measured
+constexpr unsigned kPoses = 4;  // poses of the first clip that are measured
 
 double now() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
@@ -27,29 +27,29 @@ std::string nameOf(const std::string &path) {
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-// A message without the path before it, which the panel shows as its title.
+// A message without its path, which the panel shows as title.
 std::string reasonIn(const std::string &message) {
     const std::size_t colon = message.find(": ");
     return colon == std::string::npos ? message : message.substr(colon + 2);
 }
 
-Stage &dress(Stage &stage, const std::string &data) {
-    // Evicted, the font is read again from here.
+LinkFolder &linkFont(LinkFolder &links, const std::string &data) {
+    // If the font is evicted, the engine reads it again from here.
     for (const char *name : {"font.tga", "font.txt"}) {
         if (!vnfFileExists((data + name).c_str())) throw failure(data + name, "the panel's font is missing");
-        stage.link(data + name, name);
+        links.link(data + name, name);
     }
-    return stage;
+    return links;
 }
 
 }  // namespace
 
-RunningEngine::RunningEngine(const Stage &stage) {
+RunningEngine::RunningEngine(const LinkFolder &links) {
     KTSETTINGS wanted;
     wanted.setTitle("keltra-view");
     for (void (KTSETTINGS::*set)(const char *) : {&KTSETTINGS::setKTEPath, &KTSETTINGS::setKTAPath,
                                                   &KTSETTINGS::setTexturePath, &KTSETTINGS::setFontPath}) {
-        (wanted.*set)(stage.prefix().c_str());
+        (wanted.*set)(links.prefix().c_str());
     }
     KTOPENGL::setAngleOfView(Orbit::kAngleOfView);
     if (!KELTRA::init(&wanted)) throw Failure("no display on which the engine could open its window");
@@ -57,17 +57,17 @@ RunningEngine::RunningEngine(const Stage &stage) {
 
 RunningEngine::~RunningEngine() { KELTRA::free(); }
 
-// The files are looked at first: what is wrong with them can be told without a display.
+// The files are opened before the engine starts, so that their errors are reported even without a display.
 Viewer::Viewer(const ViewerSettings &settings)
     : settings(settings),
-      source(openSource(settings.file, settings.clips, stage, 0)),
-      engine(dress(stage, settings.data)),
+      source(openSource(settings.file, settings.clips, links, 0)),
+      engine(linkFont(links, settings.data)),
       panel(settings.panel),
       camera(new KTCAMERA),
       animation(new KTANIM),
       orbit(KTSETTINGS::getSDLWindowX(), KTSETTINGS::getSDLWindowY()) {
     watch.emplace(stampOf(settings.file));
-    model = std::make_unique<Model>(source, stage, settings.file);
+    model = std::make_unique<Model>(source, links, settings.file);
     requireClips();
     panel.setTitle(nameOf(settings.file));
     load();
@@ -83,13 +83,13 @@ Viewer::~Viewer() {
 void Viewer::requireClips() const {
     for (const ClipFile &clip : source.clips) {
         if (animation->load(clip.name.c_str())) continue;
-        const Failure fault = failure(clip.path, "is no animation, or a damaged one");
+        const Failure fault = failure(clip.path, "is not an animation, or is damaged");
         if (clip.wanted) throw fault;
         std::fprintf(stderr, "keltra-view: %s\n", fault.what());
     }
 }
 
-// Begins with the model that was just loaded.
+// Prepares the view for the model that was just loaded.
 void Viewer::load() {
     ++loaded;
     camera->transformMode = 1;
@@ -98,7 +98,7 @@ void Viewer::load() {
     measure();
 }
 
-// A model that takes other poses is framed with them; the pose it was loaded in may be far from any.
+// Frames the model with poses of its clip, which may be far from the pose that it was loaded in.
 void Viewer::measure() {
     std::vector<R3XVECTOR3D> points;
     const unsigned frames = clock.frames(), shown = clock.frame();
@@ -139,8 +139,8 @@ void Viewer::reload() {
     ++generation;
     const std::string playing = source.clips.empty() ? "" : source.clips[chosen].title;
     try {
-        Source fresh = openSource(settings.file, settings.clips, stage, generation);
-        auto loaded = std::make_unique<Model>(fresh, stage, settings.file);
+        Source fresh = openSource(settings.file, settings.clips, links, generation);
+        auto loaded = std::make_unique<Model>(fresh, links, settings.file);
         source = std::move(fresh);
         model = std::move(loaded);
     } catch (const Failure &fault) {
@@ -206,7 +206,7 @@ void Viewer::act(Action action) {
     }
 }
 
-// False once the program is to end.
+// False if the program is to end.
 bool Viewer::handleInput(double seconds) {
     input.read();
     for (Action action : input.actions) {
@@ -224,7 +224,7 @@ bool Viewer::handleInput(double seconds) {
     return true;
 }
 
-// Whoever the pen was put down on keeps it until it is lifted.
+// The pen belongs to the panel, or to the model, from its press to its release.
 void Viewer::handlePanel(const PanelEvents &events) {
     if (!input.pressed || !wasPressed) panelHolds = events.held;
     wasPressed = input.pressed;

@@ -8,11 +8,11 @@
 #include "tools/view/frame_meter.h"
 #include "tools/view/input.h"
 #include "tools/view/lamps.h"
+#include "tools/view/link_folder.h"
 #include "tools/view/marks.h"
 #include "tools/view/model.h"
 #include "tools/view/orbit.h"
 #include "tools/view/panel.h"
-#include "tools/view/stage.h"
 
 #include <functional>
 #include <memory>
@@ -25,33 +25,33 @@ namespace keltra::view {
 struct ViewerSettings {
     std::string file;
     std::vector<std::string> clips;
-    std::string panel;                     // the description of the interface
+    std::string panel;                     // file that describes the interface
     std::string data;                      // folder of the font, with a slash at its end
-    unsigned long (*glCalls)() = nullptr;  // calls of the GL so far; null for a count of 0
-    bool repeatable = false;               // shows no time but that of the frames: each run draws the same
+    unsigned long (*glCalls)() = nullptr;  // number of GL calls so far; null for 0
+    bool repeatable = false;               // shows frame times as given, not measured: all runs draw the same
 };
 
-// The engine while it runs: stopped with the object, after everything that needs it.
+// Starts the engine and stops it in the destructor, after all members declared behind it.
 class RunningEngine {
    public:
-    // Throws Failure when there is no display.
-    explicit RunningEngine(const Stage &stage);
+    // Throws Failure if there is no display.
+    explicit RunningEngine(const LinkFolder &links);
     ~RunningEngine();
     RunningEngine(const RunningEngine &) = delete;
     RunningEngine &operator=(const RunningEngine &) = delete;
 };
 
-// Shows one model in the engine's window. Everything throws Failure.
+// Shows one model in the engine's window. All members can throw Failure.
 class Viewer {
    public:
     explicit Viewer(const ViewerSettings &settings);
     ~Viewer();
 
-    // One frame, `seconds` after the one before: takes the input, draws, and calls `beforeSwap`. False once
+    // Draws a frame, `seconds` after the one before: reads the input, draws, calls `beforeSwap`. False when
     // the user ends the program.
     bool frame(double seconds, const std::function<void()> &beforeSwap = nullptr);
-    // One frame without panel and overlay from `yaw` degrees, slightly from above, in the middle of the first
-    // clip.
+    // Draws a frame without panel and overlay from `yaw` degrees, slightly from above, in the middle of the
+    // first clip.
     void portrait(float yaw, const std::function<void()> &beforeSwap);
 
     const Orbit &view() const { return orbit; }
@@ -61,7 +61,7 @@ class Viewer {
     const Panel &shownPanel() const { return panel; }
     const std::string &shownNotice() const { return notice; }
     const Figures &shownFigures() const { return figures; }
-    // How many states of the file were loaded.
+    // How often the file was loaded.
     unsigned loads() const { return loaded; }
     std::size_t clipCount() const { return source.clips.size(); }
     std::size_t chosenClip() const { return chosen; }
@@ -83,14 +83,14 @@ class Viewer {
     void finishFrame(const std::function<void()> &beforeSwap);
 
     ViewerSettings settings;
-    Stage stage;
+    LinkFolder links;
     Source source;
     RunningEngine engine;
     Backdrop backdrop;
     Lamps lamps;
     Panel panel;
     KTCAMERA *camera;
-    KTANIM *animation;  // the one clip in memory: each takes megabytes
+    KTANIM *animation;  // the chosen clip; only one is kept in memory, because each takes megabytes
     Orbit orbit;
     std::unique_ptr<Model> model;
     unsigned generation = 0, loaded = 0;
@@ -103,7 +103,7 @@ class Viewer {
     bool panelHolds = false, wasPressed = false;
     Figures figures;
     FrameMeter meter;
-    double work = 0.0;  // seconds that the last frame took to draw
+    double work = 0.0;  // seconds to draw the last frame
     unsigned long callsBefore = 0;
     std::string notice;
     MarkBatch marks, bones;

@@ -161,8 +161,8 @@ TEST_F(KeltraInfoTest, WhatIsNoFileIsOneLine) {
     ASSERT_EQ(symlink("loop", folder.path("loop").c_str()), 0);
     const char *const cases[][2] = {
         {"folder", "folder: is a folder\n"},
-        {"pipe", "pipe: is no regular file\n"},
-        {"/dev/zero", "/dev/zero: is no regular file\n"},
+        {"pipe", "pipe: is not a regular file\n"},
+        {"/dev/zero", "/dev/zero: is not a regular file\n"},
         {"empty", "empty: 0x0: kind: an empty file\n"},
         {"large.kte", "large.kte: is larger than the 2 GiB that the engine reads\n"},
         {"loop", "loop: Too many levels of symbolic links\n"},

@@ -150,7 +150,8 @@ TEST_F(Program, RefusesWhatItCannotShow) {
     const std::string noise = folder.write("noise.glb", "glTF nothing");
     expectRefused(view({noise, "--frames", "1"}), noise + ": ");
     const std::string clip = folder.write("bad.kta", "KTA file v1.6a");
-    expectRefused(view({kData + "figure.kte", "--clip", clip, "--frames", "1"}), clip + ": is no animation");
+    expectRefused(view({kData + "figure.kte", "--clip", clip, "--frames", "1"}),
+                  clip + ": is not an animation");
     expectRefused(view({kData + "figure.kte", "--panel", damaged, "--frames", "1"}), damaged + ": ");
 }
 

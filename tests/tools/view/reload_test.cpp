@@ -174,7 +174,7 @@ TEST_F(Reload, AClipThatIsGoneOrDamagedIsToldOf) {
     folder.write("figure_walk.kta", std::string_view("no clip"));
     testing::internal::CaptureStderr();
     start(file);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("figure_walk.kta: is no animation"),
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("figure_walk.kta: is not an animation"),
               std::string::npos);
     EXPECT_NE(viewer->shownNotice(), "");
     EXPECT_EQ(viewer->clipClock().frames(), 0u);

@@ -16,11 +16,11 @@ using namespace keltra::view;
 namespace {
 
 std::string reasonOf(const std::string &file, const std::vector<std::string> &clips = {}) {
-    Stage stage;
+    LinkFolder links;
     try {
-        openSource(file, clips, stage, 0);
+        openSource(file, clips, links, 0);
     } catch (const Failure &fault) {
-        EXPECT_TRUE(fs::is_empty(stage.prefix())) << "something was left behind";
+        EXPECT_TRUE(fs::is_empty(links.prefix())) << "something was left behind";
         return fault.what();
     }
     return "";
@@ -58,35 +58,35 @@ TEST(Source, BringsASceneAndItsClipsOntoTheStage) {
     folder.write("fox_walk.kta", "walk");
     folder.write("fur.tga", "fur");
     const std::string extra = folder.write("jump.kta", "jump!");
-    Stage stage;
-    const Source source = openSource(scene, {extra}, stage, 3);
-    EXPECT_EQ(readFile(stage.path(source.scene)).size(), 5u);
-    EXPECT_EQ(readFile(stage.path(source.key + "/fur.tga")).size(), 3u);
+    LinkFolder links;
+    const Source source = openSource(scene, {extra}, links, 3);
+    EXPECT_EQ(readFile(links.path(source.scene)).size(), 5u);
+    EXPECT_EQ(readFile(links.path(source.key + "/fur.tga")).size(), 3u);
     ASSERT_EQ(source.clips.size(), 2u);
     EXPECT_EQ(source.clips[0].title, "walk");
     EXPECT_FALSE(source.clips[0].wanted);
-    EXPECT_EQ(readFile(stage.path(source.clips[0].name)).size(), 4u);
+    EXPECT_EQ(readFile(links.path(source.clips[0].name)).size(), 4u);
     EXPECT_EQ(source.clips[1].title, "jump");
     EXPECT_TRUE(source.clips[1].wanted);
-    EXPECT_EQ(readFile(stage.path(source.clips[1].name)).size(), 5u);
+    EXPECT_EQ(readFile(links.path(source.clips[1].name)).size(), 5u);
 }
 
 TEST(Source, TwoStatesOfOneFileShareNoNames) {
     TempFolder folder;
     const std::string scene = folder.write("fox.kte", "scene");
-    Stage stage;
-    const Source first = openSource(scene, {}, stage, 1), second = openSource(scene, {}, stage, 2);
+    LinkFolder links;
+    const Source first = openSource(scene, {}, links, 1), second = openSource(scene, {}, links, 2);
     EXPECT_NE(first.scene, second.scene);
-    stage.clear(first.key);
-    EXPECT_TRUE(fs::exists(stage.path(second.scene)));
+    links.clear(first.key);
+    EXPECT_TRUE(fs::exists(links.path(second.scene)));
 }
 
 TEST(Source, AModelIsConverted) {
     TempFolder folder;
     const std::string model = folder.write("tri.obj", kTriangle);
-    Stage stage;
-    const Source source = openSource(model, {}, stage, 0);
-    EXPECT_GT(readFile(stage.path(source.scene)).size(), 17u);
+    LinkFolder links;
+    const Source source = openSource(model, {}, links, 0);
+    EXPECT_GT(readFile(links.path(source.scene)).size(), 17u);
     EXPECT_TRUE(source.clips.empty());
 }
 
@@ -96,7 +96,7 @@ TEST(Source, SaysWhatCannotBeOpened) {
     fs::create_directory(folder.path("folder.kte"));
     EXPECT_EQ(reasonOf(folder.path("folder.kte")), folder.path("folder.kte") + ": is a folder");
     ASSERT_EQ(mkfifo(folder.path("pipe.kte").c_str(), 0600), 0);
-    EXPECT_EQ(reasonOf(folder.path("pipe.kte")), folder.path("pipe.kte") + ": is no regular file");
+    EXPECT_EQ(reasonOf(folder.path("pipe.kte")), folder.path("pipe.kte") + ": is not a regular file");
     EXPECT_NE(reasonOf(""), "");
     const std::string scene = folder.write("fox.kte", "scene");
     EXPECT_EQ(reasonOf(scene, {folder.path("no.kta")}),

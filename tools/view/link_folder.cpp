@@ -1,4 +1,4 @@
-#include "tools/view/stage.h"
+#include "tools/view/link_folder.h"
 
 #include "tools/view/failure.h"
 
@@ -10,11 +10,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kLongestPrefix = 200;  // the rest of the engine's 255 is for names in the folder
+constexpr std::size_t kLongestPrefix = 200;  // leaves room for names within the engine's 255
 
 }  // namespace
 
-Stage::Stage() {
+LinkFolder::LinkFolder() {
     std::error_code error;
     const fs::path above = fs::temp_directory_path(error);
     if (error) throw failure("temporary folder", error.message());
@@ -27,24 +27,24 @@ Stage::Stage() {
     folder = pattern + "/";
 }
 
-Stage::~Stage() {
+LinkFolder::~LinkFolder() {
     std::error_code ignored;
     fs::remove_all(folder, ignored);
 }
 
-void Stage::link(const std::string &target, const std::string &name) const {
+void LinkFolder::link(const std::string &target, const std::string &name) const {
     std::error_code error;
     const fs::path whole = fs::absolute(target, error);
     if (!error) fs::create_symlink(whole, path(name), error);
     if (error) throw failure(target, error.message());
 }
 
-void Stage::makeFolder(const std::string &name) const {
+void LinkFolder::makeFolder(const std::string &name) const {
     std::error_code error;
     if (!fs::create_directory(path(name), error) && error) throw failure(path(name), error.message());
 }
 
-void Stage::clear(const std::string &beginning) const {
+void LinkFolder::clear(const std::string &beginning) const {
     std::error_code ignored;
     for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
          entry.increment(ignored)) {

@@ -1,4 +1,4 @@
-#include "tools/view/stage.h"
+#include "tools/view/link_folder.h"
 
 #include "tests/support/temp_file.h"
 #include "tools/view/failure.h"
@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 using keltra::test::readFile;
 using keltra::test::TempFolder;
 using keltra::view::Failure;
-using keltra::view::Stage;
+using keltra::view::LinkFolder;
 
 namespace {
 
@@ -35,65 +35,65 @@ class TempDirectory {
 
 }  // namespace
 
-TEST(Stage, IsPrivateAndGoneWithTheObject) {
+TEST(LinkFolder, IsPrivateAndGoneWithTheObject) {
     std::string path;
     {
-        Stage stage;
-        path = stage.prefix();
+        LinkFolder links;
+        path = links.prefix();
         EXPECT_EQ(path.back(), '/');
         struct stat status;
         ASSERT_EQ(::stat(path.c_str(), &status), 0);
         EXPECT_EQ(status.st_mode & 077, 0u);
-        stage.makeFolder("m0");
+        links.makeFolder("m0");
         TempFolder elsewhere;
-        stage.link(elsewhere.write("a", "1"), "m0-a");
+        links.link(elsewhere.write("a", "1"), "m0-a");
     }
     EXPECT_FALSE(fs::exists(path));
 }
 
-TEST(Stage, LinksLeaveWhatTheyLeadTo) {
+TEST(LinkFolder, LinksLeaveWhatTheyLeadTo) {
     TempFolder folder;
     const std::string file = folder.write("long.xml.kte", "content");
     {
-        Stage stage;
-        stage.link(file, "m0-scene.kte");
-        stage.link(folder.prefix(), "m0");
-        EXPECT_EQ(readFile(stage.path("m0-scene.kte")).size(), 7u);
-        EXPECT_EQ(readFile(stage.path("m0/long.xml.kte")).size(), 7u);
-        stage.clear("m0");
-        EXPECT_FALSE(fs::exists(stage.path("m0")));
-        EXPECT_FALSE(fs::exists(stage.path("m0-scene.kte")));
-        stage.link(folder.prefix(), "m1");
+        LinkFolder links;
+        links.link(file, "m0-scene.kte");
+        links.link(folder.prefix(), "m0");
+        EXPECT_EQ(readFile(links.path("m0-scene.kte")).size(), 7u);
+        EXPECT_EQ(readFile(links.path("m0/long.xml.kte")).size(), 7u);
+        links.clear("m0");
+        EXPECT_FALSE(fs::exists(links.path("m0")));
+        EXPECT_FALSE(fs::exists(links.path("m0-scene.kte")));
+        links.link(folder.prefix(), "m1");
     }
     EXPECT_TRUE(fs::exists(file));
 }
 
-TEST(Stage, ClearTakesOneBeginningOnly) {
+TEST(LinkFolder, ClearTakesOneBeginningOnly) {
     TempFolder folder;
-    Stage stage;
-    stage.link(folder.write("a", "1"), "m1-a");
-    stage.link(folder.write("b", "2"), "m2-b");
-    stage.clear("m1");
-    EXPECT_FALSE(fs::exists(stage.path("m1-a")));
-    EXPECT_TRUE(fs::exists(stage.path("m2-b")));
+    LinkFolder links;
+    links.link(folder.write("a", "1"), "m1-a");
+    links.link(folder.write("b", "2"), "m2-b");
+    links.clear("m1");
+    EXPECT_FALSE(fs::exists(links.path("m1-a")));
+    EXPECT_TRUE(fs::exists(links.path("m2-b")));
 }
 
-TEST(Stage, ANameThatIsTakenIsAFailure) {
+TEST(LinkFolder, ANameThatIsTakenIsAFailure) {
     TempFolder folder;
-    Stage stage;
-    stage.link(folder.write("a", "1"), "m1-a");
-    EXPECT_THROW(stage.link(folder.path("a"), "m1-a"), Failure);
+    LinkFolder links;
+    links.link(folder.write("a", "1"), "m1-a");
+    EXPECT_THROW(links.link(folder.path("a"), "m1-a"), Failure);
 }
 
-TEST(Stage, NeedsATemporaryFolderOfBearableLength) {
+TEST(LinkFolder, NeedsATemporaryFolderOfBearableLength) {
     TempFolder folder;
     const std::string longPath = folder.path(std::string(210, 'x'));
     fs::create_directory(longPath);
     const TempDirectory here(longPath);
-    EXPECT_THROW(Stage(), Failure);
+    EXPECT_THROW(LinkFolder(), Failure);
 }
 
-TEST(Stage, WithoutATemporaryFolderThereIsNone) {
+TEST(LinkFolder, WithoutATemporaryFolderThereIsNone) {
     const TempDirectory here("/nowhere/at/all");
-    EXPECT_THROW(Stage(), Failure);
+    EXPECT_THROW(LinkFolder(), Failure);
 }
