@@ -4,7 +4,7 @@
 // The child's side of `convertIsolated`, and the messages that it sends: the size in 32 bits, then CBOR,
 // which can hold names of any bytes.
 
-#include "tools/convert/isolated.h"
+#include "tools/convert/outcome.h"
 
 #include <sys/types.h>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #ifndef KELTRA_CONVERT_REPORT_TEXT_H
 #define KELTRA_CONVERT_REPORT_TEXT_H
 
-#include "tools/convert/isolated.h"
+#include "tools/convert/outcome.h"
 
 #include <string>
 

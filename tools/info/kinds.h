@@ -5,7 +5,8 @@
 
 #include <string>
 
-#include "tools/info/inspect.h"
+#include "formats/fault.h"
+#include "tools/info/inspection.h"
 
 namespace keltra::info {
 

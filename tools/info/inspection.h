@@ -1,0 +1,45 @@
+#ifndef KELTRA_INFO_INSPECTION_H
+#define KELTRA_INFO_INSPECTION_H
+
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace keltra::info {
+
+enum class FileKind {
+    kScene,
+    kAnimation,
+    kTexture,
+    kKerning,
+    kSettings,
+    kInterface,
+    kEmitter,
+    kVideo,
+    kUnknown,
+};
+
+// Where a file is bad. Line and column count from 1, and are 0 for binary files and whole-file faults.
+struct Flaw {
+    std::size_t offset = 0;
+    std::size_t line = 0, column = 0;
+    std::string field, reason;
+    std::string found;  // empty when there is nothing to show
+};
+
+// Insertion order is what is printed. Texts in it are the file's own bytes, whatever they are; lists of
+// objects with a "level" are trees in depth-first order.
+using Fields = nlohmann::ordered_json;
+
+struct Inspection {
+    FileKind kind = FileKind::kUnknown;
+    bool good = false;
+    Flaw flaw;                         // of a bad file
+    Fields fields = Fields::object();  // of a bad file: what comes before the flaw
+    std::vector<std::string> notes;    // what the engine takes and a person might not have meant
+};
+
+}  // namespace keltra::info
+
+#endif
