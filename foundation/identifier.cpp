@@ -1,6 +1,6 @@
-#include <keltra/foundation.h>
+#include "foundation/identifier.h"
 
-#include "foundation/lifecycle.h"
+#include <keltra/foundation.h>
 
 #include <cstdlib>
 #include <cstring>

@@ -1,7 +1,8 @@
+#include "foundation/log.h"
+
 #include <keltra/foundation.h>
 
-#include "foundation/lifecycle.h"
-#include "platform/platform.h"
+#include "foundation/memory.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -24,8 +25,7 @@ struct TimeText {
     char text[96];
 };
 
-TimeText localTime() {
-    keltra::LocalTime now = keltra::platformLocalTime();
+TimeText textOf(const keltra::LocalTime &now) {
     TimeText result;
     std::snprintf(result.text, sizeof result.text, "%u/%u/%u %u:%u:%u.%u", now.day, now.month, now.year,
                   now.hour, now.minute, now.second, now.millisecond);
@@ -71,55 +71,34 @@ void translateToHtml(const char *text, char (&result)[kTextSize]) {
     result[length] = '\0';
 }
 
-// The library's load and unload steps. With the earliest priority the identifiers are there for every other
-// static object of the library; a static object that outlives this one finds no table, which releaseId
-// tolerates.
-struct LibraryLife {
-    LibraryLife() {
-        vnfOpenLog(nullptr);
-        vnfSetLogEcho(false);
-    }
-    ~LibraryLife() { vnfCloseLog(); }
-};
-
-#if defined(__GNUC__)
-__attribute__((init_priority(101)))
-#endif
-LibraryLife libraryLife;
-
 }  // namespace
 
-bool vnfOpenLog(const char *path) {
-    if (path) {
-        if (logFile) return false;
-        logFile = std::fopen(path, "wt");
-        if (!logFile) return false;
-        // Never cleared again: applications get every later log of the process as HTML as well.
-        if (std::strstr(path, ".html")) html = true;
-        if (html) write("<HTML><BODY>");
-    }
-    keltra::restartMemoryPeak();
-    TimeText now = localTime();
-    keltra::takeIdentifierTable();
-    keltra::freeAllTimers();
-    if (logFile) writeOpeningBanner(now.text);
+bool keltra::openLogFile(const char *path) {
+    if (logFile) return false;
+    logFile = std::fopen(path, "wt");
+    if (!logFile) return false;
+    // Never cleared again: applications get every later log of the process as HTML as well.
+    if (std::strstr(path, ".html")) html = true;
+    if (html) write("<HTML><BODY>");
     return true;
 }
 
-bool vnfCloseLog() {
-    keltra::dropIdentifierTable();
-    if (!logFile) return true;
-    TimeText now = localTime();
+void keltra::beginLog(const LocalTime &time) {
+    if (logFile) writeOpeningBanner(textOf(time).text);
+}
+
+void keltra::endLog() {
+    if (!logFile) return;
+    const TimeText now = textOf(platformLocalTime());
     if (html)
         std::fprintf(logFile, "<H4>\n%s", kHtmlRule);
     else
         std::fprintf(logFile, "\n%s", kTextRule);
-    writeMemorySummary(keltra::memoryCounters());
+    writeMemorySummary(memoryCounters());
     std::fprintf(logFile, "[%s terminated at %s]\n", kLibraryName, now.text);
     if (html) write("</H4></BODY></HTML>");
     std::fclose(logFile);
     logFile = nullptr;
-    return true;
 }
 
 bool vnfLog(const char *format, ...) {

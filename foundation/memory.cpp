@@ -1,6 +1,7 @@
+#include "foundation/memory.h"
+
 #include <keltra/foundation.h>
 
-#include "foundation/lifecycle.h"
 #include "platform/platform.h"
 
 #include <cstdio>

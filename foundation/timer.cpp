@@ -1,6 +1,7 @@
+#include "foundation/timer.h"
+
 #include <keltra/foundation.h>
 
-#include "foundation/lifecycle.h"
 #include "platform/platform.h"
 
 namespace {
