@@ -4,6 +4,7 @@
 #include <SDL/SDL_syswm.h>
 
 #include <keltra/foundation.h>
+#include <keltra/opengl.h>
 #include <keltra/settings.h>
 
 #include <cstdint>
@@ -127,4 +128,14 @@ bool KTSETTINGS::free() {
     closeContext();
     active = false;
     return true;
+}
+
+bool KTSETTINGS::resize(int x, int y, int width, int height) {
+    int oldX = windowX, oldY = windowY;
+    windowX = width;
+    windowY = height;
+    if (KTOPENGL::resize(x, y, width, height)) return true;
+    windowX = oldX;
+    windowY = oldY;
+    return false;
 }

@@ -9,7 +9,6 @@ unsigned int KTENGINESTATE::videoMemoryTotal = 0;
 unsigned int KTENGINESTATE::videoMemoryUsed = 0;
 bool KTENGINESTATE::wireframe = false;
 bool KTENGINESTATE::shadowing = false;
-KTNODE *KTENGINESTATE::skybox = nullptr;
 
 float KTENGINESTATE::getFPS() { return vnfGetTimerFps(timer); }
 

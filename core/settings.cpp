@@ -1,7 +1,5 @@
 #include <keltra/settings.h>
 
-#include <keltra/opengl.h>
-
 #include "foundation/text.h"
 
 bool KTSETTINGS::active = false;
@@ -57,13 +55,3 @@ void KTSETTINGS::setMPGPath(const char *path) { copyText(record.mpgPath, path); 
 void KTSETTINGS::setTexturePath(const char *path) { copyText(record.texturePath, path); }
 void KTSETTINGS::setShaderPath(const char *path) { copyText(record.shaderPath, path); }
 void KTSETTINGS::setFontPath(const char *path) { copyText(record.fontPath, path); }
-
-bool KTSETTINGS::resize(int x, int y, int width, int height) {
-    int oldX = windowX, oldY = windowY;
-    windowX = width;
-    windowY = height;
-    if (KTOPENGL::resize(x, y, width, height)) return true;
-    windowX = oldX;
-    windowY = oldY;
-    return false;
-}

@@ -31,6 +31,7 @@ float KELTRA::HDRExposure = 1.0f;
 float KELTRA::HDRCurrentLuminance = 1.0f;
 float KELTRA::DOFFocus = 1.0f;
 float KELTRA::DOFRange = 2.0f;
+KTNODE *KELTRA::skybox = nullptr;
 char KELTRA::ktePath[256];
 bool KELTRA::timerUpdated = false;
 

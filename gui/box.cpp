@@ -1,17 +1,15 @@
 #include <keltra/box.h>
 
-#include <keltra/label.h>
-#include <keltra/scrollbar.h>
-#include <keltra/shader.h>
 #include <keltra/texture.h>
-#include <keltra/window.h>
 
 #include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstring>
 
-#include "gui/widgets.h"
+#include "gui/events.h"
+#include "gui/geometry.h"
+#include "scene/node_class.h"
 #include "scene/tree_walk.h"
 
 long KTBOX::counter = 0;
@@ -132,7 +130,7 @@ bool KTBOX::setForemost(long) {
     keltra::walkTree(this, [](KTNODE *node, unsigned int depth) {
         if (depth > 0) getNextCounter();
         long stamp = getNextCounter();
-        if (KTBOX *box = keltra::asBox(node)) box->foremostTimeStamp = stamp;
+        if (KTBOX *box = keltra::as<KTBOX>(node)) box->foremostTimeStamp = stamp;
         return node->numberOfChildren;
     });
     return true;
@@ -150,63 +148,10 @@ bool KTBOX::setShader(KTSHADER *newShader) {
     return true;
 }
 
-// Both edges belong to the box: 64 pixels answer to 65 columns, which is meant.
-bool KTBOX::checkBoundaries(int x, int y) {
-    if (!checkStatus) return false;
-    KTWINDOW *window = type == KT_WINDOW ? nullptr : keltra::windowAround(*this);
-    if (window && window->getChild(0) != this && !window->checkBoundaries(x, y)) return false;
-    keltra::Origin origin = keltra::originOf(*this);
-    float pointX = static_cast<float>(x), pointY = static_cast<float>(y);
-    return pointX >= position.x + origin.x && pointY >= position.y + origin.y &&
-           pointX <= static_cast<float>(sizeX) + position.x + origin.x &&
-           pointY <= static_cast<float>(sizeY) + position.y + origin.y;
-}
-
 bool KTBOX::checkLimits(int *dx, int *dy) {
     if (!dx || !dy || !limitStatus) return false;
     keltra::Origin origin = keltra::originOf(*this);
     *dx = clampMovement(*dx, keltra::toInt(position.x), keltra::toInt(origin.x), sizeX, startX, endX);
     *dy = clampMovement(*dy, keltra::toInt(position.y), keltra::toInt(origin.y), sizeY, startY, endY);
     return true;
-}
-
-void KTBOX::forgetFont(const KTFONT *gone) {
-    for (KTBOX *box = firstBox; box; box = box->nextBox) {
-        if (KTLABEL *label = keltra::as<KTLABEL>(box)) {
-            if (label->font == gone) label->font = nullptr;
-        } else if (KTBUTTON *button = keltra::as<KTBUTTON>(box)) {
-            if (button->font == gone) button->font = nullptr;
-        }
-    }
-}
-
-void KTBOX::forgetShader(const KTSHADER *gone) {
-    for (KTBOX *box = firstBox; box; box = box->nextBox)
-        if (box->shader == gone) box->shader = nullptr;
-}
-
-void KTBOX::forgetTexture(const KTTEXTURE *gone) {
-    for (KTBOX *box = firstBox; box; box = box->nextBox)
-        if (box->texture == gone) box->texture = nullptr;
-}
-
-// Copies of windows and scroll bars point to parts that they do not own, so all of them are asked.
-void KTBOX::forgetPart() {
-    auto clear = [this](auto *&pointer) {
-        if (pointer == this) pointer = nullptr;
-    };
-    for (KTBOX *box = firstBox; box; box = box->nextBox) {
-        if (KTWINDOW *window = keltra::as<KTWINDOW>(box)) {
-            clear(window->titleBar);
-            clear(window->ownTitleBar);
-            clear(window->scrollBar);
-            clear(window->ownScrollBar);
-        } else if (KTHSCROLLBAR *lying = keltra::as<KTHSCROLLBAR>(box)) {
-            clear(lying->cursor);
-            clear(lying->ownCursor);
-        } else if (KTVSCROLLBAR *standing = keltra::as<KTVSCROLLBAR>(box)) {
-            clear(standing->cursor);
-            clear(standing->ownCursor);
-        }
-    }
 }

@@ -10,6 +10,7 @@
 #include <keltra/texture.h>
 
 #include "gui/widgets.h"
+#include "gui/window_around.h"
 #include "math/fixed.h"
 
 namespace {

@@ -3,7 +3,10 @@
 #include <keltra/settings.h>
 #include <keltra/textfield.h>
 
+#include "gui/events.h"
+#include "gui/geometry.h"
 #include "gui/widgets.h"
+#include "gui/window_around.h"
 #include "scene/render_list.h"
 
 namespace {

@@ -8,6 +8,7 @@
 
 #include "foundation/text.h"
 #include "gui/widgets.h"
+#include "gui/window_around.h"
 
 namespace {
 

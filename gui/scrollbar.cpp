@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <new>
 
-#include "gui/widgets.h"
+#include "gui/geometry.h"
 
 namespace {
 

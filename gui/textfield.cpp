@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "gui/widgets.h"
+#include "gui/window_around.h"
 
 namespace {
 

@@ -16,6 +16,7 @@
 
 #include "core/glbridge.h"
 #include "foundation/text.h"
+#include "gui/geometry.h"
 #include "gui/widgets.h"
 
 const unsigned int KTWINDOW::textSize;

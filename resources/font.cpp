@@ -1,14 +1,14 @@
-#include <keltra/box.h>
 #include <keltra/font.h>
 #include <keltra/foundation.h>
 #include <keltra/opengl.h>
 #include <keltra/texture.h>
 
+#include "core/holders.h"
 #include "formats/kerning.h"
 #include "foundation/file_bytes.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
-#include "resources/font_layout.h"
+#include "resources/text_escape.h"
 
 #include <GLES/gl.h>
 
@@ -138,7 +138,7 @@ void KTFONT::setLink(KTFONT &font, KTFONT *before, KTFONT *after) {
 }
 
 void KTFONT::letGo(KTFONT &font) {
-    KTBOX::forgetFont(&font);
+    keltra::Holders::forget(&font);
     font.releaseTexture();
     font.delist();
 }

@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
+
+#include "resources/text_escape.h"
 
 namespace {
 
@@ -112,37 +113,6 @@ class LineBreaker {
 };
 
 }  // namespace
-
-keltra::TextToken keltra::escapeToken(const char *text) {
-    TextToken token;
-    switch (text[1]) {
-        case '\0':
-            return TextToken::kEnd;
-        case 'c':
-        case 'C':
-            token = TextToken::kColor;
-            break;
-        case 'x':
-        case 'X':
-            token = TextToken::kMoveX;
-            break;
-        case 'y':
-        case 'Y':
-            token = TextToken::kMoveY;
-            break;
-        default:
-            return TextToken::kGlyph;
-    }
-    for (std::size_t i = 2; i < kEscapeLength; ++i)
-        if (!text[i]) return TextToken::kEnd;
-    return token;
-}
-
-int keltra::escapeNumber(const char *escape) {
-    char digits[kEscapeLength - 1] = {};
-    std::memcpy(digits, escape + 2, sizeof digits - 1);
-    return static_cast<int>(std::strtol(digits, nullptr, 10));
-}
 
 int keltra::formatText(const KTFONT &font, const char *source, char *destination, std::size_t size,
                        unsigned int width) {

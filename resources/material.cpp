@@ -1,12 +1,12 @@
 #include <keltra/engine_state.h>
 #include <keltra/glbridge.h>
 #include <keltra/material.h>
-#include <keltra/mesh.h>
 #include <keltra/opengl.h>
 #include <keltra/settings.h>
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "core/holders.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -129,7 +129,7 @@ void KTMATERIAL::setLink(KTMATERIAL &material, KTMATERIAL *before, KTMATERIAL *a
 
 void KTMATERIAL::letGo(KTMATERIAL &material) {
     if (currentMaterial == &material) currentMaterial = nullptr;
-    KTMESH::forgetMaterial(&material);
+    keltra::Holders::forget(&material);
     material.delist();
 }
 

@@ -1,7 +1,6 @@
-#include <keltra/box.h>
-#include <keltra/material.h>
 #include <keltra/shader.h>
 
+#include "core/holders.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -100,8 +99,7 @@ void KTSHADER::letGo(KTSHADER &shader) {
     if (currentShader == &shader) currentShader = nullptr;
     for (KTSHADER **named : kNamed)
         if (*named == &shader) *named = nullptr;
-    KTMATERIAL::forgetShader(&shader);
-    KTBOX::forgetShader(&shader);
+    keltra::Holders::forget(&shader);
     shader.delist();
 }
 

@@ -1,12 +1,7 @@
-#include <keltra/box.h>
-#include <keltra/emitter.h>
 #include <keltra/engine_state.h>
-#include <keltra/fbo.h>
-#include <keltra/font.h>
-#include <keltra/material.h>
 #include <keltra/texture.h>
-#include <keltra/video.h>
 
+#include "core/holders.h"
 #include "foundation/block.h"
 #include "resources/mipmap.h"
 
@@ -141,12 +136,7 @@ void KTTEXTURE::letGo(KTTEXTURE &texture) {
     texture.unload(true);
     for (KTTEXTURE *&cached : channelCache)
         if (cached == &texture) cached = nullptr;
-    KTMATERIAL::forgetTexture(&texture);
-    KTFBO::forgetTexture(&texture);
-    KTFONT::forgetTexture(&texture);
-    KTBOX::forgetTexture(&texture);
-    KTEMITTER::forgetTexture(&texture);
-    KTVIDEO::forgetTexture(&texture);
+    keltra::Holders::forget(&texture);
     texture.delist();
 }
 

@@ -11,6 +11,8 @@ extern "C" {
 
 #include <cstring>
 
+#include "formats/limits.h"
+
 namespace keltra {
 namespace {
 
@@ -73,7 +75,7 @@ void skipSequence(KTVIDEOSTREAM &stream) {
 void beginSequence(KTVIDEOSTREAM &stream) {
     const mpeg2_sequence_t *sequence = stream.sequence;
     stream.converted = stream.begun = false;
-    if (!sequence || sequence->width > KTVIDEO::maxSize || sequence->height > KTVIDEO::maxSize ||
+    if (!sequence || sequence->width > kMaxTextureSize || sequence->height > kMaxTextureSize ||
         !hasRoomFor(*sequence)) {
         skipSequence(stream);
         return;

@@ -4,7 +4,7 @@
 // The decoder behind a video: the only place that knows libmpeg2. An engine without video has
 // no_video_stream.cpp instead.
 
-#include <keltra/video.h>
+#include <keltra/video_stream.h>
 
 namespace keltra {
 

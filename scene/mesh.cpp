@@ -121,7 +121,7 @@ void KTMESH::setMaterial(KTMATERIAL *value) {
 }
 
 // Copies too refer to a material, so every mesh in existence is asked.
-void KTMESH::forgetMaterial(KTMATERIAL *gone) {
+void KTMESH::forgetMaterial(const KTMATERIAL *gone) {
     // A pointer to the protected member, taken through this class, may be used on any node.
     KTNODE *(KTREGISTERED<KTNODE>::*next)() const = &KTMESH::nextAlive;
     for (KTNODE *node = firstAlive(); node; node = (node->*next)()) {

@@ -1,14 +1,11 @@
 #include <keltra/node.h>
 
-#include <keltra/element.h>
-#include <keltra/engine_state.h>
-
 #include <cstdio>
 #include <cstring>
 
+#include "core/holders.h"
 #include "foundation/block.h"
 #include "foundation/registry.h"
-#include "scene/tree_walk.h"
 
 template class KTREGISTERED<KTNODE>;
 
@@ -22,11 +19,6 @@ const char typeNames[kTypeNames][256] = {
     "water",  "terrain",   "helper",     "sound",      "box",    "label",   "button",
     "window", "textfield", "hscrollbar", "vscrollbar", "custom",
 };
-
-// The first character decides for most names that an application gives, without a call.
-bool isNamed(const KTNODE &node, const char *name) {
-    return node.name[0] == name[0] && std::strcmp(node.name, name) == 0;
-}
 
 }  // namespace
 
@@ -161,8 +153,7 @@ void KTNODE::forget(const KTNODE *gone) {
 }
 
 void KTNODE::forgetEverywhere() {
-    KTELEMENT::forget(this);
-    if (KTENGINESTATE::skybox == this) KTENGINESTATE::skybox = nullptr;
+    keltra::Holders::forget(this);
     if (borrows) {
         (previousBorrower ? previousBorrower->nextBorrower : firstBorrower) = nextBorrower;
         if (nextBorrower) nextBorrower->previousBorrower = previousBorrower;
@@ -182,32 +173,6 @@ KTNODE *KTNODE::getFirstNode() { return firstRegistered(); }
 KTNODE *KTNODE::getNextNode() const { return isRegistered() ? registeredNext() : nextNode; }
 
 KTNODE *KTNODE::getPreviousNode() const { return isRegistered() ? registeredPrevious() : previousNode; }
-
-KTNODE *KTNODE::findByName(const char *name) {
-    if (!name) return nullptr;
-    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
-        if (isNamed(*node, name)) return node;
-    return nullptr;
-}
-
-KTNODE *KTNODE::findById(unsigned int id) {
-    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
-        if (node->id == id) return node;
-    return nullptr;
-}
-
-KTNODE *KTNODE::findByNameInHierarchy(const char *name) {
-    if (!name) return nullptr;
-    return keltra::walkTree(this, [name](KTNODE *node, unsigned int) {
-        return isNamed(*node, name) ? keltra::kStopWalk : node->numberOfChildren;
-    });
-}
-
-KTNODE *KTNODE::findByIdInHierarchy(unsigned int id) {
-    return keltra::walkTree(this, [id](KTNODE *node, unsigned int) {
-        return node->id == id ? keltra::kStopWalk : node->numberOfChildren;
-    });
-}
 
 void KTNODE::setName(const char *text) {
     if (!text) return;

@@ -3,6 +3,10 @@
 
 #include <keltra/node.h>
 
+namespace keltra {
+class Holders;
+}
+
 class KTFONT;
 class KTSHADER;
 class KTTEXTURE;
@@ -115,10 +119,8 @@ class KT_API KTBOX : public KTNODE {
     KTBOXCOORD boxCoord;
 
    private:
-    friend class KTFONT;
+    friend class keltra::Holders;
     friend class KTHSCROLLBAR;
-    friend class KTSHADER;
-    friend class KTTEXTURE;
     friend class KTVSCROLLBAR;
     friend class KTWINDOW;
     static void forgetFont(const KTFONT *gone);

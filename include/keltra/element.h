@@ -4,6 +4,10 @@
 #include <keltra/matrix.h>
 #include <keltra/vector.h>
 
+namespace keltra {
+class Holders;
+}
+
 class KTMESH;
 class KTNODE;
 
@@ -95,7 +99,7 @@ class KT_API KTELEMENT {
     static unsigned int numberOfTransparencies;
 
    private:
-    friend class KTNODE;
+    friend class keltra::Holders;
     static void append(KTNODE *node);
     static void passSkin(KTMESH *mesh, KTELEMENT &entry);
     static void forget(const KTNODE *gone);

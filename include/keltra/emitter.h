@@ -3,6 +3,10 @@
 
 #include <keltra/node.h>
 
+namespace keltra {
+class Holders;
+}
+
 class KTTEXTURE;
 
 /** One record of the pool. */
@@ -152,7 +156,7 @@ class KT_API KTEMITTER : public KTNODE {
     static unsigned char *colorArray;
 
    private:
-    friend class KTTEXTURE;
+    friend class keltra::Holders;
     struct BILLBOARD;
     static void forgetTexture(const KTTEXTURE *gone);
     static void freeArrays();

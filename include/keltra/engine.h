@@ -68,6 +68,7 @@ class KT_API KELTRA : public KTENGINESTATE {
     /** Node whose first child is drawn around the eye, before everything else; null for none. Not owned;
      * forgotten when the node is destroyed. */
     static void setSkybox(KTNODE *node);
+    static KTNODE *getSkybox() { return skybox; }
 
     /** Wireframe: meshes are drawn as the edges of their triangles. Off at first; takes effect at the next
      * `end3D`. */
@@ -111,6 +112,7 @@ class KT_API KELTRA : public KTENGINESTATE {
     static float bloomingIntensity;
     static float HDRExposure, HDRCurrentLuminance;
     static float DOFFocus, DOFRange;
+    static KTNODE *skybox;
     static char ktePath[256];
 
    private:

@@ -3,8 +3,6 @@
 
 #include <keltra/export.h>
 
-class KTNODE;
-
 /** What all classes of the engine share: the frame's counter and timer, the account of video memory, and the
  * switches that nodes and materials are drawn by. `KELTRA` derives from it, so that applications write
  * `KELTRA::timeStamp`. */
@@ -29,14 +27,11 @@ class KT_API KTENGINESTATE {
     static bool isWireframed() { return wireframe; }
     /** Whether shadows are on. */
     static bool isShadowed() { return shadowing; }
-    /** The node set by `KELTRA::setSkybox`. */
-    static KTNODE *getSkybox() { return skybox; }
 
     static int timer;  ///< index of the frame timer; -1 while the engine is not active
     static long int timeStamp;
     static unsigned int videoMemoryTotal, videoMemoryUsed;
     static bool wireframe, shadowing;
-    static KTNODE *skybox;
 };
 
 #endif

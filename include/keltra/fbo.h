@@ -3,6 +3,10 @@
 
 #include <keltra/registered.h>
 
+namespace keltra {
+class Holders;
+}
+
 class KTFBO;
 class KTSHADER;
 class KTTEXTURE;
@@ -61,7 +65,7 @@ class KT_API KTFBO : public KTREGISTERED<KTFBO> {
 
    private:
     friend class KTREGISTERED<KTFBO>;
-    friend class KTTEXTURE;
+    friend class keltra::Holders;
     static void setLink(KTFBO &target, KTFBO *before, KTFBO *after);
     static void setFirst(KTFBO *first) { firstFbo = first; }
     static void letGo(KTFBO &target);

@@ -5,6 +5,10 @@
 
 #include <keltra/registered.h>
 
+namespace keltra {
+class Holders;
+}
+
 class KTFONT;
 class KTTEXTURE;
 extern template class KT_API KTREGISTERED<KTFONT>;
@@ -113,7 +117,7 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT> {
 
    private:
     friend class KTREGISTERED<KTFONT>;
-    friend class KTTEXTURE;
+    friend class keltra::Holders;
     static void setLink(KTFONT &font, KTFONT *before, KTFONT *after);
     static void setFirst(KTFONT *first) { firstFont = first; }
     static void letGo(KTFONT &font);

@@ -39,6 +39,7 @@
 #include <keltra/texture.h>
 #include <keltra/vector.h>
 #include <keltra/video.h>
+#include <keltra/video_stream.h>
 #include <keltra/window.h>
 
 #endif

@@ -6,6 +6,10 @@
 #include <keltra/registered.h>
 #include <keltra/vector.h>
 
+namespace keltra {
+class Holders;
+}
+
 class KTMATERIAL;
 class KTSHADER;
 class KTTEXTURE;
@@ -109,8 +113,7 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
 
    private:
     friend class KTREGISTERED<KTMATERIAL>;
-    friend class KTTEXTURE;
-    friend class KTSHADER;
+    friend class keltra::Holders;
     static void setLink(KTMATERIAL &material, KTMATERIAL *before, KTMATERIAL *after);
     static void setFirst(KTMATERIAL *first) { firstMaterial = first; }
     static void letGo(KTMATERIAL &material);

@@ -5,6 +5,10 @@
 
 #include <keltra/node.h>
 
+namespace keltra {
+class Holders;
+}
+
 class KTELEMENT;
 class KTMATERIAL;
 
@@ -120,11 +124,11 @@ class KT_API KTMESH : public KTNODE {
     static bool normalsShown;
 
    private:
-    friend class KTMATERIAL;
+    friend class keltra::Holders;
     struct DRAWING;
     void copyMesh(const KTMESH &other);
     void releaseMesh();
-    static void forgetMaterial(KTMATERIAL *gone);
+    static void forgetMaterial(const KTMATERIAL *gone);
     unsigned int countPoolBones() const;
     bool usesSkinningShader() const;
     bool skinVertices(unsigned int boneCount);

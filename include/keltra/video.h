@@ -1,19 +1,16 @@
 #ifndef KELTRA_VIDEO_H
 #define KELTRA_VIDEO_H
 
-#include <cstdint>
-#include <cstdio>
-
 #include <keltra/registered.h>
+#include <keltra/video_stream.h>
+
+namespace keltra {
+class Holders;
+}
 
 class KTTEXTURE;
 class KTVIDEO;
 extern template class KT_API KTREGISTERED<KTVIDEO>;
-
-// The decoder's own types, of <mpeg2dec/mpeg2.h>.
-struct mpeg2dec_s;
-struct mpeg2_info_s;
-struct mpeg2_sequence_s;
 
 /** What `KTVIDEO::update` does, and what becomes of it at the end of the film. */
 enum KT_VIDEO_STATUS {
@@ -21,19 +18,6 @@ enum KT_VIDEO_STATUS {
     KT_VIDEO_PLAYING = 1,    ///< to the end, then stopped at the beginning
     KT_VIDEO_LOOPING = 2,    ///< from the beginning again at each end
     KT_VIDEO_REWINDING = 3,  ///< to the end, then stopped at the beginning
-};
-
-/** What decodes one film. Pointers are null while no film is open. */
-struct KTVIDEOSTREAM {
-    unsigned char buffer[4096];  ///< bytes of the file that the decoder is working on
-    mpeg2dec_s *decoder;
-    const mpeg2_info_s *info;
-    const mpeg2_sequence_s *sequence;  ///< of the last step; null outside of a sequence
-    int state;                         ///< what the last step reached, a mpeg2_state_t
-    std::int32_t lastRead;             ///< bytes; -1 before the first read of a film, 0 at its end
-    std::FILE *file;
-    bool converted;  ///< the decoder gives RGB pictures for this sequence
-    bool begun;      ///< and has begun one
 };
 
 /** A video texture: a film, which is a file that holds nothing but an MPEG-1 video stream, is decoded piece
@@ -107,7 +91,7 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
 
    private:
     friend class KTREGISTERED<KTVIDEO>;
-    friend class KTTEXTURE;
+    friend class keltra::Holders;
     static void setLink(KTVIDEO &video, KTVIDEO *before, KTVIDEO *after);
     static void setFirst(KTVIDEO *first) { firstVideo = first; }
     static void letGo(KTVIDEO &video);

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string_view>
 
+#include "formats/limits.h"
 #include "resources/video_stream.h"
 #include "tools/info/kinds.h"
 
@@ -71,7 +72,7 @@ Fault faultOf(const Source &source) {
         return header + at < bytes.size() ? static_cast<unsigned char>(bytes[header + at]) : 0u;
     };
     const unsigned int width = byte(4) << 4 | byte(5) >> 4, height = (byte(5) & 15) << 8 | byte(6);
-    if (width > KTVIDEO::maxSize || height > KTVIDEO::maxSize)
+    if (width > kMaxTextureSize || height > kMaxTextureSize)
         return {header, "sequence header", "pictures larger than 512 x 512 are skipped"};
     return {header, "pictures", "the decoder finds none that is whole"};
 }

@@ -1,0 +1,40 @@
+#include <keltra/node.h>
+
+#include <cstring>
+
+#include "scene/tree_walk.h"
+
+namespace {
+
+// The first character decides for most names that an application gives, without a call.
+bool isNamed(const KTNODE &node, const char *name) {
+    return node.name[0] == name[0] && std::strcmp(node.name, name) == 0;
+}
+
+}  // namespace
+
+KTNODE *KTNODE::findByName(const char *name) {
+    if (!name) return nullptr;
+    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
+        if (isNamed(*node, name)) return node;
+    return nullptr;
+}
+
+KTNODE *KTNODE::findById(unsigned int id) {
+    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
+        if (node->id == id) return node;
+    return nullptr;
+}
+
+KTNODE *KTNODE::findByNameInHierarchy(const char *name) {
+    if (!name) return nullptr;
+    return keltra::walkTree(this, [name](KTNODE *node, unsigned int) {
+        return isNamed(*node, name) ? keltra::kStopWalk : node->numberOfChildren;
+    });
+}
+
+KTNODE *KTNODE::findByIdInHierarchy(unsigned int id) {
+    return keltra::walkTree(this, [id](KTNODE *node, unsigned int) {
+        return node->id == id ? keltra::kStopWalk : node->numberOfChildren;
+    });
+}
