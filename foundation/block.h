@@ -1,51 +1,45 @@
 #ifndef KELTRA_FOUNDATION_BLOCK_H
 #define KELTRA_FOUNDATION_BLOCK_H
 
-// Reference-counted buffers for what copies of an object share, taken from the counted allocator.
+// Buffers that public pointers lead to. Each is a plain block of vnfMalloc: an application may release it
+// with vnfFree and put a block of its own there. What is known about a block beyond its address stands in a
+// table aside, which only holds blocks with several holders and blocks that are longer than their contents;
+// vnfFree looks them up there. All others cost nothing.
 
 #include <keltra/foundation.h>
 
 #include <cstddef>
-#include <cstdint>
-#include <new>
 
 namespace keltra {
 
-// Stands directly before the contents. The allocation begins up to 15 bytes earlier where malloc aligns to 8
-// only.
-struct BlockHeader {
-    void *allocation;
-    std::size_t holders;
-};
+// A block with one holder, not cleared. Null when out of memory or when the size exceeds 32 bits.
+void *newBlock(std::size_t bytes);
 
-constexpr std::size_t kBlockAlignment = 16;
-static_assert(sizeof(BlockHeader) <= kBlockAlignment, "the header fits ahead of the contents");
+// Adds a holder, for copies of an object that share its block: vnfFree then takes one holder away, uncounted,
+// and frees the block with the last one. Returns the block; null for null and when out of memory.
+void *retainBlock(void *block);
 
-inline BlockHeader *blockHeader(void *block) { return static_cast<BlockHeader *>(block) - 1; }
+// Takes a holder away as vnfFree does. Null is ignored.
+void releaseBlock(void *block);
 
-// A block with one holder, aligned to 16 bytes, not cleared. Null when memory is out or the size exceeds 32
-// bits.
-inline void *newBlock(std::size_t bytes) {
-    constexpr std::size_t kOverhead = 2 * kBlockAlignment;
-    if (bytes > UINT32_MAX - kOverhead) return nullptr;
-    void *allocation = vnfMalloc(static_cast<unsigned int>(bytes + kOverhead));
-    if (!allocation) return nullptr;
-    std::size_t past = reinterpret_cast<std::uintptr_t>(allocation) % kBlockAlignment;
-    void *block = static_cast<char *>(allocation) + kOverhead - past;
-    new (blockHeader(block)) BlockHeader{allocation, 1};
-    return block;
-}
+// True when the block has more than one holder: it must not be changed for one of them.
+bool isShared(const void *block);
 
-// Adds a holder. Returns the block; null stays null.
-inline void *retainBlock(void *block) {
-    if (block) ++blockHeader(block)->holders;
-    return block;
-}
+// A block whose contents may grow up to `room` bytes.
+void *newRoomyBlock(std::size_t room);
 
-// Takes a holder away and frees the block with the last one. Null is ignored.
-inline void releaseBlock(void *block) {
-    if (block && --blockHeader(block)->holders == 0) vnfFree(blockHeader(block)->allocation);
-}
+// How many bytes such a block holds from `block` on; 0 for all others, whose length only their holders know.
+std::size_t roomOf(const void *block);
+
+// Takes bytes from the front of a roomy block with one holder. Returns where it begins from now on: the
+// address that vnfFree expects.
+void *dropFront(void *block, std::size_t bytes);
+
+// For vnfFree: the address to be given to the C library; null when the block has other holders left.
+void *takeFromHolder(void *block);
+
+// The number of blocks in the table.
+extern unsigned int notedBlocks;
 
 }  // namespace keltra
 

@@ -2,6 +2,7 @@
 
 #include <keltra/foundation.h>
 
+#include "foundation/block.h"
 #include "platform/platform.h"
 
 #include <cstdio>
@@ -44,7 +45,9 @@ void *vnfMalloc(unsigned int size) {
 }
 
 // Null is counted too: a failed vnfMalloc has raised the counters, and its caller may release what it got.
+// A block that other holders keep is not released yet, and not counted.
 void vnfFree(void *block) {
+    if (keltra::notedBlocks > 0 && block && !(block = keltra::takeFromHolder(block))) return;
     --keltra::counters.live;
     ++keltra::counters.releases;
     std::free(block);

@@ -80,17 +80,19 @@ KTTEXTURE::KTTEXTURE()
 }
 
 KTTEXTURE::KTTEXTURE(const KTTEXTURE &other) : KTREGISTERED<KTTEXTURE>(other) {
+    unsigned char *shared = static_cast<unsigned char *>(keltra::retainBlock(other.bitmap));
     copyFields(other);
-    keltra::retainBlock(bitmap);
+    bitmap = shared;
 }
 
 KTTEXTURE &KTTEXTURE::operator=(const KTTEXTURE &other) {
     if (this == &other) return *this;
-    keltra::retainBlock(other.bitmap);
+    unsigned char *shared = static_cast<unsigned char *>(keltra::retainBlock(other.bitmap));
     unload(true);
     for (KTTEXTURE *&cached : channelCache)
         if (cached == this) cached = nullptr;
     copyFields(other);
+    bitmap = shared;
     forgetDeletedGLTexture();
     return *this;
 }

@@ -36,15 +36,16 @@ KTVIDEO::KTVIDEO()
 
 KTVIDEO::KTVIDEO(const KTVIDEO &other) : KTREGISTERED<KTVIDEO>(other) {
     copyFields(other);
-    keltra::retainBlock(stream);
+    stream = static_cast<KTVIDEOSTREAM *>(keltra::retainBlock(other.stream));
 }
 
 KTVIDEO &KTVIDEO::operator=(const KTVIDEO &other) {
     if (this == &other) return *this;
-    keltra::retainBlock(other.stream);
+    void *shared = keltra::retainBlock(other.stream);
     keltra::releaseBlock(stream);
     releaseTexture();
     copyFields(other);
+    stream = static_cast<KTVIDEOSTREAM *>(shared);
     return *this;
 }
 

@@ -19,6 +19,15 @@ float KTMESH::boneQuaternions[maxBones][4] = {};
 float KTMESH::boneTranslations[maxBones][3] = {};
 bool KTMESH::normalsShown = false;
 
+namespace {
+
+template <class T>
+T *share(T *block) {
+    return static_cast<T *>(keltra::retainBlock(block));
+}
+
+}  // namespace
+
 KTMESH::KTMESH()
     : radius(-1.0f),
       minimum(0.0f, 0.0f, 0.0f),
@@ -45,7 +54,9 @@ KTMESH::KTMESH()
       skinnedVertices(nullptr),
       skinnedNormals(nullptr),
       lineIndices(nullptr),
+      linesMadeFrom(),
       normalLines(nullptr),
+      normalsMadeFrom(),
       holdsMaterial(false) {
     joinClass(KT_MESH);
     setIdentity(KT_MESH, "[mesh %d]");
@@ -84,20 +95,24 @@ void KTMESH::copyMesh(const KTMESH &other) {
     numberOfFaces = other.numberOfFaces;
     numberOfInfluences = other.numberOfInfluences;
     numberOfBones = other.numberOfBones;
-    dataBlock = keltra::retainBlock(other.dataBlock);
-    vertices = other.vertices;
-    vertexNormals = other.vertexNormals;
-    faceNormals = other.faceNormals;
-    uvs = other.uvs;
-    faces = other.faces;
-    influenceBones = static_cast<std::uint8_t *>(keltra::retainBlock(other.influenceBones));
-    influenceWeights = static_cast<float *>(keltra::retainBlock(other.influenceWeights));
-    influenceBonesFloat = static_cast<float *>(keltra::retainBlock(other.influenceBonesFloat));
-    bones = static_cast<KTBONE *>(keltra::retainBlock(other.bones));
-    skinnedVertices = static_cast<std::int32_t *>(keltra::retainBlock(other.skinnedVertices));
-    skinnedNormals = static_cast<std::int32_t *>(keltra::retainBlock(other.skinnedNormals));
-    lineIndices = static_cast<std::uint16_t *>(keltra::retainBlock(other.lineIndices));
-    normalLines = static_cast<std::int32_t *>(keltra::retainBlock(other.normalLines));
+    dataBlock = share(other.dataBlock);
+    // Without memory to share the block, the copy has no geometry.
+    const bool whole = dataBlock || !other.dataBlock;
+    vertices = whole ? other.vertices : nullptr;
+    vertexNormals = whole ? other.vertexNormals : nullptr;
+    faceNormals = whole ? other.faceNormals : nullptr;
+    uvs = whole ? other.uvs : nullptr;
+    faces = whole ? other.faces : nullptr;
+    influenceBones = share(other.influenceBones);
+    influenceWeights = share(other.influenceWeights);
+    influenceBonesFloat = share(other.influenceBonesFloat);
+    bones = share(other.bones);
+    skinnedVertices = share(other.skinnedVertices);
+    skinnedNormals = share(other.skinnedNormals);
+    lineIndices = share(other.lineIndices);
+    linesMadeFrom = other.linesMadeFrom;
+    normalLines = share(other.normalLines);
+    normalsMadeFrom = other.normalsMadeFrom;
 }
 
 void KTMESH::releaseMesh() {

@@ -167,13 +167,19 @@ void KTMESH::draw(const DRAWING &drawing) {
         glDrawElements(drawing.primitive, drawing.indexCount, GL_UNSIGNED_SHORT, drawing.indices);
 }
 
+bool KTMESH::isMadeFrom(const SOURCE &source, const void *array) const {
+    return source.array == array && source.vertices == numberOfVertices && source.faces == numberOfFaces;
+}
+
 // Each edge of each triangle; edges that triangles share are drawn with both.
 bool KTMESH::makeLineIndices() {
     if (!faces || numberOfFaces == 0) return false;
-    if (lineIndices) return true;
+    if (lineIndices && isMadeFrom(linesMadeFrom, faces)) return true;
+    keltra::releaseBlock(lineIndices);
     const std::size_t count = std::size_t(numberOfFaces) * kEdgeIndices;
     lineIndices = static_cast<std::uint16_t *>(keltra::newBlock(count * sizeof(std::uint16_t)));
     if (!lineIndices) return false;
+    linesMadeFrom = {faces, numberOfVertices, numberOfFaces};
     std::uint16_t *line = lineIndices;
     for (const std::uint16_t *face = faces, *end = faces + numberOfFaces * 3u; face != end; face += 3) {
         for (int corner = 0; corner < 3; ++corner) {
@@ -187,11 +193,15 @@ bool KTMESH::makeLineIndices() {
 // From each vertex along its normal. A rigid mesh needs its lines once, a skinned one anew for each pose.
 bool KTMESH::makeNormalLines(const DRAWING &drawing) {
     if (!drawing.vertices || !drawing.normals) return false;
-    if (normalLines && !isSkinned()) return true;
+    const bool made = normalLines && isMadeFrom(normalsMadeFrom, drawing.vertices);
+    if (made && !isSkinned()) return true;
     const std::size_t count = std::size_t(numberOfVertices) * 6;
-    if (!normalLines)
+    if (!made) {
+        keltra::releaseBlock(normalLines);
         normalLines = static_cast<std::int32_t *>(keltra::newBlock(count * sizeof(std::int32_t)));
+    }
     if (!normalLines) return false;
+    normalsMadeFrom = {drawing.vertices, numberOfVertices, numberOfFaces};
     const std::int32_t length =
         keltra::toFixed(radius > 0.0f ? radius * kNormalLength : kNormalLengthWithoutRadius);
     std::int32_t *line = normalLines;

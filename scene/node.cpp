@@ -39,6 +39,7 @@ KTNODE::KTNODE()
       borrows(false),
       targeted(false),
       slot(0),
+      taken(0),
       listedBy(nullptr),
       previousBorrower(nullptr),
       nextBorrower(nullptr) {
@@ -56,6 +57,7 @@ KTNODE::KTNODE(const KTNODE &other)
       borrows(false),
       targeted(false),
       slot(0),
+      taken(0),
       listedBy(nullptr),
       previousBorrower(nullptr),
       nextBorrower(nullptr) {
@@ -106,8 +108,9 @@ void KTNODE::copyFields(const KTNODE &other) {
     previousNode = other.previousNode;
     nextNode = other.nextNode;
     parent = other.parent;
-    keltra::retainBlock(other.children);
-    setChildren(other.children, other.numberOfChildren);
+    KTNODE **shared = static_cast<KTNODE **>(keltra::retainBlock(other.children));
+    setChildren(shared, shared || !other.children ? other.numberOfChildren : 0);
+    taken = other.taken;
 }
 
 void KTNODE::setIdentity(unsigned int typeCode, const char *pattern) {

@@ -4,6 +4,7 @@
 #include <keltra/glbridge.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "core/glbridge.h"
@@ -18,9 +19,15 @@ namespace {
 const unsigned int kMaxAncestors = 64;
 const int kMaxIndent = 512;  // with the longest name the line still fits the log's 1,023 characters
 
-KTNODE **newChildren(unsigned int count) {
-    return static_cast<KTNODE **>(keltra::newBlock(std::size_t(count) * sizeof(KTNODE *)));
+// An array of fewer children is as long as their number; a longer one grows by half its length and has room.
+const unsigned int kFirstRoom = 64;
+
+KTNODE **newChildren(unsigned int count, unsigned int room = 0) {
+    const std::size_t bytes = std::max(count, room) * sizeof(KTNODE *);
+    return static_cast<KTNODE **>(room > count ? keltra::newRoomyBlock(bytes) : keltra::newBlock(bytes));
 }
+
+std::size_t roomOf(KTNODE *const *children) { return keltra::roomOf(children) / sizeof(KTNODE *); }
 
 }  // namespace
 
@@ -45,16 +52,19 @@ KTNODE *KTNODE::getChild(unsigned int index) const {
     return children && index < numberOfChildren ? children[index] : nullptr;
 }
 
-// Index of a child, or the number of children when it is not listed. Children only ever move to the front
-// after they were linked, so the search goes down from there: destroying many children of one parent takes
-// one look each.
+// Index of a child, or the number of children when it is not listed. Children in front of one that was
+// unlinked from the front half may stand behind where they are expected, the others before it: the search
+// goes outward. Destroying many children of one parent, or unlinking them from either end, takes one look
+// each.
 unsigned int KTNODE::findChild(const KTNODE *child) const {
-    if (!children) return numberOfChildren;
-    unsigned int start = std::min(child->slot + 1, numberOfChildren);
-    for (unsigned int i = start; i-- > 0;)
-        if (children[i] == child) return i;
-    for (unsigned int i = start; i < numberOfChildren; ++i)
-        if (children[i] == child) return i;
+    if (!children || numberOfChildren == 0) return numberOfChildren;
+    const std::int64_t expected = static_cast<std::int32_t>(child->slot - taken);
+    const std::int64_t last = std::int64_t{numberOfChildren} - 1;
+    std::int64_t before = std::clamp<std::int64_t>(expected, 0, last), behind = before + 1;
+    for (; before >= 0 || behind <= last; --before, ++behind) {
+        if (before >= 0 && children[before] == child) return static_cast<unsigned int>(before);
+        if (behind <= last && children[behind] == child) return static_cast<unsigned int>(behind);
+    }
     return numberOfChildren;
 }
 
@@ -73,54 +83,84 @@ void KTNODE::abandonChildren() {
     }
 }
 
-bool KTNODE::link(KTNODE *newParent) {
-    if (!newParent || newParent == this || parent) return false;
-    unsigned int count = newParent->numberOfChildren;
-    KTNODE **grown = newChildren(count + 1);
+// Makes the entry behind the last child one that may be written. The array may be a block of the
+// application's, or one that copies show: neither has room to be used.
+bool KTNODE::makeRoomForChild() {
+    const unsigned int needed = numberOfChildren + 1;
+    if (children && roomOf(children) >= needed && !keltra::isShared(children)) return true;
+    KTNODE **grown = newChildren(needed, needed < kFirstRoom ? 0 : needed + needed / 2);
     if (!grown) return false;
+    for (unsigned int i = 0; i < numberOfChildren; ++i) grown[i] = getChild(i);
+    setChildren(grown, numberOfChildren);
+    return true;
+}
+
+bool KTNODE::link(KTNODE *newParent) {
+    if (!newParent || newParent == this || parent || !newParent->makeRoomForChild()) return false;
     if (borrows) {
         leaveLister();
         listedBy = newParent;
     }
-    for (unsigned int i = 0; i < count; ++i) grown[i] = newParent->getChild(i);
-    grown[count] = this;
-    newParent->setChildren(grown, count + 1);
-    slot = count;
+    const unsigned int count = newParent->numberOfChildren;
+    newParent->children[count] = this;
+    newParent->numberOfChildren = count + 1;
+    slot = newParent->taken + count;
     parent = newParent;
+    return true;
+}
+
+// Closes the gap from the nearer end. Copies that show the same array keep it as it is.
+bool KTNODE::takeChild(unsigned int index) {
+    const unsigned int rest = numberOfChildren - 1;
+    const bool front = index < numberOfChildren / 2;
+    const std::size_t room = roomOf(children);
+    const bool shared = keltra::isShared(children), tooLong = room / 4 > rest;
+    KTNODE **left = nullptr;
+    if (shared || tooLong) left = newChildren(rest, rest < kFirstRoom ? 0 : rest + rest / 2);
+    if (shared && !left) return false;
+    if (left) {
+        std::copy_n(children, index, left);
+        std::copy(children + index + 1, children + numberOfChildren, left + index);
+        setChildren(left, rest);
+    } else if (front && room > 0) {
+        std::copy_backward(children, children + index, children + index + 1);
+        children = static_cast<KTNODE **>(keltra::dropFront(children, sizeof(KTNODE *)));
+        numberOfChildren = rest;
+    } else {
+        std::copy(children + index + 1, children + numberOfChildren, children + index);
+        numberOfChildren = rest;
+    }
+    if (front) ++taken;
     return true;
 }
 
 bool KTNODE::unlink() {
     KTNODE *from = parent;
     if (!from || from->numberOfChildren == 0) return false;
-    unsigned int count = from->numberOfChildren;
-    KTNODE **rest = nullptr;
+    const unsigned int count = from->numberOfChildren;
     if (count == 1) {
-        // An only child is not compared with this node: meant, a copy of it can take it from its parent.
+        // An only child is not compared with this node: deliberate, a copy of it can take it from its parent.
         if (from->getChild(0) != this) from->abandonChildren();
+        from->setChildren(nullptr, 0);
     } else {
-        unsigned int index = from->findChild(this);
-        if (index == count) return false;
-        rest = newChildren(count - 1);
-        if (!rest) return false;
-        std::copy_n(from->children, index, rest);
-        std::copy(from->children + index + 1, from->children + count, rest + index);
+        const unsigned int index = from->findChild(this);
+        if (index == count || !from->takeChild(index)) return false;
     }
-    from->setChildren(rest, count - 1);
     if (listedBy == from) listedBy = nullptr;
     parent = nullptr;
     return true;
 }
 
-// Unlinking the children replaces the array, so the old one is held while it is read.
+// Unlinking the children changes the array, so they are read from a copy of it.
 bool KTNODE::remove() {
     if (!parent) return false;
     KTNODE *heir = parent;
-    KTNODE **handed = children;
-    unsigned int count = numberOfChildren;
+    const unsigned int count = children ? numberOfChildren : 0;
+    KTNODE **handed = count ? newChildren(count) : nullptr;
+    if (count && !handed) return false;
+    std::copy_n(children, count, handed);
     bool complete = true;
-    keltra::retainBlock(handed);
-    for (unsigned int i = 0; handed && i < count; ++i) {
+    for (unsigned int i = 0; i < count; ++i) {
         KTNODE *child = handed[i];
         if (!child) continue;
         child->unlink();

@@ -48,7 +48,8 @@ KT_API void vnfSetLogEcho(bool echo);
 /** Allocates `size` bytes, not cleared. Null when out of memory; the counters are raised all the same. */
 KT_API void *vnfMalloc(unsigned int size);
 
-/** Releases a block of `vnfMalloc`. Null is counted as a release like any other, and frees nothing. */
+/** Releases a block of `vnfMalloc`. Null is counted as a release like any other, and frees nothing. A buffer
+ * that copies of an object share stays, uncounted, until the last of them has released it. */
 KT_API void vnfFree(void *block);
 
 // --- files

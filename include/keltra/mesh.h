@@ -126,6 +126,11 @@ class KT_API KTMESH : public KTNODE {
    private:
     friend class keltra::Holders;
     struct DRAWING;
+    // What an array was made from: it is made anew once the application has put another one in place.
+    struct SOURCE {
+        const void *array;
+        std::uint16_t vertices, faces;
+    };
     void copyMesh(const KTMESH &other);
     void releaseMesh();
     static void forgetMaterial(const KTMATERIAL *gone);
@@ -137,11 +142,14 @@ class KT_API KTMESH : public KTNODE {
     DRAWING prepareDrawing(bool special);
     static void draw(const DRAWING &drawing);
     void drawNormals(const DRAWING &drawing);
+    bool isMadeFrom(const SOURCE &source, const void *array) const;
     bool makeLineIndices();
     bool makeNormalLines(const DRAWING &drawing);
 
     std::uint16_t *lineIndices;  // wireframe, made when first drawn
-    std::int32_t *normalLines;   // two ends a vertex, made when first drawn
+    SOURCE linesMadeFrom;
+    std::int32_t *normalLines;  // two ends a vertex, made when first drawn
+    SOURCE normalsMadeFrom;
     bool holdsMaterial;
 };
 

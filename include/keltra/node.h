@@ -210,6 +210,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     static void letGo(KTNODE &node);
     void copyFields(const KTNODE &other);
     bool allocateChildren(unsigned int count);
+    bool makeRoomForChild();
+    bool takeChild(unsigned int index);
     void setChildren(KTNODE **block, unsigned int count);
     unsigned int findChild(const KTNODE *child) const;
     KTNODE *lister() const { return borrows ? listedBy : parent; }
@@ -228,9 +230,10 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     // assigned to, a node on the stack that outlived `cleanUp`. Whatever is destroyed is looked for in all of
     // them.
     bool borrows;
-    bool targeted;      // some other node may aim at this one
-    unsigned int slot;  // index in the parent's children when it was linked; it can only have shrunk since
-    KTNODE *listedBy;   // of a borrower: the node whose children really list this one
+    bool targeted;       // some other node may aim at this one
+    unsigned int slot;   // index in the parent's children when it was linked, plus what was taken before
+    unsigned int taken;  // how many children were unlinked from the front half
+    KTNODE *listedBy;    // of a borrower: the node whose children really list this one
     KTNODE *previousBorrower, *nextBorrower;
 };
 

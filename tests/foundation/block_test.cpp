@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #include "foundation/lifecycle.h"
 #include "tests/support/allocations.h"
@@ -15,7 +17,7 @@ TEST(BlockTest, IsAlignedAndHoldsItsBytes) {
     for (std::size_t size : {0u, 1u, 15u, 16u, 17u, 4096u}) {
         void *block = newBlock(size);
         ASSERT_NE(block, nullptr);
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % 16, 0u);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % alignof(std::max_align_t), 0u);
         std::memset(block, 0xab, size);  // the address sanitizer watches both ends
         releaseBlock(block);
     }
@@ -45,15 +47,81 @@ TEST(BlockTest, NullIsHarmless) {
 TEST(BlockTest, SizesOver32BitsAreRefusedUncounted) {
     const MemoryCounters before = memoryCounters();
     EXPECT_EQ(newBlock(SIZE_MAX), nullptr);
-    EXPECT_EQ(newBlock(UINT32_MAX), nullptr);
-    EXPECT_EQ(newBlock(UINT32_MAX - 31), nullptr);
+    EXPECT_EQ(newBlock(std::size_t{UINT32_MAX} + 1), nullptr);
     EXPECT_EQ(memoryCounters().allocations, before.allocations);
 }
 
 TEST(BlockTest, FailedAllocationGivesNull) {
     if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
-    Allocations::failNext(1000 + 32);
+    Allocations::failNext(1000);
     EXPECT_EQ(newBlock(1000), nullptr);
+    Allocations::failNext(1000);
+    EXPECT_EQ(newRoomyBlock(1000), nullptr);
+}
+
+TEST(BlockTest, IsAPlainBlockOfTheAllocator) {
+    const MemoryCounters before = memoryCounters();
+    vnfFree(newBlock(100));
+    void *own = vnfMalloc(100);
+    EXPECT_EQ(retainBlock(own), own);
+    releaseBlock(own);
+    releaseBlock(own);
+    EXPECT_EQ(memoryCounters().live, before.live);
+    EXPECT_EQ(memoryCounters().releases, before.releases + 2);
+}
+
+TEST(BlockTest, IsSharedWhileItHasSeveralHolders) {
+    void *block = newBlock(8);
+    EXPECT_FALSE(isShared(block));
+    retainBlock(block);
+    EXPECT_TRUE(isShared(block));
+    vnfFree(block);
+    EXPECT_FALSE(isShared(block));
+    vnfFree(block);
+    EXPECT_EQ(notedBlocks, 0u);
+}
+
+TEST(BlockTest, ThousandsMayBeShared) {
+    std::vector<void *> blocks(5000);
+    for (void *&block : blocks) {
+        block = newBlock(16);
+        retainBlock(block);
+    }
+    EXPECT_EQ(notedBlocks, 5000u);
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        void *block = blocks[i * 7 % blocks.size()];
+        ASSERT_TRUE(isShared(block));
+        releaseBlock(block);
+        ASSERT_FALSE(isShared(block));
+    }
+    EXPECT_EQ(notedBlocks, 0u);
+    for (void *block : blocks) releaseBlock(block);
+}
+
+TEST(BlockTest, ARoomyBlockBeginsWhereItsFrontWasDropped) {
+    char *block = static_cast<char *>(newRoomyBlock(100));
+    EXPECT_EQ(roomOf(block), 100u);
+    std::memset(block, 1, 100);
+    char *rest = static_cast<char *>(dropFront(block, 8));
+    EXPECT_EQ(rest, block + 8);
+    EXPECT_EQ(roomOf(rest), 92u);
+    EXPECT_EQ(roomOf(block), 0u);
+    std::memset(rest, 2, 92);
+    EXPECT_EQ(retainBlock(rest), rest);
+    vnfFree(rest);
+    EXPECT_EQ(roomOf(rest), 92u) << "the last holder's room";
+    vnfFree(rest);
+    EXPECT_EQ(notedBlocks, 0u);
+}
+
+TEST(BlockTest, PlainBlocksHaveNoRoom) {
+    void *block = vnfMalloc(100);
+    EXPECT_EQ(roomOf(block), 0u);
+    retainBlock(block);
+    EXPECT_EQ(roomOf(block), 0u);
+    releaseBlock(block);
+    releaseBlock(block);
+    EXPECT_EQ(roomOf(nullptr), 0u);
 }
 
 }  // namespace

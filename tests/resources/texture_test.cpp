@@ -163,14 +163,14 @@ TEST_F(TextureTest, FileOfAnotherKindGivesATextureWithoutPixels) {
 TEST_F(TextureTest, OutOfMemoryLeavesTheTextureAsItWas) {
     if (!Allocations::canFail()) GTEST_SKIP();
     write("good.tga", 4, 4);
-    write("large.tga", 32, 32);
+    write("large.tga", 33, 32);
     KTTEXTURE texture;
     ASSERT_TRUE(texture.load("good.tga"));
-    Allocations::failNext(32 * 32 * 4 + 18);
+    Allocations::failNext(33 * 32 * 4 + 18);
     EXPECT_FALSE(texture.load("large.tga"));
-    Allocations::failNext(32 * 32 * 4 + 32);
+    Allocations::failNext(33 * 32 * 4);
     EXPECT_FALSE(texture.load("large.tga"));
-    Allocations::failNext(32 * 32 * 3 + 32);
+    Allocations::failNext(32 * 32 * 3);
     EXPECT_FALSE(texture.create(32, 32, 3));
     Allocations::clear();
     EXPECT_STREQ(texture.getFilename(), "good.tga");

@@ -454,7 +454,7 @@ TEST_F(MeshRenderTest, WithoutMemoryForTheLinesTheTrianglesAreDrawn) {
     KTMESH *mesh = load(stripNode("mesh", 503));
     KELTRA::wireframeOn();
     KTMESH::showNormals();
-    Allocations::failNext(501 * 6 * 2 + 32);
+    Allocations::failNext(501 * 6 * 2);
     EXPECT_TRUE(render(*mesh));
     EXPECT_EQ(GlRecorder::count("glDrawElements", {GL_TRIANGLES}), 1);
     Allocations::clear();
