@@ -19,6 +19,7 @@
 
 #include "core/paths.h"
 #include "foundation/text.h"
+#include "platform/platform.h"
 
 bool KELTRA::active = false;
 bool KELTRA::blooming = false;
@@ -62,7 +63,10 @@ struct KELTRA::STARTUP {
     static constexpr int kStopping[kCount] = {kEmitters, kFonts,   kMeshes, kRenderList,
                                               kShaders,  kGlState, kWindow, kSdl};
 
-    static bool startSdl(KTSETTINGS &) { return SDL_Init(SDL_INIT_VIDEO) != -1; }
+    static bool startSdl(KTSETTINGS &) {
+        const keltra::WindowDriverOnly windowDriverOnly;
+        return SDL_Init(SDL_INIT_VIDEO) != -1;
+    }
     static bool stopSdl() {
         SDL_Quit();
         return true;

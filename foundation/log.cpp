@@ -7,6 +7,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -48,8 +49,12 @@ void writeOpeningBanner(const char *time) {
 void writeMemorySummary(const keltra::MemoryCounters &memory) {
     std::fprintf(logFile, "Final memory ratio: %d (%u/%u)\n", int(memory.live), memory.allocations,
                  memory.releases);
-    std::fprintf(logFile, "Max. physical memory usage: %.2f mb (%d bytes)\n", memory.peak / kMebibyte,
-                 int(memory.peak));
+    // The figure in bytes has 32 bits, as all others have: it stops at the largest one, the other one is
+    // right.
+    constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
+    std::fprintf(logFile, "Max. physical memory usage: %.2f mb (%u bytes)\n",
+                 static_cast<double>(memory.peak) / kMebibyte,
+                 static_cast<unsigned int>(memory.peak < kMost ? memory.peak : kMost));
     std::fprintf(logFile, "Total allocated memory (vnfMalloc): %.2f mb (%u bytes)\n",
                  memory.totalBytes / kMebibyte, memory.totalBytes);
     std::fflush(logFile);

@@ -6,7 +6,8 @@
 namespace keltra {
 
 struct MemoryCounters {
-    std::uint32_t live, allocations, releases, totalBytes, peak;
+    std::uint32_t live, allocations, releases, totalBytes;
+    std::uint64_t peak;  // 32 bits would hold no more than 4 GiB
 };
 
 const MemoryCounters &memoryCounters();

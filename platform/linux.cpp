@@ -3,9 +3,11 @@
 #include <SDL_syswm.h>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysinfo.h>
 #include <time.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -40,6 +42,14 @@ class LoadedX11 {
 static_assert(sizeof(Window) <= sizeof(void *), "an X window identifier travels in a pointer");
 #endif
 
+constexpr char kDriverVariable[] = "SDL_VIDEODRIVER";
+
+// The bytes of a line of /proc/meminfo; 0 without it.
+std::uint64_t memoryLine(const char *text, const char *key) {
+    const char *line = std::strstr(text, key);
+    return line ? std::strtoull(line + std::strlen(key), nullptr, 10) * 1024 : 0;
+}
+
 }  // namespace
 
 std::int64_t platformCounter() {
@@ -55,6 +65,19 @@ PhysicalMemory platformMemory() {
     if (sysinfo(&info) != 0) return {0, 0};
     std::uint64_t unit = info.mem_unit;
     return {info.totalram * unit, (std::uint64_t(info.freeram) + info.bufferram) * unit};
+}
+
+// A container may show the process another machine in /proc than the system call does; the two must not be
+// mixed.
+std::uint64_t platformReclaimableMemory(const PhysicalMemory &memory) {
+    char text[512];
+    const int file = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
+    if (file < 0) return 0;
+    const ssize_t length = read(file, text, sizeof text - 1);
+    close(file);
+    text[length > 0 ? length : 0] = '\0';
+    const std::uint64_t total = memoryLine(text, "MemTotal:"), available = memoryLine(text, "MemAvailable:");
+    return total == memory.total && available > memory.available ? available - memory.available : 0;
 }
 
 LocalTime platformLocalTime() {
@@ -80,6 +103,16 @@ bool platformHasSwitch(const char *variable) {
 
 #if defined(SDL_VIDEO_DRIVER_X11)
 
+WindowDriverOnly::WindowDriverOnly() {
+    const char *name = std::getenv(kDriverVariable);
+    named = name && *name;
+    if (!named) setenv(kDriverVariable, "x11", 1);
+}
+
+WindowDriverOnly::~WindowDriverOnly() {
+    if (!named) unsetenv(kDriverVariable);
+}
+
 NativeWindow platformNativeWindow(const void *windowInfo) {
     const SDL_SysWMinfo *info = static_cast<const SDL_SysWMinfo *>(windowInfo);
     if (!info || info->subsystem != SDL_SYSWM_X11) return {nullptr, nullptr};
@@ -102,6 +135,9 @@ void platformPlaceWindow(const NativeWindow &window, int x, int y, int width, in
 }
 
 #else
+
+WindowDriverOnly::WindowDriverOnly() : named(false) {}
+WindowDriverOnly::~WindowDriverOnly() = default;
 
 NativeWindow platformNativeWindow(const void *) { return {nullptr, nullptr}; }
 

@@ -29,6 +29,11 @@ PhysicalMemory platformMemory() {
     return {status.dwTotalPhys, status.dwAvailPhys};
 }
 
+std::uint64_t platformReclaimableMemory(const PhysicalMemory &) { return 0; }
+
+WindowDriverOnly::WindowDriverOnly() : named(false) {}
+WindowDriverOnly::~WindowDriverOnly() = default;
+
 LocalTime platformLocalTime() {
     SYSTEMTIME now;
     GetLocalTime(&now);

@@ -199,8 +199,10 @@ signed char KTFONT::getKerning(char c) const { return hasKerning(c) ? kerning[ce
 
 bool KTFONT::loadKerning(const char *filename) {
     if (!filename) return false;
+    const keltra::FilePath path(fontPath, filename);
     vnfParser file;
-    if (!vnfOpenParser(&file, keltra::FilePath(fontPath, filename).text)) return false;
+    // The parser would log a missing file.
+    if (!vnfFileExists(path.text) || !vnfOpenParser(&file, path.text)) return false;
     vnfRemoveComments(&file, keltra::kKerningComment);
     char key[keltra::kKerningKeySize];
     for (unsigned int i = 0; i < keltra::kKerningKeys; ++i)

@@ -98,9 +98,9 @@ KT_API bool releaseId(unsigned int id);
 /** A text file in memory, owned by the caller; the fields are set by `vnfOpenParser`. */
 struct vnfParser {
     /** The file's contents and one spare byte that is never written; not zero-terminated. */
-    char *buffer = nullptr;
-    std::int32_t size = 0;      ///< Length of the contents in bytes.
-    std::int32_t position = 0;  ///< Where `vnfReadLine` goes on.
+    char *buffer;
+    std::int32_t size;      ///< Length of the contents in bytes.
+    std::int32_t position;  ///< Where `vnfReadLine` goes on.
 };
 
 /**

@@ -4,6 +4,12 @@
 #include <keltra/button.h>
 #include <keltra/scrollbar.h>
 
+#if defined(__GNUC__)
+#define KELTRA_WINDOW_PRINTF_LIKE __attribute__((format(printf, 2, 3)))
+#else
+#define KELTRA_WINDOW_PRINTF_LIKE
+#endif
+
 /** A movable panel with a title bar, a scroll bar and a block of wrapped text. What is linked below it is
  * clipped to its body and scrolled with its text. It owns its title bar and its scroll bar, which are its
  * first two children; a copied window points to the original's. Set the size and the font, write, then
@@ -37,7 +43,7 @@ class KT_API KTWINDOW : public KTBUTTON {
     /** Appends formatted text (printf rules). False, with nothing appended, for null and when the whole text
      * would take 3,968 characters or more. End the last line with a line feed: without, it lies below what
      * the scroll bar reaches. */
-    bool write(const char *format, ...);
+    bool write(const char *format, ...) KELTRA_WINDOW_PRINTF_LIKE;
     /** Wraps the text to the window's width; new text shows only then. False without a font. */
     bool format();
     /** Folds or unfolds the window, with "[+] " before the title of a folded one; returns whether it is
@@ -70,5 +76,7 @@ class KT_API KTWINDOW : public KTBUTTON {
     KTBUTTON *ownTitleBar;
     KTVSCROLLBAR *ownScrollBar;
 };
+
+#undef KELTRA_WINDOW_PRINTF_LIKE
 
 #endif

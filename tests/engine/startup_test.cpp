@@ -2,7 +2,10 @@
 #include <SDL.h>
 #include <gmock/gmock.h>
 #include <keltra/keltra.h>
+#include <unistd.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "tests/support/allocations.h"
@@ -396,6 +399,28 @@ TEST_F(StartupTest, TenCyclesEachStartAfresh) {
         EXPECT_EQ(KTNODE::getNumberOfNodes(), 0u);
     }
     expectNothingLeft();
+}
+
+// In a child, which no window system knows: SDL has drivers for text consoles too, and they print.
+TEST(NoDisplayTest, InitIsFalseAndPrintsNothing) {
+    for (const char *display : {"", ":65432"}) {
+        EXPECT_EXIT(
+            {
+                ::alarm(20);
+                ::unsetenv("SDL_VIDEODRIVER");
+                if (*display)
+                    ::setenv("DISPLAY", display, 1);
+                else
+                    ::unsetenv("DISPLAY");
+                ::dup2(STDERR_FILENO, STDOUT_FILENO);
+                const bool started = KELTRA::init(nullptr);
+                std::fflush(stdout);
+                const bool kept = !std::getenv("SDL_VIDEODRIVER");
+                std::_Exit(!started && kept && !KELTRA::isActive() ? 0 : 1);
+            },
+            testing::ExitedWithCode(0), testing::StrEq(""))
+            << "DISPLAY=" << display;
+    }
 }
 
 }  // namespace

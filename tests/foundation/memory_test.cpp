@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "foundation/lifecycle.h"
+#include "platform/platform.h"
 #include "tests/foundation/foundation_fixture.h"
 #include "tests/support/allocations.h"
 #include "tools/support/interpose.h"
@@ -121,10 +122,33 @@ TEST_F(MemoryTest, OpeningTheLogRestartsThePeak) {
     EXPECT_EQ(memoryCounters().peak, 500 * kPage);
 }
 
-TEST_F(MemoryTest, ThePeakStopsWhereTheSummaryCanPrintIt) {
-    setPagesInUse(3000000, 4000000);
+TEST_F(MemoryTest, ThePeakGoesBeyondTwoAndFourGibibytes) {
+    setPagesInUse(768 << 10, 8 << 20);
+    startLog();
+    vnfCloseLog();
+    EXPECT_NE(messages().find("Max. physical memory usage: 3072.00 mb (3221225472 bytes)\n"),
+              std::string::npos);
+    setPagesInUse(1536 << 10, 8 << 20);
+    startLog();
+    vnfCloseLog();
+    EXPECT_NE(messages().find("Max. physical memory usage: 6144.00 mb (4294967295 bytes)\n"),
+              std::string::npos);
+}
+
+// The sum of all processes' own memory is far below what is filled once files have been read.
+TEST_F(MemoryTest, TheCacheOfFilesIsNoMemoryInUse) {
+    const PhysicalMemory memory = platformMemory();
+    const std::uint64_t cache = platformReclaimableMemory(memory);
+    const std::uint64_t filled = memory.total - memory.available;
+    if (cache < filled / 100) GTEST_SKIP() << "the system has no files cached";
     vnfOpenLog(nullptr);
-    EXPECT_EQ(memoryCounters().peak, unsigned(INT32_MAX));
+    EXPECT_LT(memoryCounters().peak, filled - cache / 2);
+}
+
+TEST_F(MemoryTest, ASystemThatTellsTwoSizesIsAskedForNoCache) {
+    PhysicalMemory other = platformMemory();
+    other.total += kPage;
+    EXPECT_EQ(platformReclaimableMemory(other), 0u);
 }
 
 TEST_F(MemoryTest, ASystemThatTellsNothingCountsAsUnused) {

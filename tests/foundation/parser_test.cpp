@@ -34,7 +34,7 @@ class ParserTest : public FoundationTest {
         return found;
     }
 
-    vnfParser parser;
+    vnfParser parser = {};
 };
 
 using Lines = std::vector<std::string>;
@@ -320,7 +320,7 @@ TEST_F(ParserTest, WorksOnTheDevicesStack) {
     const std::string path = folder.write("text.txt", std::string(100000, 'x') + "\nkey=5\n");
     int value = 0;
     ASSERT_TRUE(runOnSmallStack([&] {
-        vnfParser local;
+        vnfParser local = {};
         if (!vnfOpenParser(&local, path.c_str())) return;
         vnfRemoveComments(&local, '#');
         vnfParseInt(&local, "key", &value);

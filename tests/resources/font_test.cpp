@@ -421,6 +421,17 @@ TEST_F(FontTest, TheBatchLivesFromStartToStop) {
     EXPECT_TRUE(KTFONT::free()) << "always";
 }
 
+TEST_F(FontTest, AMissingKerningFileIsNotLogged) {
+    const std::string log = folder.path("log.txt");
+    ASSERT_TRUE(vnfOpenLog(log.c_str()));
+    const std::vector<std::uint8_t> before = readFile(log);
+    EXPECT_FALSE(font->loadKerning("missing.txt"));
+    const std::vector<std::uint8_t> after = readFile(log);
+    vnfCloseLog();
+    vnfOpenLog(nullptr);
+    EXPECT_EQ(after, before);
+}
+
 TEST_F(FontTest, ReadsKerningFiles) {
     KTFONT::setPath(folder.prefix().c_str());
     EXPECT_EQ(KTFONT::getPath(), folder.prefix());

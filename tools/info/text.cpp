@@ -37,7 +37,7 @@ class Text {
 
    private:
     std::vector<char> bytes;
-    vnfParser parser;
+    vnfParser parser = {};
 };
 
 bool isTooLarge(const Source &source, Inspection &result) {
