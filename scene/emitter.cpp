@@ -19,7 +19,7 @@
 #include <cstring>
 #include <new>
 
-#include "scene/emitter_file.h"
+#include "scene/blend_factor.h"
 
 const unsigned int KTEMITTER::poolSize;
 const unsigned int KTEMITTER::maxParticles;

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+#include "scene/blend_factor.h"
+
 class TiXmlDocument;
 class TiXmlElement;
 
@@ -29,9 +31,6 @@ struct EmitterSetting {
 
 constexpr std::size_t kEmitterSettingCount = 19;
 extern const EmitterSetting kEmitterSettings[kEmitterSettingCount];
-
-// A factor that GL does not know on this side would be an error at every draw.
-bool isBlendFactor(int code, bool isSource);
 
 // Null for a document of another root, which changes no setting.
 const TiXmlElement *emitterRoot(const TiXmlDocument &document);
