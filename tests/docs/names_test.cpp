@@ -208,6 +208,15 @@ TEST(DocumentsTest, MessagesOfTheTutorialAreTheConvertersOwn) {
             }
         }
     }
+    // The reasons in the report that it shows.
+    for (const Block &block : readDocument("docs/first_character.md").blocks) {
+        for (const std::string &line : block.lines) {
+            const std::size_t reason =
+                line.compare(0, 9, "  dropped") == 0 ? line.find("): ") : std::string::npos;
+            if (reason == std::string::npos) continue;
+            EXPECT_NE(sources.find(line.substr(reason + 3)), std::string::npos) << line;
+        }
+    }
 }
 
 }  // namespace
