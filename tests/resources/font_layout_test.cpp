@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "resources/text_escape.h"
+
 namespace keltra::test {
 namespace {
 
