@@ -29,7 +29,9 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     static const unsigned int maxBones = 128;
     static const unsigned int maxFrames = 1024;
 
+    /** Without bones and frames, named after its identifier. */
     KTANIM();
+    /** A copy has a grid of its own, and is on no list. */
     KTANIM(const KTANIM &other);
     KTANIM &operator=(const KTANIM &other);
     ~KTANIM();

@@ -8,6 +8,7 @@
  * `target` = point), or at another node (`targetNode`). Parents do not move a camera. */
 class KT_API KTCAMERA : public KTNODE {
    public:
+    /** At the origin, without a target. */
     KTCAMERA();
     KTCAMERA(const KTCAMERA &other);
     KTCAMERA &operator=(const KTCAMERA &) = default;

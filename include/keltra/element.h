@@ -19,6 +19,7 @@ class KT_API KTELEMENT {
     static const unsigned int maxElements = 1024;
     static const unsigned int nearestLights = 4;
 
+    /** Without a node, with the identity. */
     KTELEMENT();
 
     /** The node to draw; null when it was destroyed after it was passed. */

@@ -12,6 +12,7 @@ class KTTEXTURE;
 /** One record of the pool. */
 class KT_API KTPARTICLE {
    public:
+    /** Held by no emitter. */
     KTPARTICLE();
 
     R3XVECTOR3D position;

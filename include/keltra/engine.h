@@ -38,7 +38,7 @@ class KT_API KELTRA : public KTENGINESTATE {
     /** Code of the mesh drawn at a point of the window (pixels from the left, and from the top counted from
      * 1): its `auxId`, or its `id` when that is 0, as far as the screen's colours hold it (16 or 24 bits); 0
      * for the background. To be called between `end3D` and `begin2D` of a frame; the pixel at the point is
-     * spoilt until the next `clear`. */
+     * changed until the next `clear`. */
     static unsigned int select(int x, int y);
 
     /** Advances the frame timer unless this frame has already done so. */

@@ -17,6 +17,7 @@ extern template class KT_API KTREGISTERED<KTFBO>;
  * one list, which owns those made with `new`. */
 class KT_API KTFBO : public KTREGISTERED<KTFBO> {
    public:
+    /** Without a texture, 0 x 0 pixels. */
     KTFBO();
     KTFBO(const KTFBO &other);
     KTFBO &operator=(const KTFBO &other);
@@ -43,6 +44,7 @@ class KT_API KTFBO : public KTREGISTERED<KTFBO> {
     /** The current target; null for the screen. */
     static KTFBO *getCurrent() { return currentFbo; }
 
+    /** Identifier, 1 to 65,535; 0 when all were taken. Then what was recorded; the GL name is always 0. */
     unsigned int getId() const { return id; }
     const char *getName() const { return name; }
     KTTEXTURE *getTexture() const { return texture; }

@@ -32,6 +32,7 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT> {
     static const unsigned int maxGlyphs = 1024;      ///< of one batch
     static const unsigned int maxCharacters = 4064;  ///< of a formatted string, with its end
 
+    /** Without a texture; cells of 16 x 16 pixels, kerning 0. */
     KTFONT();
     /** A copy shares the texture and does not count its use. */
     KTFONT(const KTFONT &other);

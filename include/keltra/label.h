@@ -13,6 +13,7 @@
  * forgotten when it is destroyed. */
 class KT_API KTLABEL : public KTBOX {
    public:
+    /** Without text and font. */
     KTLABEL();
     KTLABEL(const KTLABEL &other);
     KTLABEL &operator=(const KTLABEL &) = default;

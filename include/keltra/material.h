@@ -22,6 +22,7 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
    public:
     static const unsigned int levels = 16;  ///< texture slots
 
+    /** Grey and opaque, without textures, named after its identifier. */
     KTMATERIAL();
     KTMATERIAL(const KTMATERIAL &other);
     KTMATERIAL &operator=(const KTMATERIAL &other);
@@ -80,6 +81,7 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     /** Destroys every material; false when there is none. Texture uses are left as they are. */
     static bool cleanUp();
 
+    /** Identifier, 1 to 65,535; 0 when all were taken. */
     unsigned int getId() const { return id; }
     /** Null and names of 256 characters or more leave the name as it was. */
     void setName(const char *text);

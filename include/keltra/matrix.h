@@ -23,6 +23,7 @@ class KT_API R3XMATRIX {
         return *this;
     }
 
+    /** Becomes the identity. */
     void setIdentity();
     /** Row 0 to 3; (0, 0, 0, 0) for any other index. */
     R3XVECTOR4D getRow(int row) const;

@@ -29,6 +29,7 @@ class KT_API KTMESH : public KTNODE {
     static const unsigned int maxSkins = 16;   ///< skinned meshes a frame
     static const unsigned int maxBones = 100;  ///< bones a skin
 
+    /** Without geometry and material. */
     KTMESH();
     /** A copy shares the geometry and holds no use of the material. */
     KTMESH(const KTMESH &other);

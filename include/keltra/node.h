@@ -93,6 +93,7 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     KTNODE *findByNameInHierarchy(const char *name);
     KTNODE *findByIdInHierarchy(unsigned int id);
 
+    /** Identifier, 1 to 65,535; 0 when all were taken. */
     unsigned int getId() const { return id; }
     /** An identifier that the application chooses, 0 for none; what picking reports in place of the
      * identifier. */

@@ -9,6 +9,7 @@
  * of, it is the widget that `KTELEMENT::manageGUIEvents` reports. */
 class KT_API KTHSCROLLBAR : public KTBOX {
    public:
+    /** 64 x 4 pixels, with a cursor of 16 x 8 in the middle. A copy points to the original's cursor. */
     KTHSCROLLBAR();
     KTHSCROLLBAR(const KTHSCROLLBAR &other);
     KTHSCROLLBAR &operator=(const KTHSCROLLBAR &other);
@@ -44,6 +45,7 @@ class KT_API KTHSCROLLBAR : public KTBOX {
 /** A vertical scroll bar: the horizontal one with the axes exchanged; its minimum is at the top. */
 class KT_API KTVSCROLLBAR : public KTBOX {
    public:
+    /** 4 x 64 pixels, with a cursor of 8 x 16 in the middle. A copy points to the original's cursor. */
     KTVSCROLLBAR();
     KTVSCROLLBAR(const KTVSCROLLBAR &other);
     KTVSCROLLBAR &operator=(const KTVSCROLLBAR &other);

@@ -13,6 +13,7 @@ class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
    public:
     static const unsigned int params = 28;
 
+    /** Inoperative, named after its identifier. */
     KTSHADER();
     KTSHADER(const KTSHADER &other);
     KTSHADER &operator=(const KTSHADER &other);
@@ -67,6 +68,7 @@ class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
     static void setPath(const char *path);
     static char *getPath() { return shaderPath; }
 
+    /** Identifier, 1 to 65,535; 0 when all were taken. */
     unsigned int getId() const { return id; }
     /** Null and names of 256 characters or more leave the name as it was. */
     void setName(const char *text);

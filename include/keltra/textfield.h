@@ -8,6 +8,7 @@
  * takes the focus away, a press beside all widgets does not. */
 class KT_API KTTEXTFIELD : public KTBUTTON {
    public:
+    /** Its text is the caption of a new button, "[button <id>]", until it is set or cleared. */
     KTTEXTFIELD();
     KTTEXTFIELD(const KTTEXTFIELD &other);
     KTTEXTFIELD &operator=(const KTTEXTFIELD &) = default;

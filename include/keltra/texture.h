@@ -20,6 +20,7 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     static const unsigned int channels = 16;
     static const unsigned int maxSize = 512;  ///< pixels in either direction
 
+    /** Empty: without pixels, nearest, mipmapped, repeating. */
     KTTEXTURE();
     /** A copy shares the bitmap and does not own the GL texture. */
     KTTEXTURE(const KTTEXTURE &other);

@@ -77,6 +77,7 @@ class KT_API R3XVECTOR2D {
     int operator==(const R3XVECTOR2D &other) const { return x == other.x && y == other.y; }
     int operator!=(const R3XVECTOR2D &other) const { return x != other.x || y != other.y; }
 
+    /** Euclidean length, and its square. */
     float length() const;
     float squaredLength() const { return x * x + y * y; }
     /** Scales to the given length; a zero vector becomes not-a-number. Returns a copy of the new value. */
@@ -163,6 +164,7 @@ class KT_API R3XVECTOR3D {
     int operator==(const R3XVECTOR3D &other) const { return x == other.x && y == other.y && z == other.z; }
     int operator!=(const R3XVECTOR3D &other) const { return x != other.x || y != other.y || z != other.z; }
 
+    /** Euclidean length, and its square. */
     float length() const;
     float squaredLength() const { return x * x + y * y + z * z; }
     /** Scales to the given length; a zero vector becomes not-a-number. Returns a copy of the new value. */
@@ -264,6 +266,7 @@ class KT_API R3XVECTOR4D {
         return x != other.x || y != other.y || z != other.z || w != other.w;
     }
 
+    /** Euclidean length, and its square. */
     float length() const;
     float squaredLength() const { return x * x + y * y + z * z + w * w; }
     /** Scales to the given length; a zero vector becomes not-a-number. Returns a copy of the new value. */

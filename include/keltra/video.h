@@ -31,6 +31,7 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
     /** The largest picture that is decoded, in pixels in either direction: that of the largest texture. */
     static const unsigned int maxSize = 512;
 
+    /** Stopped, without a film and a texture. */
     KTVIDEO();
     /** A copy shares the film that is open, and counts no use of the texture. */
     KTVIDEO(const KTVIDEO &other);
@@ -74,6 +75,7 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
     /** Destroys every video, open films staying open; false when there is none. */
     static bool cleanUp();
 
+    /** Identifier, 1 to 65,535; 0 when all were taken. */
     unsigned int getId() const { return id; }
     const char *getFilename() const { return filename; }
     KTVIDEO *getNext() const { return isRegistered() ? registeredNext() : next; }

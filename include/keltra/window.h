@@ -19,6 +19,8 @@ class KT_API KTWINDOW : public KTBUTTON {
    public:
     static const unsigned int textSize = 3968;
 
+    /** 128 x 128 pixels, with a title bar above and a scroll bar at the right; unfolded. A copy points to the
+     * original's parts. */
     KTWINDOW();
     KTWINDOW(const KTWINDOW &other);
     KTWINDOW &operator=(const KTWINDOW &other);
