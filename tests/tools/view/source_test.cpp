@@ -112,4 +112,43 @@ TEST(Source, WhatNoImporterReadsIsAFailure) {
 
 TEST(Source, FailuresStayOnOneLine) {
     EXPECT_STREQ(failure("a\nb\x1b[2J", "is bad").what(), "a?b?[2J: is bad");
+    EXPECT_STREQ(failure("\t\x7f\r", "is bad").what(), "???: is bad");
+    EXPECT_STREQ(failure("Z\xc3\xbcrich/a b.kte", "is bad").what(), "Z\xc3\xbcrich/a b.kte: is bad");
+    EXPECT_STREQ(failure("", "is bad").what(), ": is bad");
+}
+
+TEST(Source, AFailureRemovesOnlyItsOwnLinks) {
+    TempFolder folder;
+    const std::string scene = folder.write("fox.kte", "scene");
+    LinkFolder links;
+    const Source shown = openSource(scene, {}, links, 1);
+    EXPECT_THROW(openSource(scene, {folder.path("no.kta")}, links, 2), Failure);
+    EXPECT_TRUE(fs::exists(links.path(shown.scene)));
+    EXPECT_FALSE(fs::exists(links.path("m2-scene.kte")));
+    EXPECT_FALSE(fs::exists(links.path("m2")));
+}
+
+TEST(Source, AConvertedModelBringsItsClipsAndTextures) {
+    TempFolder folder;
+    folder.write("paint.mtl", "newmtl paint\nmap_Kd gone.png\n");
+    const std::string model = folder.write(
+        "tri.obj", "mtllib paint.mtl\nusemtl paint\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nf 1/1 2/1 3/1\n");
+    LinkFolder links;
+    const Source source = openSource(model, {}, links, 0);
+    EXPECT_TRUE(fs::exists(links.path(source.key + "/tri_gone_d.tga"))) << "the checkerboard";
+    EXPECT_EQ(source.scene, "m0-scene.kte");
+}
+
+TEST(Source, ClipsOfOneNameHaveLinksOfTheirOwn) {
+    TempFolder folder, other;
+    const std::string scene = folder.write("fox.kte", "scene");
+    folder.write("fox_walk.kta", "1");
+    const std::string same = other.write("walk.kta", "12");
+    LinkFolder links;
+    const Source source = openSource(scene, {same, same}, links, 0);
+    ASSERT_EQ(source.clips.size(), 3u);
+    for (const ClipFile &clip : source.clips) EXPECT_EQ(clip.title, "walk");
+    EXPECT_EQ(readFile(links.path(source.clips[0].name)).size(), 1u);
+    EXPECT_EQ(readFile(links.path(source.clips[1].name)).size(), 2u);
+    EXPECT_NE(source.clips[1].name, source.clips[2].name);
 }
