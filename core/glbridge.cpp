@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "core/gl_state.h"
 #include "core/glbridge.h"
 #include "math/fixed.h"
 
@@ -110,7 +111,7 @@ void KT_glLightModelfv(GLenum pname, const float *params) {
 }
 
 void KT_glColor4f(float r, float g, float b, float a) {
-    glColor4x(toFixed(r), toFixed(g), toFixed(b), toFixed(a));
+    keltra::setColor({{toFixed(r), toFixed(g), toFixed(b), toFixed(a)}});
 }
 
 void KT_glClearColor(float r, float g, float b, float a) {

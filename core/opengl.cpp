@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "core/gl_state.h"
 #include "core/glbridge.h"
 
 const int KTOPENGL::fbos;
@@ -35,28 +36,17 @@ bool KTOPENGL::OcclusionQueryFlag = false;
 
 namespace {
 
-void enableCached(bool &cached, GLenum capability) {
-    if (cached) return;
-    glEnable(capability);
-    cached = true;
-}
+using keltra::setCapability;
 
-void disableCached(bool &cached, GLenum capability) {
-    if (!cached) return;
-    glDisable(capability);
-    cached = false;
-}
-
-void enableArray(bool &cached, GLenum array) {
-    if (cached) return;
-    glEnableClientState(array);
-    cached = true;
-}
-
-void disableArray(bool &cached, GLenum array) {
-    if (!cached) return;
-    glDisableClientState(array);
-    cached = false;
+// True when the state of a client array changed.
+bool setArray(bool &cached, GLenum array, bool on) {
+    if (cached == on) return false;
+    if (on)
+        glEnableClientState(array);
+    else
+        glDisableClientState(array);
+    cached = on;
+    return true;
 }
 
 unsigned int askInteger(GLenum name) {
@@ -69,12 +59,11 @@ float ratio(int width, int height) { return static_cast<float>(width) / static_c
 
 }  // namespace
 
-// The cached flags outlive the context that they were true of, so a new context starts with all of them off.
+// The caches outlive the context that they were true of, so a new context starts with all of them as it is.
 bool KTOPENGL::init() {
     if (active) return false;
     glGetString(GL_EXTENSIONS);
-    blending = scissor = culling = twoSide = false;
-    vertexArrayStatus = indexArrayStatus = normalArrayStatus = colorArrayStatus = textureArrayStatus = false;
+    keltra::beginContext();
     keltra::resetMatrixMirror();
     keltra::setStackSizes(askInteger(GL_MAX_MODELVIEW_STACK_DEPTH),
                           askInteger(GL_MAX_PROJECTION_STACK_DEPTH));
@@ -96,13 +85,13 @@ void KTOPENGL::reset() {
     KT_glClearDepthf(1.0f);
     glClearStencil(0);
     glDepthFunc(GL_LESS);
-    glEnable(GL_DEPTH_TEST);
+    keltra::setDepthTest(true);
     glShadeModel(GL_SMOOTH);
     // Both hints are meant, in this order: some drivers set up their fast path only when the hint changes.
     glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
     glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_FASTEST);
     glDisable(GL_DITHER);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    keltra::setBlendFunction(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     KT_glAlphaFunc(GL_GREATER, 0.5f);
     cullingOn();
     for (GLenum light = GL_LIGHT0; light <= GL_LIGHT3; ++light) {
@@ -170,12 +159,33 @@ void KTOPENGL::setGlobalAmbientLight(R3XVECTOR4D color) {
     setGlobalAmbientLight(color.x, color.y, color.z, color.w);
 }
 
-void KTOPENGL::cullingOn() { enableCached(culling, GL_CULL_FACE); }
-void KTOPENGL::cullingOff() { disableCached(culling, GL_CULL_FACE); }
-void KTOPENGL::blendingOn() { enableCached(blending, GL_BLEND); }
-void KTOPENGL::blendingOff() { disableCached(blending, GL_BLEND); }
-void KTOPENGL::scissorOn() { enableCached(scissor, GL_SCISSOR_TEST); }
-void KTOPENGL::scissorOff() { disableCached(scissor, GL_SCISSOR_TEST); }
+// While culling is suspended only the wish changes; the GL follows when the suspension ends.
+void KTOPENGL::cullingOn() {
+    if (keltra::isCullingSuspended())
+        culling = true;
+    else
+        setCapability(culling, GL_CULL_FACE, true);
+}
+
+void KTOPENGL::cullingOff() {
+    if (keltra::isCullingSuspended())
+        culling = false;
+    else
+        setCapability(culling, GL_CULL_FACE, false);
+}
+
+void KTOPENGL::blendingOn() {
+    if (!blending) keltra::stampSurface();
+    setCapability(blending, GL_BLEND, true);
+}
+
+void KTOPENGL::blendingOff() {
+    if (blending) keltra::stampSurface();
+    setCapability(blending, GL_BLEND, false);
+}
+
+void KTOPENGL::scissorOn() { setCapability(scissor, GL_SCISSOR_TEST, true); }
+void KTOPENGL::scissorOff() { setCapability(scissor, GL_SCISSOR_TEST, false); }
 
 void KTOPENGL::twoSideOn() {
     if (twoSide) return;
@@ -189,13 +199,20 @@ void KTOPENGL::twoSideOff() {
     twoSide = false;
 }
 
-void KTOPENGL::vertexArrayOn() { enableArray(vertexArrayStatus, GL_VERTEX_ARRAY); }
-void KTOPENGL::vertexArrayOff() { disableArray(vertexArrayStatus, GL_VERTEX_ARRAY); }
-void KTOPENGL::normalArrayOn() { enableArray(normalArrayStatus, GL_NORMAL_ARRAY); }
-void KTOPENGL::normalArrayOff() { disableArray(normalArrayStatus, GL_NORMAL_ARRAY); }
-void KTOPENGL::colorArrayOn() { enableArray(colorArrayStatus, GL_COLOR_ARRAY); }
-void KTOPENGL::colorArrayOff() { disableArray(colorArrayStatus, GL_COLOR_ARRAY); }
-void KTOPENGL::textureArrayOn() { enableArray(textureArrayStatus, GL_TEXTURE_COORD_ARRAY); }
-void KTOPENGL::textureArrayOff() { disableArray(textureArrayStatus, GL_TEXTURE_COORD_ARRAY); }
+// The draws with an array on have left the current value of its kind undefined.
+void KTOPENGL::vertexArrayOn() { setArray(vertexArrayStatus, GL_VERTEX_ARRAY, true); }
+void KTOPENGL::vertexArrayOff() { setArray(vertexArrayStatus, GL_VERTEX_ARRAY, false); }
+void KTOPENGL::normalArrayOn() { setArray(normalArrayStatus, GL_NORMAL_ARRAY, true); }
+void KTOPENGL::normalArrayOff() {
+    if (setArray(normalArrayStatus, GL_NORMAL_ARRAY, false)) keltra::forgetNormal();
+}
+void KTOPENGL::colorArrayOn() { setArray(colorArrayStatus, GL_COLOR_ARRAY, true); }
+void KTOPENGL::colorArrayOff() {
+    if (setArray(colorArrayStatus, GL_COLOR_ARRAY, false)) keltra::forgetColor();
+}
+void KTOPENGL::textureArrayOn() { setArray(textureArrayStatus, GL_TEXTURE_COORD_ARRAY, true); }
+void KTOPENGL::textureArrayOff() {
+    if (setArray(textureArrayStatus, GL_TEXTURE_COORD_ARRAY, false)) keltra::forgetTexCoord();
+}
 
 KTFBO *KTOPENGL::getFbo(int i) { return i >= 0 && i < fbos ? fbo[i] : nullptr; }

@@ -8,7 +8,6 @@
 #include <keltra/fbo.h>
 #include <keltra/font.h>
 #include <keltra/foundation.h>
-#include <keltra/light.h>
 #include <keltra/material.h>
 #include <keltra/mesh.h>
 #include <keltra/opengl.h>
@@ -40,14 +39,6 @@ namespace {
 
 const unsigned int kVideoMemory = 8388608;
 
-// The switches cached outside KTOPENGL were true of the last context; a new one has everything off.
-void forgetGLState() {
-    KTLIGHT::lighting = false;
-    KTMATERIAL::reset();
-    for (bool &channel : KTTEXTURE::channelActive) channel = false;
-    for (KTTEXTURE *&cached : KTTEXTURE::channelCache) cached = nullptr;
-}
-
 }  // namespace
 
 // Start-up in steps. A nested class: some steps are open to the facade only.
@@ -73,7 +64,6 @@ struct KELTRA::STARTUP {
     }
     static bool startWindow(KTSETTINGS &settings) { return KTSETTINGS::init(&settings); }
     static bool startGlState(KTSETTINGS &settings) {
-        forgetGLState();
         if (!KTOPENGL::init()) return false;
         KTOPENGL::resize(0, 0, settings.getWindowX(), settings.getWindowY());
         return true;

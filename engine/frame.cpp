@@ -14,12 +14,10 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
 #include "scene/local_transform.h"
 
 namespace {
-
-// Wireframe switches face culling off behind its cache, which keeps what the application wants.
-bool cullingSuspended = false;
 
 // The table of targets is empty as long as nothing fills it.
 void renderTo(int target) {
@@ -30,6 +28,7 @@ void renderElements() {
     for (unsigned int i = 0; i < KTELEMENT::numberOfPassedElements; ++i) {
         KTELEMENT *element = KTELEMENT::elementPointer[i];
         if (KTNODE *node = element->getNode()) node->render(element);
+        keltra::resumeCulling(keltra::kByEmitter);
     }
 }
 
@@ -58,6 +57,7 @@ void renderSkybox(KTNODE &skybox) {
     KT_glGetFloatv(0, element.matrix.m);
     element.matrix.setTranslation(0.0f, 0.0f, 0.0f);
     if (KTNODE *dome = skybox.getChild(0)) dome->render(&element);
+    keltra::resumeCulling(keltra::kByEmitter);
 }
 
 // One unit is one pixel, y grows downward.
@@ -111,16 +111,11 @@ bool KELTRA::begin3D(KTCAMERA *camera) {
 
 bool KELTRA::end3D(bool) {
     KTELEMENT::sort3D();
-    if (wireframe) {
-        glDisable(GL_CULL_FACE);
-        cullingSuspended = true;
-    } else if (cullingSuspended) {
-        if (KTOPENGL::culling) glEnable(GL_CULL_FACE);
-        cullingSuspended = false;
-    }
+    if (wireframe) keltra::suspendCulling(keltra::kByWireframe);
     if (DOF && KTSHADER::dofFlag) depthOfFieldPass();
     if (skybox) renderSkybox(*skybox);
     renderElements();
+    keltra::resumeCulling(keltra::kByWireframe);
     return true;
 }
 
@@ -132,13 +127,9 @@ bool KELTRA::begin2D() {
     KTELEMENT::reset();
     KTFONT::reset();
     KTOPENGL::blendingOff();
-    glDisable(GL_CULL_FACE);
-    glDisable(GL_DEPTH_TEST);
+    keltra::enter2DPass();
     KTOPENGL::twoSideOff();
-    KTOPENGL::vertexArrayOn();
-    KTOPENGL::normalArrayOff();
-    KTOPENGL::colorArrayOn();
-    KTOPENGL::textureArrayOn();
+    keltra::useFlatArrays();
     loadPixelProjection();
     return true;
 }
@@ -149,13 +140,12 @@ bool KELTRA::end2D() {
         KTELEMENT *element = KTELEMENT::elementPointer[i];
         KTNODE *node = element->getNode();
         if (node && node->type != KT_LIGHT && node->type != KT_MESH) node->render(element);
+        keltra::settle2DPass();
     }
     KT_glMatrixMode(GL_PROJECTION);
     KT_glPopMatrix();
     KT_glMatrixMode(GL_MODELVIEW);
-    glEnable(GL_DEPTH_TEST);
-    if (KTOPENGL::culling) glEnable(GL_CULL_FACE);
-    cullingSuspended = false;
+    keltra::leave2DPass();
     return true;
 }
 

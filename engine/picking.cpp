@@ -5,6 +5,8 @@
 #include <keltra/opengl.h>
 #include <keltra/settings.h>
 
+#include "core/gl_state.h"
+
 namespace {
 
 struct Pixel {
@@ -25,13 +27,19 @@ unsigned int codeOf(const Pixel &pixel) {
     return red | green << 8 | blue << 16 | alpha << 24;
 }
 
+// What is drawn leaves the colour of its code, the application's nodes by whatever calls.
 void renderPickable() {
+    const keltra::Color color = keltra::getColor();
+    bool drawn = false;
     KTOPENGL::setProfile(KT_PROFILE_PICKING);
     for (unsigned int i = 0; i < KTELEMENT::numberOfPassedElements; ++i) {
         KTELEMENT *element = KTELEMENT::elementPointer[i];
         KTNODE *node = element->getNode();
-        if (node && (node->type == KT_MESH || node->type == KT_CUSTOM)) node->render(element);
+        if (!node || (node->type != KT_MESH && node->type != KT_CUSTOM)) continue;
+        node->render(element);
+        drawn = true;
     }
+    if (drawn) keltra::setColor(color);
 }
 
 void pushMatrices() {
@@ -44,7 +52,7 @@ void pushMatrices() {
 // A pixel projection is set up and at once replaced by the pops: kept so, for the viewports between them.
 void restoreMatrices(int savedWidth) {
     float right = static_cast<float>(KTSETTINGS::windowX), bottom = static_cast<float>(KTSETTINGS::windowY);
-    glDisable(GL_DEPTH_TEST);
+    keltra::setDepthTest(false);
     KT_glMatrixMode(GL_PROJECTION);
     KT_glLoadIdentity();
     glViewport(0, 0, KTSETTINGS::windowX, KTSETTINGS::windowY);
@@ -80,7 +88,8 @@ unsigned int KELTRA::select(int x, int y) {
     unsigned int code = codeOf(readPixel(across, row));
     restoreMatrices(savedWidth);
     KTOPENGL::scissorOff();
-    glEnable(GL_DEPTH_TEST);
+    keltra::setDepthTest(true);
     glDepthFunc(GL_LESS);
+    keltra::settle2DPass();
     return code;
 }

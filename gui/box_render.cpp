@@ -9,6 +9,7 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
 #include "gui/widgets.h"
 #include "gui/window_around.h"
 #include "math/fixed.h"
@@ -41,6 +42,8 @@ FixedColor shade(const R3XVECTOR4D &color, float factor, float alpha) {
 
 void beginQuads(const KTBOX &box) {
     keltra::toFixed(box.boxCoord.coord, quadTexCoords, 8);
+    keltra::useFlatArrays();
+    keltra::useTexture();
     glVertexPointer(2, GL_FIXED, 0, quadVertices);
     glColorPointer(4, GL_FIXED, 0, quadColors);
     glTexCoordPointer(2, GL_FIXED, 0, quadTexCoords);
@@ -99,6 +102,7 @@ void drawBorder(const KTBOX &box, std::int64_t width, std::int64_t height, bool 
 
 bool KTBOX::render(void *data) {
     if (!displayStatus) return false;
+    const keltra::Unlit unlit;
     keltra::loadEntryMatrix(data);
     if (scissorStatus && !keltra::clipToWindow(*this))
         glScissor(0, 0, KTSETTINGS::windowX, KTSETTINGS::windowY);

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "foundation/text.h"
+#include "gui/widgets.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ void KTBUTTON::setCaption(const char *text) { keltra::copyName(caption, text); }
 
 bool KTBUTTON::render(void *data) {
     if (!displayStatus) return true;
+    const keltra::Unlit unlit;
     KTBOX::render(data);
     if (scissorStatus) KTOPENGL::scissorOn();
     if (font && caption[0]) {

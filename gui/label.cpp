@@ -46,6 +46,7 @@ bool KTLABEL::write(const char *format, ...) {
 // Without a window around it a label is not clipped, and no scissor rectangle is set: meant, boxes differ.
 bool KTLABEL::render(void *data) {
     if (!displayStatus) return true;
+    const keltra::Unlit unlit;
     keltra::loadEntryMatrix(data);
     if (scissorStatus) keltra::clipToWindow(*this);
     if (font) font->putString(0, 0, "%s", text);

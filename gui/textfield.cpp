@@ -56,6 +56,7 @@ bool KTTEXTFIELD::manageKey(char key) {
 // The button draws its caption and the field draws its text over it: meant, text that is too long for the
 // field shows as a button's caption does. The field's own part is clipped as the button's is.
 bool KTTEXTFIELD::render(void *data) {
+    const keltra::Unlit unlit;
     KTBUTTON::render(data);
     char shown[sizeof caption + 1];
     bool caret = focused && caretTimer > kCaretDelay;

@@ -4,6 +4,7 @@
 // What the widgets share.
 
 #include <keltra/box.h>
+#include <keltra/light.h>
 
 #include <cstdint>
 
@@ -13,6 +14,20 @@ namespace keltra {
 
 // A box of any type code: applications give the classes that they derive codes of their own.
 inline KTBOX *asBox(KTNODE *node) { return as<KTBOX>(node); }
+
+// While it lives, what is drawn has its own colours also where a 3D pass has lights.
+class Unlit {
+   public:
+    Unlit() : wasLit(KTLIGHT::getLighting()) { KTLIGHT::lightingOff(); }
+    ~Unlit() {
+        if (wasLit) KTLIGHT::lightingOn();
+    }
+    Unlit(const Unlit &) = delete;
+    Unlit &operator=(const Unlit &) = delete;
+
+   private:
+    const bool wasLit;
+};
 
 // Loads the matrix of a render list entry; null keeps the current one.
 void loadEntryMatrix(void *entry);

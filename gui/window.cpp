@@ -243,6 +243,7 @@ bool KTWINDOW::render(void *data) {
     float hidden = static_cast<float>(std::int64_t{contentHeight} - sizeY);
     scrollLine = keltra::toInt(hidden * (scrollBar ? scrollBar->getValue() : 0.0f));
     updateScroll();
+    const keltra::Unlit unlit;
     KTBUTTON::render(data);
     if (scissorStatus) KTOPENGL::scissorOn();
     if (font) {

@@ -3,6 +3,7 @@
 #include <keltra/opengl.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
 #include "core/holders.h"
 #include "formats/kerning.h"
 #include "foundation/file_bytes.h"
@@ -79,6 +80,8 @@ void setCurrentColor(unsigned char r, unsigned char g, unsigned char b, unsigned
 }
 
 void setPointers(unsigned int slot) {
+    keltra::useFlatArrays();
+    keltra::useTexture();
     glColorPointer(4, GL_UNSIGNED_BYTE, 0, KTFONT::fontCachedColor + slot * kColors);
     glVertexPointer(2, GL_FIXED, 0, KTFONT::fontCachedVertex + slot * kPairs);
     glTexCoordPointer(2, GL_FIXED, 0, KTFONT::fontCachedTexCoord + slot * kPairs);
@@ -93,7 +96,7 @@ void drawBatch(unsigned int first, unsigned int count) {
 void bind(KTTEXTURE &texture) {
     texture.render(nullptr);
     KTOPENGL::blendingOn();
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    keltra::setBlendFunction(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
 }
 
 // The marker is public: a value past the batch counts as an empty batch.

@@ -6,6 +6,7 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
 #include "core/holders.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
@@ -55,6 +56,12 @@ void setColor(GLenum pname, const R3XVECTOR4D &color) {
     const float values[4] = {color.x, color.y, color.z, color.w};
     KT_glMaterialfv(GL_FRONT_AND_BACK, pname, values);
 }
+
+const keltra::OnNewContext forgetMaterial(KTMATERIAL::reset);
+
+// Blending and textures as the current material has left them: whatever else changes them is drawn with at
+// once, and the material is set anew.
+unsigned int renderedStamp = 0;
 
 // GL refuses other values, and the error would be found at the end of the frame, far from the file that
 // caused it.
@@ -164,17 +171,18 @@ KTSHADER *KTMATERIAL::chooseShader(const void *data) const {
 
 bool KTMATERIAL::render(void *data) {
     timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
-    if (currentMaterial == this) return true;
+    if (currentMaterial == this && renderedStamp == keltra::surfaceStamp()) return true;
     bindShader(chooseShader(data));
     // The stored alphas follow the transparency; whoever reads a colour back sees it.
     ambient.w = diffuse.w = specular.w = emission.w = transparency;
+    keltra::forgetInitialMaterial();
     setColor(GL_EMISSION, emission);
     setColor(GL_AMBIENT, ambient);
     setColor(GL_DIFFUSE, diffuse);
     setColor(GL_SPECULAR, specular);
     KT_glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, withinShininess(shininess));
     if (isTransparent()) {
-        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        keltra::setBlendFunction(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         KTOPENGL::blendingOn();
     } else {
         KTOPENGL::blendingOff();
@@ -187,6 +195,7 @@ bool KTMATERIAL::render(void *data) {
     }
     if (!textured) KTTEXTURE::texturingOff(KTTEXTURE::channels);
     currentMaterial = this;
+    renderedStamp = keltra::surfaceStamp();
     return true;
 }
 

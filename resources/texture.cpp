@@ -2,6 +2,7 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
 #include "formats/tga.h"
 #include "foundation/block.h"
 #include "foundation/file_bytes.h"
@@ -10,6 +11,7 @@
 
 #include <GLES/gl.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -43,6 +45,18 @@ bool readTga(keltra::FaultScope &scope, keltra::TgaImage &image, unsigned char *
     if (keltra::decodeTga(image, pixels, &fault)) return true;
     keltra::releaseBlock(pixels);
     return scope.fail(keltra::toPublic(fault));
+}
+
+const keltra::OnNewContext forgetChannels([] {
+    std::fill_n(KTTEXTURE::channelActive, KTTEXTURE::channels, false);
+    std::fill_n(KTTEXTURE::channelCache, KTTEXTURE::channels, nullptr);
+});
+
+bool deactivate(bool &active) {
+    if (!active) return false;
+    keltra::setTexturing(false);
+    active = false;
+    return true;
 }
 
 unsigned char *newImage(unsigned int sizeX, unsigned int sizeY, unsigned int bpp) {
@@ -203,7 +217,7 @@ bool KTTEXTURE::modify(const char *pixels, bool keepCopy) {
     }
     forgetDeletedGLTexture();
     channelCache[0] = nullptr;
-    glBindTexture(GL_TEXTURE_2D, glId);
+    keltra::bindForUpload(glId);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     // Anything but the image that was uploaded would only be an error in GL.
     const bool fits = glId && uploadedBpp && uploadedX == sizeX && uploadedY == sizeY && uploadedBpp == bpp;
@@ -236,14 +250,17 @@ bool KTTEXTURE::render(void *data) {
     if (channel >= channels) return false;
     timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
     forgetDeletedGLTexture();
-    // A texture whose file could not be read is bound as name 0 and tried again at every render.
-    if (channelCache[channel] == this && isLoaded()) return true;
+    // The channels share one binding and one switch, so that others may have taken them in the meantime. A
+    // texture whose file could not be read is bound as name 0 and tried again at every render.
+    if (channelCache[channel] == this && isLoaded() && channelActive[channel] &&
+        keltra::boundTexture() == glId)
+        return true;
     if (!isLoaded()) {
         if (!bitmap) loadAgain();
         update();
     }
     texturingOn(channel);
-    glBindTexture(GL_TEXTURE_2D, glId);
+    keltra::bindTexture(glId);
     KTSHADER::bindTexture(channel);
     channelCache[channel] = this;
     return true;
@@ -254,21 +271,22 @@ bool KTTEXTURE::texturingOn(unsigned int channel) {
     if (channel >= channels) {
         for (channel = 0; channel < channels; ++channel) texturingOn(channel);
     } else if (!channelActive[channel]) {
-        glEnable(GL_TEXTURE_2D);
+        keltra::setTexturing(true);
         channelActive[channel] = true;
     }
     return true;
 }
 
+// The switch is that of all channels: it is on again at once while another one is active.
 bool KTTEXTURE::texturingOff(unsigned int channel) {
     if (channel >= channels) {
         for (channel = 0; channel < channels; ++channel) {
-            texturingOff(channel);
+            deactivate(channelActive[channel]);
             channelCache[channel] = nullptr;
         }
-    } else if (channelActive[channel]) {
-        glDisable(GL_TEXTURE_2D);
-        channelActive[channel] = false;
+    } else if (deactivate(channelActive[channel])) {
+        bool *const end = channelActive + channels;
+        if (std::find(channelActive, end, true) != end) keltra::setTexturing(true);
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #include <keltra/engine_state.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
 #include "core/holders.h"
 #include "foundation/block.h"
 #include "resources/mipmap.h"
@@ -48,7 +49,7 @@ bool KTTEXTURE::update() {
     glId = name;
     ownsGLTexture = true;
     channelCache[0] = nullptr;
-    glBindTexture(GL_TEXTURE_2D, glId);
+    keltra::bindForUpload(glId);
     setParameters();
     if (bpp == 3 || bpp == 4) uploadImage();
     mipmapResident = mipmapped;
@@ -110,8 +111,7 @@ bool KTTEXTURE::deleteGLTexture() {
     if (own) {
         for (KTTEXTURE *&cached : channelCache)
             if (cached && cached->glId == glId) cached = nullptr;
-        const GLuint name = glId;
-        glDeleteTextures(1, &name);
+        keltra::deleteTexture(glId);
         ++deletions;
     }
     glId = 0;

@@ -3,6 +3,7 @@
 #include <keltra/foundation.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
 #include "foundation/block.h"
 #include "foundation/file_bytes.h"
 #include "foundation/registry.h"
@@ -150,12 +151,11 @@ bool KTVIDEO::update(unsigned int steps) {
     return true;
 }
 
-// The texture class is not told that its texture is bound: meant, a film is advanced outside of drawing, and
-// the frame functions empty the class's cache. A row is a multiple of 48 bytes long, so every unpack
-// alignment will do.
+// The texture class's channels are not told that another texture is bound: deliberate, a film belongs to none
+// of them. A row is a multiple of 48 bytes long, so every unpack alignment will do.
 void KTVIDEO::show(unsigned int width, unsigned int height, const unsigned char *pixels) {
     if (!texture || !texture->takesPicture(width, height)) return;
-    glBindTexture(GL_TEXTURE_2D, texture->getGLId());
+    keltra::bindForUpload(texture->getGLId());
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGB,
                     GL_UNSIGNED_BYTE, pixels);
 }

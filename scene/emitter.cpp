@@ -19,6 +19,7 @@
 #include <cstring>
 #include <new>
 
+#include "core/gl_state.h"
 #include "scene/blend_factor.h"
 
 const unsigned int KTEMITTER::poolSize;
@@ -374,21 +375,21 @@ bool KTEMITTER::render(void *data) {
     if (wasLit) KTLIGHT::lightingOff();
     KTSHADER::disable();
     KTOPENGL::blendingOn();
-    glBlendFunc(blendFactor(blendingSrc, true), blendFactor(blendingDst, false));
-    glDepthMask(GL_FALSE);
-    glEnable(GL_ALPHA_TEST);
+    keltra::setBlendFunction(blendFactor(blendingSrc, true), blendFactor(blendingDst, false));
+    keltra::setDepthWrites(false);
+    keltra::setAlphaTest(true);
     KT_glAlphaFunc(GL_GREATER, kAlphaLimit);
-    // Behind the back of its switch, and not undone here: the end of the 2D pass switches it on again. Meant.
-    glDisable(GL_CULL_FACE);
+    // Ended by whatever is drawn next, and at the latest by the end of the pass.
+    keltra::suspendCulling(keltra::kByEmitter);
 
     updateParticles();
     draw();
 
-    glDisable(GL_ALPHA_TEST);
-    glDepthMask(GL_TRUE);
+    keltra::setAlphaTest(false);
+    keltra::setDepthWrites(true);
     KTOPENGL::blendingOff();
     KTTEXTURE::texturingOff(KTTEXTURE::channels);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    keltra::setBlendFunction(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     if (wasLit) KTLIGHT::lightingOn();
     KTMATERIAL::reset();
     return true;
@@ -452,6 +453,7 @@ void KTEMITTER::draw() {
     glVertexPointer(4, GL_FLOAT, 0, vertexArray);
     glColorPointer(4, GL_UNSIGNED_BYTE, 0, colorArray);
     glTexCoordPointer(2, GL_FLOAT, 0, uvArray);
+    keltra::useTexture();
     glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(kCorners) * clampedNumber(numberOfParticles));
     KTOPENGL::vertexArrayOff();
     KTOPENGL::colorArrayOff();

@@ -3,6 +3,7 @@
 #include <keltra/element.h>
 #include <keltra/glbridge.h>
 
+#include "core/gl_state.h"
 #include "math/fixed.h"
 #include "scene/local_transform.h"
 
@@ -15,6 +16,8 @@ const float kNoCutOff = 180.0f;
 const float kWidestCone = 90.0f;
 const float kSharpest = 128.0f;
 const float kLargest = 32767.998f;  // that 16.16 holds
+
+const keltra::OnNewContext forgetLighting([] { KTLIGHT::lighting = false; });
 
 // What the GL refuses is not sent, since the error would be found far from the file that caused it; and what
 // an earlier light has left in the unit must not take its place. As the GL reads it, in 16.16.
@@ -73,17 +76,9 @@ KTLIGHT::KTLIGHT(const KTLIGHT &other) : KTNODE(other) {
 
 KTLIGHT::~KTLIGHT() {}
 
-void KTLIGHT::lightingOn() {
-    if (lighting) return;
-    glEnable(GL_LIGHTING);
-    lighting = true;
-}
+void KTLIGHT::lightingOn() { keltra::setCapability(lighting, GL_LIGHTING, true); }
 
-void KTLIGHT::lightingOff() {
-    if (!lighting) return;
-    glDisable(GL_LIGHTING);
-    lighting = false;
-}
+void KTLIGHT::lightingOff() { keltra::setCapability(lighting, GL_LIGHTING, false); }
 
 bool KTLIGHT::activateNearest(KTELEMENT *element) {
     if (!element || !lighting) return false;

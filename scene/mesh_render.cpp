@@ -12,6 +12,7 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
 #include "foundation/block.h"
 #include "math/fixed.h"
 
@@ -31,13 +32,14 @@ const float kNormalLengthWithoutRadius = 1.0f;
 
 // The colour that picking reads back, as exactly as the display can hold it.
 void setPickingColor(unsigned int code) {
-    if (KTSETTINGS::colorDepth == 16) {
-        KT_glColor4f(float(code >> 11 & 31) / 31.0f, float(code >> 5 & 63) / 63.0f, float(code & 31) / 31.0f,
-                     0.0f);
-        return;
-    }
-    KT_glColor4f(float(code & 255) / 255.0f, float(code >> 8 & 255) / 255.0f,
-                 float(code >> 16 & 255) / 255.0f, float(code >> 24) / 255.0f);
+    const bool is16 = KTSETTINGS::colorDepth == 16;
+    const float rgb565[4] = {float(code >> 11 & 31) / 31.0f, float(code >> 5 & 63) / 63.0f,
+                             float(code & 31) / 31.0f, 0.0f};
+    const float rgba8888[4] = {float(code & 255) / 255.0f, float(code >> 8 & 255) / 255.0f,
+                               float(code >> 16 & 255) / 255.0f, float(code >> 24) / 255.0f};
+    keltra::Color color;
+    keltra::toFixed(is16 ? rgb565 : rgba8888, color.rgba, 4);
+    keltra::setPassColor(color);
 }
 
 void bindPassShader(bool skinned) {
@@ -52,6 +54,25 @@ void bindPassShader(bool skinned) {
     if (depth) KTSHADER::bindNearAndFarPlane(KTOPENGL::nearPlane, KTOPENGL::farPlane);
 }
 
+void setPlainSurface() {
+    KTOPENGL::blendingOff();
+    KTTEXTURE::texturingOff(KTTEXTURE::channels);
+    if (!KTLIGHT::getLighting()) return;
+    keltra::useInitialMaterial();
+    KTMATERIAL::reset();
+}
+
+// Arrays that are off leave the current values to count, as far as anything reads them.
+void useCurrentValues() {
+    keltra::useTexture();
+    if (KTLIGHT::getLighting()) {
+        if (!KTOPENGL::normalArrayStatus) keltra::useNormal();
+    } else if (KTOPENGL::currentProfile < KT_PROFILE_PICKING) {
+        keltra::useColor();
+    }
+    if (!KTOPENGL::textureArrayStatus && keltra::isTexturing()) keltra::useTexCoord();
+}
+
 std::int32_t farEnd(std::int32_t vertex, std::int32_t normal, std::int32_t length) {
     const std::int64_t step = static_cast<std::int64_t>(normal) * length >> 16;
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(vertex) + static_cast<std::uint32_t>(step));
@@ -63,6 +84,7 @@ bool KTMESH::render(void *data) {
     if (!data) return false;
     if (hidden) return true;
     KTELEMENT &element = *static_cast<KTELEMENT *>(data);
+    keltra::resumeCulling(keltra::kByEmitter);
     const bool special = KTOPENGL::currentProfile >= KT_PROFILE_PICKING;
     if (special) {
         beginSpecialPass();
@@ -75,7 +97,6 @@ bool KTMESH::render(void *data) {
     // Transparent is what its material is, with lighting on or off: a special pass covers what normal drawing
     // covered.
     const bool transparent = material && material->isTransparent();
-    const bool culled = KTOPENGL::isCulled();
     if (!element.getNearestLight(0)) KTSHADER::disable();
     KT_glLoadMatrixf(element.getMatrix()->m);
     if (transparent)
@@ -85,12 +106,11 @@ bool KTMESH::render(void *data) {
 
     const DRAWING drawing = prepareDrawing(special);
     if (transparent && drawing.primitive == GL_TRIANGLES) {
-        KTOPENGL::cullingOn();
+        const keltra::ForcedCulling culling;
         glCullFace(GL_FRONT);
         draw(drawing);
         glCullFace(GL_BACK);
         draw(drawing);
-        if (!culled) KTOPENGL::cullingOff();
     } else {
         draw(drawing);
     }
@@ -111,7 +131,10 @@ void KTMESH::beginSpecialPass() const {
 }
 
 void KTMESH::renderMaterial(const KTELEMENT &element) {
-    if (!material) return;
+    if (!material) {
+        setPlainSurface();
+        return;
+    }
     const KTELEMENT *nearest = KTLIGHT::getLighting() ? element.getNearestLight(0) : nullptr;
     const KTNODE *light = nearest ? nearest->getNode() : nullptr;
     if (!light || light->type != KT_LIGHT) {
@@ -163,6 +186,8 @@ void KTMESH::draw(const DRAWING &drawing) {
     } else {
         KTOPENGL::textureArrayOff();
     }
+    KTOPENGL::colorArrayOff();
+    useCurrentValues();
     if (drawing.indexCount > 0)
         glDrawElements(drawing.primitive, drawing.indexCount, GL_UNSIGNED_SHORT, drawing.indices);
 }
@@ -220,5 +245,6 @@ void KTMESH::drawNormals(const DRAWING &drawing) {
     KTOPENGL::normalArrayOff();
     KTOPENGL::textureArrayOff();
     glVertexPointer(3, GL_FIXED, 0, normalLines);
+    useCurrentValues();
     glDrawArrays(GL_LINES, 0, GLsizei(numberOfVertices) * 2);
 }
