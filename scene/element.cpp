@@ -13,6 +13,7 @@
 #include "core/glbridge.h"
 #include "scene/element_radius.h"
 #include "scene/local_transform.h"
+#include "scene/node_class.h"
 #include "scene/render_list.h"
 #include "scene/tree_walk.h"
 
@@ -37,7 +38,8 @@ bool isTransparentMesh(const KTMESH &mesh) { return mesh.material && mesh.materi
 // Plain nodes and hidden meshes only carry their children.
 bool isDrawable(const KTNODE &node) {
     if (node.type == KT_NODE) return false;
-    return node.type != KT_MESH || !static_cast<const KTMESH &>(node).hidden;
+    const KTMESH *mesh = keltra::asTyped<KTMESH>(&node);
+    return !mesh || !mesh->hidden;
 }
 
 bool isCulled(const KTNODE &node) {
@@ -168,8 +170,7 @@ void KTELEMENT::append(KTNODE *node) {
     KT_glGetFloatv(0, entry.matrix.m);
     node->cachedMatrix = entry.matrix;
     bool transparent = node->type == KT_EMITTER || node->type == KT_HELPER;
-    if (node->type == KT_MESH) {
-        KTMESH *mesh = static_cast<KTMESH *>(node);
+    if (KTMESH *mesh = keltra::asTyped<KTMESH>(node)) {
         if (mesh->numberOfBones && mesh->bones) passSkin(mesh, entry);
         transparent = isTransparentMesh(*mesh);
     }

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "scene/element_radius.h"
+#include "scene/node_class.h"
 
 namespace {
 
@@ -19,8 +20,8 @@ Rank rankOf(const KTNODE *node) {
     if (!node) return kOpaque;
     if (node->type == KT_LIGHT) return kLight;
     if (node->type == KT_EMITTER || node->type == KT_HELPER) return kTransparent;
-    if (node->type != KT_MESH) return kOpaque;
-    const KTMATERIAL *material = static_cast<const KTMESH *>(node)->material;
+    const KTMESH *mesh = keltra::asTyped<KTMESH>(node);
+    const KTMATERIAL *material = mesh ? mesh->material : nullptr;
     return material && material->getTransparency() != 1.0f ? kTransparent : kOpaque;
 }
 
@@ -37,8 +38,8 @@ std::int32_t depthKey(const KTELEMENT *entry) {
 }
 
 bool isExclusive(const KTELEMENT *entry) {
-    const KTNODE *node = entry->node;
-    return node && node->type == KT_LIGHT && static_cast<const KTLIGHT *>(node)->exclusive;
+    const KTLIGHT *light = keltra::asTyped<KTLIGHT>(entry->node);
+    return light && light->exclusive;
 }
 
 }  // namespace

@@ -2,10 +2,12 @@
 
 #include <keltra/element.h>
 #include <keltra/glbridge.h>
+#include <keltra/mesh.h>
 
 #include "core/gl_state.h"
 #include "math/fixed.h"
 #include "scene/local_transform.h"
+#include "scene/node_class.h"
 
 bool KTLIGHT::lighting = false;
 
@@ -85,7 +87,8 @@ bool KTLIGHT::activateNearest(KTELEMENT *element) {
     KTELEMENT::sortLights(element->matrix.getTranslation());
     for (unsigned int i = 0; i < KTELEMENT::nearestLights && i < KTELEMENT::numberOfLights; ++i) {
         KTELEMENT *light = KTELEMENT::getLight(i);
-        if (!light->node || light->node->type != KT_LIGHT) return false;
+        // A mesh under a light's code would ask for its own lights here, and so on without end.
+        if (!light->node || light->node->type != KT_LIGHT || keltra::as<KTMESH>(light->node)) return false;
         light->setParam1(i);
         light->node->render(light);
         element->setNearestLight(i, light);

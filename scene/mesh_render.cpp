@@ -15,6 +15,7 @@
 #include "core/gl_state.h"
 #include "foundation/block.h"
 #include "math/fixed.h"
+#include "scene/node_class.h"
 
 // What the GL is given for one draw; null arrays stay off.
 struct KTMESH::DRAWING {
@@ -136,12 +137,12 @@ void KTMESH::renderMaterial(const KTELEMENT &element) {
         return;
     }
     const KTELEMENT *nearest = KTLIGHT::getLighting() ? element.getNearestLight(0) : nullptr;
-    const KTNODE *light = nearest ? nearest->getNode() : nullptr;
-    if (!light || light->type != KT_LIGHT) {
+    const KTLIGHT *light = nearest ? keltra::asTyped<KTLIGHT>(nearest->getNode()) : nullptr;
+    if (!light) {
         material->render(nullptr);
         return;
     }
-    std::int32_t lightType = static_cast<std::int32_t>(static_cast<const KTLIGHT *>(light)->lightType);
+    std::int32_t lightType = static_cast<std::int32_t>(light->lightType);
     material->render(&lightType);
 }
 

@@ -67,6 +67,18 @@ const Class *as(const KTNODE *node) {
     return node && node->isOfClass(ClassCode<Class>::value) ? static_cast<const Class *>(node) : nullptr;
 }
 
+// The same for nodes that also have the class's own code as their type: where the code decides what a node is
+// taken for, and the class whether it can be.
+template <class Class>
+Class *asTyped(KTNODE *node) {
+    return node && node->type == ClassCode<Class>::value ? as<Class>(node) : nullptr;
+}
+
+template <class Class>
+const Class *asTyped(const KTNODE *node) {
+    return node && node->type == ClassCode<Class>::value ? as<Class>(node) : nullptr;
+}
+
 }  // namespace keltra
 
 #endif

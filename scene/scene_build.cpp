@@ -13,6 +13,7 @@
 #include "formats/trusted_record.h"
 #include "foundation/file_bytes.h"
 #include "scene/mesh_build.h"
+#include "scene/node_class.h"
 #include "scene/tree_walk.h"
 
 namespace {
@@ -254,7 +255,7 @@ KTNODE *buildTrustedTree(const char *buffer, long *cursor, KTNODE *parent) {
 
 void bindSkins(KTNODE *root, KTNODE *node) {
     walkTree(node, [root](KTNODE *visited, unsigned int) {
-        if (visited->type == KT_MESH) static_cast<KTMESH *>(visited)->resetBones(root);
+        if (KTMESH *mesh = asTyped<KTMESH>(visited)) mesh->resetBones(root);
         return visited->numberOfChildren;
     });
 }
