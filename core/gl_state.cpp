@@ -96,7 +96,6 @@ void leave2DPass() {
 
 void settle2DPass() {
     if (!state.in2DPass) return;
-    resumeCulling(kByEmitter);
     if (state.depthTest) setDepthTest(false);
     useFlatArrays();
 }

@@ -28,7 +28,6 @@ void renderElements() {
     for (unsigned int i = 0; i < KTELEMENT::numberOfPassedElements; ++i) {
         KTELEMENT *element = KTELEMENT::elementPointer[i];
         if (KTNODE *node = element->getNode()) node->render(element);
-        keltra::resumeCulling(keltra::kByEmitter);
     }
 }
 
@@ -57,7 +56,6 @@ void renderSkybox(KTNODE &skybox) {
     KT_glGetFloatv(0, element.matrix.m);
     element.matrix.setTranslation(0.0f, 0.0f, 0.0f);
     if (KTNODE *dome = skybox.getChild(0)) dome->render(&element);
-    keltra::resumeCulling(keltra::kByEmitter);
 }
 
 // One unit is one pixel, y grows downward.

@@ -379,7 +379,6 @@ bool KTEMITTER::render(void *data) {
     keltra::setDepthWrites(false);
     keltra::setAlphaTest(true);
     KT_glAlphaFunc(GL_GREATER, kAlphaLimit);
-    // Ended by whatever is drawn next, and at the latest by the end of the pass.
     keltra::suspendCulling(keltra::kByEmitter);
 
     updateParticles();
@@ -391,6 +390,7 @@ bool KTEMITTER::render(void *data) {
     KTTEXTURE::texturingOff(KTTEXTURE::channels);
     keltra::setBlendFunction(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     if (wasLit) KTLIGHT::lightingOn();
+    keltra::resumeCulling(keltra::kByEmitter);
     KTMATERIAL::reset();
     return true;
 }

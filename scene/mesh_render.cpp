@@ -85,7 +85,6 @@ bool KTMESH::render(void *data) {
     if (!data) return false;
     if (hidden) return true;
     KTELEMENT &element = *static_cast<KTELEMENT *>(data);
-    keltra::resumeCulling(keltra::kByEmitter);
     const bool special = KTOPENGL::currentProfile >= KT_PROFILE_PICKING;
     if (special) {
         beginSpecialPass();

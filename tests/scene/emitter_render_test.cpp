@@ -102,7 +102,8 @@ TEST_F(EmitterRenderTest, MakesExactlyTheseCalls) {
                             "glEnableClientState", "glEnableClientState", "glEnableClientState",
                             "glVertexPointer", "glColorPointer", "glTexCoordPointer", "glDrawArrays",
                             "glDisableClientState", "glDisableClientState", "glDisableClientState",
-                            "glDisable", "glDepthMask", "glDisable", "glDisable", "glBlendFunc", "glEnable"));
+                            "glDisable", "glDepthMask", "glDisable", "glDisable", "glBlendFunc", "glEnable",
+                            "glEnable"));
     const std::vector<std::vector<std::int64_t>> arguments = {
         {GL_LIGHTING},
         {GL_BLEND},
@@ -129,6 +130,7 @@ TEST_F(EmitterRenderTest, MakesExactlyTheseCalls) {
         {GL_TEXTURE_2D},
         {GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA},
         {GL_LIGHTING},
+        {GL_CULL_FACE},
     };
     ASSERT_EQ(GlRecorder::calls().size(), arguments.size() + 1);
     for (std::size_t i = 0; i < arguments.size(); ++i)
@@ -139,7 +141,7 @@ TEST_F(EmitterRenderTest, MakesExactlyTheseCalls) {
     EXPECT_EQ(KTMATERIAL::currentMaterial, nullptr);
     EXPECT_TRUE(KTLIGHT::getLighting());
     EXPECT_FALSE(KTOPENGL::isBlended());
-    EXPECT_TRUE(KTOPENGL::isCulled()) << "culling is switched off behind its switch";
+    EXPECT_TRUE(KTOPENGL::isCulled());
     EXPECT_EQ(KTTEXTURE::channelCache[0], nullptr);
     expectNoGlError();
 }
@@ -168,7 +170,7 @@ TEST_F(EmitterRenderTest, WhatAMeshLeftBehindIsSwitchedOff) {
     EXPECT_FALSE(KTOPENGL::normalArrayStatus);
 }
 
-TEST_F(EmitterRenderTest, TheEndOfThe2DPassSwitchesCullingOnAgain) {
+TEST_F(EmitterRenderTest, CullingIsOnAgainAfterAFrame) {
     KTEMITTER emitter;
     emitter.setNumberOfParticles(1);
     frame(
