@@ -9,8 +9,6 @@
 
 template class KTREGISTERED<KTNODE>;
 
-KTNODE *KTNODE::firstBorrower = nullptr;
-
 namespace {
 
 const unsigned int kTypeNames = 19;
@@ -130,17 +128,6 @@ void KTNODE::setFirst(KTNODE *) {}
 void KTNODE::letGo(KTNODE &node) {
     node.borrow(node.lister());
     node.delist();
-}
-
-// Joins the borrowers; `listingNode` is the node that lists this one among its children.
-void KTNODE::borrow(KTNODE *listingNode) {
-    listedBy = listingNode;
-    if (borrows) return;
-    borrows = true;
-    previousBorrower = nullptr;
-    nextBorrower = firstBorrower;
-    if (nextBorrower) nextBorrower->previousBorrower = this;
-    firstBorrower = this;
 }
 
 // Drops every pointer of a borrower to a node that is being destroyed.

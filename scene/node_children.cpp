@@ -1,0 +1,122 @@
+#include <keltra/node.h>
+
+#include <algorithm>
+#include <cstdint>
+
+#include "foundation/block.h"
+
+KTNODE *KTNODE::firstBorrower = nullptr;
+
+namespace {
+
+// An array of fewer children is as long as their number; a longer one grows by half its length and has room.
+const unsigned int kFirstRoom = 64;
+
+KTNODE **newChildren(unsigned int count, unsigned int room = 0) {
+    const std::size_t bytes = std::max(count, room) * sizeof(KTNODE *);
+    return static_cast<KTNODE **>(room > count ? keltra::newRoomyBlock(bytes) : keltra::newBlock(bytes));
+}
+
+std::size_t roomOf(KTNODE *const *children) { return keltra::roomOf(children) / sizeof(KTNODE *); }
+
+}  // namespace
+
+// Joins the borrowers; `listingNode` is the node that lists this one among its children.
+void KTNODE::borrow(KTNODE *listingNode) {
+    listedBy = listingNode;
+    if (borrows) return;
+    borrows = true;
+    previousBorrower = nullptr;
+    nextBorrower = firstBorrower;
+    if (nextBorrower) nextBorrower->previousBorrower = this;
+    firstBorrower = this;
+}
+
+// Makes room for `count` children, all empty, in place of the present ones. False when memory is out.
+bool KTNODE::allocateChildren(unsigned int count) {
+    KTNODE **block = count ? newChildren(count) : nullptr;
+    if (count && !block) return false;
+    std::fill_n(block, count, nullptr);
+    abandonChildren();
+    setChildren(block, count);
+    return true;
+}
+
+// Takes over a block that this node already holds.
+void KTNODE::setChildren(KTNODE **block, unsigned int count) {
+    keltra::releaseBlock(children);
+    children = block;
+    numberOfChildren = count;
+}
+
+KTNODE *KTNODE::getChild(unsigned int index) const {
+    return children && index < numberOfChildren ? children[index] : nullptr;
+}
+
+// Index of a child, or the number of children when it is not listed. Children in front of one that was
+// unlinked from the front half may stand behind where they are expected, the others before it: the search
+// goes outward. Destroying many children of one parent, or unlinking them from either end, takes one look
+// each.
+unsigned int KTNODE::findChild(const KTNODE *child) const {
+    if (!children || numberOfChildren == 0) return numberOfChildren;
+    const std::int64_t expected = static_cast<std::int32_t>(child->slot - taken);
+    const std::int64_t last = std::int64_t{numberOfChildren} - 1;
+    std::int64_t before = std::clamp<std::int64_t>(expected, 0, last), behind = before + 1;
+    for (; before >= 0 || behind <= last; --before, ++behind) {
+        if (before >= 0 && children[before] == child) return static_cast<unsigned int>(before);
+        if (behind <= last && children[behind] == child) return static_cast<unsigned int>(behind);
+    }
+    return numberOfChildren;
+}
+
+void KTNODE::leaveLister() {
+    KTNODE *listing = lister();
+    if (!listing) return;
+    unsigned int index = listing->findChild(this);
+    if (index < listing->numberOfChildren) listing->children[index] = nullptr;
+}
+
+// The children are about to be listed no more, but keep this node as their parent.
+void KTNODE::abandonChildren() {
+    for (unsigned int i = 0; i < numberOfChildren; ++i) {
+        KTNODE *child = getChild(i);
+        if (child && child->lister() == this) child->borrow(nullptr);
+    }
+}
+
+// Makes the entry behind the last child one that may be written. The array may be a block of the
+// application's, or one that copies show: neither has room to be used.
+bool KTNODE::makeRoomForChild() {
+    const unsigned int needed = numberOfChildren + 1;
+    if (children && roomOf(children) >= needed && !keltra::isShared(children)) return true;
+    KTNODE **grown = newChildren(needed, needed < kFirstRoom ? 0 : needed + needed / 2);
+    if (!grown) return false;
+    for (unsigned int i = 0; i < numberOfChildren; ++i) grown[i] = getChild(i);
+    setChildren(grown, numberOfChildren);
+    return true;
+}
+
+// Closes the gap from the nearer end. Copies that show the same array keep it as it is.
+bool KTNODE::takeChild(unsigned int index) {
+    const unsigned int rest = numberOfChildren - 1;
+    const bool front = index < numberOfChildren / 2;
+    const std::size_t room = roomOf(children);
+    const bool shared = keltra::isShared(children), tooLong = room / 4 > rest;
+    KTNODE **left = nullptr;
+    if (shared || tooLong) left = newChildren(rest, rest < kFirstRoom ? 0 : rest + rest / 2);
+    if (shared && !left) return false;
+    if (left) {
+        std::copy_n(children, index, left);
+        std::copy(children + index + 1, children + numberOfChildren, left + index);
+        setChildren(left, rest);
+    } else if (front && room > 0) {
+        std::copy_backward(children, children + index, children + index + 1);
+        children = static_cast<KTNODE **>(keltra::dropFront(children, sizeof(KTNODE *)));
+        numberOfChildren = rest;
+    } else {
+        std::copy(children + index + 1, children + numberOfChildren, children + index);
+        numberOfChildren = rest;
+    }
+    if (front) ++taken;
+    return true;
+}
