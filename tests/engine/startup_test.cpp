@@ -326,6 +326,26 @@ TEST_F(StartupTest, HandsThePathsToTheirClasses) {
     EXPECT_STREQ(KTTEXTURE::getPath(), "");
 }
 
+TEST_F(StartupTest, TakesThePathsOnceTheVideoModeIsAccepted) {
+    settings.setTexturePath("textures/");
+    StartupFaults::fail("SDL_VideoModeOK");
+    EXPECT_FALSE(KELTRA::init(&settings));
+    EXPECT_STREQ(KTTEXTURE::getPath(), "");
+    StartupFaults::fail("SDL_SetVideoMode");
+    EXPECT_FALSE(KELTRA::init(&settings));
+    EXPECT_STREQ(KTTEXTURE::getPath(), "textures/") << "although the window did not open";
+
+    // An application that opens the window by itself has its paths taken too.
+    settings.setTexturePath("others/");
+    ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO), 0);
+    StartupFaults::fail("SDL_SetVideoMode");
+    EXPECT_FALSE(KTSETTINGS::init(&settings));
+    EXPECT_STREQ(KTTEXTURE::getPath(), "others/");
+    SDL_Quit();
+    KTTEXTURE::setPath("");
+    expectNothingLeft();
+}
+
 TEST_F(StartupTest, TheRenderListHoldsUpTo1024Entries) {
     const struct {
         int asked;

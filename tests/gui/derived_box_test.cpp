@@ -71,5 +71,21 @@ TEST_F(GuiTest, APlainNodeWithTheCodeOfAWidgetIsNoBox) {
     }
 }
 
+TEST_F(GuiTest, OnlyWindowsAreFolded) {
+    KTWINDOW window;
+    EXPECT_FALSE(window.isFolded());
+    window.minmaximize();
+    EXPECT_TRUE(window.isFolded());
+    KTWINDOW copy(window);
+    EXPECT_TRUE(copy.isFolded());
+    copy.maximized = true;
+    EXPECT_FALSE(copy.isFolded());
+    const KTNODE node(window);
+    KTNODE assigned;
+    assigned = window;
+    EXPECT_FALSE(node.isFolded()) << "a plain node shows its children whatever it was copied from";
+    EXPECT_FALSE(assigned.isFolded());
+}
+
 }  // namespace
 }  // namespace keltra::test
