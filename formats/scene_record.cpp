@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "formats/limits.h"
+#include "math/fixed.h"
 
 namespace keltra {
 
@@ -32,13 +33,25 @@ bool acceptFaces(FieldReader &reader, const MeshRecord &record, std::size_t offs
     return reader.refuseValue(offset, "faces", static_cast<long>(largest), "vertex index out of range");
 }
 
+// Skinning leaves influences out whose weight is 0 or less in 16.16.
+bool countsAsInfluence(const unsigned char *bytes) {
+    float weight;
+    std::memcpy(&weight, bytes, sizeof weight);
+    return toFixed(weight) > 0;
+}
+
 bool acceptInfluences(FieldReader &reader, const MeshRecord &record, std::size_t offset) {
     const std::size_t influences = std::size_t(record.vertexCount) * record.influenceCount;
     const unsigned int limit = record.boneCount < kMaxSkinBones ? record.boneCount : kMaxSkinBones;
     unsigned int largest = 0;
-    for (std::size_t i = 0; i < influences; ++i)
-        if (record.influenceBones[i] > largest) largest = record.influenceBones[i];
-    if (influences == 0 || largest < limit) return true;
+    bool good = true;
+    for (std::size_t i = 0; i < influences; ++i) {
+        const unsigned int bone = record.influenceBones[i];
+        if (bone < limit || !countsAsInfluence(record.influenceWeights + i * sizeof(float))) continue;
+        good = false;
+        if (bone > largest) largest = bone;
+    }
+    if (good) return true;
     return reader.refuseValue(offset, "bone indices", static_cast<long>(largest), "bone index out of range");
 }
 

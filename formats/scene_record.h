@@ -62,7 +62,7 @@ struct MeshRecord {
 
 // Each reads one record, of a node without its type byte. False when it is not whole or not consistent: names
 // shorter than 256 bytes, children that can fit into what remains, texture coordinates for no or for all
-// vertices, faces within the vertices, influences within the bones and below 100.
+// vertices, faces within the vertices, influences that count within the bones and below 100.
 bool readHeader(FieldReader &reader, SceneHeader &header);
 bool readMaterial(FieldReader &reader, MaterialRecord &record);
 bool readPlain(FieldReader &reader, PlainRecord &record);

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <new>
 
+#include "formats/limits.h"
 #include "formats/trusted_record.h"
 #include "foundation/block.h"
 #include "math/fixed.h"
@@ -89,7 +90,10 @@ bool buildSkin(KTMESH &mesh, const keltra::MeshRecord &record) {
     mesh.influenceWeights = copyToBlock<float>(record.influenceWeights, influences);
     mesh.influenceBonesFloat = static_cast<float *>(keltra::newBlock(influences * sizeof(float)));
     if (!mesh.influenceBones || !mesh.influenceWeights || !mesh.influenceBonesFloat) return false;
-    std::copy_n(mesh.influenceBones, influences, mesh.influenceBonesFloat);
+    // Influences that do not count may name any bone; a shader's arrays end with the last one.
+    for (std::size_t i = 0; i < influences; ++i)
+        mesh.influenceBonesFloat[i] =
+            mesh.influenceBones[i] < keltra::kMaxSkinBones ? mesh.influenceBones[i] : 0;
     const char *name = record.boneNames;
     for (unsigned int b = 0; b < record.boneCount; ++b) {
         KTBONE *bone = new (mesh.bones + b) KTBONE;

@@ -25,7 +25,7 @@ formats::Node meshOf(unsigned vertices) {
     node.mesh.faceNormals.resize(1);
     node.mesh.influences = 1;
     node.mesh.influenceBones.resize(vertices);
-    node.mesh.influenceWeights.resize(vertices);
+    node.mesh.influenceWeights.resize(vertices, 1.0f);
     node.mesh.boneNames = {"bone"};
     return node;
 }

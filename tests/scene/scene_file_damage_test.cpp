@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <limits>
 
 #include "foundation/arena.h"
 #include "tests/scene/scene_parts.h"
@@ -163,6 +164,29 @@ TEST_F(SceneDamageTest, BoneIndicesEndAt99HoweverManyBonesThereAre) {
     delete root;
     skin.mesh.influenceBones[3] = 100;
     expectRefused(formats::writeKte(sceneOf(skin), KteVersion::k16a));
+}
+
+TEST_F(SceneDamageTest, InfluencesThatDoNotCountMayNameAnyBone) {
+    formats::Node skin = skinNode("skin", {"bone", "other"});
+    std::vector<float> &weights = skin.mesh.influenceWeights;
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    skin.mesh.influenceBones[3] = 2;
+    for (float weight : {0.0f, -0.0f, -1.0f, 1.0f / 65537.0f, -40000.0f, nan}) {
+        weights[3] = weight;
+        for (unsigned bone : {2u, 100u, 255u}) {
+            skin.mesh.influenceBones[3] = static_cast<std::uint8_t>(bone);
+            auto *mesh = static_cast<KTMESH *>(loadBytes(formats::writeKte(sceneOf(skin), KteVersion::k16a)));
+            ASSERT_NE(mesh, nullptr) << weight << ' ' << bone;
+            EXPECT_EQ(mesh->influenceBones[3], bone);
+            EXPECT_EQ(mesh->influenceBonesFloat[3], bone < 100 ? static_cast<float>(bone) : 0.0f);
+            EXPECT_TRUE(mesh->animate(0));
+            delete mesh;
+        }
+    }
+    for (float weight : {1.0f, 1.0f / 65536.0f}) {
+        weights[3] = weight;
+        expectRefused(formats::writeKte(sceneOf(skin), KteVersion::k16a));
+    }
 }
 
 TEST_F(SceneDamageTest, FacesReachOnlyTheVertices) {
