@@ -14,6 +14,7 @@
 
 long KTBOX::counter = 0;
 KTBOX *KTBOX::firstBox = nullptr;
+KTBOX *KTBOX::firstSharer = nullptr;
 
 namespace {
 
@@ -76,11 +77,13 @@ KTBOX::~KTBOX() {
     keltra::forgetInEvents(this);
     (previousBox ? previousBox->nextBox : firstBox) = nextBox;
     if (nextBox) nextBox->previousBox = previousBox;
-    if (part) forgetPart();
+    leaveSharers();
+    if (partOf) forgetPart();
 }
 
 void KTBOX::joinBoxes() {
-    part = false;
+    partOf = nullptr;
+    sharing = false;
     previousBox = nullptr;
     nextBox = firstBox;
     if (nextBox) nextBox->previousBox = this;

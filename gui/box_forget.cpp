@@ -26,23 +26,41 @@ void KTBOX::forgetTexture(const KTTEXTURE *gone) {
         if (box->texture == gone) box->texture = nullptr;
 }
 
-// Copies of windows and scroll bars point to parts that they do not own, so all of them are asked.
+void KTBOX::joinSharers() {
+    if (sharing) return;
+    sharing = true;
+    previousSharer = nullptr;
+    nextSharer = firstSharer;
+    if (nextSharer) nextSharer->previousSharer = this;
+    firstSharer = this;
+}
+
+void KTBOX::leaveSharers() {
+    if (!sharing) return;
+    (previousSharer ? previousSharer->nextSharer : firstSharer) = nextSharer;
+    if (nextSharer) nextSharer->previousSharer = previousSharer;
+}
+
+// The box that made the part, and the copies of such boxes, which point to parts that they do not own.
 void KTBOX::forgetPart() {
-    auto clear = [this](auto *&pointer) {
-        if (pointer == this) pointer = nullptr;
+    partOf->losePart(this);
+    for (KTBOX *box = firstSharer; box; box = box->nextSharer) box->losePart(this);
+}
+
+void KTBOX::losePart(const KTBOX *gone) {
+    auto clear = [gone](auto *&pointer) {
+        if (pointer == gone) pointer = nullptr;
     };
-    for (KTBOX *box = firstBox; box; box = box->nextBox) {
-        if (KTWINDOW *window = keltra::as<KTWINDOW>(box)) {
-            clear(window->titleBar);
-            clear(window->ownTitleBar);
-            clear(window->scrollBar);
-            clear(window->ownScrollBar);
-        } else if (KTHSCROLLBAR *lying = keltra::as<KTHSCROLLBAR>(box)) {
-            clear(lying->cursor);
-            clear(lying->ownCursor);
-        } else if (KTVSCROLLBAR *standing = keltra::as<KTVSCROLLBAR>(box)) {
-            clear(standing->cursor);
-            clear(standing->ownCursor);
-        }
+    if (KTWINDOW *window = keltra::as<KTWINDOW>(this)) {
+        clear(window->titleBar);
+        clear(window->ownTitleBar);
+        clear(window->scrollBar);
+        clear(window->ownScrollBar);
+    } else if (KTHSCROLLBAR *horizontal = keltra::as<KTHSCROLLBAR>(this)) {
+        clear(horizontal->cursor);
+        clear(horizontal->ownCursor);
+    } else if (KTVSCROLLBAR *vertical = keltra::as<KTVSCROLLBAR>(this)) {
+        clear(vertical->cursor);
+        clear(vertical->ownCursor);
     }
 }

@@ -107,16 +107,18 @@ KTHSCROLLBAR::KTHSCROLLBAR()
     : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Lying>(*this)), ownCursor(cursor) {
     joinClass(KT_HSCROLLBAR);
     setIdentity(KT_HSCROLLBAR, "[hscrollbar %d]");
-    if (cursor) cursor->part = true;
+    if (cursor) makePart(*cursor);
 }
 
 KTHSCROLLBAR::KTHSCROLLBAR(const KTHSCROLLBAR &other) : KTBOX(other), ownCursor(nullptr) {
     joinClass(KT_HSCROLLBAR);
+    joinSharers();
     copyBar(*this, other);
 }
 
 KTHSCROLLBAR &KTHSCROLLBAR::operator=(const KTHSCROLLBAR &other) {
     KTBOX::operator=(other);
+    joinSharers();
     copyBar(*this, other);
     return *this;
 }
@@ -147,16 +149,18 @@ KTVSCROLLBAR::KTVSCROLLBAR()
     : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Standing>(*this)), ownCursor(cursor) {
     joinClass(KT_VSCROLLBAR);
     setIdentity(KT_VSCROLLBAR, "[hscrollbar %d]");
-    if (cursor) cursor->part = true;
+    if (cursor) makePart(*cursor);
 }
 
 KTVSCROLLBAR::KTVSCROLLBAR(const KTVSCROLLBAR &other) : KTBOX(other), ownCursor(nullptr) {
     joinClass(KT_VSCROLLBAR);
+    joinSharers();
     copyBar(*this, other);
 }
 
 KTVSCROLLBAR &KTVSCROLLBAR::operator=(const KTVSCROLLBAR &other) {
     KTBOX::operator=(other);
+    joinSharers();
     copyBar(*this, other);
     return *this;
 }

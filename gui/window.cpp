@@ -84,7 +84,7 @@ KTWINDOW::KTWINDOW()
     thickness = 2;
     staticStatus = false;
     if (titleBar) {
-        titleBar->part = true;
+        makePart(*titleBar);
         titleBar->sizeY = kTitleHeight;
         titleBar->setPosition(0.0f, -static_cast<float>(kTitleHeight));
         titleBar->setColor(0.8f, 0.3f, 0.0f, 0.9f);
@@ -94,7 +94,7 @@ KTWINDOW::KTWINDOW()
         titleBar->link(this);
     }
     if (scrollBar) {
-        scrollBar->part = true;
+        makePart(*scrollBar);
         scrollBar->link(this);
     }
     setSizes(128, 128);
@@ -118,6 +118,7 @@ KTWINDOW::~KTWINDOW() {
 }
 
 void KTWINDOW::copyWindow(const KTWINDOW &other) {
+    joinSharers();
     maximized = other.maximized;
     std::memcpy(text, other.text, sizeof text);
     std::memcpy(formattedText, other.formattedText, sizeof formattedText);

@@ -118,22 +118,31 @@ class KT_API KTBOX : public KTNODE {
     KTSHADER *shader;
     KTBOXCOORD boxCoord;
 
+   protected:
+    /** For windows and scroll bars: `part` is a box that this one has made and points to; both pointers end
+     * with either of them. */
+    void makePart(KTBOX &part) { part.partOf = this; }
+    /** For windows and scroll bars that take over the pointers of others: to parts that they do not own. */
+    void joinSharers();
+
    private:
     friend class keltra::Holders;
-    friend class KTHSCROLLBAR;
-    friend class KTVSCROLLBAR;
-    friend class KTWINDOW;
     static void forgetFont(const KTFONT *gone);
     static void forgetShader(const KTSHADER *gone);
     static void forgetTexture(const KTTEXTURE *gone);
     void copyBox(const KTBOX &other);
     void joinBoxes();
+    void leaveSharers();
     void forgetPart();
+    void losePart(const KTBOX *gone);
 
     static long counter;
     static KTBOX *firstBox;  // all boxes in existence, copies too
     KTBOX *previousBox, *nextBox;
-    bool part;  // a window or a scroll bar points to it
+    KTBOX *partOf;              // the window or scroll bar that made this box as a part of it
+    static KTBOX *firstSharer;  // windows and scroll bars that were copied: they point to others' parts
+    KTBOX *previousSharer, *nextSharer;
+    bool sharing;
 };
 
 #endif
