@@ -17,6 +17,9 @@ constexpr unsigned int kMaxCount = 65535;   // what a count of 16 bits in a file
 constexpr unsigned int kMaxTreeDepth = 256;
 constexpr unsigned int kMaxDrawnDepth = 31;     // of the GL's 32 matrices one stands below the scene
 constexpr unsigned int kMaxSkinBones = 100;     // that influences can address
+// A bone takes a byte of the file, when its name is empty, and 300 in memory: more bones need a larger file.
+constexpr std::size_t kBonesOfAnyScene = 4096;
+constexpr std::size_t kSceneBytesPerBone = 8;
 constexpr unsigned int kMaxSkins = 16;          // that a frame draws
 constexpr unsigned int kMaxElements = 1024;     // that a frame draws
 constexpr unsigned int kMaxTextureLevels = 16;  // of a material, and channels

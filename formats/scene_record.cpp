@@ -86,7 +86,7 @@ void readSkin(FieldReader &reader, MeshRecord &record, std::size_t &influencesOf
 
 // Reads the node at the cursor, shows it to the visitor and returns whether it is good.
 bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int level, unsigned int &children,
-                 SceneVisitor *visitor) {
+                 std::size_t &bonesLeft, SceneVisitor *visitor) {
     const std::size_t offset = reader.position();
     const unsigned int type = reader.u8("type");
     if (!reader.isWhole()) return false;
@@ -103,6 +103,10 @@ bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int level, unsig
     } else if (type == kMeshRecord) {
         MeshRecord record;
         if (!readMesh(reader, oldVersion, record)) return false;
+        if (record.boneCount > bonesLeft)
+            return reader.refuseValue(offset, "bone count", static_cast<long>(record.boneCount),
+                                      "more bones than a file of this size may list");
+        bonesLeft -= record.boneCount;
         children = record.children;
         if (visitor) visitor->mesh(record, level);
     } else {
@@ -120,7 +124,7 @@ bool checkMaterials(FieldReader &reader, unsigned int count, SceneVisitor *visit
     return true;
 }
 
-bool checkTree(FieldReader &reader, bool oldVersion, SceneVisitor *visitor) {
+bool checkTree(FieldReader &reader, bool oldVersion, std::size_t bonesLeft, SceneVisitor *visitor) {
     std::uint16_t pending[kMaxTreeDepth + 1] = {
         1};  // by level: nodes still to come; the root is the one of level 0
     unsigned int level = 0;
@@ -129,7 +133,7 @@ bool checkTree(FieldReader &reader, bool oldVersion, SceneVisitor *visitor) {
             if (level-- == 0) return true;
         --pending[level];
         unsigned int children = 0;
-        if (!readAnyNode(reader, oldVersion, level, children, visitor)) return false;
+        if (!readAnyNode(reader, oldVersion, level, children, bonesLeft, visitor)) return false;
         if (children == 0) continue;
         if (++level == kMaxTreeDepth) return reader.refuse(reader.position(), "type", "nodes nest too deep");
         pending[level] = static_cast<std::uint16_t>(children);
@@ -223,7 +227,7 @@ bool checkScene(const void *bytes, std::size_t size, SceneFault &fault, SceneVis
     bool good = readHeader(reader, header);
     if (good && visitor) visitor->header(header);
     good = good && checkMaterials(reader, header.materials, visitor) &&
-           checkTree(reader, header.oldVersion, visitor);
+           checkTree(reader, header.oldVersion, kBonesOfAnyScene + size / kSceneBytesPerBone, visitor);
     if (good && visitor) visitor->end(reader.position());
     fault = reader.fault();
     return good;

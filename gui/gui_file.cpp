@@ -14,6 +14,7 @@
 
 #include "formats/limits.h"
 #include "formats/xml_document.h"
+#include "foundation/name_index.h"
 #include "foundation/text.h"
 #include "gui/gui_file.h"
 #include "scene/node_class.h"
@@ -57,11 +58,20 @@ const WidgetKind *findWidgetKind(const char *name) {
 
 // --- properties
 
+// The textures and fonts that a description names, those of earlier ones and its own.
+struct Resources {
+    keltra::NameIndex<KTTEXTURE> textures{[](const KTTEXTURE &one) -> const char * { return one.filename; },
+                                          KTTEXTURE::findByFilename};
+    keltra::NameIndex<KTFONT> fonts{[](const KTFONT &one) -> const char * { return one.name; },
+                                    KTFONT::findByName};
+};
+
 // What a property applies to. A font takes those that are meant for one; all others inside it apply to the
 // widget around it.
 struct Target {
     KTFONT *font;
     KTNODE *widget;
+    Resources *resources;
 
     bool is(unsigned int type) const { return widget->getType() == type; }
     KTBOX *box() const { return keltra::as<KTBOX>(widget); }
@@ -116,7 +126,9 @@ void readSize(const TiXmlElement &property, const Target &target) {
 void readFontReference(const TiXmlElement &property, const Target &target) {
     const char *name = property.Attribute("ref");
     if (!name) return;
-    KTFONT *font = KTFONT::findByName(name);
+    KTFONT *font = target.resources->fonts.find(name);
+    // A font that is being read may still be renamed, so it comes to the index when it is complete.
+    if (!font && target.font && std::strcmp(target.font->name, name) == 0) font = target.font;
     if (KTWINDOW *window = target.as<KTWINDOW>(KT_WINDOW)) window->setFont(font);
     if (KTBUTTON *button = target.as<KTBUTTON>(KT_BUTTON)) button->setFont(font);
     if (KTTEXTFIELD *field = target.as<KTTEXTFIELD>(KT_TEXTFIELD)) field->setFont(font);
@@ -127,13 +139,14 @@ void readFontReference(const TiXmlElement &property, const Target &target) {
 void readTexture(const TiXmlElement &property, const Target &target) {
     const char *file = property.Attribute("value");
     if (!file || (!target.font && !target.box())) return;
-    KTTEXTURE *texture = KTTEXTURE::findByFilename(file);
+    KTTEXTURE *texture = target.resources->textures.find(file);
     if (!texture) {
         texture = new (std::nothrow) KTTEXTURE;
         if (!texture) return;
         // Glyphs are drawn pixel by pixel.
         if (target.font) texture->setFilter(false, false, false);
         texture->load(file);
+        target.resources->textures.add(texture);
     }
     if (target.font) {
         target.font->setTexture(texture);
@@ -250,18 +263,20 @@ class InterfaceReader {
     // Makes what the element asks for and returns the widget that its nested elements belong to; null when
     // there is no room.
     KTNODE *enter(const TiXmlElement &element, KTNODE *parent) {
-        Target target = {nullptr, parent};
+        Target target = {nullptr, parent, &resources};
         const WidgetKind *kind = findWidgetKind(element.Value());
         if (kind || std::strcmp(element.Value(), kFontName) == 0) {
             if (objects++ >= kMaxObjects) return nullptr;
             if (kind) {
                 target.widget = makeLinked(*kind, parent);
             } else {
+                resources.fonts.fill();
                 target.font = new (std::nothrow) KTFONT;
             }
             if (!target.widget || (!kind && !target.font)) return nullptr;
         }
         readProperties(element, target);
+        if (target.font) resources.fonts.add(target.font);
         return target.widget;
     }
 
@@ -272,6 +287,7 @@ class InterfaceReader {
         return nullptr;
     }
 
+    Resources resources;
     unsigned int objects;
 };
 

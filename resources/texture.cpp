@@ -82,6 +82,7 @@ KTTEXTURE::KTTEXTURE()
       mipmapped(true),
       clamped(false),
       mipmapResident(false),
+      unseen(false),
       ownsBitmap(false),
       ownsGLTexture(false),
       toldMissing(false),
@@ -131,6 +132,7 @@ void KTTEXTURE::copyFields(const KTTEXTURE &other) {
     mipmapResident = other.mipmapResident;
     previous = other.previous;
     next = other.next;
+    unseen = false;
     ownsBitmap = false;
     ownsGLTexture = false;
     toldMissing = other.toldMissing;

@@ -5,6 +5,7 @@
 #include "core/holders.h"
 #include "foundation/block.h"
 #include "resources/mipmap.h"
+#include "resources/unseen_texture.h"
 
 #include <GLES/gl.h>
 
@@ -134,10 +135,17 @@ bool KTTEXTURE::takesPicture(unsigned int width, unsigned int height) {
 
 void KTTEXTURE::letGo(KTTEXTURE &texture) {
     texture.unload(true);
-    for (KTTEXTURE *&cached : channelCache)
-        if (cached == &texture) cached = nullptr;
-    keltra::Holders::forget(&texture);
+    if (!texture.unseen) {
+        for (KTTEXTURE *&cached : channelCache)
+            if (cached == &texture) cached = nullptr;
+        keltra::Holders::forget(&texture);
+    }
     texture.delist();
+}
+
+void keltra::UnseenTexture::destroy(KTTEXTURE *texture) {
+    texture->unseen = true;
+    delete texture;
 }
 
 bool KTTEXTURE::garbageCollect(unsigned long limit) {

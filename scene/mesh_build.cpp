@@ -107,12 +107,12 @@ bool buildSkin(KTMESH &mesh, const keltra::MeshRecord &record) {
     return KTSHADER::useSkinning() || keltra::makeSkinnedArrays(mesh);
 }
 
-bool build(KTMESH &mesh, const keltra::MeshRecord &record) {
+bool build(KTMESH &mesh, const keltra::MeshRecord &record, KTMATERIAL *material) {
     mesh.setName(record.name);
     mesh.setPosition(R3XVECTOR3D(record.position));
     mesh.setRotation(R3XVECTOR3D(record.rotation));
     mesh.setOrigin(R3XVECTOR3D(record.origin));
-    mesh.setMaterial(KTMATERIAL::findByName(record.material));
+    mesh.setMaterial(material);
     mesh.radius = record.radius;
     mesh.minimum.set(record.minimum);
     mesh.maximum.set(record.maximum);
@@ -125,9 +125,9 @@ bool build(KTMESH &mesh, const keltra::MeshRecord &record) {
 
 }  // namespace
 
-KTNODE *keltra::buildMesh(const MeshRecord &record) {
+KTNODE *keltra::buildMesh(const MeshRecord &record, KTMATERIAL *material) {
     KTMESH *mesh = new (std::nothrow) KTMESH;
-    if (!mesh || build(*mesh, record)) return mesh;
+    if (!mesh || build(*mesh, record, material)) return mesh;
     delete mesh;
     return nullptr;
 }
@@ -137,5 +137,6 @@ KTNODE *KTMESH::load(const char *buffer, long *cursor, bool oldVersion) {
     const auto read = [&record, oldVersion](keltra::FieldReader &reader) {
         return readMesh(reader, oldVersion, record);
     };
-    return keltra::readTrusted(buffer, cursor, read) ? keltra::buildMesh(record) : nullptr;
+    if (!keltra::readTrusted(buffer, cursor, read)) return nullptr;
+    return keltra::buildMesh(record, KTMATERIAL::findByName(record.material));
 }

@@ -3,12 +3,13 @@
 
 #include "formats/scene_record.h"
 
+class KTMATERIAL;
 class KTNODE;
 
 namespace keltra {
 
 // The mesh of a record, with its number of children and without them; null when out of memory.
-KTNODE *buildMesh(const MeshRecord &record);
+KTNODE *buildMesh(const MeshRecord &record, KTMATERIAL *material);
 
 }  // namespace keltra
 

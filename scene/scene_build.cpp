@@ -12,6 +12,9 @@
 
 #include "formats/trusted_record.h"
 #include "foundation/file_bytes.h"
+#include "foundation/name_index.h"
+#include "resources/unseen_texture.h"
+#include "scene/bone_finder.h"
 #include "scene/mesh_build.h"
 #include "scene/node_class.h"
 #include "scene/tree_walk.h"
@@ -24,29 +27,43 @@ const std::size_t kNormalMapEndingLength = sizeof kNormalMapEnding - 1;
 
 // --- materials
 
+// The resources that records name, those of earlier loads and those of this one.
+struct Resources {
+    keltra::NameIndex<KTTEXTURE> textures{[](const KTTEXTURE &one) -> const char * { return one.filename; },
+                                          KTTEXTURE::findByFilename};
+    keltra::NameIndex<KTSHADER> shaders{[](const KTSHADER &one) -> const char * { return one.name; },
+                                        KTSHADER::findByName};
+    keltra::NameIndex<KTMATERIAL> materials{[](const KTMATERIAL &one) -> const char * { return one.name; },
+                                            KTMATERIAL::findByName};
+};
+
 // The texture of that file; null when it cannot be read.
-KTTEXTURE *acquireTexture(const char *name) {
-    if (KTTEXTURE *known = KTTEXTURE::findByFilename(name)) return known;
+KTTEXTURE *acquireTexture(Resources &resources, const char *name) {
+    if (KTTEXTURE *known = resources.textures.find(name)) return known;
     KTTEXTURE *texture = new (std::nothrow) KTTEXTURE;
-    if (!texture || texture->load(name)) return texture;
-    delete texture;
-    return nullptr;
+    if (!texture) return nullptr;
+    if (!texture->load(name)) {
+        keltra::UnseenTexture::destroy(texture);
+        return nullptr;
+    }
+    resources.textures.add(texture);
+    return texture;
 }
 
 // The normal map's name is the texture's with its last six characters replaced, "stone_d.tga" gives
 // "stone_n.tga". Meant as it is: "stone.tga" gives "sto_n.tga".
-KTTEXTURE *acquireNormalMap(const char *textureName) {
+KTTEXTURE *acquireNormalMap(Resources &resources, const char *textureName) {
     char name[keltra::kNameSize];
     const std::size_t length = std::strlen(textureName);
     if (length < kNormalMapEndingLength || length >= sizeof name) return nullptr;
     std::memcpy(name, textureName, length - kNormalMapEndingLength);
     std::memcpy(name + length - kNormalMapEndingLength, kNormalMapEnding, sizeof kNormalMapEnding);
     if (!vnfFileExists(keltra::FilePath(KTTEXTURE::getPath(), name).text)) return nullptr;
-    return acquireTexture(name);
+    return acquireTexture(resources, name);
 }
 
-KTSHADER *acquireShader(const char *name) {
-    if (KTSHADER *known = KTSHADER::findByName(name)) return known;
+KTSHADER *acquireShader(Resources &resources, const char *name) {
+    if (KTSHADER *known = resources.shaders.find(name)) return known;
     KTSHADER *shader = new (std::nothrow) KTSHADER;
     if (!shader) return nullptr;
     char vertexProgram[keltra::kNameSize + 8], pixelProgram[sizeof vertexProgram];
@@ -54,22 +71,25 @@ KTSHADER *acquireShader(const char *name) {
     std::snprintf(pixelProgram, sizeof pixelProgram, "%sPS.glsl", name);
     shader->load(vertexProgram, pixelProgram);
     shader->setName(name);
+    resources.shaders.add(shader);
     return shader;
 }
 
 // A material that exists keeps its values; the textures and the shader of the record are loaded all the same,
 // which applications use to bring in textures ahead of time.
-bool buildMaterial(const keltra::MaterialRecord &record) {
+bool buildMaterial(Resources &resources, const keltra::MaterialRecord &record) {
     KTTEXTURE *texture = nullptr, *normalMap = nullptr;
     if (std::strcmp(record.texture, kNone) != 0) {
-        texture = acquireTexture(record.texture);
-        normalMap = acquireNormalMap(record.texture);
+        texture = acquireTexture(resources, record.texture);
+        normalMap = acquireNormalMap(resources, record.texture);
     }
-    KTSHADER *shader = std::strcmp(record.shader, kNone) != 0 ? acquireShader(record.shader) : nullptr;
-    if (KTMATERIAL::findByName(record.name)) return true;
+    KTSHADER *shader =
+        std::strcmp(record.shader, kNone) != 0 ? acquireShader(resources, record.shader) : nullptr;
+    if (resources.materials.find(record.name)) return true;
     KTMATERIAL *material = new (std::nothrow) KTMATERIAL;
     if (!material) return false;
     material->setName(record.name);
+    resources.materials.add(material);
     material->setAmbient(R3XVECTOR4D(record.ambient));
     material->setDiffuse(R3XVECTOR4D(record.diffuse));
     material->setSpecular(R3XVECTOR4D(record.specular));
@@ -82,9 +102,9 @@ bool buildMaterial(const keltra::MaterialRecord &record) {
     return true;
 }
 
-bool buildMaterials(const keltra::SceneMaterial *material) {
+bool buildMaterials(Resources &resources, const keltra::SceneMaterial *material) {
     for (; material; material = material->next)
-        if (!buildMaterial(material->record)) return false;
+        if (!buildMaterial(resources, material->record)) return false;
     return true;
 }
 
@@ -168,10 +188,10 @@ KTNODE *buildLight(const keltra::LightRecord &record) {
     return light;
 }
 
-KTNODE *buildNode(const keltra::SceneNode &node) {
+KTNODE *buildNode(Resources &resources, const keltra::SceneNode &node) {
     if (node.plain) return buildPlain(*node.plain);
     if (node.light) return buildLight(*node.light);
-    return keltra::buildMesh(*node.mesh);
+    return keltra::buildMesh(*node.mesh, resources.materials.find(node.mesh->material));
 }
 
 KTNODE *buildTrustedNode(const char *buffer, long *cursor) {
@@ -236,13 +256,14 @@ class TreeBuilder {
 
 KTNODE *buildScene(const SceneContents &contents) {
     const Rollback rollback;
+    Resources resources;
     const SceneNode *record = contents.firstNode();
     KTNODE *root = nullptr;
-    if (buildMaterials(contents.firstMaterial())) {
-        root = TreeBuilder::build(nullptr, [&record] {
+    if (buildMaterials(resources, contents.firstMaterial())) {
+        root = TreeBuilder::build(nullptr, [&record, &resources] {
             const SceneNode &read = *record;
             record = read.next;
-            return buildNode(read);
+            return buildNode(resources, read);
         });
     }
     if (!root) rollback.run();
@@ -254,8 +275,10 @@ KTNODE *buildTrustedTree(const char *buffer, long *cursor, KTNODE *parent) {
 }
 
 void bindSkins(KTNODE *root, KTNODE *node) {
-    walkTree(node, [root](KTNODE *visited, unsigned int) {
-        if (KTMESH *mesh = asTyped<KTMESH>(visited)) mesh->resetBones(root);
+    if (!root) return;
+    BoneFinder finder(root);
+    walkTree(node, [&finder](KTNODE *visited, unsigned int) {
+        if (KTMESH *mesh = asTyped<KTMESH>(visited)) finder.bind(*mesh);
         return visited->numberOfChildren;
     });
 }

@@ -7,6 +7,7 @@
 
 #include "foundation/block.h"
 #include "math/fixed.h"
+#include "scene/bone_finder.h"
 #include "scene/skin_kernel.h"
 
 namespace {
@@ -38,13 +39,7 @@ void fillShaderBones(unsigned int boneCount) {
 
 bool KTMESH::resetBones(KTNODE *root) {
     if (!root) return false;
-    if (numberOfInfluences == 0 || !bones) return true;
-    for (unsigned int b = 0; b < numberOfBones; ++b) {
-        KTBONE &bone = bones[b];
-        bone.node = root->findByNameInHierarchy(bone.name);
-        bone.inverseBindMatrix =
-            bone.node ? bone.node->getFinalMatrix(kReferenceFrame).inverse() : R3XMATRIX();
-    }
+    keltra::BoneFinder(root).bind(*this);
     return true;
 }
 

@@ -6,6 +6,10 @@
 #include <keltra/registered.h>
 
 class KTEMITTER;
+namespace keltra {
+struct UnseenTexture;
+}
+
 class KTTEXTURE;
 class KTVIDEO;
 extern template class KT_API KTREGISTERED<KTTEXTURE>;
@@ -122,6 +126,7 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     static bool channelActive[channels];
 
    private:
+    friend struct keltra::UnseenTexture;
     friend class KTEMITTER;
     friend class KTREGISTERED<KTTEXTURE>;
     friend class KTVIDEO;
@@ -137,6 +142,7 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     void setParameters() const;
     void uploadImage();
 
+    bool unseen;      // the loader that made it gives it up
     bool ownsBitmap;  // this object set it: its bytes are charged when the object has them charged
     bool ownsGLTexture;
     bool toldMissing;                                // a fault says that its file cannot be read
