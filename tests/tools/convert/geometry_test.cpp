@@ -176,13 +176,17 @@ void expectOutward(const formats::MeshData &mesh) {
     }
 }
 
+void expectMadeOutward(const MeshOf &source, unsigned flippedMeshes) {
+    Rejects rejects;
+    const auto meshes = build(source, Matrix(), nullptr, &rejects);
+    EXPECT_EQ(rejects.insideOut, flippedMeshes);
+    expectOutward(meshes[0]);
+}
+
 TEST(Geometry, NormalsThatLookIntoABodyAreTurned) {
     MeshOf source = tetrahedron();
     setCornerNormals(source, -1.0f);
-    Rejects rejects;
-    const auto meshes = build(source, Matrix(), nullptr, &rejects);
-    EXPECT_EQ(rejects.insideOut, 1u);
-    expectOutward(meshes[0]);
+    expectMadeOutward(source, 1);
 }
 
 TEST(Geometry, TrianglesThatLookIntoABodyAreTurned) {
@@ -190,19 +194,13 @@ TEST(Geometry, TrianglesThatLookIntoABodyAreTurned) {
     setCornerNormals(source, 1.0f);
     for (unsigned f = 0; f < 4; ++f)
         std::swap(source.mesh->mFaces[f].mIndices[0], source.mesh->mFaces[f].mIndices[1]);
-    Rejects rejects;
-    const auto meshes = build(source, Matrix(), nullptr, &rejects);
-    EXPECT_EQ(rejects.insideOut, 1u);
-    expectOutward(meshes[0]);
+    expectMadeOutward(source, 1);
 }
 
 TEST(Geometry, ABodyWhoseNormalsLookOutIsLeftAlone) {
     MeshOf source = tetrahedron();
     setCornerNormals(source, 1.0f);
-    Rejects rejects;
-    const auto meshes = build(source, Matrix(), nullptr, &rejects);
-    EXPECT_EQ(rejects.insideOut, 0u);
-    expectOutward(meshes[0]);
+    expectMadeOutward(source, 0);
 }
 
 TEST(Geometry, TheNormalsOfAnOpenSurfaceTellWhichSideIsSeen) {

@@ -63,6 +63,29 @@ std::string xModel(const std::vector<double> &weights, const std::string &header
     return text + "}\n";
 }
 
+/// Bones that are added to a model one by one.
+struct Bones {
+    GltfBuilder &model;
+    std::vector<int> joints;
+    Floats binds;
+
+    int add(const std::string &name, double x, int parent) {
+        joints.push_back(model.node({{"name", name}, {"translation", {x, 0, 0}}}, parent));
+        const Floats bind = inverseBind(x);
+        binds.insert(binds.end(), bind.begin(), bind.end());
+        return joints.back();
+    }
+    int skin() const { return model.skin(joints, binds); }
+};
+
+/// A node "body" with a row of triangles that follows these two joints.
+void addBody(GltfBuilder &model, int first, int second, Floats binds, const Floats &secondBind) {
+    binds.insert(binds.end(), secondBind.begin(), secondBind.end());
+    model.node({{"name", "body"},
+                {"mesh", model.mesh(rowOfTriangles(2, 3))},
+                {"skin", model.skin({first, second}, binds)}});
+}
+
 class HardSkinsTest : public ConvertTest {
    protected:
     void expectClips(const Made &made, const std::string &fileName, unsigned clips, double bound = kBound) {
@@ -75,6 +98,14 @@ class HardSkinsTest : public ConvertTest {
                             [](KTNODE *root) { return shapeOf(poseWithoutWindow(root)); });
             EXPECT_LT(deviation.largest, bound) << deviation.stragglers;
         }
+    }
+
+    /// Converts a model with one clip, whose poses have to be the model's.
+    void expectSkinsAndClip(const std::string &fileName, const GltfBuilder &model) {
+        const Made made = make(fileName, model.text());
+        ASSERT_NE(made.root(), nullptr);
+        expectGoodSkins(made);
+        expectClips(made, fileName, 1);
     }
 
     /// What holds of every skin that the engine is to draw.
@@ -97,20 +128,16 @@ class HardSkinsTest : public ConvertTest {
 
 TEST_F(HardSkinsTest, ASkinOf150BonesBecomesMeshesOfAHundredAtMost) {
     GltfBuilder model;
-    std::vector<int> joints;
-    Floats binds;
+    Bones bones{model, {}, {}};
     std::vector<GltfChannel> channels;
     const int top = model.node({{"name", "top"}});
     for (unsigned b = 0; b < 150; ++b) {
-        joints.push_back(model.node(
-            {{"name", "bone" + std::to_string(b)}, {"translation", {static_cast<double>(b), 0, 0}}}, top));
-        const Floats bind = inverseBind(b);
-        binds.insert(binds.end(), bind.begin(), bind.end());
+        const int bone = bones.add("bone" + std::to_string(b), b, top);
         const float x = static_cast<float>(b), y = static_cast<float>(b % 7);
-        channels.push_back({joints.back(), "translation", {0, 1}, {x, 0, 0, x, y, 1}});
+        channels.push_back({bone, "translation", {0, 1}, {x, 0, 0, x, y, 1}});
     }
     const GltfMesh row = rowOfTriangles(150, 4);
-    model.node({{"name", "body"}, {"mesh", model.mesh(row)}, {"skin", model.skin(joints, binds)}});
+    model.node({{"name", "body"}, {"mesh", model.mesh(row)}, {"skin", bones.skin()}});
     model.clip("wave", channels);
 
     const Made made = make("many.gltf", model.text());
@@ -172,15 +199,10 @@ TEST_F(HardSkinsTest, VerticesWithoutAnyWeightStayWithTheirNode) {
     GltfMesh row = rowOfTriangles(2, 3);
     std::fill(row.weights.begin(), row.weights.begin() + 12, 0.0f);
     const int top = model.node({{"name", "top"}});
-    std::vector<int> joints;
-    Floats binds;
-    for (int b = 0; b < 2; ++b) {
-        joints.push_back(model.node({{"name", "bone" + std::to_string(b)}, {"translation", {b, 0, 0}}}, top));
-        const Floats bind = inverseBind(b);
-        binds.insert(binds.end(), bind.begin(), bind.end());
-    }
-    model.node({{"name", "body"}, {"mesh", model.mesh(row)}, {"skin", model.skin(joints, binds)}});
-    model.clip("lift", {{joints[1], "translation", {0, 1}, {1, 0, 0, 1, 5, 0}}});
+    Bones bones{model, {}, {}};
+    for (int b = 0; b < 2; ++b) bones.add("bone" + std::to_string(b), b, top);
+    model.node({{"name", "body"}, {"mesh", model.mesh(row)}, {"skin", bones.skin()}});
+    model.clip("lift", {{bones.joints[1], "translation", {0, 1}, {1, 0, 0, 1, 5, 0}}});
     const Made made = make("loose.gltf", model.text());
     ASSERT_NE(made.root(), nullptr);
     expectGoodSkins(made);
@@ -194,19 +216,12 @@ TEST_F(HardSkinsTest, ABoneThatIsCalledLikeTheFrameOfReferenceMovesItsSkin) {
     const int arm = model.node({{"name", "arm"}, {"translation", {1, 0, 0}}}, root);
     Floats binds = inverseBind(2);
     binds[13] = -1.0f;
-    const Floats second = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -3, -1, 0, 1};
-    binds.insert(binds.end(), second.begin(), second.end());
-    model.node({{"name", "body"},
-                {"mesh", model.mesh(rowOfTriangles(2, 3))},
-                {"skin", model.skin({root, arm}, binds)}});
+    addBody(model, root, arm, binds, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -3, -1, 0, 1});
     const float half = std::sqrt(0.5f);
     model.clip("walk", {{root, "translation", {0, 1}, {2, 1, 0, 9, 3, 1}},
                         {root, "rotation", {0, 1}, {0, 0, 0, 1, 0, half, 0, half}},
                         {arm, "rotation", {0, 1}, {0, 0, 0, 1, half, 0, 0, half}}});
-    const Made made = make("human.gltf", model.text());
-    ASSERT_NE(made.root(), nullptr);
-    expectGoodSkins(made);
-    expectClips(made, "human.gltf", 1);
+    expectSkinsAndClip("human.gltf", model);
 }
 
 // Importers match bones and nodes by name: of two nodes of one name the first is the bone, in the converter
@@ -214,19 +229,12 @@ TEST_F(HardSkinsTest, ABoneThatIsCalledLikeTheFrameOfReferenceMovesItsSkin) {
 TEST_F(HardSkinsTest, OfTwoBonesOfOneNameTheFirstNodeCounts) {
     GltfBuilder model;
     const int top = model.node({{"name", "top"}});
-    const int first = model.node({{"name", "bone"}, {"translation", {0, 0, 0}}}, top);
-    const int second = model.node({{"name", "bone"}, {"translation", {1, 0, 0}}}, top);
-    Floats binds = inverseBind(0);
-    const Floats other = inverseBind(1);
-    binds.insert(binds.end(), other.begin(), other.end());
-    model.node({{"name", "body"},
-                {"mesh", model.mesh(rowOfTriangles(2, 2))},
-                {"skin", model.skin({first, second}, binds)}});
+    Bones bones{model, {}, {}};
+    const int first = bones.add("bone", 0, top);
+    bones.add("bone", 1, top);
+    model.node({{"name", "body"}, {"mesh", model.mesh(rowOfTriangles(2, 2))}, {"skin", bones.skin()}});
     model.clip("lift", {{first, "translation", {0, 1}, {0, 0, 0, 0, 3, 0}}});
-    const Made made = make("twins.gltf", model.text());
-    ASSERT_NE(made.root(), nullptr);
-    expectGoodSkins(made);
-    expectClips(made, "twins.gltf", 1);
+    expectSkinsAndClip("twins.gltf", model);
 }
 
 TEST_F(HardSkinsTest, TwoSkinsThatBindOneSkeletonInDifferentPlacesBothFollowIt) {
@@ -237,10 +245,7 @@ TEST_F(HardSkinsTest, TwoSkinsThatBindOneSkeletonInDifferentPlacesBothFollowIt) 
     model.node({{"name", "shoes"}, {"mesh", model.mesh(row)}, {"skin", model.skin({bone}, inverseBind(-4))}});
     const float half = std::sqrt(0.5f);
     model.clip("turn", {{bone, "rotation", {0, 1}, {0, 0, 0, 1, 0, 0, half, half}}});
-    const Made made = make("pair.gltf", model.text());
-    ASSERT_NE(made.root(), nullptr);
-    expectGoodSkins(made);
-    expectClips(made, "pair.gltf", 1);
+    expectSkinsAndClip("pair.gltf", model);
 }
 
 TEST_F(HardSkinsTest, ScaledBonesAboveTurnsKeepTheSkinInPlace) {
@@ -248,19 +253,12 @@ TEST_F(HardSkinsTest, ScaledBonesAboveTurnsKeepTheSkinInPlace) {
     const int top = model.node({{"name", "top"}, {"scale", {2.0, 2.0, 2.0}}});
     const int hip = model.node({{"name", "hip"}, {"translation", {1, 0, 0}}}, top);
     const int knee = model.node({{"name", "knee"}, {"translation", {0, -1, 0}}}, hip);
-    Floats binds = {0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 0.5f, 0, -1, 0, 0, 1};
-    const Floats second = {0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 0.5f, 0, -1, 1, 0, 1};
-    binds.insert(binds.end(), second.begin(), second.end());
-    model.node({{"name", "body"},
-                {"mesh", model.mesh(rowOfTriangles(2, 3))},
-                {"skin", model.skin({hip, knee}, binds)}});
+    addBody(model, hip, knee, {0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 0.5f, 0, -1, 0, 0, 1},
+            {0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 0.5f, 0, -1, 1, 0, 1});
     const float half = std::sqrt(0.5f);
     model.clip("kick", {{hip, "rotation", {0, 1}, {0, 0, 0, 1, 0, 0, half, half}},
                         {knee, "rotation", {0, 1}, {0, 0, 0, 1, half, 0, 0, half}}});
-    const Made made = make("scaled.gltf", model.text());
-    ASSERT_NE(made.root(), nullptr);
-    expectGoodSkins(made);
-    expectClips(made, "scaled.gltf", 1);
+    expectSkinsAndClip("scaled.gltf", model);
 }
 
 TEST_F(HardSkinsTest, ADeepSkeletonIsPosedBeyondTheDepthOfTheMatrixStack) {
@@ -271,8 +269,8 @@ TEST_F(HardSkinsTest, ADeepSkeletonIsPosedBeyondTheDepthOfTheMatrixStack) {
     std::vector<GltfChannel> channels;
     int node = -1;
     for (int i = 0; i < kLinks; ++i) {
-        node =
-            model.node({{"name", "link" + std::to_string(i)}, {"translation", {i ? 1.0 : 0.0, 0, 0}}}, node);
+        const std::string name = "link" + std::to_string(i);
+        node = model.node({{"name", name}, {"translation", {i ? 1.0 : 0.0, 0, 0}}}, node);
         joints.push_back(node);
         const Floats bind = inverseBind(i);
         binds.insert(binds.end(), bind.begin(), bind.end());
@@ -282,10 +280,7 @@ TEST_F(HardSkinsTest, ADeepSkeletonIsPosedBeyondTheDepthOfTheMatrixStack) {
                 {"mesh", model.mesh(rowOfTriangles(kLinks, 2))},
                 {"skin", model.skin(joints, binds)}});
     model.clip("curl", channels);
-    const Made made = make("snake.gltf", model.text());
-    ASSERT_NE(made.root(), nullptr);
-    expectGoodSkins(made);
-    expectClips(made, "snake.gltf", 1);
+    expectSkinsAndClip("snake.gltf", model);
 }
 
 TEST_F(HardSkinsTest, JoinedSkinsAreSplitAtAHundredBones) {
@@ -296,19 +291,13 @@ TEST_F(HardSkinsTest, JoinedSkinsAreSplitAtAHundredBones) {
     for (int s = 0; s < kSkins; ++s) {
         GltfMesh row = rowOfTriangles(kBonesASkin, 2);
         for (std::size_t k = 2; k < row.positions.size(); k += 3) row.positions[k] += 2.0f * float(s);
-        std::vector<int> joints;
-        Floats binds;
+        Bones bones{model, {}, {}};
         for (int b = 0; b < kBonesASkin; ++b) {
-            const std::string name = "bone" + std::to_string(s) + "." + std::to_string(b);
-            joints.push_back(model.node({{"name", name}, {"translation", {double(b), 0, 0}}}, top));
-            const Floats bind = inverseBind(b);
-            binds.insert(binds.end(), bind.begin(), bind.end());
+            const int bone = bones.add("bone" + std::to_string(s) + "." + std::to_string(b), b, top);
             const float x = float(b), y = float(s % 3);
-            channels.push_back({joints.back(), "translation", {0, 1}, {x, 0, 0, x, y, 1}});
+            channels.push_back({bone, "translation", {0, 1}, {x, 0, 0, x, y, 1}});
         }
-        model.node({{"name", "part" + std::to_string(s)},
-                    {"mesh", model.mesh(row)},
-                    {"skin", model.skin(joints, binds)}});
+        model.node({{"name", "part" + std::to_string(s)}, {"mesh", model.mesh(row)}, {"skin", bones.skin()}});
     }
     model.clip("wave", channels);
     const Made made = make("joined.gltf", model.text());

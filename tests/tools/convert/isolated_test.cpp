@@ -18,11 +18,8 @@ namespace keltra::convert {
 namespace {
 
 namespace fs = std::filesystem;
-using test::readFile;
-using test::TempFolder;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::StartsWith;
+using namespace ::testing;
+using test::readFile, test::TempFolder;
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kSanitized = true;

@@ -31,6 +31,14 @@ constexpr char kBase[] = "$clr.base", kShininess[] = "$mat.shininess", kOpacity[
     return ::testing::AssertionFailure() << c.r << ", " << c.g << ", " << c.b << ", " << c.a;
 }
 
+void expectColours(const formats::Material &made, Color diffuse, Color ambient, Color specular,
+                   Color emission) {
+    EXPECT_TRUE(is(made.diffuse, diffuse.r, diffuse.g, diffuse.b));
+    EXPECT_TRUE(is(made.ambient, ambient.r, ambient.g, ambient.b));
+    EXPECT_TRUE(is(made.specular, specular.r, specular.g, specular.b));
+    EXPECT_TRUE(is(made.emission, emission.r, emission.g, emission.b));
+}
+
 class MaterialsTest : public testing::Test {
    protected:
     MaterialsTest() {
@@ -74,10 +82,7 @@ TEST_F(MaterialsTest, NoneAreMadeOfNone) {
 TEST_F(MaterialsTest, AnEmptyOneIsGreyAndDull) {
     scene.add("plain");
     const formats::Material made = only();
-    EXPECT_TRUE(is(made.diffuse, 0.6f, 0.6f, 0.6f));
-    EXPECT_TRUE(is(made.ambient, 0.45f, 0.45f, 0.45f));
-    EXPECT_TRUE(is(made.specular, 0, 0, 0));
-    EXPECT_TRUE(is(made.emission, 0, 0, 0));
+    expectColours(made, {0.6f, 0.6f, 0.6f}, {0.45f, 0.45f, 0.45f}, {}, {});
     EXPECT_EQ(made.transparency, 1.0f);
     EXPECT_EQ(made.shininess, 0.0f);
     EXPECT_EQ(made.texture, "[none]");
@@ -93,10 +98,7 @@ TEST_F(MaterialsTest, PhongColoursAreTakenOver) {
     setFloat(material, "$mat.shinpercent", 0.5f);
     setFloat(material, kShininess, 40);
     const formats::Material made = only();
-    EXPECT_TRUE(is(made.diffuse, 0.2f, 0.4f, 0.8f));
-    EXPECT_TRUE(is(made.ambient, 0.15f, 0.3f, 0.6f));
-    EXPECT_TRUE(is(made.specular, 0.25f, 0.5f, 0.125f));
-    EXPECT_TRUE(is(made.emission, 0.1f, 0, 0.2f));
+    expectColours(made, {0.2f, 0.4f, 0.8f}, {0.15f, 0.3f, 0.6f}, {0.25f, 0.5f, 0.125f}, {0.1f, 0, 0.2f});
     EXPECT_EQ(made.shininess, 40.0f);
 }
 

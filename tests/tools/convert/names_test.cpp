@@ -63,29 +63,37 @@ TEST(FileName, IsNoDeviceOfWindows) {
 }
 
 TEST(FileStem, IsTheFileWithoutFolderAndExtension) {
-    EXPECT_EQ(fileStem("models/hero.fbx"), "hero");
-    EXPECT_EQ(fileStem("C:\\models\\big hero.tar.obj"), "big_hero.tar");
-    EXPECT_EQ(fileStem("hero"), "hero");
-    EXPECT_EQ(fileStem("a.b/hero"), "hero");
-    EXPECT_EQ(fileStem(".obj"), "_obj");
-    EXPECT_EQ(fileStem("folder/"), "_");
-    EXPECT_EQ(fileStem(""), "_");
-    EXPECT_EQ(fileStem("con.obj"), "_con");
+    const char *const cases[][2] = {
+        {"models/hero.fbx", "hero"},
+        {"C:\\models\\big hero.tar.obj", "big_hero.tar"},
+        {"hero", "hero"},
+        {"a.b/hero", "hero"},
+        {".obj", "_obj"},
+        {"folder/", "_"},
+        {"", "_"},
+        {"con.obj", "_con"},
+    };
+    for (const auto &[path, stem] : cases) EXPECT_EQ(fileStem(path), stem) << path;
 }
+
+// What names are given for the wanted ones, with "bone" in the place of empty ones.
+std::vector<std::string> given(Names &names, const std::vector<std::string> &wanted) {
+    std::vector<std::string> result;
+    for (const std::string &name : wanted) result.push_back(names.take(name, "bone"));
+    return result;
+}
+
+using Strings = std::vector<std::string>;
 
 TEST(Names, GivesEachNameOnce) {
     Names names;
-    EXPECT_EQ(names.take("arm", "bone"), "arm");
-    EXPECT_EQ(names.take("arm", "bone"), "arm.2");
-    EXPECT_EQ(names.take("arm", "bone"), "arm.3");
-    EXPECT_EQ(names.take("Arm", "bone"), "Arm");
+    EXPECT_EQ(given(names, {"arm", "arm", "arm", "Arm"}), (Strings{"arm", "arm.2", "arm.3", "Arm"}));
     EXPECT_EQ(names.changed(), 2u);
 }
 
 TEST(Names, UsesTheOtherNameForAnEmptyOne) {
     Names names;
-    EXPECT_EQ(names.take("", "bone"), "bone");
-    EXPECT_EQ(names.take("", "bone"), "bone.2");
+    EXPECT_EQ(given(names, {"", ""}), (Strings{"bone", "bone.2"}));
     EXPECT_EQ(names.take("", ""), "_");
     EXPECT_EQ(names.changed(), 3u);
 }

@@ -40,6 +40,10 @@ class PictureSourceTest : public testing::Test {
         std::string remark;
         return pictures.read(place, remark).pixels[0];
     }
+    void expectFound(const std::string &path, Rgba colour, const std::string &otherPath) {
+        EXPECT_EQ(colourOf(path), colour) << path;
+        EXPECT_EQ(instead, otherPath) << path;
+    }
     std::string fault(const std::string &path, bool missing) {
         try {
             colourOf(path);
@@ -64,8 +68,7 @@ TEST_F(PictureSourceTest, ReadsThePathAsWrittenFromTheModelsFolder) {
     EXPECT_EQ(colourOf("parts\\arm.png"), kGreen);
     EXPECT_EQ(colourOf("parts/../skin.png"), kRed);
     EXPECT_EQ(colourOf("../model/skin.png"), kRed);
-    EXPECT_EQ(colourOf("//skin.png"), kRed);
-    EXPECT_EQ(instead, "");
+    expectFound("//skin.png", kRed, "");
 }
 
 TEST_F(PictureSourceTest, NamesMayHoldAnything) {
@@ -81,26 +84,22 @@ TEST_F(PictureSourceTest, NamesMayHoldAnything) {
 
 TEST_F(PictureSourceTest, LettersOfEitherCaseWillDo) {
     put("Textures/Skin.PNG");
-    EXPECT_EQ(colourOf("TEXTURES/skin.png"), kRed);
-    EXPECT_EQ(instead, "");
+    expectFound("TEXTURES/skin.png", kRed, "");
     put("Textures/skin.png", kGreen);
     EXPECT_EQ(colourOf("Textures/skin.png"), kGreen);  // the exact one first
 }
 
 TEST_F(PictureSourceTest, ReadsAnAbsolutePathThatIsThere) {
     put("elsewhere/skin.png");
-    EXPECT_EQ(colourOf(folder.path("model/elsewhere/skin.png")), kRed);
-    EXPECT_EQ(instead, "");
+    expectFound(folder.path("model/elsewhere/skin.png"), kRed, "");
     EXPECT_EQ(colourOf("file://" + folder.path("model/elsewhere/skin.png")), kRed);
 }
 
 TEST_F(PictureSourceTest, FindsTheEndOfAPathOfAnotherMachine) {
     put("skin.png");
     put("art/skin.png", kGreen);
-    EXPECT_EQ(colourOf("C:\\work\\hero\\art\\skin.png"), kGreen);
-    EXPECT_EQ(instead, "art/skin.png");
-    EXPECT_EQ(colourOf("D:/other/skin.png"), kRed);
-    EXPECT_EQ(instead, "skin.png");
+    expectFound("C:\\work\\hero\\art\\skin.png", kGreen, "art/skin.png");
+    expectFound("D:/other/skin.png", kRed, "skin.png");
     EXPECT_EQ(colourOf("file:///C:/other/skin.png"), kRed);
     EXPECT_EQ(colourOf("\\\\server\\share\\skin.png"), kRed);
     EXPECT_EQ(colourOf("/home/nobody/hero/skin.png"), kRed);
@@ -109,11 +108,9 @@ TEST_F(PictureSourceTest, FindsTheEndOfAPathOfAnotherMachine) {
 
 TEST_F(PictureSourceTest, LooksInTheUsualFolders) {
     put("Textures/skin.png");
-    EXPECT_EQ(colourOf("C:\\work\\skin.png"), kRed);
-    EXPECT_EQ(instead, "textures/skin.png");
+    expectFound("C:\\work\\skin.png", kRed, "textures/skin.png");
     put("../textures/cloth.png", kGreen);
-    EXPECT_EQ(colourOf("cloth.png"), kGreen);
-    EXPECT_EQ(instead, "../textures/cloth.png");
+    expectFound("cloth.png", kGreen, "../textures/cloth.png");
 }
 
 TEST_F(PictureSourceTest, UndoesTheEscapesOfUrls) {
@@ -130,11 +127,9 @@ TEST_F(PictureSourceTest, TakesAnotherExtensionAsTheLastResort) {
     put("skin.jpg", kGreen, "jpeg");
     put("skin.png");
     put("skin.txt");
-    EXPECT_EQ(colourOf("skin.tga"), kRed);
-    EXPECT_EQ(instead, "skin.png");
+    expectFound("skin.tga", kRed, "skin.png");
     put("textures/Cloth.bmp", kGreen, "bmp");
-    EXPECT_EQ(colourOf("C:\\work\\cloth.tga"), kGreen);
-    EXPECT_EQ(instead, "textures/Cloth.bmp");
+    expectFound("C:\\work\\cloth.tga", kGreen, "textures/Cloth.bmp");
     put("textures/skin.tga", kGreen, "tga");
     EXPECT_EQ(colourOf("skin.tga"), kGreen);  // the right one elsewhere comes before
     EXPECT_EQ(fault("skin2.tga", true), "there is no such file");
@@ -143,8 +138,7 @@ TEST_F(PictureSourceTest, TakesAnotherExtensionAsTheLastResort) {
 TEST_F(PictureSourceTest, APictureOfTheModelsNameStandsInForOneWithoutName) {
     EXPECT_EQ(fault("$texture_dummy.bmp", true), "there is no such file");
     put("hero.png", kGreen);
-    EXPECT_EQ(colourOf("$texture_dummy.bmp"), kGreen);
-    EXPECT_EQ(instead, "hero.png");
+    expectFound("$texture_dummy.bmp", kGreen, "hero.png");
 }
 
 TEST_F(PictureSourceTest, SaysWhatIsMissing) {

@@ -126,45 +126,44 @@ TEST(KteWriter, WritesALightBelowItsParent) {
     EXPECT_EQ(writeKte(scene, KteVersion::k16a), e.bytes());
 }
 
-TEST(KteWriter, WritesAMeshOfTheNewVersion) {
+/// The file of one triangle, up to its vectors.
+Expected triangleBeginning(const char *magic, unsigned influences) {
+    Expected e;
+    e.text(magic).raw({0, 0});
+    putTriangleHead(&e, influences);
+    putTriangleVectors(&e);
+    return e;
+}
+
+Scene triangleScene() {
     Scene scene;
     scene.root = triangleMesh();
+    return scene;
+}
 
-    Expected e;
-    e.text("KTE file v1.6a").raw({0, 0});
-    putTriangleHead(&e, 0);
-    putTriangleVectors(&e);
+TEST(KteWriter, WritesAMeshOfTheNewVersion) {
+    Expected e = triangleBeginning("KTE file v1.6a", 0);
     putTriangleSurface(&e);
     e.zeros(8).raw({F1});
-    EXPECT_EQ(writeKte(scene, KteVersion::k16a), e.bytes());
+    EXPECT_EQ(writeKte(triangleScene(), KteVersion::k16a), e.bytes());
 }
 
 TEST(KteWriter, OldVersionAddsTwoBlocks) {
-    Scene scene;
-    scene.root = triangleMesh();
-
-    Expected e;
-    e.text("KTE file v1.5a").raw({0, 0});
-    putTriangleHead(&e, 0);
-    putTriangleVectors(&e);
+    Expected e = triangleBeginning("KTE file v1.5a", 0);
     e.zeros(3 * 12);
     putTriangleSurface(&e);
     e.zeros(8).raw({F1}).zeros(16);
-    EXPECT_EQ(writeKte(scene, KteVersion::k15a), e.bytes());
+    EXPECT_EQ(writeKte(triangleScene(), KteVersion::k15a), e.bytes());
 }
 
 TEST(KteWriter, WritesTheSkinAfterTheFaceNormals) {
-    Scene scene;
-    scene.root = triangleMesh();
+    Scene scene = triangleScene();
     scene.root.mesh.influences = 2;
     scene.root.mesh.influenceBones = {0, 1, 1, 0, 0, 0};
     scene.root.mesh.influenceWeights = {0.5f, 0.5f, 1, 0, 1, 0};
     scene.root.mesh.boneNames = {"hip", "knee"};
 
-    Expected e;
-    e.text("KTE file v1.6a").raw({0, 0});
-    putTriangleHead(&e, 2);
-    putTriangleVectors(&e);
+    Expected e = triangleBeginning("KTE file v1.6a", 2);
     putTriangleSurface(&e);
     e.zeros(8).raw({F1}).raw({0, 1, 1, 0, 0, 0});
     e.raw({FHALF, FHALF, F1}).zeros(4).raw({F1}).zeros(4).raw({2, 0}).text("hip").text("knee");

@@ -4,9 +4,18 @@
 
 using keltra::view::ClipClock;
 
-TEST(ClipClock, PlaysTwentyFiveFramesASecondInARing) {
+namespace {
+
+ClipClock clockOf(unsigned frames) {
     ClipClock clock;
-    clock.start(20);
+    clock.start(frames);
+    return clock;
+}
+
+}  // namespace
+
+TEST(ClipClock, PlaysTwentyFiveFramesASecondInARing) {
+    ClipClock clock = clockOf(20);
     for (unsigned i = 1; i <= 100; ++i) {
         clock.advance(1.0 / 25.0);
         ASSERT_EQ(clock.frame(), i % 20) << i;
@@ -14,15 +23,13 @@ TEST(ClipClock, PlaysTwentyFiveFramesASecondInARing) {
 }
 
 TEST(ClipClock, KeepsPartsOfAFrame) {
-    ClipClock clock;
-    clock.start(100);
+    ClipClock clock = clockOf(100);
     for (int i = 0; i < 10; ++i) clock.advance(0.01);
     EXPECT_EQ(clock.frame(), 2u);
 }
 
 TEST(ClipClock, StaysWhilePausedAndGoesOnAfterwards) {
-    ClipClock clock;
-    clock.start(10);
+    ClipClock clock = clockOf(10);
     clock.advance(0.2);
     clock.toggle();
     clock.advance(5.0);
@@ -34,8 +41,7 @@ TEST(ClipClock, StaysWhilePausedAndGoesOnAfterwards) {
 }
 
 TEST(ClipClock, StepsAroundTheRingAndPauses) {
-    ClipClock clock;
-    clock.start(10);
+    ClipClock clock = clockOf(10);
     clock.step(-1);
     EXPECT_EQ(clock.frame(), 9u);
     EXPECT_FALSE(clock.isPlaying());
@@ -46,8 +52,7 @@ TEST(ClipClock, StepsAroundTheRingAndPauses) {
 }
 
 TEST(ClipClock, SeeksWithinTheClip) {
-    ClipClock clock;
-    clock.start(10);
+    ClipClock clock = clockOf(10);
     clock.seek(4);
     EXPECT_EQ(clock.frame(), 4u);
     clock.seek(4000);
@@ -55,8 +60,7 @@ TEST(ClipClock, SeeksWithinTheClip) {
 }
 
 TEST(ClipClock, AnotherClipBeginsAtItsStart) {
-    ClipClock clock;
-    clock.start(10);
+    ClipClock clock = clockOf(10);
     clock.seek(7);
     clock.start(3);
     EXPECT_EQ(clock.frame(), 0u);
@@ -64,8 +68,7 @@ TEST(ClipClock, AnotherClipBeginsAtItsStart) {
 }
 
 TEST(ClipClock, AnEmptyClipHasOneFrameOnly) {
-    ClipClock clock;
-    clock.start(0);
+    ClipClock clock = clockOf(0);
     clock.advance(3.0);
     clock.step(1);
     clock.seek(5);
@@ -73,8 +76,7 @@ TEST(ClipClock, AnEmptyClipHasOneFrameOnly) {
 }
 
 TEST(ClipClock, TimeThatDoesNotAdvanceChangesNothing) {
-    ClipClock clock;
-    clock.start(10);
+    ClipClock clock = clockOf(10);
     clock.advance(-1.0);
     clock.advance(0.0);
     EXPECT_EQ(clock.frame(), 0u);

@@ -1,7 +1,6 @@
 #include "tools/view/input.h"
 
-#include <SDL.h>
-#include <gtest/gtest.h>
+#include "tests/tools/view/sdl_events.h"
 
 #include <cstdlib>
 #include <vector>
@@ -12,7 +11,7 @@ using keltra::view::Input;
 namespace {
 
 // SDL's queue without a window.
-class InputTest : public ::testing::Test {
+class InputTest : public keltra::test::SdlEvents {
    protected:
     static void SetUpTestSuite() {
         setenv("SDL_VIDEODRIVER", "dummy", 1);
@@ -28,28 +27,6 @@ class InputTest : public ::testing::Test {
         while (SDL_PollEvent(&event)) continue;
     }
 
-    static void push(SDL_Event event) { ASSERT_EQ(SDL_PushEvent(&event), 0); }
-    static void key(SDLKey sym, bool down = true) {
-        SDL_Event event = {};
-        event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
-        event.key.keysym.sym = sym;
-        push(event);
-    }
-    static void move(int x, int y) {
-        SDL_Event event = {};
-        event.type = SDL_MOUSEMOTION;
-        event.motion.x = static_cast<Uint16>(x);
-        event.motion.y = static_cast<Uint16>(y);
-        push(event);
-    }
-    static void button(Uint8 which, bool down, int x = 0, int y = 0) {
-        SDL_Event event = {};
-        event.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
-        event.button.button = which;
-        event.button.x = static_cast<Uint16>(x);
-        event.button.y = static_cast<Uint16>(y);
-        push(event);
-    }
     std::vector<Action> read() {
         input.read();
         return input.actions;
@@ -151,7 +128,7 @@ TEST_F(InputTest, MotionAddsUpOverAFrame) {
 }
 
 TEST_F(InputTest, APressMovesThePen) {
-    button(SDL_BUTTON_LEFT, true, 100, 50);
+    button(100, 50, true);
     input.read();
     EXPECT_EQ(input.x, 100);
     EXPECT_EQ(input.y, 50);
@@ -161,8 +138,8 @@ TEST_F(InputTest, APressMovesThePen) {
 }
 
 TEST_F(InputTest, AClickTakesTwoFrames) {
-    button(SDL_BUTTON_LEFT, true, 5, 6);
-    button(SDL_BUTTON_LEFT, false, 5, 6);
+    button(5, 6, true);
+    button(5, 6, false);
     key(SDLK_w);
     EXPECT_EQ(read(), Actions{});
     EXPECT_TRUE(input.pressed);
@@ -173,13 +150,13 @@ TEST_F(InputTest, AClickTakesTwoFrames) {
 
 TEST_F(InputTest, TheOtherButtonsZoom) {
     for (Uint8 which : {Uint8{SDL_BUTTON_MIDDLE}, Uint8{SDL_BUTTON_RIGHT}}) {
-        button(which, true);
+        button(0, 0, true, which);
         input.read();
         EXPECT_TRUE(input.zooming);
         EXPECT_FALSE(input.pressed);
         input.read();
         EXPECT_TRUE(input.zooming) << "until it is released";
-        button(which, false);
+        button(0, 0, false, which);
         input.read();
         EXPECT_FALSE(input.zooming);
     }
@@ -187,11 +164,11 @@ TEST_F(InputTest, TheOtherButtonsZoom) {
 
 TEST_F(InputTest, TheWheelCountsStepsOfAFrame) {
     for (int i = 0; i < 3; ++i) {
-        button(SDL_BUTTON_WHEELUP, true);
-        button(SDL_BUTTON_WHEELUP, false);
+        button(0, 0, true, SDL_BUTTON_WHEELUP);
+        button(0, 0, false, SDL_BUTTON_WHEELUP);
     }
-    button(SDL_BUTTON_WHEELDOWN, true);
-    button(SDL_BUTTON_WHEELDOWN, false);
+    button(0, 0, true, SDL_BUTTON_WHEELDOWN);
+    button(0, 0, false, SDL_BUTTON_WHEELDOWN);
     input.read();
     EXPECT_EQ(input.wheel, 2);
     EXPECT_FALSE(input.pressed);
@@ -200,7 +177,7 @@ TEST_F(InputTest, TheWheelCountsStepsOfAFrame) {
 }
 
 TEST_F(InputTest, UnknownButtonsAndEventsDoNothing) {
-    button(9, true, 3, 4);
+    button(3, 4, true, 9);
     SDL_Event event = {};
     event.type = SDL_USEREVENT;
     push(event);

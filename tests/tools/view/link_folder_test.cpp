@@ -10,10 +10,8 @@
 #include <filesystem>
 
 namespace fs = std::filesystem;
-using keltra::test::readFile;
-using keltra::test::TempFolder;
-using keltra::view::Failure;
-using keltra::view::LinkFolder;
+using namespace keltra::test;
+using namespace keltra::view;
 
 namespace {
 

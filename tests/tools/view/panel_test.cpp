@@ -12,17 +12,8 @@
 #include <memory>
 #include <string>
 
-using keltra::test::GlRecorder;
-using keltra::test::readFile;
-using keltra::test::TempFolder;
-using keltra::view::Action;
-using keltra::view::Failure;
-using keltra::view::LinkFolder;
-using keltra::view::Panel;
-using keltra::view::PanelEvents;
-using keltra::view::PanelState;
-using keltra::view::RunningEngine;
-using keltra::view::Switches;
+using namespace keltra::test;
+using namespace keltra::view;
 
 namespace {
 

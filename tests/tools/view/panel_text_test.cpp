@@ -48,15 +48,7 @@ TEST(PanelText, CountsFramesFromOne) {
 }
 
 TEST(PanelText, WritesTheFigures) {
-    Figures figures;
-    figures.milliseconds = 16.66;
-    figures.framesPerSecond = 59.94;
-    figures.nodes = 31;
-    figures.drawn = 12;
-    figures.triangles = 1234567;
-    figures.calls = 1000;
-    figures.textureBytes = 1258291;
-    figures.textureBudget = 8388608;
+    Figures figures{16.66, 59.94, 31, 12, 1234567, 1000, 1258291, 8388608};
     EXPECT_EQ(timeText(figures), "16.7 ms  60 fps");
     EXPECT_EQ(sceneText(figures), "31 nodes  12 drawn  1,234,567 triangles");
     EXPECT_EQ(driverText(figures), "1,000 GL calls  1.2 of 8 MiB textures");

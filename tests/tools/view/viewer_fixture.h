@@ -6,11 +6,11 @@
 #include "tests/support/gl_recorder.h"
 #include "tests/support/image.h"
 #include "tests/support/temp_file.h"
+#include "tests/tools/view/sdl_events.h"
 #include "tools/support/shot.h"
 #include "tools/view/failure.h"
 #include "tools/view/viewer.h"
 
-#include <SDL.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -19,7 +19,7 @@
 
 namespace keltra::test {
 
-class ViewerTest : public ::testing::Test {
+class ViewerTest : public SdlEvents {
    protected:
     static constexpr double kStep = 1.0 / 25.0;
 
@@ -52,28 +52,6 @@ class ViewerTest : public ::testing::Test {
         viewer = std::make_unique<view::Viewer>(settings);
     }
 
-    static void push(SDL_Event event) { ASSERT_EQ(SDL_PushEvent(&event), 0); }
-    static void key(SDLKey sym, bool down = true) {
-        SDL_Event event = {};
-        event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
-        event.key.keysym.sym = sym;
-        push(event);
-    }
-    static void move(int x, int y) {
-        SDL_Event event = {};
-        event.type = SDL_MOUSEMOTION;
-        event.motion.x = static_cast<Uint16>(x);
-        event.motion.y = static_cast<Uint16>(y);
-        push(event);
-    }
-    static void button(int x, int y, bool down, Uint8 which = SDL_BUTTON_LEFT) {
-        SDL_Event event = {};
-        event.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
-        event.button.button = which;
-        event.button.x = static_cast<Uint16>(x);
-        event.button.y = static_cast<Uint16>(y);
-        push(event);
-    }
     // A whole click, with the frames it takes.
     void click(int x, int y) {
         frames(1);  // widgets are looked for among those of the frame before
