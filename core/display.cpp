@@ -8,8 +8,10 @@
 #include <keltra/settings.h>
 
 #include <cstdint>
+#include <cstdio>
 
 #include "core/paths.h"
+#include "foundation/fault.h"
 #include "foundation/text.h"
 #include "platform/platform.h"
 
@@ -46,6 +48,24 @@ EGLint chooseConfig(EGLDisplay display, int depthBits, EGLConfig *config) {
     return count;
 }
 
+bool failMode(keltra::FaultScope &scope, const KTSETTINGS::RECORD &record) {
+    KTFAULT fault = keltra::newFault(KT_FAULT_DISPLAY);
+    if (keltra::kFaultTexts)
+        std::snprintf(fault.found, sizeof fault.found, "no mode of %d x %d pixels and %d bits",
+                      record.windowX, record.windowY, record.colorDepth);
+    return scope.fail(fault);
+}
+
+// Names the step of start-up that failed; the reason may be empty.
+bool failStep(const char *step, const char *reason) {
+    return keltra::failWith("KTSETTINGS::init", KT_FAULT_START, step, reason, "");
+}
+bool failEGL(const char *step) {
+    char reason[32];
+    std::snprintf(reason, sizeof reason, "EGL error 0x%x", static_cast<unsigned int>(eglGetError()));
+    return failStep(step, reason);
+}
+
 int glInteger(GLenum name) {
     GLint value = 0;
     glGetIntegerv(name, &value);
@@ -57,9 +77,11 @@ int glInteger(GLenum name) {
 bool KTSETTINGS::isOk() { return modeAvailable(record); }
 
 bool KTSETTINGS::init(KTSETTINGS *settings) {
-    if (active || !settings) return false;
+    if (active) return keltra::failState("KTSETTINGS::init", "the window is open already");
+    if (!settings) return keltra::failNull("KTSETTINGS::init", "settings");
+    keltra::FaultScope scope("KTSETTINGS::init");
     const RECORD &record = settings->record;
-    if (!modeAvailable(record)) return false;
+    if (!modeAvailable(record)) return failMode(scope, record);
     keltra::setPaths(record);
     if (!openWindow(record) || !openContext(record)) {
         closeContext();
@@ -83,7 +105,8 @@ bool KTSETTINGS::init(KTSETTINGS *settings) {
 // On top of everything else, at the top-left corner of the screen.
 bool KTSETTINGS::openWindow(const RECORD &record) {
     SDL_WM_SetCaption(nullptr, nullptr);
-    if (!SDL_SetVideoMode(record.windowX, record.windowY, record.colorDepth, kWindowMode)) return false;
+    if (!SDL_SetVideoMode(record.windowX, record.windowY, record.colorDepth, kWindowMode))
+        return failStep("SDL_SetVideoMode", SDL_GetError());
     SDL_SysWMinfo info = {};
     info.version.major = 1;
     info.version.minor = 2;
@@ -98,18 +121,19 @@ bool KTSETTINGS::openWindow(const RECORD &record) {
 
 bool KTSETTINGS::openContext(const RECORD &record) {
     glesDisplay = eglGetDisplay(EGL_DEFAULT_DISPLAY);
-    if (!eglInitialize(glesDisplay, nullptr, nullptr)) return false;
+    if (!eglInitialize(glesDisplay, nullptr, nullptr)) return failEGL("eglInitialize");
     EGLConfig config = nullptr;
     EGLint count = chooseConfig(glesDisplay, record.zetaDepth, &config);
-    if (count < 0) return false;
+    if (count < 0) return failEGL("eglChooseConfig");
     vnfLog("      Number of available configs: %d\n", count);
-    if (count < 1) return false;
+    if (count < 1)
+        return failStep("eglChooseConfig", keltra::faultText("no configuration has that depth buffer"));
     EGLNativeWindowType native = (EGLNativeWindowType)(std::uintptr_t)window;
     glesSurface = eglCreateWindowSurface(glesDisplay, config, native, nullptr);
-    if (!glesSurface) return false;
+    if (!glesSurface) return failEGL("eglCreateWindowSurface");
     glesContext = eglCreateContext(glesDisplay, config, EGL_NO_CONTEXT, nullptr);
-    if (!glesContext) return false;
-    return eglMakeCurrent(glesDisplay, glesSurface, glesSurface, glesContext) == EGL_TRUE;
+    if (!glesContext) return failEGL("eglCreateContext");
+    return eglMakeCurrent(glesDisplay, glesSurface, glesSurface, glesContext) || failEGL("eglMakeCurrent");
 }
 
 void KTSETTINGS::closeContext() {
@@ -124,7 +148,7 @@ void KTSETTINGS::closeContext() {
 }
 
 bool KTSETTINGS::free() {
-    if (!active) return false;
+    if (!active) return keltra::failState("KTSETTINGS::free", "no window is open");
     closeContext();
     active = false;
     return true;

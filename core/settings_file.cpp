@@ -1,17 +1,22 @@
-#include "core/settings_file.h"
+#include "core/settings_members.h"
+#include "formats/fault.h"
+#include "formats/settings.h"
+
+#include <keltra/foundation.h>
 
 namespace keltra {
 
-// A key leads to the member of its name. There is no key for forceFBO.
-#define NAME(name) "KELTRA_" #name
-#define INTEGER(name) \
-    { NAME(name), &KTSETTINGS::RECORD::name, nullptr, nullptr }
-#define BOOLEAN(name) \
-    { NAME(name), nullptr, &KTSETTINGS::RECORD::name, nullptr }
-#define TEXT(name) \
-    { NAME(name), nullptr, nullptr, &KTSETTINGS::RECORD::name }
+namespace {
 
-const SettingsKey kSettingsKeys[kSettingsKeyCount] = {
+#define INTEGER(name) \
+    { &KTSETTINGS::RECORD::name, nullptr, nullptr }
+#define BOOLEAN(name) \
+    { nullptr, &KTSETTINGS::RECORD::name, nullptr }
+#define TEXT(name) \
+    { nullptr, nullptr, &KTSETTINGS::RECORD::name }
+
+// In the order of the keys.
+const SettingMember kMembers[] = {
     INTEGER(windowX),
     INTEGER(windowY),
     INTEGER(colorDepth),
@@ -38,35 +43,36 @@ const SettingsKey kSettingsKeys[kSettingsKeyCount] = {
     TEXT(shaderPath),
     TEXT(fontPath),
 };
+static_assert(sizeof kMembers / sizeof *kMembers == kSettingsKeyCount, "one for each key");
 
-#undef NAME
 #undef INTEGER
 #undef BOOLEAN
 #undef TEXT
 
-bool readSetting(const vnfParser &text, const SettingsKey &key, KTSETTINGS::RECORD &record) {
-    vnfParser parser = text;
-    // A string without its two quotes counts as not found, yet its raw text stays in the member: meant, as is
-    // the parser.
-    if (key.text) return vnfParseString(&parser, key.name, record.*key.text);
-    if (key.integer) return vnfParseInt(&parser, key.name, &(record.*key.integer));
-    int value;
-    if (!vnfParseInt(&parser, key.name, &value)) return false;
-    // The low 8 bits count: 256 is false.
-    record.*key.boolean = (value & 0xff) != 0;
-    return true;
-}
+}  // namespace
+
+SettingMember settingMember(std::size_t key) { return kMembers[key]; }
 
 }  // namespace keltra
 
 // Each key is looked up by itself from the beginning of the file, so the order of the keys does not matter.
 bool KTSETTINGS::load(const char *path) {
-    if (!path || !vnfFileExists(path)) return false;
+    keltra::LoadScope scope("KTSETTINGS::load", path);
+    if (!path) return scope.failNull("path");
+    if (!vnfFileExists(path)) return scope.failFile();
     vnfParser parser = {};
     // The parser refuses an empty file and says so in the log; to the settings it is a file without keys.
+    const keltra::FaultOptional optional;
     if (!vnfOpenParser(&parser, path)) return true;
     vnfRemoveComments(&parser, keltra::kSettingsComment);
-    for (const keltra::SettingsKey &key : keltra::kSettingsKeys) keltra::readSetting(parser, key, record);
+    for (std::size_t i = 0; i < keltra::kSettingsKeyCount; ++i) {
+        const keltra::SettingMember member = keltra::settingMember(i);
+        const char *key = keltra::kSettingsKeys[i].name;
+        if (member.integer) keltra::readSetting(parser, key, record.*member.integer);
+        if (member.boolean) keltra::readSetting(parser, key, record.*member.boolean);
+        if (member.text) keltra::readSetting(parser, key, record.*member.text);
+    }
+    keltra::checkSettings(parser, scope);
     vnfCloseParser(&parser);
     return true;
 }

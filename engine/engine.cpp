@@ -17,6 +17,7 @@
 #include <keltra/video.h>
 
 #include "core/paths.h"
+#include "foundation/fault.h"
 #include "foundation/text.h"
 #include "platform/platform.h"
 
@@ -56,7 +57,8 @@ struct KELTRA::STARTUP {
 
     static bool startSdl(KTSETTINGS &) {
         const keltra::WindowDriverOnly windowDriverOnly;
-        return SDL_Init(SDL_INIT_VIDEO) != -1;
+        if (SDL_Init(SDL_INIT_VIDEO) != -1) return true;
+        return keltra::failWith("KELTRA::init", KT_FAULT_DISPLAY, "", SDL_GetError(), "");
     }
     static bool stopSdl() {
         SDL_Quit();
@@ -77,9 +79,12 @@ struct KELTRA::STARTUP {
     static bool startEmitters(KTSETTINGS &) { return KTEMITTER::init(); }
 
     // A failed step stops those before it, the latest first.
-    static bool startAll(KTSETTINGS &settings) {
+    static bool startAll(KTSETTINGS &settings, keltra::FaultScope &scope) {
         for (int started = 0; started < kCount; ++started) {
             if (steps[started].start(settings)) continue;
+            KTFAULT fault = keltra::newFault(KT_FAULT_START);
+            keltra::setFaultText(fault.field, keltra::faultText(steps[started].name));
+            scope.fail(fault);
             while (started-- > 0) steps[started].stop();
             return false;
         }
@@ -112,9 +117,10 @@ void keltra::setPaths(const KTSETTINGS::RECORD &record) {
 }
 
 bool KELTRA::init(KTSETTINGS *settings) {
-    if (active) return false;
+    if (active) return keltra::failState("KELTRA::init", "the engine is active already");
+    keltra::FaultScope scope("KELTRA::init");
     KTSETTINGS defaults;
-    if (!STARTUP::startAll(settings ? *settings : defaults)) return false;
+    if (!STARTUP::startAll(settings ? *settings : defaults, scope)) return false;
     timer = vnfNewTimer(1.0f);
     timerUpdated = false;
     videoMemoryTotal = kVideoMemory;
@@ -125,7 +131,9 @@ bool KELTRA::init(KTSETTINGS *settings) {
 // The order is fixed: fonts, then nodes, then what nodes refer to, videos after the animations; then the
 // subsystems.
 bool KELTRA::free() {
-    if (!active) return false;
+    if (!active) return keltra::failState("KELTRA::free", "the engine is not active");
+    // The call that made the fault goes on.
+    if (keltra::isInFaultHandler()) return keltra::failState("KELTRA::free", "a fault handler is running");
     vnfFreeTimer(timer);
     timer = -1;
     KTELEMENT::reset();

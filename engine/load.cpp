@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "formats/gui.h"
 #include "formats/scene_contents.h"
 #include "formats/xml_document.h"
 #include "foundation/file_bytes.h"
@@ -18,16 +19,19 @@ bool isInterface(const char *path) { return std::strstr(path, ".xml") || std::st
 }  // namespace
 
 KTNODE *KELTRA::load(const char *fileName) {
-    if (!fileName) return nullptr;
     const keltra::FilePath path(ktePath, fileName);
-    if (!vnfFileExists(path.text)) return nullptr;
+    keltra::LoadScope scope("KELTRA::load", path.text);
+    if (!fileName) return scope.failNull("fileName"), nullptr;
+    if (!vnfFileExists(path.text)) return scope.failFile(), nullptr;
     if (isInterface(path.text)) return loadXML(path.text);
     const keltra::FileBytes file(path.text);
+    if (!file.data()) return scope.failFile(file.isOutOfMemory()), nullptr;
     keltra::SceneContents contents;
     keltra::SceneFault fault;
-    if (!contents.read(file.data(), file.size(), fault)) return nullptr;
+    if (!contents.read(file.data(), file.size(), fault)) return scope.fail(keltra::toPublic(fault)), nullptr;
     KTNODE *root = keltra::buildScene(contents);
-    if (root) recursiveInitBones(root, root);
+    if (!root) return scope.fail(KT_FAULT_OUT_OF_MEMORY), nullptr;
+    recursiveInitBones(root, root);
     return root;
 }
 
@@ -41,10 +45,13 @@ bool KELTRA::recursiveInitBones(KTNODE *root, KTNODE *node) {
 }
 
 KTNODE *KELTRA::loadXML(const char *fileName) {
+    keltra::LoadScope scope("KELTRA::loadXML", fileName);
+    if (!fileName) return scope.failNull("fileName"), nullptr;
     TiXmlDocument document;
-    if (!keltra::loadXmlDocument(fileName, document)) return nullptr;
+    if (!keltra::loadXmlDocument(fileName, document, &scope)) return nullptr;
     const TiXmlElement *description = keltra::guiRoot(document);
-    return description ? keltra::buildInterface(*description, fileName) : nullptr;
+    if (!description) return scope.fail(keltra::toPublic(keltra::guiRootMissing(), "", 0)), nullptr;
+    return keltra::buildInterface(*description, fileName, scope);
 }
 
 int KELTRA::recursiveLoadXML(KTNODE *parent, const TiXmlNode *node) {

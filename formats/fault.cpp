@@ -9,7 +9,7 @@ namespace keltra {
 namespace {
 
 KTFAULT withReason(const Fault &fault) {
-    KTFAULT result = newFault(KT_FAULT_DATA);
+    KTFAULT result = newFault(fault.code);
     setFaultText(result.field, fault.field);
     if (fault.hasFound) std::snprintf(result.found, sizeof result.found, "%ld", fault.found);
     std::snprintf(result.expected, sizeof result.expected, fault.reason ? fault.reason : "", fault.first,
@@ -18,6 +18,15 @@ KTFAULT withReason(const Fault &fault) {
 }
 
 }  // namespace
+
+bool noteFault(Fault *fault, const Fault &noted) {
+    if (fault) *fault = noted;
+    return false;
+}
+
+bool refuseMemory(Fault *fault) {
+    return noteFault(fault, {0, "", faultText("out of memory"), 0, 0, false, 0, KT_FAULT_OUT_OF_MEMORY});
+}
 
 KTFAULT toPublic(const Fault &fault) {
     KTFAULT result = withReason(fault);

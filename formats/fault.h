@@ -20,18 +20,19 @@ struct Fault {
     long first = 0, second = 0;  // limits
     bool hasFound = false;
     long found = 0;
+    KT_FAULT_CODE code = KT_FAULT_DATA;
 };
 
-// Notes the fault when it is asked for; always false.
+// Each notes the fault when it is asked for, and is false.
+[[gnu::cold]] bool noteFault(Fault *fault, const Fault &noted);
+[[gnu::cold]] bool refuseMemory(Fault *fault);
 inline bool refuse(Fault *fault, std::size_t offset, const char *field, const char *reason, long first = 0,
                    long second = 0) {
-    if (fault) *fault = {offset, faultText(field), faultText(reason), first, second};
-    return false;
+    return noteFault(fault, {offset, faultText(field), faultText(reason), first, second});
 }
 inline bool refuseValue(Fault *fault, std::size_t offset, const char *field, long found, const char *reason,
                         long first = 0, long second = 0) {
-    if (fault) *fault = {offset, faultText(field), faultText(reason), first, second, true, found};
-    return false;
+    return noteFault(fault, {offset, faultText(field), faultText(reason), first, second, true, found});
 }
 
 // The fault without a call and a file.
@@ -49,6 +50,13 @@ class FaultSink {
 
    protected:
     ~FaultSink() = default;
+};
+
+// The scope of a load: what its parser warns of is told in its name.
+class LoadScope final : public FaultScope, public FaultSink {
+   public:
+    using FaultScope::FaultScope;
+    void warn(KTFAULT &fault) override { FaultScope::warn(fault); }
 };
 
 // Finds the name that someone meant who wrote another one: the nearest by letters changed, added, left out or

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "formats/fault.h"
+
 namespace keltra {
 
 constexpr char kKerningComment = '#';
@@ -39,6 +41,9 @@ inline bool readKerning(vnfParser &text, const char *key, signed char &kerning) 
     kerning = static_cast<signed char>(value);
     return true;
 }
+
+// Tells of each line of a text without comments what has no effect, or another one than it seems.
+void checkKerning(const vnfParser &text, FaultSink &sink);
 
 }  // namespace keltra
 

@@ -1,16 +1,18 @@
 #ifndef KELTRA_FORMATS_LIMITS_H
 #define KELTRA_FORMATS_LIMITS_H
 
-// Every limit of the engine and its files, once. The exported constants are asserted to be equal in the
-// sources of their classes; the tools take theirs from here, and messages print them.
+// Every limit of the engine and its files, once; that of identifiers comes from below. The exported constants
+// are asserted to be equal in the sources of their classes; the tools take theirs from here, and messages
+// print them.
 
 #include <cstddef>
 
+#include "foundation/identifier.h"
+
 namespace keltra {
 
-constexpr std::size_t kNameSize = 256;      // of a name or a path, with its end
-constexpr unsigned int kLargestId = 65535;  // objects that exist at a time
-constexpr unsigned int kMaxCount = 65535;   // what a count of 16 bits in a file can hold
+constexpr std::size_t kNameSize = 256;     // of a name or a path, with its end
+constexpr unsigned int kMaxCount = 65535;  // what a count of 16 bits in a file can hold
 
 // Scenes.
 // The walks keep their path in an array of this length, since the device's stack is 64 KB.

@@ -5,8 +5,7 @@ namespace keltra {
 bool SceneContents::read(const void *bytes, std::size_t size, SceneFault &fault) {
     if (!checkScene(bytes, size, fault, this)) return false;
     if (whole) return true;
-    fault = {0, "", "out of memory"};
-    return false;
+    return refuseMemory(&fault);
 }
 
 void SceneContents::material(const MaterialRecord &record) {

@@ -16,6 +16,9 @@ constexpr std::size_t kVectorSize = 12, kUVSize = 8, kFaceSize = 6;
 
 enum NodeRecordType { kPlainRecord = 0, kLightRecord = 1, kMeshRecord = 2 };
 
+// Codes of `lightType`; others are lights of no kind.
+enum LightRecordType { kPointLight = 0, kDirectionalLight = 1, kSpotLight = 2 };
+
 using SceneFault = Fault;
 
 struct SceneHeader {

@@ -2,8 +2,10 @@
 
 #include <tinyxml.h>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -30,6 +32,16 @@ class MarkupScan {
             if (!skipMarkup()) return refused("does not end");
         }
         return true;
+    }
+    // The next tag that opens an element; null behind the last.
+    const char *nextElement() {
+        while (char *next = static_cast<char *>(std::memchr(cursor, '<', left()))) {
+            tag = cursor = next;
+            const bool opens = startsName();
+            if (!skipMarkup()) return nullptr;
+            if (opens) return tag;
+        }
+        return nullptr;
     }
     // Of a run that was false; the offset is that of the tag in the text.
     Fault fault() const { return {static_cast<std::size_t>(tag - begin), faultText("tag"), reason, limit}; }
@@ -145,6 +157,8 @@ int parseText(const char *text, TiXmlDocument &document, int tabSize) {
 }
 
 Fault faultOf(int error) {
+    Fault noMemory;
+    refuseMemory(&noMemory);
     const auto fault = [](const char *field, const char *reason) {
         return Fault{0, faultText(field), faultText(reason)};
     };
@@ -164,7 +178,7 @@ Fault faultOf(int error) {
         case TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY:
             return fault("document", "holds no markup");
         case kNoMemory:
-            return fault("document", "out of memory");
+            return noMemory;
         default:
             return fault("document", "is no XML");
     }
@@ -188,6 +202,28 @@ Fault findError(char *text, int error) {
     return fault;
 }
 
+// Walks tags and elements side by side, and gives each element its line.
+void noteLines(char *text, char *end, TiXmlDocument &document) {
+    MarkupScan scan(text, end);
+    const char *counted = text;
+    unsigned int line = 1;
+    for (TiXmlNode *node = document.FirstChild(); node;) {
+        if (TiXmlElement *element = node->ToElement()) {
+            const char *tag = scan.nextElement();
+            if (!tag) return;
+            line += static_cast<unsigned int>(std::count(counted, tag, '\n'));
+            counted = tag;
+            element->SetUserData(reinterpret_cast<void *>(std::uintptr_t{line}));
+        }
+        if (node->FirstChild()) {
+            node = node->FirstChild();
+            continue;
+        }
+        while (node && !node->NextSibling()) node = node->Parent();
+        if (node) node = node->NextSibling();
+    }
+}
+
 bool parseCopy(char *text, char *end, TiXmlDocument &document, Fault *fault) {
     MarkupScan scan(text, end);
     if (!scan.run()) {
@@ -197,7 +233,10 @@ bool parseCopy(char *text, char *end, TiXmlDocument &document, Fault *fault) {
     // Without tab stops the parser keeps no row and column: that code does not end on some byte sequences. As
     // bytes, the text is never stepped over by a character's claimed length.
     const int error = parseText(text, document, 0);
-    if (error == 0) return true;
+    if (error == 0) {
+        noteLines(text, end, document);
+        return true;
+    }
     document.Clear();
     if (fault) *fault = findError(text, error);
     return false;
@@ -205,24 +244,27 @@ bool parseCopy(char *text, char *end, TiXmlDocument &document, Fault *fault) {
 
 }  // namespace
 
-bool loadXmlDocument(const char *path, TiXmlDocument &document) {
+bool loadXmlDocument(const char *path, TiXmlDocument &document, FaultScope *scope) {
     const FileBytes file(path, kMaxXmlBytes);
-    return parseXmlDocument(file.data(), file.size(), document);
+    if (scope && !file.data()) return scope->failFile(file.isOutOfMemory(), kMaxXmlBytes);
+    Fault fault;
+    if (parseXmlDocument(file.data(), file.size(), document, scope ? &fault : nullptr)) return true;
+    return scope && scope->fail(toPublic(fault, file.data(), file.size()));
 }
 
 bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document, Fault *fault) {
     document.Clear();
     if (!bytes) return refuse(fault, 0, "document", "is empty or cannot be read");
     if (size > static_cast<std::size_t>(kMaxXmlBytes))
-        return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), "document", "is larger than %ld bytes",
-                      kMaxXmlBytes);
+        return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), "document", "is larger than %ld MiB",
+                      kMaxXmlBytes >> 20);
     if (const void *zero = std::memchr(bytes, '\0', size))
         return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - bytes), "document",
                       "holds a zero byte");
     static const char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
     char *text = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(size - mark + 1)));
-    if (!text) return refuse(fault, 0, "document", "out of memory");
+    if (!text) return refuseMemory(fault);
     char *end = copyLines(text, bytes + mark, size - mark);
     const bool parsed = parseCopy(text, end, document, fault);
     if (!parsed && fault) fault->offset = mark + offsetInBytes(bytes + mark, size - mark, fault->offset);

@@ -1,6 +1,5 @@
 #include "foundation/fault.h"
 
-#include "foundation/file_bytes.h"
 #include "platform/platform.h"
 
 #include <cstdio>
@@ -90,7 +89,7 @@ KT_FAULT_CODE problemOf(const char *path, long largest) {
 void fillFileFault(KTFAULT &fault, const char *path, bool isOutOfMemory, long largest) {
     fault.code = isOutOfMemory ? KT_FAULT_OUT_OF_MEMORY : problemOf(path, largest);
     setFaultPath(fault.file, path);
-    if (fault.code == KT_FAULT_FILE_SIZE) setExpected(fault, faultText("%ld bytes"), largest);
+    if (kFaultTexts && fault.code == KT_FAULT_FILE_SIZE) setExpected(fault, "%ld bytes", largest);
 }
 
 }  // namespace
@@ -138,6 +137,11 @@ bool tellFault(const char *call, KTFAULT &fault) {
     fault.call = call;
     tell(fault);
     return false;
+}
+
+void warnFault(const char *call, KTFAULT fault) {
+    fault.severity = KT_FAULT_WARNING;
+    tellFault(call, fault);
 }
 
 bool failWith(const char *call, KT_FAULT_CODE code, const char *field, const char *found,

@@ -109,6 +109,8 @@ class FaultSilence {
 
 // Each tells an error of `call`, or of the scope around it, and is false.
 [[gnu::cold]] bool tellFault(const char *call, KTFAULT &fault);
+// The same of a warning.
+[[gnu::cold]] void warnFault(const char *call, KTFAULT fault);
 [[gnu::cold]] bool failWith(const char *call, KT_FAULT_CODE code, const char *field, const char *found,
                             const char *expected);
 [[gnu::cold]] bool failValueFrom(const char *call, const char *argument, long found, const char *format,

@@ -55,7 +55,7 @@ const char *bodyOf(KT_FAULT_CODE code) {
         case KT_FAULT_DISPLAY:
             return "no display[: $g]";
         case KT_FAULT_START:
-            return "$f failed[: $g]";
+            return "the step `$f` of start-up failed[: $g]";
         default:
             return "";
     }

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr unsigned int kTableSize = 262144;
-constexpr unsigned int kLargestId = 65535;
+using keltra::kLargestId;
 
 // Constant-initialised; one byte an identifier, 0 for free. No identifier below `lowestFree` is free.
 unsigned char *table = nullptr;

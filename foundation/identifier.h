@@ -3,6 +3,8 @@
 
 namespace keltra {
 
+constexpr unsigned int kLargestId = 65535;  // objects that exist at a time
+
 void takeIdentifierTable();
 void dropIdentifierTable();
 

@@ -1,5 +1,7 @@
 #include <keltra/foundation.h>
 
+#include "foundation/fault.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdio>
@@ -76,36 +78,37 @@ int toInt(const char *text) {
 }  // namespace
 
 bool vnfOpenParser(vnfParser *parser, const char *path) {
+    keltra::FaultScope scope("vnfOpenParser", path);
     if (!parser || !path) {
         vnfLog("vnfOpenParser: invalid params\n");
-        return false;
+        return scope.failNull(parser ? "path" : "parser");
     }
     File file(std::fopen(path, "rb"), std::fclose);
     if (!file) {
         vnfLog("vnfOpenParser: unable to open file %s\n", path);
-        return false;
+        return scope.failFile();
     }
     long size = std::fseek(file.get(), 0, SEEK_END) == 0 ? std::ftell(file.get()) : 0;
     if (size < 1) {
         vnfLog("vnfOpenParser: file '%s' is empty\n", path);
-        return false;
+        return scope.failFile();
     }
     if (size > kLargestFile || std::fseek(file.get(), 0, SEEK_SET) != 0) {
         vnfLog("vnfOpenParser: file '%s' is corrupted\n", path);
-        return false;
+        return scope.failFile(false, kLargestFile);
     }
     unsigned int needed = static_cast<unsigned int>(size) + 1;
     char *buffer = static_cast<char *>(vnfMalloc(needed));
     if (!buffer) {
         vnfLog("vnfOpenParser: out of memory (%u bytes needed)\n", needed);
-        return false;
+        return scope.failFile(true);
     }
     if (std::fread(buffer, 1, std::size_t(size), file.get()) != std::size_t(size)) {
         // Meant: released behind the counters' back, so the log's summary shows the broken file as one live
         // block.
         std::free(buffer);
         vnfLog("vnfOpenParser: file '%s' is corrupted\n", path);
-        return false;
+        return scope.failFile(false, kLargestFile);
     }
     parser->buffer = buffer;
     parser->size = std::int32_t(size);
@@ -116,11 +119,11 @@ bool vnfOpenParser(vnfParser *parser, const char *path) {
 bool vnfCloseParser(vnfParser *parser) {
     if (!parser) {
         vnfLog("vnfCloseParser: invalid params\n");
-        return false;
+        return keltra::failNull("vnfCloseParser", "parser");
     }
     if (!parser->buffer) {
         vnfLog("vnfCloseParser: parser already free\n");
-        return false;
+        return keltra::failState("vnfCloseParser", "the parser holds no text");
     }
     vnfFree(parser->buffer);
     *parser = vnfParser();

@@ -12,7 +12,9 @@
 #include <cstring>
 #include <new>
 
+#include "formats/gui.h"
 #include "formats/limits.h"
+#include "formats/xml_check.h"
 #include "formats/xml_document.h"
 #include "foundation/name_index.h"
 #include "foundation/text.h"
@@ -21,10 +23,6 @@
 
 namespace {
 
-// A window takes four of the 65,535 identifiers and some ten kilobytes. A file that asks for more objects
-// gives the first ones.
-const unsigned int kMaxObjects = keltra::kGuiObjects;
-
 // --- objects
 
 template <class Widget>
@@ -32,29 +30,13 @@ KTNODE *makeWidget() {
     return new (std::nothrow) Widget;
 }
 
-struct WidgetKind {
-    const char *name;
-    KTNODE *(*make)();
-};
+using MakeWidget = KTNODE *(*)();
 
-const WidgetKind kWidgetKinds[] = {
-    {"window", makeWidget<KTWINDOW>},
-    {"button", makeWidget<KTBUTTON>},
-    {"text", makeWidget<KTTEXTFIELD>},
-    {"label", makeWidget<KTLABEL>},
-    {"box", makeWidget<KTBOX>},
-    {"vslider", makeWidget<KTVSCROLLBAR>},
-    {"hslider", makeWidget<KTHSCROLLBAR>},
-};
-
-const char kFontName[] = "font";
-
-const WidgetKind *findWidgetKind(const char *name) {
-    for (const WidgetKind &kind : kWidgetKinds) {
-        if (std::strcmp(kind.name, name) == 0) return &kind;
-    }
-    return nullptr;
-}
+// In the order of the objects; a font is no widget.
+const MakeWidget kMakers[] = {makeWidget<KTWINDOW>,    makeWidget<KTBUTTON>, makeWidget<KTTEXTFIELD>,
+                              makeWidget<KTLABEL>,     makeWidget<KTBOX>,    makeWidget<KTVSCROLLBAR>,
+                              makeWidget<KTHSCROLLBAR>};
+static_assert(sizeof kMakers / sizeof *kMakers == keltra::kGuiFont, "one for each object but the font");
 
 // --- properties
 
@@ -123,12 +105,23 @@ void readSize(const TiXmlElement &property, const Target &target) {
     }
 }
 
+void tellUnknownFont(const char *name) {
+    KTFAULT fault = keltra::newFault(KT_FAULT_UNKNOWN);
+    keltra::setFaultText(fault.field, keltra::faultText("font"));
+    keltra::setFaultText(fault.found, name);
+    keltra::NearestName nearest(name);
+    for (KTFONT *font = KTFONT::getFirst(); font; font = font->getNext()) nearest.offer(font->getName());
+    keltra::setFaultText(fault.expected, nearest.name());
+    keltra::warnFault("KELTRA::loadXML", fault);
+}
+
 void readFontReference(const TiXmlElement &property, const Target &target) {
     const char *name = property.Attribute("ref");
     if (!name) return;
     KTFONT *font = target.resources->fonts.find(name);
     // A font that is being read may still be renamed, so it comes to the index when it is complete.
     if (!font && target.font && std::strcmp(target.font->name, name) == 0) font = target.font;
+    if (!font) tellUnknownFont(name);
     if (KTWINDOW *window = target.as<KTWINDOW>(KT_WINDOW)) window->setFont(font);
     if (KTBUTTON *button = target.as<KTBUTTON>(KT_BUTTON)) button->setFont(font);
     if (KTTEXTFIELD *field = target.as<KTTEXTFIELD>(KT_TEXTFIELD)) field->setFont(font);
@@ -145,6 +138,7 @@ void readTexture(const TiXmlElement &property, const Target &target) {
         if (!texture) return;
         // Glyphs are drawn pixel by pixel.
         if (target.font) texture->setFilter(false, false, false);
+        const keltra::FaultOptional optional;
         texture->load(file);
         target.resources->textures.add(texture);
     }
@@ -157,7 +151,9 @@ void readTexture(const TiXmlElement &property, const Target &target) {
 
 void readKerning(const TiXmlElement &property, const Target &target) {
     const char *file = property.Attribute("value");
-    if (file && target.font) target.font->loadKerning(file);
+    if (!file || !target.font) return;
+    const keltra::FaultOptional optional;
+    target.font->loadKerning(file);
 }
 
 // The value is a format string from a file, and there are no arguments for it: "%%" stands for a percent
@@ -199,48 +195,29 @@ void readColor(const TiXmlElement &property, const Target &target) {
 }
 
 void readKind(const TiXmlElement &property, const Target &target) {
-    const char *const names[] = {"normal", "inverted", "switch"};
     const char *kind = property.Attribute("value");
     KTBUTTON *button = target.as<KTBUTTON>(KT_BUTTON);
     if (!kind || !button) return;
-    for (int i = 0; i < 3; ++i) {
-        if (std::strcmp(kind, names[i]) == 0) button->setEventType(static_cast<KT_BUTTON_EVENT>(i));
+    for (int i = 0; i < keltra::kGuiKindCount; ++i) {
+        if (std::strcmp(kind, keltra::kGuiKinds[i]) == 0)
+            button->setEventType(static_cast<KT_BUTTON_EVENT>(i));
     }
 }
 
-struct Property {
-    const char *name;
-    void (*read)(const TiXmlElement &property, const Target &target);
-    const char *attributes[keltra::kGuiAttributes + 1];
-};
+using ReadProperty = void (*)(const TiXmlElement &property, const Target &target);
 
-const Property kProperties[] = {
-    {"name", readName, {"value"}},
-    {"title", readTitle, {"value"}},
-    {"position", readPosition, {"x", "y"}},
-    {"size", readSize, {"width", "height"}},
-    {"usefont", readFontReference, {"ref"}},
-    {"texture", readTexture, {"value"}},
-    {"kerning", readKerning, {"value"}},
-    {"write", readText, {"value"}},
-    {"color", readColor, {"r", "g", "b", "a"}},
-    {"kind", readKind, {"value"}},
-};
-
-void readProperties(const TiXmlElement &element, const Target &target) {
-    for (const TiXmlElement *child = element.FirstChildElement(); child;
-         child = child->NextSiblingElement()) {
-        for (const Property &property : kProperties) {
-            if (std::strcmp(property.name, child->Value()) == 0) property.read(*child, target);
-        }
-    }
-}
+// In the order of the properties.
+const ReadProperty kReaders[] = {readName,    readTitle,   readPosition, readSize,  readFontReference,
+                                 readTexture, readKerning, readText,     readColor, readKind};
+static_assert(sizeof kReaders / sizeof *kReaders == keltra::kGuiPropertyCount, "one for each property");
 
 // --- the tree
 
 class InterfaceReader {
    public:
-    InterfaceReader() : objects(0) {}
+    // With `hasLines`, the elements know their lines.
+    InterfaceReader(keltra::FaultScope &scope, bool hasLines)
+        : scope(scope), hasLines(hasLines), objects(0) {}
 
     // Reads `top` and what is nested in it. The path stands in an array: the device's stack is small.
     void read(KTNODE *parent, const TiXmlNode *top) {
@@ -264,30 +241,52 @@ class InterfaceReader {
     // there is no room.
     KTNODE *enter(const TiXmlElement &element, KTNODE *parent) {
         Target target = {nullptr, parent, &resources};
-        const WidgetKind *kind = findWidgetKind(element.Value());
-        if (kind || std::strcmp(element.Value(), kFontName) == 0) {
-            if (objects++ >= kMaxObjects) return nullptr;
-            if (kind) {
-                target.widget = makeLinked(*kind, parent);
-            } else {
+        const int object = keltra::guiObject(element.Value());
+        if (object >= 0) {
+            if (!hasRoom(element)) return nullptr;
+            if (object == keltra::kGuiFont) {
                 resources.fonts.fill();
                 target.font = new (std::nothrow) KTFONT;
+            } else {
+                target.widget = makeLinked(kMakers[object], parent);
             }
-            if (!target.widget || (!kind && !target.font)) return nullptr;
+            if (!target.widget || (object == keltra::kGuiFont && !target.font)) return outOfMemory();
         }
         readProperties(element, target);
         if (target.font) resources.fonts.add(target.font);
         return target.widget;
     }
 
-    static KTNODE *makeLinked(const WidgetKind &kind, KTNODE *parent) {
-        KTNODE *widget = kind.make();
+    bool hasRoom(const TiXmlElement &element) {
+        if (objects++ < keltra::kGuiObjects) return true;
+        if (objects == keltra::kGuiObjects + 1) scope.warn(keltra::tooManyObjects(element, hasLines));
+        return false;
+    }
+
+    KTNODE *outOfMemory() {
+        scope.warn(keltra::newFault(KT_FAULT_OUT_OF_MEMORY));
+        return nullptr;
+    }
+
+    void readProperties(const TiXmlElement &element, const Target &target) {
+        for (const TiXmlElement *child = element.FirstChildElement(); child;
+             child = child->NextSiblingElement()) {
+            const int property = keltra::guiProperty(child->Value());
+            if (hasLines) scope.setLine(keltra::xmlLine(*child));
+            if (property >= 0) kReaders[property](*child, target);
+        }
+    }
+
+    static KTNODE *makeLinked(MakeWidget make, KTNODE *parent) {
+        KTNODE *widget = make();
         if (!widget || widget->link(parent)) return widget;
         delete widget;
         return nullptr;
     }
 
     Resources resources;
+    keltra::FaultScope &scope;
+    const bool hasLines;
     unsigned int objects;
 };
 
@@ -295,32 +294,26 @@ class InterfaceReader {
 
 namespace keltra {
 
-bool isGuiObject(const char *element) {
-    return findWidgetKind(element) || std::strcmp(element, kFontName) == 0;
-}
-
-const char *const *guiAttributes(const char *element) {
-    for (const Property &property : kProperties)
-        if (std::strcmp(property.name, element) == 0) return property.attributes;
-    return nullptr;
-}
-
-// Elements only: a comment that says nothing but "root" has that name too.
-const TiXmlElement *guiRoot(const TiXmlDocument &document) { return document.FirstChildElement("root"); }
-
 // Named first: properties at the top of the description apply to the root.
-KTNODE *buildInterface(const TiXmlElement &description, const char *name) {
+KTNODE *buildInterface(const TiXmlElement &description, const char *name, LoadScope &scope) {
     KTNODE *root = new (std::nothrow) KTNODE;
-    if (!root) return nullptr;
+    if (!root) return scope.fail(KT_FAULT_OUT_OF_MEMORY), nullptr;
+    checkGui(description, scope, true);
     root->setName(name);
-    InterfaceReader reader;
+    InterfaceReader reader(scope, true);
     for (const TiXmlNode *node = description.FirstChild(); node; node = node->NextSibling())
         reader.read(root, node);
     return root;
 }
 
 void buildWidgets(KTNODE *parent, const TiXmlNode *node) {
-    if (parent && node) InterfaceReader().read(parent, node);
+    LoadScope scope("KELTRA::recursiveLoadXML");
+    if (!parent || !node) {
+        scope.failNull(parent ? "node" : "parent");
+        return;
+    }
+    checkGui(*node, scope, false);
+    InterfaceReader(scope, false).read(parent, node);
 }
 
 }  // namespace keltra

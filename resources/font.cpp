@@ -201,15 +201,18 @@ bool KTFONT::setKerning(char c, signed char value) {
 signed char KTFONT::getKerning(char c) const { return hasKerning(c) ? kerning[cellOf(c)] : 0; }
 
 bool KTFONT::loadKerning(const char *filename) {
-    if (!filename) return false;
     const keltra::FilePath path(fontPath, filename);
+    keltra::LoadScope scope("KTFONT::loadKerning", path.text);
+    if (!filename) return scope.failNull("filename");
     vnfParser file;
     // The parser would log a missing file.
-    if (!vnfFileExists(path.text) || !vnfOpenParser(&file, path.text)) return false;
+    if (!vnfFileExists(path.text)) return scope.failFile();
+    if (!vnfOpenParser(&file, path.text)) return false;
     vnfRemoveComments(&file, keltra::kKerningComment);
     char key[keltra::kKerningKeySize];
     for (unsigned int i = 0; i < keltra::kKerningKeys; ++i)
         keltra::readKerning(file, keltra::kerningKey(i, key), kerning[cellOf(keltra::kerningCharacter(i))]);
+    keltra::checkKerning(file, scope);
     vnfCloseParser(&file);
     return true;
 }

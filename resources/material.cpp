@@ -8,6 +8,7 @@
 
 #include "core/gl_state.h"
 #include "core/holders.h"
+#include "formats/limits.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -15,6 +16,9 @@
 #include <cstring>
 
 template class KTREGISTERED<KTMATERIAL>;
+
+static_assert(KTMATERIAL::levels == keltra::kMaxTextureLevels && KTTEXTURE::channels == KTMATERIAL::levels,
+              "a channel for each texture");
 
 const unsigned int KTMATERIAL::levels;
 KTMATERIAL *KTMATERIAL::firstMaterial = nullptr;

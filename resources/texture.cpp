@@ -3,6 +3,7 @@
 #include <keltra/texture.h>
 
 #include "core/gl_state.h"
+#include "formats/limits.h"
 #include "formats/tga.h"
 #include "foundation/block.h"
 #include "foundation/file_bytes.h"
@@ -16,6 +17,8 @@
 #include <cstring>
 
 template class KTREGISTERED<KTTEXTURE>;
+
+static_assert(KTTEXTURE::maxSize == keltra::kMaxTextureSize, "what a file may hold is loaded");
 
 const unsigned int KTTEXTURE::channels;
 const unsigned int KTTEXTURE::maxSize;

@@ -5,6 +5,7 @@
 
 #include "core/gl_state.h"
 #include "foundation/block.h"
+#include "foundation/fault.h"
 #include "foundation/file_bytes.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
@@ -119,11 +120,15 @@ void KTVIDEO::forgetTexture(const KTTEXTURE *gone) {
 
 bool KTVIDEO::load(const char *name) {
     status = KT_VIDEO_STOPPED;
-    if (!stream) return false;
-    keltra::closeStream(*stream);
-    if (!name || std::strlen(name) >= sizeof filename) return false;
     const keltra::FilePath path(mpgPath, name);
-    if (!vnfFileExists(path.text) || !keltra::openStream(*stream, path.text)) return false;
+    keltra::FaultScope scope("KTVIDEO::load", path.text);
+    if (!stream) return scope.fail(KT_FAULT_OUT_OF_MEMORY);
+    keltra::closeStream(*stream);
+    if (!name) return false;  // only closes the film
+    if (std::strlen(name) >= sizeof filename) return scope.fail(KT_FAULT_FILE_NAME);
+    if (!vnfFileExists(path.text)) return scope.failFile();
+    if (!keltra::hasVideo()) return keltra::failState("KTVIDEO::load", "the library is built without video");
+    if (!keltra::openStream(*stream, path.text)) return scope.fail(KT_FAULT_OUT_OF_MEMORY);
     keltra::copyText(filename, name);
     return true;
 }
@@ -131,6 +136,7 @@ bool KTVIDEO::load(const char *name) {
 // Back to the beginning. Only a looping film goes on from there.
 bool KTVIDEO::startAgain() {
     const bool loops = status == KT_VIDEO_LOOPING;
+    const keltra::FaultScope scope("KTVIDEO::update");
     const bool opened = load(filename);
     if (loops) status = KT_VIDEO_LOOPING;
     return opened;
@@ -139,7 +145,10 @@ bool KTVIDEO::startAgain() {
 bool KTVIDEO::update(unsigned int steps) {
     if (!stream) return false;
     // Only a film that could not be opened again at its end still stands there; rewinding it is one more try.
-    if (status == KT_VIDEO_REWINDING && stream->lastRead == 0) return load(filename);
+    if (status == KT_VIDEO_REWINDING && stream->lastRead == 0) {
+        const keltra::FaultSilence told;
+        return load(filename);
+    }
     if (status == KT_VIDEO_STOPPED || !stream->file) return false;
     // The steps that are left at the end of a film are made from its beginning, whether it loops or stops:
     // meant, a call always makes as many steps as it was asked for.

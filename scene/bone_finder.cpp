@@ -1,5 +1,6 @@
 #include "scene/bone_finder.h"
 
+#include "formats/scene_faults.h"
 #include "scene/tree_walk.h"
 
 namespace keltra {
@@ -39,7 +40,11 @@ void BoneFinder::bind(KTBONE &bone) {
 
 void BoneFinder::bind(KTMESH &mesh) {
     if (mesh.numberOfInfluences == 0 || !mesh.bones) return;
-    for (unsigned int b = 0; b < mesh.numberOfBones; ++b) bind(mesh.bones[b]);
+    for (unsigned int b = 0; b < mesh.numberOfBones; ++b) {
+        KTBONE &bone = mesh.bones[b];
+        bind(bone);
+        if (!bone.node) warnFault("KTMESH::resetBones", unknownBone(mesh.name, bone.name));
+    }
 }
 
 }  // namespace keltra

@@ -11,11 +11,14 @@
 #include <new>
 
 #include "core/glbridge.h"
+#include "formats/limits.h"
 #include "scene/element_radius.h"
 #include "scene/local_transform.h"
 #include "scene/node_class.h"
 #include "scene/render_list.h"
 #include "scene/tree_walk.h"
+
+static_assert(KTELEMENT::maxElements == keltra::kMaxElements, "as the tools say");
 
 const unsigned int KTELEMENT::maxElements;
 const unsigned int KTELEMENT::nearestLights;

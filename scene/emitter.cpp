@@ -20,7 +20,10 @@
 #include <new>
 
 #include "core/gl_state.h"
-#include "scene/blend_factor.h"
+#include "formats/blend_factor.h"
+#include "formats/limits.h"
+
+static_assert(KTEMITTER::maxParticles == keltra::kMaxParticles, "as the check of emitter files says");
 
 const unsigned int KTEMITTER::poolSize;
 const unsigned int KTEMITTER::maxParticles;

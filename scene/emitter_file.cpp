@@ -2,14 +2,14 @@
 
 #include <keltra/texture.h>
 
-#include <GLES/gl.h>
 #include <tinyxml.h>
 
 #include <cstring>
 #include <new>
 
+#include "formats/emitter.h"
+#include "formats/xml_check.h"
 #include "formats/xml_document.h"
-#include "scene/emitter_file.h"
 
 namespace {
 
@@ -95,6 +95,13 @@ bool readVectors(KTEMITTER &emitter, const char *key, const TiXmlElement &elemen
     return false;
 }
 
+void readTexture(KTEMITTER &emitter, const TiXmlElement &element) {
+    const char *file = element.Attribute("value");
+    if (!file) return;
+    const keltra::FaultOptional optional;
+    if (KTTEXTURE *texture = emitter.getTexture()) texture->load(file);
+}
+
 void readSetting(KTEMITTER &emitter, const TiXmlElement &element) {
     const char *key = element.Value();
     if (readMaxima(emitter, key, element) || readReals(emitter, key, element) ||
@@ -107,7 +114,7 @@ void readSetting(KTEMITTER &emitter, const TiXmlElement &element) {
         readInteger(element, number);
         emitter.setNumberOfParticles(number);
     } else if (std::strcmp(key, "texture") == 0) {
-        if (KTTEXTURE *texture = emitter.getTexture()) texture->load(element.Attribute("value"));
+        readTexture(emitter, element);
     } else if (std::strcmp(key, "blendingSrc") == 0) {
         readFactor(element, true, emitter.blendingSrc);
     } else if (std::strcmp(key, "blendingDst") == 0) {
@@ -117,55 +124,21 @@ void readSetting(KTEMITTER &emitter, const TiXmlElement &element) {
 
 }  // namespace
 
-namespace keltra {
-
-const EmitterSetting kEmitterSettings[kEmitterSettingCount] = {
-    {"type", EmitterValue::kInteger},
-    {"texture", EmitterValue::kText},
-    {"nbOfParticles", EmitterValue::kInteger},
-    {"maxEnergy", EmitterValue::kMaximum},
-    {"maxVelocity", EmitterValue::kMaximum},
-    {"maxAngle", EmitterValue::kReal},
-    {"emitterSize", EmitterValue::kSize},
-    {"radius", EmitterValue::kReal},
-    {"maxParticleSize", EmitterValue::kMaximum},
-    {"maxSpin", EmitterValue::kMaximum},
-    {"spinning", EmitterValue::kReal},
-    {"center", EmitterValue::kVector},
-    {"rotation", EmitterValue::kVector},
-    {"gravity", EmitterValue::kVector},
-    {"upVector", EmitterValue::kVector},
-    {"colorStart", EmitterValue::kVector},
-    {"colorEnd", EmitterValue::kVector},
-    {"blendingSrc", EmitterValue::kSourceFactor},
-    {"blendingDst", EmitterValue::kDestinationFactor},
-};
-
-bool isBlendFactor(int code, bool isSource) {
-    const bool isShared =
-        code == GL_ZERO || code == GL_ONE || (code >= GL_SRC_ALPHA && code <= GL_ONE_MINUS_DST_ALPHA);
-    const bool isOfSource = code >= GL_DST_COLOR && code <= GL_SRC_ALPHA_SATURATE;
-    const bool isOfDestination = code == GL_SRC_COLOR || code == GL_ONE_MINUS_SRC_COLOR;
-    return isShared || (isSource ? isOfSource : isOfDestination);
-}
-
-const TiXmlElement *emitterRoot(const TiXmlDocument &document) {
-    const TiXmlElement *root = document.RootElement();
-    return root && std::strcmp(root->Value(), "emitter") == 0 ? root : nullptr;
-}
-
-}  // namespace keltra
-
 bool KTEMITTER::load(const char *filename) {
     setNumberOfParticles(0);
     setTexture(nullptr);
     setTexture(new (std::nothrow) KTTEXTURE);
+    keltra::LoadScope scope("KTEMITTER::load", filename);
+    if (!filename) return scope.failNull("filename");
     TiXmlDocument document;
-    if (!keltra::loadXmlDocument(filename, document)) return false;
+    if (!keltra::loadXmlDocument(filename, document, &scope)) return false;
+    keltra::checkEmitter(document, scope);
     const TiXmlElement *root = keltra::emitterRoot(document);
     if (!root) return true;
-    for (const TiXmlElement *child = root->FirstChildElement(); child; child = child->NextSiblingElement())
+    for (const TiXmlElement *child = root->FirstChildElement(); child; child = child->NextSiblingElement()) {
+        scope.setLine(keltra::xmlLine(*child));
         readSetting(*this, *child);
+    }
     colorDelta = colorEnd - colorStart;
     return true;
 }

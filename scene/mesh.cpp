@@ -6,8 +6,12 @@
 #include <algorithm>
 #include <new>
 
+#include "formats/limits.h"
 #include "foundation/block.h"
 #include "scene/node_class.h"
+
+static_assert(KTMESH::maxSkins == keltra::kMaxSkins && KTMESH::maxBones == keltra::kMaxSkinBones,
+              "as the checks of scene files say");
 
 const unsigned int KTMESH::maxSkins;
 const unsigned int KTMESH::maxBones;

@@ -9,6 +9,7 @@
 #include <new>
 
 #include "formats/limits.h"
+#include "formats/scene_faults.h"
 #include "formats/trusted_record.h"
 #include "foundation/block.h"
 #include "math/fixed.h"
@@ -48,6 +49,13 @@ struct MeshLayout {
         end = faceNormals + record.faceCount * keltra::kVectorSize;
     }
 };
+
+void warnOfMaterial(const keltra::MeshRecord &record) {
+    keltra::NearestName nearest(record.material);
+    for (KTMATERIAL *known = KTMATERIAL::getFirst(); known; known = known->getNext())
+        nearest.offer(known->getName());
+    keltra::warnFault("KTMESH::load", keltra::unknownMaterial(record.name, record.material, nearest.name()));
+}
 
 bool buildGeometry(KTMESH &mesh, const keltra::MeshRecord &record) {
     const MeshLayout layout(record);
@@ -113,6 +121,7 @@ bool build(KTMESH &mesh, const keltra::MeshRecord &record, KTMATERIAL *material)
     mesh.setRotation(R3XVECTOR3D(record.rotation));
     mesh.setOrigin(R3XVECTOR3D(record.origin));
     mesh.setMaterial(material);
+    if (!material && *record.material) warnOfMaterial(record);
     mesh.radius = record.radius;
     mesh.minimum.set(record.minimum);
     mesh.maximum.set(record.maximum);

@@ -35,13 +35,15 @@ struct Resources {
                                         KTSHADER::findByName};
     keltra::NameIndex<KTMATERIAL> materials{[](const KTMATERIAL &one) -> const char * { return one.name; },
                                             KTMATERIAL::findByName};
+    keltra::NameTable missing;  // textures that could not be read, which is told once
 };
 
-// The texture of that file; null when it cannot be read.
+// The texture of that file; null when it cannot be read, which is told as a warning.
 KTTEXTURE *acquireTexture(Resources &resources, const char *name) {
     if (KTTEXTURE *known = resources.textures.find(name)) return known;
     KTTEXTURE *texture = new (std::nothrow) KTTEXTURE;
     if (!texture) return nullptr;
+    const keltra::FaultOptional optional;
     if (!texture->load(name)) {
         keltra::UnseenTexture::destroy(texture);
         return nullptr;
@@ -80,7 +82,8 @@ KTSHADER *acquireShader(Resources &resources, const char *name) {
 bool buildMaterial(Resources &resources, const keltra::MaterialRecord &record) {
     KTTEXTURE *texture = nullptr, *normalMap = nullptr;
     if (std::strcmp(record.texture, kNone) != 0) {
-        texture = acquireTexture(resources, record.texture);
+        if (!resources.missing.find(record.texture)) texture = acquireTexture(resources, record.texture);
+        if (!texture) resources.missing.add(record.texture, &resources);
         normalMap = acquireNormalMap(resources, record.texture);
     }
     KTSHADER *shader =

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "foundation/block.h"
+#include "foundation/fault.h"
 #include "math/fixed.h"
 #include "scene/bone_finder.h"
 #include "scene/skin_kernel.h"
@@ -38,7 +39,7 @@ void fillShaderBones(unsigned int boneCount) {
 }  // namespace
 
 bool KTMESH::resetBones(KTNODE *root) {
-    if (!root) return false;
+    if (!root) return keltra::failNull("KTMESH::resetBones", "root");
     keltra::BoneFinder(root).bind(*this);
     return true;
 }

@@ -1,6 +1,7 @@
 #include "examples/support/example.h"
 
 #include <SDL.h>
+#include <keltra/fault.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -12,9 +13,16 @@ namespace {
 
 constexpr int kShotFrames = 60;
 
+void printFault(const KTFAULT *fault, void *) {
+    char sentence[1024];
+    KTFAULTS::format(fault, sentence, sizeof sentence);
+    std::fprintf(stderr, "%s\n", sentence);
+}
+
 }  // namespace
 
 bool parse(int argc, char **argv, const char *description, Options *options, int *exitCode) {
+    KTFAULTS::setHandler(printFault, nullptr);
     options->data = KELTRA_EXAMPLE_DATA;
     CLI::App app(description);
     app.add_option("--frames", options->frames, "Frames to draw; until the window is closed when left out")

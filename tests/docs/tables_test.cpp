@@ -6,11 +6,12 @@
 #include <map>
 #include <set>
 
-#include "core/settings_file.h"
+#include "core/settings_members.h"
+#include "formats/emitter.h"
+#include "formats/gui.h"
 #include "formats/kerning.h"
-#include "gui/gui_file.h"
+#include "formats/settings.h"
 #include "math/fixed.h"
-#include "scene/emitter_file.h"
 #include "tests/docs/document.h"
 
 namespace keltra::test {
@@ -22,11 +23,13 @@ using Names = std::vector<std::string>;
 TEST(TablesTest, SettingsKeysHaveTheirKindsAndDefaults) {
     const KTSETTINGS settings;
     std::map<std::string, Names> keys;
-    for (const SettingsKey &key : kSettingsKeys) {
+    for (std::size_t i = 0; i < kSettingsKeyCount; ++i) {
         const auto &record = settings.record;
-        if (key.integer) keys[key.name] = {"integer", std::to_string(record.*key.integer)};
-        if (key.boolean) keys[key.name] = {"boolean", record.*key.boolean ? "1" : "0"};
-        if (key.text) keys[key.name] = {"string", record.*key.text};
+        const SettingMember member = settingMember(i);
+        Names &key = keys[kSettingsKeys[i].name];
+        if (member.integer) key = {"integer", std::to_string(record.*member.integer)};
+        if (member.boolean) key = {"boolean", record.*member.boolean ? "1" : "0"};
+        if (member.text) key = {"string", record.*member.text};
     }
     const auto rows = readDocument("docs/formats/settings.md").table("## Keys");
     EXPECT_EQ(rows.size(), keys.size());
@@ -40,9 +43,9 @@ TEST(TablesTest, SettingsKeysHaveTheirKindsAndDefaults) {
 }
 
 Names attributesOf(EmitterValue kind) {
-    if (kind == EmitterValue::kSize) return {"x", "y"};
-    if (kind == EmitterValue::kVector) return {"x", "y", "z"};
-    return {"value"};
+    Names names;
+    for (const char *const *name = emitterAttributes(kind); *name; ++name) names.push_back(*name);
+    return names;
 }
 
 TEST(TablesTest, EmitterElementsHaveTheirAttributes) {
@@ -63,12 +66,13 @@ TEST(TablesTest, EmitterElementsHaveTheirAttributes) {
 TEST(TablesTest, InterfaceElementsHaveTheirAttributes) {
     const Document document = readDocument("docs/formats/gui.md");
     for (const auto &row : document.table("## Objects"))
-        for (const std::string &name : quoted(row[0])) EXPECT_TRUE(isGuiObject(name.c_str())) << name;
+        for (const std::string &name : quoted(row[0])) EXPECT_GE(guiObject(name.c_str()), 0) << name;
     for (const auto &row : document.table("## Properties")) {
-        const char *const *attributes = guiAttributes(quoted(row[0]).at(0).c_str());
-        ASSERT_TRUE(attributes) << row[0];
+        const int property = guiProperty(quoted(row[0]).at(0).c_str());
+        ASSERT_GE(property, 0) << row[0];
         Names names;
-        for (; *attributes; ++attributes) names.push_back(*attributes);
+        for (const char *const *attribute = kGuiProperties[property].attributes; *attribute; ++attribute)
+            names.push_back(*attribute);
         EXPECT_THAT(quoted(row[1]), ElementsAreArray(names)) << row[0];
     }
 }

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/fault.h"
 #include "tests/support/engine_fixture.h"
 #include "tests/support/temp_file.h"
 
@@ -50,9 +51,9 @@ class FaultTableTest : public EngineTest {
             EXPECT_EQ(fault->byte, row.byte);
             EXPECT_EQ(fault->line, row.line);
             EXPECT_STRNE(fault->call, "");
-#if KELTRA_FAULT_TEXTS
-            if (row.sentence) EXPECT_EQ(sentenceOf(*fault), expected(row));
-#endif
+            if (kFaultTexts && row.sentence) {
+                EXPECT_EQ(sentenceOf(*fault), expected(row));
+            }
         }
     }
 

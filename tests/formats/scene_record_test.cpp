@@ -53,8 +53,8 @@ class SceneRecordTest : public testing::Test {
         SceneFault fault = {};
         EXPECT_FALSE(checkScene(bytes.data(), bytes.size(), fault));
         EXPECT_EQ(fault.offset, offset);
-        EXPECT_STREQ(fault.field, field);
-        EXPECT_STREQ(fault.reason, reason);
+        EXPECT_STREQ(fault.field, faultText(field));
+        EXPECT_STREQ(fault.reason, faultText(reason));
         expectSameVerdict("kte", bytes, false);
     }
 
@@ -148,7 +148,7 @@ TEST_F(SceneRecordTest, NothingIsNoScene) {
     SceneFault fault = {};
     EXPECT_FALSE(checkScene(nullptr, 0, fault));
     EXPECT_FALSE(checkScene(nullptr, 1000, fault));
-    EXPECT_STREQ(fault.field, "magic");
+    EXPECT_STREQ(fault.field, faultText("magic"));
 }
 
 }  // namespace

@@ -18,7 +18,10 @@ using keltra::test::TempFolder;
 
 class FaultTest : public ::testing::Test {
    protected:
-    void SetUp() override { KTFAULTS::clear(); }
+    void SetUp() override {
+        if (!kFaultTexts) GTEST_SKIP() << "there are no sentences";
+        KTFAULTS::clear();
+    }
     void TearDown() override { KTFAULTS::setHandler(nullptr, nullptr); }
 
     static std::string sentenceOf(const KTFAULT *fault) {
@@ -204,6 +207,16 @@ TEST_F(FaultTest, WithoutHandlerAndEnvironmentNothingIsPrinted) {
     failNull("KTNODE::link", "parent");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST(FaultCodesTest, ACodeAndWhatWasFoundAreThereInAnyBuild) {
+    KTFAULTS::clear();
+    failNull("KTNODE::link", "parent");
+    char text[256];
+    KTFAULTS::format(KTFAULTS::getLast(), text, sizeof text);
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_NULL);
+    EXPECT_STREQ(KTFAULTS::getLast()->call, "KTNODE::link");
+    EXPECT_STREQ(text, kFaultTexts ? "KTNODE::link: `parent` is null" : "KTNODE::link: fault 1");
 }
 
 }  // namespace

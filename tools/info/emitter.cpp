@@ -1,27 +1,15 @@
-#include "scene/emitter_file.h"
-
 #include <tinyxml.h>
 
 #include <algorithm>
-#include <cstring>
 
+#include "formats/emitter.h"
+#include "formats/xml_check.h"
 #include "formats/xml_document.h"
 #include "tools/info/kinds.h"
 
 namespace keltra::info {
 
 namespace {
-
-const EmitterSetting *findSetting(const char *name) {
-    for (const EmitterSetting &setting : kEmitterSettings)
-        if (std::strcmp(setting.name, name) == 0) return &setting;
-    return nullptr;
-}
-
-const char *attributesOf(EmitterValue kind) {
-    if (kind == EmitterValue::kSize) return "xy";
-    return kind == EmitterValue::kVector ? "xyz" : "";
-}
 
 // What the engine takes from one attribute. Null for one that is missing, which leaves its value.
 Fields valueOf(EmitterValue kind, const char *text) {
@@ -41,39 +29,19 @@ Fields valueOf(EmitterValue kind, const char *text) {
 }
 
 Fields valueOf(const TiXmlElement &element, EmitterValue kind) {
-    const char *components = attributesOf(kind);
-    if (!*components) return valueOf(kind, element.Attribute("value"));
+    const char *const *names = emitterAttributes(kind);
+    if (!names[1]) return valueOf(kind, element.Attribute(*names));
     Fields values = Fields::array();
-    for (; *components; ++components) {
-        const char name[] = {*components, '\0'};
-        values.push_back(valueOf(kind, element.Attribute(name)));
-    }
+    for (; *names; ++names) values.push_back(valueOf(kind, element.Attribute(*names)));
     return values;
 }
 
-void noteAttributes(const TiXmlElement &element, EmitterValue kind, Inspection &result) {
-    const char *components = attributesOf(kind);
-    for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
-         attribute = attribute->Next()) {
-        const std::string name = attribute->Name();
-        const bool isComponent = name.size() == 1 && std::strchr(components, name[0]);
-        if (*components ? !isComponent : name != "value")
-            note(result, "the attribute " + quoted(name) + " of " + quoted(element.Value()) + " is not read");
-    }
-}
-
 void describe(const TiXmlElement &element, const Source &source, Inspection &result, Fields &settings) {
-    const EmitterSetting *setting = findSetting(element.Value());
-    if (!setting)
-        return note(result, "the element " + quoted(element.Value()) + " is not known and is skipped");
+    const EmitterSetting *setting = findEmitterSetting(element.Value());
+    if (!setting) return;
     const Fields value = valueOf(element, setting->kind);
-    noteAttributes(element, setting->kind, result);
-    const bool isSource = setting->kind == EmitterValue::kSourceFactor;
-    const bool isFactor = isSource || setting->kind == EmitterValue::kDestinationFactor;
-    if (isFactor && value.is_number() && !isBlendFactor(value.get<int>(), isSource))
-        note(result, std::string(setting->name) + " is no blend factor of that side and is skipped");
     if (setting->kind == EmitterValue::kText && value.is_string())
-        noteMissing(result, source, "the texture", value.get<std::string>());
+        addMissing(result, source, value.get<std::string>(), xmlLine(element));
     settings.push_back({{"setting", setting->name}, {"value", value}});
 }
 
@@ -86,8 +54,10 @@ void inspectEmitter(const Source &source, Inspection &result) {
         return setTextFlaw(result, source, fault);
     result.good = true;
     result.fields["bytes"] = source.size;
+    Faults faults(result);
+    checkEmitter(document, faults);
     const TiXmlElement *root = emitterRoot(document);
-    if (!root) return note(result, "the root is not \"emitter\": nothing is loaded");
+    if (!root) return;
     Fields settings = Fields::array();
     for (const TiXmlElement *child = root->FirstChildElement(); child; child = child->NextSiblingElement())
         describe(*child, source, result, settings);

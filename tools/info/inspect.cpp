@@ -11,7 +11,8 @@ namespace keltra::info {
 
 namespace {
 
-const std::size_t kMostNotes = 100;
+const char kLeftOut[] = "more faults are left out";
+const std::size_t kMostNotes = 100;  // and faults
 
 void inspectKind(FileKind kind, const Source &source, Inspection &result) {
     switch (kind) {
@@ -63,21 +64,38 @@ std::string quoted(const std::string &name) {
     return '"' + name.substr(0, kLongest) + (name.size() > kLongest ? "...\"" : "\"");
 }
 
-void noteMissing(Inspection &result, const Source &source, const std::string &what, const std::string &name) {
+void addFault(Inspection &result, const KTFAULT &fault) {
+    if (result.faults.size() < kMostNotes)
+        result.faults.push_back(fault);
+    else if (result.notes.empty() || result.notes.back() != kLeftOut)
+        note(result, kLeftOut);
+}
+
+void addMissing(Inspection &result, const Source &source, const std::string &name, unsigned int line) {
     if (source.folder.empty()) return;
+    const std::string path = source.folder + (source.folder.back() == '/' ? "" : "/") + name;
     std::error_code error;
-    if (std::filesystem::is_regular_file(source.folder + "/" + name, error)) return;
-    note(result, what + " " + quoted(name) + " is not beside the file");
+    if (std::filesystem::is_regular_file(path, error)) return;
+    KTFAULT fault =
+        newFault(std::filesystem::exists(path, error) ? KT_FAULT_FILE_KIND : KT_FAULT_FILE_MISSING);
+    fault.severity = KT_FAULT_WARNING;
+    setFaultPath(fault.file, path.c_str());
+    fault.neededByLine = line;
+    addFault(result, fault);
 }
 
 void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix) {
     result.good = false;
-    const KTFAULT told = toPublic(fault);
-    result.flaw = {fault.offset, 0, 0, prefix + fault.field, told.expected, told.found};
+    KTFAULT told = toPublic(fault);
+    result.flaw = {fault.offset, 0, 0, prefix + fault.field, told.expected};
+    setFaultText(told.field, result.flaw.field.c_str());
+    addFault(result, told);
 }
 
 void setTextFlaw(Inspection &result, const Source &source, const Fault &fault) {
     setFlaw(result, fault);
+    result.faults.back().byte = -1;
+    result.faults.back().line = lineAt(source.bytes, source.size, fault.offset);
     Flaw &flaw = result.flaw;
     flaw.line = flaw.column = 1;
     for (std::size_t i = 0; i < fault.offset && i < source.size; ++i) {
@@ -87,6 +105,18 @@ void setTextFlaw(Inspection &result, const Source &source, const Fault &fault) {
         flaw.column = ends ? 1 : flaw.column + 1;
     }
 }
+
+namespace {
+
+// The engine looks at the size before it looks at what is missing.
+void tellEmpty(std::size_t size, Inspection &result) {
+    if (size != 0) return;
+    KTFAULT fault = newFault(KT_FAULT_FILE_EMPTY);
+    if (result.good) fault.severity = KT_FAULT_WARNING;
+    result.faults.assign(1, fault);
+}
+
+}  // namespace
 
 Inspection inspect(FileKind kind, const void *bytes, std::size_t size, const std::string &folder) {
     Inspection result;
@@ -98,6 +128,7 @@ Inspection inspect(FileKind kind, const void *bytes, std::size_t size, const std
         result.kind = kind;
         setFlaw(result, {0, "file", "out of memory"});
     }
+    tellEmpty(size, result);
     return result;
 }
 

@@ -1,6 +1,8 @@
 #ifndef KELTRA_INFO_INSPECTION_H
 #define KELTRA_INFO_INSPECTION_H
 
+#include <keltra/fault.h>
+
 #include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -25,7 +27,6 @@ struct Flaw {
     std::size_t offset = 0;
     std::size_t line = 0, column = 0;
     std::string field, reason;
-    std::string found;  // empty when there is nothing to show
 };
 
 // Insertion order is what is printed. Texts in it are the file's own bytes, whatever they are; lists of
@@ -38,6 +39,9 @@ struct Inspection {
     Flaw flaw;                         // of a bad file
     Fields fields = Fields::object();  // of a bad file: what comes before the flaw
     std::vector<std::string> notes;    // what the engine takes and a person might not have meant
+    // What makes the file bad, or what the engine goes on without, as the engine tells it; the texts stand in
+    // for the file itself where `file` is empty.
+    std::vector<KTFAULT> faults;
 };
 
 }  // namespace keltra::info

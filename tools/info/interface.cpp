@@ -1,20 +1,14 @@
 #include <tinyxml.h>
 
-#include <cstring>
-
+#include "formats/gui.h"
+#include "formats/limits.h"
+#include "formats/xml_check.h"
 #include "formats/xml_document.h"
-#include "gui/gui_file.h"
 #include "tools/info/kinds.h"
 
 namespace keltra::info {
 
 namespace {
-
-bool isOneOf(const char *name, const char *const *names) {
-    for (; *names; ++names)
-        if (std::strcmp(name, *names) == 0) return true;
-    return false;
-}
 
 class Description {
    public:
@@ -32,9 +26,6 @@ class Description {
     void finish() {
         result.fields["totals"] = {{"objects", objects}, {"properties", properties}, {"bytes", source.size}};
         result.fields["elements"] = std::move(elements);
-        if (objects > kGuiObjects)
-            note(result, std::to_string(objects) + " objects; those beyond " + std::to_string(kGuiObjects) +
-                             " are left out");
     }
 
    private:
@@ -43,44 +34,24 @@ class Description {
         for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
              attribute = attribute->Next())
             attributes[attribute->Name()] = attribute->Value();
-        const char *const *known = guiAttributes(element.Value());
-        const bool isObject = isGuiObject(element.Value());
-        objects += isObject;
-        properties += known != nullptr;
-        if (known) {
-            noteAttributes(element, attributes, known);
-            noteFiles(element);
-        } else {
-            if (!isObject)
-                note(result, "the element " + quoted(element.Value()) + " is not known and makes nothing");
-            for (const auto &attribute : attributes.items())
-                note(result, "the attribute " + quoted(attribute.key()) + " of " + quoted(element.Value()) +
-                                 " is not read");
-        }
+        const bool isProperty = guiProperty(element.Value()) >= 0;
+        const bool isObject = guiObject(element.Value()) >= 0;
+        if (isObject && ++objects == kGuiObjects + 1) addFault(result, tooManyObjects(element));
+        properties += isProperty;
+        if (isProperty) addFiles(element);
         elements.push_back({{"level", level},
                             {"element", element.Value()},
-                            {"kind", isObject ? "object"
-                                     : known  ? "property"
-                                              : "unknown"},
+                            {"kind", isObject     ? "object"
+                                     : isProperty ? "property"
+                                                  : "unknown"},
                             {"attributes", std::move(attributes)}});
     }
 
-    void noteAttributes(const TiXmlElement &element, const Fields &attributes, const char *const *known) {
-        for (const auto &attribute : attributes.items())
-            if (!isOneOf(attribute.key().c_str(), known))
-                note(result, "the attribute " + quoted(attribute.key()) + " of " + quoted(element.Value()) +
-                                 " is not read");
-        for (; *known; ++known)
-            if (!element.Attribute(*known))
-                note(result, quoted(element.Value()) + " is skipped without its attribute " + quoted(*known));
-    }
-
-    void noteFiles(const TiXmlElement &element) {
+    void addFiles(const TiXmlElement &element) {
+        const int property = guiProperty(element.Value());
         const char *file = element.Attribute("value");
-        if (!file) return;
-        if (std::strcmp(element.Value(), "texture") == 0) noteMissing(result, source, "the texture", file);
-        if (std::strcmp(element.Value(), "kerning") == 0)
-            noteMissing(result, source, "the kerning file", file);
+        if (file && (property == kGuiTexture || property == kGuiKerning))
+            addMissing(result, source, file, xmlLine(element));
     }
 
     const Source &source;
@@ -97,8 +68,10 @@ void inspectInterface(const Source &source, Inspection &result) {
     if (!parseXmlDocument(source.bytes, source.size, document, &fault))
         return setTextFlaw(result, source, fault);
     const TiXmlElement *root = guiRoot(document);
-    if (!root) return setTextFlaw(result, source, {0, "root", "the document has no element of this name"});
+    if (!root) return setTextFlaw(result, source, guiRootMissing());
     result.good = true;
+    Faults faults(result);
+    checkGui(*root, faults, true);
     Description description(source, result);
     description.read(root, 0);
     description.finish();

@@ -16,13 +16,14 @@ namespace info = keltra::info;
 struct Arguments {
     std::vector<std::string> files;
     std::string kind;
-    bool json = false, check = false;
+    bool json = false, check = false, strict = false;
 };
 
 const char kExamples[] =
     "Examples:\n"
     "  keltra-info hero.kte                  what is in a scene\n"
     "  keltra-info --check data/*            which files the engine takes\n"
+    "  keltra-info --check --strict data/*   and which of them lack something\n"
     "  keltra-info --json hero.kte hero.kta  for another program\n"
     "  keltra-info --as settings user.txt    the keys as the engine reads them\n";
 
@@ -35,7 +36,11 @@ void describe(CLI::App &app, Arguments &arguments) {
     app.add_option("--as", arguments.kind, "Takes the files for this kind, whatever is in them")
         ->check(CLI::IsMember(info::kindNames()));
     app.add_flag("--json", arguments.json, "Prints one JSON document");
-    app.add_flag("--check", arguments.check, "Prints one line a file: good, or where and why it is bad");
+    CLI::Option *check =
+        app.add_flag("--check", arguments.check, "Prints one line a file: good, or where and why it is bad");
+    app.add_flag("--strict", arguments.strict,
+                 "With --check: a file is also bad when something in it is missing or not known")
+        ->needs(check);
     app.set_version_flag("--version", "keltra-info " KELTRA_VERSION);
     app.footer(kExamples);
 }
@@ -52,9 +57,12 @@ info::Answer answerFor(const std::string &file, const std::string &kind) {
     return answer;
 }
 
-void print(const info::Answer &answer, bool verdictsOnly) {
+void print(const info::Answer &answer, const Arguments &arguments) {
+    const bool verdictsOnly = arguments.check;
     const bool showsContents = answer.isGood() && !verdictsOnly;
-    const std::string text = showsContents ? info::table(answer) : info::verdictLine(answer);
+    const std::string text = showsContents      ? info::table(answer)
+                             : arguments.strict ? info::strictLines(answer)
+                                                : info::verdictLine(answer);
     // Verdicts are what was asked for, and otherwise a bad file is an error.
     std::fputs(text.c_str(), answer.isGood() || verdictsOnly ? stdout : stderr);
 }
@@ -64,11 +72,11 @@ int run(const Arguments &arguments) {
     std::vector<info::Answer> answers;
     for (const std::string &file : arguments.files) {
         info::Answer answer = answerFor(file, arguments.kind);
-        allGood = allGood && answer.isGood();
+        allGood = allGood && (arguments.strict ? answer.isFaultless() : answer.isGood());
         if (arguments.json)
             answers.push_back(std::move(answer));
         else
-            print(answer, arguments.check);
+            print(answer, arguments);
     }
     if (arguments.json) std::fputs(info::jsonText(answers, arguments.check).c_str(), stdout);
     if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return allGood ? 0 : 1;

@@ -40,8 +40,19 @@ void note(Inspection &result, const std::string &text);
 std::string counted(std::size_t count, const std::string &noun);
 // A name in quotes, for a note.
 std::string quoted(const std::string &name);
-// Notes a file that is named but is not there.
-void noteMissing(Inspection &result, const Source &source, const std::string &what, const std::string &name);
+// Beyond a hundred they are dropped, and a note says so.
+void addFault(Inspection &result, const KTFAULT &fault);
+// Adds a fault for a file that is named, in that line, but is not there.
+void addMissing(Inspection &result, const Source &source, const std::string &name, unsigned int line = 0);
+// Takes what the parsers warn of.
+class Faults final : public FaultSink {
+   public:
+    explicit Faults(Inspection &result) : result(result) {}
+    void warn(KTFAULT &fault) override { addFault(result, fault); }
+
+   private:
+    Inspection &result;
+};
 void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix = "");
 // The same with line and column.
 void setTextFlaw(Inspection &result, const Source &source, const Fault &fault);

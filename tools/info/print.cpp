@@ -1,5 +1,7 @@
 #include "tools/info/print.h"
 
+#include "formats/fault.h"
+
 #include <cstdio>
 
 namespace keltra::info {
@@ -39,6 +41,21 @@ std::string place(const Flaw &flaw) {
     return text;
 }
 
+Fields faultFields(const KTFAULT &fault, const std::string &file) {
+    Fields fields = {{"severity", fault.severity == KT_FAULT_ERROR ? "error" : "warning"},
+                     {"code", fault.code},
+                     {"sentence", sentenceOf(fault, file)}};
+    if (fault.line) fields["line"] = fault.line;
+    if (fault.byte >= 0) fields["byte"] = fault.byte;
+    const std::pair<const char *, const char *> texts[] = {{"missing", fault.file},
+                                                           {"field", fault.field},
+                                                           {"found", fault.found},
+                                                           {"expected", fault.expected}};
+    for (const auto &[name, text] : texts)
+        if (*text) fields[name] = text;
+    return fields;
+}
+
 Fields jsonOf(const Answer &answer, bool verdictsOnly) {
     const Inspection &inspection = answer.inspection;
     Fields file = {{"file", answer.file}, {"good", answer.isGood()}};
@@ -50,9 +67,11 @@ Fields jsonOf(const Answer &answer, bool verdictsOnly) {
     if (!inspection.good) {
         const Flaw &flaw = inspection.flaw;
         file["fault"] = {{"offset", flaw.offset}, {"field", flaw.field}, {"reason", flaw.reason}};
-        if (!flaw.found.empty()) file["fault"]["found"] = flaw.found;
         if (flaw.line) file["fault"].update({{"line", flaw.line}, {"column", flaw.column}});
     }
+    Fields faults = Fields::array();
+    for (const KTFAULT &fault : inspection.faults) faults.push_back(faultFields(fault, answer.file));
+    if (!faults.empty()) file["faults"] = std::move(faults);
     if (verdictsOnly) return file;
     file["contents"] = inspection.fields;
     file["notes"] = inspection.notes;
@@ -81,13 +100,29 @@ std::string printable(const std::string &text) {
     return result;
 }
 
+std::string sentenceOf(const KTFAULT &fault, const std::string &file) {
+    KTFAULT whole = fault;
+    setFaultPath(*whole.file ? whole.neededBy : whole.file, file.c_str());
+    std::string text(faultSentence(whole, nullptr, 0), '\0');
+    faultSentence(whole, text.data(), text.size() + 1);
+    return text;
+}
+
+std::string strictLines(const Answer &answer) {
+    if (!answer.trouble.empty() || (answer.inspection.good && answer.inspection.faults.empty()))
+        return verdictLine(answer);
+    std::string lines;
+    for (const KTFAULT &fault : answer.inspection.faults)
+        lines += printable(sentenceOf(fault, answer.file)) + "\n";
+    return lines;
+}
+
 std::string verdictLine(const Answer &answer) {
     const std::string file = printable(answer.file) + ": ";
     if (!answer.trouble.empty()) return file + printable(answer.trouble) + "\n";
     const Flaw &flaw = answer.inspection.flaw;
     if (answer.inspection.good) return file + "good\n";
-    return file + place(flaw) + ": " + printable(flaw.field) + ": " + printable(flaw.reason) +
-           (flaw.found.empty() ? "" : " (found " + printable(flaw.found) + ")") + "\n";
+    return file + place(flaw) + ": " + printable(flaw.field) + ": " + printable(flaw.reason) + "\n";
 }
 
 std::string jsonText(const std::vector<Answer> &answers, bool verdictsOnly) {

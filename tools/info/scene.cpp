@@ -1,13 +1,13 @@
 #include "formats/scene_record.h"
 
-#include <keltra/light.h>
-#include <keltra/mesh.h>
-
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <set>
 #include <string_view>
 
+#include "formats/limits.h"
+#include "formats/scene_faults.h"
 #include "tools/info/kinds.h"
 
 namespace keltra::info {
@@ -20,11 +20,11 @@ const char kNone[] = "[none]";
 
 std::string lightKind(unsigned int type) {
     switch (type) {
-        case KT_LIGHT_POINT:
+        case kPointLight:
             return "point";
-        case KT_LIGHT_DIRECTIONAL:
+        case kDirectionalLight:
             return "directional";
-        case KT_LIGHT_SPOT:
+        case kSpotLight:
             return "spot";
         default:
             return std::to_string(type);
@@ -49,7 +49,7 @@ class Description : public SceneVisitor {
         if (*record.name == '\0')
             note(result, "material[" + std::to_string(materialCount - 1) + "] has no name");
         if (std::strcmp(record.texture, kNone) != 0 && textures.insert(record.texture).second)
-            noteMissing(result, source, "the texture", record.texture);
+            addMissing(result, source, record.texture);
         if (materialList.size() >= kMostListed) return;
         materialList.push_back({{"name", record.name},
                                 {"texture", record.texture},
@@ -104,8 +104,7 @@ class Description : public SceneVisitor {
         count(record);
         if (*record.material && !materials.count(record.material) &&
             unknownMaterials.insert(record.material).second)
-            note(result, "mesh " + quoted(record.name) + ": the material " + quoted(record.material) +
-                             " is not in the table");
+            addUnknownMaterial(record);
     }
 
     void end(std::size_t offset) override {
@@ -148,6 +147,12 @@ class Description : public SceneVisitor {
         return {{"level", level}, {"name", name}, {"type", type}, {"children", children}};
     }
 
+    void addUnknownMaterial(const MeshRecord &record) {
+        NearestName nearest(record.material);
+        for (std::string_view known : materials) nearest.offer(known.data());
+        addFault(result, unknownMaterial(record.name, record.material, nearest.name()));
+    }
+
     void list(Fields &&node) {
         if (nodeList.size() < kMostListed) nodeList.push_back(std::move(node));
     }
@@ -165,17 +170,18 @@ class Description : public SceneVisitor {
         const char *name = record.boneNames;
         for (unsigned int i = 0; i < record.boneCount; ++i, name += std::strlen(name) + 1) {
             names.push_back(name);
-            wanted.insert(name);
+            wanted.emplace(name, record.name);
         }
         return names;
     }
 
     void noteBones() {
-        for (std::string_view bone : wanted) {
+        for (const auto &[bone, mesh] : wanted) {
             if (meshNames.count(bone)) continue;
-            const std::string text = "the bone " + quoted(std::string(bone));
-            note(result, others.count(bone) ? text + " is no mesh and moves nothing"
-                                            : text + " has no node in the file");
+            if (others.count(bone))
+                note(result, "the bone " + quoted(std::string(bone)) + " is no mesh and moves nothing");
+            else
+                addFault(result, unknownBone(mesh, bone.data()));
         }
     }
 
@@ -187,7 +193,8 @@ class Description : public SceneVisitor {
                 unnamed = 0;
     Fields materialList = Fields::array(), nodeList = Fields::array();
     // Names of the file, which stay where they are.
-    std::set<std::string_view> materials, textures, unknownMaterials, meshNames, others, wanted;
+    std::set<std::string_view> materials, textures, unknownMaterials, meshNames, others;
+    std::map<std::string_view, const char *> wanted;  // bones, each with a mesh
 };
 
 }  // namespace

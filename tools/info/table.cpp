@@ -152,6 +152,8 @@ std::string table(const Answer &answer) {
     const Inspection &inspection = answer.inspection;
     std::string text = printable(answer.file) + ": " + kindName(inspection.kind) + "\n";
     for (const auto &field : inspection.fields.items()) text += fieldText(field.key(), field.value());
+    for (const KTFAULT &fault : inspection.faults)
+        text += "  warning: " + printable(sentenceOf(fault, answer.file)) + "\n";
     for (const std::string &note : inspection.notes) text += "  note: " + printable(note) + "\n";
     return text;
 }

@@ -1,7 +1,7 @@
 #include <cstring>
 
-#include "core/settings_file.h"
 #include "formats/kerning.h"
+#include "formats/settings.h"
 #include "tools/info/kinds.h"
 
 namespace keltra::info {
@@ -22,19 +22,6 @@ class Text {
     }
     vnfParser &get() { return parser; }
 
-    // Calls `visit` with the number of each line that is not empty, and its text without blanks.
-    template <class Visit>
-    void forEachLine(Visit visit) {
-        char line[256];
-        parser.position = 0;
-        for (unsigned int number = 1; vnfReadLine(&parser, line); ++number) {
-            std::string squeezed;
-            for (const char *c = line; *c; ++c)
-                if (!std::strchr(" \t\r", *c)) squeezed += *c;
-            if (!squeezed.empty()) visit(number, squeezed);
-        }
-    }
-
    private:
     std::vector<char> bytes;
     vnfParser parser = {};
@@ -46,32 +33,21 @@ bool isTooLarge(const Source &source, Inspection &result) {
     return true;
 }
 
-// The first line with a key counts, so each line that has none, or has one that was met before, is in vain.
-template <class Keys>
-void noteLines(Text &text, const Keys &keys, Inspection &result) {
-    std::vector<bool> met(keys.size());
-    text.forEachLine([&](unsigned int number, const std::string &line) {
-        bool known = false, fresh = false;
-        for (std::size_t i = 0; i < keys.size(); ++i) {
-            if (line.find(keys[i]) == std::string::npos) continue;
-            known = true;
-            fresh = fresh || !met[i];
-            met[i] = true;
-        }
-        const std::string place = "line " + std::to_string(number) + ", " + quoted(line) + ", ";
-        if (!known) note(result, place + "has no key that is known");
-        if (known && !fresh) note(result, place + "repeats a key; the first line with it counts");
-    });
-}
-
-Fields settingValue(const SettingsKey &key, const KTSETTINGS::RECORD &record) {
-    if (key.integer) return record.*key.integer;
-    if (key.boolean) return record.*key.boolean;
-    return record.*key.text;
-}
-
-bool differs(const SettingsKey &key, const KTSETTINGS::RECORD &one, const KTSETTINGS::RECORD &other) {
-    return key.text && std::strcmp(one.*key.text, other.*key.text) != 0;
+// What the engine stores of a key; null when it stores nothing.
+Fields settingValue(const vnfParser &text, const SettingKey &key) {
+    // No line holds a line feed, so it stays only where nothing is written.
+    char string[256] = "\n";
+    int integer;
+    bool boolean;
+    switch (key.kind) {
+        case SettingKind::kInteger:
+            return readSetting(text, key.name, integer) ? Fields(integer) : Fields();
+        case SettingKind::kBoolean:
+            return readSetting(text, key.name, boolean) ? Fields(boolean) : Fields();
+        default:
+            readSetting(text, key.name, string);
+            return std::strcmp(string, "\n") != 0 ? Fields(string) : Fields();
+    }
 }
 
 std::vector<std::string> kerningKeys() {
@@ -89,20 +65,14 @@ void inspectSettings(const Source &source, Inspection &result) {
     result.fields["bytes"] = source.size;
     if (isTooLarge(source, result)) return;
     Text text(source, kSettingsComment);
-    KTSETTINGS settings;
-    const KTSETTINGS defaults;
     Fields found = Fields::array();
-    std::vector<std::string> keys;
-    for (const SettingsKey &key : kSettingsKeys) {
-        const bool isThere = readSetting(text.get(), key, settings.record);
-        if (isThere || differs(key, settings.record, defaults.record))
-            found.push_back({{"key", key.name}, {"value", settingValue(key, settings.record)}});
-        if (!isThere && differs(key, settings.record, defaults.record))
-            note(result, std::string(key.name) + " has no two quotes: the raw rest of its line is taken");
-        keys.push_back(key.name);
+    for (const SettingKey &key : kSettingsKeys) {
+        const Fields value = settingValue(text.get(), key);
+        if (!value.is_null()) found.push_back({{"key", key.name}, {"value", value}});
     }
     result.fields["settings"] = found;
-    noteLines(text, keys, result);
+    Faults faults(result);
+    checkSettings(text.get(), faults);
 }
 
 // A font takes any text but an empty one.
@@ -124,7 +94,8 @@ void inspectKerning(const Source &source, Inspection &result) {
     for (const auto &[character, kerning] : found.items())
         characters.push_back({{"character", character}, {"kerning", kerning}});
     result.fields["characters"] = characters;
-    noteLines(text, keys, result);
+    Faults faults(result);
+    checkKerning(text.get(), faults);
 }
 
 }  // namespace keltra::info

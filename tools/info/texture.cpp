@@ -22,11 +22,11 @@ void describe(const Source &source, const TgaImage &image, Inspection &result) {
                      {"pixelBytes", image.kind == TgaKind::kOther ? 0 : image.bytes()},
                      // Charged at four bytes a pixel whatever the depth.
                      {"textureMemory", std::size_t{4} * image.sizeX * image.sizeY}};
-    if (image.kind == TgaKind::kOther)
-        note(result,
-             "neither an uncompressed nor a run-length true-colour file: it loads as a texture without "
-             "pixels, "
-             "which draws nothing");
+    if (image.kind == TgaKind::kOther) {
+        KTFAULT fault = toPublic(otherTgaKind());
+        fault.severity = KT_FAULT_WARNING;
+        addFault(result, fault);
+    }
     if (image.kind == TgaKind::kUncompressed && image.dataSize > image.bytes())
         note(result, counted(image.dataSize - image.bytes(), "byte") + " after the image, not read");
 }

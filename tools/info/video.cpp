@@ -73,7 +73,8 @@ Fault faultOf(const Source &source) {
     };
     const unsigned int width = byte(4) << 4 | byte(5) >> 4, height = (byte(5) & 15) << 8 | byte(6);
     if (width > kMaxTextureSize || height > kMaxTextureSize)
-        return {header, "sequence header", "pictures larger than 512 x 512 are skipped"};
+        return {header, "sequence header", "pictures larger than %ld x %ld are skipped", kMaxTextureSize,
+                kMaxTextureSize};
     return {header, "pictures", "the decoder finds none that is whole"};
 }
 

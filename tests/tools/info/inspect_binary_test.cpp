@@ -1,6 +1,7 @@
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/support/temp_file.h"
+#include "tests/tools/info/sentences.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
 #include "tools/info/inspect.h"
@@ -15,6 +16,7 @@ namespace {
 using info::FileKind;
 using info::Inspection;
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
@@ -77,11 +79,11 @@ TEST(InspectScene, NotesWhatTheEngineTakesAndNobodyMeant) {
         const char *note;
         std::function<void(formats::Scene &)> change;
     } cases[] = {
-        {"the bone \"elbow\" has no node",
+        {"it: `elbow`: unknown bone of mesh `",
          [](formats::Scene &s) { s.root.children[1].mesh.boneNames[1] = "elbow"; }},
         {"the bone \"lamp\" is no mesh",
          [](formats::Scene &s) { s.root.children[1].mesh.boneNames[1] = "lamp"; }},
-        {"the material \"moss\" is not in the table",
+        {"it: `moss`: unknown material of mesh `",
          [](formats::Scene &s) { s.root.children[1].mesh.material = "moss"; }},
         {"1 node without a name", [](formats::Scene &s) { s.root.children[0].name = ""; }},
         {"material[1] has no name", [](formats::Scene &s) { s.materials.push_back({""}); }},
@@ -104,7 +106,9 @@ TEST(InspectScene, NotesWhatTheEngineTakesAndNobodyMeant) {
         change(scene);
         const Inspection result = inspectScene(scene);
         EXPECT_TRUE(result.good) << note;
-        EXPECT_THAT(result.notes, Contains(HasSubstr(note)));
+        std::vector<std::string> told = sentencesOf(result);
+        told.insert(told.end(), result.notes.begin(), result.notes.end());
+        EXPECT_THAT(told, Contains(HasSubstr(note)));
     }
 }
 
@@ -116,10 +120,10 @@ TEST(InspectScene, NotesBytesBehindTheTree) {
 
 TEST(InspectScene, LooksForTexturesBesideTheFile) {
     const TempFolder folder;
-    EXPECT_THAT(inspectScene(skinnedScene(), folder.prefix()).notes,
-                Contains(HasSubstr("\"stone_d.tga\" is not beside")));
+    EXPECT_THAT(sentencesOf(inspectScene(skinnedScene(), folder.prefix())),
+                ElementsAre(folder.path("stone_d.tga") + " (needed by it): the file does not exist"));
     folder.write("stone_d.tga", uncompressedTga(2, 2, 24));
-    EXPECT_THAT(inspectScene(skinnedScene(), folder.prefix()).notes, IsEmpty());
+    EXPECT_THAT(inspectScene(skinnedScene(), folder.prefix()).faults, IsEmpty());
 }
 
 TEST(InspectScene, NamesTheRecordOfAFault) {
@@ -229,7 +233,7 @@ TEST(InspectTexture, AnotherKindIsGoodAndSaidToHaveNoPixels) {
     EXPECT_TRUE(result.good);
     EXPECT_EQ(result.fields["encoding"], "other");
     EXPECT_EQ(result.fields["pixelBytes"], 0);
-    EXPECT_THAT(result.notes, Contains(HasSubstr("without pixels")));
+    EXPECT_THAT(sentencesOf(result), Contains(HasSubstr("no pixels are loaded")));
 }
 
 TEST(InspectTexture, NamesWhatIsWrong) {

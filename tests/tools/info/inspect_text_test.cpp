@@ -1,4 +1,5 @@
 #include "tests/support/temp_file.h"
+#include "tests/tools/info/sentences.h"
 #include "tools/info/inspect.h"
 
 #include <gmock/gmock.h>
@@ -9,6 +10,7 @@ namespace {
 using info::FileKind;
 using info::Inspection;
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -32,10 +34,12 @@ TEST(InspectSettings, NotesLinesThatCountForNothing) {
         FileKind::kSettings,
         "KELTRA_windowX=1\n\n# KELTRA_x\r\nKELTRA_windowX=2\nKELTRA_gamma = 3\nKELTRA_ktePath=data/\n");
     EXPECT_TRUE(result.good);
-    EXPECT_THAT(result.notes, Contains(HasSubstr("line 4, \"KELTRA_windowX=2\", repeats a key")));
-    EXPECT_THAT(result.notes, Contains(HasSubstr("line 5, \"KELTRA_gamma=3\", has no key")));
-    EXPECT_THAT(result.notes, Contains(HasSubstr("KELTRA_ktePath has no two quotes")));
-    EXPECT_THAT(result.notes, SizeIs(3));
+    EXPECT_THAT(
+        sentencesOf(result),
+        ElementsAre("it, line 4: `KELTRA_windowX` is there again: the first one counts",
+                    "it, line 5: `KELTRA_gamma`: unknown key",
+                    "it, line 6: `KELTRA_ktePath`: found `data/`, expected a text between two quotes"));
+    EXPECT_THAT(result.notes, IsEmpty());
 }
 
 TEST(InspectSettings, AnythingIsASettingsFile) {
@@ -46,12 +50,12 @@ TEST(InspectSettings, AnythingIsASettingsFile) {
     EXPECT_THAT(large.notes, Contains(HasSubstr("16 MiB")));
 }
 
-TEST(InspectSettings, NotesAreLimited) {
+TEST(InspectSettings, FaultsAreLimited) {
     std::string text;
     for (int i = 0; i < 1000; ++i) text += "unknown" + std::to_string(i) + "\n";
     const Inspection result = inspectText(FileKind::kSettings, text);
-    EXPECT_THAT(result.notes, SizeIs(101));
-    EXPECT_EQ(result.notes.back(), "more notes are left out");
+    EXPECT_THAT(result.faults, SizeIs(100));
+    EXPECT_THAT(result.notes, ElementsAre("more faults are left out"));
 }
 
 TEST(InspectKerning, ListsCharactersAndUnknownLines) {
@@ -62,8 +66,10 @@ TEST(InspectKerning, ListsCharactersAndUnknownLines) {
     EXPECT_EQ(result.fields["characters"].dump(),
               "[{\"character\":\"A\",\"kerning\":44},{\"character\":\"S\",\"kerning\":2},"
               "{\"character\":\"b\",\"kerning\":-4},{\"character\":\" \",\"kerning\":9}]");
-    EXPECT_THAT(result.notes, SizeIs(1));
-    EXPECT_THAT(result.notes[0], HasSubstr("line 5, \"odd\""));
+    EXPECT_THAT(sentencesOf(result),
+                ElementsAre("it, line 1: `KELTRA_kerning_A`: found `300`, expected -128 to 127",
+                            "it, line 5: `odd`: the line cannot be read, expected a key, `=` and a value"));
+    EXPECT_THAT(result.notes, IsEmpty());
 }
 
 TEST(InspectKerning, AnEmptyFileIsRefused) {
@@ -86,12 +92,13 @@ TEST(InspectInterface, ListsTheTreeAndWhatIsNotKnown) {
     EXPECT_EQ(result.fields["elements"][1]["level"], 1);
     EXPECT_EQ(result.fields["elements"][1]["attributes"]["value"], "w");
     EXPECT_EQ(result.fields["elements"][3]["kind"], "unknown");
-    EXPECT_THAT(result.notes, Contains("the attribute \"id\" of \"window\" is not read"));
-    EXPECT_THAT(result.notes, Contains("the attribute \"shade\" of \"name\" is not read"));
-    EXPECT_THAT(result.notes, Contains("\"size\" is skipped without its attribute \"height\""));
-    EXPECT_THAT(result.notes, Contains("the element \"blob\" is not known and makes nothing"));
-    EXPECT_THAT(result.notes, Contains("the texture \"t.tga\" is not beside the file"));
-    EXPECT_THAT(result.notes, SizeIs(5));
+    EXPECT_THAT(sentencesOf(result),
+                ElementsAre("it, line 1: `id`: unknown attribute of `window`",
+                            "it, line 1: `shade`: unknown attribute of `name`",
+                            "it, line 1: `size`: attribute `height` is missing",
+                            "it, line 1: `blob`: unknown element of `window`",
+                            folder.path("t.tga") + " (needed by it, line 1): the file does not exist"));
+    EXPECT_THAT(result.notes, IsEmpty());
 }
 
 TEST(InspectInterface, EveryKnownPropertyIsQuiet) {
@@ -166,11 +173,13 @@ TEST(InspectEmitter, NotesWhatIsSkipped) {
     const Inspection result = inspectText(FileKind::kEmitter,
                                           "<emitter><wind/><blendingSrc value='768'/><blendingDst "
                                           "value='1'/><type value='1' x='2'/></emitter>");
-    EXPECT_THAT(result.notes, Contains("the element \"wind\" is not known and is skipped"));
-    EXPECT_THAT(result.notes, Contains("blendingSrc is no blend factor of that side and is skipped"));
-    EXPECT_THAT(result.notes, Contains("the attribute \"x\" of \"type\" is not read"));
-    EXPECT_THAT(result.notes, SizeIs(3));
-    EXPECT_THAT(inspectText(FileKind::kEmitter, "<root/>").notes, Contains(HasSubstr("nothing is loaded")));
+    EXPECT_THAT(
+        sentencesOf(result),
+        ElementsAre("it, line 1: `wind`: unknown element of `emitter`",
+                    "it, line 1: `blendingSrc value`: found `768`, expected a blend factor of that side",
+                    "it, line 1: `x`: unknown attribute of `type`"));
+    EXPECT_THAT(sentencesOf(inspectText(FileKind::kEmitter, "<root/>")),
+                ElementsAre("it, line 1: `root`: unknown root element; did you mean `emitter`?"));
 }
 
 }  // namespace

@@ -77,6 +77,26 @@ TEST_F(KeltraInfoTest, CheckPrintsALineForEachFile) {
     EXPECT_EQ(run("--check good.tga good.tga").status, 0);
 }
 
+TEST_F(KeltraInfoTest, StrictTellsWhatIsMissingOrUnknown) {
+    folder.write("desk.xml", "<root>\n<box>\n<colour r='1'/>\n<texture value='wood.tga'/>\n</box></root>");
+    EXPECT_EQ(run("--check desk.xml").output, "desk.xml: good\n");
+    EXPECT_EQ(run("--check desk.xml").status, 0);
+    const Result result = run("--check --strict good.tga bad.tga missing.tga desk.xml");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output,
+              "good.tga: good\n"
+              "bad.tga, byte 16: bits a pixel: neither 24 nor 32 (found 16)\n"
+              "missing.tga: No such file or directory\n"
+              "desk.xml, line 3: `colour`: unknown element of `box`; did you mean `color`?\n"
+              "./wood.tga (needed by desk.xml, line 4): the file does not exist\n");
+    EXPECT_EQ(run("--check --strict good.tga").status, 0);
+    EXPECT_EQ(run("--strict good.tga").status, 2) << "it is a way to check";
+    const nlohmann::json document = nlohmann::json::parse(run("--json --check --strict desk.xml").output);
+    EXPECT_EQ(document["files"][0]["good"], true);
+    EXPECT_EQ(document["files"][0]["faults"][0]["line"], 3);
+    EXPECT_EQ(document["files"][0]["faults"][0]["expected"], "color");
+}
+
 TEST_F(KeltraInfoTest, ContentsGoOutAndBadFilesAreErrors) {
     const Result result = run("good.tga bad.tga");
     EXPECT_EQ(result.status, 1);

@@ -1,0 +1,61 @@
+#ifndef KELTRA_FORMATS_GUI_H
+#define KELTRA_FORMATS_GUI_H
+
+// What interface descriptions are made of: the names of objects, properties, attributes and kinds.
+
+#include <cstddef>
+
+#include "formats/fault.h"
+
+class TiXmlDocument;
+class TiXmlElement;
+class TiXmlNode;
+
+namespace keltra {
+
+enum GuiObject { kGuiWindow, kGuiButton, kGuiText, kGuiLabel, kGuiBox, kGuiVSlider, kGuiHSlider, kGuiFont };
+constexpr int kGuiObjectCount = 8;
+extern const char *const kGuiObjectNames[kGuiObjectCount];
+
+enum GuiPropertyName {
+    kGuiName,
+    kGuiTitle,
+    kGuiPosition,
+    kGuiSize,
+    kGuiUseFont,
+    kGuiTexture,
+    kGuiKerning,
+    kGuiWrite,
+    kGuiColor,
+    kGuiKind
+};
+constexpr int kGuiPropertyCount = 10, kGuiAttributes = 4;
+
+struct GuiProperty {
+    const char *name;
+    const char *attributes[kGuiAttributes + 1];  // null behind the last; without all of them it is skipped
+};
+extern const GuiProperty kGuiProperties[kGuiPropertyCount];
+
+constexpr int kGuiKindCount = 3;
+extern const char *const kGuiKinds[kGuiKindCount];
+
+// Index of the name; -1 for another one.
+int guiObject(const char *element);
+int guiProperty(const char *element);
+
+// The part of a document that is read; null for none, which loads nothing.
+const TiXmlElement *guiRoot(const TiXmlDocument &document);
+// What the refusal of a document without it says.
+Fault guiRootMissing();
+
+// The warning of the first object that is one too many.
+KTFAULT tooManyObjects(const TiXmlElement &element, bool hasLines = true);
+
+// Tells what has no effect in the elements that are nested in `top`, and, unless it is the root, of itself.
+// With `hasLines`, the document was given its lines.
+void checkGui(const TiXmlNode &top, FaultSink &sink, bool hasLines);
+
+}  // namespace keltra
+
+#endif
