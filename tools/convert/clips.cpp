@@ -1,5 +1,6 @@
 #include "tools/convert/clips.h"
 
+#include "formats/limits.h"
 #include "tools/convert/motion.h"
 #include "tools/formats/kta_writer.h"
 
@@ -11,9 +12,9 @@
 namespace keltra::convert {
 namespace {
 
-constexpr std::size_t kMaxFrames = 1024, kMaxBones = 128;  // per file
-constexpr std::size_t kMaxParts = 16;                      // per clip: 11 minutes
-constexpr double kFrameSlack = 1e-3;                       // 1.99999 frames count as 2
+constexpr std::size_t kMaxFrames = kMaxAnimFrames, kMaxBones = kMaxAnimBones;  // per file
+constexpr std::size_t kMaxParts = 16;                                          // per clip: 11 minutes
+constexpr double kFrameSlack = 1e-3;                                           // 1.99999 frames count as 2
 constexpr double kStretched = 2e-3;
 constexpr double kMoved = 1e-5;        // of the model's size
 constexpr double kRotated = 1e-3;      // degrees
@@ -162,12 +163,12 @@ class Writer {
         }
         if (parts > 1)
             report.note("clip " + titleOf(clip) + " has " + std::to_string(clip.frames.size()) +
-                        " frames: split into " + std::to_string(parts) +
-                        " files of at most 1024, to be played one after the other");
+                        " frames: split into " + std::to_string(parts) + " files of at most " +
+                        std::to_string(kMaxFrames) + ", to be played one after the other");
         if (groups > 1)
             report.note("clip " + titleOf(clip) + " moves " + std::to_string(rows.size()) +
-                        " nodes: split into " + std::to_string(groups) +
-                        " files of at most 128, to be applied together");
+                        " nodes: split into " + std::to_string(groups) + " files of at most " +
+                        std::to_string(kMaxBones) + ", to be applied together");
     }
 
     std::vector<OutputFile> files;

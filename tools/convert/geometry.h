@@ -4,6 +4,7 @@
 // Builds meshes of triangles with baked vertices. Equal vertices are shared, and meshes are split at the
 // limits of the engine: 16-bit indices and 100 bones per skin.
 
+#include "formats/limits.h"
 #include "tools/convert/rig.h"
 #include "tools/formats/kte_writer.h"
 
@@ -18,8 +19,7 @@ struct aiMesh;
 
 namespace keltra::convert {
 
-constexpr std::size_t kMaxMeshCount = 65535;  // of vertices, and of triangles
-constexpr std::size_t kMaxSkinBones = 100;
+constexpr std::size_t kMaxMeshCount = kMaxCount;  // of vertices, and of triangles
 
 // Counts of left-out faces, and of meshes whose normals and triangles did not agree.
 struct Rejects {

@@ -1,5 +1,6 @@
 // keltra-convert MODEL -o DIR: converts a model into the engine's files.
 
+#include "formats/limits.h"
 #include "tools/convert/isolated.h"
 #include "tools/convert/names.h"
 #include "tools/convert/output_folder.h"
@@ -21,7 +22,7 @@ using namespace keltra::convert;
 
 constexpr int kGood = 0, kRefused = 1, kUsage = 2;
 constexpr double kLowestRate = 1.0, kHighestRate = 1000.0;
-constexpr unsigned kLargestTexture = 512, kLongestTimeout = 86400;
+constexpr unsigned kLongestTimeout = 86400;
 constexpr auto kProgressDelay = std::chrono::seconds(1);
 constexpr char kExamples[] =
     "Examples:\n"
@@ -54,10 +55,10 @@ std::string checkScale(const std::string &text) {
 
 std::string checkTexture(const std::string &text) {
     unsigned side = 0;
-    if (CLI::detail::lexical_cast(text, side) && side > 0 && side <= kLargestTexture &&
+    if (CLI::detail::lexical_cast(text, side) && side > 0 && side <= keltra::kMaxTextureSize &&
         (side & (side - 1)) == 0)
         return "";
-    return "must be a power of two from 1 to 512";
+    return "must be a power of two from 1 to " + std::to_string(keltra::kMaxTextureSize);
 }
 
 std::string checkName(const std::string &text) {

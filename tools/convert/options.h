@@ -1,6 +1,8 @@
 #ifndef KELTRA_CONVERT_OPTIONS_H
 #define KELTRA_CONVERT_OPTIONS_H
 
+#include "formats/limits.h"
+
 #include <cstdint>
 #include <functional>
 #include <stdexcept>
@@ -11,10 +13,10 @@ namespace keltra::convert {
 
 // The options of a conversion.
 struct Options {
-    std::string model;          // path of the model
-    std::string name;           // prefix of the output files' names; see `fileStem`
-    double fps = 25.0;          // frames per second at which animations are sampled
-    unsigned maxTexture = 512;  // pixels, a power of two
+    std::string model;                      // path of the model
+    std::string name;                       // prefix of the output files' names; see `fileStem`
+    double fps = 25.0;                      // frames per second at which animations are sampled
+    unsigned maxTexture = kMaxTextureSize;  // pixels, a power of two
     bool normalMaps = false;
     double scale = 0.0;  // of all lengths; 0 for 1, or a power of ten that brings the model into 16.16
 };

@@ -1,5 +1,6 @@
 #include "tools/convert/scene_builder.h"
 
+#include "formats/limits.h"
 #include "tools/convert/geometry.h"
 
 #include <assimp/scene.h>
@@ -10,9 +11,6 @@
 namespace keltra::convert {
 namespace {
 
-constexpr std::size_t kSkinsDrawn = 16;  // per frame
-constexpr std::size_t kElementsDrawn = 1024;
-constexpr std::size_t kMaxChildren = 65535;
 constexpr double kNoAngle = 1e-5;  // degrees
 
 formats::Node meshNode(const std::string &name, formats::MeshData mesh, const std::string &material) {
@@ -99,9 +97,10 @@ void Builder::addRigidMeshes() {
     }
 }
 
-// The engine draws 16 skins per frame: if the model has more, skins of the same material are joined.
+// The engine draws a limited number of skins per frame: if the model has more, skins of the same material are
+// joined.
 void Builder::addSkins() {
-    const bool joined = rig.skins.size() > kSkinsDrawn;
+    const bool joined = rig.skins.size() > kMaxSkins;
     std::vector<bool> done(rig.skins.size());
     for (std::size_t s = 0; s < rig.skins.size(); ++s) {
         if (done[s]) continue;
@@ -123,8 +122,9 @@ void Builder::addSkins() {
     if (joined)
         report.note(std::to_string(rig.skins.size()) + " skins were joined by material into " +
                     std::to_string(skins.size()));
-    if (skins.size() > kSkinsDrawn)
-        report.warn("it has " + std::to_string(skins.size()) + " skins; the engine draws only 16 per frame");
+    if (skins.size() > kMaxSkins)
+        report.warn("it has " + std::to_string(skins.size()) + " skins; the engine draws only " +
+                    std::to_string(kMaxSkins) + " per frame");
 }
 
 formats::Node Builder::lightNode(const aiLight &light, const Matrix &bake) {
@@ -215,8 +215,8 @@ void Builder::assemble(formats::Node &root) {
             node.children.push_back(std::move(attached[i]));
         }
         std::move(below[j].rbegin(), below[j].rend(), std::back_inserter(node.children));
-        if (node.children.size() > kMaxChildren)
-            throw Refusal("a node has more than " + std::to_string(kMaxChildren) + " children");
+        if (node.children.size() > kMaxCount)
+            throw Refusal("a node has more than " + std::to_string(kMaxCount) + " children");
         std::vector<formats::Node> &above =
             joint.parent != kNone ? below[joint.parent] : (joint.underRoot ? skeleton.children : outside);
         above.push_back(std::move(node));
@@ -226,8 +226,8 @@ void Builder::assemble(formats::Node &root) {
     if (!skeleton.children.empty()) root.children.push_back(std::move(skeleton));
     std::move(outside.rbegin(), outside.rend(), std::back_inserter(root.children));
     std::move(atRoot.begin(), atRoot.end(), std::back_inserter(root.children));
-    if (root.children.size() > kMaxChildren)
-        throw Refusal("its root has more than " + std::to_string(kMaxChildren) + " children");
+    if (root.children.size() > kMaxCount)
+        throw Refusal("its root has more than " + std::to_string(kMaxCount) + " children");
 }
 
 void Builder::reportRejects() {
@@ -247,9 +247,9 @@ void Builder::build(formats::Node &root) {
     addLights();
     assemble(root);
     reportRejects();
-    if (report.meshes + report.lights > kElementsDrawn)
+    if (report.meshes + report.lights > kMaxElements)
         report.warn("it has " + std::to_string(report.meshes + report.lights) +
-                    " meshes and lights; the engine draws 1024 per frame");
+                    " meshes and lights; the engine draws " + std::to_string(kMaxElements) + " per frame");
 }
 
 std::uint64_t countNodes(const formats::Node &node) {
@@ -264,8 +264,8 @@ formats::Scene buildScene(const aiScene &scene, Rig &rig, const Materials &mater
                           Report &report, const Progress &progress) {
     formats::Scene built;
     built.materials = materials.materials;
-    if (built.materials.size() > kMaxChildren)
-        throw Refusal("it has more than " + std::to_string(kMaxChildren) + " materials");
+    if (built.materials.size() > kMaxCount)
+        throw Refusal("it has more than " + std::to_string(kMaxCount) + " materials");
     Builder(scene, rig, materials, report, progress).build(built.root);
     // Last, so that the model's own names are kept: animations find nodes by them.
     built.root.name = rig.names.take(options.name, "model");

@@ -1,5 +1,7 @@
 #include "tools/convert/textures.h"
 
+#include "formats/limits.h"
+
 #include <algorithm>
 
 namespace keltra::convert {
@@ -8,13 +10,12 @@ namespace {
 using formats::Image;
 using formats::Rgba;
 
-constexpr unsigned kLargestSide = 512;            // that the engine loads
 constexpr std::size_t kLongestTextureName = 160;  // leaves room for a path before it
 constexpr char kBaseEnding[] = "_d.tga";
 
 unsigned powerUpTo(unsigned size) {
     unsigned power = 1;
-    while (power * 2 <= std::min(size, kLargestSide)) power *= 2;
+    while (power * 2 <= std::min(size, kMaxTextureSize)) power *= 2;
     return power;
 }
 
