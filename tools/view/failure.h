@@ -11,6 +11,9 @@ struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// Why the engine refused its last call, without the names of call and file.
+std::string engineReason();
+
 // `path: reason`; control characters of the path become '?'.
 Failure failure(const std::string &path, const std::string &reason);
 

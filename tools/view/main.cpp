@@ -7,6 +7,7 @@
 #include "tools/view/viewer.h"
 
 #include <SDL.h>
+#include <keltra/fault.h>
 #include <CLI/CLI.hpp>
 
 #include <chrono>
@@ -137,7 +138,16 @@ void show(const Arguments &arguments) {
     }
 }
 
+// What the engine goes on without; errors end the program with a message of their own.
+void printWarning(const KTFAULT *fault, void *) {
+    if (fault->severity != KT_FAULT_WARNING) return;
+    char sentence[1024];
+    KTFAULTS::format(fault, sentence, sizeof sentence);
+    std::fprintf(stderr, "keltra-view: %s\n", sentence);
+}
+
 void run(Arguments arguments) {
+    KTFAULTS::setHandler(printWarning, nullptr);
     arguments.viewer.data = dataFolder();
     if (arguments.viewer.panel.empty()) arguments.viewer.panel = arguments.viewer.data + "panel.xml";
     arguments.viewer.glCalls = keltra::view::glCallsMade;

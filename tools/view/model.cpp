@@ -1,13 +1,11 @@
 #include "tools/view/model.h"
 
-#include "tools/formats/kte_reader.h"
 #include "tools/view/failure.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <iterator>
 
 namespace keltra::view {
@@ -48,15 +46,6 @@ void rename(char (&name)[size], const std::string &key) {
     std::snprintf(name, size, "%s", own.c_str());
 }
 
-std::string faultOf(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file),
-                                          std::istreambuf_iterator<char>()};
-    std::string reason;
-    if (file && !formats::readKte(bytes, &reason) && !reason.empty()) return reason;
-    return "cannot be loaded as a scene";
-}
-
 void addVertices(const std::int32_t *vertices, unsigned count, const R3XMATRIX &world,
                  std::vector<R3XVECTOR3D> &points) {
     for (const std::int32_t *end = vertices + 3 * count; vertices != end; vertices += 3) {
@@ -78,7 +67,7 @@ Model::Model(const Source &source, const LinkFolder &links, const std::string &f
     root = KELTRA::load(source.scene.c_str());
     KTTEXTURE::setPath(links.prefix().c_str());
     if (!root) {
-        const std::string reason = faultOf(links.path(source.scene));
+        const std::string reason = engineReason();
         links.clear(key);
         throw failure(file, reason);
     }

@@ -52,7 +52,7 @@ RunningEngine::RunningEngine(const LinkFolder &links) {
         (wanted.*set)(links.prefix().c_str());
     }
     KTOPENGL::setAngleOfView(Orbit::kAngleOfView);
-    if (!KELTRA::init(&wanted)) throw Failure("no display on which the engine could open its window");
+    if (!KELTRA::init(&wanted)) throw Failure(engineReason());
 }
 
 RunningEngine::~RunningEngine() { KELTRA::free(); }
