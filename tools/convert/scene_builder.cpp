@@ -7,11 +7,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace keltra::convert {
 namespace {
 
 constexpr double kNoAngle = 1e-5;  // degrees
+
+double largest(const Vector &v) { return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)}); }
 
 formats::Node meshNode(const std::string &name, formats::MeshData mesh, const std::string &material) {
     formats::Node node;
@@ -19,6 +22,30 @@ formats::Node meshNode(const std::string &name, formats::MeshData mesh, const st
     node.name = name;
     node.mesh = std::move(mesh);
     node.mesh.material = material;
+    return node;
+}
+
+formats::Node lightNode(const std::string &name, const aiLight &light, const Matrix &bake) {
+    formats::Node node;
+    node.kind = formats::NodeKind::kLight;
+    node.name = name;
+    const Vector at(light.mPosition.x, light.mPosition.y, light.mPosition.z);
+    const Vector to(light.mDirection.x, light.mDirection.y, light.mDirection.z);
+    node.position = narrowed(bake * at);
+    Vector direction = turned(bake, to);
+    if (!(direction.Length() > 0.0)) direction = Vector(0.0, 0.0, -1.0);
+    node.light.direction = narrowed(direction.Normalize());
+    node.light.type = light.mType == aiLightSource_SPOT          ? formats::LightType::kSpot
+                      : light.mType == aiLightSource_DIRECTIONAL ? formats::LightType::kDirectional
+                                                                 : formats::LightType::kPoint;
+    // The cone's whole angle, in radians; GL takes half of it, up to 90 degrees.
+    if (light.mType == aiLightSource_SPOT)
+        node.light.cutOff = static_cast<float>(std::clamp(light.mAngleOuterCone * kDegrees * 0.5, 1.0, 90.0));
+    const aiColor3D &color = light.mColorDiffuse;
+    const float brightest = std::max({color.r, color.g, color.b});
+    const float factor = brightest > 1.0f ? 1.0f / brightest : 1.0f;
+    node.light.color = {color.r * factor, color.g * factor, color.b * factor};
+    if (!std::isfinite(brightest)) node.light.color = {1.0f, 1.0f, 1.0f};
     return node;
 }
 
@@ -31,7 +58,11 @@ class Builder {
           materials(materials),
           report(report),
           progress(progress),
-          atJoint(rig.joints.size()) {
+          atJoint(rig.joints.size()),
+          inPlace(rig.joints.size()),
+          isParent(rig.joints.size()) {
+        for (const Joint &joint : rig.joints)
+            if (joint.parent != kNone) isParent[joint.parent] = true;
         for (const RigidMesh &rigid : rig.rigidMeshes) faces += scene.mMeshes[rigid.mesh]->mNumFaces;
         for (const Skin &skin : rig.skins) faces += scene.mMeshes[skin.mesh]->mNumFaces;
     }
@@ -43,8 +74,10 @@ class Builder {
     void addRigidMeshes();
     void addSkins();
     void addLights();
-    formats::Node lightNode(const aiLight &light, const Matrix &bake);
+    void addLight(const aiLight &light);
+    bool canBeLight(unsigned joint, const Matrix &local, const aiLight &light) const;
     void assemble(formats::Node &root);
+    Matrix localOf(unsigned joint) const;
     formats::Node jointNode(unsigned joint) const;
     void count(const formats::MeshData &mesh);
     const std::string &materialOf(unsigned mesh) const;
@@ -58,7 +91,9 @@ class Builder {
     const Progress &progress;
     std::size_t faces = 0, facesDone = 0;
     Rejects rejects;
-    std::vector<std::vector<formats::Node>> atJoint;  // meshes and lights of each
+    std::vector<std::vector<formats::Node>> atJoint;    // meshes and lights of each
+    std::vector<std::optional<formats::Node>> inPlace;  // the light that a joint is, instead of holding it
+    std::vector<bool> isParent;
     std::vector<formats::Node> atRoot, skins;
 };
 
@@ -127,28 +162,35 @@ void Builder::addSkins() {
                     std::to_string(kMaxSkins) + " per frame");
 }
 
-formats::Node Builder::lightNode(const aiLight &light, const Matrix &bake) {
-    formats::Node node;
-    node.kind = formats::NodeKind::kLight;
-    node.name = rig.names.take(light.mName.C_Str(), "light");
-    const Vector at(light.mPosition.x, light.mPosition.y, light.mPosition.z);
-    const Vector to(light.mDirection.x, light.mDirection.y, light.mDirection.z);
-    node.position = narrowed(bake * at);
-    Vector direction = rotated(bake, to);
-    if (!(direction.Length() > 0.0)) direction = Vector(0.0, 0.0, -1.0);
-    node.light.direction = narrowed(direction.Normalize());
-    node.light.type = light.mType == aiLightSource_SPOT          ? formats::LightType::kSpot
-                      : light.mType == aiLightSource_DIRECTIONAL ? formats::LightType::kDirectional
-                                                                 : formats::LightType::kPoint;
-    // The model has the cone's whole angle, in radians; GL takes half of it, up to 90 degrees.
-    if (light.mType == aiLightSource_SPOT)
-        node.light.cutOff = static_cast<float>(std::clamp(light.mAngleOuterCone * kDegrees * 0.5, 1.0, 90.0));
-    const aiColor3D &color = light.mColorDiffuse;
-    const float brightest = std::max({color.r, color.g, color.b});
-    const float factor = brightest > 1.0f ? 1.0f / brightest : 1.0f;
-    node.light.color = {color.r * factor, color.g * factor, color.b * factor};
-    if (!std::isfinite(brightest)) node.light.color = {1.0f, 1.0f, 1.0f};
-    return node;
+// A record of a light has a place but no turn: the joints below must not need one, nor stand off the light.
+bool Builder::canBeLight(unsigned index, const Matrix &local, const aiLight &light) const {
+    const Joint &joint = rig.joints[index];
+    if (!atJoint[index].empty() || joint.isBone || joint.isPosed) return false;
+    const aiVector3D &at = light.mPosition;
+    return !isParent[index] ||
+           (largest(eulerAngles(local)) <= kNoAngle && at.x == 0.0f && at.y == 0.0f && at.z == 0.0f);
+}
+
+// In the place of its node where that holds nothing else, so that it keeps the node's name.
+void Builder::addLight(const aiLight &light) {
+    const std::string name = light.mName.C_Str();
+    const int source = rig.findSource(name);
+    const int joint = source == kNone ? kNone : rig.sources[source].joint;
+    if (joint == kNone) {
+        const Matrix place = source == kNone ? Matrix() : rig.sources[source].bind;
+        atRoot.push_back(lightNode(rig.names.take(name, "light"), light, place));
+        return;
+    }
+    const Matrix bake = inverse(rig.joints[joint].frame) * rig.sources[source].bind;
+    const Matrix local = localOf(joint);
+    const int above = rig.joints[joint].parent;
+    if (inPlace[joint])
+        (above == kNone ? atRoot : atJoint[above])
+            .push_back(lightNode(rig.names.take(name, "light"), light, local * bake));
+    else if (rig.joints[joint].source == source && canBeLight(static_cast<unsigned>(joint), local, light))
+        inPlace[joint] = lightNode(rig.joints[joint].name, light, local * bake);
+    else
+        atJoint[joint].push_back(lightNode(rig.names.take(name, "light"), light, bake));
 }
 
 void Builder::addLights() {
@@ -162,25 +204,24 @@ void Builder::addLights() {
             continue;
         }
         ++report.lights;
-        const int source = rig.findSource(light.mName.C_Str());
-        const int joint = source == kNone ? kNone : rig.sources[source].joint;
-        if (joint == kNone) {
-            atRoot.push_back(lightNode(light, source == kNone ? Matrix() : rig.sources[source].bind));
-        } else {
-            const Matrix bake = inverse(rig.joints[joint].frame) * rig.sources[source].bind;
-            atJoint[joint].push_back(lightNode(light, bake));
-        }
+        addLight(light);
     }
     report.drop("lights", other, "GL has point, spot and directional lights only");
 }
 
+// A joint's place and turn above its parent.
+Matrix Builder::localOf(unsigned index) const {
+    const Joint &joint = rig.joints[index];
+    return joint.parent == kNone ? joint.frame : inverse(rig.joints[joint.parent].frame) * joint.frame;
+}
+
 // The joint's node, without meshes and children.
 formats::Node Builder::jointNode(unsigned index) const {
+    if (inPlace[index]) return *inPlace[index];
     const Joint &joint = rig.joints[index];
-    const Matrix local =
-        joint.parent == kNone ? joint.frame : inverse(rig.joints[joint.parent].frame) * joint.frame;
+    const Matrix local = localOf(index);
     const Vector angles = eulerAngles(local);
-    const bool turns = std::max({std::abs(angles.x), std::abs(angles.y), std::abs(angles.z)}) > kNoAngle;
+    const bool turns = largest(angles) > kNoAngle;
     formats::Node node;
     node.name = joint.name;
     node.position = narrowed(translationOf(local));
