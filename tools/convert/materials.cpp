@@ -1,6 +1,7 @@
 #include "tools/convert/materials.h"
 
 #include "tools/convert/names.h"
+#include "tools/convert/properties.h"
 #include "tools/convert/surface.h"
 #include "tools/convert/textures.h"
 
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
 #include <set>
 #include <string>
 
@@ -113,7 +115,10 @@ const char *mapsOf(aiTextureType type) {
 class Converter {
    public:
     Converter(const aiScene &scene, const Options &options, Report &report)
-        : options(options), report(report), textures(scene, options, report) {}
+        : options(options),
+          report(report),
+          textures(scene, options, report),
+          properties(materialProperties(scene, options.model, report)) {}
 
     void add(const aiMaterial &material);
     Materials finish();
@@ -133,6 +138,7 @@ class Converter {
     const Options &options;
     Report &report;
     Textures textures;
+    const std::map<std::string, MaterialProperties> properties;
     Names names;
     Materials made;
 };
@@ -233,9 +239,9 @@ void Converter::dropRest(const std::vector<Layer> &layers, const Chosen &chosen)
 }
 
 void Converter::add(const aiMaterial &material) {
-    const std::string own = material.GetName().C_Str();
+    const std::string ownName = material.GetName().C_Str();
     formats::Material result;
-    result.name = names.take(own.empty() ? "" : options.name + "." + own, options.name + ".material");
+    result.name = names.take(ownName.empty() ? "" : options.name + "." + ownName, options.name + ".material");
     const std::vector<Layer> layers = layersOf(material);
     const Chosen chosen = choose(material, layers);
     const float opacity = opacityOf(material, result.name, report);
@@ -250,6 +256,8 @@ void Converter::add(const aiMaterial &material) {
     use.glowDropped = glow && !(chosen.base && chosen.base->path == glow->path);
     use.metalMaps = firstOf(layers, {aiTextureType_METALNESS, aiTextureType_DIFFUSE_ROUGHNESS}) != nullptr;
     setColours(material, use, result, report);
+    const auto own = properties.find(ownName);
+    if (own != properties.end()) own->second.applyTo(result);
 
     int blend = aiBlendMode_Default;
     if (material.Get(AI_MATKEY_BLEND_FUNC, blend) == aiReturn_SUCCESS && blend == aiBlendMode_Additive)

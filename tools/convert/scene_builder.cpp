@@ -2,6 +2,7 @@
 
 #include "formats/limits.h"
 #include "tools/convert/geometry.h"
+#include "tools/convert/properties.h"
 
 #include <assimp/scene.h>
 
@@ -61,6 +62,8 @@ class Builder {
           atJoint(rig.joints.size()),
           inPlace(rig.joints.size()),
           isParent(rig.joints.size()) {
+        for (const SourceNode &source : rig.sources)
+            properties.push_back(nodeProperties(*source.node, report));
         for (const Joint &joint : rig.joints)
             if (joint.parent != kNone) isParent[joint.parent] = true;
         for (const RigidMesh &rigid : rig.rigidMeshes) faces += scene.mMeshes[rigid.mesh]->mNumFaces;
@@ -93,6 +96,7 @@ class Builder {
     Rejects rejects;
     std::vector<std::vector<formats::Node>> atJoint;    // meshes and lights of each
     std::vector<std::optional<formats::Node>> inPlace;  // the light that a joint is, instead of holding it
+    std::vector<NodeProperties> properties;             // of the model's nodes
     std::vector<bool> isParent;
     std::vector<formats::Node> atRoot, skins;
 };
@@ -127,6 +131,7 @@ void Builder::addRigidMeshes() {
         builder.add(*scene.mMeshes[rigid.mesh], rigid.bake, nullptr, uvChannelOf(rigid.mesh), rejects);
         for (formats::MeshData &mesh : builder.finish(rig.joints)) {
             count(mesh);
+            properties[rig.joints[rigid.joint].source].applyTo(mesh);
             atJoint[rigid.joint].push_back(meshNode("", std::move(mesh), materialOf(rigid.mesh)));
         }
     }
@@ -149,6 +154,7 @@ void Builder::addSkins() {
         }
         for (formats::MeshData &mesh : builder.finish(rig.joints)) {
             count(mesh);
+            properties[first.source].applyTo(mesh);
             skins.push_back(
                 meshNode(rig.names.take(first.name, "skin"), std::move(mesh), materialOf(first.mesh)));
         }

@@ -102,6 +102,22 @@ std::string GltfBuilder::text() const {
     return whole.dump();
 }
 
+std::string GltfBuilder::glb() const {
+    const auto word = [](std::size_t value) {
+        std::string bytes;
+        for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(value >> shift & 0xFF);
+        return bytes;
+    };
+    const auto chunk = [&word](const char *type, std::string data, char filler) {
+        data.resize((data.size() + 3) / 4 * 4, filler);
+        return word(data.size()) + std::string(type, 4) + data;
+    };
+    json whole = root;
+    whole["buffers"] = json::array({{{"byteLength", binary.size()}}});
+    const std::string chunks = chunk("JSON", whole.dump(), ' ') + chunk("BIN\0", binary, '\0');
+    return "glTF" + word(2) + word(12 + chunks.size()) + chunks;
+}
+
 GltfMesh boxMesh(float halfX, float halfY, float halfZ) {
     GltfMesh box;
     const float half[3] = {halfX, halfY, halfZ};

@@ -42,8 +42,9 @@ class GltfBuilder {
     int clip(const std::string &name, const std::vector<GltfChannel> &channels);
 
     nlohmann::json &document() { return root; }
-    /// The file.
+    /// The file, as text and as binary.
     std::string text() const;
+    std::string glb() const;
 
    private:
     int accessor(const void *bytes, std::size_t size, int componentType, const char *type, std::size_t count);
