@@ -5,6 +5,7 @@
 #include "tools/convert/names.h"
 #include "tools/convert/rig.h"
 #include "tools/convert/scene_builder.h"
+#include "tools/convert/textures.h"
 
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
@@ -172,6 +173,29 @@ Conversion convertModel(const Options &options, const Progress &progress) {
     conversion.files = std::move(materials.textures);
     std::move(clips.begin(), clips.end(), std::back_inserter(conversion.files));
     conversion.files.push_back({report.sceneFile, formats::writeKte(built, formats::KteVersion::k16a)});
+    return conversion;
+}
+
+Conversion convertPicture(const Options &options, const Progress &) {
+    checkFile(options.model);
+    Conversion conversion;
+    Report &report = conversion.report;
+    try {
+        std::string remark;
+        formats::Image image = readPictureFile(options.model, remark);
+        if (!remark.empty()) report.warn("it is damaged, and read as far as it goes: " + remark);
+        const unsigned most = largestSide(options.maxTexture);
+        const bool alpha = hasAlpha(image);
+        image = resized(image, nearestPower(image.width, most), nearestPower(image.height, most), alpha);
+        if (alpha) spreadColours(image);
+        const std::string file = options.name + ".tga";
+        report.textures.push_back(
+            {file, cleanText(options.model), image.width, image.height, alpha ? 32u : 24u});
+        report.textureMemory = std::uint64_t{image.width} * image.height * 4;
+        conversion.files.push_back({file, targa(image, alpha)});
+    } catch (const PictureFault &fault) {
+        throw Refusal(fault.what());
+    }
     return conversion;
 }
 

@@ -41,6 +41,10 @@ struct Conversion {
 // Throws Refusal for a model that cannot be read or has nothing that the engine can draw or play.
 Conversion convertModel(const Options &options, const Progress &progress);
 
+// For a picture in the place of the model: one texture, NAME.tga, with alpha where the picture has any.
+// Throws Refusal.
+Conversion convertPicture(const Options &options, const Progress &progress);
+
 }  // namespace keltra::convert
 
 #endif

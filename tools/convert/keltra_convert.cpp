@@ -1,6 +1,7 @@
 // keltra-convert MODEL -o DIR: converts a model into the engine's files.
 
 #include "formats/limits.h"
+#include "tools/convert/convert.h"
 #include "tools/convert/isolated.h"
 #include "tools/convert/names.h"
 #include "tools/convert/output_folder.h"
@@ -29,13 +30,14 @@ constexpr char kExamples[] =
     "  keltra-convert hero.fbx -o data\n"
     "  keltra-convert hero.glb -o data --name hero --fps 15 --max-texture 128\n"
     "  keltra-convert hall.obj -o data --scale 0.01\n"
+    "  keltra-convert panel.png --texture -o data\n"
     "  keltra-convert hero.fbx --dry-run --json";
 
 struct Arguments {
     Options options;
     std::string folder;
     unsigned seconds = 300;
-    bool dryRun = false, json = false, quiet = false;
+    bool texture = false, dryRun = false, json = false, quiet = false;
 };
 
 bool numberOf(const std::string &text, double &value) {
@@ -85,14 +87,19 @@ void describe(CLI::App &app, Arguments &arguments) {
           checkNotEmpty);
     check(app.add_option("--name", options.name, "Prefix of the files' names; default: the model's name"),
           checkName);
+    CLI::Option *texture =
+        app.add_flag("--texture", arguments.texture, "MODEL is a picture; it becomes the texture NAME.tga");
     check(app.add_option("--fps", options.fps, "Frames per second of animations, 1 to 1000"), checkRate)
-        ->capture_default_str();
+        ->capture_default_str()
+        ->excludes(texture);
     check(app.add_option("--max-texture", options.maxTexture, "Longest side of textures, a power of two"),
           checkTexture)
         ->capture_default_str();
-    app.add_flag("--normal-maps", options.normalMaps, "Also write normal maps, for devices with shaders");
+    app.add_flag("--normal-maps", options.normalMaps, "Also write normal maps, for devices with shaders")
+        ->excludes(texture);
     check(app.add_option("--scale", options.scale, "Factor for all lengths; default: what the range needs"),
-          checkScale);
+          checkScale)
+        ->excludes(texture);
     check(app.add_option("--timeout", arguments.seconds, "Stop after that many seconds"), checkTimeout)
         ->capture_default_str();
     app.add_flag("--dry-run", arguments.dryRun, "Report what would be written, and write nothing");
@@ -127,7 +134,8 @@ class ProgressLine {
 Outcome convertTo(const std::string &folder, const Arguments &arguments) {
     ProgressLine line;
     const auto progress = [&line](const char *what, double done) { line.show(what, done); };
-    return convertIsolated(arguments.options, folder, progress, arguments.seconds);
+    return convertIsolated(arguments.texture ? convertPicture : convertModel, arguments.options, folder,
+                           progress, arguments.seconds);
 }
 
 Outcome convert(const Arguments &arguments) {

@@ -279,10 +279,7 @@ PicturePlace PictureSource::find(const std::string &path) {
 
 formats::Image PictureSource::read(const PicturePlace &place, std::string &remark) const {
     remark.clear();
-    if (!place.embedded) {
-        const std::vector<std::uint8_t> bytes = readFile(place.file);
-        return readPicture(bytes.data(), bytes.size(), extensionOf(place.file), remark);
-    }
+    if (!place.embedded) return readPictureFile(place.file, remark);
     const aiTexture &texture = *place.embedded;
     if (texture.mHeight > 0) return fromTexels(texture);
     if (!texture.pcData || texture.mWidth == 0) throw PictureFault("it is empty", false);
@@ -290,6 +287,11 @@ formats::Image PictureSource::read(const PicturePlace &place, std::string &remar
     std::string extension = hintOf(texture);
     if (extension.empty()) extension = extensionOf(texture.mFilename.C_Str());
     return readPicture(texture.pcData, texture.mWidth, extension, remark);
+}
+
+formats::Image readPictureFile(const std::string &path, std::string &remark) {
+    const std::vector<std::uint8_t> bytes = readFile(path);
+    return readPicture(bytes.data(), bytes.size(), extensionOf(path), remark);
 }
 
 std::string PictureSource::stem(const std::string &path) const {

@@ -50,6 +50,9 @@ class PictureSource {
     bool sawOther = false;  // the name exists but is not a regular file
 };
 
+// The picture in that file. Throws PictureFault.
+formats::Image readPictureFile(const std::string &path, std::string &remark);
+
 }  // namespace keltra::convert
 
 #endif

@@ -55,7 +55,7 @@ static auto from_json(const Json &json, T &entry) -> decltype(fieldsOf(entry), v
 }
 
 static void to_json(Json &json, const Report &report) {
-    write(json["scene"], report, kSceneFields);
+    if (!report.sceneFile.empty()) write(json["scene"], report, kSceneFields);
     json["clips"] = report.clips;
     json["textures"] = report.textures;
     json["textureMemory"] = report.textureMemory;
@@ -66,7 +66,7 @@ static void to_json(Json &json, const Report &report) {
 }
 
 static void from_json(const Json &json, Report &report) {
-    read(json.at("scene"), report, kSceneFields);
+    if (json.contains("scene")) read(json["scene"], report, kSceneFields);
     json.at("clips").get_to(report.clips);
     json.at("textures").get_to(report.textures);
     json.at("textureMemory").get_to(report.textureMemory);

@@ -156,7 +156,8 @@ std::string textOf(const std::string &model, const std::string &folder, const Ou
     std::string text = printable(model) + (folder.empty() ? ": dry run, nothing is written"
                                                           : " -> " + printable(folder + ending));
     text += "\n";
-    put(text, "scene", {printable(report.sceneFile), sceneLine(report), sizeLine(report)});
+    if (!report.sceneFile.empty())
+        put(text, "scene", {printable(report.sceneFile), sceneLine(report), sizeLine(report)});
     put(text, "clips", clipLines(report));
     put(text, "textures", textureLines(report));
     if (!report.textures.empty())

@@ -13,20 +13,6 @@ using formats::Rgba;
 constexpr std::size_t kLongestTextureName = 160;  // leaves room for a path before it
 constexpr char kBaseEnding[] = "_d.tga";
 
-unsigned powerUpTo(unsigned size) {
-    unsigned power = 1;
-    while (power * 2 <= std::min(size, kMaxTextureSize)) power *= 2;
-    return power;
-}
-
-// Rows from the bottom up, which the engine loads without reordering.
-std::vector<std::uint8_t> targa(const Image &image, bool withAlpha) {
-    const unsigned bits = withAlpha ? 32 : 24;
-    std::vector<std::uint8_t> raw = formats::writeTga(image, {false, bits, false});
-    std::vector<std::uint8_t> packed = formats::writeTga(image, {true, bits, false});
-    return packed.size() < raw.size() ? packed : raw;
-}
-
 // Alpha 0 everywhere means no alpha: some exporters write it so.
 bool isBlank(const Image &image) {
     return std::all_of(image.pixels.begin(), image.pixels.end(), [](Rgba pixel) { return pixel.a == 0; });
@@ -57,9 +43,23 @@ std::string quoted(const std::string &path) { return "texture " + cleanText(path
 
 }  // namespace
 
+unsigned largestSide(unsigned size) {
+    unsigned power = 1;
+    while (power * 2 <= std::min(size, kLargestSide)) power *= 2;
+    return power;
+}
+
+// Rows from the bottom up, which the engine loads without reordering.
+std::vector<std::uint8_t> targa(const Image &image, bool withAlpha) {
+    const unsigned bits = withAlpha ? 32 : 24;
+    std::vector<std::uint8_t> raw = formats::writeTga(image, {false, bits, false});
+    std::vector<std::uint8_t> packed = formats::writeTga(image, {true, bits, false});
+    return packed.size() < raw.size() ? packed : raw;
+}
+
 Textures::Textures(const aiScene &scene, const Options &options, Report &report)
     : name(options.name),
-      largest(powerUpTo(options.maxTexture)),
+      largest(largestSide(options.maxTexture)),
       report(report),
       source(scene, options.model),
       names(kLongestTextureName, false) {}

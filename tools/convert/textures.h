@@ -36,6 +36,11 @@ struct TextureMade {
     bool seeThrough = false;  // some pixels are
 };
 
+// The engine's file of a picture whose sides are powers of two.
+std::vector<std::uint8_t> targa(const formats::Image &image, bool withAlpha);
+// The greatest power of two up to `size`, and up to what the engine loads.
+unsigned largestSide(unsigned size);
+
 class Textures {
    public:
     Textures(const aiScene &scene, const Options &options, Report &report);

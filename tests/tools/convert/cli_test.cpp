@@ -1,5 +1,6 @@
 #include "tests/tools/convert/program.h"
 #include "tools/formats/kte_reader.h"
+#include "tools/formats/tga_writer.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -97,6 +98,35 @@ TEST_F(CommandLineTest, JsonIsOneDocument) {
     EXPECT_EQ(json["folder"], "out");
     EXPECT_EQ(json["files"], nlohmann::json::array({"blade.kte"}));
     EXPECT_EQ(json["scene"]["triangles"], 1);
+}
+
+TEST_F(CommandLineTest, APictureBecomesATexture) {
+    formats::Image image(3, 8);
+    image.at(1, 1) = {10, 20, 30, 255};
+    folder.write("badge.tga", formats::writeTga(image, {false, 24, true}));
+    const ProgramRun result = run({"badge.tga", "--texture", "-o", "out"});
+    EXPECT_EQ(result.exit, 0) << result.err;
+    EXPECT_THAT(result.out, StartsWith("badge.tga -> out/\n  textures  badge.tga  4 x 8  24 bits"));
+    EXPECT_EQ(written(), std::vector<std::string>{"badge.tga"});
+    image.at(1, 1).a = 0;
+    folder.write("badge.tga", formats::writeTga(image, {false, 32, true}));
+    const nlohmann::json json = nlohmann::json::parse(
+        run({"badge.tga", "--texture", "--max-texture", "2", "--name", "star", "-o", "out", "--json"}).out);
+    EXPECT_EQ(json["files"], nlohmann::json::array({"star.tga"}));
+    EXPECT_EQ(json["textures"][0]["width"], 2);
+    EXPECT_EQ(json["textures"][0]["bits"], 32);
+    EXPECT_FALSE(json.contains("scene"));
+    const auto bytes = test::readFile(folder.path("out/star.tga"));
+    ASSERT_GT(bytes.size(), 18u);
+    EXPECT_EQ(bytes[12], 2);
+    EXPECT_EQ(bytes[14], 2);
+}
+
+TEST_F(CommandLineTest, OnlyAPictureBecomesATexture) {
+    expectRefusal(run({"blade.obj", "--texture", "-o", "out"}), "blade.obj");
+    expectRefusal(run({"none.png", "--texture", "-o", "out"}), "none.png");
+    EXPECT_FALSE(fs::exists(folder.path("out")));
+    expectUsage({"blade.obj", "--texture", "-o", "out", "--fps", "10"}, "--fps");
 }
 
 TEST_F(CommandLineTest, JsonOfARefusalSaysWhy) {
