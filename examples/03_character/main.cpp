@@ -44,7 +44,7 @@ bool loadFigures(Show *show) {
 }
 
 bool loadAnimations(Show *show) {
-    for (const char *file : {"walk.kta", "wave.kta"}) {
+    for (const char *file : {"figure_walk.kta", "figure_wave.kta"}) {
         KTANIM *animation = new KTANIM;
         if (!animation->load(file)) return false;
         animation->setTranslating(true);  // the hips move up and down

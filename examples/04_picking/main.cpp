@@ -43,7 +43,7 @@ bool load(Garden *garden) {
     garden->stage = KELTRA::load("garden.kte");
     garden->figure = KELTRA::load("figure.kte");
     garden->wave = new KTANIM;
-    if (garden->stage == nullptr || garden->figure == nullptr || !garden->wave->load("wave.kta"))
+    if (garden->stage == nullptr || garden->figure == nullptr || !garden->wave->load("figure_wave.kta"))
         return false;
     KTMESH *skin = findMesh(garden->figure, "figureSkin");
     KTNODE *sky = garden->stage->findByNameInHierarchy("sky");

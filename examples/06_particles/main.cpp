@@ -34,8 +34,8 @@ KTEMITTER *loadEmitter(const std::string &path, KTNODE *scene) {
 bool loadScene(Show *show) {
     show->scene = KELTRA::load("scene.kte");
     if (show->scene == nullptr) return false;
-    // The pool is the fountain's: the serpent leaves it.
-    for (const char *name : {"sky", "serpent", "serpentTailRoot"}) {
+    // The pool is the fountain's: the serpent, all that is skinned here, leaves it.
+    for (const char *name : {"sky", "HumanoidRoot"}) {
         KTNODE *node = show->scene->findByNameInHierarchy(name);
         if (node == nullptr || !node->unlink()) return false;
     }

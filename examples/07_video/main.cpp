@@ -29,7 +29,7 @@ bool load(Show *show) {
     if (!show->scene || !show->interface) return false;
     show->box = show->scene->findByNameInHierarchy("box");
     KTNODE *screen = show->interface->findByNameInHierarchy("screen");
-    KTMATERIAL *material = KTMATERIAL::findByName("screen");
+    KTMATERIAL *material = KTMATERIAL::findByName("film.screen");
     if (!show->box || !screen || screen->getType() != KT_BOX || !material) return false;
 
     KTTEXTURE *picture = new KTTEXTURE;

@@ -6,8 +6,7 @@
 
 #include "tests/scene/scene_parts.h"
 #include "tests/support/engine_fixture.h"
-#include "tools/samples/figure.h"
-#include "tools/samples/shapes.h"
+#include "tests/support/shapes.h"
 
 namespace keltra::test {
 namespace {
@@ -43,10 +42,9 @@ class PickingSceneTest : public EngineTest {
             material.emission = {float(code >> 11) / 31.0f, float(code >> 5 & 63) / 63.0f,
                                  float(code & 31) / 31.0f, 1.0f};
             scene.materials.push_back(material);
-            samples::MeshBuilder mesh;
             const formats::Vec3 tip = {uniform(-3, 3), uniform(-3, 3), uniform(-3, 3)};
-            mesh.spike({0.0f, 0.0f, 0.0f}, tip, uniform(0.3f, 1.5f), 5);
-            formats::Node node = mesh.finish("spike" + std::to_string(number), material.name);
+            formats::Node node =
+                spikeNode("spike" + std::to_string(number), material.name, tip, uniform(0.3f, 1.5f));
             node.position = {uniform(-9, 9), uniform(-12, 12), uniform(-40, -20)};
             scene.root.children.push_back(node);
         }
@@ -136,10 +134,9 @@ class PickingFigureTest : public PickingSceneTest {
    protected:
     void SetUp() override {
         PickingSceneTest::SetUp();
-        for (const samples::SampleFile &file : samples::makeFigureFiles())
-            folder.write(file.name, file.bytes);
-        KELTRA::setKTEPath(folder.prefix().c_str());
-        KTANIM::setKTAPath(folder.prefix().c_str());
+        KELTRA::setKTEPath(KELTRA_EXAMPLE_DATA);
+        KTANIM::setKTAPath(KELTRA_EXAMPLE_DATA);
+        KTTEXTURE::setPath(KELTRA_EXAMPLE_DATA);
         garden = KELTRA::load("garden.kte");
         ASSERT_NE(garden, nullptr);
         camera.setTargetNode(&camera);
@@ -171,7 +168,7 @@ TEST_F(PickingFigureTest, ASkinIsPickedWhereItsPoseHasTakenIt) {
             if (KELTRA::select(x, y) != 1000u) free.emplace_back(x, y);
     ASSERT_FALSE(free.empty());
     KTANIM *wave = new KTANIM;
-    ASSERT_TRUE(wave->load("wave.kta"));
+    ASSERT_TRUE(wave->load("figure_wave.kta"));
     wave->setTranslating(true);
     bool reached = false;
     for (unsigned frame = 0; frame < wave->getNumberOfFrames(); frame += 4) {

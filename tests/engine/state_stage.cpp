@@ -3,8 +3,8 @@
 #include <stdexcept>
 
 #include "tests/scene/scene_parts.h"
+#include "tests/support/shapes.h"
 #include "tools/formats/tga_writer.h"
-#include "tools/samples/shapes.h"
 
 namespace keltra::test {
 namespace {
@@ -61,17 +61,13 @@ formats::Scene sceneWith(formats::Node node) {
 }
 
 formats::Node boxNode(const char *materialName) {
-    samples::MeshBuilder builder;
-    builder.box({-0.8f, -0.8f, -0.8f}, {0.8f, 0.8f, 0.8f}, 2.0f);
-    formats::Node node = builder.finish("box", materialName);
+    formats::Node node = test::boxNode("box", materialName, 0.8f);
     node.mesh.rotation = {25.0f, 35.0f, 10.0f};
     return node;
 }
 
 formats::Node boardNode(const char *materialName) {
-    samples::MeshBuilder builder;
-    builder.billboard({}, 0.9f, 0.9f);
-    return builder.finish("board", materialName);
+    return test::boardNode("board", materialName, 0.9f);
 }
 
 KTNODE *load(const char *name, Side side) {

@@ -1,10 +1,10 @@
 // Whole pictures of the real driver, from scene files to the frame buffer.
 
+#include "tests/scene/scene_parts.h"
 #include "tests/support/engine_fixture.h"
+#include "tests/support/shapes.h"
 #include "tests/support/temp_file.h"
 #include "tools/formats/tga_writer.h"
-#include "tools/samples/scene.h"
-#include "tools/samples/shapes.h"
 
 namespace {
 
@@ -24,8 +24,8 @@ class Golden : public keltra::test::EngineTest {
     }
 
     KTNODE *loadSampleScene() {
-        for (const keltra::samples::SampleFile &file : keltra::samples::makeSampleFiles())
-            folder.write(file.name, file.bytes);
+        KELTRA::setKTEPath(KELTRA_EXAMPLE_DATA);
+        KTTEXTURE::setPath(KELTRA_EXAMPLE_DATA);
         camera.setPosition(-8.0f, 5.8f, 19.4f);
         camera.setTargetNode(&camera);
         camera.setTarget(0.0f, 5.4f, 0.0f);
@@ -62,9 +62,7 @@ keltra::formats::Material material(const char *name, keltra::formats::Color diff
 }
 
 keltra::formats::Node boxMesh(const char *name, const char *materialName, keltra::formats::Vec3 center) {
-    keltra::samples::MeshBuilder builder;
-    builder.box({-1.0f, -1.0f, -1.0f}, {1.0f, 1.0f, 1.0f}, 2.0f);
-    keltra::formats::Node node = builder.finish(name, materialName);
+    keltra::formats::Node node = keltra::test::boxNode(name, materialName);
     node.position = center;
     node.mesh.rotation = {25.0f, 35.0f, 10.0f};
     return node;
@@ -78,15 +76,16 @@ keltra::formats::Scene boxes() {
                        material("green", {0.1f, 0.8f, 0.2f, 1.0f}, 0.6f),
                        material("stone", {0.7f, 0.7f, 0.8f, 1.0f}, 1.0f)};
     scene.materials[2].texture = "checker.tga";
-    scene.root = keltra::samples::plainNode("root");
+    scene.root = keltra::test::plainNode("root");
     scene.root.children = {boxMesh("near", "red", {-0.6f, 0.0f, -7.0f}),
                            boxMesh("middle", "green", {0.6f, 0.6f, -10.0f}),
                            boxMesh("far", "stone", {0.0f, -0.8f, -14.0f})};
     for (int i = 0; i < 6; ++i) {
         float x = static_cast<float>(i * 4 - 10);
-        scene.root.children.push_back(
-            keltra::samples::pointLight("light" + std::to_string(i), {x, 4.0f - x * 0.5f, -4.0f},
-                                        {i % 2 ? 0.5f : 0.2f, 0.3f, i % 2 ? 0.1f : 0.5f}));
+        keltra::formats::Node light = keltra::test::lightNode("light" + std::to_string(i));
+        light.position = {x, 4.0f - x * 0.5f, -4.0f};
+        light.light.color = {i % 2 ? 0.5f : 0.2f, 0.3f, i % 2 ? 0.1f : 0.5f};
+        scene.root.children.push_back(light);
     }
     return scene;
 }

@@ -6,8 +6,6 @@
 #include <set>
 
 #include "tests/support/engine_fixture.h"
-#include "tests/support/temp_file.h"
-#include "tools/samples/figure.h"
 
 namespace keltra::test {
 namespace {
@@ -18,16 +16,14 @@ class WalkTest : public EngineTest {
    protected:
     void SetUp() override {
         EngineTest::SetUp();
-        for (const samples::SampleFile &file : samples::makeFigureFiles())
-            folder.write(file.name, file.bytes);
-        KELTRA::setKTEPath(folder.prefix().c_str());
-        KTANIM::setKTAPath(folder.prefix().c_str());
-        KTTEXTURE::setPath(folder.prefix().c_str());
+        KELTRA::setKTEPath(KELTRA_EXAMPLE_DATA);
+        KTANIM::setKTAPath(KELTRA_EXAMPLE_DATA);
+        KTTEXTURE::setPath(KELTRA_EXAMPLE_DATA);
         KTOPENGL::setGlobalAmbientLight(0.30f, 0.30f, 0.34f, 1.0f);
         meadow = KELTRA::load("meadow.kte");
         figure = KELTRA::load("figure.kte");
         walk = new KTANIM;
-        ASSERT_TRUE(meadow && figure && walk->load("walk.kta"));
+        ASSERT_TRUE(meadow && figure && walk->load("figure_walk.kta"));
         walk->setTranslating(true);
         for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture; texture = texture->getNext())
             texture->setFilter(true, true, false);
@@ -53,7 +49,6 @@ class WalkTest : public EngineTest {
         });
     }
 
-    TempFolder folder;
     KTNODE *meadow = nullptr, *figure = nullptr;
     KTANIM *walk = nullptr;
     KTCAMERA camera;

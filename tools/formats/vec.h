@@ -1,10 +1,7 @@
 #ifndef KELTRA_FORMATS_VEC_H
 #define KELTRA_FORMATS_VEC_H
 
-// The writers' own small value types and the trigonometry of the sample
-// scene. The sine is a polynomial made of additions and multiplications only:
-// the C library's differs in its last bit from machine to machine, and the
-// sample files must not.
+// The writers' own small value types.
 
 #include <cmath>
 
@@ -43,29 +40,6 @@ inline Vec3 normalized(Vec3 v) {
 
 inline float mix(float a, float b, float t) { return a + (b - a) * t; }
 inline Vec3 mix(Vec3 a, Vec3 b, float t) { return a + (b - a) * t; }
-
-// Smallest step of the 16.16 coordinates that the scene ends up in.
-inline float onGrid(float value) { return std::floor(value * 65536.0f + 0.5f) * (1.0f / 65536.0f); }
-
-inline Vec3 onGrid(Vec3 v) { return {onGrid(v.x), onGrid(v.y), onGrid(v.z)}; }
-
-// Sine of an angle in degrees, to about 1/65536.
-inline float sine(float degrees) {
-    float turn = degrees * (1.0f / 360.0f);
-    turn -= std::floor(turn + 0.5f);         // -0.5 .. 0.5
-    if (turn > 0.25f) turn = 0.5f - turn;    // the sine is symmetric
-    if (turn < -0.25f) turn = -0.5f - turn;  // about a quarter turn
-    const float a = turn * 6.28318531f;
-    const float s = a * a;
-    return onGrid(a * (1.0f + s * (-1.0f / 6 + s * (1.0f / 120 + s * (-1.0f / 5040 + s * (1.0f / 362880))))));
-}
-
-inline float cosine(float degrees) { return sine(degrees + 90.0f); }
-
-// `radius` away from the y axis; 0 degrees looks along +z, 90 along +x.
-inline Vec3 polar(float degrees, float radius, float y) {
-    return {sine(degrees) * radius, y, cosine(degrees) * radius};
-}
 
 }  // namespace keltra::formats
 

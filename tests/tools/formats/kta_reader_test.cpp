@@ -1,6 +1,6 @@
 #include "tools/formats/kta_reader.h"
 
-#include "tools/samples/figure.h"
+#include "tests/tools/example_data.h"
 
 #include <gtest/gtest.h>
 
@@ -45,18 +45,14 @@ Animation randomAnimation(unsigned seed, unsigned bones, unsigned frames) {
     return animation;
 }
 
-TEST(KtaReader, SampleFilesComeBackByteForByte) {
-    unsigned animations = 0;
-    for (const samples::SampleFile &file : samples::makeFigureFiles()) {
-        if (file.name.find(".kta") == std::string::npos) continue;
-        ++animations;
-        EXPECT_EQ(again(file.bytes), file.bytes) << file.name;
-    }
-    EXPECT_EQ(animations, 2u);
+TEST(KtaReader, ExampleFilesComeBackByteForByte) {
+    const std::vector<test::ExampleFile> animations = test::exampleFiles("figure_", ".kta");
+    for (const test::ExampleFile &file : animations) EXPECT_EQ(again(file.bytes), file.bytes) << file.name;
+    EXPECT_EQ(animations.size(), 2u);
 }
 
 TEST(KtaReader, ReadsWhatTheWriterWasGiven) {
-    const Animation walk = samples::makeWalk();
+    const Animation walk = test::exampleAnimation("figure_walk.kta");
     const std::optional<Animation> read = readKta(writeKta(walk));
     ASSERT_TRUE(read);
     EXPECT_EQ(read->bones, walk.bones);

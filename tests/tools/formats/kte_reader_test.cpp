@@ -1,7 +1,6 @@
 #include "tools/formats/kte_reader.h"
 
-#include "tools/samples/figure.h"
-#include "tools/samples/film.h"
+#include "tests/tools/example_data.h"
 
 #include <gtest/gtest.h>
 
@@ -112,21 +111,14 @@ class RandomScene {
     std::mt19937 random;
 };
 
-TEST(KteReader, SampleFilesComeBackByteForByte) {
-    std::vector<samples::SampleFile> files = samples::makeSampleFiles();
-    for (const auto &more : {samples::makeFigureFiles(), samples::makeFilmFiles()})
-        files.insert(files.end(), more.begin(), more.end());
-    unsigned scenes = 0;
-    for (const samples::SampleFile &file : files) {
-        if (file.name.find(".kte") == std::string::npos) continue;
-        ++scenes;
-        EXPECT_EQ(again(file.bytes), file.bytes) << file.name;
-    }
-    EXPECT_GE(scenes, 4u);
+TEST(KteReader, ExampleFilesComeBackByteForByte) {
+    const std::vector<test::ExampleFile> scenes = test::exampleFiles("", ".kte");
+    for (const test::ExampleFile &file : scenes) EXPECT_EQ(again(file.bytes), file.bytes) << file.name;
+    EXPECT_GE(scenes.size(), 5u);
 }
 
 TEST(KteReader, ReadsWhatTheWriterWasGiven) {
-    const Scene figure = samples::makeFigure();
+    const Scene figure = test::exampleScene("figure.kte");
     const std::optional<KteFile> file = readKte(writeKte(figure, KteVersion::k16a));
     ASSERT_TRUE(file);
     EXPECT_EQ(file->version, KteVersion::k16a);

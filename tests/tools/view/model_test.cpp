@@ -148,14 +148,14 @@ TEST_F(ModelTest, OfTheSameNamesAsThePanelsTakesNothingFromIt) {
     formats::Scene scene = triangleScene(1.0f, {0.0f, 0.0f, 0.0f});
     scene.materials[0].texture = "font.tga";
     scene.root.children[0].mesh.uvs.assign(3, {0.5f, 0.5f});
-    std::filesystem::copy_file(sample("paving.tga"), folder.path("font.tga"));
+    std::filesystem::copy_file(sample("scene_paving_d.tga"), folder.path("font.tga"));
     start(write(scene));
     frames(2);
     EXPECT_EQ(KTTEXTURE::getNumberOfTextures(), 3u) << "backdrop, font, and the model's own";
 }
 
 TEST_F(ModelTest, MoreTexturesThanTheBudgetLeaveThePanelReadable) {
-    start(sample("figure.kte"));
+    start(sample("garden.kte"));
     frames(2);
     const keltra::support::Shot before = shot();
     KTTEXTURE::garbageCollect(0);  // everything is evicted

@@ -108,7 +108,7 @@ TEST_F(Program, SavesThePictureOfTheLastFrame) {
 
 TEST_F(Program, RepeatsExactly) {
     for (const char *name : {"one.png", "two.png"}) {
-        ASSERT_EQ(view({kData + "figure.kte", "--clip", kData + "walk.kta", "--frames", "7", "--shot",
+        ASSERT_EQ(view({kData + "figure.kte", "--clip", kData + "figure_walk.kta", "--frames", "7", "--shot",
                         folder.path(name)})
                       .status,
                   0);
@@ -119,7 +119,8 @@ TEST_F(Program, RepeatsExactly) {
 
 TEST_F(Program, MakesATurntable) {
     const std::string pictures = folder.path("deep/pictures");
-    const Ended run = view({kData + "figure.kte", "--clip", kData + "walk.kta", "--turntable", pictures});
+    const Ended run =
+        view({kData + "figure.kte", "--clip", kData + "figure_walk.kta", "--turntable", pictures});
     EXPECT_EQ(run.status, 0) << run.err;
     std::vector<Image> images;
     for (int i = 0; i < 12; ++i) {

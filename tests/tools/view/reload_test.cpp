@@ -55,7 +55,8 @@ class Reload : public ViewerTest {
 }  // namespace
 
 TEST_F(Reload, TakesOverAnotherStateOfTheFile) {
-    const std::string file = copied({"figure.kte", "figure.tga", "meadow.tga", "daysky.tga"});
+    const std::string file =
+        copied({"figure.kte", "figure_figure_d.tga", "meadow_meadow_d.tga", "meadow_daysky_d.tga"});
     start(file);
     frames(2);
     const Shot before = shot();
@@ -75,11 +76,12 @@ TEST_F(Reload, TakesOverAnotherStateOfTheFile) {
 }
 
 TEST_F(Reload, ReadsTexturesAndMaterialsAnew) {
-    const std::string file = copied({"figure.kte", "figure.tga"});
+    const std::string file = copied({"figure.kte", "figure_figure_d.tga"});
     start(file);
     frames(2);
     const Shot before = shot();
-    fs::copy_file(sample("paving.tga"), folder.path("figure.tga"), fs::copy_options::overwrite_existing);
+    fs::copy_file(sample("scene_paving_d.tga"), folder.path("figure_figure_d.tga"),
+                  fs::copy_options::overwrite_existing);
     replace(file, "figure.kte");
     poll();
     frames(1);
@@ -87,8 +89,8 @@ TEST_F(Reload, ReadsTexturesAndMaterialsAnew) {
 }
 
 TEST_F(Reload, AHundredTimesLeavesNothingBehind) {
-    const std::string file = copied({"figure.kte", "figure.tga"});
-    fs::copy_file(sample("walk.kta"), folder.path("figure_walk.kta"));
+    const std::string file = copied({"figure.kte", "figure_figure_d.tga"});
+    fs::copy_file(sample("figure_walk.kta"), folder.path("figure_walk.kta"));
     start(file);
     std::optional<Counts> before;
     std::size_t heap = 0;
@@ -111,7 +113,7 @@ TEST_F(Reload, AHundredTimesLeavesNothingBehind) {
 }
 
 TEST_F(Reload, OfADamagedFileKeepsTheModelAndSaysSo) {
-    const std::string file = copied({"figure.kte", "figure.tga"});
+    const std::string file = copied({"figure.kte", "figure_figure_d.tga"});
     start(file);
     frames(2);
     const Shot before = shot();
@@ -137,7 +139,7 @@ TEST_F(Reload, OfADamagedFileKeepsTheModelAndSaysSo) {
 }
 
 TEST_F(Reload, WaitsForAFileThatIsAway) {
-    const std::string file = copied({"figure.kte", "figure.tga"});
+    const std::string file = copied({"figure.kte", "figure_figure_d.tga"});
     start(file);
     fs::remove(file);
     poll();
@@ -150,9 +152,9 @@ TEST_F(Reload, WaitsForAFileThatIsAway) {
 }
 
 TEST_F(Reload, KeepsTheViewAndTheClip) {
-    const std::string file = copied({"figure.kte", "figure.tga"});
-    fs::copy_file(sample("walk.kta"), folder.path("figure_walk.kta"));
-    fs::copy_file(sample("wave.kta"), folder.path("figure_wave.kta"));
+    const std::string file = copied({"figure.kte", "figure_figure_d.tga"});
+    fs::copy_file(sample("figure_walk.kta"), folder.path("figure_walk.kta"));
+    fs::copy_file(sample("figure_wave.kta"), folder.path("figure_wave.kta"));
     start(file);
     key(SDLK_n);
     key(SDLK_LEFT);
@@ -161,7 +163,7 @@ TEST_F(Reload, KeepsTheViewAndTheClip) {
     frames(1);
     const float yaw = viewer->view().yaw();
     EXPECT_EQ(viewer->chosenClip(), 1u);
-    fs::copy_file(sample("walk.kta"), folder.path("figure_another.kta"));
+    fs::copy_file(sample("figure_walk.kta"), folder.path("figure_another.kta"));
     replace(file, "figure.kte");
     poll();
     EXPECT_EQ(viewer->clipCount(), 3u);
@@ -170,7 +172,7 @@ TEST_F(Reload, KeepsTheViewAndTheClip) {
 }
 
 TEST_F(Reload, AClipThatIsGoneOrDamagedIsToldOf) {
-    const std::string file = copied({"figure.kte", "figure.tga"});
+    const std::string file = copied({"figure.kte", "figure_figure_d.tga"});
     folder.write("figure_walk.kta", std::string_view("no clip"));
     testing::internal::CaptureStderr();
     start(file);

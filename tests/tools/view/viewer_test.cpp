@@ -15,7 +15,7 @@ constexpr int kModelTop = 62, kModelBottom = 215;
 }  // namespace
 
 TEST_F(ViewerTest, ShowsAFigureThatWalks) {
-    start(sample("figure.kte"), {sample("walk.kta"), sample("wave.kta")});
+    start(sample("figure.kte"));  // beside it are its clips, walk and wave
     EXPECT_EQ(viewer->clipCount(), 2u);
     const Shot first = shot("figure");
     frames(6);
@@ -37,7 +37,7 @@ TEST_F(ViewerTest, EveryModelStandsBeforeTheBackdrop) {
 }
 
 TEST_F(ViewerTest, KeysSwitchWhatIsShown) {
-    start(sample("figure.kte"), {sample("walk.kta")});
+    start(sample("figure.kte"), {sample("figure_walk.kta")});
     key(SDLK_SPACE);
     frames(1);
     Shot before = shot();
@@ -70,7 +70,7 @@ TEST_F(ViewerTest, LandscapesAreSeenFromWithin) {
 }
 
 TEST_F(ViewerTest, ThePanelFoldsByKeyAndByClick) {
-    start(sample("figure.kte"), {sample("walk.kta")});
+    start(sample("figure.kte"), {sample("figure_walk.kta")});
     key(SDLK_SPACE);
     frames(1);
     const Shot open = shot();
@@ -91,7 +91,7 @@ TEST_F(ViewerTest, ThePanelFoldsByKeyAndByClick) {
 }
 
 TEST_F(ViewerTest, TheTitleBarStaysWhenItIsDragged) {
-    start(sample("figure.kte"));
+    start(sample("garden.kte"));
     frames(1);
     const Shot before = shot();
     button(60, kTitleY, true);
@@ -165,7 +165,7 @@ TEST_F(ViewerTest, TheStripAtTheRightZooms) {
 }
 
 TEST_F(ViewerTest, ThePanelPlaysPausesAndChooses) {
-    start(sample("figure.kte"), {sample("walk.kta"), sample("wave.kta")});
+    start(sample("figure.kte"));
     click(kPlayX, kPlayY);
     EXPECT_FALSE(viewer->clipClock().isPlaying());
     const unsigned frame = viewer->clipClock().frame();
@@ -183,7 +183,7 @@ TEST_F(ViewerTest, ThePanelPlaysPausesAndChooses) {
 }
 
 TEST_F(ViewerTest, TheSliderScrubsThroughTheClip) {
-    start(sample("figure.kte"), {sample("walk.kta")});
+    start(sample("figure.kte"), {sample("figure_walk.kta")});
     key(SDLK_SPACE);
     frames(2);
     button(14, 271, true);
@@ -213,7 +213,7 @@ TEST_F(ViewerTest, CountsWhatItDraws) {
 }
 
 TEST_F(ViewerTest, PortraitsAreAllDifferentAndWithoutAPanel) {
-    start(sample("figure.kte"), {sample("walk.kta")});
+    start(sample("figure.kte"), {sample("figure_walk.kta")});
     std::vector<Shot> shots;
     for (int i = 0; i < 4; ++i)
         viewer->portrait(90.0f * static_cast<float>(i),
