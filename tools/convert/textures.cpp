@@ -45,7 +45,7 @@ std::string quoted(const std::string &path) { return "texture " + cleanText(path
 
 unsigned largestSide(unsigned size) {
     unsigned power = 1;
-    while (power * 2 <= std::min(size, kLargestSide)) power *= 2;
+    while (power * 2 <= std::min(size, kMaxTextureSize)) power *= 2;
     return power;
 }
 
