@@ -1,5 +1,5 @@
-// The program, run over every file of the package of models: whatever it is given, it converts it or says in
-// one line why not.
+// Runs the program on every file of the package of models: each is converted or refused with a reason in one
+// line.
 
 #include "tests/scene/scene_parts.h"
 #include "tests/tools/convert/support/clips.h"
@@ -20,9 +20,9 @@ namespace keltra::test {
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr double kPatience = 250.0;  // seconds a file
+constexpr double kTimeLimit = 250.0;  // seconds per file
 #else
-constexpr double kPatience = 50.0;
+constexpr double kTimeLimit = 50.0;
 #endif
 constexpr unsigned kWorkers = 2;
 constexpr double kBound = 0.0005;  // of a model's size
@@ -33,8 +33,8 @@ struct Model {
 
 class CorpusTest : public SceneTest {
    protected:
-    /// Converts all of them, a few at once, each into a folder of its own.
-    std::map<std::string, ConverterRun> convertAll(const std::vector<Model> &models, double patience) {
+    /// Converts all models, a few at once, each into its own folder.
+    std::map<std::string, ConverterRun> convertAll(const std::vector<Model> &models, double timeLimit) {
         std::map<std::string, ConverterRun> runs;
         std::vector<std::string> faults;
         std::mutex guard;  // of the two, and of the engine
@@ -43,7 +43,7 @@ class CorpusTest : public SceneTest {
             for (std::size_t i; (i = next++) < models.size();) {
                 const TempFolder target;
                 const std::string output = target.path("converted");
-                ConverterRun run = runConverter(models[i].path, output, patience);
+                ConverterRun run = runConverter(models[i].path, output, timeLimit);
                 const std::lock_guard<std::mutex> lock(guard);
                 const std::string fault = judgeRun(run, models[i].path, output);
                 if (!fault.empty()) faults.push_back(models[i].name + ": " + fault);
@@ -57,7 +57,7 @@ class CorpusTest : public SceneTest {
         return runs;
     }
 
-    static void tell(const std::map<std::string, ConverterRun> &runs) {
+    static void printSummary(const std::map<std::string, ConverterRun> &runs) {
         unsigned converted = 0;
         const std::pair<const std::string, ConverterRun> *slowest = nullptr;
         for (const auto &run : runs) {
@@ -72,8 +72,8 @@ class CorpusTest : public SceneTest {
 TEST_F(CorpusTest, EveryFileOfThePackageIsConvertedOrRefusedInOneLine) {
     std::vector<Model> models;
     for (const std::string &file : packageFiles()) models.push_back({file, packagePath(file)});
-    const std::map<std::string, ConverterRun> runs = convertAll(models, kPatience);
-    tell(runs);
+    const std::map<std::string, ConverterRun> runs = convertAll(models, kTimeLimit);
+    printSummary(runs);
     ASSERT_EQ(runs.size(), models.size());
     EXPECT_GE(
         std::count_if(runs.begin(), runs.end(), [](const auto &run) { return run.second.exitCode == 0; }),
@@ -119,8 +119,8 @@ TEST_F(CorpusTest, FilesThatEndEarlyAreConvertedOrRefusedInOneLine) {
             models.push_back({name, folder.write(name, bytes.data(), bytes.size() * share / 100)});
         }
     }
-    const std::map<std::string, ConverterRun> runs = convertAll(models, 0.3 * kPatience);
-    tell(runs);
+    const std::map<std::string, ConverterRun> runs = convertAll(models, 0.3 * kTimeLimit);
+    printSummary(runs);
     EXPECT_EQ(runs.size(), models.size());
 }
 
@@ -129,12 +129,12 @@ TEST_F(CorpusTest, AnImporterThatDoesNotEndIsStopped) {
     const std::string model =
         folder.write("cut.ply", std::string("ply\nformat ascii 1.0\nelement vertex 3\n"));
     const TempFolder target;
-    const ConverterRun run = runConverter(model, target.path("converted"), 0.1 * kPatience);
+    const ConverterRun run = runConverter(model, target.path("converted"), 0.1 * kTimeLimit);
     EXPECT_EQ(judgeRun(run, model, target.path("converted")), "");
     EXPECT_EQ(run.exitCode, 1);
 }
 
-// Those that move are posed in a window, by another test.
+// Moving models are posed in a window by convert_pose_test.
 TEST_F(CorpusTest, EveryModelThatDoesNotMoveStandsWhereItStood) {
     unsigned compared = 0;
     double largest = 0.0;
@@ -152,7 +152,7 @@ TEST_F(CorpusTest, EveryModelThatDoesNotMoveStandsWhereItStood) {
         expected.add(scaled(source.at(-1, 0.0), conversion.report.scale));
         actual.add(shapeOf(poseWithoutWindow(loaded.root())));
         const Deviation deviation = compare(source, expected, actual, kBound, file);
-        EXPECT_LT(deviation.largest, kBound) << deviation.stragglers;
+        EXPECT_LT(deviation.largest, kBound) << deviation.outliers;
         largest = std::max(largest, deviation.largest);
         ++compared;
     }

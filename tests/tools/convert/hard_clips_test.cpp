@@ -1,4 +1,4 @@
-// Animations that are longer, larger or emptier than a file of the engine holds.
+// Animations beyond the limits of the engine's files, and empty ones.
 
 #include "tests/tools/convert/support/clips.h"
 #include "tests/tools/convert/support/convert_fixture.h"
@@ -34,7 +34,7 @@ class HardClipsTest : public ConvertTest {
             const Deviation deviation = compareClip(
                 source, *made.loaded, clip, made.report().scale, spreadFrames(clip, frames), kBound,
                 [](KTNODE *root) { return shapeOf(poseWithoutWindow(root)); }, fps);
-            EXPECT_LT(deviation.largest, kBound) << deviation.stragglers;
+            EXPECT_LT(deviation.largest, kBound) << deviation.outliers;
         }
     }
 };

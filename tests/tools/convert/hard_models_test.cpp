@@ -59,8 +59,8 @@ class HardModelsTest : public ConvertTest {
         const double near = bound * extent(expected);
         const std::vector<std::vector<Point>> actual = {shapeOf(poseWithoutWindow(made.root())).corners};
         ASSERT_FALSE(actual[0].empty());
-        EXPECT_EQ(findGap(actual, {}, expected, near).stragglers, 0u);
-        EXPECT_EQ(findGap(expected, source.solidCorners(), actual, near).stragglers, 0u);
+        EXPECT_EQ(findGap(actual, {}, expected, near).outliers, 0u);
+        EXPECT_EQ(findGap(expected, source.solidCorners(), actual, near).outliers, 0u);
     }
 };
 

@@ -96,7 +96,7 @@ class HardSkinsTest : public ConvertTest {
             const Deviation deviation =
                 compareClip(source, *made.loaded, clip, made.report().scale, spreadFrames(clip, 10), bound,
                             [](KTNODE *root) { return shapeOf(poseWithoutWindow(root)); });
-            EXPECT_LT(deviation.largest, bound) << deviation.stragglers;
+            EXPECT_LT(deviation.largest, bound) << deviation.outliers;
         }
     }
 

@@ -197,18 +197,18 @@ TEST_F(IsolatedTest, NoiseReachesNobody) {
 }
 
 TEST_F(IsolatedTest, TellsTheProgress) {
-    std::vector<std::pair<std::string, double>> told;
-    const auto progress = [&](const char *what, double done) { told.emplace_back(what, done); };
-    const auto convert = [](const Options &, const Progress &tell) {
-        tell("meshes", 0.25);
-        tell("meshes", 0.3);  // too soon to be of interest
+    std::vector<std::pair<std::string, double>> reported;
+    const auto progress = [&](const char *what, double done) { reported.emplace_back(what, done); };
+    const auto convert = [](const Options &, const Progress &progress) {
+        progress("meshes", 0.25);
+        progress("meshes", 0.3);  // too soon to be of interest
         ::usleep(100000);
-        tell("textures", 0.5);
+        progress("textures", 0.5);
         return good();
     };
     EXPECT_TRUE(convertIsolated(convert, options, "", progress, kLong).converted);
-    EXPECT_THAT(told, ElementsAre(std::make_pair(std::string("meshes"), 0.25),
-                                  std::make_pair(std::string("textures"), 0.5)));
+    EXPECT_THAT(reported, ElementsAre(std::make_pair(std::string("meshes"), 0.25),
+                                      std::make_pair(std::string("textures"), 0.5)));
 }
 
 TEST_F(IsolatedTest, TakesLargeOutcomes) {
@@ -231,7 +231,7 @@ TEST_F(IsolatedTest, WhatCannotBeWrittenIsARefusal) {
     EXPECT_THAT(reason, HasSubstr("a_d.tga: File too large"));
 }
 
-// A process that converts for ever, the process that does the work for it, and what is left of both.
+// A process whose conversion does not end, and its child process.
 class InterruptedTest : public IsolatedTest {
    protected:
     void SetUp() override {
@@ -268,7 +268,7 @@ TEST_F(InterruptedTest, BothEnd) {
 
 TEST_F(InterruptedTest, AKilledProcessTakesTheOtherWithIt) {
     interrupt(SIGKILL);
-    // Whoever inherits the worker has to wait for it as well.
+    // The process that inherits the worker has to wait for it too.
     EXPECT_TRUE(comes([&] {
         const std::vector<std::uint8_t> state = readFile("/proc/" + std::to_string(worker) + "/stat");
         return !isRunning(worker) || std::string(state.begin(), state.end()).find(") Z") != std::string::npos;

@@ -1,5 +1,5 @@
-// The converter held against its models: what the engine shows of a converted clip, vertex by vertex, is
-// where the model's own matrices put it.
+// Compares converted clips with their models: each vertex that the engine shows has the position that the
+// model's own matrices give.
 
 #include "tests/support/engine_fixture.h"
 #include "tests/tools/convert/support/clips.h"
@@ -17,7 +17,7 @@ namespace {
 constexpr double kBound = 0.002;  // of the model's size
 constexpr unsigned kFramesAClip = 10;
 
-// They have to be among the models that are checked, whatever else the package holds.
+// Models that are always checked.
 const char *const kAlways[] = {
     "BVH/Boxing_Toes.bvh",
     "CSM/ThomasFechten.csm",
@@ -31,15 +31,15 @@ const char *const kAlways[] = {
     "glTF2/simple_skin/simple_skin.gltf",
 };
 
-// What the engine cannot show as the model has it, and the word by which the report has to say so.
+// Models that the engine cannot show exactly, and the word that the report must contain.
 constexpr char kScales[] = "animated scales", kInfluences[] = "influences", kBindPose[] = "bind pose";
 const std::map<std::string, std::string> kInexact = {
-    {"ASE/anim.ASE", kScales},  // at rest a box has a scale that the clip takes away
+    {"ASE/anim.ASE", kScales},  // a box has a scale in its rest pose only
     {"ASE/anim2.ASE", kScales},
-    {"Collada/cameras.dae",
-     kBindPose},  // skeletons without clips, at rest in another pose than they are bound in
+    // Skeletons without clips, whose rest pose is not their bind pose.
+    {"Collada/cameras.dae", kBindPose},
     {"Collada/lights.dae", kBindPose},
-    {"FBX/animation_with_skeleton.fbx", kInfluences},  // up to six a vertex
+    {"FBX/animation_with_skeleton.fbx", kInfluences},  // up to six per vertex
 };
 constexpr std::size_t kMostInfluences = 4;
 
@@ -49,7 +49,7 @@ struct Row {
     double largest = 0.0;  // of the model's size
 };
 
-bool saysSo(const convert::Report &report, const std::string &word) {
+bool mentions(const convert::Report &report, const std::string &word) {
     std::string all;
     for (const convert::Dropped &dropped : report.dropped) all += dropped.what + " " + dropped.why + "\n";
     for (const std::string &text : report.warnings) all += text + "\n";
@@ -59,7 +59,7 @@ bool saysSo(const convert::Report &report, const std::string &word) {
 
 class PoseTest : public EngineTest {
    protected:
-    // Before the engine has a window: each file is tried in a process of its own, a copy of this one.
+    // Before the engine has a window: each file is imported in a forked process.
     static void SetUpTestSuite() {
         models = {std::begin(kAlways), std::end(kAlways)};
         for (const std::string &file : packageFiles()) {
@@ -80,11 +80,11 @@ class PoseTest : public EngineTest {
     }
 
     static void note(Row &row, const Deviation &deviation) {
-        std::printf("%s", deviation.stragglers.c_str());
+        std::printf("%s", deviation.outliers.c_str());
         row.largest = std::max(row.largest, deviation.largest);
     }
 
-    /// A model without clips stands as it rests.
+    /// A model without clips is compared in its rest pose.
     void checkRest(const SourcePose &source, Loaded &loaded, double scale, Row &row) {
         Moments expected, actual;
         expected.add(scaled(source.at(-1, 0.0), scale));
@@ -134,7 +134,7 @@ class PoseTest : public EngineTest {
         return row;
     }
 
-    /// What is left out is what is told: with as many influences as the engine takes, the poses are exact.
+    /// The reported influences are the only difference: without them the poses are exact.
     void checkWithoutLightInfluences(SourcePose &source, Loaded &loaded, const convert::Report &report,
                                      Row &row) {
         source.keepHeaviest(kMostInfluences);
@@ -154,7 +154,7 @@ class PoseTest : public EngineTest {
             return;
         }
         row.note = "inexact: " + declared->second;
-        EXPECT_TRUE(saysSo(report, declared->second)) << row.model << ": the report does not say why";
+        EXPECT_TRUE(mentions(report, declared->second)) << row.model << ": the report does not say why";
         EXPECT_GE(row.largest, kBound) << row.model << " is exact by now: take it off the list";
     }
 

@@ -1,5 +1,4 @@
-// Trees of nodes with every kind of transform: whatever the model does with its matrices, each vertex has to
-// stand in the world where it stood.
+// Trees of nodes with every kind of transform: each vertex must keep its position in the world.
 
 #include "tests/tools/convert/support/convert_fixture.h"
 #include "tests/tools/convert/support/source_pose.h"
@@ -140,8 +139,8 @@ class TransformsTest : public ConvertTest {
         }
         for (const std::vector<Point> &actual : {passed, documented, final}) {
             ASSERT_FALSE(actual.empty());
-            EXPECT_EQ(findGap({actual}, {}, expected, near).stragglers, 0u);
-            EXPECT_EQ(findGap(expected, {}, {actual}, near).stragglers, 0u);
+            EXPECT_EQ(findGap({actual}, {}, expected, near).outliers, 0u);
+            EXPECT_EQ(findGap(expected, {}, {actual}, near).outliers, 0u);
         }
         expectNormalsAgree(meshes);
     }

@@ -7,7 +7,7 @@
 
 using keltra::view::glCallsMade;
 
-// The wrappers stand between the engine and the driver: whatever either is asked for is counted, and done.
+// The wrappers are between the engine and the driver: every call is counted and forwarded.
 TEST(GlCalls, CountsThoseOfTheProgramAndOfTheEngine) {
     KTSETTINGS settings;
     ASSERT_TRUE(KELTRA::init(&settings));

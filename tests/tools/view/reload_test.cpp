@@ -20,7 +20,7 @@ struct Counts {
     unsigned videoMemory = KELTRA::getUsedVideoMemory();
     unsigned freshId = freshIdentifier();
 
-    // Identifiers are given out lowest first, so one that grows tells of one that was lost.
+    // The lowest free identifier is given out first: a higher one means that one was leaked.
     static unsigned freshIdentifier() {
         const unsigned id = vnfNewId();
         releaseId(id);

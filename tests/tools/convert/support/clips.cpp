@@ -92,10 +92,10 @@ Deviation compare(const SourcePose &source, const Moments &expected, const Momen
     if (actual.corners.empty() || actual.corners.front().empty()) return {1.0, what + ": nothing is drawn\n"};
     for (int i = 0; i < 4; ++i) {
         deviation.largest = std::max(deviation.largest, gaps[i].largest / size);
-        if (gaps[i].stragglers == 0) continue;
-        deviation.stragglers += what + ": " + std::to_string(gaps[i].stragglers) + " " + names[i] +
-                                " without a partner, number " + std::to_string(gaps[i].point) + " by " +
-                                std::to_string(100.0 * gaps[i].largest / size) + " %\n";
+        if (gaps[i].outliers == 0) continue;
+        deviation.outliers += what + ": " + std::to_string(gaps[i].outliers) + " " + names[i] +
+                              " without a partner, number " + std::to_string(gaps[i].point) + " by " +
+                              std::to_string(100.0 * gaps[i].largest / size) + " %\n";
     }
     return deviation;
 }

@@ -45,11 +45,11 @@ struct Moments {
 
 Shape scaled(Shape shape, double scale);
 
-/// How far what is drawn is away from what it should be, of its size, and the points that are farther than
-/// `bound`, told in lines that begin with `what`.
+/// The largest distance between drawn and expected points, relative to the model's size, and lines that begin
+/// with `what` about points farther than `bound`.
 struct Deviation {
     double largest = 0.0;
-    std::string stragglers;
+    std::string outliers;
 };
 Deviation compare(const SourcePose &source, const Moments &expected, const Moments &actual, double bound,
                   const std::string &what);

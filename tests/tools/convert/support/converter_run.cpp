@@ -43,11 +43,11 @@ pid_t start(const std::vector<std::string> &arguments, const std::string &output
     return child;
 }
 
-void await(pid_t child, double patience, ConverterRun &run) {
+void await(pid_t child, double timeLimit, ConverterRun &run) {
     const Clock::time_point started = Clock::now();
     int status = 0;
     while (waitpid(child, &status, WNOHANG) == 0) {
-        if (secondsSince(started) > patience) {
+        if (secondsSince(started) > timeLimit) {
             run.stopped = true;
             kill(child, SIGKILL);
             waitpid(child, &status, 0);
@@ -139,16 +139,16 @@ std::string judgeRefusal(const ConverterRun &run, const std::string &model) {
 
 }  // namespace
 
-ConverterRun runConverter(const std::string &model, const std::string &folder, double patience) {
-    const TempFolder papers;
-    const std::string output = papers.path("output"), errors = papers.path("errors");
-    const std::string seconds = std::to_string(static_cast<unsigned>(std::max(1.0, 0.8 * patience)));
+ConverterRun runConverter(const std::string &model, const std::string &folder, double timeLimit) {
+    const TempFolder outputs;
+    const std::string output = outputs.path("output"), errors = outputs.path("errors");
+    const std::string seconds = std::to_string(static_cast<unsigned>(std::max(1.0, 0.8 * timeLimit)));
     ConverterRun run;
     const pid_t child = start(
         {KELTRA_CONVERT_PROGRAM, model, "-o", folder, "--json", "--name", "model", "--timeout", seconds},
         output, errors);
     if (child < 0) return run;
-    await(child, patience, run);
+    await(child, timeLimit, run);
     run.output = textOf(output);
     run.errors = textOf(errors);
     run.files = filesIn(folder);

@@ -1,7 +1,7 @@
 #ifndef KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_ENGINE_POSE_H
 #define KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_ENGINE_POSE_H
 
-// What the converter made, as the engine poses it.
+// The converter's output, posed by the engine.
 
 #include <keltra/keltra.h>
 #include "tests/support/temp_file.h"
@@ -34,8 +34,8 @@ std::vector<PosedMesh> drawInRounds(KTNODE *root, const std::function<void()> &d
 /// The same without a window: the GL must be stubbed.
 std::vector<PosedMesh> poseWithoutWindow(KTNODE *root);
 
-/// A conversion's files in a folder, which the engine is told to read from. Everything loaded is destroyed
-/// with it.
+/// A conversion's files in a folder, which the engine is reported to read from. Everything loaded is
+/// destroyed with it.
 class Loaded {
    public:
     explicit Loaded(const convert::Conversion &conversion);

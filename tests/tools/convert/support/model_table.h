@@ -8,7 +8,7 @@
 
 namespace keltra::test {
 
-/// The page of what becomes of each model, `page` being the present one: what stands above its mark is kept.
+/// The page with the result for each model. Of the present `page` the text above its mark is kept.
 std::string modelPage(const std::string &page, const std::map<std::string, ConverterRun> &runs);
 
 }  // namespace keltra::test

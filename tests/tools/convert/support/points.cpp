@@ -12,7 +12,7 @@ namespace {
 
 using Moments = std::vector<std::vector<Point>>;
 
-constexpr std::size_t kSearchedStragglers = 50;  // each costs a walk over all points
+constexpr std::size_t kSearchedOutliers = 50;  // each costs a walk over all points
 
 /// Points of one moment in cubes as wide as the reach of a search.
 class Cubes {
@@ -94,7 +94,7 @@ Gap findGap(const Moments &from, const std::vector<bool> &counts, const Moments 
         const auto consider = [&](std::size_t j) { best = std::min(best, apart(from, i, to, j, best)); };
         if (isFinite(from.front()[i])) cubes.visitAround(from.front()[i], consider);
         if (best > near) {
-            if (gap.stragglers++ < kSearchedStragglers)
+            if (gap.outliers++ < kSearchedOutliers)
                 for (std::size_t j = 0; j < targets; ++j) consider(j);
             else
                 best = near;

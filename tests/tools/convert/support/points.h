@@ -32,11 +32,11 @@ double extent(const std::vector<std::vector<Point>> &moments);
 
 /// How far `from` is away from `to` at worst. Each is a list of moments with the same points in the same
 /// order; the two need not have the same points. A point's partner is the one that stays nearest to it
-/// through all moments, so points that meet in one moment and part in another are told apart.
+/// through all moments, so points that coincide in one moment only are distinguished.
 struct Gap {
     double largest = 0.0;
-    std::size_t point = 0;       // of `from`, the one that is that far away
-    std::size_t stragglers = 0;  // points farther than `near`
+    std::size_t point = 0;     // of `from`, the one that is that far away
+    std::size_t outliers = 0;  // points farther than `near`
 };
 
 /// `counts`, when not empty, says which points of `from` are asked about. Partners within `near` are found

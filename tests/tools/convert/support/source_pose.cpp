@@ -208,7 +208,7 @@ namespace {
 class Globals {
    public:
     Globals(const aiScene &scene, const aiAnimation *clip, double ticks) : ticks(ticks) {
-        // A channel names its node, and the first node of a name is the one that is meant.
+        // A channel belongs to the first node of its name.
         for (unsigned c = 0; clip && c < clip->mNumChannels; ++c)
             if (const aiNode *node = scene.mRootNode->FindNode(clip->mChannels[c]->mNodeName))
                 channels.emplace(node, clip->mChannels[c]);

@@ -1,8 +1,8 @@
 #ifndef KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_SOURCE_POSE_H
 #define KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_SOURCE_POSE_H
 
-// A model as its importer gives it, posed by its own matrices in double precision: what the converter's
-// result is held against. Nothing here is shared with the converter.
+// A model as its importer gives it, posed by its own matrices in double precision, as reference for the
+// converter's result. Shares no code with the converter.
 
 #include "tests/tools/convert/support/points.h"
 
@@ -21,13 +21,13 @@ class SourcePose {
 
     const aiScene &scene() const { return *read; }
     bool isSkinned() const;
-    /// Leaves each vertex its heaviest bones only, as many as that.
+    /// Keeps only the `count` influences of the largest weights of each vertex.
     void keepHeaviest(std::size_t influences);
     /// Length of the clip.
     double seconds(unsigned clip) const;
 
     /// The points at a time of a clip, or at rest for a negative clip; always in the same order. Triangles
-    /// with a corner that is no finite number are left out.
+    /// with a corner that is not finite are left out.
     Shape at(int clip, double seconds) const;
 
     /// Which of the corners and middles belong to triangles that have an area: the others may be dropped.
