@@ -33,6 +33,47 @@ bool isFlat(const formats::Vec3 &a, const formats::Vec3 &b, const formats::Vec3 
     return !(formats::length(formats::cross(ab, ac)) > kFlatTriangle * longest);
 }
 
+// The corners of a mesh's triangles, baked.
+struct BakedCorners {
+    BakedCorners(const aiMesh &mesh, const Matrix &bake, const Skin *skin, unsigned uvChannel)
+        : mesh(mesh),
+          bake(bake),
+          normalMatrix(forNormals(bake)),
+          skin(skin),
+          uvs(uvChannel < AI_MAX_NUMBER_OF_TEXTURECOORDS ? mesh.mTextureCoords[uvChannel] : nullptr),
+          normals(cornerNormals(mesh)),
+          facing(facingOf(mesh, normals)),
+          outward(facing == Facing::kFlipNormals ? -1.0 : 1.0),
+          // A mirror exchanges front and back sides: the winding is reversed to keep them.
+          reversed((determinant3(bake) < 0.0) != (facing == Facing::kFlipTriangles)) {}
+
+    // False for a triangle with an index beyond the vertices.
+    bool read(unsigned face, Corner (&corners)[3]) const {
+        for (unsigned i = 0; i < 3; ++i) {
+            const unsigned v = mesh.mFaces[face].mIndices[i];
+            if (v >= mesh.mNumVertices) return false;
+            Corner &corner = corners[reversed ? 2 - i : i];
+            const aiVector3D &at = mesh.mVertices[v];
+            corner.position = narrowed(bake * Vector(at.x, at.y, at.z));
+            const Vector normal = rotated(normalMatrix, normals[std::size_t{face} * 3 + i] * outward);
+            corner.normal = formats::normalized(narrowed(normal * (1.0 / normal.Length())));
+            if (uvs) corner.uv = {usableUV(uvs[v].x), usableUV(uvs[v].y)};
+            if (skin) corner.skin = skin->vertices[v];
+        }
+        return true;
+    }
+
+    const aiMesh &mesh;
+    const Matrix &bake;
+    const Matrix normalMatrix;
+    const Skin *const skin;
+    const aiVector3D *const uvs;
+    const std::vector<Vector> normals;
+    const Facing facing;
+    const double outward;
+    const bool reversed;
+};
+
 }  // namespace
 
 bool operator==(const Corner &a, const Corner &b) {
@@ -55,38 +96,15 @@ std::size_t MeshBuilder::Hash::operator()(const Corner &corner) const {
 
 void MeshBuilder::add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, unsigned uvChannel,
                       Rejects &rejects) {
-    const aiVector3D *uvs =
-        uvChannel < AI_MAX_NUMBER_OF_TEXTURECOORDS ? mesh.mTextureCoords[uvChannel] : nullptr;
-    hasUVs = hasUVs || uvs;
-    const std::vector<Vector> normals = cornerNormals(mesh);
-    const Matrix normalMatrix = forNormals(bake);
-    const Facing facing = facingOf(mesh, normals);
-    const double outward = facing == Facing::kFlipNormals ? -1.0 : 1.0;
-    // A mirror exchanges front and back sides: the winding is reversed to keep them.
-    const bool reversed = (determinant3(bake) < 0.0) != (facing == Facing::kFlipTriangles);
-    if (facing != Facing::kAgrees) ++rejects.insideOut;
+    const BakedCorners baked(mesh, bake, skin, uvChannel);
+    hasUVs = hasUVs || baked.uvs;
+    if (baked.facing != Facing::kAgrees) ++rejects.insideOut;
     for (unsigned f = 0; f < mesh.mNumFaces; ++f) {
         if (onTriangles && f % kProgressStep == kProgressStep - 1) onTriangles(kProgressStep);
-        const aiFace &face = mesh.mFaces[f];
-        if (face.mNumIndices != 3) {
-            ++rejects.linesAndPoints;
-            continue;
-        }
         Corner corners[3];
-        bool inside = true;
-        for (unsigned i = 0; i < 3 && inside; ++i) {
-            const unsigned v = face.mIndices[i];
-            inside = v < mesh.mNumVertices;
-            if (!inside) break;
-            Corner &corner = corners[reversed ? 2 - i : i];
-            const aiVector3D &at = mesh.mVertices[v];
-            corner.position = narrowed(bake * Vector(at.x, at.y, at.z));
-            const Vector normal = rotated(normalMatrix, normals[std::size_t{f} * 3 + i] * outward);
-            corner.normal = formats::normalized(narrowed(normal * (1.0 / normal.Length())));
-            if (uvs) corner.uv = {usableUV(uvs[v].x), usableUV(uvs[v].y)};
-            if (skin) corner.skin = skin->vertices[v];
-        }
-        if (!inside)
+        if (mesh.mFaces[f].mNumIndices != 3)
+            ++rejects.linesAndPoints;
+        else if (!baked.read(f, corners))
             ++rejects.badIndex;
         else if (!isFinite(corners[0].position) || !isFinite(corners[1].position) ||
                  !isFinite(corners[2].position))
