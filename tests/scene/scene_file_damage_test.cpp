@@ -294,8 +294,8 @@ TEST_F(SceneDamageTest, DamageIsRefusedOnTheDevicesStack) {
 
 TEST_F(SceneDamageTest, WithoutMemoryNothingIsLeftBehind) {
     if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    const GlRecorder::Pause pause;  // it takes memory of such sizes too
     const Bytes bytes = formats::writeKte(everything(), KteVersion::k16a);
-    const std::size_t overhead = 32;  // of a block
     const std::size_t sizes[] = {
         bytes.size(),
         Arena::kChunkSize,
@@ -303,12 +303,12 @@ TEST_F(SceneDamageTest, WithoutMemoryNothingIsLeftBehind) {
         sizeof(KTLIGHT),
         sizeof(KTMESH),
         sizeof(KTMATERIAL),
-        3 * sizeof(KTNODE *) + overhead,
-        5 * 32 + 3 * 20 + overhead,  // geometry of five vertices and three faces: 18 bytes a face, padded
-        10 + overhead,
-        40 + overhead,
-        2 * sizeof(KTBONE) + overhead,
-        60 + overhead,
+        3 * sizeof(KTNODE *),
+        5 * 32 + 3 * 20,  // geometry of five vertices and three faces: 18 bytes a face, padded
+        10,
+        40,
+        2 * sizeof(KTBONE),
+        60,
     };
     for (std::size_t size : sizes) {
         for (int nth = 1; nth <= 2; ++nth) {
