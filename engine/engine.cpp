@@ -17,7 +17,9 @@
 #include <keltra/video.h>
 
 #include "core/paths.h"
-#include "foundation/text.h"
+#include "foundation/argument.h"
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
 #include "platform/platform.h"
 
 bool KELTRA::active = false;
@@ -112,9 +114,10 @@ void keltra::setPaths(const KTSETTINGS::RECORD &record) {
 }
 
 bool KELTRA::init(KTSETTINGS *settings) {
-    if (active) return false;
+    if (active) return keltra::failState("KELTRA::init", keltra::kActive);
     KTSETTINGS defaults;
     if (!STARTUP::startAll(settings ? *settings : defaults)) return false;
+    const keltra::FaultOptional optional;  // without a timer only the frame rate is missing
     timer = vnfNewTimer(1.0f);
     timerUpdated = false;
     videoMemoryTotal = kVideoMemory;
@@ -125,8 +128,8 @@ bool KELTRA::init(KTSETTINGS *settings) {
 // The order is fixed: fonts, then nodes, then what nodes refer to, videos after the animations; then the
 // subsystems.
 bool KELTRA::free() {
-    if (!active) return false;
-    vnfFreeTimer(timer);
+    if (!active) return keltra::failState("KELTRA::free", keltra::kInactive);
+    keltra::returnTimer(timer);
     timer = -1;
     KTELEMENT::reset();
     KTFONT::cleanUp();
@@ -144,11 +147,11 @@ bool KELTRA::free() {
 
 void KELTRA::updateTimer() {
     if (timerUpdated) return;
-    vnfAdjournTimer(timer);
+    keltra::adjournTimer(timer);
     timerUpdated = true;
 }
 
-void KELTRA::setKTEPath(const char *path) { keltra::copyText(ktePath, path); }
+void KELTRA::setKTEPath(const char *path) { keltra::takeText(ktePath, path, "KELTRA::setKTEPath"); }
 
 void KELTRA::setSkybox(KTNODE *node) { skybox = node; }
 

@@ -1,5 +1,8 @@
 #include <keltra/foundation.h>
 
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdio>
@@ -18,7 +21,15 @@ const char *find(const char *begin, const char *end, char wanted) {
     return static_cast<const char *>(std::memchr(begin, wanted, std::size_t(end - begin)));
 }
 
-bool isText(const vnfParser *parser) { return parser && parser->buffer && parser->size > 0; }
+bool isText(const vnfParser *parser, const char *caller) {
+    if (!parser) return keltra::failNull(caller, "parser");
+    return (parser->buffer && parser->size > 0) || keltra::failState(caller, "the parser holds no text");
+}
+
+bool isLookup(const vnfParser *parser, const char *key, const void *value, const char *caller) {
+    if (!isText(parser, caller)) return false;
+    return (key && value) || keltra::failNull(caller, key ? "value" : "key");
+}
 
 // Copies the line at `position` into `line` (kLineSize characters) and moves the position behind it.
 bool readLine(const vnfParser &parser, std::int32_t &position, char *line) {
@@ -76,36 +87,37 @@ int toInt(const char *text) {
 }  // namespace
 
 bool vnfOpenParser(vnfParser *parser, const char *path) {
+    keltra::FaultScope scope("vnfOpenParser", path);
     if (!parser || !path) {
         vnfLog("vnfOpenParser: invalid params\n");
-        return false;
+        return scope.failNull(path ? "parser" : "path");
     }
     File file(std::fopen(path, "rb"), std::fclose);
     if (!file) {
         vnfLog("vnfOpenParser: unable to open file %s\n", path);
-        return false;
+        return scope.failFile();
     }
     long size = std::fseek(file.get(), 0, SEEK_END) == 0 ? std::ftell(file.get()) : 0;
     if (size < 1) {
         vnfLog("vnfOpenParser: file '%s' is empty\n", path);
-        return false;
+        return scope.failFile();
     }
     if (size > kLargestFile || std::fseek(file.get(), 0, SEEK_SET) != 0) {
         vnfLog("vnfOpenParser: file '%s' is corrupted\n", path);
-        return false;
+        return scope.failFile(false, kLargestFile);
     }
     unsigned int needed = static_cast<unsigned int>(size) + 1;
-    char *buffer = static_cast<char *>(vnfMalloc(needed));
+    char *buffer = static_cast<char *>(keltra::allocate(needed));
     if (!buffer) {
         vnfLog("vnfOpenParser: out of memory (%u bytes needed)\n", needed);
-        return false;
+        return scope.failFile(true);
     }
     if (std::fread(buffer, 1, std::size_t(size), file.get()) != std::size_t(size)) {
         // Meant: released behind the counters' back, so the log's summary shows the broken file as one live
         // block.
         std::free(buffer);
         vnfLog("vnfOpenParser: file '%s' is corrupted\n", path);
-        return false;
+        return scope.failFile(false, kLargestFile);
     }
     parser->buffer = buffer;
     parser->size = std::int32_t(size);
@@ -116,11 +128,11 @@ bool vnfOpenParser(vnfParser *parser, const char *path) {
 bool vnfCloseParser(vnfParser *parser) {
     if (!parser) {
         vnfLog("vnfCloseParser: invalid params\n");
-        return false;
+        return keltra::failNull("vnfCloseParser", "parser");
     }
     if (!parser->buffer) {
         vnfLog("vnfCloseParser: parser already free\n");
-        return false;
+        return keltra::failState("vnfCloseParser", "the parser holds no text");
     }
     vnfFree(parser->buffer);
     *parser = vnfParser();
@@ -128,7 +140,7 @@ bool vnfCloseParser(vnfParser *parser) {
 }
 
 bool vnfRemoveComments(vnfParser *parser, char mark) {
-    if (!isText(parser)) return false;
+    if (!isText(parser, "vnfRemoveComments")) return false;
     bool found = false;
     char *end = parser->buffer + parser->size;
     for (char *byte = parser->buffer; byte != end;) {
@@ -145,12 +157,13 @@ bool vnfRemoveComments(vnfParser *parser, char mark) {
 }
 
 bool vnfReadLine(vnfParser *parser, char *line) {
-    if (!isText(parser) || !line) return false;
+    if (!isText(parser, "vnfReadLine")) return false;
+    if (!line) return keltra::failNull("vnfReadLine", "line");
     return readLine(*parser, parser->position, line);
 }
 
 bool vnfParseInt(vnfParser *parser, const char *key, int *value) {
-    if (!isText(parser) || !key || !value) return false;
+    if (!isLookup(parser, key, value, "vnfParseInt")) return false;
     char line[kLineSize];
     const char *text = findValue(*parser, key, line);
     if (!text) return false;
@@ -159,7 +172,7 @@ bool vnfParseInt(vnfParser *parser, const char *key, int *value) {
 }
 
 bool vnfParseString(vnfParser *parser, const char *key, char *value) {
-    if (!isText(parser) || !key || !value) return false;
+    if (!isLookup(parser, key, value, "vnfParseString")) return false;
     char line[kLineSize];
     const char *text = findValue(*parser, key, line);
     if (!text) return false;

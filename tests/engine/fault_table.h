@@ -51,7 +51,9 @@ class FaultTableTest : public EngineTest {
             EXPECT_EQ(fault->line, row.line);
             EXPECT_STRNE(fault->call, "");
 #if KELTRA_FAULT_TEXTS
-            if (row.sentence) EXPECT_EQ(sentenceOf(*fault), expected(row));
+            if (row.sentence) {
+                EXPECT_EQ(sentenceOf(*fault), expected(row));
+            }
 #endif
         }
     }
