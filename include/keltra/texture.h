@@ -135,6 +135,7 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     bool loadAgain();
     bool takesPicture(unsigned int width, unsigned int height);
     void setParameters() const;
+    bool upload();
     void uploadImage();
 
     bool ownsBitmap;  // this object set it: its bytes are charged when the object has them charged
