@@ -7,6 +7,8 @@
 #include <new>
 
 #include "foundation/block.h"
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
 #include "scene/node_class.h"
 
 const unsigned int KTMESH::maxSkins;
@@ -148,10 +150,10 @@ void KTMESH::forgetMaterial(const KTMATERIAL *gone) {
 }
 
 bool KTMESH::init() {
-    if (boneMatrices) return false;
+    if (boneMatrices) return keltra::failState("KTMESH::init", keltra::kActive);
     const unsigned int matrices = maxSkins * maxBones;
-    void *pool = vnfMalloc(matrices * static_cast<unsigned int>(sizeof(R3XMATRIX)));
-    if (!pool) return false;
+    void *pool = keltra::allocate(matrices * static_cast<unsigned int>(sizeof(R3XMATRIX)));
+    if (!pool) return keltra::failMemory("KTMESH::init");
     boneMatrices = static_cast<R3XMATRIX *>(pool);
     for (unsigned int i = 0; i < matrices; ++i) new (boneMatrices + i) R3XMATRIX;
     return true;

@@ -6,12 +6,20 @@
 #include <algorithm>
 
 #include "foundation/block.h"
+#include "foundation/fault.h"
 #include "math/fixed.h"
 #include "scene/skin_kernel.h"
 
 namespace {
 
 const char kReferenceFrame[] = "HumanoidRoot";
+
+// For a mesh that got no slot `KTELEMENT::pass` has told so. Always false.
+bool refuseSlot(unsigned int slot) {
+    const char *const call = "KTMESH::animate";
+    if (slot > KTMESH::maxSkins) return keltra::failRange(call, "slot", slot, KTMESH::maxSkins - 1);
+    return slot < KTMESH::maxSkins && keltra::failState(call, keltra::kInactive);
+}
 
 template <class Kernel>
 void skin(const keltra::SkinJob &job, unsigned int boneCount) {
@@ -37,7 +45,7 @@ void fillShaderBones(unsigned int boneCount) {
 }  // namespace
 
 bool KTMESH::resetBones(KTNODE *root) {
-    if (!root) return false;
+    if (!root) return keltra::failNull("KTMESH::resetBones", "root");
     if (numberOfInfluences == 0 || !bones) return true;
     for (unsigned int b = 0; b < numberOfBones; ++b) {
         KTBONE &bone = bones[b];
@@ -57,7 +65,7 @@ bool KTMESH::usesSkinningShader() const { return KTSHADER::useSkinning() && numb
 
 bool KTMESH::animate(unsigned int slot) {
     if (numberOfInfluences == 0) return true;
-    if (slot >= maxSkins || !boneMatrices) return false;
+    if (slot >= maxSkins || !boneMatrices) return refuseSlot(slot);
     const unsigned int boneCount = countPoolBones();
     const R3XMATRIX *pool = boneMatrices + slot * maxBones;
     // The node is looked up once a draw; everything below works on the pool's matrices.
@@ -95,7 +103,7 @@ bool keltra::makeSkinnedArrays(KTMESH &mesh) {
 bool KTMESH::skinVertices(unsigned int boneCount) {
     if (numberOfVertices == 0 || !vertices || !vertexNormals || !influenceBones || !influenceWeights)
         return true;
-    if (!keltra::makeSkinnedArrays(*this)) return false;
+    if (!keltra::makeSkinnedArrays(*this)) return keltra::failMemory("KTMESH::animate");
     const keltra::SkinJob job = {numberOfVertices, numberOfInfluences, vertices,        vertexNormals,
                                  influenceBones,   influenceWeights,   skinnedVertices, skinnedNormals};
 #if defined(KELTRA_SKIN_AVX2)
