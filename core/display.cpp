@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "core/paths.h"
+#include "foundation/fault.h"
 #include "foundation/text.h"
 #include "platform/platform.h"
 
@@ -57,7 +58,8 @@ int glInteger(GLenum name) {
 bool KTSETTINGS::isOk() { return modeAvailable(record); }
 
 bool KTSETTINGS::init(KTSETTINGS *settings) {
-    if (active || !settings) return false;
+    if (!settings) return keltra::failNull("KTSETTINGS::init", "settings");
+    if (active) return keltra::failState("KTSETTINGS::init", keltra::kActive);
     const RECORD &record = settings->record;
     if (!modeAvailable(record)) return false;
     keltra::setPaths(record);
@@ -124,7 +126,7 @@ void KTSETTINGS::closeContext() {
 }
 
 bool KTSETTINGS::free() {
-    if (!active) return false;
+    if (!active) return keltra::failState("KTSETTINGS::free", keltra::kInactive);
     closeContext();
     active = false;
     return true;
