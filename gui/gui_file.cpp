@@ -14,6 +14,7 @@
 
 #include "formats/limits.h"
 #include "formats/xml_document.h"
+#include "foundation/fault.h"
 #include "foundation/text.h"
 #include "gui/gui_file.h"
 #include "scene/node_class.h"
@@ -296,7 +297,10 @@ const TiXmlElement *guiRoot(const TiXmlDocument &document) { return document.Fir
 KTNODE *buildInterface(const TiXmlElement &description, const char *name) {
     KTNODE *root = new (std::nothrow) KTNODE;
     if (!root) return nullptr;
-    root->setName(name);
+    {
+        const FaultOptional optional;
+        root->setName(name);
+    }
     InterfaceReader reader;
     for (const TiXmlNode *node = description.FirstChild(); node; node = node->NextSibling())
         reader.read(root, node);
