@@ -77,8 +77,8 @@ int glInteger(GLenum name) {
 bool KTSETTINGS::isOk() { return modeAvailable(record); }
 
 bool KTSETTINGS::init(KTSETTINGS *settings) {
-    if (active) return keltra::failState("KTSETTINGS::init", "the window is open already");
     if (!settings) return keltra::failNull("KTSETTINGS::init", "settings");
+    if (active) return keltra::failState("KTSETTINGS::init", keltra::kActive);
     keltra::FaultScope scope("KTSETTINGS::init");
     const RECORD &record = settings->record;
     if (!modeAvailable(record)) return failMode(scope, record);
@@ -148,7 +148,7 @@ void KTSETTINGS::closeContext() {
 }
 
 bool KTSETTINGS::free() {
-    if (!active) return keltra::failState("KTSETTINGS::free", "no window is open");
+    if (!active) return keltra::failState("KTSETTINGS::free", keltra::kInactive);
     closeContext();
     active = false;
     return true;

@@ -6,6 +6,7 @@
 
 #include "core/gl_state.h"
 #include "core/glbridge.h"
+#include "foundation/fault.h"
 #include "math/fixed.h"
 
 namespace {
@@ -107,7 +108,8 @@ void popMatrix() {
 void KT_glLightModelf(GLenum pname, float param) { glLightModelx(pname, toFixed(param)); }
 
 void KT_glLightModelfv(GLenum pname, const float *params) {
-    if (params) glLightModelxv(pname, Fixed4(params).v);
+    if (!params) return void(keltra::failNull("KT_glLightModelfv", "params"));
+    glLightModelxv(pname, Fixed4(params).v);
 }
 
 void KT_glColor4f(float r, float g, float b, float a) {
@@ -121,13 +123,15 @@ void KT_glClearColor(float r, float g, float b, float a) {
 void KT_glLightf(GLenum light, GLenum pname, float param) { glLightx(light, pname, toFixed(param)); }
 
 void KT_glLightfv(GLenum light, GLenum pname, const float *params) {
-    if (params) glLightxv(light, pname, Fixed4(params).v);
+    if (!params) return void(keltra::failNull("KT_glLightfv", "params"));
+    glLightxv(light, pname, Fixed4(params).v);
 }
 
 void KT_glMaterialf(GLenum face, GLenum pname, float param) { glMaterialx(face, pname, toFixed(param)); }
 
 void KT_glMaterialfv(GLenum face, GLenum pname, const float *params) {
-    if (params) glMaterialxv(face, pname, Fixed4(params).v);
+    if (!params) return void(keltra::failNull("KT_glMaterialfv", "params"));
+    glMaterialxv(face, pname, Fixed4(params).v);
 }
 
 void KT_glAlphaFunc(GLenum func, float ref) { glAlphaFuncx(func, toFixed(ref)); }
@@ -146,13 +150,13 @@ void KT_glLoadIdentity() {
 }
 
 void KT_glLoadMatrixf(const float *m) {
-    if (!m) return;
+    if (!m) return void(keltra::failNull("KT_glLoadMatrixf", "m"));
     std::memmove(top(), m, sizeof mirror[0]);
     glLoadMatrixx(Fixed16(m).v);
 }
 
 void KT_glMultMatrixf(const float *m) {
-    if (!m) return;
+    if (!m) return void(keltra::failNull("KT_glMultMatrixf", "m"));
     multiplyTop(R3XMATRIX(m));
     glMultMatrixx(Fixed16(m).v);
 }
@@ -192,7 +196,7 @@ void KT_glOrtho(float l, float r, float b, float t, float n, float f) {
 // A GL whose stack is full is not asked for more: the levels above are in the mirror only, and the GL's own
 // top is loaded anew when one of them is popped.
 void KT_glPushMatrix() {
-    if (depths[current] >= kLevels) return;
+    if (depths[current] >= kLevels) return void(keltra::failFull("KT_glPushMatrix", "matrix stack", kLevels));
     const float *below = top();
     ++depths[current];
     std::memcpy(top(), below, sizeof mirror[0]);
@@ -200,7 +204,7 @@ void KT_glPushMatrix() {
 }
 
 void KT_glPopMatrix() {
-    if (depths[current] == 0) return;
+    if (depths[current] == 0) return void(keltra::failState("KT_glPopMatrix", "the matrix stack is empty"));
     const bool wasInGL = isInGL();
     std::memcpy(top(), R3XMATRIX().m, sizeof mirror[0]);
     --depths[current];
@@ -211,6 +215,8 @@ void KT_glPopMatrix() {
 }
 
 void KT_glGetFloatv(int which, float *out) {
-    if (!out || which < 0 || which >= kStacks) return;
+    if (!out) return void(keltra::failNull("KT_glGetFloatv", "out"));
+    if (which < 0 || which >= kStacks)
+        return void(keltra::failRange("KT_glGetFloatv", "which", which, kStacks - 1));
     std::memcpy(out, mirror[which * kLevels + depths[which]], sizeof mirror[0]);
 }

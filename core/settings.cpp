@@ -1,6 +1,6 @@
 #include <keltra/settings.h>
 
-#include "foundation/text.h"
+#include "foundation/argument.h"
 
 bool KTSETTINGS::active = false;
 char KTSETTINGS::title[256];
@@ -27,7 +27,7 @@ int KTSETTINGS::audioChannels = 0;
 int KTSETTINGS::audioBuffers = 0;
 int KTSETTINGS::audioElements = 0;
 
-using keltra::copyText;
+using keltra::takeText;
 
 KTSETTINGS::KTSETTINGS() { constructor(); }
 
@@ -48,10 +48,14 @@ void KTSETTINGS::constructor() {
     record.waterSize = 256;
 }
 
-void KTSETTINGS::setTitle(const char *text) { copyText(record.title, text); }
-void KTSETTINGS::setKTEPath(const char *path) { copyText(record.ktePath, path); }
-void KTSETTINGS::setKTAPath(const char *path) { copyText(record.ktaPath, path); }
-void KTSETTINGS::setMPGPath(const char *path) { copyText(record.mpgPath, path); }
-void KTSETTINGS::setTexturePath(const char *path) { copyText(record.texturePath, path); }
-void KTSETTINGS::setShaderPath(const char *path) { copyText(record.shaderPath, path); }
-void KTSETTINGS::setFontPath(const char *path) { copyText(record.fontPath, path); }
+void KTSETTINGS::setTitle(const char *text) { takeText(record.title, text, "KTSETTINGS::setTitle", "text"); }
+void KTSETTINGS::setKTEPath(const char *path) { takeText(record.ktePath, path, "KTSETTINGS::setKTEPath"); }
+void KTSETTINGS::setKTAPath(const char *path) { takeText(record.ktaPath, path, "KTSETTINGS::setKTAPath"); }
+void KTSETTINGS::setMPGPath(const char *path) { takeText(record.mpgPath, path, "KTSETTINGS::setMPGPath"); }
+void KTSETTINGS::setTexturePath(const char *path) {
+    takeText(record.texturePath, path, "KTSETTINGS::setTexturePath");
+}
+void KTSETTINGS::setShaderPath(const char *path) {
+    takeText(record.shaderPath, path, "KTSETTINGS::setShaderPath");
+}
+void KTSETTINGS::setFontPath(const char *path) { takeText(record.fontPath, path, "KTSETTINGS::setFontPath"); }

@@ -17,8 +17,9 @@
 #include <keltra/video.h>
 
 #include "core/paths.h"
+#include "foundation/argument.h"
 #include "foundation/fault.h"
-#include "foundation/text.h"
+#include "foundation/quiet.h"
 #include "platform/platform.h"
 
 bool KELTRA::active = false;
@@ -117,10 +118,11 @@ void keltra::setPaths(const KTSETTINGS::RECORD &record) {
 }
 
 bool KELTRA::init(KTSETTINGS *settings) {
-    if (active) return keltra::failState("KELTRA::init", "the engine is active already");
+    if (active) return keltra::failState("KELTRA::init", keltra::kActive);
     keltra::FaultScope scope("KELTRA::init");
     KTSETTINGS defaults;
     if (!STARTUP::startAll(settings ? *settings : defaults, scope)) return false;
+    const keltra::FaultOptional optional;  // without a timer only the frame rate is missing
     timer = vnfNewTimer(1.0f);
     timerUpdated = false;
     videoMemoryTotal = kVideoMemory;
@@ -131,10 +133,10 @@ bool KELTRA::init(KTSETTINGS *settings) {
 // The order is fixed: fonts, then nodes, then what nodes refer to, videos after the animations; then the
 // subsystems.
 bool KELTRA::free() {
-    if (!active) return keltra::failState("KELTRA::free", "the engine is not active");
+    if (!active) return keltra::failState("KELTRA::free", keltra::kInactive);
     // The call that made the fault goes on.
     if (keltra::isInFaultHandler()) return keltra::failState("KELTRA::free", "a fault handler is running");
-    vnfFreeTimer(timer);
+    keltra::returnTimer(timer);
     timer = -1;
     KTELEMENT::reset();
     KTFONT::cleanUp();
@@ -152,11 +154,11 @@ bool KELTRA::free() {
 
 void KELTRA::updateTimer() {
     if (timerUpdated) return;
-    vnfAdjournTimer(timer);
+    keltra::adjournTimer(timer);
     timerUpdated = true;
 }
 
-void KELTRA::setKTEPath(const char *path) { keltra::copyText(ktePath, path); }
+void KELTRA::setKTEPath(const char *path) { keltra::takeText(ktePath, path, "KELTRA::setKTEPath"); }
 
 void KELTRA::setSkybox(KTNODE *node) { skybox = node; }
 

@@ -15,6 +15,7 @@
 #include <keltra/texture.h>
 
 #include "core/gl_state.h"
+#include "foundation/fault.h"
 #include "scene/local_transform.h"
 
 namespace {
@@ -151,5 +152,6 @@ bool KELTRA::swap() {
     timerUpdated = false;
     glFlush();
     glFinish();
-    return eglSwapBuffers(KTSETTINGS::glesDisplay, KTSETTINGS::glesSurface) == EGL_TRUE;
+    return eglSwapBuffers(KTSETTINGS::glesDisplay, KTSETTINGS::glesSurface) == EGL_TRUE ||
+           keltra::failState("KELTRA::swap", "the frame cannot be shown");
 }

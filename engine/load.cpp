@@ -8,6 +8,7 @@
 #include "formats/gui.h"
 #include "formats/scene_contents.h"
 #include "formats/xml_document.h"
+#include "foundation/fault.h"
 #include "foundation/file_bytes.h"
 #include "gui/gui_file.h"
 #include "scene/scene_build.h"
@@ -40,6 +41,7 @@ KTNODE *KELTRA::recursiveLoad(const char *buffer, long *cursor, KTNODE *parent) 
 }
 
 bool KELTRA::recursiveInitBones(KTNODE *root, KTNODE *node) {
+    if (!root || !node) return !keltra::failNull("KELTRA::recursiveInitBones", root ? "node" : "root");
     keltra::bindSkins(root, node);
     return true;
 }

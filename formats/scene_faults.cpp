@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "formats/limits.h"
+
 namespace keltra {
 
 namespace {
@@ -23,5 +25,12 @@ KTFAULT unknownMaterial(const char *mesh, const char *material, const char *near
 }
 
 KTFAULT unknownBone(const char *mesh, const char *bone) { return unknown("bone", mesh, bone); }
+
+KTFAULT treeTooDeep() {
+    KTFAULT fault = newFault(KT_FAULT_LIMIT);
+    setFaultText(fault.field, faultText("tree"));
+    if (kFaultTexts) std::snprintf(fault.found, sizeof fault.found, "more than %u levels", kMaxTreeDepth);
+    return fault;
+}
 
 }  // namespace keltra

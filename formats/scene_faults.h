@@ -1,7 +1,7 @@
 #ifndef KELTRA_FORMATS_SCENE_FAULTS_H
 #define KELTRA_FORMATS_SCENE_FAULTS_H
 
-// What a scene that loads goes on without. `nearest` is the known name that may be the one, or empty.
+// What a scene that loads goes on without, and what no parser tells. `nearest` is the known name that may be the one, or empty.
 
 #include "formats/fault.h"
 
@@ -9,6 +9,8 @@ namespace keltra {
 
 KTFAULT unknownMaterial(const char *mesh, const char *material, const char *nearest);
 KTFAULT unknownBone(const char *mesh, const char *bone);
+// An error.
+KTFAULT treeTooDeep();
 
 }  // namespace keltra
 

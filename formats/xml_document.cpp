@@ -12,6 +12,7 @@
 #include <new>
 
 #include "foundation/file_bytes.h"
+#include "foundation/quiet.h"
 
 namespace keltra {
 
@@ -263,7 +264,7 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
                       "holds a zero byte");
     static const char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
-    char *text = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(size - mark + 1)));
+    char *text = static_cast<char *>(allocate(static_cast<unsigned int>(size - mark + 1)));
     if (!text) return refuseMemory(fault);
     char *end = copyLines(text, bytes + mark, size - mark);
     const bool parsed = parseCopy(text, end, document, fault);

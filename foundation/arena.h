@@ -7,6 +7,8 @@
 #include <new>
 #include <type_traits>
 
+#include "foundation/quiet.h"
+
 namespace keltra {
 
 // Small objects that are released together, packed into chunks of the counted allocator. They stay where they
@@ -45,7 +47,7 @@ class Arena {
     };
 
     bool addChunk() {
-        void *memory = vnfMalloc(static_cast<unsigned int>(kChunkSize));
+        void *memory = allocate(static_cast<unsigned int>(kChunkSize));
         if (!memory) return false;
         Chunk *chunk = new (memory) Chunk;
         chunk->older = newest;

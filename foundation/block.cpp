@@ -1,5 +1,7 @@
 #include "foundation/block.h"
 
+#include "foundation/quiet.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -90,7 +92,7 @@ void remove(Note &removed) {
 
 void *newBlock(std::size_t bytes) {
     if (bytes > std::numeric_limits<std::uint32_t>::max()) return nullptr;
-    return vnfMalloc(static_cast<unsigned int>(bytes));
+    return allocate(static_cast<unsigned int>(bytes));
 }
 
 void *retainBlock(void *block) {

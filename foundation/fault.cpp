@@ -162,6 +162,56 @@ bool failValueFrom(const char *call, const char *argument, long found, const cha
     return tellFault(call, fault);
 }
 
+bool failNullOf(const char *call, const char *argument) {
+    return failWith(call, KT_FAULT_NULL, argument, "", "");
+}
+
+bool failStateOf(const char *call, const char *state) {
+    return failWith(call, KT_FAULT_STATE, "", state, "");
+}
+
+bool failMemory(const char *call) { return failWith(call, KT_FAULT_OUT_OF_MEMORY, "", "", ""); }
+
+bool failRangeOf(const char *call, const char *argument, long found, long last) {
+    return failValueFrom(call, argument, found, faultText(last < 0 ? "none" : "0 to %ld"), last, 0);
+}
+
+void warnRangeOf(const char *call, const char *argument, long found, long last) {
+    const FaultOptional optional;
+    failRangeOf(call, argument, found, last);
+}
+
+bool failFullOf(const char *call, const char *what, unsigned int most) {
+    KTFAULT fault = newFault(KT_FAULT_FULL);
+    setFaultText(fault.field, what);
+    setExpected(fault, "%u", most);
+    return tellFault(call, fault);
+}
+
+void warnFullOf(const char *call, const char *what, unsigned int most) {
+    const FaultOptional optional;
+    failFullOf(call, what, most);
+}
+
+bool failLongOf(const char *call, const char *argument) {
+    return failWith(call, KT_FAULT_ARGUMENT, argument, faultText("longer than 255 characters"), "");
+}
+
+void warnLongOf(const char *call, const char *argument) {
+    const FaultOptional optional;
+    failLongOf(call, argument);
+}
+
+bool failFormat(const char *call) {
+    return failWith(call, KT_FAULT_ARGUMENT, faultText("format"), faultText("not to be written"), "");
+}
+
+bool failWrite(const char *call, const char *path) {
+    KTFAULT fault = newFault(KT_FAULT_FILE_WRITE);
+    setFaultPath(fault.file, path);
+    return tellFault(call, fault);
+}
+
 bool failFile(const char *call, const char *path) {
     if (!path) return failNull(call, "path");
     KTFAULT fault = newFault(KT_FAULT_NONE);

@@ -116,19 +116,49 @@ class FaultSilence {
 [[gnu::cold]] bool failValueFrom(const char *call, const char *argument, long found, const char *format,
                                  long first, long second);
 
-inline bool failNull(const char *call, const char *argument) {
-    return failWith(call, KT_FAULT_NULL, faultText(argument), "", "");
-}
+[[gnu::cold]] bool failNullOf(const char *call, const char *argument);
+[[gnu::cold]] bool failStateOf(const char *call, const char *state);
+[[gnu::cold]] bool failRangeOf(const char *call, const char *argument, long found, long last);
+[[gnu::cold]] void warnRangeOf(const char *call, const char *argument, long found, long last);
+[[gnu::cold]] bool failFullOf(const char *call, const char *what, unsigned int most);
+[[gnu::cold]] void warnFullOf(const char *call, const char *what, unsigned int most);
+[[gnu::cold]] bool failLongOf(const char *call, const char *argument);
+[[gnu::cold]] void warnLongOf(const char *call, const char *argument);
+
+inline bool failNull(const char *call, const char *argument) { return failNullOf(call, faultText(argument)); }
 // `format` is printf's, with up to two %ld.
 inline bool failValue(const char *call, const char *argument, long found, const char *format, long first = 0,
                       long second = 0) {
     return failValueFrom(call, faultText(argument), found, faultText(format), first, second);
 }
-// `state` says what is the case: "the engine is not active".
-inline bool failState(const char *call, const char *state) {
-    return failWith(call, KT_FAULT_STATE, "", faultText(state), "");
+// An argument that may be 0 to `last`; none is right when that is negative. The warning: another one was
+// taken.
+inline bool failRange(const char *call, const char *argument, long found, long last) {
+    return failRangeOf(call, faultText(argument), found, last);
 }
-inline bool failMemory(const char *call) { return failWith(call, KT_FAULT_OUT_OF_MEMORY, "", "", ""); }
+inline void warnRange(const char *call, const char *argument, long found, long last) {
+    warnRangeOf(call, faultText(argument), found, last);
+}
+// A text of more than 255 characters. The warning: it was cut.
+inline bool failLong(const char *call, const char *argument) { return failLongOf(call, faultText(argument)); }
+inline void warnLong(const char *call, const char *argument) { warnLongOf(call, faultText(argument)); }
+// `state` says what is the case: "the engine is not active".
+inline bool failState(const char *call, const char *state) { return failStateOf(call, faultText(state)); }
+// States of many calls.
+constexpr const char *kActive = "the engine is active already";
+constexpr const char *kInactive = "the engine is not active";
+// There is no room for one more: `most` is all that is taken.
+inline bool failFull(const char *call, const char *what, unsigned int most) {
+    return failFullOf(call, faultText(what), most);
+}
+inline void warnFull(const char *call, const char *what, unsigned int most) {
+    warnFullOf(call, faultText(what), most);
+}
+[[gnu::cold]] bool failMemory(const char *call);
+// vsnprintf was negative.
+[[gnu::cold]] bool failFormat(const char *call);
+// The file cannot be created or not be written.
+[[gnu::cold]] bool failWrite(const char *call, const char *path);
 // The file cannot be read: finds out why. Null is told as such.
 [[gnu::cold]] bool failFile(const char *call, const char *path);
 

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "foundation/quiet.h"
+
 namespace keltra {
 
 // The path of a file below a directory prefix, to which the name is appended as it is. Prefixes hold 255
@@ -24,7 +26,8 @@ struct FilePath {
 class FileBytes {
    public:
     // A file of more than `largest` bytes counts as one that cannot be read.
-    explicit FileBytes(const char *path, long largest = 0x7fffffff) : bytes(nullptr), length(0), noMemory(false) {
+    explicit FileBytes(const char *path, long largest = 0x7fffffff)
+        : bytes(nullptr), length(0), noMemory(false) {
         std::FILE *file = path && *path ? std::fopen(path, "rb") : nullptr;
         if (!file) return;
         read(file, largest);
@@ -45,7 +48,7 @@ class FileBytes {
     void read(std::FILE *file, long largest) {
         long end = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
         if (end <= 0 || end > largest || std::fseek(file, 0, SEEK_SET) != 0) return;
-        bytes = static_cast<char *>(vnfMalloc(static_cast<unsigned int>(end)));
+        bytes = static_cast<char *>(allocate(static_cast<unsigned int>(end)));
         noMemory = !bytes;
         if (noMemory) return;
         length = std::fread(bytes, 1, static_cast<std::size_t>(end), file);

@@ -2,6 +2,9 @@
 
 #include <keltra/foundation.h>
 
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
+
 #include <cstdlib>
 #include <cstring>
 
@@ -22,7 +25,7 @@ namespace keltra {
 // held, and applications compare them between runs. Its memory is released all the same.
 void takeIdentifierTable() {
     std::free(table);
-    table = static_cast<unsigned char *>(vnfMalloc(kTableSize));
+    table = static_cast<unsigned char *>(allocate(kTableSize));
     if (table) std::memset(table, 0, kTableSize);
     lowestFree = 1;
 }
@@ -38,13 +41,13 @@ void dropIdentifierTable() {
 unsigned int vnfNewId() {
     if (!table) {
         vnfLog("vnfNewId: ID table not initialized\n");
-        return 0;
+        return keltra::failState("vnfNewId", "the foundation is not started"), 0;
     }
     void *entry = std::memchr(table + lowestFree, 0, kLargestId + 1 - lowestFree);
     if (!entry) {
         lowestFree = kLargestId + 1;
         vnfLog("vnfNewId: all ID are used\n");
-        return 0;
+        return keltra::failFull("vnfNewId", "identifiers", kLargestId), 0;
     }
     unsigned int id = static_cast<unsigned int>(static_cast<unsigned char *>(entry) - table);
     table[id] = 1;
@@ -52,7 +55,7 @@ unsigned int vnfNewId() {
     return id;
 }
 
-bool releaseId(unsigned int id) {
+bool keltra::returnId(unsigned int id) {
     if (id == 0 || id > kLargestId) {
         vnfLog("releaseId: invalid params (%d)\n", int(id));
         return false;
@@ -66,4 +69,10 @@ bool releaseId(unsigned int id) {
     table[id] = 0;
     if (id < lowestFree) lowestFree = id;
     return true;
+}
+
+bool releaseId(unsigned int id) {
+    if (keltra::returnId(id)) return true;
+    if (id - 1 >= kLargestId) return keltra::failValue("releaseId", "id", long(id), "1 to %ld", kLargestId);
+    return keltra::failState("releaseId", "the identifier is free already");
 }

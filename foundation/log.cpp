@@ -2,6 +2,7 @@
 
 #include <keltra/foundation.h>
 
+#include "foundation/fault.h"
 #include "foundation/memory.h"
 
 #include <cstdarg>
@@ -79,9 +80,9 @@ void translateToHtml(const char *text, char (&result)[kTextSize]) {
 }  // namespace
 
 bool keltra::openLogFile(const char *path) {
-    if (logFile) return false;
+    if (logFile) return failState("vnfOpenLog", "a log is open already");
     logFile = std::fopen(path, "wt");
-    if (!logFile) return false;
+    if (!logFile) return failWrite("vnfOpenLog", path);
     // Never cleared again: applications get every later log of the process as HTML as well.
     if (std::strstr(path, ".html")) html = true;
     if (html) write("<HTML><BODY>");
@@ -107,13 +108,14 @@ void keltra::endLog() {
 }
 
 bool vnfLog(const char *format, ...) {
-    if (!logFile || !format) return false;
+    if (!format) return keltra::failNull("vnfLog", "format");
+    if (!logFile) return false;
     char text[kTextSize];
     std::va_list arguments;
     va_start(arguments, format);
     int length = std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    if (length < 0) return false;
+    if (length < 0) return keltra::failFormat("vnfLog");
     if (echoing) std::fputs(text, stdout);
     if (!html) {
         write(text);

@@ -3,6 +3,8 @@
 #include <keltra/foundation.h>
 
 #include "foundation/block.h"
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
 #include "platform/platform.h"
 
 #include <cstdio>
@@ -49,14 +51,19 @@ void restartMemoryPeak() {
 
 }  // namespace keltra
 
-void *vnfMalloc(unsigned int size) {
-    using keltra::counters;
+void *keltra::allocate(unsigned int size) {
     constexpr std::uint32_t kMost = std::numeric_limits<std::uint32_t>::max();
     counters.totalBytes = size < kMost - counters.totalBytes ? counters.totalBytes + size : kMost;
     ++counters.live;
     ++counters.allocations;
     void *block = std::malloc(size);
-    keltra::samplePeak();
+    samplePeak();
+    return block;
+}
+
+void *vnfMalloc(unsigned int size) {
+    void *block = keltra::allocate(size);
+    if (!block) keltra::failMemory("vnfMalloc");
     return block;
 }
 

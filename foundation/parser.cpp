@@ -1,6 +1,7 @@
 #include <keltra/foundation.h>
 
 #include "foundation/fault.h"
+#include "foundation/quiet.h"
 
 #include <algorithm>
 #include <climits>
@@ -20,7 +21,15 @@ const char *find(const char *begin, const char *end, char wanted) {
     return static_cast<const char *>(std::memchr(begin, wanted, std::size_t(end - begin)));
 }
 
-bool isText(const vnfParser *parser) { return parser && parser->buffer && parser->size > 0; }
+bool isText(const vnfParser *parser, const char *caller) {
+    if (!parser) return keltra::failNull(caller, "parser");
+    return (parser->buffer && parser->size > 0) || keltra::failState(caller, "the parser holds no text");
+}
+
+bool isLookup(const vnfParser *parser, const char *key, const void *value, const char *caller) {
+    if (!isText(parser, caller)) return false;
+    return (key && value) || keltra::failNull(caller, key ? "value" : "key");
+}
 
 // Copies the line at `position` into `line` (kLineSize characters) and moves the position behind it.
 bool readLine(const vnfParser &parser, std::int32_t &position, char *line) {
@@ -81,7 +90,7 @@ bool vnfOpenParser(vnfParser *parser, const char *path) {
     keltra::FaultScope scope("vnfOpenParser", path);
     if (!parser || !path) {
         vnfLog("vnfOpenParser: invalid params\n");
-        return scope.failNull(parser ? "path" : "parser");
+        return scope.failNull(path ? "parser" : "path");
     }
     File file(std::fopen(path, "rb"), std::fclose);
     if (!file) {
@@ -98,7 +107,7 @@ bool vnfOpenParser(vnfParser *parser, const char *path) {
         return scope.failFile(false, kLargestFile);
     }
     unsigned int needed = static_cast<unsigned int>(size) + 1;
-    char *buffer = static_cast<char *>(vnfMalloc(needed));
+    char *buffer = static_cast<char *>(keltra::allocate(needed));
     if (!buffer) {
         vnfLog("vnfOpenParser: out of memory (%u bytes needed)\n", needed);
         return scope.failFile(true);
@@ -131,7 +140,7 @@ bool vnfCloseParser(vnfParser *parser) {
 }
 
 bool vnfRemoveComments(vnfParser *parser, char mark) {
-    if (!isText(parser)) return false;
+    if (!isText(parser, "vnfRemoveComments")) return false;
     bool found = false;
     char *end = parser->buffer + parser->size;
     for (char *byte = parser->buffer; byte != end;) {
@@ -148,12 +157,13 @@ bool vnfRemoveComments(vnfParser *parser, char mark) {
 }
 
 bool vnfReadLine(vnfParser *parser, char *line) {
-    if (!isText(parser) || !line) return false;
+    if (!isText(parser, "vnfReadLine")) return false;
+    if (!line) return keltra::failNull("vnfReadLine", "line");
     return readLine(*parser, parser->position, line);
 }
 
 bool vnfParseInt(vnfParser *parser, const char *key, int *value) {
-    if (!isText(parser) || !key || !value) return false;
+    if (!isLookup(parser, key, value, "vnfParseInt")) return false;
     char line[kLineSize];
     const char *text = findValue(*parser, key, line);
     if (!text) return false;
@@ -162,7 +172,7 @@ bool vnfParseInt(vnfParser *parser, const char *key, int *value) {
 }
 
 bool vnfParseString(vnfParser *parser, const char *key, char *value) {
-    if (!isText(parser) || !key || !value) return false;
+    if (!isLookup(parser, key, value, "vnfParseString")) return false;
     char line[kLineSize];
     const char *text = findValue(*parser, key, line);
     if (!text) return false;

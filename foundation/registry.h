@@ -12,6 +12,7 @@
 
 #include <cstdlib>
 
+#include "foundation/quiet.h"
 #include "foundation/text.h"
 
 namespace keltra {
@@ -185,7 +186,7 @@ void KTREGISTERED<T>::delist() {
     }
     listPrevious = listNext = nullptr;
     T::setLink(*static_cast<T *>(this), nullptr, nullptr);
-    if (ownId) releaseId(ownId);
+    if (ownId) keltra::returnId(ownId);
     ownId = 0;
 }
 

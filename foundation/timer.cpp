@@ -2,6 +2,8 @@
 
 #include <keltra/foundation.h>
 
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
 #include "platform/platform.h"
 
 namespace {
@@ -26,6 +28,12 @@ Timer *findTimer(int index, const char *caller) {
     return nullptr;
 }
 
+// Always false.
+bool refuse(int index, const char *caller) {
+    if (static_cast<unsigned int>(index) < kTimers) return keltra::failState(caller, "the timer is free");
+    return keltra::failRange(caller, "timer", index, kTimers - 1);
+}
+
 }  // namespace
 
 void keltra::freeAllTimers() {
@@ -42,17 +50,19 @@ int vnfNewTimer(float base) {
         return int(index);
     }
     vnfLog("vnfNewTimer: no more timers\n");
-    return -1;
+    return keltra::failFull("vnfNewTimer", "timers", kTimers), -1;
 }
 
-bool vnfFreeTimer(int index) {
+bool keltra::returnTimer(int index) {
     Timer *timer = findTimer(index, "vnfFreeTimer");
     if (!timer) return false;
     timer->base = 0.0f;
     return true;
 }
 
-bool vnfAdjournTimer(int index) {
+bool vnfFreeTimer(int index) { return keltra::returnTimer(index) || refuse(index, "vnfFreeTimer"); }
+
+bool keltra::adjournTimer(int index) {
     Timer *timer = findTimer(index, "vnfAdjournTimer");
     if (!timer) return false;
     timer->now = keltra::platformCounter();
@@ -63,6 +73,8 @@ bool vnfAdjournTimer(int index) {
     timer->last = timer->now;
     return true;
 }
+
+bool vnfAdjournTimer(int index) { return keltra::adjournTimer(index) || refuse(index, "vnfAdjournTimer"); }
 
 float vnfGetTimerFactor(int index) {
     const Timer *timer = findTimer(index, "vnfGetTimerFactor");

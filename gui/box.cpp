@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "foundation/fault.h"
 #include "gui/events.h"
 #include "gui/geometry.h"
 #include "scene/node_class.h"
@@ -152,7 +153,8 @@ bool KTBOX::setShader(KTSHADER *newShader) {
 }
 
 bool KTBOX::checkLimits(int *dx, int *dy) {
-    if (!dx || !dy || !limitStatus) return false;
+    if (!dx || !dy) return keltra::failNull("KTBOX::checkLimits", dx ? "dy" : "dx");
+    if (!limitStatus) return false;
     keltra::Origin origin = keltra::originOf(*this);
     *dx = clampMovement(*dx, keltra::toInt(position.x), keltra::toInt(origin.x), sizeX, startX, endX);
     *dy = clampMovement(*dy, keltra::toInt(position.y), keltra::toInt(origin.y), sizeY, startY, endY);

@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "foundation/text.h"
+#include "foundation/argument.h"
+#include "foundation/fault.h"
 #include "gui/widgets.h"
 
 namespace {
@@ -18,6 +19,12 @@ bool fits(const KTFONT &font, const char *text, int width) {
 }
 
 }  // namespace
+
+// A caption that is not taken is a warning: the widget shows the one that it has.
+void keltra::takeCaption(KTBUTTON &button, const char *text, const char *call) {
+    const FaultOptional optional;
+    takeName(button.caption, text, call);
+}
 
 KTBUTTON::KTBUTTON() : font(nullptr), eventType(KT_BUTTON_NORMAL) {
     joinClass(KT_BUTTON);
@@ -34,7 +41,7 @@ KTBUTTON::KTBUTTON(const KTBUTTON &other) : KTBOX(other) {
 
 KTBUTTON::~KTBUTTON() {}
 
-void KTBUTTON::setCaption(const char *text) { keltra::copyName(caption, text); }
+void KTBUTTON::setCaption(const char *text) { keltra::takeCaption(*this, text, "KTBUTTON::setCaption"); }
 
 bool KTBUTTON::render(void *data) {
     if (!displayStatus) return true;

@@ -16,6 +16,7 @@
 #include "formats/limits.h"
 #include "formats/xml_check.h"
 #include "formats/xml_document.h"
+#include "foundation/fault.h"
 #include "foundation/name_index.h"
 #include "foundation/text.h"
 #include "gui/gui_file.h"
@@ -298,8 +299,11 @@ namespace keltra {
 KTNODE *buildInterface(const TiXmlElement &description, const char *name, LoadScope &scope) {
     KTNODE *root = new (std::nothrow) KTNODE;
     if (!root) return scope.fail(KT_FAULT_OUT_OF_MEMORY), nullptr;
+    {
+        const FaultOptional optional;
+        root->setName(name);
+    }
     checkGui(description, scope, true);
-    root->setName(name);
     InterfaceReader reader(scope, true);
     for (const TiXmlNode *node = description.FirstChild(); node; node = node->NextSibling())
         reader.read(root, node);

@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "foundation/fault.h"
 #include "foundation/text.h"
 #include "gui/widgets.h"
 #include "gui/window_around.h"
@@ -29,16 +30,19 @@ KTLABEL::KTLABEL(const KTLABEL &other) : KTBOX(other) {
 KTLABEL::~KTLABEL() {}
 
 bool KTLABEL::write(const char *format, ...) {
-    if (!format || !font) return false;
+    const char *const call = "KTLABEL::write";
+    if (!format) return keltra::failNull(call, "format");
+    if (!font) return keltra::failState(call, "the label has no font");
     char line[sizeof text];
     va_list arguments;
     va_start(arguments, format);
     int length = std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
-    if (length < 0) return false;
+    if (length < 0) return keltra::failFormat(call);
     // Each character may get a line break of its own.
     char wrapped[2 * sizeof line];
     font->format(line, wrapped, kWidthLimit);
+    if (length >= static_cast<int>(sizeof line)) keltra::warnLong(call, "text");
     keltra::copyText(text, wrapped);
     return true;
 }

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "foundation/fault.h"
 #include "gui/widgets.h"
 #include "gui/window_around.h"
 
@@ -37,7 +38,8 @@ KTTEXTFIELD::~KTTEXTFIELD() {}
 // The new character counts with its kerning, not with its width: meant, the last one may reach into the right
 // margin.
 bool KTTEXTFIELD::manageKey(char key) {
-    if (!font) return false;
+    // Key 0 is none, and comes in each frame.
+    if (!font) return key && keltra::failState("KTTEXTFIELD::manageKey", "the text field has no font");
     focused = true;
     std::size_t length = std::strlen(caption);
     unsigned char code = static_cast<unsigned char>(key);

@@ -35,6 +35,9 @@ void loadEntryMatrix(void *entry);
 // Draws the bevelled border of a rectangle of the box's colour, `width` x `height` from the current origin.
 void drawBorder(const KTBOX &box, std::int64_t width, std::int64_t height, bool sunken);
 
+// setCaption of buttons and windows, in the name of `call`.
+void takeCaption(KTBUTTON &button, const char *text, const char *call);
+
 }  // namespace keltra
 
 #endif

@@ -15,6 +15,7 @@
 #include <new>
 
 #include "core/glbridge.h"
+#include "foundation/fault.h"
 #include "foundation/text.h"
 #include "gui/geometry.h"
 #include "gui/widgets.h"
@@ -131,7 +132,7 @@ void KTWINDOW::copyWindow(const KTWINDOW &other) {
 }
 
 void KTWINDOW::setCaption(const char *title) {
-    if (titleBar) titleBar->setCaption(title);
+    if (titleBar) keltra::takeCaption(*titleBar, title, "KTWINDOW::setCaption");
 }
 
 void KTWINDOW::setFont(KTFONT *newFont) {
@@ -155,21 +156,22 @@ void KTWINDOW::clear() {
 }
 
 bool KTWINDOW::write(const char *format, ...) {
-    if (!format) return false;
+    const char *const call = "KTWINDOW::write";
+    if (!format) return keltra::failNull(call, "format");
     char added[kWriteBuffer];
     va_list arguments;
     va_start(arguments, format);
     int length = std::vsnprintf(added, sizeof added, format, arguments);
     va_end(arguments);
-    if (length < 0) return false;
+    if (length < 0) return keltra::failFormat(call);
     std::size_t present = std::strlen(text), count = static_cast<std::size_t>(length);
-    if (count + present >= sizeof text) return false;
+    if (count + present >= sizeof text) return keltra::failFull(call, "text", sizeof text - 1);
     std::memcpy(text + present, added, count + 1);
     return true;
 }
 
 bool KTWINDOW::format() {
-    if (!font) return false;
+    if (!font) return keltra::failState("KTWINDOW::format", "the window has no font");
     lineCount = font->format(text, wrapped, static_cast<unsigned int>(std::max(sizeX, 0)));
     std::size_t kept = std::min(std::strlen(wrapped), sizeof formattedText - 1);
     std::memcpy(formattedText, wrapped, kept);
@@ -185,7 +187,7 @@ bool KTWINDOW::minmaximize() {
     if (!maximized) {
         char marked[kMarkLength + sizeof titleBar->caption];
         std::snprintf(marked, sizeof marked, "%s%s", kFoldedMark, titleBar->caption);
-        titleBar->setCaption(marked);
+        keltra::copyName(titleBar->caption, marked);
     } else if (std::strlen(titleBar->caption) >= kMarkLength) {
         titleBar->setCaption(titleBar->caption + kMarkLength);
     }

@@ -3,7 +3,14 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "foundation/fault.h"
+
 namespace {
+
+[[noreturn, gnu::cold]] void endProcess(const char *call, int index, long last) {
+    keltra::failRange(call, "index", index, last);
+    std::exit(1);
+}
 
 constexpr double kNoRotation = 0.0001;  // radians; below, an axis cannot be told
 
@@ -29,7 +36,7 @@ float &R3XVECTOR2D::operator[](int index) {
         case 1:
             return y;
         default:
-            std::exit(1);
+            endProcess("R3XVECTOR2D::operator[]", index, 1);
     }
 }
 
@@ -50,7 +57,7 @@ float &R3XVECTOR3D::operator[](int index) {
         case 2:
             return z;
         default:
-            std::exit(1);
+            endProcess("R3XVECTOR3D::operator[]", index, 2);
     }
 }
 
@@ -73,7 +80,7 @@ float &R3XVECTOR4D::operator[](int index) {
         case 3:
             return w;
         default:
-            std::exit(1);
+            endProcess("R3XVECTOR4D::operator[]", index, 3);
     }
 }
 

@@ -2,6 +2,7 @@
 #include <keltra/opengl.h>
 #include <keltra/texture.h>
 
+#include "foundation/fault.h"
 #include "foundation/registry.h"
 
 #include <GLES/gl.h>
@@ -61,7 +62,8 @@ void KTFBO::forgetTexture(const KTTEXTURE *gone) {
 bool KTFBO::isOk() const { return KTOPENGL::FBOFlag; }
 
 bool KTFBO::bindTexture(int, KTTEXTURE *target) {
-    if (!target || !KTOPENGL::FBOFlag) return false;
+    if (!target) return keltra::failNull("KTFBO::bindTexture", "target");
+    if (!KTOPENGL::FBOFlag) return false;
     texture = target;
     sizeX = static_cast<int>(target->sizeX);
     sizeY = static_cast<int>(target->sizeY);

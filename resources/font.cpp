@@ -6,9 +6,11 @@
 #include "core/gl_state.h"
 #include "core/holders.h"
 #include "formats/kerning.h"
+#include "foundation/argument.h"
+#include "foundation/fault.h"
 #include "foundation/file_bytes.h"
+#include "foundation/quiet.h"
 #include "foundation/registry.h"
-#include "foundation/text.h"
 #include "resources/text_escape.h"
 
 #include <GLES/gl.h>
@@ -45,7 +47,7 @@ constexpr int kCells = 16;  // in a row of the texture
 
 template <class T>
 T *newArray(unsigned int count) {
-    return static_cast<T *>(vnfMalloc(count * static_cast<unsigned int>(sizeof(T))));
+    return static_cast<T *>(keltra::allocate(count * static_cast<unsigned int>(sizeof(T))));
 }
 
 template <class T>
@@ -107,7 +109,8 @@ unsigned int freeSlot() {
 
 }  // namespace
 
-KTFONT::KTFONT() : texture(nullptr), kerning(), charSizeX(16), charSizeY(16), countsTexture(false) {
+KTFONT::KTFONT()
+    : texture(nullptr), kerning(), charSizeX(16), charSizeY(16), countsTexture(false), toldMissing(false) {
     id = enlist();
     std::snprintf(name, sizeof name, "[font %u]", id);
 }
@@ -133,6 +136,7 @@ void KTFONT::copyFields(const KTFONT &other) {
     previous = other.previous;
     next = other.next;
     countsTexture = false;
+    toldMissing = other.toldMissing;
 }
 
 void KTFONT::setLink(KTFONT &font, KTFONT *before, KTFONT *after) {
@@ -161,14 +165,14 @@ void KTFONT::forgetTexture(const KTTEXTURE *gone) {
 }
 
 bool KTFONT::init() {
-    if (fontCachedVertex) return false;
+    if (fontCachedVertex) return keltra::failState("KTFONT::init", keltra::kActive);
     fontCachedVertex = newArray<std::int32_t>(2 * kVertices);
     fontCachedTexCoord = newArray<std::int32_t>(2 * kVertices);
     fontCachedColor = newArray<unsigned char>(4 * kVertices);
     fontCachedIndex = newArray<std::uint16_t>(kVertices);
     if (!fontCachedVertex || !fontCachedTexCoord || !fontCachedColor || !fontCachedIndex) {
         free();
-        return false;
+        return keltra::failMemory("KTFONT::init");
     }
     for (unsigned int i = 0; i < kVertices; ++i) fontCachedIndex[i] = static_cast<std::uint16_t>(i);
     return true;
@@ -184,16 +188,19 @@ bool KTFONT::free() {
 }
 
 bool KTFONT::setTexture(KTTEXTURE *glyphs) {
-    if (!glyphs) return false;
+    if (!glyphs) return keltra::failNull("KTFONT::setTexture", "glyphs");
     releaseTexture();
     texture = glyphs;
     texture->incReferences();
     countsTexture = true;
+    toldMissing = false;
     return true;
 }
 
 bool KTFONT::setKerning(char c, signed char value) {
-    if (!hasKerning(c)) return false;
+    if (!hasKerning(c))
+        return keltra::failValue("KTFONT::setKerning", "c", c, "%ld to %ld", kFirstCharacter,
+                                 kFirstCharacter + kCharacters - 1);
     kerning[cellOf(c)] = value;
     return true;
 }
@@ -244,13 +251,20 @@ void KTFONT::queueGlyph(std::int64_t x, std::int64_t y, char c) const {
     reset();
 }
 
+// Labels and buttons draw in each frame: told once, until there is one. Always false.
+bool KTFONT::failTexture(const char *call) {
+    if (toldMissing) return false;
+    toldMissing = true;
+    return keltra::failState(call, "the font has no texture");
+}
+
 bool KTFONT::putChar(int x, int y, char c, bool immediate) {
-    if (!fontCachedVertex) return false;
+    if (!fontCachedVertex) return keltra::failState("KTFONT::putChar", keltra::kInactive);
     if (!immediate) {
         queueGlyph(x, y, c);
         return true;
     }
-    if (!texture) return false;
+    if (!texture) return failTexture("KTFONT::putChar");
     writeGlyph(x, y, c);
     bind(*texture);
     setPointers(fontCachedCurrent);
@@ -284,14 +298,17 @@ void KTFONT::queueText(std::int64_t left, std::int64_t top, const char *text) co
 }
 
 bool KTFONT::putString(int x, int y, const char *format, ...) {
-    if (!format || !texture || !fontCachedVertex) return false;
+    const char *const call = "KTFONT::putString";
+    if (!format) return keltra::failNull(call, "format");
+    if (!fontCachedVertex) return keltra::failState(call, keltra::kInactive);
+    if (!texture) return failTexture(call);
     bind(*texture);
     char text[maxCharacters];
     std::va_list arguments;
     va_start(arguments, format);
     const int length = std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    if (length < 0) return false;
+    if (length < 0) return keltra::failFormat(call);
     setCurrentColor(255, 255, 255, 255);
     fontCachedFlushed = false;
     const unsigned int start = freeSlot();
@@ -321,6 +338,6 @@ unsigned int KTFONT::getNumberOfFonts() { return count(); }
 
 bool KTFONT::cleanUp() { return destroyAll(); }
 
-void KTFONT::setPath(const char *path) { keltra::copyText(fontPath, path); }
+void KTFONT::setPath(const char *path) { keltra::takeText(fontPath, path, "KTFONT::setPath"); }
 
-void KTFONT::setName(const char *text) { keltra::copyName(name, text); }
+void KTFONT::setName(const char *text) { keltra::takeName(name, text, "KTFONT::setName"); }

@@ -2,6 +2,8 @@
 
 #include <keltra/font.h>
 
+#include "foundation/fault.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdint>
@@ -139,5 +141,7 @@ unsigned int KTFONT::stringLength(const char *text) const {
 }
 
 int KTFONT::format(const char *source, char *destination, unsigned int width, unsigned int) const {
+    if (!source || !destination)
+        return keltra::failNull("KTFONT::format", source ? "destination" : "source"), 0;
     return keltra::formatText(*this, source, destination, SIZE_MAX, width);
 }

@@ -9,6 +9,8 @@
 #include "core/gl_state.h"
 #include "core/holders.h"
 #include "formats/limits.h"
+#include "foundation/argument.h"
+#include "foundation/fault.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -126,7 +128,7 @@ void KTMATERIAL::copySurface(const KTMATERIAL &other) {
 }
 
 void KTMATERIAL::clone(const KTMATERIAL *source) {
-    if (!source) return;
+    if (!source) return void(keltra::failNull("KTMATERIAL::clone", "source"));
     char text[sizeof name + 16];
     std::snprintf(text, sizeof text, "%s%u", source->name, id);
     keltra::copyText(name, text);
@@ -156,7 +158,7 @@ void KTMATERIAL::forgetShader(const KTSHADER *gone) {
 }
 
 bool KTMATERIAL::setTexture(unsigned int level, KTTEXTURE *value) {
-    if (level >= levels) return false;
+    if (level >= levels) return keltra::failRange("KTMATERIAL::setTexture", "level", level, levels - 1);
     if (texture[level]) texture[level]->decReferences();
     if (value) value->incReferences();
     texture[level] = value;
@@ -220,4 +222,4 @@ unsigned int KTMATERIAL::getNumberOfMaterials() { return count(); }
 
 bool KTMATERIAL::cleanUp() { return destroyAll(); }
 
-void KTMATERIAL::setName(const char *text) { keltra::copyName(name, text); }
+void KTMATERIAL::setName(const char *text) { keltra::takeName(name, text, "KTMATERIAL::setName"); }

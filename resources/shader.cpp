@@ -1,6 +1,7 @@
 #include <keltra/shader.h>
 
 #include "core/holders.h"
+#include "foundation/argument.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -177,6 +178,6 @@ KTSHADER *KTSHADER::findById(unsigned int wanted) {
 
 unsigned int KTSHADER::getNumberOfShaders() { return count(); }
 
-void KTSHADER::setPath(const char *path) { keltra::copyText(shaderPath, path); }
+void KTSHADER::setPath(const char *path) { keltra::takeText(shaderPath, path, "KTSHADER::setPath"); }
 
-void KTSHADER::setName(const char *text) { keltra::copyName(name, text); }
+void KTSHADER::setName(const char *text) { keltra::takeName(name, text, "KTSHADER::setName"); }

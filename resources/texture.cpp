@@ -5,7 +5,9 @@
 #include "core/gl_state.h"
 #include "formats/limits.h"
 #include "formats/tga.h"
+#include "foundation/argument.h"
 #include "foundation/block.h"
+#include "foundation/fault.h"
 #include "foundation/file_bytes.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
@@ -190,11 +192,14 @@ bool KTTEXTURE::loadAgain() {
 }
 
 bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int format) {
-    if (width > maxSize || height > maxSize || format < 3 || format > 6) return false;
+    const char *const call = "KTTEXTURE::create";
+    if (width > maxSize) return keltra::failRange(call, "sizeX", width, maxSize);
+    if (height > maxSize) return keltra::failRange(call, "sizeY", height, maxSize);
+    if (format < 3 || format > 6) return keltra::failValue(call, "bpp", long(format), "3 to 6");
     unsigned char *pixels = nullptr;
     if (format <= 4) {
         pixels = newImage(width, height, format);
-        if (!pixels) return false;
+        if (!pixels) return keltra::failMemory(call);
     }
     // What the old bitmap was charged stays in `usedMemory`, and `memory` as it was: dynamic textures are not
     // counted.
@@ -206,17 +211,19 @@ bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int for
     sizeY = height;
     bpp = format;
     keltra::copyText(filename, kDynamicName);
-    update();
+    upload();
     return true;
 }
 
 bool KTTEXTURE::modify(const char *pixels, bool keepCopy) {
-    if (!pixels) return false;
+    const char *const call = "KTTEXTURE::modify";
+    if (!pixels) return keltra::failNull(call, "pixels");
     if (keepCopy) {
         if (!bitmap) {
             bitmap = newImage(sizeX, sizeY, bpp);
             ownsBitmap = bitmap != nullptr;
-            return false;
+            if (!bitmap) return keltra::failMemory(call);
+            return keltra::failState(call, "there was no bitmap: made without the pixels");
         }
         std::memmove(bitmap, pixels, std::size_t{sizeX} * sizeY * bpp);
     }
@@ -237,7 +244,7 @@ bool KTTEXTURE::reload() {
     forgetDeletedGLTexture();
     if (isLoaded()) return false;
     if (!bitmap) loadAgain();
-    update();
+    upload();
     return true;
 }
 
@@ -246,13 +253,13 @@ bool KTTEXTURE::setFilter(bool linear, bool withMipmaps, bool clampedToEdge) {
     mipmapped = withMipmaps;
     clamped = clampedToEdge;
     forgetDeletedGLTexture();
-    if (isLoaded()) update();
+    if (isLoaded()) upload();
     return true;
 }
 
 bool KTTEXTURE::render(void *data) {
     const unsigned int channel = data ? *static_cast<const unsigned int *>(data) : 0;
-    if (channel >= channels) return false;
+    if (channel >= channels) return keltra::failRange("KTTEXTURE::render", "data", channel, channels - 1);
     timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
     forgetDeletedGLTexture();
     // The channels share one binding and one switch, so that others may have taken them in the meantime. A
@@ -262,7 +269,7 @@ bool KTTEXTURE::render(void *data) {
         return true;
     if (!isLoaded()) {
         if (!bitmap) loadAgain();
-        update();
+        upload();
     }
     texturingOn(channel);
     keltra::bindTexture(glId);
@@ -311,4 +318,4 @@ KTTEXTURE *KTTEXTURE::findById(unsigned int wanted) {
 
 unsigned int KTTEXTURE::getNumberOfTextures() { return count(); }
 
-void KTTEXTURE::setPath(const char *path) { keltra::copyText(texturePath, path); }
+void KTTEXTURE::setPath(const char *path) { keltra::takeText(texturePath, path, "KTTEXTURE::setPath"); }

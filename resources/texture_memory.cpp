@@ -4,6 +4,8 @@
 #include "core/gl_state.h"
 #include "core/holders.h"
 #include "foundation/block.h"
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
 #include "resources/mipmap.h"
 #include "resources/unseen_texture.h"
 
@@ -32,6 +34,13 @@ void uploadLevel(unsigned int level, unsigned int sizeX, unsigned int sizeY, uns
 }  // namespace
 
 bool KTTEXTURE::update() {
+    if (upload()) return true;
+    return keltra::failState("KTTEXTURE::update",
+                             bitmap ? "there is no GL context" : "the texture has no bitmap");
+}
+
+// Without a fault: a texture that is rendered without its file goes on without it.
+bool KTTEXTURE::upload() {
     const bool isTarget = bpp == 5 || bpp == 6;
     if (!isTarget && !bitmap) return false;
     if (deleteGLTexture()) KTENGINESTATE::popVideoMemory(memory);
@@ -152,8 +161,8 @@ bool KTTEXTURE::garbageCollect(unsigned long limit) {
     const unsigned int total = count();
     if (!total) return false;
     Candidate *candidates =
-        static_cast<Candidate *>(vnfMalloc(total * static_cast<unsigned int>(sizeof(Candidate))));
-    if (!candidates) return false;
+        static_cast<Candidate *>(keltra::allocate(total * static_cast<unsigned int>(sizeof(Candidate))));
+    if (!candidates) return keltra::failMemory("KTTEXTURE::garbageCollect");
     unsigned int order = 0;
     for (KTTEXTURE *texture = firstRegistered(); texture; texture = texture->registeredNext(), ++order)
         candidates[order] = {texture, order};

@@ -12,6 +12,7 @@ extern "C" {
 #include <cstring>
 
 #include "formats/limits.h"
+#include "foundation/quiet.h"
 
 namespace keltra {
 namespace {
@@ -55,8 +56,7 @@ bool ClearedMemory::exhausted = false;
 // few rows as decoded, in three bytes a pixel at most.
 bool hasRoomFor(const mpeg2_sequence_t &sequence) {
     const unsigned int pictures = 3 + 2, bytesPerPixel = 3, extraRows = 32, tables = 65536;
-    void *room =
-        vnfMalloc(sequence.width * (sequence.height + extraRows) * bytesPerPixel * pictures + tables);
+    void *room = allocate(sequence.width * (sequence.height + extraRows) * bytesPerPixel * pictures + tables);
     if (!room) return false;
     vnfFree(room);
     return true;

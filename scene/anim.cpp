@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "foundation/argument.h"
+#include "foundation/fault.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -16,6 +18,16 @@ const unsigned int KTANIM::maxBones;
 const unsigned int KTANIM::maxFrames;
 KTANIM *KTANIM::firstAnim = nullptr;
 char KTANIM::ktaPath[256];
+
+namespace {
+
+[[gnu::noinline]] bool failKeyframe(const char *call, unsigned int frame, unsigned int frames,
+                                    unsigned int bone, unsigned int bones) {
+    if (frame > frames) return keltra::failRange(call, "frame", frame, frames);
+    return keltra::failRange(call, "bone", bone, long(bones) - 1);
+}
+
+}  // namespace
 
 KTANIM::KTANIM()
     : id(0),
@@ -76,13 +88,15 @@ KTANIM *KTANIM::findById(unsigned int wanted) {
     return nullptr;
 }
 
-void KTANIM::setKTAPath(const char *path) { keltra::copyText(ktaPath, path); }
+void KTANIM::setKTAPath(const char *path) { keltra::takeText(ktaPath, path, "KTANIM::setKTAPath"); }
 
 void KTANIM::setNumberOfFrames(unsigned int count) {
+    if (count > maxFrames) keltra::warnRange("KTANIM::setNumberOfFrames", "count", count, maxFrames);
     numberOfFrames = static_cast<std::uint16_t>(std::min(count, maxFrames));
 }
 
 void KTANIM::setNumberOfBones(unsigned int count) {
+    if (count > maxBones) keltra::warnRange("KTANIM::setNumberOfBones", "count", count, maxBones);
     numberOfBones = static_cast<std::uint16_t>(std::min(count, maxBones));
 }
 
@@ -92,7 +106,10 @@ unsigned int KTANIM::frames() const { return std::min<unsigned int>(numberOfFram
 
 // False even when the name was set: applications ported from earlier versions rely on it.
 bool KTANIM::setBoneName(unsigned int index, const char *text) {
-    if (index < maxBones && text) keltra::copyText(boneNames[index], text);
+    const char *const call = "KTANIM::setBoneName";
+    if (!text) return keltra::failNull(call, "text");
+    if (index >= maxBones) return keltra::failRange(call, "index", index, maxBones - 1);
+    keltra::takeText(boneNames[index], text, call, "text");
     return false;
 }
 
@@ -117,7 +134,10 @@ R3XVECTOR3D KTANIM::getFrameRotation(unsigned int frame, unsigned int bone) {
 }
 
 bool KTANIM::acquireStructure(KTMESH *mesh) {
-    if (!mesh || !mesh->numberOfBones || !mesh->bones) return false;
+    if (!mesh) return keltra::failNull("KTANIM::acquireStructure", "mesh");
+    if (!mesh->numberOfBones || !mesh->bones)
+        return keltra::failState("KTANIM::acquireStructure", "the mesh has no bones");
+    const keltra::FaultScope scope("KTANIM::acquireStructure");
     setNumberOfBones(mesh->numberOfBones);
     for (unsigned int i = 0; i < bones(); ++i) keltra::copyText(boneNames[i], mesh->bones[i].name);
     return true;
@@ -130,35 +150,36 @@ KTBONEFRAME *KTANIM::settable(unsigned int frame, unsigned int bone) {
 
 bool KTANIM::setFrame(unsigned int frame, unsigned int bone, float x, float y, float z) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return false;
+    if (!keyframe) return failKeyframe("KTANIM::setFrame", frame, frames(), bone, bones());
     keyframe->rotation.set(x, y, z);
     return keyframe->set = true;
 }
 
 bool KTANIM::setFrameRotationX(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return false;
+    if (!keyframe) return failKeyframe("KTANIM::setFrameRotationX", frame, frames(), bone, bones());
     keyframe->rotation.x = degrees;
     return keyframe->set = true;
 }
 
 bool KTANIM::setFrameRotationY(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return false;
+    if (!keyframe) return failKeyframe("KTANIM::setFrameRotationY", frame, frames(), bone, bones());
     keyframe->rotation.y = degrees;
     return keyframe->set = true;
 }
 
 bool KTANIM::setFrameRotationZ(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return false;
+    if (!keyframe) return failKeyframe("KTANIM::setFrameRotationZ", frame, frames(), bone, bones());
     keyframe->rotation.z = degrees;
     return keyframe->set = true;
 }
 
 bool KTANIM::unsetFrame(unsigned int frame, unsigned int bone) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe || !keyframe->set) return false;
+    if (!keyframe) return failKeyframe("KTANIM::unsetFrame", frame, frames(), bone, bones());
+    if (!keyframe->set) return false;
     keyframe->set = false;
     return true;
 }
@@ -169,7 +190,10 @@ void KTANIM::reset() {
 }
 
 bool KTANIM::createKeyframes(unsigned int first, unsigned int last) {
-    if (first >= frames() || last > frames() || first >= last) return false;
+    const char *const call = "KTANIM::createKeyframes";
+    if (last > frames()) return keltra::failRange(call, "last", last, frames());
+    // With `last` in range, `first` is too.
+    if (first >= last) return keltra::failRange(call, "first", first, long(last) - 1);
     for (unsigned int bone = 0; bone < bones(); ++bone) {
         unsigned int from = first;
         while (from < last) {
@@ -197,7 +221,8 @@ void KTANIM::interpolate(unsigned int bone, unsigned int from, unsigned int to) 
 }
 
 bool KTANIM::apply(unsigned int frame, KTNODE *root) {
-    if (frame >= frames() || !root) return false;
+    if (!root) return keltra::failNull("KTANIM::apply", "root");
+    if (frame >= frames()) return keltra::failRange("KTANIM::apply", "frame", frame, long(frames()) - 1);
     for (unsigned int bone = 0; bone < bones(); ++bone) {
         KTNODE *node = root->findByNameInHierarchy(boneNames[bone]);
         if (!node) continue;

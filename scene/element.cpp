@@ -12,6 +12,8 @@
 
 #include "core/glbridge.h"
 #include "formats/limits.h"
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
 #include "scene/element_radius.h"
 #include "scene/local_transform.h"
 #include "scene/node_class.h"
@@ -35,6 +37,21 @@ unsigned int KTELEMENT::numberOfTransparencies = 0;
 namespace {
 
 unsigned int starts = 0;
+// What lacks room in one frame lacks it in the next: told once, until the list is made anew.
+bool listTold = false, skinsTold = false;
+
+[[gnu::noinline]] void warnOnce(bool &told, const char *what, unsigned int most) {
+    if (told) return;
+    told = true;
+    keltra::warnFull("KTELEMENT::pass", what, most);
+}
+
+// Always false.
+[[gnu::noinline]] bool noteFullList() {
+    if (!KTELEMENT::active) return keltra::failState("KTELEMENT::pass", keltra::kInactive);
+    warnOnce(listTold, "render list", KTELEMENT::numberOfElements);
+    return false;
+}
 
 bool isTransparentMesh(const KTMESH &mesh) { return mesh.material && mesh.material->isTransparent(); }
 
@@ -93,30 +110,33 @@ unsigned int keltra::renderListStarts() { return starts; }
 KTELEMENT::KTELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight(), param1(0) {}
 
 void KTELEMENT::setNearestLight(unsigned int i, KTELEMENT *light) {
-    if (i < nearestLights) nearestLight[i] = light;
+    if (i >= nearestLights)
+        return void(keltra::failRange("KTELEMENT::setNearestLight", "i", i, nearestLights - 1));
+    nearestLight[i] = light;
 }
 
 bool KTELEMENT::init(unsigned int n) {
-    if (active) return false;
+    if (active) return keltra::failState("KTELEMENT::init", keltra::kActive);
     unsigned int capacity = n >= 1 && n <= maxElements ? n : maxElements;
-    void *entries = vnfMalloc(capacity * static_cast<unsigned int>(sizeof(KTELEMENT)));
-    void *order = vnfMalloc(capacity * static_cast<unsigned int>(sizeof(KTELEMENT *)));
+    void *entries = keltra::allocate(capacity * static_cast<unsigned int>(sizeof(KTELEMENT)));
+    void *order = keltra::allocate(capacity * static_cast<unsigned int>(sizeof(KTELEMENT *)));
     if (!entries || !order) {
         if (entries) vnfFree(entries);
         if (order) vnfFree(order);
-        return false;
+        return keltra::failMemory("KTELEMENT::init");
     }
     element = static_cast<KTELEMENT *>(entries);
     elementPointer = static_cast<KTELEMENT **>(order);
     for (unsigned int i = 0; i < capacity; ++i) elementPointer[i] = new (&element[i]) KTELEMENT;
     numberOfElements = capacity;
     ++starts;
+    listTold = skinsTold = false;
     active = true;
     return true;
 }
 
 bool KTELEMENT::free() {
-    if (!active) return false;
+    if (!active) return keltra::failState("KTELEMENT::free", keltra::kInactive);
     vnfFree(element);
     vnfFree(elementPointer);
     element = nullptr;
@@ -137,7 +157,8 @@ bool KTNODE::pass(bool flag) {
 
 // Children go through the same steps as KTNODE::pass, which stamps a node before it is queued here.
 bool KTELEMENT::pass(KTNODE *root, bool) {
-    if (!root || numberOfPassedElements >= numberOfElements) return false;
+    if (!root) return keltra::failNull("KTELEMENT::pass", "node");
+    if (numberOfPassedElements >= numberOfElements) return noteFullList();
     Levels levels;
     const KTNODE *refused =
         nullptr;  // came when the list was full; it has no level, and its children do not come
@@ -145,6 +166,7 @@ bool KTELEMENT::pass(KTNODE *root, bool) {
         if (depth > 0) node->timeStamp = static_cast<unsigned int>(KTENGINESTATE::timeStamp);
         if (numberOfPassedElements >= numberOfElements) {
             refused = node;
+            noteFullList();
             return 0;
         }
         levels.push(depth);
@@ -186,13 +208,14 @@ void KTELEMENT::append(KTNODE *node) {
 void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
     if (KTMESH::usedSlots >= KTMESH::maxSkins || !KTMESH::boneMatrices) {
         entry.param1 = KTMESH::maxSkins;
+        warnOnce(skinsTold, "skinned meshes of a frame", KTMESH::maxSkins);
         return;
     }
     bool pushed = keltra::pushMatrix();
     KT_glLoadIdentity();
     // Bones that the walk does not meet rest, instead of following whoever had the slot in an earlier frame.
     std::fill_n(currentSlot(), pooledBones(*mesh), R3XMATRIX());
-    passSkeleton(mesh->parent, mesh);
+    if (mesh->parent) passSkeleton(mesh->parent, mesh);
     KTMESH::slotMesh[KTMESH::usedSlots] = mesh;
     entry.param1 = KTMESH::usedSlots++;
     if (pushed)
@@ -202,7 +225,7 @@ void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
 }
 
 bool KTELEMENT::passSkeleton(KTNODE *bone, KTMESH *mesh) {
-    if (!bone) return false;
+    if (!bone) return keltra::failNull("KTELEMENT::passSkeleton", "bone");
     if (!mesh || !mesh->bones || !KTMESH::boneMatrices || KTMESH::usedSlots >= KTMESH::maxSkins) return true;
     Levels levels;
     auto enter = [&](KTNODE *node, unsigned int depth) {

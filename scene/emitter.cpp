@@ -10,6 +10,9 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
+
 #include <GLES/gl.h>
 
 #include <algorithm>
@@ -54,7 +57,7 @@ constexpr float kAlphaLimit = 0.2f;
 
 template <class T>
 T *newRecords(unsigned int count) {
-    T *records = static_cast<T *>(vnfMalloc(count * static_cast<unsigned int>(sizeof(T))));
+    T *records = static_cast<T *>(keltra::allocate(count * static_cast<unsigned int>(sizeof(T))));
     for (unsigned int i = 0; records && i < count; ++i) new (records + i) T();
     return records;
 }
@@ -219,7 +222,7 @@ void KTEMITTER::copyEmitter(const KTEMITTER &other) {
 }
 
 bool KTEMITTER::init() {
-    if (particle) return false;
+    if (particle) return keltra::failState("KTEMITTER::init", keltra::kActive);
     particle = newRecords<KTPARTICLE>(poolSize);
     vertexArray = newRecords<R3XVECTOR4D>(kVertices);
     uvArray = newRecords<R3XVECTOR2D>(kVertices);
@@ -227,7 +230,7 @@ bool KTEMITTER::init() {
     colorArray = newRecords<unsigned char>(kVertices * kColorBytes);
     if (!particle || !vertexArray || !uvArray || !uvSecondaryArray || !colorArray) {
         freeArrays();
-        return false;
+        return keltra::failMemory("KTEMITTER::init");
     }
     const R3XVECTOR2D square[kCorners] = {{0.0f, 0.0f}, {1.0f, 0.0f}, {1.0f, 1.0f}, {0.0f, 1.0f}};
     for (unsigned int i = 0; i < kVertices; ++i) {
@@ -240,7 +243,7 @@ bool KTEMITTER::init() {
 }
 
 bool KTEMITTER::free() {
-    if (!particle) return false;
+    if (!particle) return keltra::failState("KTEMITTER::free", keltra::kInactive);
     for (KTEMITTER *emitter = firstEmitter; emitter; emitter = emitter->nextEmitter) {
         emitter->releaseSlots(0);
         emitter->initialized = false;
@@ -319,7 +322,9 @@ void KTEMITTER::releaseSlots(unsigned int kept) {
 
 // With too few free records the emitter makes do with what it has, and does not ask again.
 bool KTEMITTER::initialize() {
-    if (!particle) return false;
+    if (!particle) return keltra::failState("KTEMITTER::initialize", keltra::kInactive);
+    if (numberOfParticles != clampedNumber(numberOfParticles))
+        keltra::warnRange("KTEMITTER::initialize", "numberOfParticles", numberOfParticles, maxParticles);
     numberOfParticles = clampedNumber(numberOfParticles);
     const unsigned int wanted = static_cast<unsigned int>(numberOfParticles);
     releaseSlots(wanted);
@@ -332,6 +337,8 @@ bool KTEMITTER::initialize() {
         ++numberbOfParticlesUsed;
         slot[next] = static_cast<int>(record);
     }
+    if (wanted > 0 && slot[wanted - 1] < 0)
+        keltra::warnFull("KTEMITTER::initialize", "particles of all emitters", poolSize);
     for (unsigned int i = 0; i < wanted; ++i) updateParticle(heldParticle(i));
     initialized = true;
     return true;
@@ -371,7 +378,8 @@ void KTEMITTER::placeOnDisc(KTPARTICLE &spawned) const {
 }
 
 bool KTEMITTER::render(void *data) {
-    if (!data || !particle) return false;
+    if (!data) return keltra::failNull("KTEMITTER::render", "data");
+    if (!particle) return keltra::failState("KTEMITTER::render", keltra::kInactive);
     if (!initialized && !initialize()) return false;
     KT_glLoadMatrixf(static_cast<KTELEMENT *>(data)->getMatrix()->m);
     const bool wasLit = KTLIGHT::getLighting();

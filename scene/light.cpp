@@ -5,6 +5,7 @@
 #include <keltra/mesh.h>
 
 #include "core/gl_state.h"
+#include "foundation/fault.h"
 #include "math/fixed.h"
 #include "scene/local_transform.h"
 #include "scene/node_class.h"
@@ -83,7 +84,8 @@ void KTLIGHT::lightingOn() { keltra::setCapability(lighting, GL_LIGHTING, true);
 void KTLIGHT::lightingOff() { keltra::setCapability(lighting, GL_LIGHTING, false); }
 
 bool KTLIGHT::activateNearest(KTELEMENT *element) {
-    if (!element || !lighting) return false;
+    if (!element) return keltra::failNull("KTLIGHT::activateNearest", "element");
+    if (!lighting) return false;
     KTELEMENT::sortLights(element->matrix.getTranslation());
     for (unsigned int i = 0; i < KTELEMENT::nearestLights && i < KTELEMENT::numberOfLights; ++i) {
         KTELEMENT *light = KTELEMENT::getLight(i);
@@ -98,7 +100,9 @@ bool KTLIGHT::activateNearest(KTELEMENT *element) {
 
 bool KTLIGHT::render(void *data) {
     KTELEMENT *element = static_cast<KTELEMENT *>(data);
-    if (!element || element->param1 >= kGlLights) return false;
+    if (!element) return keltra::failNull("KTLIGHT::render", "data");
+    if (element->param1 >= kGlLights)
+        return keltra::failRange("KTLIGHT::render", "param1", element->param1, kGlLights - 1);
 
     R3XVECTOR3D eye = transformMode == 1 ? matrix.getTranslation() : position;
     // The fourth component differs, 0 here and 1 there: meant, a light that aims at a node close by gets a

@@ -8,6 +8,8 @@
 
 #include "formats/limits.h"
 #include "foundation/block.h"
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
 #include "scene/node_class.h"
 
 static_assert(KTMESH::maxSkins == keltra::kMaxSkins && KTMESH::maxBones == keltra::kMaxSkinBones,
@@ -152,10 +154,10 @@ void KTMESH::forgetMaterial(const KTMATERIAL *gone) {
 }
 
 bool KTMESH::init() {
-    if (boneMatrices) return false;
+    if (boneMatrices) return keltra::failState("KTMESH::init", keltra::kActive);
     const unsigned int matrices = maxSkins * maxBones;
-    void *pool = vnfMalloc(matrices * static_cast<unsigned int>(sizeof(R3XMATRIX)));
-    if (!pool) return false;
+    void *pool = keltra::allocate(matrices * static_cast<unsigned int>(sizeof(R3XMATRIX)));
+    if (!pool) return keltra::failMemory("KTMESH::init");
     boneMatrices = static_cast<R3XMATRIX *>(pool);
     for (unsigned int i = 0; i < matrices; ++i) new (boneMatrices + i) R3XMATRIX;
     return true;

@@ -142,10 +142,13 @@ KTNODE *keltra::buildMesh(const MeshRecord &record, KTMATERIAL *material) {
 }
 
 KTNODE *KTMESH::load(const char *buffer, long *cursor, bool oldVersion) {
+    keltra::FaultScope scope("KTMESH::load");
     keltra::MeshRecord record;
     const auto read = [&record, oldVersion](keltra::FieldReader &reader) {
         return readMesh(reader, oldVersion, record);
     };
-    if (!keltra::readTrusted(buffer, cursor, read)) return nullptr;
-    return keltra::buildMesh(record, KTMATERIAL::findByName(record.material));
+    if (!keltra::readTrusted(scope, buffer, cursor, read)) return nullptr;
+    KTNODE *mesh = keltra::buildMesh(record, KTMATERIAL::findByName(record.material));
+    if (!mesh) scope.fail(KT_FAULT_OUT_OF_MEMORY);
+    return mesh;
 }

@@ -14,6 +14,7 @@
 
 #include "core/gl_state.h"
 #include "foundation/block.h"
+#include "foundation/fault.h"
 #include "math/fixed.h"
 #include "scene/node_class.h"
 
@@ -82,7 +83,7 @@ std::int32_t farEnd(std::int32_t vertex, std::int32_t normal, std::int32_t lengt
 }  // namespace
 
 bool KTMESH::render(void *data) {
-    if (!data) return false;
+    if (!data) return keltra::failNull("KTMESH::render", "data");
     if (hidden) return true;
     KTELEMENT &element = *static_cast<KTELEMENT *>(data);
     const bool special = KTOPENGL::currentProfile >= KT_PROFILE_PICKING;

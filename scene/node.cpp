@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/holders.h"
+#include "foundation/argument.h"
 #include "foundation/block.h"
 #include "foundation/registry.h"
 
@@ -164,11 +165,7 @@ KTNODE *KTNODE::getNextNode() const { return isRegistered() ? registeredNext() :
 
 KTNODE *KTNODE::getPreviousNode() const { return isRegistered() ? registeredPrevious() : previousNode; }
 
-void KTNODE::setName(const char *text) {
-    if (!text) return;
-    std::size_t length = ::strnlen(text, sizeof name);
-    if (length < sizeof name) keltra::copyText(name, text);
-}
+void KTNODE::setName(const char *text) { keltra::takeName(name, text, "KTNODE::setName"); }
 
 const char *KTNODE::getTypeName() const { return type < kTypeNames ? typeNames[type] : "unknown"; }
 

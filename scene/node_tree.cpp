@@ -8,6 +8,7 @@
 
 #include "core/glbridge.h"
 #include "foundation/block.h"
+#include "foundation/fault.h"
 #include "scene/local_transform.h"
 #include "scene/tree_walk.h"
 
@@ -16,12 +17,18 @@ KTNODE *KTNODE::ancestors[64];
 namespace {
 
 const unsigned int kMaxAncestors = 64;
+constexpr const char *kNotListed = "the parent does not list the node";
 const int kMaxIndent = 512;  // with the longest name the line still fits the log's 1,023 characters
 
 }  // namespace
 
 bool KTNODE::link(KTNODE *newParent) {
-    if (!newParent || newParent == this || parent || !newParent->makeRoomForChild()) return false;
+    const char *const call = "KTNODE::link";
+    if (!newParent) return keltra::failNull(call, "parent");
+    if (newParent == this || parent)
+        return keltra::failState(call,
+                                 parent ? "the node has a parent already" : "the node is its own parent");
+    if (!newParent->makeRoomForChild()) return keltra::failMemory(call);
     if (borrows) {
         leaveLister();
         listedBy = newParent;
@@ -36,7 +43,9 @@ bool KTNODE::link(KTNODE *newParent) {
 
 bool KTNODE::unlink() {
     KTNODE *from = parent;
-    if (!from || from->numberOfChildren == 0) return false;
+    const char *const call = "KTNODE::unlink";
+    if (!from) return keltra::failState(call, "the node has no parent");
+    if (from->numberOfChildren == 0) return keltra::failState(call, kNotListed);
     const unsigned int count = from->numberOfChildren;
     if (count == 1) {
         // An only child is not compared with this node: deliberate, a copy of it can take it from its parent.
@@ -44,7 +53,8 @@ bool KTNODE::unlink() {
         from->setChildren(nullptr, 0);
     } else {
         const unsigned int index = from->findChild(this);
-        if (index == count || !from->takeChild(index)) return false;
+        if (index == count) return keltra::failState(call, kNotListed);
+        if (!from->takeChild(index)) return keltra::failMemory(call);
     }
     if (listedBy == from) listedBy = nullptr;
     parent = nullptr;
@@ -53,21 +63,25 @@ bool KTNODE::unlink() {
 
 // Unlinking the children changes the array, so they are read from a copy of it.
 bool KTNODE::remove() {
-    if (!parent) return false;
+    if (!parent) return keltra::failState("KTNODE::remove", "the node has no parent");
     KTNODE *heir = parent;
     const unsigned int count = children ? numberOfChildren : 0;
     KTNODE **handed = static_cast<KTNODE **>(count ? keltra::newBlock(count * sizeof(KTNODE *)) : nullptr);
-    if (count && !handed) return false;
+    if (count && !handed) return keltra::failMemory("KTNODE::remove");
     std::copy_n(children, count, handed);
     bool complete = true;
-    for (unsigned int i = 0; i < count; ++i) {
-        KTNODE *child = handed[i];
-        if (!child) continue;
-        child->unlink();
-        if (!child->link(heir) && child != heir) complete = false;
+    {
+        const keltra::FaultSilence silence;  // told once below, however many fail
+        for (unsigned int i = 0; i < count; ++i) {
+            KTNODE *child = handed[i];
+            if (!child) continue;
+            child->unlink();
+            if (!child->link(heir) && child != heir) complete = false;
+        }
+        complete = unlink() && complete;
     }
     keltra::releaseBlock(handed);
-    return unlink() && complete;
+    return complete || keltra::failState("KTNODE::remove", "not everything could be moved");
 }
 
 R3XMATRIX KTNODE::getFinalMatrix(const char *stopName) {
@@ -93,6 +107,7 @@ R3XMATRIX KTNODE::getFinalMatrix(const char *stopName) {
 }
 
 void KTNODE::displayTreeRecursive(KTNODE *node, int indent) {
+    if (!node) return void(keltra::failNull("KTNODE::displayTreeRecursive", "node"));
     char blanks[kMaxIndent + 1];
     std::memset(blanks, ' ', kMaxIndent);
     blanks[kMaxIndent] = '\0';

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <new>
 
+#include "formats/scene_faults.h"
 #include "formats/trusted_record.h"
 #include "foundation/file_bytes.h"
 #include "foundation/name_index.h"
@@ -197,8 +198,8 @@ KTNODE *buildNode(Resources &resources, const keltra::SceneNode &node) {
     return keltra::buildMesh(*node.mesh, resources.materials.find(node.mesh->material));
 }
 
-KTNODE *buildTrustedNode(const char *buffer, long *cursor) {
-    if (!buffer || !cursor || *cursor < 0) return nullptr;
+KTNODE *buildTrustedNode(keltra::FaultScope &scope, const char *buffer, long *cursor) {
+    if (!keltra::isRecordPlace(scope, buffer, cursor)) return nullptr;
     long body = *cursor + 1;
     KTNODE *node = nullptr;
     switch (static_cast<unsigned char>(buffer[*cursor])) {
@@ -211,6 +212,11 @@ KTNODE *buildTrustedNode(const char *buffer, long *cursor) {
         case keltra::kMeshRecord:
             node = KTMESH::load(buffer, &body, false);
             break;
+        default:
+            keltra::Fault fault;
+            keltra::refuseValue(&fault, static_cast<std::size_t>(*cursor), "type",
+                                static_cast<unsigned char>(buffer[*cursor]), "unknown node type");
+            scope.fail(keltra::toPublic(fault));
     }
     if (node) *cursor = body;
     return node;
@@ -226,7 +232,7 @@ class TreeBuilder {
     // without them. Null, with everything destroyed again, when `next` returns null, the tree nests too deep
     // or memory runs out. The path is kept in an array: the device's stack is small.
     template <class Next>
-    static KTNODE *build(KTNODE *parent, Next next) {
+    static KTNODE *build(KTNODE *parent, bool &isTooDeep, Next next) {
         struct Step {
             KTNODE *node;
             unsigned int next, end;
@@ -235,7 +241,8 @@ class TreeBuilder {
         unsigned int depth = 0;
         KTNODE *root = nullptr;
         for (KTNODE *above = parent;;) {
-            KTNODE *node = depth < kMaxTreeDepth ? next() : nullptr;
+            isTooDeep = depth == kMaxTreeDepth;
+            KTNODE *node = isTooDeep ? nullptr : next();
             if (!root) root = node;
             if (!node || !node->allocateChildren(node->numberOfChildren)) {
                 destroyNodesFrom(root);
@@ -262,8 +269,9 @@ KTNODE *buildScene(const SceneContents &contents) {
     Resources resources;
     const SceneNode *record = contents.firstNode();
     KTNODE *root = nullptr;
+    bool isTooDeep;  // it is not: the file was checked
     if (buildMaterials(resources, contents.firstMaterial())) {
-        root = TreeBuilder::build(nullptr, [&record, &resources] {
+        root = TreeBuilder::build(nullptr, isTooDeep, [&record, &resources] {
             const SceneNode &read = *record;
             record = read.next;
             return buildNode(resources, read);
@@ -274,7 +282,12 @@ KTNODE *buildScene(const SceneContents &contents) {
 }
 
 KTNODE *buildTrustedTree(const char *buffer, long *cursor, KTNODE *parent) {
-    return TreeBuilder::build(parent, [buffer, cursor] { return buildTrustedNode(buffer, cursor); });
+    FaultScope scope("KELTRA::recursiveLoad");
+    bool isTooDeep;
+    KTNODE *root =
+        TreeBuilder::build(parent, isTooDeep, [&] { return buildTrustedNode(scope, buffer, cursor); });
+    if (!root) scope.fail(isTooDeep ? treeTooDeep() : newFault(KT_FAULT_OUT_OF_MEMORY));
+    return root;
 }
 
 void bindSkins(KTNODE *root, KTNODE *node) {
@@ -289,13 +302,21 @@ void bindSkins(KTNODE *root, KTNODE *node) {
 }  // namespace keltra
 
 KTNODE *KTNODE::load(const char *buffer, long *cursor) {
+    keltra::FaultScope scope("KTNODE::load");
     keltra::PlainRecord record;
     const auto read = [&record](keltra::FieldReader &reader) { return readPlain(reader, record); };
-    return keltra::readTrusted(buffer, cursor, read) ? buildPlain(record) : nullptr;
+    if (!keltra::readTrusted(scope, buffer, cursor, read)) return nullptr;
+    KTNODE *node = buildPlain(record);
+    if (!node) scope.fail(KT_FAULT_OUT_OF_MEMORY);
+    return node;
 }
 
 KTNODE *KTLIGHT::load(const char *buffer, long *cursor) {
+    keltra::FaultScope scope("KTLIGHT::load");
     keltra::LightRecord record;
     const auto read = [&record](keltra::FieldReader &reader) { return readLight(reader, record); };
-    return keltra::readTrusted(buffer, cursor, read) ? buildLight(record) : nullptr;
+    if (!keltra::readTrusted(scope, buffer, cursor, read)) return nullptr;
+    KTNODE *light = buildLight(record);
+    if (!light) scope.fail(KT_FAULT_OUT_OF_MEMORY);
+    return light;
 }

@@ -15,6 +15,13 @@ namespace {
 
 const char kReferenceFrame[] = "HumanoidRoot";
 
+// For a mesh that got no slot `KTELEMENT::pass` has told so. Always false.
+bool refuseSlot(unsigned int slot) {
+    const char *const call = "KTMESH::animate";
+    if (slot > KTMESH::maxSkins) return keltra::failRange(call, "slot", slot, KTMESH::maxSkins - 1);
+    return slot < KTMESH::maxSkins && keltra::failState(call, keltra::kInactive);
+}
+
 template <class Kernel>
 void skin(const keltra::SkinJob &job, unsigned int boneCount) {
     static typename Kernel::Bone bones[KTMESH::maxBones];
@@ -53,7 +60,7 @@ bool KTMESH::usesSkinningShader() const { return KTSHADER::useSkinning() && numb
 
 bool KTMESH::animate(unsigned int slot) {
     if (numberOfInfluences == 0) return true;
-    if (slot >= maxSkins || !boneMatrices) return false;
+    if (slot >= maxSkins || !boneMatrices) return refuseSlot(slot);
     const unsigned int boneCount = countPoolBones();
     const R3XMATRIX *pool = boneMatrices + slot * maxBones;
     // The node is looked up once a draw; everything below works on the pool's matrices.
@@ -91,7 +98,7 @@ bool keltra::makeSkinnedArrays(KTMESH &mesh) {
 bool KTMESH::skinVertices(unsigned int boneCount) {
     if (numberOfVertices == 0 || !vertices || !vertexNormals || !influenceBones || !influenceWeights)
         return true;
-    if (!keltra::makeSkinnedArrays(*this)) return false;
+    if (!keltra::makeSkinnedArrays(*this)) return keltra::failMemory("KTMESH::animate");
     const keltra::SkinJob job = {numberOfVertices, numberOfInfluences, vertices,        vertexNormals,
                                  influenceBones,   influenceWeights,   skinnedVertices, skinnedNormals};
 #if defined(KELTRA_SKIN_AVX2)

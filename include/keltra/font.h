@@ -129,7 +129,10 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT> {
     void writeGlyph(std::int64_t x, std::int64_t y, char c) const;
     void queueText(std::int64_t x, std::int64_t y, const char *text) const;
 
+    bool failTexture(const char *call);
+
     bool countsTexture;  // this object counted its use of the texture
+    bool toldMissing;    // that there is no texture was told
 };
 
 #endif

@@ -140,6 +140,7 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     bool loadAgain();
     bool takesPicture(unsigned int width, unsigned int height);
     void setParameters() const;
+    bool upload();
     void uploadImage();
 
     bool unseen;      // the loader that made it gives it up

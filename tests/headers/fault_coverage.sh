@@ -89,6 +89,9 @@ done
 for call in $excepted; do
     printf '%s\n' "$calls" | grep -qx "$call" || { echo "$exceptions names $call, which is no such call" >&2; failed=1; }
 done
+for call in $covered; do
+    printf '%s\n' "$excepted" | grep -qx "$call" && { echo "$exceptions names $call, which has a row" >&2; failed=1; }
+done
 printf '%s\n' "$excepted" | uniq -d | while read -r call; do echo "$exceptions names $call twice" >&2; done
 grep -v '^#' "$exceptions" | grep -v '^$' | grep -vE '^[A-Za-z0-9_:]+ +[a-z]+: .' &&
     { echo "lines of $exceptions are: CALL KIND: REASON" >&2; failed=1; }

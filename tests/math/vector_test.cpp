@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
+#include <keltra/fault.h>
 #include <keltra/vector.h>
 
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <random>
 #include <type_traits>
@@ -150,6 +152,26 @@ TEST(VectorDeathTest, AnIndexOutOfRangeEndsTheProcess) {
     EXPECT_EXIT(three[3], testing::ExitedWithCode(1), "");
     EXPECT_EXIT(four[4], testing::ExitedWithCode(1), "");
     EXPECT_EXIT(four[-1], testing::ExitedWithCode(1), "");
+}
+
+void printFault(const KTFAULT *fault, void *) {
+    char text[256];
+    KTFAULTS::format(fault, text, sizeof text);
+    std::fputs(text, stderr);
+}
+
+TEST(VectorDeathTest, AnIndexOutOfRangeIsToldBeforeTheEnd) {
+    R3XVECTOR2D two;
+    R3XVECTOR3D three;
+    const R3XVECTOR4D four;
+    KTFAULTS::setHandler(printFault, nullptr);
+    EXPECT_EXIT(two[2], testing::ExitedWithCode(1),
+                "R3XVECTOR2D::operator\\[\\]: `index` is 2, expected 0 to 1");
+    EXPECT_EXIT(three[-1], testing::ExitedWithCode(1),
+                "R3XVECTOR3D::operator\\[\\]: `index` is -1, expected 0 to 2");
+    EXPECT_EXIT(four[4], testing::ExitedWithCode(1),
+                "R3XVECTOR4D::operator\\[\\]: `index` is 4, expected 0 to 3");
+    KTFAULTS::setHandler(nullptr, nullptr);
 }
 
 TEST(VectorTest, ArithmeticWorksComponentByComponent) {

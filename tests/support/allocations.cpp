@@ -15,6 +15,7 @@ namespace {
 thread_local bool counting = false;
 thread_local long counted = 0;
 [[maybe_unused]] std::atomic<std::size_t> failingSize{0};
+[[maybe_unused]] std::atomic<std::size_t> failingFrom{0};
 std::atomic<int> failingCountdown{0};
 
 }  // namespace
@@ -39,7 +40,9 @@ void *__libc_realloc(void *block, std::size_t size);
 // They stay glibc's own allocator, so free and the rest of the family need no counterpart here.
 void *malloc(std::size_t size) {
     if (counting) ++counted;
-    if (failingCountdown > 0 && size == failingSize && --failingCountdown == 0) {
+    const bool isLarge = failingFrom > 0 && size >= failingFrom;
+    if (isLarge || (failingCountdown > 0 && size == failingSize && --failingCountdown == 0)) {
+        if (isLarge) failingFrom = 0;
         errno = ENOMEM;
         return nullptr;
     }
@@ -82,6 +85,11 @@ void Allocations::failNext(std::size_t size, int nth) {
     failingCountdown = nth;
 }
 
-void Allocations::clear() { failingCountdown = 0; }
+void Allocations::failNextFrom(std::size_t size) { failingFrom = size; }
+
+void Allocations::clear() {
+    failingCountdown = 0;
+    failingFrom = 0;
+}
 
 }  // namespace keltra::test

@@ -19,6 +19,8 @@ class Allocations {
     static bool canFail();
     /// Lets the `nth` malloc of `size` bytes from now on return null, once.
     static void failNext(std::size_t size, int nth = 1);
+    /// Lets the next malloc of `size` bytes or more return null, once.
+    static void failNextFrom(std::size_t size);
     /// Takes a failure that was not reached back.
     static void clear();
 };

@@ -33,7 +33,7 @@ formats::Node lightNode(const std::string &name, const aiLight &light, const Mat
     const Vector at(light.mPosition.x, light.mPosition.y, light.mPosition.z);
     const Vector to(light.mDirection.x, light.mDirection.y, light.mDirection.z);
     node.position = narrowed(bake * at);
-    Vector direction = turned(bake, to);
+    Vector direction = rotated(bake, to);
     if (!(direction.Length() > 0.0)) direction = Vector(0.0, 0.0, -1.0);
     node.light.direction = narrowed(direction.Normalize());
     node.light.type = light.mType == aiLightSource_SPOT          ? formats::LightType::kSpot

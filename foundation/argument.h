@@ -1,0 +1,13 @@
+#ifndef KELTRA_FOUNDATION_ARGUMENT_H
+#define KELTRA_FOUNDATION_ARGUMENT_H
+
+namespace keltra {
+
+// What exported setters do with their texts: copyText and copyName, with a fault where less is stored than
+// was given. A text that is cut is a warning, a name that is not taken an error.
+void takeText(char (&target)[256], const char *text, const char *call, const char *argument = "path");
+bool takeName(char (&target)[256], const char *text, const char *call);
+
+}  // namespace keltra
+
+#endif
