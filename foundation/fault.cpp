@@ -14,9 +14,10 @@ struct Channel {
     FaultScope *scope;
     unsigned int optional, silent;
     unsigned int errors;  // told so far
+    unsigned int told;    // since the outermost scope began
     bool inHandler;
 };
-Channel channel = {nullptr, 0, 0, 0, false};
+Channel channel = {nullptr, 0, 0, 0, 0, false};
 
 KTFAULT last;
 unsigned int faults = 0;
@@ -40,7 +41,7 @@ void handOver(const KTFAULT &fault) {
     static KTFAULT handed;  // stays as it is while the handler makes faults
     handed = fault;
     const Channel before = channel;
-    channel = {nullptr, 0, 0, 0, true};
+    channel = {nullptr, 0, 0, 0, 0, true};
     handler(&handed, handlerUser);
     const unsigned int errors = channel.errors;
     channel = before;
@@ -66,6 +67,7 @@ void tell(KTFAULT &fault) {
     if (channel.silent) return;
     if (channel.optional) fault.severity = KT_FAULT_WARNING;
     if (fault.severity == KT_FAULT_ERROR) ++channel.errors;
+    ++channel.told;
     addScopes(fault);
     last = fault;
     ++faults;
@@ -96,6 +98,7 @@ void fillFileFault(KTFAULT &fault, const char *path, bool isOutOfMemory, long la
 
 FaultScope::FaultScope(const char *call, const char *file)
     : call(call), file(file), line(0), outer(channel.scope), errorsBefore(channel.errors) {
+    if (!outer) channel.told = 0;
     channel.scope = this;
 }
 
@@ -218,6 +221,8 @@ bool failFile(const char *call, const char *path) {
     fillFileFault(fault, path, false, 0x7fffffff);
     return tellFault(call, fault);
 }
+
+unsigned int faultsOfCall() { return channel.scope ? channel.told : 0; }
 
 bool isInFaultHandler() { return channel.inHandler; }
 

@@ -165,6 +165,9 @@ inline void warnFull(const char *call, const char *what, unsigned int most) {
 // True while the application's handler runs.
 bool isInFaultHandler();
 
+// How many faults the application's call has made so far; 0 outside of all scopes.
+unsigned int faultsOfCall();
+
 }  // namespace keltra
 
 #endif

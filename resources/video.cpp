@@ -146,7 +146,10 @@ bool KTVIDEO::startAgain() {
 bool KTVIDEO::update(unsigned int steps) {
     if (!stream) return false;
     // Only a film that could not be opened again at its end still stands there; rewinding it is one more try.
-    if (status == KT_VIDEO_REWINDING && stream->lastRead == 0) return startAgain();
+    if (status == KT_VIDEO_REWINDING && stream->lastRead == 0) {
+        const keltra::FaultSilence told;
+        return load(filename);
+    }
     if (status == KT_VIDEO_STOPPED || !stream->file) return false;
     // The steps that are left at the end of a film are made from its beginning, whether it loops or stops:
     // meant, a call always makes as many steps as it was asked for.

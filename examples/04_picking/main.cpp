@@ -108,7 +108,8 @@ bool run(const example::Options &options, Garden *garden) {
     for (int frame = 1; ok && !handleEvents(&taps); ++frame) {
         // 2. Per frame: he waves once around after a tap.
         garden->waved += scripted ? kFrameTime : std::fmax(KELTRA::getFPSfactor(), 0.0f);
-        garden->wave->apply(static_cast<unsigned>(garden->waved * kRate), garden->figure);
+        const unsigned keyframe = static_cast<unsigned>(garden->waved * kRate);
+        if (keyframe < garden->wave->getNumberOfFrames()) garden->wave->apply(keyframe, garden->figure);
         // 3. Draw. Taps are answered by a frame that is not shown, for picking spoils a pixel.
         if (scripted) taps.assign(1, kScript[(frame - 1) % kScriptLength]);
         if (!taps.empty()) ok = draw(*garden, &camera);

@@ -137,6 +137,23 @@ TEST_F(FaultTableTest, FontsWithoutATexture) {
     });
 }
 
+TEST_F(FaultTableTest, AFilmThatIsGone) {
+    check({
+        {"KTVIDEO::update",
+         [](Folder folder) {
+             const std::string path = folder.write("film.mpg", "no film");
+             KTVIDEO::setMPGPath(folder.prefix().c_str());
+             KTVIDEO video;
+             EXPECT_TRUE(video.load("film.mpg"));
+             std::filesystem::remove(path);
+             video.playLoop();
+             for (int frame = 0; frame < 3; ++frame) EXPECT_FALSE(video.update(10));
+             KTVIDEO::setMPGPath(nullptr);
+         },
+         kError, KT_FAULT_FILE_MISSING, "KTVIDEO::update: %Dfilm.mpg: the file does not exist"},
+    });
+}
+
 TEST_F(FaultTableTest, ResourcesThatAreNotThereAreAnswers) {
     KTFAULTS::clear();
     KTTEXTURE texture;
