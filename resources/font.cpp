@@ -9,6 +9,7 @@
 #include "foundation/argument.h"
 #include "foundation/fault.h"
 #include "foundation/file_bytes.h"
+#include "foundation/find.h"
 #include "foundation/quiet.h"
 #include "foundation/registry.h"
 #include "resources/text_escape.h"
@@ -322,17 +323,10 @@ bool KTFONT::putString(int x, int y, const char *format, ...) {
 }
 
 KTFONT *KTFONT::findByName(const char *text) {
-    if (!text) return nullptr;
-    for (KTFONT *font = firstRegistered(); font; font = font->registeredNext())
-        if (std::strcmp(font->name, text) == 0) return font;
-    return nullptr;
+    return keltra::findByText(firstRegistered(), &KTFONT::name, text);
 }
 
-KTFONT *KTFONT::findById(unsigned int wanted) {
-    for (KTFONT *font = firstRegistered(); font; font = font->registeredNext())
-        if (font->id == wanted) return font;
-    return nullptr;
-}
+KTFONT *KTFONT::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
 
 unsigned int KTFONT::getNumberOfFonts() { return count(); }
 

@@ -11,6 +11,7 @@
 #include "formats/limits.h"
 #include "foundation/argument.h"
 #include "foundation/fault.h"
+#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -206,17 +207,10 @@ bool KTMATERIAL::render(void *data) {
 }
 
 KTMATERIAL *KTMATERIAL::findByName(const char *wanted) {
-    if (!wanted) return nullptr;
-    for (KTMATERIAL *material = firstRegistered(); material; material = material->registeredNext())
-        if (std::strcmp(material->name, wanted) == 0) return material;
-    return nullptr;
+    return keltra::findByText(firstRegistered(), &KTMATERIAL::name, wanted);
 }
 
-KTMATERIAL *KTMATERIAL::findById(unsigned int wanted) {
-    for (KTMATERIAL *material = firstRegistered(); material; material = material->registeredNext())
-        if (material->id == wanted) return material;
-    return nullptr;
-}
+KTMATERIAL *KTMATERIAL::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
 
 unsigned int KTMATERIAL::getNumberOfMaterials() { return count(); }
 

@@ -2,6 +2,7 @@
 
 #include "core/holders.h"
 #include "foundation/argument.h"
+#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -164,17 +165,10 @@ void KTSHADER::reset() {
 bool KTSHADER::cleanUp() { return destroyAll(); }
 
 KTSHADER *KTSHADER::findByName(const char *wanted) {
-    if (!wanted) return nullptr;
-    for (KTSHADER *shader = firstRegistered(); shader; shader = shader->registeredNext())
-        if (std::strcmp(shader->name, wanted) == 0) return shader;
-    return nullptr;
+    return keltra::findByText(firstRegistered(), &KTSHADER::name, wanted);
 }
 
-KTSHADER *KTSHADER::findById(unsigned int wanted) {
-    for (KTSHADER *shader = firstRegistered(); shader; shader = shader->registeredNext())
-        if (shader->id == wanted) return shader;
-    return nullptr;
-}
+KTSHADER *KTSHADER::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
 
 unsigned int KTSHADER::getNumberOfShaders() { return count(); }
 

@@ -9,6 +9,7 @@
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "foundation/file_bytes.h"
+#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -304,17 +305,10 @@ bool KTTEXTURE::texturingOff(unsigned int channel) {
 }
 
 KTTEXTURE *KTTEXTURE::findByFilename(const char *name) {
-    if (!name) return nullptr;
-    for (KTTEXTURE *texture = firstRegistered(); texture; texture = texture->registeredNext())
-        if (std::strcmp(texture->filename, name) == 0) return texture;
-    return nullptr;
+    return keltra::findByText(firstRegistered(), &KTTEXTURE::filename, name);
 }
 
-KTTEXTURE *KTTEXTURE::findById(unsigned int wanted) {
-    for (KTTEXTURE *texture = firstRegistered(); texture; texture = texture->registeredNext())
-        if (texture->id == wanted) return texture;
-    return nullptr;
-}
+KTTEXTURE *KTTEXTURE::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
 
 unsigned int KTTEXTURE::getNumberOfTextures() { return count(); }
 

@@ -8,6 +8,7 @@
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "foundation/file_bytes.h"
+#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 #include "resources/video_stream.h"
@@ -84,17 +85,10 @@ bool KTVIDEO::cleanUp() { return destroyAll(); }
 unsigned int KTVIDEO::getNumberOfVideos() { return count(); }
 
 KTVIDEO *KTVIDEO::findByFilename(const char *name) {
-    if (!name) return nullptr;
-    for (KTVIDEO *video = firstVideo; video; video = video->getNext())
-        if (std::strcmp(video->filename, name) == 0) return video;
-    return nullptr;
+    return keltra::findByText(firstRegistered(), &KTVIDEO::filename, name);
 }
 
-KTVIDEO *KTVIDEO::findById(unsigned int wanted) {
-    for (KTVIDEO *video = firstVideo; video; video = video->getNext())
-        if (video->id == wanted) return video;
-    return nullptr;
-}
+KTVIDEO *KTVIDEO::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
 
 void KTVIDEO::setMPGPath(const char *path) { keltra::takeText(mpgPath, path, "KTVIDEO::setMPGPath"); }
 

@@ -9,6 +9,7 @@
 
 #include "foundation/argument.h"
 #include "foundation/fault.h"
+#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
@@ -76,17 +77,10 @@ bool KTANIM::cleanUp() { return destroyAll(); }
 unsigned int KTANIM::getNumberOfAnims() { return count(); }
 
 KTANIM *KTANIM::findByFilename(const char *text) {
-    if (!text) return nullptr;
-    for (KTANIM *anim = firstAnim; anim; anim = anim->getNext())
-        if (std::strcmp(anim->name, text) == 0) return anim;
-    return nullptr;
+    return keltra::findByText(firstRegistered(), &KTANIM::name, text);
 }
 
-KTANIM *KTANIM::findById(unsigned int wanted) {
-    for (KTANIM *anim = firstAnim; anim; anim = anim->getNext())
-        if (anim->id == wanted) return anim;
-    return nullptr;
-}
+KTANIM *KTANIM::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
 
 void KTANIM::setKTAPath(const char *path) { keltra::takeText(ktaPath, path, "KTANIM::setKTAPath"); }
 
