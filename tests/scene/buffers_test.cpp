@@ -146,9 +146,8 @@ TEST_F(BuffersTest, AnArrayOfChildrenMayBeReplacedInANodeOrItsCopy) {
             auto copy = std::make_unique<KTNODE>(*parent);
             KTNODE &changed = inTheCopy ? *copy : *parent;
             vnfFree(changed.children);
-            changed.children = newArray(1);
-            changed.children[0] = children[1].get();
-            changed.numberOfChildren = 1;
+            changed.children = newArray(count - 1);
+            for (unsigned int i = 1; i < count; ++i) changed.children[i - 1] = children[i].get();
             const KTNODE &kept = inTheCopy ? *parent : *copy;
             EXPECT_EQ(kept.getChild(count - 2), children[count - 1].get());
             parent.reset();
