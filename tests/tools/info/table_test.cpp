@@ -84,7 +84,9 @@ TEST(InfoTable, OfAnEmitterListsSettingsAndMissingComponents) {
               "    setting    value\n"
               "    radius     0.25\n"
               "    gravity    1 - -3\n"
-              "    maxEnergy  -\n");
+              "    maxEnergy  -\n"
+              "  warning: it, line 1: `gravity`: attribute `y` is missing\n"
+              "  warning: it, line 1: `maxEnergy`: attribute `value` is missing\n");
 }
 
 TEST(InfoTable, OfATextureIsOneFieldPerLine) {
