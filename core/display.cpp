@@ -48,7 +48,7 @@ EGLint chooseConfig(EGLDisplay display, int depthBits, EGLConfig *config) {
     return count;
 }
 
-bool failMode(keltra::FaultScope &scope, const KTSETTINGS::RECORD &record) {
+[[gnu::noinline]] bool failMode(keltra::FaultScope &scope, const KTSETTINGS::RECORD &record) {
     KTFAULT fault = keltra::newFault(KT_FAULT_DISPLAY);
     if (keltra::kFaultTexts)
         std::snprintf(fault.found, sizeof fault.found, "no mode of %d x %d pixels and %d bits",
@@ -57,10 +57,10 @@ bool failMode(keltra::FaultScope &scope, const KTSETTINGS::RECORD &record) {
 }
 
 // Names the step of start-up that failed; the reason may be empty.
-bool failStep(const char *step, const char *reason) {
+[[gnu::noinline]] bool failStep(const char *step, const char *reason) {
     return keltra::failWith("KTSETTINGS::init", KT_FAULT_START, step, reason, "");
 }
-bool failEGL(const char *step) {
+[[gnu::noinline]] bool failEGL(const char *step) {
     char reason[32];
     std::snprintf(reason, sizeof reason, "EGL error 0x%x", static_cast<unsigned int>(eglGetError()));
     return failStep(step, reason);
