@@ -46,7 +46,7 @@ class Finder {
 }  // namespace
 
 Panel::Panel(const std::string &file) : root(KELTRA::loadXML(file.c_str())) {
-    if (!root) throw failure(file, engineReason());
+    if (!root) throw failure(file, "cannot be read as an interface");
     const Finder finder(root, file);
     finder.find("panel", KT_WINDOW, window);
     finder.find("scrub", KT_HSCROLLBAR, scrub);
