@@ -47,18 +47,13 @@ unsigned int lineAt(const char *text, std::size_t size, std::size_t offset) {
     return line;
 }
 
-// A file may have any number of wrong names, and as many right ones: a load must not take their product in
-// time.
 NearestName::NearestName(const char *wanted)
-    : wanted(wanted), nearest(""), wantedLength(std::strlen(wanted)), least(wantedLength / 3 + 1) {
-    if (wantedLength >= kLongest || faultsOfCall() >= kMostSought) least = 0;
-}
+    : wanted(wanted), nearest(""), wantedLength(std::strlen(wanted)), least(wantedLength / 3 + 1) {}
 
 void NearestName::offer(const char *known) {
-    if (least == 0) return;
     const std::size_t length = std::strlen(known);
     const std::size_t difference = length > wantedLength ? length - wantedLength : wantedLength - length;
-    if (length >= kLongest || difference >= least) return;
+    if (wantedLength >= kLongest || length >= kLongest || difference >= least) return;
     const std::size_t distance = distanceTo(known, length);
     if (distance >= least) return;
     least = distance;

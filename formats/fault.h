@@ -60,7 +60,7 @@ class LoadScope final : public FaultScope, public FaultSink {
 };
 
 // Finds the name that someone meant who wrote another one: the nearest by letters changed, added, left out or
-// swapped, as long as these are no more than a third of it. After many faults of one call none is found.
+// swapped, as long as these are no more than a third of it.
 class NearestName {
    public:
     explicit NearestName(const char *wanted);
@@ -70,7 +70,6 @@ class NearestName {
 
    private:
     static constexpr std::size_t kLongest = 64;
-    static constexpr unsigned int kMostSought = 64;  // of one call
     std::size_t distanceTo(const char *known, std::size_t length) const;
 
     const char *wanted, *nearest;

@@ -5,9 +5,8 @@
 //
 // - A public call refuses an argument, or is not possible now. One line; all of these return false:
 //       if (!node) return keltra::failNull("KTNODE::link", "parent");
-//       if (level >= levels) return keltra::failValue("KTMATERIAL::setTexture", "level", level, "0 to %u",
-//       levels - 1); if (!active) return keltra::failState("KELTRA::free", "the engine is not active"); if
-//       (!block) return keltra::failMemory("KTNODE::link");
+//       if (!active) return keltra::failState("KELTRA::free", keltra::kInactive);
+//       if (!block) return keltra::failMemory("KTNODE::link");
 //   For another result: `return keltra::failNull(...), nullptr;`.
 // - A public call that uses others which may fail: a FaultScope at its top. All faults below are then told in
 //   its name, and `scope.fail(...)` tells nothing more when one was told. Without a scope around it each call
@@ -165,8 +164,10 @@ inline void warnFull(const char *call, const char *what, unsigned int most) {
 // True while the application's handler runs.
 bool isInFaultHandler();
 
-// How many faults the application's call has made so far; 0 outside of all scopes.
-unsigned int faultsOfCall();
+// Whether a name may be compared with all names of a kind that files define. After 64 faults of the
+// application's call it is not: a file may have any number of wrong names and as many right ones, and a load
+// must not take their product in time.
+bool mayCompareNames();
 
 }  // namespace keltra
 

@@ -111,7 +111,8 @@ void tellUnknownFont(const char *name) {
     keltra::setFaultText(fault.field, keltra::faultText("font"));
     keltra::setFaultText(fault.found, name);
     keltra::NearestName nearest(name);
-    for (KTFONT *font = KTFONT::getFirst(); font; font = font->getNext()) nearest.offer(font->getName());
+    KTFONT *font = keltra::mayCompareNames() ? KTFONT::getFirst() : nullptr;
+    for (; font; font = font->getNext()) nearest.offer(font->getName());
     keltra::setFaultText(fault.expected, nearest.name());
     keltra::warnFault("KELTRA::loadXML", fault);
 }

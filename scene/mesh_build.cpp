@@ -52,8 +52,8 @@ struct MeshLayout {
 
 void warnOfMaterial(const keltra::MeshRecord &record) {
     keltra::NearestName nearest(record.material);
-    for (KTMATERIAL *known = KTMATERIAL::getFirst(); known; known = known->getNext())
-        nearest.offer(known->getName());
+    KTMATERIAL *known = keltra::mayCompareNames() ? KTMATERIAL::getFirst() : nullptr;
+    for (; known; known = known->getNext()) nearest.offer(known->getName());
     keltra::warnFault("KTMESH::load", keltra::unknownMaterial(record.name, record.material, nearest.name()));
 }
 
