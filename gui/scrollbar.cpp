@@ -8,8 +8,8 @@
 
 namespace {
 
-// The two bars are one with the axes exchanged.
-struct Lying {
+// The horizontal and the vertical bar differ only in their axes.
+struct Horizontal {
     static int &length(KTBOX &box) { return box.sizeX; }
     static int &width(KTBOX &box) { return box.sizeY; }
     static float &place(KTBOX &box) { return box.position.x; }
@@ -19,7 +19,7 @@ struct Lying {
     }
 };
 
-struct Standing {
+struct Vertical {
     static int &length(KTBOX &box) { return box.sizeY; }
     static int &width(KTBOX &box) { return box.sizeX; }
     static float &place(KTBOX &box) { return box.position.y; }
@@ -38,7 +38,7 @@ void limitCursor(KTBOX &track, KTBOX *cursor) {
     Axis::setLimits(*cursor, -half, -quarter, end, width - quarter);
 }
 
-// Track and cursor as they are at first; the cursor is null when memory is out.
+// The initial track and cursor; the cursor is null when out of memory.
 template <class Axis>
 KTBUTTON *build(KTBOX &track) {
     Axis::length(track) = 64;
@@ -60,14 +60,14 @@ KTBUTTON *build(KTBOX &track) {
 
 float halfLength(int length) { return static_cast<float>(length / 2); }
 
-// Within the range whatever came in, not-a-number included.
+// Within the range for any value, not-a-number included.
 float clampValue(float value, float low, float high) {
     if (!(value > low)) return low;
     return value < high ? value : high;
 }
 
-// An empty range divides 0 by 0 and leaves the cursor at no place at all: meant, the range is to be set
-// first.
+// Deliberate: an empty range divides 0 by 0, and the cursor's position is not a number; applications set the
+// range first.
 template <class Axis>
 void placeCursor(KTBOX &track, KTBOX *cursor, float value, float low, float high) {
     if (!cursor) return;
@@ -104,7 +104,7 @@ void copyBar(Bar &bar, const Bar &other) {
 }  // namespace
 
 KTHSCROLLBAR::KTHSCROLLBAR()
-    : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Lying>(*this)), ownCursor(cursor) {
+    : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Horizontal>(*this)), ownCursor(cursor) {
     joinClass(KT_HSCROLLBAR);
     setIdentity(KT_HSCROLLBAR, "[hscrollbar %d]");
     if (cursor) makePart(*cursor);
@@ -125,13 +125,15 @@ KTHSCROLLBAR &KTHSCROLLBAR::operator=(const KTHSCROLLBAR &other) {
 
 KTHSCROLLBAR::~KTHSCROLLBAR() { delete ownCursor; }
 
-void KTHSCROLLBAR::setValue(float value) { placeCursor<Lying>(*this, cursor, value, minValue, maxValue); }
-
-float KTHSCROLLBAR::getValue() const {
-    return valueOf<Lying>(const_cast<KTHSCROLLBAR &>(*this), cursor, minValue, maxValue);
+void KTHSCROLLBAR::setValue(float value) {
+    placeCursor<Horizontal>(*this, cursor, value, minValue, maxValue);
 }
 
-void KTHSCROLLBAR::setCursorSize(int pixels) { resizeCursor<Lying>(cursor, pixels); }
+float KTHSCROLLBAR::getValue() const {
+    return valueOf<Horizontal>(const_cast<KTHSCROLLBAR &>(*this), cursor, minValue, maxValue);
+}
+
+void KTHSCROLLBAR::setCursorSize(int pixels) { resizeCursor<Horizontal>(cursor, pixels); }
 
 void KTHSCROLLBAR::setDisplayStatus(bool status) {
     displayStatus = status;
@@ -139,14 +141,14 @@ void KTHSCROLLBAR::setDisplayStatus(bool status) {
 }
 
 bool KTHSCROLLBAR::render(void *data) {
-    limitCursor<Lying>(*this, cursor);
+    limitCursor<Horizontal>(*this, cursor);
     KTBOX::render(data);
     return true;
 }
 
-// Under the lying bar's name: meant, applications find the bars of both kinds by it.
+// Deliberate: the horizontal bar's name; applications find the bars of both kinds by it.
 KTVSCROLLBAR::KTVSCROLLBAR()
-    : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Standing>(*this)), ownCursor(cursor) {
+    : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Vertical>(*this)), ownCursor(cursor) {
     joinClass(KT_VSCROLLBAR);
     setIdentity(KT_VSCROLLBAR, "[hscrollbar %d]");
     if (cursor) makePart(*cursor);
@@ -167,13 +169,13 @@ KTVSCROLLBAR &KTVSCROLLBAR::operator=(const KTVSCROLLBAR &other) {
 
 KTVSCROLLBAR::~KTVSCROLLBAR() { delete ownCursor; }
 
-void KTVSCROLLBAR::setValue(float value) { placeCursor<Standing>(*this, cursor, value, minValue, maxValue); }
+void KTVSCROLLBAR::setValue(float value) { placeCursor<Vertical>(*this, cursor, value, minValue, maxValue); }
 
 float KTVSCROLLBAR::getValue() const {
-    return valueOf<Standing>(const_cast<KTVSCROLLBAR &>(*this), cursor, minValue, maxValue);
+    return valueOf<Vertical>(const_cast<KTVSCROLLBAR &>(*this), cursor, minValue, maxValue);
 }
 
-void KTVSCROLLBAR::setCursorSize(int pixels) { resizeCursor<Standing>(cursor, pixels); }
+void KTVSCROLLBAR::setCursorSize(int pixels) { resizeCursor<Vertical>(cursor, pixels); }
 
 void KTVSCROLLBAR::setDisplayStatus(bool status) {
     displayStatus = status;
@@ -181,7 +183,7 @@ void KTVSCROLLBAR::setDisplayStatus(bool status) {
 }
 
 bool KTVSCROLLBAR::render(void *data) {
-    limitCursor<Standing>(*this, cursor);
+    limitCursor<Vertical>(*this, cursor);
     KTBOX::render(data);
     return true;
 }

@@ -13,31 +13,32 @@ using ::testing::ElementsAre;
 
 class ScrollBarTest : public GuiTest {
    protected:
-    KTHSCROLLBAR lying;
-    KTVSCROLLBAR standing;
+    KTHSCROLLBAR horizontal;
+    KTVSCROLLBAR vertical;
 };
 
 TEST_F(ScrollBarTest, StartWithTheirDefaults) {
-    EXPECT_EQ(lying.getName(), "[hscrollbar " + std::to_string(lying.getId()) + "]");
-    EXPECT_EQ(standing.getName(), "[hscrollbar " + std::to_string(standing.getId()) + "]")
-        << "meant: the same name";
-    EXPECT_EQ(lying.getType(), unsigned(KT_HSCROLLBAR));
-    EXPECT_EQ(standing.getType(), unsigned(KT_VSCROLLBAR));
-    EXPECT_THAT((Box4{lying.sizeX, lying.sizeY, standing.sizeX, standing.sizeY}), ElementsAre(64, 4, 4, 64));
-    const R3XVECTOR4D color = lying.getColor();
+    EXPECT_EQ(horizontal.getName(), "[hscrollbar " + std::to_string(horizontal.getId()) + "]");
+    EXPECT_EQ(vertical.getName(), "[hscrollbar " + std::to_string(vertical.getId()) + "]")
+        << "deliberate: the same name";
+    EXPECT_EQ(horizontal.getType(), unsigned(KT_HSCROLLBAR));
+    EXPECT_EQ(vertical.getType(), unsigned(KT_VSCROLLBAR));
+    EXPECT_THAT((Box4{horizontal.sizeX, horizontal.sizeY, vertical.sizeX, vertical.sizeY}),
+                ElementsAre(64, 4, 4, 64));
+    const R3XVECTOR4D color = horizontal.getColor();
     EXPECT_TRUE(color.x == 0.6f && color.y == 0.2f && color.z == 0.0f && color.w == 0.35f);
-    EXPECT_FALSE(lying.getCheckStatus() || standing.getCheckStatus());
-    EXPECT_TRUE(lying.isStatic() && standing.isStatic());
-    EXPECT_EQ(lying.getMinValue(), 0.0f);
-    EXPECT_EQ(standing.getMaxValue(), 1.0f);
-    EXPECT_EQ(lying.getValue(), 0.5f);
-    EXPECT_EQ(standing.getValue(), 0.5f);
+    EXPECT_FALSE(horizontal.getCheckStatus() || vertical.getCheckStatus());
+    EXPECT_TRUE(horizontal.isStatic() && vertical.isStatic());
+    EXPECT_EQ(horizontal.getMinValue(), 0.0f);
+    EXPECT_EQ(vertical.getMaxValue(), 1.0f);
+    EXPECT_EQ(horizontal.getValue(), 0.5f);
+    EXPECT_EQ(vertical.getValue(), 0.5f);
 }
 
 TEST_F(ScrollBarTest, TheCursorIsTheFirstChildAndStaysOnTheTrack) {
-    const KTBUTTON &h = *lying.getCursor(), &v = *standing.getCursor();
-    EXPECT_EQ(lying.getChild(0), &h);
-    EXPECT_EQ(standing.getChild(0), &v);
+    const KTBUTTON &h = *horizontal.getCursor(), &v = *vertical.getCursor();
+    EXPECT_EQ(horizontal.getChild(0), &h);
+    EXPECT_EQ(vertical.getChild(0), &v);
     EXPECT_THAT((Box4{h.sizeX, h.sizeY, v.sizeX, v.sizeY}), ElementsAre(16, 8, 8, 16));
     EXPECT_TRUE(h.position.x == 24.0f && h.position.y == -2.0f);
     EXPECT_TRUE(v.position.x == -2.0f && v.position.y == 24.0f);
@@ -64,92 +65,92 @@ void expectInverse(Bar &bar) {
 }
 
 TEST_F(ScrollBarTest, SettingAndGettingAreInverse) {
-    expectInverse(lying);
-    expectInverse(standing);
+    expectInverse(horizontal);
+    expectInverse(vertical);
 }
 
 TEST_F(ScrollBarTest, AValueAboveTheRangePutsTheCentreAtTheEnd) {
-    lying.setValue(2.0f);
-    EXPECT_EQ(lying.getCursor()->position.x + 8.0f, 64.0f);
-    EXPECT_EQ(lying.getCursor()->position.y, -2.0f);
-    EXPECT_EQ(lying.getValue(), 1.0f);
-    standing.setValue(-1.0f);
-    EXPECT_EQ(standing.getCursor()->position.y, -8.0f);
-    EXPECT_EQ(standing.getValue(), 0.0f);
+    horizontal.setValue(2.0f);
+    EXPECT_EQ(horizontal.getCursor()->position.x + 8.0f, 64.0f);
+    EXPECT_EQ(horizontal.getCursor()->position.y, -2.0f);
+    EXPECT_EQ(horizontal.getValue(), 1.0f);
+    vertical.setValue(-1.0f);
+    EXPECT_EQ(vertical.getCursor()->position.y, -8.0f);
+    EXPECT_EQ(vertical.getValue(), 0.0f);
 }
 
 TEST_F(ScrollBarTest, AnEmptyRangeHasNoPlaceForTheCursor) {
-    lying.setMinValue(3.0f);
-    lying.setMaxValue(3.0f);
-    lying.setValue(3.0f);
-    EXPECT_TRUE(std::isnan(lying.getCursor()->position.x));
-    EXPECT_EQ(lying.getValue(), 3.0f);
-    draw({&lying});
-    list({&lying});
+    horizontal.setMinValue(3.0f);
+    horizontal.setMaxValue(3.0f);
+    horizontal.setValue(3.0f);
+    EXPECT_TRUE(std::isnan(horizontal.getCursor()->position.x));
+    EXPECT_EQ(horizontal.getValue(), 3.0f);
+    draw({&horizontal});
+    list({&horizontal});
     EXPECT_EQ(point(5, 0, 1), 0u);
 }
 
 TEST_F(ScrollBarTest, OddSizesStayDefined) {
-    standing.sizeY = 0;
-    standing.setValue(0.3f);
-    EXPECT_GE(standing.getValue(), 0.0f);
-    EXPECT_LE(standing.getValue(), 1.0f);
-    standing.sizeY = INT_MAX;
+    vertical.sizeY = 0;
+    vertical.setValue(0.3f);
+    EXPECT_GE(vertical.getValue(), 0.0f);
+    EXPECT_LE(vertical.getValue(), 1.0f);
+    vertical.sizeY = INT_MAX;
     for (int size : {INT_MIN, -1, 0, INT_MAX}) {
-        standing.setCursorSize(size);
-        standing.render(nullptr);
-        standing.setValue(nan());
-        EXPECT_GE(standing.getValue(), 0.0f);
-        EXPECT_LE(standing.getValue(), 1.0f);
+        vertical.setCursorSize(size);
+        vertical.render(nullptr);
+        vertical.setValue(nan());
+        EXPECT_GE(vertical.getValue(), 0.0f);
+        EXPECT_LE(vertical.getValue(), 1.0f);
     }
 }
 
 TEST_F(ScrollBarTest, ALongerCursorKeepsItsCentre) {
-    lying.setCursorSize(32);
-    EXPECT_EQ(lying.getCursor()->position.x, 16.0f);
-    EXPECT_EQ(lying.getCursor()->sizeX, 32);
-    EXPECT_EQ(lying.getValue(), 0.5f);
-    standing.setCursorSize(32);
-    EXPECT_EQ(standing.getCursor()->position.y, 16.0f);
-    EXPECT_EQ(standing.getCursor()->sizeY, 32);
-    EXPECT_EQ(standing.getValue(), 0.5f);
+    horizontal.setCursorSize(32);
+    EXPECT_EQ(horizontal.getCursor()->position.x, 16.0f);
+    EXPECT_EQ(horizontal.getCursor()->sizeX, 32);
+    EXPECT_EQ(horizontal.getValue(), 0.5f);
+    vertical.setCursorSize(32);
+    EXPECT_EQ(vertical.getCursor()->position.y, 16.0f);
+    EXPECT_EQ(vertical.getCursor()->sizeY, 32);
+    EXPECT_EQ(vertical.getValue(), 0.5f);
 }
 
 TEST_F(ScrollBarTest, HidingABarHidesItsCursor) {
-    lying.setDisplayStatus(false);
-    standing.setDisplayStatus(false);
-    EXPECT_FALSE(lying.getDisplayStatus() || lying.getCursor()->getDisplayStatus());
-    EXPECT_FALSE(standing.getDisplayStatus() || standing.getCursor()->getDisplayStatus());
-    EXPECT_TRUE(lying.render(nullptr));
+    horizontal.setDisplayStatus(false);
+    vertical.setDisplayStatus(false);
+    EXPECT_FALSE(horizontal.getDisplayStatus() || horizontal.getCursor()->getDisplayStatus());
+    EXPECT_FALSE(vertical.getDisplayStatus() || vertical.getCursor()->getDisplayStatus());
+    EXPECT_TRUE(horizontal.render(nullptr));
     EXPECT_TRUE(quads().empty());
-    lying.setDisplayStatus(true);
-    EXPECT_TRUE(lying.getCursor()->getDisplayStatus());
+    horizontal.setDisplayStatus(true);
+    EXPECT_TRUE(horizontal.getCursor()->getDisplayStatus());
 }
 
 TEST_F(ScrollBarTest, DrawingAdaptsTheLimitsToTheSizes) {
-    lying.setSizes(100, 10);
-    lying.setCursorSize(21);
-    EXPECT_TRUE(lying.render(nullptr));
-    const KTBUTTON &cursor = *lying.getCursor();
+    horizontal.setSizes(100, 10);
+    horizontal.setCursorSize(21);
+    EXPECT_TRUE(horizontal.render(nullptr));
+    const KTBUTTON &cursor = *horizontal.getCursor();
     EXPECT_THAT((Box4{cursor.startX, cursor.endX, cursor.startY, cursor.endY}), ElementsAre(-10, 110, -2, 6));
     EXPECT_EQ(quads().size(), 25u) << "the track only";
 }
 
 TEST_F(ScrollBarTest, TheCursorIsDraggedFromEndToEnd) {
-    lying.setPosition(50.0f, 100.0f);
-    list({&lying});
+    horizontal.setPosition(50.0f, 100.0f);
+    list({&horizontal});
     EXPECT_EQ(point(82, 101, 1), 0u);
     EXPECT_TRUE(over);
-    EXPECT_TRUE(lying.getCursor()->isClicked());
+    EXPECT_TRUE(horizontal.getCursor()->isClicked());
     point(98, 130, 1);
-    EXPECT_FLOAT_EQ(lying.getValue(), 0.75f);
-    EXPECT_EQ(lying.getCursor()->position.y, -2.0f) << "its limits keep it on the track";
+    EXPECT_FLOAT_EQ(horizontal.getValue(), 0.75f);
+    EXPECT_EQ(horizontal.getCursor()->position.y, -2.0f) << "its limits keep it on the track";
     point(1000, 101, 1);
-    EXPECT_EQ(lying.getValue(), 1.0f);
+    EXPECT_EQ(horizontal.getValue(), 1.0f);
     point(-1000, 101, 1);
-    EXPECT_EQ(lying.getValue(), 0.0f);
+    EXPECT_EQ(horizontal.getValue(), 0.0f);
     point(-1000, 101, 0);
-    EXPECT_FALSE(lying.getCursor()->isClicked());
+    EXPECT_FALSE(horizontal.getCursor()->isClicked());
 }
 
 TEST_F(ScrollBarTest, ABarOwnsItsCursor) {
@@ -169,31 +170,31 @@ TEST_F(ScrollBarTest, ABarOwnsItsCursor) {
 }
 
 TEST_F(ScrollBarTest, ACursorMayGoBeforeItsBar) {
-    delete standing.getCursor();
-    EXPECT_EQ(standing.getCursor(), nullptr);
-    EXPECT_EQ(standing.getValue(), 0.0f);
-    delete lying.getCursor();
-    EXPECT_TRUE(lying.render(nullptr));
-    EXPECT_EQ(lying.getChild(0), nullptr);
+    delete vertical.getCursor();
+    EXPECT_EQ(vertical.getCursor(), nullptr);
+    EXPECT_EQ(vertical.getValue(), 0.0f);
+    delete horizontal.getCursor();
+    EXPECT_TRUE(horizontal.render(nullptr));
+    EXPECT_EQ(horizontal.getChild(0), nullptr);
 }
 
 TEST_F(ScrollBarTest, ACopyCarriesEveryField) {
-    lying.setMinValue(2.0f);
-    lying.setMaxValue(4.0f);
-    lying.reserved[0] = 5;
-    lying.reserved[1] = 6;
+    horizontal.setMinValue(2.0f);
+    horizontal.setMaxValue(4.0f);
+    horizontal.reserved[0] = 5;
+    horizontal.reserved[1] = 6;
     KTHSCROLLBAR assigned;
     KTBUTTON *own = assigned.getCursor();
-    assigned = lying;
+    assigned = horizontal;
     EXPECT_EQ(assigned.getMinValue(), 2.0f);
     EXPECT_EQ(assigned.getMaxValue(), 4.0f);
     EXPECT_EQ(assigned.reserved[0] + assigned.reserved[1], 11u);
-    EXPECT_EQ(assigned.getCursor(), lying.getCursor());
-    EXPECT_NE(own, lying.getCursor());
-    KTVSCROLLBAR copy(standing);
-    EXPECT_EQ(copy.getCursor(), standing.getCursor());
-    standing = copy;
-    EXPECT_EQ(standing.getValue(), 0.5f);
+    EXPECT_EQ(assigned.getCursor(), horizontal.getCursor());
+    EXPECT_NE(own, horizontal.getCursor());
+    KTVSCROLLBAR copy(vertical);
+    EXPECT_EQ(copy.getCursor(), vertical.getCursor());
+    vertical = copy;
+    EXPECT_EQ(vertical.getValue(), 0.5f);
 }
 
 TEST_F(ScrollBarTest, WithoutMemoryThereIsNoCursor) {
