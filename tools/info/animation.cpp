@@ -1,8 +1,8 @@
-#include <algorithm>
-#include <cmath>
-
 #include "formats/anim_record.h"
 #include "tools/info/kinds.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace keltra::info {
 

@@ -1,11 +1,11 @@
-#include <tinyxml.h>
-
-#include <algorithm>
-
 #include "formats/emitter.h"
 #include "formats/xml_check.h"
 #include "formats/xml_document.h"
 #include "tools/info/kinds.h"
+
+#include <tinyxml.h>
+
+#include <algorithm>
 
 namespace keltra::info {
 

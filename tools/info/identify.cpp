@@ -1,10 +1,10 @@
+#include "tools/info/inspect.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <filesystem>
 #include <string_view>
-
-#include "tools/info/inspect.h"
 
 namespace keltra::info {
 
@@ -19,7 +19,7 @@ const struct {
     {FileKind::kEmitter, "emitter"}, {FileKind::kVideo, "video"},
 };
 
-// .txt may be either of two kinds and says nothing.
+// .txt may be either of two kinds.
 const struct {
     const char *extension;
     FileKind kind;
@@ -74,7 +74,7 @@ FileKind kindOfXml(std::string_view text) {
     return root == "emitter" ? FileKind::kEmitter : FileKind::kUnknown;
 }
 
-// A program that is linked to the engine holds keys too, but is no text.
+// A program that is linked to the engine contains keys too, but is not text.
 FileKind kindOfText(std::string_view text) {
     if (text.find('\0') != std::string_view::npos) return FileKind::kUnknown;
     if (text.find("KELTRA_kerning_") != std::string_view::npos) return FileKind::kKerning;
@@ -115,7 +115,7 @@ std::vector<std::string> kindNames() {
 }
 
 FileKind identify(const std::string &fileName, const void *bytes, std::size_t size) {
-    // Keys and root elements stand near the beginning.
+    // Keys and root elements are near the beginning.
     const std::size_t kLookedAt = 65536;
     const std::string_view text(bytes ? static_cast<const char *>(bytes) : "",
                                 bytes ? std::min(size, kLookedAt) : 0);

@@ -1,11 +1,11 @@
 #include "tools/info/inspect.h"
 
+#include "tools/info/kinds.h"
+
 #include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <new>
-
-#include "tools/info/kinds.h"
 
 namespace keltra::info {
 
@@ -42,7 +42,7 @@ void inspectKind(FileKind kind, const Source &source, Inspection &result) {
 Fields number(float value) {
     if (std::isnan(value)) return "nan";
     if (std::isinf(value)) return value > 0 ? "inf" : "-inf";
-    // By way of its shortest text, since the double nearest to 0.1f is 0.10000000149.
+    // Converted through its shortest text, since 0.1f as a double is 0.10000000149.
     char text[32];
     const std::to_chars_result end = std::to_chars(text, text + sizeof text, value);
     double result = 0.0;
@@ -86,10 +86,10 @@ void addMissing(Inspection &result, const Source &source, const std::string &nam
 
 void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix) {
     result.good = false;
-    KTFAULT told = toPublic(fault);
-    result.flaw = {fault.offset, 0, 0, prefix + fault.field, told.expected};
-    setFaultText(told.field, result.flaw.field.c_str());
-    addFault(result, told);
+    KTFAULT stored = toPublic(fault);
+    result.flaw = {fault.offset, 0, 0, prefix + fault.field, stored.expected};
+    setFaultText(stored.field, result.flaw.field.c_str());
+    addFault(result, stored);
 }
 
 void setTextFlaw(Inspection &result, const Source &source, const Fault &fault) {
@@ -108,7 +108,7 @@ void setTextFlaw(Inspection &result, const Source &source, const Fault &fault) {
 
 namespace {
 
-// The engine looks at the size before it looks at what is missing.
+// The engine checks the size before it searches for missing parts.
 void tellEmpty(std::size_t size, Inspection &result) {
     if (size != 0) return;
     KTFAULT fault = newFault(KT_FAULT_FILE_EMPTY);

@@ -1,23 +1,23 @@
 #ifndef KELTRA_INFO_INSPECT_H
 #define KELTRA_INFO_INSPECT_H
 
-// What is in a file of the engine, and what is wrong with it. Every parser is the engine's own, so that a
-// file is good here exactly when the engine takes it.
+// Describes a file of the engine and its faults. All parsers are the engine's own, so that a file is good
+// here exactly when the engine loads it.
+
+#include "tools/info/inspection.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
-#include "tools/info/inspection.h"
-
 namespace keltra::info {
 
-// The word of the kind on the command line and in what is printed.
+// The word for the kind on the command line and in the output.
 const char *kindName(FileKind kind);
 FileKind kindOfName(const std::string &name);
 std::vector<std::string> kindNames();
 
-// The kind of a file by its contents, and by the extension of its name when they say nothing.
+// The kind of a file by its contents, or by its extension when they do not decide.
 FileKind identify(const std::string &fileName, const void *bytes, std::size_t size);
 
 // A film is good when the engine's decoder gets a picture out of it: the engine opens any file as a film, and

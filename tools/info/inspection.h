@@ -3,8 +3,9 @@
 
 #include <keltra/fault.h>
 
-#include <cstddef>
 #include <nlohmann/json.hpp>
+
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -29,18 +30,18 @@ struct Flaw {
     std::string field, reason;
 };
 
-// Insertion order is what is printed. Texts in it are the file's own bytes, whatever they are; lists of
-// objects with a "level" are trees in depth-first order.
+// Printed in insertion order. Texts are the file's own bytes, valid or not; lists of objects with a "level"
+// are trees in depth-first order.
 using Fields = nlohmann::ordered_json;
 
 struct Inspection {
     FileKind kind = FileKind::kUnknown;
     bool good = false;
     Flaw flaw;                         // of a bad file
-    Fields fields = Fields::object();  // of a bad file: what comes before the flaw
-    std::vector<std::string> notes;    // what the engine takes and a person might not have meant
-    // What makes the file bad, or what the engine goes on without, as the engine tells it; the texts stand in
-    // for the file itself where `file` is empty.
+    Fields fields = Fields::object();  // of a bad file: what precedes the flaw
+    std::vector<std::string> notes;    // accepted by the engine, but possibly a mistake
+    // What makes the file bad, or what is missing while it loads, as the engine reports it; an empty `file`
+    // is the inspected file itself.
     std::vector<KTFAULT> faults;
 };
 

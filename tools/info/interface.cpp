@@ -1,10 +1,10 @@
-#include <tinyxml.h>
-
 #include "formats/gui.h"
 #include "formats/limits.h"
 #include "formats/xml_check.h"
 #include "formats/xml_document.h"
 #include "tools/info/kinds.h"
+
+#include <tinyxml.h>
 
 namespace keltra::info {
 

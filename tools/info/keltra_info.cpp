@@ -1,13 +1,14 @@
-// keltra-info FILE...: what is in files of the engine, and what is wrong with them.
+// keltra-info FILE...: describes files of the engine and their faults.
+
+#include "tools/info/print.h"
+#include "tools/info/read_file.h"
 
 #include <CLI/CLI.hpp>
+
 #include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
-
-#include "tools/info/print.h"
-#include "tools/info/read_file.h"
 
 namespace {
 
@@ -45,40 +46,40 @@ void describe(CLI::App &app, Arguments &arguments) {
     app.footer(kExamples);
 }
 
-info::Answer answerFor(const std::string &file, const std::string &kind) {
-    info::Answer answer;
-    answer.file = file;
+info::FileReport inspectFile(const std::string &file, const std::string &kind) {
+    info::FileReport report;
+    report.file = file;
     std::vector<char> bytes;
-    if (!info::readWholeFile(file, bytes, answer.trouble)) return answer;
+    if (!info::readWholeFile(file, bytes, report.error)) return report;
     const std::string parent = std::filesystem::path(file).parent_path().string();
     const info::FileKind taken =
         kind.empty() ? info::identify(file, bytes.data(), bytes.size()) : info::kindOfName(kind);
-    answer.inspection = info::inspect(taken, bytes.data(), bytes.size(), parent.empty() ? "." : parent);
-    return answer;
+    report.inspection = info::inspect(taken, bytes.data(), bytes.size(), parent.empty() ? "." : parent);
+    return report;
 }
 
-void print(const info::Answer &answer, const Arguments &arguments) {
+void print(const info::FileReport &report, const Arguments &arguments) {
     const bool verdictsOnly = arguments.check;
-    const bool showsContents = answer.isGood() && !verdictsOnly;
-    const std::string text = showsContents      ? info::table(answer)
-                             : arguments.strict ? info::strictLines(answer)
-                                                : info::verdictLine(answer);
-    // Verdicts are what was asked for, and otherwise a bad file is an error.
-    std::fputs(text.c_str(), answer.isGood() || verdictsOnly ? stdout : stderr);
+    const bool showsContents = report.isGood() && !verdictsOnly;
+    const std::string text = showsContents      ? info::table(report)
+                             : arguments.strict ? info::strictLines(report)
+                                                : info::verdictLine(report);
+    // With --check verdicts are the output; otherwise a bad file is an error.
+    std::fputs(text.c_str(), report.isGood() || verdictsOnly ? stdout : stderr);
 }
 
 int run(const Arguments &arguments) {
     bool allGood = true;
-    std::vector<info::Answer> answers;
+    std::vector<info::FileReport> reports;
     for (const std::string &file : arguments.files) {
-        info::Answer answer = answerFor(file, arguments.kind);
-        allGood = allGood && (arguments.strict ? answer.isFaultless() : answer.isGood());
+        info::FileReport report = inspectFile(file, arguments.kind);
+        allGood = allGood && (arguments.strict ? report.isFaultless() : report.isGood());
         if (arguments.json)
-            answers.push_back(std::move(answer));
+            reports.push_back(std::move(report));
         else
-            print(answer, arguments);
+            print(report, arguments);
     }
-    if (arguments.json) std::fputs(info::jsonText(answers, arguments.check).c_str(), stdout);
+    if (arguments.json) std::fputs(info::jsonText(reports, arguments.check).c_str(), stdout);
     if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return allGood ? 0 : 1;
     std::fputs("keltra-info: cannot write the output\n", stderr);
     return 1;

@@ -1,12 +1,12 @@
 #ifndef KELTRA_INFO_KINDS_H
 #define KELTRA_INFO_KINDS_H
 
-// The inspectors of the kinds of files, and what they share.
-
-#include <string>
+// The inspectors for the kinds of files, and their shared functions.
 
 #include "formats/fault.h"
 #include "tools/info/inspection.h"
+
+#include <string>
 
 namespace keltra::info {
 
@@ -44,7 +44,7 @@ std::string quoted(const std::string &name);
 void addFault(Inspection &result, const KTFAULT &fault);
 // Adds a fault for a file that is named, in that line, but is not there.
 void addMissing(Inspection &result, const Source &source, const std::string &name, unsigned int line = 0);
-// Takes what the parsers warn of.
+// Adds the parsers' warnings.
 class Faults final : public FaultSink {
    public:
     explicit Faults(Inspection &result) : result(result) {}

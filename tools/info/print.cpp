@@ -56,11 +56,11 @@ Fields faultFields(const KTFAULT &fault, const std::string &file) {
     return fields;
 }
 
-Fields jsonOf(const Answer &answer, bool verdictsOnly) {
-    const Inspection &inspection = answer.inspection;
-    Fields file = {{"file", answer.file}, {"good", answer.isGood()}};
-    if (!answer.trouble.empty()) {
-        file["error"] = answer.trouble;
+Fields jsonOf(const FileReport &report, bool verdictsOnly) {
+    const Inspection &inspection = report.inspection;
+    Fields file = {{"file", report.file}, {"good", report.isGood()}};
+    if (!report.error.empty()) {
+        file["error"] = report.error;
         return file;
     }
     file["kind"] = kindName(inspection.kind);
@@ -70,7 +70,7 @@ Fields jsonOf(const Answer &answer, bool verdictsOnly) {
         if (flaw.line) file["fault"].update({{"line", flaw.line}, {"column", flaw.column}});
     }
     Fields faults = Fields::array();
-    for (const KTFAULT &fault : inspection.faults) faults.push_back(faultFields(fault, answer.file));
+    for (const KTFAULT &fault : inspection.faults) faults.push_back(faultFields(fault, report.file));
     if (!faults.empty()) file["faults"] = std::move(faults);
     if (verdictsOnly) return file;
     file["contents"] = inspection.fields;
@@ -108,26 +108,26 @@ std::string sentenceOf(const KTFAULT &fault, const std::string &file) {
     return text;
 }
 
-std::string strictLines(const Answer &answer) {
-    if (!answer.trouble.empty() || (answer.inspection.good && answer.inspection.faults.empty()))
-        return verdictLine(answer);
+std::string strictLines(const FileReport &report) {
+    if (!report.error.empty() || (report.inspection.good && report.inspection.faults.empty()))
+        return verdictLine(report);
     std::string lines;
-    for (const KTFAULT &fault : answer.inspection.faults)
-        lines += printable(sentenceOf(fault, answer.file)) + "\n";
+    for (const KTFAULT &fault : report.inspection.faults)
+        lines += printable(sentenceOf(fault, report.file)) + "\n";
     return lines;
 }
 
-std::string verdictLine(const Answer &answer) {
-    const std::string file = printable(answer.file) + ": ";
-    if (!answer.trouble.empty()) return file + printable(answer.trouble) + "\n";
-    const Flaw &flaw = answer.inspection.flaw;
-    if (answer.inspection.good) return file + "good\n";
+std::string verdictLine(const FileReport &report) {
+    const std::string file = printable(report.file) + ": ";
+    if (!report.error.empty()) return file + printable(report.error) + "\n";
+    const Flaw &flaw = report.inspection.flaw;
+    if (report.inspection.good) return file + "good\n";
     return file + place(flaw) + ": " + printable(flaw.field) + ": " + printable(flaw.reason) + "\n";
 }
 
-std::string jsonText(const std::vector<Answer> &answers, bool verdictsOnly) {
+std::string jsonText(const std::vector<FileReport> &reports, bool verdictsOnly) {
     Fields files = Fields::array();
-    for (const Answer &answer : answers) files.push_back(jsonOf(answer, verdictsOnly));
+    for (const FileReport &report : reports) files.push_back(jsonOf(report, verdictsOnly));
     const Fields document = {{"files", std::move(files)}};
     return document.dump(2, ' ', true, Fields::error_handler_t::replace) + "\n";
 }

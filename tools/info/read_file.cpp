@@ -16,7 +16,7 @@ const off_t kLargest = 0x7fffffff;
 
 class Descriptor {
    public:
-    // A pipe without a writer would otherwise be waited for.
+    // Otherwise a pipe without a writer would block.
     explicit Descriptor(const std::string &path)
         : number(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
     ~Descriptor() {
@@ -27,12 +27,12 @@ class Descriptor {
     const int number;
 };
 
-bool refused(std::string &trouble, const char *why) {
-    trouble = why;
+bool refused(std::string &error, const char *why) {
+    error = why;
     return false;
 }
 
-// A file that shrinks meanwhile gives what is left of it.
+// A file that shrinks while it is read gives its remaining bytes.
 bool readAll(int file, std::vector<char> &bytes) {
     std::size_t done = 0;
     while (done < bytes.size()) {
@@ -48,22 +48,22 @@ bool readAll(int file, std::vector<char> &bytes) {
 
 }  // namespace
 
-bool readWholeFile(const std::string &path, std::vector<char> &bytes, std::string &trouble) {
+bool readWholeFile(const std::string &path, std::vector<char> &bytes, std::string &error) {
     struct stat status;
-    // Asked before opening: opening alone makes some devices act.
-    if (stat(path.c_str(), &status) != 0) return refused(trouble, std::strerror(errno));
-    if (S_ISDIR(status.st_mode)) return refused(trouble, "is a folder");
-    if (!S_ISREG(status.st_mode)) return refused(trouble, "is not a regular file");
+    // Checked before opening, since some devices act when opened.
+    if (stat(path.c_str(), &status) != 0) return refused(error, std::strerror(errno));
+    if (S_ISDIR(status.st_mode)) return refused(error, "is a folder");
+    if (!S_ISREG(status.st_mode)) return refused(error, "is not a regular file");
     const Descriptor file(path);
-    if (file.number < 0 || fstat(file.number, &status) != 0) return refused(trouble, std::strerror(errno));
-    if (!S_ISREG(status.st_mode)) return refused(trouble, "is not a regular file");
-    if (status.st_size > kLargest) return refused(trouble, "is larger than the 2 GiB that the engine reads");
+    if (file.number < 0 || fstat(file.number, &status) != 0) return refused(error, std::strerror(errno));
+    if (!S_ISREG(status.st_mode)) return refused(error, "is not a regular file");
+    if (status.st_size > kLargest) return refused(error, "is larger than the 2 GiB that the engine reads");
     try {
         bytes.resize(static_cast<std::size_t>(status.st_size));
     } catch (const std::bad_alloc &) {
-        return refused(trouble, "does not fit into memory");
+        return refused(error, "does not fit into memory");
     }
-    return readAll(file.number, bytes) || refused(trouble, std::strerror(errno));
+    return readAll(file.number, bytes) || refused(error, std::strerror(errno));
 }
 
 }  // namespace keltra::info

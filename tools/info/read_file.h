@@ -7,8 +7,8 @@
 namespace keltra::info {
 
 // The bytes of a regular file of less than 2 GiB, which is what the engine reads. False, with the reason in
-// `trouble`, for anything else; it never waits for a device or a pipe.
-bool readWholeFile(const std::string &path, std::vector<char> &bytes, std::string &trouble);
+// `error`, for anything else; it never waits for a device or a pipe.
+bool readWholeFile(const std::string &path, std::vector<char> &bytes, std::string &error);
 
 }  // namespace keltra::info
 

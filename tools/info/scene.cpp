@@ -1,4 +1,7 @@
+#include "formats/limits.h"
+#include "formats/scene_faults.h"
 #include "formats/scene_record.h"
+#include "tools/info/kinds.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,15 +9,11 @@
 #include <set>
 #include <string_view>
 
-#include "formats/limits.h"
-#include "formats/scene_faults.h"
-#include "tools/info/kinds.h"
-
 namespace keltra::info {
 
 namespace {
 
-// The engine has identifiers for no more nodes.
+// More nodes than the engine has identifiers for are not listed.
 const std::size_t kMostListed = kLargestId;
 const char kNone[] = "[none]";
 
@@ -31,7 +30,7 @@ std::string lightKind(unsigned int type) {
     }
 }
 
-// Collects what the engine's parser shows.
+// Collects the records that the engine's parser visits.
 class Description : public SceneVisitor {
    public:
     Description(const Source &source, Inspection &result) : source(source), result(result) {}
@@ -132,7 +131,7 @@ class Description : public SceneVisitor {
                              " nodes are listed, and there are no identifiers for more");
     }
 
-    // The record that comes next, which is the one that a fault is in.
+    // The next record, which is the one with the fault.
     std::string next() const {
         if (!hasHeader) return "";
         if (materialCount < expected) return "material[" + std::to_string(materialCount) + "].";
@@ -192,7 +191,7 @@ class Description : public SceneVisitor {
     std::size_t nodes = 0, meshes = 0, lights = 0, skins = 0, bones = 0, vertices = 0, triangles = 0,
                 unnamed = 0;
     Fields materialList = Fields::array(), nodeList = Fields::array();
-    // Names of the file, which stay where they are.
+    // Names in the file's own bytes.
     std::set<std::string_view> materials, textures, unknownMaterials, meshNames, others;
     std::map<std::string_view, const char *> wanted;  // bones, each with a mesh
 };

@@ -1,9 +1,9 @@
+#include "tools/info/print.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <map>
 #include <set>
-
-#include "tools/info/print.h"
 
 namespace keltra::info {
 
@@ -12,7 +12,7 @@ namespace {
 const std::size_t kWidestCell = 48;  // characters
 const char kLevel[] = "level";
 
-// What would make rows too wide; JSON has it.
+// Left out, since rows would be too wide; JSON has them.
 const std::set<std::string> kHidden = {kLevel,    "children", "origin",    "auxId",     "radius",
                                        "minimum", "maximum",  "direction", "cutOff",    "textureCoordinates",
                                        "hidden",  "specular", "emission",  "boneNames", "keyframesSet"};
@@ -148,12 +148,12 @@ std::string fieldText(const std::string &name, const Fields &value) {
 
 }  // namespace
 
-std::string table(const Answer &answer) {
-    const Inspection &inspection = answer.inspection;
-    std::string text = printable(answer.file) + ": " + kindName(inspection.kind) + "\n";
+std::string table(const FileReport &report) {
+    const Inspection &inspection = report.inspection;
+    std::string text = printable(report.file) + ": " + kindName(inspection.kind) + "\n";
     for (const auto &field : inspection.fields.items()) text += fieldText(field.key(), field.value());
     for (const KTFAULT &fault : inspection.faults)
-        text += "  warning: " + printable(sentenceOf(fault, answer.file)) + "\n";
+        text += "  warning: " + printable(sentenceOf(fault, report.file)) + "\n";
     for (const std::string &note : inspection.notes) text += "  note: " + printable(note) + "\n";
     return text;
 }

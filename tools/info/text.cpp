@@ -1,14 +1,14 @@
-#include <cstring>
-
 #include "formats/kerning.h"
 #include "formats/settings.h"
 #include "tools/info/kinds.h"
+
+#include <cstring>
 
 namespace keltra::info {
 
 namespace {
 
-// Each key is looked for from the beginning, so a huge text would take minutes; the verdict needs no look.
+// Each key is searched from the beginning, so a huge text would take minutes; the verdict needs no search.
 const std::size_t kMostText = 16u << 20;
 
 // A text as the engine's parser holds it, without comments.

@@ -1,7 +1,7 @@
-#include <vector>
-
 #include "formats/tga.h"
 #include "tools/info/kinds.h"
+
+#include <vector>
 
 namespace keltra::info {
 
@@ -20,7 +20,7 @@ void describe(const Source &source, const TgaImage &image, Inspection &result) {
                      {"firstRow", image.topDown ? "top" : "bottom"},
                      {"bytes", source.size},
                      {"pixelBytes", image.kind == TgaKind::kOther ? 0 : image.bytes()},
-                     // Charged at four bytes a pixel whatever the depth.
+                     // The engine charges four bytes a pixel at any depth.
                      {"textureMemory", std::size_t{4} * image.sizeX * image.sizeY}};
     if (image.kind == TgaKind::kOther) {
         KTFAULT fault = toPublic(otherTgaKind());

@@ -1,17 +1,17 @@
+#include "formats/limits.h"
+#include "resources/video_stream.h"
+#include "tools/info/kinds.h"
+
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string_view>
 
-#include "formats/limits.h"
-#include "resources/video_stream.h"
-#include "tools/info/kinds.h"
-
 namespace keltra::info {
 
 namespace {
 
-// What the decoder finds up to the first picture that is shown, or to the end of a film that shows none.
+// What the decoder finds up to the first picture, or to the end of a film without one.
 struct Found {
     VideoSequence sequence = {};
     bool hasPicture = false;
@@ -67,7 +67,7 @@ Fault faultOf(const Source &source) {
         return {0, "start code", "a stream of packets; films are elementary streams of video"};
     const std::size_t header = bytes.find(std::string_view("\0\0\1\xB3", 4));
     if (header == std::string_view::npos) return {0, "sequence header", "there is none"};
-    // What the decoder skips it forgets, so the header itself is asked: two sizes of 12 bits.
+    // The decoder does not keep what it skips, so the header itself is read: two sizes of 12 bits.
     const auto byte = [&](std::size_t at) {
         return header + at < bytes.size() ? static_cast<unsigned char>(bytes[header + at]) : 0u;
     };

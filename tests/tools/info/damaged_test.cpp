@@ -15,8 +15,8 @@
 namespace keltra::test {
 namespace {
 
-using info::Answer;
 using info::FileKind;
+using info::FileReport;
 
 Bytes bytesOf(const std::string &text) { return {text.begin(), text.end()}; }
 
@@ -62,21 +62,21 @@ bool isText(const std::string &text) {
 
 /// Whether it is good. Expects everything that is printed to be well formed.
 bool inspected(FileKind kind, const Bytes &bytes) {
-    Answer answer;
-    answer.file = "it";
-    answer.inspection = info::inspect(kind, bytes.data(), bytes.size());
-    EXPECT_EQ(answer.inspection.kind, kind);
-    const std::string verdict = info::verdictLine(answer);
+    FileReport report;
+    report.file = "it";
+    report.inspection = info::inspect(kind, bytes.data(), bytes.size());
+    EXPECT_EQ(report.inspection.kind, kind);
+    const std::string verdict = info::verdictLine(report);
     EXPECT_TRUE(isText(verdict)) << verdict;
     EXPECT_EQ(std::count(verdict.begin(), verdict.end(), '\n'), 1) << verdict;
-    EXPECT_TRUE(isText(info::table(answer)));
-    EXPECT_TRUE(info::Fields::accept(info::jsonText({answer}, false)));
-    if (!answer.inspection.good) {
-        EXPECT_LE(answer.inspection.flaw.offset, bytes.size());
-        EXPECT_FALSE(answer.inspection.flaw.field.empty());
-        EXPECT_FALSE(answer.inspection.flaw.reason.empty());
+    EXPECT_TRUE(isText(info::table(report)));
+    EXPECT_TRUE(info::Fields::accept(info::jsonText({report}, false)));
+    if (!report.inspection.good) {
+        EXPECT_LE(report.inspection.flaw.offset, bytes.size());
+        EXPECT_FALSE(report.inspection.flaw.field.empty());
+        EXPECT_FALSE(report.inspection.flaw.reason.empty());
     }
-    return answer.inspection.good;
+    return report.inspection.good;
 }
 
 TEST(DamagedFiles, WholeOnesAreGood) {

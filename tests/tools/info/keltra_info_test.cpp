@@ -199,19 +199,19 @@ TEST_F(KeltraInfoTest, AFileWithoutPermissionIsOneLine) {
     const std::string path = folder.path("good.tga");
     ASSERT_EQ(chmod(folder.path("").c_str(), 0755), 0);
     ASSERT_EQ(chmod(path.c_str(), 0), 0);
-    info::Answer answer;
-    answer.file = "good.tga";
+    info::FileReport report;
+    report.file = "good.tga";
     std::vector<char> bytes;
     {
         // A shell would take root's rights back, so the program's steps are taken here.
         const Unprivileged unprivileged;
-        EXPECT_FALSE(info::readWholeFile(path, bytes, answer.trouble));
+        EXPECT_FALSE(info::readWholeFile(path, bytes, report.error));
     }
     EXPECT_TRUE(bytes.empty());
-    EXPECT_EQ(info::verdictLine(answer), "good.tga: Permission denied\n");
+    EXPECT_EQ(info::verdictLine(report), "good.tga: Permission denied\n");
     ASSERT_EQ(chmod(path.c_str(), 0644), 0);
     const Unprivileged unprivileged;
-    EXPECT_TRUE(info::readWholeFile(path, bytes, answer.trouble));
+    EXPECT_TRUE(info::readWholeFile(path, bytes, report.error));
 }
 
 TEST_F(KeltraInfoTest, OddNamesAreEscaped) {

@@ -9,8 +9,8 @@
 namespace keltra::test {
 namespace {
 
-using info::Answer;
 using info::FileKind;
+using info::FileReport;
 using info::printable;
 using ::testing::HasSubstr;
 
@@ -28,30 +28,30 @@ TEST(Printable, KeepsTextAndEscapesTheRest) {
     EXPECT_EQ(printable(std::string("a\0b", 3)), "a\\x00b");
 }
 
-Answer answerOf(FileKind kind, const Bytes &bytes) {
-    Answer answer;
-    answer.file = "folder/it";
-    answer.inspection = info::inspect(kind, bytes.data(), bytes.size());
-    return answer;
+FileReport reportOf(FileKind kind, const Bytes &bytes) {
+    FileReport report;
+    report.file = "folder/it";
+    report.inspection = info::inspect(kind, bytes.data(), bytes.size());
+    return report;
 }
 
 TEST(VerdictLine, IsOneLine) {
-    Answer answer = answerOf(FileKind::kTexture, uncompressedTga(2, 2, 24));
-    EXPECT_EQ(info::verdictLine(answer), "folder/it: good\n");
-    answer = answerOf(FileKind::kTexture, tgaHeader(kUncompressed, 2, 2, 8));
-    EXPECT_EQ(info::verdictLine(answer), "folder/it: 0x10: bits a pixel: neither 24 nor 32\n");
-    answer = answerOf(FileKind::kInterface, {'<', 'r', '/', '>'});
-    EXPECT_EQ(info::verdictLine(answer),
+    FileReport report = reportOf(FileKind::kTexture, uncompressedTga(2, 2, 24));
+    EXPECT_EQ(info::verdictLine(report), "folder/it: good\n");
+    report = reportOf(FileKind::kTexture, tgaHeader(kUncompressed, 2, 2, 8));
+    EXPECT_EQ(info::verdictLine(report), "folder/it: 0x10: bits a pixel: neither 24 nor 32\n");
+    report = reportOf(FileKind::kInterface, {'<', 'r', '/', '>'});
+    EXPECT_EQ(info::verdictLine(report),
               "folder/it: 0x0 (line 1, column 1): root: the document has no element of this name\n");
-    answer.trouble = "is a folder";
-    answer.file = "a\nb";
-    EXPECT_EQ(info::verdictLine(answer), "a\\x0ab: is a folder\n");
+    report.error = "is a folder";
+    report.file = "a\nb";
+    EXPECT_EQ(info::verdictLine(report), "a\\x0ab: is a folder\n");
 }
 
 TEST(Table, IndentsTheTreeAndAlignsItsColumns) {
     const formats::Scene scene = sceneOf(plainNode("root", {boneNode("hip", {0, 1, 0}), lightNode("lamp")}));
     const std::string text =
-        info::table(answerOf(FileKind::kScene, formats::writeKte(scene, formats::KteVersion::k16a)));
+        info::table(reportOf(FileKind::kScene, formats::writeKte(scene, formats::KteVersion::k16a)));
     EXPECT_THAT(text, HasSubstr("folder/it: kte\n  version: 1.6a\n  totals: materials 0, nodes 3,"));
     EXPECT_THAT(text, HasSubstr("  materials: none\n"));
     EXPECT_THAT(text, HasSubstr("\n    root    node   0 0 0"));
@@ -63,7 +63,7 @@ TEST(Table, CutsLongTextsBetweenCharacters) {
     std::string name;
     for (int i = 0; i < 100; ++i) name += "\xC3\xA9";
     const std::string text = info::table(
-        answerOf(FileKind::kScene, formats::writeKte(sceneOf(plainNode(name)), formats::KteVersion::k16a)));
+        reportOf(FileKind::kScene, formats::writeKte(sceneOf(plainNode(name)), formats::KteVersion::k16a)));
     std::string kept;
     for (int i = 0; i < 45; ++i) kept += "\xC3\xA9";
     EXPECT_THAT(text, HasSubstr("    " + kept + "...  node"));
@@ -71,9 +71,9 @@ TEST(Table, CutsLongTextsBetweenCharacters) {
 
 TEST(Json, IsValidWhateverTheNamesAre) {
     const formats::Scene scene = sceneOf(plainNode("a\xFF\"\n\xC3\xA9"));
-    Answer answer = answerOf(FileKind::kScene, formats::writeKte(scene, formats::KteVersion::k16a));
-    answer.file = "b\xFE";
-    const std::string text = info::jsonText({answer}, false);
+    FileReport report = reportOf(FileKind::kScene, formats::writeKte(scene, formats::KteVersion::k16a));
+    report.file = "b\xFE";
+    const std::string text = info::jsonText({report}, false);
     const nlohmann::json document = nlohmann::json::parse(text);
     EXPECT_EQ(document["files"][0]["contents"]["nodes"][0]["name"], "a\xEF\xBF\xBD\"\n\xC3\xA9");
     EXPECT_EQ(document["files"][0]["file"], "b\xEF\xBF\xBD");
@@ -82,8 +82,8 @@ TEST(Json, IsValidWhateverTheNamesAre) {
 }
 
 TEST(Json, HoldsVerdictsOnlyWhenAsked) {
-    Answer bad = answerOf(FileKind::kInterface, {'<', 'r', '/', '>'}), none;
-    none.trouble = "is a folder";
+    FileReport bad = reportOf(FileKind::kInterface, {'<', 'r', '/', '>'}), none;
+    none.error = "is a folder";
     const nlohmann::json document = nlohmann::json::parse(info::jsonText({bad, none}, true));
     EXPECT_EQ(document["files"][0]["good"], false);
     EXPECT_EQ(document["files"][0]["kind"], "gui");

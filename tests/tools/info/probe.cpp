@@ -17,17 +17,17 @@ bool isPlain(const std::string &text) {
 }  // namespace
 
 void keltra_probe(const char *kind, const void *bytes, std::size_t size, ProbedVerdict *verdict) {
-    Answer answer;
-    answer.file = "file";
-    answer.inspection = inspect(kindOfName(kind), bytes, size);
-    const Inspection &inspection = answer.inspection;
-    const std::string line = verdictLine(answer);
-    const std::string json = jsonText({answer}, false);
+    FileReport report;
+    report.file = "file";
+    report.inspection = inspect(kindOfName(kind), bytes, size);
+    const Inspection &inspection = report.inspection;
+    const std::string line = verdictLine(report);
+    const std::string json = jsonText({report}, false);
     verdict->isGood = inspection.good;
     verdict->offset = inspection.flaw.offset;
     std::snprintf(verdict->field, sizeof verdict->field, "%s", inspection.flaw.field.c_str());
     std::snprintf(verdict->reason, sizeof verdict->reason, "%s", inspection.flaw.reason.c_str());
-    verdict->isPrintable = isPlain(table(answer)) && isPlain(line) &&
+    verdict->isPrintable = isPlain(table(report)) && isPlain(line) &&
                            std::count(line.begin(), line.end(), '\n') == 1 && isPlain(json) &&
                            Fields::accept(json);
 }

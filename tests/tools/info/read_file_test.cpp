@@ -17,10 +17,10 @@ class ReadFileTest : public ::testing::Test {
    protected:
     /// Why the file is refused; empty when it is read.
     std::string refusal(const std::string &path) {
-        std::string trouble;
-        const bool good = info::readWholeFile(path, bytes, trouble);
-        EXPECT_EQ(good, trouble.empty());
-        return trouble;
+        std::string error;
+        const bool good = info::readWholeFile(path, bytes, error);
+        EXPECT_EQ(good, error.empty());
+        return error;
     }
 
     TempFolder folder;

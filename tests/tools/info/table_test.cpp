@@ -11,31 +11,31 @@
 namespace keltra::test {
 namespace {
 
-using info::Answer;
 using info::Fields;
 using info::FileKind;
+using info::FileReport;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
-Answer answerFor(FileKind kind, const void *bytes, std::size_t size) {
-    Answer answer;
-    answer.file = "it";
-    answer.inspection = info::inspect(kind, bytes, size);
-    return answer;
+FileReport inspectFile(FileKind kind, const void *bytes, std::size_t size) {
+    FileReport report;
+    report.file = "it";
+    report.inspection = info::inspect(kind, bytes, size);
+    return report;
 }
 
 std::string tableOf(FileKind kind, const std::string &text) {
-    return info::table(answerFor(kind, text.data(), text.size()));
+    return info::table(inspectFile(kind, text.data(), text.size()));
 }
 
 /// The table of one field with that value.
 std::string tableOf(const Fields &value) {
-    Answer answer;
-    answer.file = "it";
-    answer.inspection.kind = FileKind::kScene;
-    answer.inspection.good = true;
-    answer.inspection.fields["someValue"] = value;
-    const std::string text = info::table(answer), beginning = "it: kte\n  some value";
+    FileReport report;
+    report.file = "it";
+    report.inspection.kind = FileKind::kScene;
+    report.inspection.good = true;
+    report.inspection.fields["someValue"] = value;
+    const std::string text = info::table(report), beginning = "it: kte\n  some value";
     EXPECT_EQ(text.substr(0, beginning.size()), beginning);
     return text.substr(std::min(text.size(), beginning.size()));
 }
@@ -91,7 +91,7 @@ TEST(InfoTable, OfAnEmitterListsSettingsAndMissingComponents) {
 
 TEST(InfoTable, OfATextureIsOneFieldPerLine) {
     const Bytes bytes = uncompressedTga(2, 2, 32);
-    EXPECT_EQ(info::table(answerFor(FileKind::kTexture, bytes.data(), bytes.size())),
+    EXPECT_EQ(info::table(inspectFile(FileKind::kTexture, bytes.data(), bytes.size())),
               "it: tga\n"
               "  encoding: uncompressed\n"
               "  width: 2\n"
@@ -113,7 +113,7 @@ TEST(InfoTable, OfAnAnimationJoinsFramesToRanges) {
         animation.frames.push_back({keyframe});
     }
     const Bytes bytes = formats::writeKta(animation);
-    const std::string text = info::table(answerFor(FileKind::kAnimation, bytes.data(), bytes.size()));
+    const std::string text = info::table(inspectFile(FileKind::kAnimation, bytes.data(), bytes.size()));
     EXPECT_THAT(text, HasSubstr("it: kta\n  totals: bones 1, frames 9, bytes 248\n"));
     EXPECT_THAT(text, HasSubstr("  frames set: 0-3, 5, 7-8\n"));
     EXPECT_THAT(text, HasSubstr("name  rotates  least rotation  most rotation  translates"));
@@ -161,12 +161,12 @@ TEST(InfoTable, CellsOfFortyEightCharactersStayWhole) {
 }
 
 TEST(InfoTable, NotesComeLastAndAreOneLineEach) {
-    Answer answer;
-    answer.file = "a\tb";
-    answer.inspection.kind = FileKind::kKerning;
-    answer.inspection.good = true;
-    answer.inspection.notes = {"first", "second\nline"};
-    EXPECT_EQ(info::table(answer), "a\\x09b: kerning\n  note: first\n  note: second\\x0aline\n");
+    FileReport report;
+    report.file = "a\tb";
+    report.inspection.kind = FileKind::kKerning;
+    report.inspection.good = true;
+    report.inspection.notes = {"first", "second\nline"};
+    EXPECT_EQ(info::table(report), "a\\x09b: kerning\n  note: first\n  note: second\\x0aline\n");
 }
 
 }  // namespace
