@@ -6,7 +6,7 @@
 #include "foundation/text.h"
 
 void keltra::takeText(char (&target)[256], const char *text, const char *call, const char *argument) {
-    // Asked first: the text may be the target itself.
+    // Checked first: the text may be the target itself.
     const bool cut = text && !std::memchr(text, '\0', sizeof target);
     copyText(target, text);
     if (cut) warnLong(call, argument);

@@ -14,8 +14,8 @@ unsigned int notedBlocks = 0;
 namespace {
 
 struct Note {
-    void *block;         // as the holders know it; null for a free entry
-    void *allocation;    // as the C library knows it
+    void *block;         // the address that holders have; null for a free entry
+    void *allocation;    // the address that the C library has
     std::uint32_t room;  // bytes of the allocation; 0 for a block as long as its contents
     std::uint32_t holders;
 };
@@ -34,7 +34,7 @@ std::size_t homeOf(const void *block) {
     return (spread >> 8) & (capacity - 1);
 }
 
-// The block's entry, or the free one where it would stand.
+// The block's entry, or the free one for it.
 Note &entryOf(const void *block) {
     std::size_t index = homeOf(block);
     while (entries[index].block && entries[index].block != block) index = (index + 1) & (capacity - 1);
@@ -72,7 +72,7 @@ bool add(const Note &note) {
     return true;
 }
 
-// Entries behind the removed one move up as long as that leaves them at or behind their home.
+// Entries after the removed one move up, but none before its home slot.
 void remove(Note &removed) {
     std::size_t hole = static_cast<std::size_t>(&removed - entries);
     for (std::size_t i = (hole + 1) & (capacity - 1); entries[i].block; i = (i + 1) & (capacity - 1)) {

@@ -2,9 +2,9 @@
 #define KELTRA_FOUNDATION_BLOCK_H
 
 // Buffers that public pointers lead to. Each is a plain block of vnfMalloc: an application may release it
-// with vnfFree and put a block of its own there. What is known about a block beyond its address stands in a
-// table aside, which only holds blocks with several holders and blocks that are longer than their contents;
-// vnfFree looks them up there. All others cost nothing.
+// with vnfFree and put a block of its own there. All that is known about a block but its address is kept in a
+// separate table, which only holds blocks with several holders and blocks that are longer than their
+// contents; vnfFree looks them up there. All others cost nothing.
 
 #include <keltra/foundation.h>
 

@@ -13,8 +13,8 @@ namespace {
 struct Channel {
     FaultScope *scope;
     unsigned int optional, silent;
-    unsigned int errors;  // told so far
-    unsigned int told;    // since the outermost scope began
+    unsigned int errors;    // reported so far
+    unsigned int reported;  // since the outermost scope began
     bool inHandler;
 };
 Channel channel = {nullptr, 0, 0, 0, 0, false};
@@ -36,7 +36,7 @@ void print(const KTFAULT &fault) {
                  sentence);
 }
 
-// What the handler does is a matter of its own: no scope that is open is its caller.
+// Calls of the handler belong to no scope that is open.
 void handOver(const KTFAULT &fault) {
     static KTFAULT handed;  // stays as it is while the handler makes faults
     handed = fault;
@@ -67,7 +67,7 @@ void tell(KTFAULT &fault) {
     if (channel.silent) return;
     if (channel.optional) fault.severity = KT_FAULT_WARNING;
     if (fault.severity == KT_FAULT_ERROR) ++channel.errors;
-    ++channel.told;
+    ++channel.reported;
     addScopes(fault);
     last = fault;
     ++faults;
@@ -98,7 +98,7 @@ void fillFileFault(KTFAULT &fault, const char *path, bool isOutOfMemory, long la
 
 FaultScope::FaultScope(const char *call, const char *file)
     : call(call), file(file), line(0), outer(channel.scope), errorsBefore(channel.errors) {
-    if (!outer) channel.told = 0;
+    if (!outer) channel.reported = 0;
     channel.scope = this;
 }
 
@@ -222,7 +222,7 @@ bool failFile(const char *call, const char *path) {
     return tellFault(call, fault);
 }
 
-bool mayCompareNames() { return !channel.scope || channel.told < 64; }
+bool mayCompareNames() { return !channel.scope || channel.reported < 64; }
 
 bool isInFaultHandler() { return channel.inHandler; }
 

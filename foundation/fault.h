@@ -8,17 +8,16 @@
 //       if (!active) return keltra::failState("KELTRA::free", keltra::kInactive);
 //       if (!block) return keltra::failMemory("KTNODE::link");
 //   For another result: `return keltra::failNull(...), nullptr;`.
-// - A public call that uses others which may fail: a FaultScope at its top. All faults below are then told in
-//   its name, and `scope.fail(...)` tells nothing more when one was told. Without a scope around it each call
-//   speaks for itself.
+// - A public call that uses others which may fail: a FaultScope at its top. All faults below it are then
+//   reported under its name, and `scope.fail(...)` reports nothing after another fault. Without a scope each
+//   call reports its own faults.
 // - A part that a load can do without: a FaultOptional while it is tried. Errors become warnings.
-// - The engine asks a call for its own purposes, and false is an ordinary answer: a FaultSilence around it.
-// - What would repeat in every frame is told once: keep a flag in the object, and ask it before anything
-// else.
+// - The engine uses a public call itself, and false is an ordinary result: a FaultSilence around it.
+// - What would repeat in every frame is reported once: keep a flag in the object, and test it first.
 //
-// Never make a fault on a path that every frame takes. A search that finds nothing, and a state that is asked
-// for, are answers. Each fault has a row in tests/engine/fault_table*.cpp; texts are literals, since all of
-// them together may take 12 KiB.
+// Never make a fault on a path that every frame takes. A search without a result and the query of a state are
+// not faults. Each fault has a row in tests/engine/fault_table*.cpp; texts are literals, since all of them
+// together may take 12 KiB.
 
 #include <keltra/fault.h>
 
@@ -30,7 +29,7 @@
 
 namespace keltra {
 
-// False leaves codes and what was found: the literals of the calls below then go.
+// When false, faults keep only codes and found values: the literals of the calls below are dropped.
 constexpr bool kFaultTexts = KELTRA_FAULT_TEXTS != 0;
 
 template <class Text>
@@ -42,7 +41,7 @@ constexpr const char *faultText(Text text) {
 
 KTFAULT newFault(KT_FAULT_CODE code);  // an error without texts and place
 
-// Copies what fits; of a path the end, behind three dots.
+// Copies what fits; of a path the end, after three dots.
 void setFaultText(char *target, std::size_t size, const char *text);
 template <std::size_t kSize>
 void setFaultText(char (&target)[kSize], const char *text) {
@@ -57,7 +56,7 @@ void setExpected(KTFAULT &fault, const char *format, ...);
 
 unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size);
 
-// --- telling
+// --- reporting
 
 // The outermost scope names the call. Its file, or that of the scope next below, is the one that names the
 // file of a fault. Both texts outlive the scope.
@@ -71,7 +70,7 @@ class FaultScope {
     void setFile(const char *path) { file = path; }
     void setLine(unsigned int at) { line = at; }
 
-    // An error of this call, unless one was told since it began. Always false.
+    // An error of this call, unless one was reported since it began. Always false.
     bool fail(KTFAULT fault);
     bool fail(KT_FAULT_CODE code);
     bool failNull(const char *argument);
@@ -88,7 +87,7 @@ class FaultScope {
     const unsigned int errorsBefore;
 };
 
-// While one exists, errors are told as warnings.
+// While one exists, errors are reported as warnings.
 class FaultOptional {
    public:
     FaultOptional();
@@ -97,7 +96,7 @@ class FaultOptional {
     FaultOptional &operator=(const FaultOptional &) = delete;
 };
 
-// While one exists, nothing is told.
+// While one exists, nothing is reported.
 class FaultSilence {
    public:
     FaultSilence();
@@ -106,7 +105,7 @@ class FaultSilence {
     FaultSilence &operator=(const FaultSilence &) = delete;
 };
 
-// Each tells an error of `call`, or of the scope around it, and is false.
+// Each reports an error of `call`, or of the scope around it. Always false.
 [[gnu::cold]] bool tellFault(const char *call, KTFAULT &fault);
 // The same of a warning.
 [[gnu::cold]] void warnFault(const char *call, KTFAULT fault);
@@ -130,8 +129,7 @@ inline bool failValue(const char *call, const char *argument, long found, const 
                       long second = 0) {
     return failValueFrom(call, faultText(argument), found, faultText(format), first, second);
 }
-// An argument that may be 0 to `last`; none is right when that is negative. The warning: another one was
-// taken.
+// An argument from 0 to `last`; no value is valid when that is negative. The warning: another value was used.
 inline bool failRange(const char *call, const char *argument, long found, long last) {
     return failRangeOf(call, faultText(argument), found, last);
 }
@@ -141,12 +139,12 @@ inline void warnRange(const char *call, const char *argument, long found, long l
 // A text of more than 255 characters. The warning: it was cut.
 inline bool failLong(const char *call, const char *argument) { return failLongOf(call, faultText(argument)); }
 inline void warnLong(const char *call, const char *argument) { warnLongOf(call, faultText(argument)); }
-// `state` says what is the case: "the engine is not active".
+// `state` describes the present state: "the engine is not active".
 inline bool failState(const char *call, const char *state) { return failStateOf(call, faultText(state)); }
 // States of many calls.
 constexpr const char *kActive = "the engine is active already";
 constexpr const char *kInactive = "the engine is not active";
-// There is no room for one more: `most` is all that is taken.
+// A table is full: `most` is its capacity.
 inline bool failFull(const char *call, const char *what, unsigned int most) {
     return failFullOf(call, faultText(what), most);
 }
@@ -158,7 +156,7 @@ inline void warnFull(const char *call, const char *what, unsigned int most) {
 [[gnu::cold]] bool failFormat(const char *call);
 // The file cannot be created or not be written.
 [[gnu::cold]] bool failWrite(const char *call, const char *path);
-// The file cannot be read: finds out why. Null is told as such.
+// The file cannot be read: finds out why. Null is reported as null.
 [[gnu::cold]] bool failFile(const char *call, const char *path);
 
 // True while the application's handler runs.

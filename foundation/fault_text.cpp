@@ -8,7 +8,7 @@ namespace keltra {
 namespace {
 
 // What follows the place, by code: $f is the field, $g what was found, $e what was expected; a part in
-// brackets falls away when the text in it is empty.
+// brackets is dropped when its text is empty.
 #if KELTRA_FAULT_TEXTS
 const char *bodyOf(KT_FAULT_CODE code) {
     switch (code) {

@@ -41,7 +41,7 @@ class FileBytes {
 
     const char *data() const { return bytes; }
     std::size_t size() const { return length; }
-    // Of an empty one: there was a file, and no memory for it.
+    // For an empty one: the file exists, but there was no memory for it.
     bool isOutOfMemory() const { return noMemory; }
 
    private:

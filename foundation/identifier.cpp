@@ -21,8 +21,8 @@ unsigned int lowestFree = 1;
 
 namespace keltra {
 
-// A table that was never dropped is replaced, not handed back: the log's counters have always shown it as
-// held, and applications compare them between runs. Its memory is released all the same.
+// Deliberate: a table that was never dropped is freed without being counted, so the log's counters show it as
+// held; applications compare them between runs.
 void takeIdentifierTable() {
     std::free(table);
     table = static_cast<unsigned char *>(allocate(kTableSize));

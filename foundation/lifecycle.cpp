@@ -4,7 +4,7 @@
 
 namespace {
 
-// The library's load and unload steps. With the earliest priority the identifiers are there for every other
+// The library's load and unload steps. With the earliest priority the identifiers exist before every other
 // static object of the library; a static object that outlives this one finds no table, which releaseId
 // tolerates.
 struct LibraryLife {

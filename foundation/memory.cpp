@@ -17,9 +17,9 @@ namespace {
 // Constant-initialised: objects of other sources may allocate before anything in here has run.
 MemoryCounters counters = {0, 0, 0, 0, 0};
 
-// The system's cache of files is no memory in use, but its size costs more to learn than an allocation. It is
-// only asked for when the peak would rise if the cache were as large as it was last, and after so many
-// samples.
+// The system's file cache does not count as memory in use, but querying its size costs more than an
+// allocation. It is queried only when the peak would rise if the cache were as large as it was last, and
+// after so many samples.
 constexpr unsigned int kSamplesPerCacheSize = 256;
 std::uint64_t cacheOfFiles = 0;
 unsigned int samplesLeft = 0;

@@ -27,7 +27,7 @@ std::uint32_t NameTable::hashOf(const char *name) const {
     return hash;
 }
 
-// The name's entry, or the free one where it would stand: linear probing, at most half full.
+// The name's entry, or the free one for it: linear probing, at most half full.
 NameTable::Entry &NameTable::entryOf(const char *name, std::uint32_t hash) const {
     for (std::size_t index = hash;; ++index) {
         Entry &entry = entries[index & (capacity - 1)];

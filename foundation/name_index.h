@@ -36,7 +36,7 @@ class NameTable {
     Entry firstEntries[kFirstEntries];  // a small load takes no memory
     Entry *entries;
     std::size_t capacity, count;
-    std::uint32_t seed;  // so that no file can be made whose names all fall together
+    std::uint32_t seed;  // so that no file can be made whose names all collide
 };
 
 // What `search` finds, the first object of a class's list with a name, in constant time. The list is read at

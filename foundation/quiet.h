@@ -1,8 +1,8 @@
 #ifndef KELTRA_FOUNDATION_QUIET_H
 #define KELTRA_FOUNDATION_QUIET_H
 
-// For the engine's own use: exported functions of the foundation without their faults. The failure is told by
-// the call that fails over it, or it is none.
+// Exported functions of the foundation without their faults, for the engine's own use. The caller reports the
+// failure, if it is one.
 
 namespace keltra {
 

@@ -18,7 +18,7 @@
 namespace keltra {
 
 // Blocks from operator new whose constructor has not begun. There are several when the arguments of a
-// constructor are themselves made on the heap; in a longer row the first ones are lost, and are not taken for
+// constructor are themselves made on the heap; beyond `kMost` the oldest are dropped and do not count as
 // objects on the heap.
 class FreshBlocks {
    public:
@@ -27,7 +27,7 @@ class FreshBlocks {
         if (used == kMost) drop(0);
         blocks[used++] = {static_cast<char *>(block), size};
     }
-    // True when `object` lies in one of the blocks, which is then fresh no more.
+    // True when `object` lies in one of the blocks, which is then removed.
     bool take(const void *object) {
         const char *address = static_cast<const char *>(object);
         for (unsigned int i = used; i-- > 0;) {
@@ -87,8 +87,7 @@ void *KTREGISTERED<T>::operator new(std::size_t size) {
     return block;
 }
 
-// A constructor that threw left its block behind: it must not be taken for that of an object that comes to
-// lie there.
+// Removes the block of a constructor that threw: a later object at its address must not be taken for it.
 template <class T>
 void KTREGISTERED<T>::operator delete(void *block) noexcept {
     keltra::Registry<T>::fresh.take(block);
@@ -208,7 +207,7 @@ void KTREGISTERED<T>::destroy(T &object) {
         T::letGo(object);
 }
 
-// A destructor may destroy further objects of the list, so the head is asked for anew each time.
+// A destructor may destroy further objects of the list, so the head is read again each time.
 template <class T>
 bool KTREGISTERED<T>::destroyAll() {
     using Registry = keltra::Registry<T>;

@@ -92,7 +92,7 @@ LocalTime platformLocalTime() {
 PathKind platformPathKind(const char *path) {
     struct stat status;
     if (stat(path, &status) == 0) return S_ISREG(status.st_mode) ? PathKind::kFile : PathKind::kOther;
-    // A folder on the way may be closed to this user; then it is not known what is there.
+    // A folder of the path may deny access; then it is unknown what the path names.
     return errno == EACCES ? PathKind::kFile : PathKind::kNothing;
 }
 

@@ -1,7 +1,7 @@
 #ifndef KELTRA_PLATFORM_PLATFORM_H
 #define KELTRA_PLATFORM_PLATFORM_H
 
-// What the engine asks of the operating system beyond the C library.
+// The services of the operating system that the engine needs beyond the C library.
 
 #include <cstdint>
 
@@ -15,12 +15,11 @@ struct PhysicalMemory {
     std::uint64_t total, available;  // bytes
 };
 
-// Asked at every counted allocation: costs less than a microsecond. Memory that the system only keeps as a
+// Called at every counted allocation: costs less than a microsecond. Memory that the system only keeps as a
 // cache of files may be missing from what is available.
 PhysicalMemory platformMemory();
 
-// How much of such a cache the system would give up for programs; 0 when it does not tell. Costs some 20
-// microseconds.
+// How much of such a cache the system would give up for programs; 0 when unknown. Costs some 20 microseconds.
 std::uint64_t platformReclaimableMemory(const PhysicalMemory &memory);
 
 struct LocalTime {
