@@ -22,8 +22,8 @@ struct AnimRecord {
     std::size_t size;                  // bytes up to the end of the last keyframe
 };
 
-// True for a whole animation within the limits; what follows the last keyframe is not looked at.
-// Otherwise `fault`, which may be null, tells what is wrong.
+// True for a whole animation within the limits; bytes after the last keyframe are ignored. Otherwise `fault`,
+// which may be null, receives what is wrong.
 bool readAnim(const void *bytes, std::size_t size, AnimRecord &record, Fault *fault = nullptr);
 
 inline ByteReader keyframesOf(const AnimRecord &record) {

@@ -3,7 +3,7 @@
 
 namespace keltra {
 
-// A factor that GL does not know on this side would be an error at every draw.
+// Whether GL accepts the factor as source or destination: any other would be an error at every draw.
 bool isBlendFactor(int code, bool isSource);
 
 }  // namespace keltra

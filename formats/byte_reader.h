@@ -7,9 +7,9 @@
 
 namespace keltra {
 
-// Reads little-endian values from bytes of any alignment. A read past the end turns the reader bad for good:
-// that read and all later ones yield 0 or null. The caller reads a whole record and asks ok() once. The bytes
-// are not copied.
+// Reads little-endian values from bytes of any alignment. A read past the end makes the reader bad
+// permanently: that read and all later ones return 0 or null. The caller reads a whole record and checks ok()
+// once. The bytes are not copied.
 class ByteReader {
    public:
     ByteReader(const void *bytes, std::size_t size)

@@ -42,7 +42,7 @@ const char *const *emitterAttributes(EmitterValue kind);
 // Null for a document of another root, which changes no setting.
 const TiXmlElement *emitterRoot(const TiXmlDocument &document);
 
-// Tells what has no effect in a document with lines, whatever its root is.
+// Warns of what has no effect in a document with lines, whatever its root is.
 void checkEmitter(const TiXmlDocument &document, FaultSink &sink);
 
 }  // namespace keltra

@@ -60,7 +60,7 @@ void NearestName::offer(const char *known) {
     nearest = known;
 }
 
-// The least number of steps, one row of the table of beginnings after the other.
+// The edit distance, computed one row of the table of prefixes at a time.
 std::size_t NearestName::distanceTo(const char *known, std::size_t length) const {
     unsigned char rows[3][kLongest];
     for (std::size_t k = 0; k <= length; ++k) rows[0][k] = static_cast<unsigned char>(k);

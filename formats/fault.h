@@ -1,9 +1,8 @@
 #ifndef KELTRA_FORMATS_FAULT_H
 #define KELTRA_FORMATS_FAULT_H
 
-// What the parsers tell: where a file is damaged, and, by way of a FaultSink, what of a file that is taken
-// has no effect. Neither knows who reads the file: the engine adds its call, keltra-info the name of the
-// file.
+// What the parsers report: where a file is damaged and, through a FaultSink, what has no effect in a file
+// that loads. Neither depends on the reader of the file: the engine adds its call, keltra-info the file name.
 
 #include <cstddef>
 
@@ -23,7 +22,7 @@ struct Fault {
     KT_FAULT_CODE code = KT_FAULT_DATA;
 };
 
-// Each notes the fault when it is asked for, and is false.
+// Each stores the fault unless `fault` is null. Always false.
 [[gnu::cold]] bool noteFault(Fault *fault, const Fault &noted);
 [[gnu::cold]] bool refuseMemory(Fault *fault);
 inline bool refuse(Fault *fault, std::size_t offset, const char *field, const char *reason, long first = 0,
@@ -52,15 +51,15 @@ class FaultSink {
     ~FaultSink() = default;
 };
 
-// The scope of a load: what its parser warns of is told in its name.
+// The scope of a load: its parser's warnings are reported under its call.
 class LoadScope final : public FaultScope, public FaultSink {
    public:
     using FaultScope::FaultScope;
     void warn(KTFAULT &fault) override { FaultScope::warn(fault); }
 };
 
-// Finds the name that someone meant who wrote another one: the nearest by letters changed, added, left out or
-// swapped, as long as these are no more than a third of it.
+// Finds the intended name for a misspelt one: the nearest by letters changed, added, left out or swapped,
+// which may be a third of the name at most.
 class NearestName {
    public:
     explicit NearestName(const char *wanted);

@@ -10,7 +10,7 @@
 
 namespace keltra {
 
-// Reads fields by name, so that a fault can be told. After an overrun everything reads as zero.
+// Reads fields by name, for the reports of faults. After an overrun everything reads as zero.
 class FieldReader {
    public:
     FieldReader(const void *bytes, std::size_t size)

@@ -38,7 +38,7 @@ class GuiCheck {
     }
 
    private:
-    // Objects have no attributes: what they are given stands in elements inside.
+    // Objects have no attributes: nested elements hold their values.
     void checkObject(const TiXmlElement &element) {
         for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
              attribute = attribute->Next()) {
@@ -102,7 +102,7 @@ int guiProperty(const char *element) {
     return -1;
 }
 
-// Elements only: a comment that says nothing but "root" has that name too.
+// Elements only: a comment with the text "root" has that name too.
 const TiXmlElement *guiRoot(const TiXmlDocument &document) { return document.FirstChildElement("root"); }
 
 Fault guiRootMissing() {
@@ -121,7 +121,7 @@ KTFAULT tooManyObjects(const TiXmlElement &element, bool hasLines) {
     return fault;
 }
 
-// The path is in the document itself: the device's stack is small.
+// Follows the links of the document instead of recursing: the device's stack is small.
 void checkGui(const TiXmlNode &top, FaultSink &sink, bool hasLines) {
     GuiCheck check(sink, hasLines);
     for (const TiXmlNode *node = &top; node;) {

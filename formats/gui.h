@@ -46,14 +46,14 @@ int guiProperty(const char *element);
 
 // The part of a document that is read; null for none, which loads nothing.
 const TiXmlElement *guiRoot(const TiXmlDocument &document);
-// What the refusal of a document without it says.
+// The reason why a document without it is refused.
 Fault guiRootMissing();
 
-// The warning of the first object that is one too many.
+// The warning for the first object beyond the limit.
 KTFAULT tooManyObjects(const TiXmlElement &element, bool hasLines = true);
 
-// Tells what has no effect in the elements that are nested in `top`, and, unless it is the root, of itself.
-// With `hasLines`, the document was given its lines.
+// Warns of what has no effect in the elements nested in `top` and, unless it is the root, in `top` itself.
+// With `hasLines`, the elements know their lines.
 void checkGui(const TiXmlNode &top, FaultSink &sink, bool hasLines);
 
 }  // namespace keltra

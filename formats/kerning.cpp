@@ -36,7 +36,7 @@ class KerningCheck {
         checkName();
     }
 
-    // The name is no known one, or nothing separates it from its value.
+    // The name is unknown, or nothing separates it from its value.
     void checkName() {
         char word[kLineSize];
         std::strcpy(word, lines.text());
@@ -59,7 +59,7 @@ class KerningCheck {
             char nearestKey[kKerningKeySize] = "";
             const std::size_t length = std::strlen(word);
             if (length > 0) {
-                // The last character is the one that the key is of.
+                // The last character is the one that the key is for.
                 std::strcpy(nearestKey, kKerningPrefix);
                 nearestKey[kPrefixLength] = word[length - 1];
                 nearestKey[kPrefixLength + 1] = '\0';

@@ -1,9 +1,9 @@
 #ifndef KELTRA_FORMATS_KERNING_H
 #define KELTRA_FORMATS_KERNING_H
 
-// The keys of kerning files: one for each character from 32 to 126, then three of a name. Keys match inside
-// longer words: that of 'S' matches the line of SPACE too, so files name the characters that cannot stand in
-// a key at their end, and here these keys come last.
+// The keys of kerning files: one for each character from 32 to 126, then three named keys. Keys match inside
+// longer words: that of 'S' matches the line of SPACE too, so files list the characters that have named keys
+// at their end, and so does this table.
 
 #include <keltra/foundation.h>
 
@@ -42,7 +42,7 @@ inline bool readKerning(vnfParser &text, const char *key, signed char &kerning) 
     return true;
 }
 
-// Tells of each line of a text without comments what has no effect, or another one than it seems.
+// Warns of each line of a text without comments that has no effect, or not the one that it seems to have.
 void checkKerning(const vnfParser &text, FaultSink &sink);
 
 }  // namespace keltra

@@ -1,7 +1,7 @@
 #ifndef KELTRA_FORMATS_KEY_LINES_H
 #define KELTRA_FORMATS_KEY_LINES_H
 
-// The lines of a key-value text as its readers see them, for those who look for what has no effect.
+// The lines of a key-value text as its readers see them, for the checks that find lines without effect.
 
 #include <keltra/foundation.h>
 
@@ -34,7 +34,7 @@ class KeyLines {
     char squeezed[kLineSize];
 };
 
-// Tells what is wrong with the lines of a text, each in the same words whatever its keys are.
+// The warnings about the lines of a text, worded alike for all keys.
 class KeyLineFaults {
    public:
     KeyLineFaults(KeyLines &lines, FaultSink &sink) : lines(lines), sink(sink) {}
@@ -52,7 +52,7 @@ class KeyLineFaults {
     void value(const char *key, const char *found, const char *expected) {
         tell(KT_FAULT_VALUE, key, found, expected);
     }
-    // True for a whole number of the range; otherwise tells what it is not.
+    // True for an integer within the range; otherwise warns.
     bool integer(const char *key, const char *found, long least, long most);
 
    private:

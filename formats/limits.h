@@ -1,9 +1,9 @@
 #ifndef KELTRA_FORMATS_LIMITS_H
 #define KELTRA_FORMATS_LIMITS_H
 
-// Every limit of the engine and its files, once; that of identifiers comes from below. The exported constants
-// are asserted to be equal in the sources of their classes; the tools take theirs from here, and messages
-// print them.
+// Every limit of the engine and its files, defined once; that of identifiers is in foundation/identifier.h.
+// The exported constants are asserted to be equal in the sources of their classes; the tools take theirs from
+// here, and messages print them.
 
 #include <cstddef>
 
@@ -17,8 +17,8 @@ constexpr unsigned int kMaxCount = 65535;  // what a count of 16 bits in a file 
 // Scenes.
 // The walks keep their path in an array of this length, since the device's stack is 64 KB.
 constexpr unsigned int kMaxTreeDepth = 256;
-constexpr unsigned int kMaxDrawnDepth = 31;     // of the GL's 32 matrices one stands below the scene
-constexpr unsigned int kMaxSkinBones = 100;     // that influences can address
+constexpr unsigned int kMaxDrawnDepth = 31;  // of the GL's 32 matrices one stands below the scene
+constexpr unsigned int kMaxSkinBones = 100;  // that influences can address
 // A bone takes a byte of the file, when its name is empty, and 300 in memory: more bones need a larger file.
 constexpr std::size_t kBonesOfAnyScene = 4096;
 constexpr std::size_t kSceneBytesPerBone = 8;
@@ -42,7 +42,7 @@ constexpr long kMaxXmlBytes = 4L << 20;
 constexpr unsigned int kMaxXmlNesting = 64;
 constexpr unsigned int kMaxXmlAttributes = 64;
 constexpr unsigned int kMaxXmlTags = 1u << 17;
-// A window takes four identifiers and some ten kilobytes; a file that asks for more gives the first ones.
+// A window takes four identifiers and some ten kilobytes; of a larger file the first ones are loaded.
 constexpr unsigned int kGuiObjects = 8192;
 
 // Texts of keys and values.

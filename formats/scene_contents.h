@@ -49,7 +49,7 @@ class SceneContents : private SceneVisitor {
     SceneNode *nodes;
     SceneMaterial *lastMaterial;
     SceneNode *lastNode;
-    bool whole;  // no record is missing for want of memory
+    bool whole;  // no record is missing for lack of memory
 };
 
 }  // namespace keltra

@@ -1,7 +1,8 @@
 #ifndef KELTRA_FORMATS_SCENE_FAULTS_H
 #define KELTRA_FORMATS_SCENE_FAULTS_H
 
-// What a scene that loads goes on without, and what no parser tells. `nearest` is the known name that may be the one, or empty.
+// Missing parts of a scene that loads, which no parser reports. `nearest` is the known name most like the
+// missing one, or empty.
 
 #include "formats/fault.h"
 

@@ -21,7 +21,7 @@ bool acceptChildren(FieldReader &reader, std::size_t offset, unsigned int childr
                               "more than the rest of the file can hold");
 }
 
-// The largest index is enough to know.
+// Only the largest index matters.
 bool acceptFaces(FieldReader &reader, const MeshRecord &record, std::size_t offset) {
     unsigned int largest = 0;
     const unsigned char *bytes = record.faces;
@@ -33,7 +33,7 @@ bool acceptFaces(FieldReader &reader, const MeshRecord &record, std::size_t offs
     return reader.refuseValue(offset, "faces", static_cast<long>(largest), "vertex index out of range");
 }
 
-// Skinning leaves influences out whose weight is 0 or less in 16.16.
+// Skinning skips influences whose weight is 0 or less in 16.16.
 bool countsAsInfluence(const unsigned char *bytes) {
     float weight;
     std::memcpy(&weight, bytes, sizeof weight);
@@ -58,7 +58,7 @@ bool acceptInfluences(FieldReader &reader, const MeshRecord &record, std::size_t
 void readGeometry(FieldReader &reader, bool oldVersion, MeshRecord &record, std::size_t &facesOffset) {
     record.vertices = reader.array("vertices", record.vertexCount, kVectorSize);
     record.normals = reader.array("vertex normals", record.vertexCount, kVectorSize);
-    // Version 1.5a carries a vector a vertex and a plane a face that nothing uses.
+    // Version 1.5a has an unused vector per vertex and an unused plane per face.
     if (oldVersion) reader.array("old vertex data", record.vertexCount, kOldVertexSize);
     record.uvs = reader.array("texture coordinates", record.uvCount, kUVSize);
     facesOffset = reader.position();
@@ -125,8 +125,8 @@ bool checkMaterials(FieldReader &reader, unsigned int count, SceneVisitor *visit
 }
 
 bool checkTree(FieldReader &reader, bool oldVersion, std::size_t bonesLeft, SceneVisitor *visitor) {
-    std::uint16_t pending[kMaxTreeDepth + 1] = {
-        1};  // by level: nodes still to come; the root is the one of level 0
+    // By level: nodes still to come; the root is the one of level 0.
+    std::uint16_t pending[kMaxTreeDepth + 1] = {1};
     unsigned int level = 0;
     for (;;) {
         while (pending[level] == 0)
@@ -209,7 +209,7 @@ bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record) {
     const std::size_t childrenOffset = reader.position();
     record.children = reader.u16("children");
     record.influenceCount = reader.u16("influence count");
-    // Asked here, since everything behind a wrong count is read from the wrong place.
+    // Checked here, since everything after a wrong count is read from the wrong offset.
     if (reader.isWhole() && record.uvCount != 0 && record.uvCount < record.vertexCount)
         return reader.refuseValue(uvCountOffset, "texture coordinate count",
                                   static_cast<long>(record.uvCount), "neither 0 nor one for each vertex");

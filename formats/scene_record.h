@@ -72,7 +72,7 @@ bool readPlain(FieldReader &reader, PlainRecord &record);
 bool readLight(FieldReader &reader, LightRecord &record);
 bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record);
 
-// Is shown the records of a scene in file order, each once it is read and accepted. `level` is the depth of a
+// Receives the records of a scene in file order, each once it is read and accepted. `level` is the depth of a
 // node, 0 for the root.
 class SceneVisitor {
    public:
@@ -86,8 +86,8 @@ class SceneVisitor {
     virtual void end(std::size_t) {}
 };
 
-// True for a whole, consistent scene file whose tree nests no deeper than trees may; what follows the tree is
-// not looked at. Otherwise `fault` tells what is wrong. The visitor may be null.
+// True for a whole, consistent scene file whose tree nests no deeper than trees may; bytes after the tree are
+// ignored. Otherwise `fault` receives what is wrong. The visitor may be null.
 bool checkScene(const void *bytes, std::size_t size, SceneFault &fault, SceneVisitor *visitor = nullptr);
 
 }  // namespace keltra

@@ -31,7 +31,7 @@ class SettingsCheck {
     void run() {
         while (lines.next()) {
             checkLine();
-            // A key counts wherever it stands in a line.
+            // A key counts anywhere in a line.
             for (std::size_t i = 0; i < kSettingsKeyCount; ++i)
                 met[i] = met[i] || std::strstr(lines.text(), kSettingsKeys[i].name);
         }

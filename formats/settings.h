@@ -24,14 +24,14 @@ constexpr std::size_t kSettingsKeyCount = 25;
 extern const SettingKey kSettingsKeys[kSettingsKeyCount];
 
 // Look a key up in a text without comments; false when it is not there. A text (of 256 characters) without
-// its two quotes counts as not there, and its raw rest has been written all the same: deliberate, as is the
-// parser.
+// its two quotes counts as missing, although its raw rest has been written: deliberate, it is what
+// vnfParseString does.
 bool readSetting(const vnfParser &text, const char *key, int &value);
 bool readSetting(const vnfParser &text, const char *key, bool &value);
 bool readSetting(const vnfParser &text, const char *key, char (&value)[256]);
 
-// Tells of each line of a text without comments what has no effect, or another one than it seems. Keys that
-// do not begin like the engine's are another program's.
+// Warns of each line of a text without comments that has no effect, or not the one that it seems to have.
+// Keys that do not begin like the engine's belong to another program.
 void checkSettings(const vnfParser &text, FaultSink &sink);
 
 }  // namespace keltra

@@ -28,7 +28,7 @@ struct TgaImage {
 // kOther, which has no pixels: that is true. `fault`, here and below, may be null.
 bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault = nullptr);
 
-// What to say of a file of kind kOther.
+// The fault of a file of kind kOther.
 Fault otherTgaKind();
 
 // Unpacks the pixels into `target`, `image.bytes()` of it: R, G, B(, A), bottom row first. False when the

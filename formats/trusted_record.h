@@ -10,7 +10,7 @@
 
 namespace keltra {
 
-// False, with an error of the scope's call, unless a record can stand there.
+// False, with an error of the scope's call, unless a record can be there.
 inline bool isRecordPlace(FaultScope &scope, const char *buffer, const long *cursor) {
     if (!buffer || !cursor) return scope.failNull(buffer ? "cursor" : "buffer");
     return *cursor >= 0 || failValue(scope.call, "cursor", *cursor, "0 or more");

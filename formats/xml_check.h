@@ -18,12 +18,12 @@ class XmlCheck {
 
     void unknownElement(const TiXmlElement &element, const char *nearest);
     void unknownAttribute(const TiXmlElement &element, const char *attribute, const char *nearest);
-    // Tells each attribute that is not one of the names, a list with null behind the last.
+    // Warns of each attribute that is not one of the names, a list with null behind the last.
     void attributes(const TiXmlElement &element, const char *const *names);
     void missing(const TiXmlElement &element, const char *attribute);
     void value(const TiXmlElement &element, const char *attribute, const char *found, const char *expected);
     void unknownValue(const TiXmlElement &element, const char *found, const char *what, const char *nearest);
-    // A number as far as the whole text is one. A missing attribute is told as such.
+    // Warns unless the whole text is a number; a missing attribute is reported as missing.
     void integer(const TiXmlElement &element, const char *attribute, long least, long most);
     void real(const TiXmlElement &element, const char *attribute);
 

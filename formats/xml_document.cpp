@@ -19,8 +19,8 @@ namespace keltra {
 namespace {
 
 // Walks the markup exactly as the parser will, so that what it counts is what the parser meets. Processing
-// instructions and declarations are overwritten with blanks on the way: nobody reads them, and the parser
-// ends them at other places than the standard does.
+// instructions and declarations are overwritten with blanks on the way: they are unused, and the parser ends
+// them elsewhere than the standard does.
 class MarkupScan {
    public:
     MarkupScan(char *begin, char *end)
@@ -44,7 +44,7 @@ class MarkupScan {
         }
         return nullptr;
     }
-    // Of a run that was false; the offset is that of the tag in the text.
+    // Valid after a run that returned false; the offset is that of the tag in the text.
     Fault fault() const { return {static_cast<std::size_t>(tag - begin), faultText("tag"), reason, limit}; }
 
    private:
@@ -122,8 +122,7 @@ class MarkupScan {
     long limit = 0;
 };
 
-// Copies the text with one line feed for every kind of line end, as documents are to be read; returns its
-// end.
+// Copies the text with one line feed for every kind of line end, as XML requires; returns its end.
 char *copyLines(char *target, const char *bytes, std::size_t size) {
     for (std::size_t i = 0; i < size; ++i) {
         if (bytes[i] == '\r' && i + 1 < size && bytes[i + 1] == '\n') continue;
@@ -185,9 +184,9 @@ Fault faultOf(int error) {
     }
 }
 
-// The parser tells the place of an error only when it keeps row and column, and then does not end on some
-// bytes beyond ASCII. So the text is parsed once more with letters in place of those bytes, which is what
-// they count as. Should names that differed be the same then, the document's beginning stands for the place.
+// The parser reports the position of an error only when it tracks row and column, and then loops without end
+// on some bytes beyond ASCII. So the text is parsed again with letters, as which these bytes count, in their
+// place. Where that makes different names equal, the position is the beginning of the document.
 Fault findError(char *text, int error) {
     for (char *c = text; *c; ++c) {
         const unsigned char byte = static_cast<unsigned char>(*c);
@@ -231,8 +230,8 @@ bool parseCopy(char *text, char *end, TiXmlDocument &document, Fault *fault) {
         if (fault) *fault = scan.fault();
         return false;
     }
-    // Without tab stops the parser keeps no row and column: that code does not end on some byte sequences. As
-    // bytes, the text is never stepped over by a character's claimed length.
+    // Without tab stops the parser tracks no row and column: that code loops without end on some byte
+    // sequences. Parsed as bytes, no character can claim a length beyond the end of the text.
     const int error = parseText(text, document, 0);
     if (error == 0) {
         noteLines(text, end, document);
