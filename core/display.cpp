@@ -25,13 +25,13 @@ const Uint32 kCheckedMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_DOUBLEBUF | SDL_FU
 const Uint32 kWindowMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_FULLSCREEN;
 
 bool modeAvailable(const KTSETTINGS::RECORD &record) {
-    // SDL reads its missing video device when it is asked before its start.
+    // Before SDL_Init, SDL would read through a null video device.
     if (!SDL_WasInit(SDL_INIT_VIDEO)) return false;
     if (record.windowX <= 0 || record.windowY <= 0) return false;
     return SDL_VideoModeOK(record.windowX, record.windowY, record.colorDepth, kCheckedMode) != 0;
 }
 
-// Number of matching configurations, the best in `config`; -1 when EGL cannot tell.
+// Number of matching configurations, the best in `config`; -1 when EGL fails.
 EGLint chooseConfig(EGLDisplay display, int depthBits, EGLConfig *config) {
     EGLint wanted[] = {EGL_LEVEL,      0,         EGL_NATIVE_RENDERABLE, EGL_FALSE,
                        EGL_DEPTH_SIZE, depthBits, EGL_SURFACE_TYPE,      EGL_WINDOW_BIT,

@@ -11,7 +11,7 @@ namespace {
 const GLfixed kOne = 1 << 16;
 const Color kWhite = {{kOne, kOne, kOne, kOne}};
 
-// What the GL holds where no public flag says so. These are the values of a new context.
+// State of the GL without a public flag. These are the values of a new context.
 struct State {
     unsigned int suspensions = 0;  // of face culling
     bool in2DPass = false;
@@ -20,7 +20,7 @@ struct State {
     bool alphaTest = false;
     GLenum blendSource = GL_ONE, blendDestination = GL_ZERO;
     bool texturing = false;
-    GLuint texture = 0, bound = 0;  // what is drawn with, and what the GL has just now
+    GLuint texture = 0, bound = 0;  // the texture for drawing, and the one bound in the GL
     Color color = kWhite;
     bool colorHolds = true, normalHolds = true, texCoordHolds = true;
     bool initialMaterial = false;  // its values in 16.16, which a new context does not have

@@ -25,13 +25,12 @@ class OnNewContext {
 // Switches a capability on a change of its cached state only.
 void setCapability(bool &cached, GLenum capability, bool on);
 
-// Face culling. `KTOPENGL::culling` is what the application wants; while somebody suspends it the GL has it
-// off.
+// Face culling. `KTOPENGL::culling` is what the application wants; while it is suspended the GL has it off.
 enum CullingSuspension : unsigned int { kByWireframe = 1, kByEmitter = 2, kBy2DPass = 4 };
 void suspendCulling(CullingSuspension by);
 void resumeCulling(CullingSuspension by);
 bool isCullingSuspended();
-// Switches culling on for as long as it lives, wanted or not.
+// Switches culling on while it exists, wanted or not.
 class ForcedCulling {
    public:
     ForcedCulling();
@@ -66,14 +65,14 @@ void bindForUpload(GLuint name);
 void useTexture();
 void deleteTexture(GLuint name);
 
-// Changes with blending, blend function, texturing and binding: whoever has set them all finds out whether
-// they still are as it left them.
+// Changes with blending, blend function, texturing and binding: code that has set them all can check whether
+// they are unchanged.
 unsigned int surfaceStamp();
 void stampSurface();
 
 // The current colour is that of `setColor`, white at first. A pass may draw in another one, and a draw with a
 // colour array leaves it undefined; `useColor` brings it back before a draw without colours. The same holds
-// for the current normal (along z) and texture coordinate (the origin), which nobody sets.
+// for the current normal (along z) and texture coordinate (the origin), which are never set.
 struct Color {
     GLfixed rgba[4];
 };
@@ -87,7 +86,7 @@ void forgetColor();
 void forgetNormal();
 void forgetTexCoord();
 
-// The material of what has none: the GL's initial one. Whoever sets another says so.
+// The GL's initial material, for objects without one. Code that sets another calls `forgetInitialMaterial`.
 void useInitialMaterial();
 void forgetInitialMaterial();
 

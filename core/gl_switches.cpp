@@ -61,7 +61,7 @@ void KTOPENGL::reset() {
     glDepthFunc(GL_LESS);
     keltra::setDepthTest(true);
     glShadeModel(GL_SMOOTH);
-    // Both hints are meant, in this order: some drivers set up their fast path only when the hint changes.
+    // Deliberate: both hints, in this order; some drivers set up their fast path only when the hint changes.
     glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
     glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_FASTEST);
     glDisable(GL_DITHER);
@@ -84,7 +84,7 @@ bool KTOPENGL::resize(int x, int y, int width, int height) {
     int across = width > 0 ? width : 1, down = height > 0 ? height : 1;
     KT_glMatrixMode(GL_PROJECTION);
     KT_glLoadIdentity();
-    // In 64 bits: any two ints may come in.
+    // In 64 bits: the arguments may be any ints.
     glViewport(x, static_cast<GLint>(static_cast<long long>(KTSETTINGS::windowY) - y - height), width,
                height);
     if (KTSETTINGS::landscape) {
@@ -133,7 +133,7 @@ void KTOPENGL::setGlobalAmbientLight(R3XVECTOR4D color) {
     setGlobalAmbientLight(color.x, color.y, color.z, color.w);
 }
 
-// While culling is suspended only the wish changes; the GL follows when the suspension ends.
+// While culling is suspended only the wanted state changes; the GL follows when the suspension ends.
 void KTOPENGL::cullingOn() {
     if (keltra::isCullingSuspended())
         culling = true;

@@ -20,9 +20,9 @@ const int kStacks = 2;            // 0 model-view, 1 projection
 const unsigned int kTreeLevels = kLevels - 1;
 const unsigned int kDeepLevels = 228;
 
-// The stacks stand one behind the other, and depth runs from 0 to 32. So level 32 of the model-view stack is
-// the base of the projection stack: meant, applications have been tuned against it. Level 32 of the
-// projection gets room of its own.
+// The stacks are contiguous, and depth runs from 0 to 32. So level 32 of the model-view stack is the base of
+// the projection stack: deliberate, applications have been tuned against it. Level 32 of the projection gets
+// room of its own.
 float mirror[kStacks * kLevels + 1][16];
 unsigned int depths[kStacks];
 int current;
@@ -193,8 +193,8 @@ void KT_glOrtho(float l, float r, float b, float t, float n, float f) {
     glOrthox(toFixed(l), toFixed(r), toFixed(b), toFixed(t), toFixed(n), toFixed(f));
 }
 
-// A GL whose stack is full is not asked for more: the levels above are in the mirror only, and the GL's own
-// top is loaded anew when one of them is popped.
+// Nothing is pushed onto a full stack of the GL: the levels above are in the mirror only, and the GL's own
+// top is loaded again when one of them is popped.
 void KT_glPushMatrix() {
     if (depths[current] >= kLevels) return void(keltra::failFull("KT_glPushMatrix", "matrix stack", kLevels));
     const float *below = top();

@@ -10,7 +10,7 @@ void resetMatrixMirror();
 void setStackSizes(unsigned int modelView, unsigned int projection);
 
 // Pushes the current matrix, beyond the stack's own levels too, and pops it again; for walks of trees. False
-// when nothing was pushed, which no tree within the limit of nesting comes to.
+// when nothing was pushed, which happens to no tree within the limit of nesting.
 bool pushMatrix();
 void popMatrix();
 

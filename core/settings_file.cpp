@@ -61,7 +61,7 @@ bool KTSETTINGS::load(const char *path) {
     if (!path) return scope.failNull("path");
     if (!vnfFileExists(path)) return scope.failFile();
     vnfParser parser = {};
-    // The parser refuses an empty file and says so in the log; to the settings it is a file without keys.
+    // The parser refuses and logs an empty file; for the settings it is a file without keys.
     const keltra::FaultOptional optional;
     if (!vnfOpenParser(&parser, path)) return true;
     vnfRemoveComments(&parser, keltra::kSettingsComment);

@@ -228,8 +228,8 @@ bool KTFONT::loadKerning(const char *filename) {
 void KTFONT::writeGlyph(std::int64_t x, std::int64_t y, char c) const {
     const unsigned int slot = freeSlot();
     const int cell = cellOf(c), row = cell >> 4;
-    // Meant: the row is multiplied by the width on the screen, not by the 16 cells of a row. Textures are
-    // baked for glyphs 16 pixels wide, where both are the same.
+    // Deliberate: the row is multiplied by the width on the screen, not by the 16 cells of a row. Textures
+    // are made for glyphs 16 pixels wide, where both are the same.
     const std::int64_t column = cell - std::int64_t{charSizeX} * row;
     const GLfixed s0 = sixteenths(column), s1 = sixteenths(column + 1);
     const GLfixed t0 = sixteenths(kCells - row), t1 = sixteenths(kCells - row - 1);
@@ -252,7 +252,7 @@ void KTFONT::queueGlyph(std::int64_t x, std::int64_t y, char c) const {
     reset();
 }
 
-// Labels and buttons draw in each frame: told once, until there is one. Always false.
+// Labels and buttons draw in each frame: reported once, until there is a texture. Always false.
 bool KTFONT::failTexture(const char *call) {
     if (toldMissing) return false;
     toldMissing = true;
@@ -315,8 +315,8 @@ bool KTFONT::putString(int x, int y, const char *format, ...) {
     const unsigned int start = freeSlot();
     queueText(x, y, text);
     if (fontCachedCurrent <= start && !fontCachedFlushed) return true;
-    // Meant: after a full batch the glyphs that were queued before this string are taken off a second time,
-    // and what then lies before them is not drawn; with none before, nothing is missing.
+    // Deliberate: after a full batch the number of glyphs queued before this string is subtracted again, and
+    // as many glyphs at its end are not drawn; applications rely on what is shown.
     if (fontCachedCurrent > start) drawBatch(start, fontCachedCurrent - start);
     reset();
     return true;

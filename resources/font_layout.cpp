@@ -68,7 +68,7 @@ class LineBreaker {
         }
         if (!put(&c, 1)) return false;
         if (c == ' ' || c == '\n') remember();
-        // Meant, and kept for the heights that were laid out with it: a '\n' too advances, by a whole cell.
+        // Deliberate: a '\n' advances by a whole cell too; existing layouts rely on the heights.
         x += advance;
         return true;
     }
@@ -82,8 +82,8 @@ class LineBreaker {
         return true;
     }
 
-    // Meant: a remembered '\n' is taken for a break once more. That adds a height without a line, and the
-    // line goes on beyond the width; the second overflow of a long word meets it.
+    // Deliberate: a remembered '\n' is used as a break again, on the second overflow of a long word. That
+    // adds a height without a line, and the line exceeds the width; existing layouts rely on it.
     bool breakLine() {
         if (breakAt != kNowhere) {
             out[breakAt] = '\n';

@@ -66,8 +66,8 @@ void setColor(GLenum pname, const R3XVECTOR4D &color) {
 
 const keltra::OnNewContext forgetMaterial(KTMATERIAL::reset);
 
-// Blending and textures as the current material has left them: whatever else changes them is drawn with at
-// once, and the material is set anew.
+// Blending and textures as the current material left them: after any other change of them the material is set
+// again.
 unsigned int renderedStamp = 0;
 
 // GL refuses other values, and the error would be found at the end of the frame, far from the file that
@@ -180,7 +180,7 @@ bool KTMATERIAL::render(void *data) {
     timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
     if (currentMaterial == this && renderedStamp == keltra::surfaceStamp()) return true;
     bindShader(chooseShader(data));
-    // The stored alphas follow the transparency; whoever reads a colour back sees it.
+    // Deliberate: the stored alphas follow the transparency; applications read them back.
     ambient.w = diffuse.w = specular.w = emission.w = transparency;
     keltra::forgetInitialMaterial();
     setColor(GL_EMISSION, emission);

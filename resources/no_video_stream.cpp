@@ -1,6 +1,6 @@
 #include "resources/video_stream.h"
 
-// An engine without video opens no film, so the others have nothing to do.
+// An engine without video opens no film, so the other functions do nothing.
 
 namespace keltra {
 

@@ -112,7 +112,8 @@ bool KTSHADER::init() {
     return true;
 }
 
-// A start-up that fails later comes here without a `cleanUp`: what `init` made must not outlive it.
+// A start-up that fails later calls this without `cleanUp`: the objects made by `init` must be destroyed
+// here.
 bool KTSHADER::free() {
     for (KTSHADER **named : kNamed)
         if (*named) destroy(**named);

@@ -13,7 +13,7 @@ constexpr std::size_t kEscapeLength = 6;
 
 TextToken escapeToken(const char *text);
 
-// What stands at `text`, which is not at its end: a glyph, a whole escape, or a '^' that ends the text.
+// The kind of text at `text`, which is not at its end: a glyph, a whole escape, or a '^' that ends the text.
 inline TextToken textToken(const char *text) { return *text == '^' ? escapeToken(text) : TextToken::kGlyph; }
 
 // The number in a whole '^x' or '^y' escape.

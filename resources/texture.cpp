@@ -161,7 +161,7 @@ bool KTTEXTURE::load(const char *name) {
     if (std::strlen(name) >= sizeof filename) return scope.fail(KT_FAULT_FILE_NAME);
     keltra::TgaImage image;
     unsigned char *pixels = nullptr;
-    // A file that cannot be read is tried again at every render, and told once.
+    // A file that cannot be read is tried again at every render, and reported once.
     const bool isRead = readTga(scope, image, pixels);
     toldMissing = !isRead;
     if (!isRead) return false;
@@ -173,15 +173,16 @@ bool KTTEXTURE::load(const char *name) {
     bpp = image.bytesPerPixel;
     sizeX = image.sizeX;
     sizeY = image.sizeY;
-    // Four bytes a pixel whatever the depth, and also for a file that gave no pixels: the counters are meant
-    // so.
+    // Four bytes a pixel whatever the depth, and also for a file that gave no pixels: deliberate,
+    // applications' budgets are tuned to these counts.
     memory = sizeX * sizeY * 4;
     usedMemory += memory;
     keltra::copyText(filename, name);
     return true;
 }
 
-// Its file, once more. Told once, until it can be read; a name that is not a file's is not told.
+// Reads its file again. A failure is reported once, until the file can be read, and not at all for a name
+// that is not a file's.
 bool KTTEXTURE::loadAgain() {
     if (toldMissing || *filename == '[') {
         const keltra::FaultSilence silence;

@@ -39,7 +39,7 @@ bool KTTEXTURE::update() {
                              bitmap ? "there is no GL context" : "the texture has no bitmap");
 }
 
-// Without a fault: a texture that is rendered without its file goes on without it.
+// Without a fault: a texture is rendered even without its file.
 bool KTTEXTURE::upload() {
     const bool isTarget = bpp == 5 || bpp == 6;
     if (!isTarget && !bitmap) return false;
@@ -136,7 +136,7 @@ void KTTEXTURE::forgetDeletedGLTexture() {
     if (glId && !ownsGLTexture && deletionsSeen != deletions) deleteGLTexture();
 }
 
-// Whether an RGB picture of that size can be written to the image in GL, whatever sizes stand in the fields.
+// Whether an RGB picture of that size can be written to the image in GL, whatever the size fields hold.
 bool KTTEXTURE::takesPicture(unsigned int width, unsigned int height) {
     forgetDeletedGLTexture();
     return glId && uploadedBpp == 3 && uploadedX >= width && uploadedY >= height;
@@ -166,8 +166,8 @@ bool KTTEXTURE::garbageCollect(unsigned long limit) {
     unsigned int order = 0;
     for (KTTEXTURE *texture = firstRegistered(); texture; texture = texture->registeredNext(), ++order)
         candidates[order] = {texture, order};
-    // The newest go first. This is meant: a frame draws its textures in the same order each time, so when
-    // they do not all fit, evicting the oldest would evict just the one that is needed next.
+    // The newest go first. Deliberate: a frame draws its textures in the same order each time, so when they
+    // do not all fit, evicting the oldest would evict just the one that is needed next.
     std::sort(candidates, candidates + total, [](const Candidate &a, const Candidate &b) {
         return a.texture->timeStamp != b.texture->timeStamp ? a.texture->timeStamp > b.texture->timeStamp
                                                             : a.order < b.order;

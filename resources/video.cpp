@@ -71,8 +71,8 @@ void KTVIDEO::setLink(KTVIDEO &video, KTVIDEO *before, KTVIDEO *after) {
     video.next = after;
 }
 
-// A film that is open stays so, its file and decoder with it: meant, whoever took them out of the stream
-// keeps them. Closing is the application's act, `load(nullptr)`.
+// Deliberate: a film that is open keeps its file and decoder, which applications may have taken from the
+// stream. They close it with `load(nullptr)`.
 void KTVIDEO::letGo(KTVIDEO &video) {
     video.releaseTexture();
     keltra::releaseBlock(video.stream);
@@ -128,7 +128,7 @@ bool KTVIDEO::load(const char *name) {
     return true;
 }
 
-// Back to the beginning. Only a looping film goes on from there.
+// Back to the beginning, where only a looping film continues.
 bool KTVIDEO::startAgain() {
     const bool loops = status == KT_VIDEO_LOOPING;
     const keltra::FaultScope scope("KTVIDEO::update");
@@ -139,14 +139,14 @@ bool KTVIDEO::startAgain() {
 
 bool KTVIDEO::update(unsigned int steps) {
     if (!stream) return false;
-    // Only a film that could not be opened again at its end still stands there; rewinding it is one more try.
+    // Only a film that could not be opened again at its end is still there; rewinding it tries again.
     if (status == KT_VIDEO_REWINDING && stream->lastRead == 0) {
-        const keltra::FaultSilence told;
+        const keltra::FaultSilence silence;
         return load(filename);
     }
     if (status == KT_VIDEO_STOPPED || !stream->file) return false;
-    // The steps that are left at the end of a film are made from its beginning, whether it loops or stops:
-    // meant, a call always makes as many steps as it was asked for.
+    // Deliberate: the steps left at the end of a film are made from its beginning, whether it loops or stops;
+    // applications rely on the number of steps of a call.
     for (; steps; --steps) {
         keltra::VideoPicture picture;
         if (keltra::stepStream(*stream, picture)) show(picture.width, picture.height, picture.pixels);
@@ -155,8 +155,8 @@ bool KTVIDEO::update(unsigned int steps) {
     return true;
 }
 
-// The texture class's channels are not told that another texture is bound: deliberate, a film belongs to none
-// of them. A row is a multiple of 48 bytes long, so every unpack alignment will do.
+// Deliberate: the texture class's channels do not register the texture bound here; a film belongs to none of
+// them. A row is a multiple of 48 bytes long, so every unpack alignment will do.
 void KTVIDEO::show(unsigned int width, unsigned int height, const unsigned char *pixels) {
     if (!texture || !texture->takesPicture(width, height)) return;
     keltra::bindForUpload(texture->getGLId());

@@ -17,8 +17,8 @@ extern "C" {
 namespace keltra {
 namespace {
 
-// The decoder does not check where a slice ends: it reads on through what lies behind, and past its buffer
-// when all of that makes sense. Behind the buffer then come zeros, which no slice goes on with.
+// The decoder does not check where a slice ends: it reads on, and past its buffer when all that follows is
+// valid. So the buffer is followed by zeros, which end every slice.
 constexpr unsigned int kSliceMargin = 4096;
 
 // While one exists, the decoder's memory is cleared: damaged streams refer to pictures that were never
@@ -71,7 +71,7 @@ void skipSequence(KTVIDEOSTREAM &stream) {
     stream.sequence = nullptr;
 }
 
-// The RGB output has to be asked for at each sequence header.
+// The RGB output has to be requested at each sequence header.
 void beginSequence(KTVIDEOSTREAM &stream) {
     const mpeg2_sequence_t *sequence = stream.sequence;
     stream.converted = stream.begun = false;
