@@ -43,7 +43,7 @@ const unsigned int kVideoMemory = 8388608;
 
 }  // namespace
 
-// Start-up in steps. A nested class: some steps are open to the facade only.
+// Start-up in steps. A nested class: some steps are accessible to the facade only.
 struct KELTRA::STARTUP {
     struct Step {
         const char *name;
@@ -134,7 +134,7 @@ bool KELTRA::init(KTSETTINGS *settings) {
 // subsystems.
 bool KELTRA::free() {
     if (!active) return keltra::failState("KELTRA::free", keltra::kInactive);
-    // The call that made the fault goes on.
+    // The call that made the fault continues.
     if (keltra::isInFaultHandler()) return keltra::failState("KELTRA::free", "a fault handler is running");
     keltra::returnTimer(timer);
     timer = -1;

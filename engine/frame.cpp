@@ -20,7 +20,7 @@
 
 namespace {
 
-// The table of targets is empty as long as nothing fills it.
+// Nothing fills the table of targets yet.
 void renderTo(int target) {
     if (KTFBO *fbo = KTOPENGL::getFbo(target)) fbo->render(nullptr);
 }

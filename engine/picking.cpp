@@ -27,7 +27,7 @@ unsigned int codeOf(const Pixel &pixel) {
     return red | green << 8 | blue << 16 | alpha << 24;
 }
 
-// What is drawn leaves the colour of its code, the application's nodes by whatever calls.
+// Everything drawn leaves the colour of its code, also nodes of the application with GL calls of their own.
 void renderPickable() {
     const keltra::Color color = keltra::getColor();
     bool drawn = false;
@@ -49,7 +49,8 @@ void pushMatrices() {
     KT_glPushMatrix();
 }
 
-// A pixel projection is set up and at once replaced by the pops: kept so, for the viewports between them.
+// Deliberate: a pixel projection is set up and at once replaced by the pops; applications rely on the
+// viewport set between them.
 void restoreMatrices(int savedWidth) {
     float right = static_cast<float>(KTSETTINGS::windowX), bottom = static_cast<float>(KTSETTINGS::windowY);
     keltra::setDepthTest(false);
@@ -69,7 +70,7 @@ void restoreMatrices(int savedWidth) {
 }  // namespace
 
 unsigned int KELTRA::select(int x, int y) {
-    // In 64 bits and cut: any two ints may come in.
+    // In 64 bits and clamped: the arguments may be any ints.
     long long height = KTSETTINGS::windowY;
     int across = KTSETTINGS::landscape ? static_cast<int>(height - y) : x;
     int row = static_cast<int>(height - (KTSETTINGS::landscape ? x : y));

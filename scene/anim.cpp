@@ -94,11 +94,11 @@ void KTANIM::setNumberOfBones(unsigned int count) {
     numberOfBones = static_cast<std::uint16_t>(std::min(count, maxBones));
 }
 
-// The counts are open to the application; whatever stands there, nothing beyond the grid is touched.
+// The counts are public: whatever their values, nothing beyond the grid is accessed.
 unsigned int KTANIM::bones() const { return std::min<unsigned int>(numberOfBones, maxBones); }
 unsigned int KTANIM::frames() const { return std::min<unsigned int>(numberOfFrames, maxFrames); }
 
-// False even when the name was set: applications ported from earlier versions rely on it.
+// Deliberate: false even when the name was set; applications ported from earlier versions rely on it.
 bool KTANIM::setBoneName(unsigned int index, const char *text) {
     const char *const call = "KTANIM::setBoneName";
     if (!text) return keltra::failNull(call, "text");
@@ -137,7 +137,7 @@ bool KTANIM::acquireStructure(KTMESH *mesh) {
     return true;
 }
 
-// The frame one past the last is accepted: meant, interpolation up to the end takes its goal from there.
+// Deliberate: the frame one past the last is accepted; interpolation up to the end uses it as its target.
 KTBONEFRAME *KTANIM::settable(unsigned int frame, unsigned int bone) {
     return frame <= frames() && bone < bones() ? &keyframes[frame][bone] : nullptr;
 }

@@ -36,7 +36,7 @@ class Writer {
             u16(bits >> 16);
         }
     }
-    // False when anything was not written.
+    // False when a write failed.
     bool close() { return file && std::fclose(file) == 0 && good; }
 
    private:

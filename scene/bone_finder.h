@@ -8,8 +8,8 @@
 
 namespace keltra {
 
-// Finds the nodes below a root that drive bones, while nobody renames or moves them. The tree is walked once,
-// at the first skin, and a node's bind matrix is computed once, however many bones it drives.
+// Finds the nodes below a root that drive bones, while they are neither renamed nor moved. The tree is walked
+// once, at the first skin, and a node's bind matrix is computed once, however many bones it drives.
 class BoneFinder {
    public:
     explicit BoneFinder(KTNODE *root) : root(root), filled(false), whole(true) {}

@@ -43,11 +43,11 @@ bool KTCAMERA::render(void *) {
         KT_glLoadIdentity();
         lookAt(eye, point);
     } else if (transformMode == 1) {
-        // The matrix is not inverted: meant, it is a view matrix already.
+        // Deliberate: the matrix is not inverted; applications give a view matrix.
         KT_glMultMatrixf(matrix.m);
     } else {
-        // Z, X, Y is meant, unlike the X, Y, Z of other nodes: first-person views turn about Y, then look up
-        // or down.
+        // Deliberate: Z, X, Y, unlike the X, Y, Z of other nodes; first-person views turn about Y, then look
+        // up or down.
         KT_glRotatef(-rotation.z, 0.0f, 0.0f, 1.0f);
         KT_glRotatef(-rotation.x, 1.0f, 0.0f, 0.0f);
         KT_glRotatef(-rotation.y, 0.0f, 1.0f, 0.0f);

@@ -37,19 +37,19 @@ unsigned int KTELEMENT::numberOfTransparencies = 0;
 namespace {
 
 unsigned int starts = 0;
-// What lacks room in one frame lacks it in the next: told once, until the list is made anew.
-bool listTold = false, skinsTold = false;
+// An overflow repeats in every frame: reported once, until the list is restarted.
+bool listReported = false, skinsReported = false;
 
-[[gnu::noinline]] void warnOnce(bool &told, const char *what, unsigned int most) {
-    if (told) return;
-    told = true;
+[[gnu::noinline]] void warnOnce(bool &reported, const char *what, unsigned int most) {
+    if (reported) return;
+    reported = true;
     keltra::warnFull("KTELEMENT::pass", what, most);
 }
 
 // Always false.
 [[gnu::noinline]] bool noteFullList() {
     if (!KTELEMENT::active) return keltra::failState("KTELEMENT::pass", keltra::kInactive);
-    warnOnce(listTold, "render list", KTELEMENT::numberOfElements);
+    warnOnce(listReported, "render list", KTELEMENT::numberOfElements);
     return false;
 }
 
@@ -130,7 +130,7 @@ bool KTELEMENT::init(unsigned int n) {
     for (unsigned int i = 0; i < capacity; ++i) elementPointer[i] = new (&element[i]) KTELEMENT;
     numberOfElements = capacity;
     ++starts;
-    listTold = skinsTold = false;
+    listReported = skinsReported = false;
     active = true;
     return true;
 }
@@ -160,8 +160,8 @@ bool KTELEMENT::pass(KTNODE *root, bool) {
     if (!root) return keltra::failNull("KTELEMENT::pass", "node");
     if (numberOfPassedElements >= numberOfElements) return noteFullList();
     Levels levels;
-    const KTNODE *refused =
-        nullptr;  // came when the list was full; it has no level, and its children do not come
+    // Did not fit on the list: it has no level, and its children are not passed.
+    const KTNODE *refused = nullptr;
     auto enter = [&](KTNODE *node, unsigned int depth) -> unsigned int {
         if (depth > 0) node->timeStamp = static_cast<unsigned int>(KTENGINESTATE::timeStamp);
         if (numberOfPassedElements >= numberOfElements) {
@@ -204,16 +204,17 @@ void KTELEMENT::append(KTNODE *node) {
     if (transparent) ++numberOfTransparencies;
 }
 
-// The bones are taken relative to the frame of the mesh's parent, over the parent's whole subtree.
+// Bone matrices are relative to the frame of the mesh's parent; bones are collected from its whole subtree.
 void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
     if (KTMESH::usedSlots >= KTMESH::maxSkins || !KTMESH::boneMatrices) {
         entry.param1 = KTMESH::maxSkins;
-        warnOnce(skinsTold, "skinned meshes of a frame", KTMESH::maxSkins);
+        warnOnce(skinsReported, "skinned meshes of a frame", KTMESH::maxSkins);
         return;
     }
     bool pushed = keltra::pushMatrix();
     KT_glLoadIdentity();
-    // Bones that the walk does not meet rest, instead of following whoever had the slot in an earlier frame.
+    // Bones outside of the walk get the identity instead of the matrices that an earlier frame left in the
+    // slot.
     std::fill_n(currentSlot(), pooledBones(*mesh), R3XMATRIX());
     if (mesh->parent) passSkeleton(mesh->parent, mesh);
     KTMESH::slotMesh[KTMESH::usedSlots] = mesh;

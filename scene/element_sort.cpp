@@ -14,8 +14,9 @@ namespace {
 
 enum Rank { kLight, kOpaque, kTransparent };
 
-// By the transparency value, while KTELEMENT::append counts by KTMATERIAL::isTransparent: two separate tests,
-// both meant. When they disagree, the back-to-front sort covers as many entries as were counted.
+// By the transparency value, while KTELEMENT::append counts by KTMATERIAL::isTransparent: two separate tests.
+// When they disagree, the back-to-front sort covers as many entries as were counted. Deliberate: applications
+// rely on the drawing order.
 Rank rankOf(const KTNODE *node) {
     if (!node) return kOpaque;
     if (node->type == KT_LIGHT) return kLight;

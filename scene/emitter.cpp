@@ -68,7 +68,7 @@ void freeRecords(T *&records) {
     records = nullptr;
 }
 
-// A number is drawn for a maximum of 0 too, so that the others stay the same.
+// A random number is taken for a maximum of 0 too, so that the others stay the same.
 float randomBelow(unsigned int maximum) {
     const unsigned int number = static_cast<unsigned int>(std::rand());
     return maximum ? static_cast<float>(number % maximum) : 0.0f;
@@ -94,8 +94,8 @@ R3XVECTOR3D randomAlong(const R3XVECTOR3D &direction, unsigned int maximum) {
     return R3XVECTOR3D(x, y, randomBelow(maximum) * direction.z);
 }
 
-// The low byte of the truncated product: components beyond 1 wrap around, which is meant. What no integer
-// holds is a multiple of 256, or not a number.
+// The low byte of the truncated product. Deliberate: components beyond 1 wrap around; emitter files rely on
+// it. A product beyond any integer is a multiple of 256, or not a number.
 unsigned char colorByte(float component) {
     const float value = component * 255.0f;
     if (!(std::fabs(value) < 9.0e18f)) return 0;
@@ -108,7 +108,7 @@ void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
     for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(bytes + i * kColorBytes, rgba, sizeof rgba);
 }
 
-// The position is scaled like the square, which is meant: emitter files count on it.
+// Deliberate: the position is scaled like the square; emitter files rely on it.
 void writeCorners(const R3XVECTOR3D &position, float scale, R3XVECTOR3D right, R3XVECTOR3D up,
                   R3XVECTOR4D *corners) {
     const R3XVECTOR3D middle = position * scale;
@@ -195,7 +195,7 @@ void KTEMITTER::joinEmitters() {
     firstEmitter = this;
 }
 
-// Everything but the particles, which stay the other's.
+// Copies everything but the particles, which the other keeps.
 void KTEMITTER::copyEmitter(const KTEMITTER &other) {
     emitterType = other.emitterType;
     initialized = false;
@@ -320,7 +320,8 @@ void KTEMITTER::releaseSlots(unsigned int kept) {
     }
 }
 
-// With too few free records the emitter makes do with what it has, and does not ask again.
+// Deliberate: with too few free records the emitter keeps those that it got and does not retry; applications
+// rely on success.
 bool KTEMITTER::initialize() {
     if (!particle) return keltra::failState("KTEMITTER::initialize", keltra::kInactive);
     if (numberOfParticles != clampedNumber(numberOfParticles))
@@ -366,7 +367,8 @@ bool KTEMITTER::updateParticle(KTPARTICLE *spawned) {
     return true;
 }
 
-// The centre is subtracted, unlike the rectangle's, and its height is not used: both are meant.
+// Deliberate: the centre is subtracted, unlike the rectangle's, and its height is not used; emitter files
+// rely on both.
 void KTEMITTER::placeOnDisc(KTPARTICLE &spawned) const {
     const float a = randomWithin(radius);
     // The sine of the arc cosine of a / radius, times the radius. A disc without a radius is a point.
@@ -424,7 +426,7 @@ void KTEMITTER::updateParticles() {
             advance(*held, billboard, corners, colors);
             continue;
         }
-        // Drawn all the same, as nothing: in the last corner before it, where no triangle has an area.
+        // Drawn with no area: all of it at the last corner before it.
         std::fill(corners, corners + kCorners, i ? corners[-1] : R3XVECTOR4D());
         std::memset(colors, 0, kCorners * kColorBytes);
     }
@@ -444,14 +446,16 @@ void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR
     }
     const float ratio = moved.initialEnergy != 0.0f ? moved.energy / moved.initialEnergy : 0.0f;
     const R3XVECTOR3D rgb = colorEnd - colorDelta * ratio;
-    moved.color.set(rgb.x, rgb.y, rgb.z, moved.energy);  // the energy itself, not its ratio: meant
+    // Deliberate: alpha is the energy itself, not its ratio; emitter files rely on it.
+    moved.color.set(rgb.x, rgb.y, rgb.z, moved.energy);
     moved.spinAngle += moved.spinSpeed * billboard.time;
     writeColor(moved.color, colors);
     moved.energy -= kEnergyLoss * billboard.time;
     if (!(moved.energy > 0.0f)) updateParticle(&moved);
 }
 
-// Four vertices a particle as a list of triangles: meant, see the header.
+// Deliberate: four vertices a particle as a list of triangles; textures of emitters are made for it, see the
+// header.
 void KTEMITTER::draw() {
     if (texture)
         texture->render(nullptr);

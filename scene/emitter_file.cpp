@@ -13,7 +13,7 @@
 
 namespace {
 
-// An attribute that is missing leaves its value as it is; text that is no number is 0.
+// An attribute that is missing leaves its value as it is; text that is not a number is 0.
 void readInteger(const TiXmlElement &element, int &value) {
     if (const char *text = element.Attribute("value")) value = keltra::xmlInteger(text);
 }
@@ -78,7 +78,8 @@ bool readReals(KTEMITTER &emitter, const char *key, const TiXmlElement &element)
     return found;
 }
 
-// The "center" of a file is the node's place, not the centre that particles are born at: meant.
+// Deliberate: the "center" of a file is the node's position, not the centre of the new particles; emitter
+// files rely on it.
 bool readVectors(KTEMITTER &emitter, const char *key, const TiXmlElement &element) {
     const struct {
         const char *key;

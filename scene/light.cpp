@@ -22,8 +22,8 @@ const float kLargest = 32767.998f;  // that 16.16 holds
 
 const keltra::OnNewContext forgetLighting([] { KTLIGHT::lighting = false; });
 
-// What the GL refuses is not sent, since the error would be found far from the file that caused it; and what
-// an earlier light has left in the unit must not take its place. As the GL reads it, in 16.16.
+// A value that the GL refuses is replaced: its error would be found far from the file that caused it, and the
+// value of an earlier light must not remain. As the GL reads it, in 16.16.
 float withinCutOff(float degrees) {
     const GLfixed fixed = keltra::toFixed(degrees);
     return fixed >= 0 && fixed <= keltra::toFixed(kWidestCone) ? degrees : kNoCutOff;
@@ -89,7 +89,7 @@ bool KTLIGHT::activateNearest(KTELEMENT *element) {
     KTELEMENT::sortLights(element->matrix.getTranslation());
     for (unsigned int i = 0; i < KTELEMENT::nearestLights && i < KTELEMENT::numberOfLights; ++i) {
         KTELEMENT *light = KTELEMENT::getLight(i);
-        // A mesh under a light's code would ask for its own lights here, and so on without end.
+        // A mesh with a light's type code would sort its own lights here, and recurse without end.
         if (!light->node || light->node->type != KT_LIGHT || keltra::as<KTMESH>(light->node)) return false;
         light->setParam1(i);
         light->node->render(light);
@@ -105,8 +105,8 @@ bool KTLIGHT::render(void *data) {
         return keltra::failRange("KTLIGHT::render", "param1", element->param1, kGlLights - 1);
 
     R3XVECTOR3D eye = transformMode == 1 ? matrix.getTranslation() : position;
-    // The fourth component differs, 0 here and 1 there: meant, a light that aims at a node close by gets a
-    // shorter direction, and scenes have been lit with it.
+    // Deliberate: the fourth component differs, 0 here and 1 there. A light that aims at a node close by gets
+    // a shorter direction; scenes have been lit with it.
     if (targetNode == this)
         direction = directionTo(target, eye, 0.0f);
     else if (targetNode)

@@ -141,7 +141,7 @@ void KTMESH::setMaterial(KTMATERIAL *value) {
     holdsMaterial = value != nullptr;
 }
 
-// Copies too refer to a material, so every mesh in existence is asked.
+// Copies refer to a material too, so every existing mesh is checked.
 void KTMESH::forgetMaterial(const KTMATERIAL *gone) {
     // A pointer to the protected member, taken through this class, may be used on any node.
     KTNODE *(KTREGISTERED<KTNODE>::*next)() const = &KTMESH::nextAlive;

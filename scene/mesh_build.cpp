@@ -73,8 +73,8 @@ bool buildGeometry(KTMESH &mesh, const keltra::MeshRecord &record) {
         convertToFixed(record.normals, mesh.vertexNormals, record.vertexCount * 3);
     }
     if (record.uvCount) {
-        // Only one pair for each vertex is converted: meant, no face reaches the pairs beyond, which stay as
-        // they were.
+        // Deliberate: only one pair for each vertex is converted; no face uses the others, and applications
+        // find them as the file has them.
         mesh.uvs = reinterpret_cast<std::int32_t *>(block + layout.uvs);
         std::memcpy(mesh.uvs, record.uvs, record.uvCount * keltra::kUVSize);
         convertToFixed(record.uvs, mesh.uvs, record.vertexCount * 2);

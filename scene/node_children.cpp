@@ -32,7 +32,7 @@ void KTNODE::borrow(KTNODE *listingNode) {
     firstBorrower = this;
 }
 
-// Makes room for `count` children, all empty, in place of the present ones. False when memory is out.
+// Makes room for `count` children, all empty, in place of the present ones. False when out of memory.
 bool KTNODE::allocateChildren(unsigned int count) {
     KTNODE **block = count ? newChildren(count) : nullptr;
     if (count && !block) return false;
@@ -54,8 +54,8 @@ KTNODE *KTNODE::getChild(unsigned int index) const {
 }
 
 // Index of a child, or the number of children when it is not listed. Children in front of one that was
-// unlinked from the front half may stand behind where they are expected, the others before it: the search
-// goes outward. Destroying many children of one parent, or unlinking them from either end, takes one look
+// unlinked from the front half may be behind their expected index, the others before it: the search goes
+// outward. Destroying many children of one parent, or unlinking them from either end, takes one comparison
 // each.
 unsigned int KTNODE::findChild(const KTNODE *child) const {
     if (!children || numberOfChildren == 0) return numberOfChildren;
@@ -76,7 +76,7 @@ void KTNODE::leaveLister() {
     if (index < listing->numberOfChildren) listing->children[index] = nullptr;
 }
 
-// The children are about to be listed no more, but keep this node as their parent.
+// Called before the children leave the list; they keep this node as their parent.
 void KTNODE::abandonChildren() {
     for (unsigned int i = 0; i < numberOfChildren; ++i) {
         KTNODE *child = getChild(i);

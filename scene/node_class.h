@@ -1,8 +1,7 @@
 #ifndef KELTRA_SCENE_NODE_CLASS_H
 #define KELTRA_SCENE_NODE_CLASS_H
 
-// From a node to its class. The type code does not tell: applications set it, and a node that another was
-// assigned to carries the other's.
+// From a node to its class. The type code is not enough: applications set it, and assigning a node copies it.
 
 #include <keltra/node.h>
 

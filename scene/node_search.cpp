@@ -6,7 +6,7 @@
 
 namespace {
 
-// The first character decides for most names that an application gives, without a call.
+// The first character rejects most names without a call.
 bool isNamed(const KTNODE &node, const char *name) {
     return node.name[0] == name[0] && std::strcmp(node.name, name) == 0;
 }

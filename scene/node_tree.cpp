@@ -71,7 +71,7 @@ bool KTNODE::remove() {
     std::copy_n(children, count, handed);
     bool complete = true;
     {
-        const keltra::FaultSilence silence;  // told once below, however many fail
+        const keltra::FaultSilence silence;  // reported once below, however many fail
         for (unsigned int i = 0; i < count; ++i) {
             KTNODE *child = handed[i];
             if (!child) continue;
@@ -98,7 +98,7 @@ R3XMATRIX KTNODE::getFinalMatrix(const char *stopName) {
     while (count > 0) keltra::applyLocalTransform(*ancestors[--count]);
     keltra::applyLocalTransform(*this);
     KT_glGetFloatv(0, result.m);
-    // On a full stack the push was ignored and the caller's own matrix gave way.
+    // On a full stack the push was ignored and the caller's own matrix was overwritten.
     if (pushed)
         keltra::popMatrix();
     else

@@ -3,7 +3,7 @@
 
 namespace keltra {
 
-// How often the render list was started: what was remembered of an earlier one is out of date.
+// How often the render list was started: pointers kept from an earlier start are invalid.
 unsigned int renderListStarts();
 
 }  // namespace keltra

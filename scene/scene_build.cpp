@@ -36,10 +36,10 @@ struct Resources {
                                         KTSHADER::findByName};
     keltra::NameIndex<KTMATERIAL> materials{[](const KTMATERIAL &one) -> const char * { return one.name; },
                                             KTMATERIAL::findByName};
-    keltra::NameTable missing;  // textures that could not be read, which is told once
+    keltra::NameTable missing;  // textures that could not be read, each reported once
 };
 
-// The texture of that file; null when it cannot be read, which is told as a warning.
+// The texture of that file; null, with a warning, when it cannot be read.
 KTTEXTURE *acquireTexture(Resources &resources, const char *name) {
     if (KTTEXTURE *known = resources.textures.find(name)) return known;
     KTTEXTURE *texture = new (std::nothrow) KTTEXTURE;
@@ -54,7 +54,7 @@ KTTEXTURE *acquireTexture(Resources &resources, const char *name) {
 }
 
 // The normal map's name is the texture's with its last six characters replaced, "stone_d.tga" gives
-// "stone_n.tga". Meant as it is: "stone.tga" gives "sto_n.tga".
+// "stone_n.tga". Deliberate: "stone.tga" gives "sto_n.tga"; scenes name their files so.
 KTTEXTURE *acquireNormalMap(Resources &resources, const char *textureName) {
     char name[keltra::kNameSize];
     const std::size_t length = std::strlen(textureName);
@@ -78,8 +78,8 @@ KTSHADER *acquireShader(Resources &resources, const char *name) {
     return shader;
 }
 
-// A material that exists keeps its values; the textures and the shader of the record are loaded all the same,
-// which applications use to bring in textures ahead of time.
+// Deliberate: a material that exists keeps its values, but the textures and the shader of the record are
+// loaded; applications load textures in advance this way.
 bool buildMaterial(Resources &resources, const keltra::MaterialRecord &record) {
     KTTEXTURE *texture = nullptr, *normalMap = nullptr;
     if (std::strcmp(record.texture, kNone) != 0) {
@@ -135,7 +135,7 @@ void destroyBeyond(unsigned int kept, T *object) {
     }
 }
 
-// A node goes before its children, which then no longer look for it.
+// Nodes are destroyed before their children, which then need not search the parent.
 void destroyNodesFrom(KTNODE *first) {
     while (first) {
         KTNODE *next = first->getNextNode();
@@ -184,7 +184,8 @@ KTNODE *buildLight(const keltra::LightRecord &record) {
     light->setDirection(R3XVECTOR3D(record.direction));
     light->setTarget(light->position + light->direction);
     light->setCutOff(record.cutOff);
-    // The alphas of 0.2 and 0.1 are meant: the shares count for all four components.
+    // Deliberate: alphas of 0.2 and 0.1, since the factors apply to all four components; scenes have been lit
+    // with them.
     light->setAmbient(0.2f * r, 0.2f * g, 0.2f * b, 0.2f);
     light->setDiffuse(r, g, b, 1.0f);
     light->setSpecular(0.1f * r, 0.1f * g, 0.1f * b, 0.1f);
@@ -249,7 +250,8 @@ class TreeBuilder {
                 return nullptr;
             }
             node->parent = above;
-            // A caller's parent does not list the root, so it would not tell it when it is destroyed.
+            // The caller's parent does not list the root, and could not clear this pointer when it is
+            // destroyed.
             if (depth == 0 && above) node->borrow(nullptr);
             if (depth > 0) {
                 Step &step = path[depth - 1];

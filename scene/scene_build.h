@@ -14,7 +14,7 @@ namespace keltra {
 KTNODE *buildScene(const SceneContents &contents);
 
 // Builds the node record at `buffer + *cursor`, of version 1.6a, and its subtree, and moves the cursor behind
-// them. Whole records are trusted to stand there. Null on bad data or when out of memory.
+// them. The caller guarantees whole records. Null on bad data or when out of memory.
 KTNODE *buildTrustedTree(const char *buffer, long *cursor, KTNODE *parent);
 
 // Binds the skins of all meshes below `node` to the bones below `root`.

@@ -82,13 +82,12 @@ class ScalarSkin {
 
 #if defined(KELTRA_SKIN_AVX2)
 // Three rows at a time. The multiplication reads the low 32 bits of each 64-bit lane, with their sign, and of
-// its result only bits 16 to 47 are ever used: what stands above them does not matter, nor does the kind of
-// shift.
+// its result only bits 16 to 47 are ever used: the bits above them do not matter, nor does the kind of shift.
 class Avx2Skin {
    public:
     struct alignas(32) Bone {
-        std::int64_t columns[4]
-                            [4];  // X, Y, Z; the translation stands 16 bits up and is added before the shift
+        // X, Y, Z and the translation, which is stored shifted up by 16 bits and added before the shift.
+        std::int64_t columns[4][4];
     };
 
     static bool isSupported() { return __builtin_cpu_supports("avx2"); }

@@ -15,7 +15,7 @@ namespace {
 
 const char kReferenceFrame[] = "HumanoidRoot";
 
-// For a mesh that got no slot `KTELEMENT::pass` has told so. Always false.
+// `KTELEMENT::pass` has reported a mesh without a slot. Always false.
 bool refuseSlot(unsigned int slot) {
     const char *const call = "KTMESH::animate";
     if (slot > KTMESH::maxSkins) return keltra::failRange(call, "slot", slot, KTMESH::maxSkins - 1);

@@ -16,8 +16,8 @@ const unsigned int kMaxBorrowed = 2;
 // depth)` comes first, `leave(node, depth)` after the node's children. Returns the node at which `enter`
 // stopped the walk, or null. A node has one parent, so a cycle made by linking a node below itself leads back
 // to `root` first: there it is cut. A copy shows its original's children, whose parent it is not. Such
-// children within such children are the last ones: copies linked below what they show would go on for ever,
-// or for as many steps as there are orders of the children.
+// children within such children are the last ones: the walk of copies linked below what they show would not
+// end, or take as many steps as there are orders of the children.
 template <class Enter, class Leave>
 KTNODE *walkTree(KTNODE *root, Enter enter, Leave leave) {
     struct Step {
