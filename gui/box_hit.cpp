@@ -3,7 +3,7 @@
 #include "gui/geometry.h"
 #include "gui/window_around.h"
 
-// Both edges belong to the box: 64 pixels answer to 65 columns, which is meant.
+// Deliberate: both edges belong to the box, so 64 pixels react to 65 columns; applications rely on it.
 bool KTBOX::checkBoundaries(int x, int y) {
     if (!checkStatus) return false;
     KTWINDOW *window = type == KT_WINDOW ? nullptr : keltra::windowAround(*this);

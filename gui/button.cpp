@@ -20,7 +20,7 @@ bool fits(const KTFONT &font, const char *text, int width) {
 
 }  // namespace
 
-// A caption that is not taken is a warning: the widget shows the one that it has.
+// A caption that is refused is a warning: the widget keeps the one that it has.
 void keltra::takeCaption(KTBUTTON &button, const char *text, const char *call) {
     const FaultOptional optional;
     takeName(button.caption, text, call);

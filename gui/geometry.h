@@ -38,7 +38,7 @@ struct Origin {
     float x, y;
 };
 
-// Where a node's own position counts from.
+// The origin of a node's own position.
 inline Origin originOf(const KTNODE &node) {
     Origin origin = {0.0f, 0.0f};
     forAncestors(node, [&origin](const KTNODE *ancestor) {

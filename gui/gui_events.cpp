@@ -11,7 +11,7 @@
 
 namespace {
 
-// What is remembered from one call to the next. `extra` is kept for nobody.
+// State kept between calls. `extra` is stored and never read.
 struct {
     int x, y, pressed, extra;
     KTBOX *active;  // pressed and held
@@ -42,7 +42,7 @@ Pointer readPointer(int x, int y, int pressed, int extra) {
     return {x, y, dx, dy, pressed, extra};
 }
 
-// Boxes that were held before the render list was started anew are of an earlier run.
+// Boxes held before the render list was restarted belong to an earlier run.
 void forgetEarlierRun() {
     const unsigned int starts = keltra::renderListStarts();
     if (last.listStarts == starts) return;
@@ -88,7 +88,7 @@ KTBOX *pick(const Pointer &pointer) {
     return best;
 }
 
-// A title bar takes its window along.
+// Dragging a title bar moves its window.
 void drag(KTBOX *box, const Pointer &pointer) {
     if (box->staticStatus || (pointer.dx == 0 && pointer.dy == 0)) return;
     int dx = pointer.dx, dy = pointer.dy;
@@ -134,7 +134,7 @@ bool KTELEMENT::manageGUIEvents(char key, int x, int y, int pressed, int extra, 
     if (last.focused) last.focused->manageKey(key);
     if (last.active && !pressed) release(pointer, activatedId);
 
-    // A pointer that was pressed beside every widget picks none on its way.
+    // A pointer that was pressed outside all widgets selects none while it moves.
     KTBOX *target = nullptr;
     if (last.active) {
         target = last.active;

@@ -33,7 +33,7 @@ KTNODE *makeWidget() {
 
 using MakeWidget = KTNODE *(*)();
 
-// In the order of the objects; a font is no widget.
+// In the order of the objects; a font is not a widget.
 const MakeWidget kMakers[] = {makeWidget<KTWINDOW>,    makeWidget<KTBUTTON>, makeWidget<KTTEXTFIELD>,
                               makeWidget<KTLABEL>,     makeWidget<KTBOX>,    makeWidget<KTVSCROLLBAR>,
                               makeWidget<KTHSCROLLBAR>};
@@ -49,8 +49,8 @@ struct Resources {
                                     KTFONT::findByName};
 };
 
-// What a property applies to. A font takes those that are meant for one; all others inside it apply to the
-// widget around it.
+// What a property applies to. A font takes those of fonts; all others inside it apply to the widget around
+// it.
 struct Target {
     KTFONT *font;
     KTNODE *widget;
@@ -121,7 +121,7 @@ void readFontReference(const TiXmlElement &property, const Target &target) {
     const char *name = property.Attribute("ref");
     if (!name) return;
     KTFONT *font = target.resources->fonts.find(name);
-    // A font that is being read may still be renamed, so it comes to the index when it is complete.
+    // A font that is being read may still be renamed, so it is indexed when complete.
     if (!font && target.font && std::strcmp(target.font->name, name) == 0) font = target.font;
     if (!font) tellUnknownFont(name);
     if (KTWINDOW *window = target.as<KTWINDOW>(KT_WINDOW)) window->setFont(font);
@@ -158,8 +158,8 @@ void readKerning(const TiXmlElement &property, const Target &target) {
     target.font->loadKerning(file);
 }
 
-// The value is a format string from a file, and there are no arguments for it: "%%" stands for a percent
-// sign, and every other conversion is what it looks like. What exceeds the array fits no widget either.
+// The value is a format string from a file, and there are no arguments for it: "%%" is a percent sign, and
+// every other conversion is literal text. A value longer than the array fits no widget either.
 void translateFormat(const char *format, char (&text)[4096]) {
     std::size_t length = 0;
     for (; *format && length < sizeof text - 1; ++format) {
@@ -221,7 +221,7 @@ class InterfaceReader {
     InterfaceReader(keltra::FaultScope &scope, bool hasLines)
         : scope(scope), hasLines(hasLines), objects(0) {}
 
-    // Reads `top` and what is nested in it. The path stands in an array: the device's stack is small.
+    // Reads `top` and what is nested in it. The path is kept in an array: the device's stack is small.
     void read(KTNODE *parent, const TiXmlNode *top) {
         KTNODE *widgets[keltra::kMaxXmlNesting];
         unsigned int depth = 0;

@@ -47,7 +47,8 @@ bool KTLABEL::write(const char *format, ...) {
     return true;
 }
 
-// Without a window around it a label is not clipped, and no scissor rectangle is set: meant, boxes differ.
+// Deliberate: a label outside of windows is not clipped and sets no scissor rectangle, unlike a box;
+// applications rely on it.
 bool KTLABEL::render(void *data) {
     if (!displayStatus) return true;
     const keltra::Unlit unlit;

@@ -35,10 +35,10 @@ KTTEXTFIELD::KTTEXTFIELD(const KTTEXTFIELD &other) : KTBUTTON(other) {
 
 KTTEXTFIELD::~KTTEXTFIELD() {}
 
-// The new character counts with its kerning, not with its width: meant, the last one may reach into the right
-// margin.
+// Deliberate: the new character counts with its kerning, not with its width, so the last one may reach into
+// the right margin; applications rely on how much text fits.
 bool KTTEXTFIELD::manageKey(char key) {
-    // Key 0 is none, and comes in each frame.
+    // Key 0 means no key, and is passed in each frame.
     if (!font) return key && keltra::failState("KTTEXTFIELD::manageKey", "the text field has no font");
     focused = true;
     std::size_t length = std::strlen(caption);
@@ -55,8 +55,8 @@ bool KTTEXTFIELD::manageKey(char key) {
     return true;
 }
 
-// The button draws its caption and the field draws its text over it: meant, text that is too long for the
-// field shows as a button's caption does. The field's own part is clipped as the button's is.
+// Deliberate: the button draws its caption and the field draws its text over it; applications rely on text
+// too long for the field showing as a button's caption. Both are clipped alike.
 bool KTTEXTFIELD::render(void *data) {
     const keltra::Unlit unlit;
     KTBUTTON::render(data);

@@ -15,7 +15,7 @@ namespace keltra {
 // A box of any type code: applications give the classes that they derive codes of their own.
 inline KTBOX *asBox(KTNODE *node) { return as<KTBOX>(node); }
 
-// While it lives, what is drawn has its own colours also where a 3D pass has lights.
+// Switches lighting off while it exists, so that widgets keep their colours in a lit 3D pass.
 class Unlit {
    public:
     Unlit() : wasLit(KTLIGHT::getLighting()) { KTLIGHT::lightingOff(); }
@@ -35,7 +35,7 @@ void loadEntryMatrix(void *entry);
 // Draws the bevelled border of a rectangle of the box's colour, `width` x `height` from the current origin.
 void drawBorder(const KTBOX &box, std::int64_t width, std::int64_t height, bool sunken);
 
-// setCaption of buttons and windows, in the name of `call`.
+// setCaption of buttons and windows; reports faults of `call`.
 void takeCaption(KTBUTTON &button, const char *text, const char *call);
 
 }  // namespace keltra

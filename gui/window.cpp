@@ -33,15 +33,15 @@ const unsigned int kFirstWidget = 2;  // children before it are the title bar an
 const unsigned int kWriteBuffer = 4000;
 const char kFoldedMark[] = "[+] ";
 const std::size_t kMarkLength = sizeof kFoldedMark - 1;
-const float kScrollSlack =
-    0.01f;  // of the scroll offset is added to the contents on purpose: room below the last widget
+// This part of the scroll offset is added to the contents, as room below the last widget.
+const float kScrollSlack = 0.01f;
 
 // Twice the text and its end: each character may get a line break of its own.
 char wrapped[2 * KTWINDOW::textSize];
 
-// Where the bottom of a child shows the contents to be higher than `height`, the height that holds it.
-// Children stand at their scrolled places, so what they were moved by is added. A label is asked with the
-// offset of this frame and any other child with that of the frame before: meant.
+// The larger of `height` and the height that holds the child. Children are at their scrolled positions, so
+// the offset is added: that of this frame for a label, that of the frame before for any other child.
+// Deliberate: applications rely on the scroll range.
 int growByChild(const KTWINDOW &window, KTNODE &child, int height) {
     float y = child.position.y, scrolled = static_cast<float>(window.previousScroll);
     if (child.type == KT_LABEL) {
@@ -179,7 +179,7 @@ bool KTWINDOW::format() {
     return true;
 }
 
-// A caption that the mark would make too long stays, and loses its own first characters when the window is
+// A caption too long to take the mark stays as it is, and loses its own first characters when the window is
 // unfolded.
 bool KTWINDOW::minmaximize() {
     maximized = !maximized;

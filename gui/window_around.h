@@ -10,7 +10,7 @@
 
 namespace keltra {
 
-// What a window does beyond other boxes, it does under the window's type code only.
+// A window acts as one only under the window's type code.
 inline KTWINDOW *asWindow(KTNODE *node) {
     return node && node->type == KT_WINDOW ? as<KTWINDOW>(node) : nullptr;
 }
