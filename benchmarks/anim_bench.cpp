@@ -19,7 +19,7 @@ using keltra::test::GlRecorder;
 
 std::string boneName(unsigned bone) { return "bone" + std::to_string(bone); }
 
-/// Bones in chains of five below one root, as limbs hang on a body.
+/// Bones in chains of five below one root, like limbs on a body.
 KTNODE *makeSkeleton(unsigned bones) {
     KTNODE *root = new KTNODE, *above = root;
     for (unsigned bone = 0; bone < bones; ++bone) {

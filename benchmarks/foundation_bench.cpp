@@ -25,7 +25,7 @@ void drawIdentifiers(benchmark::State &state) {
 }
 BENCHMARK(drawIdentifiers)->Arg(1000)->Arg(10000)->Arg(60000);
 
-// One identifier leaves and comes back while all the others stay.
+// One identifier is released and taken again while all others are in use.
 void replaceIdentifierAmongMany(benchmark::State &state) {
     const unsigned int count = static_cast<unsigned int>(state.range(0));
     vnfOpenLog(nullptr);

@@ -85,7 +85,7 @@ class Interface {
 void hitTest(benchmark::State &state) {
     Interface interface;
     if (KTELEMENT::getNumberOfPassedElements() != kWidgets)
-        return state.SkipWithError("not the widgets that were meant");
+        return state.SkipWithError("not the expected widgets");
     unsigned int i = 0, hits = 0;
     for (auto _ : state) {
         const Pointer &pointer = interface.pointers[i++ % kPointers];

@@ -39,7 +39,7 @@ void report(benchmark::State &state, const Description &description) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(description.text.size()));
 }
 
-// What the parser alone takes of a load.
+// The share of the parser in a load.
 void parseInterface(benchmark::State &state) {
     const Description description;
     for (auto _ : state) {

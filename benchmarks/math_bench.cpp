@@ -74,7 +74,7 @@ void matrixInverse(benchmark::State &state) {
 }
 BENCHMARK(matrixInverse);
 
-// The argument is the step of the angle: 0 rotates by zero, as most nodes of a scene do.
+// The argument is the step of the angle: 0 rotates by zero, the case of most nodes of a scene.
 void matrixSetRotation(benchmark::State &state) {
     const float step = float(state.range(0));
     R3XMATRIX matrix;

@@ -1,4 +1,4 @@
-// Items are nodes, so that the time of one is seen not to grow with their number.
+// Items are nodes: the time of one must not grow with their number.
 
 #include <benchmark/benchmark.h>
 #include <keltra/node.h>

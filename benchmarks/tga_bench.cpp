@@ -52,7 +52,7 @@ Bytes runLengthFile() {
     return file;
 }
 
-// The decoder as plainly as it can be said, to check the result with.
+// A plain decoder to check the result.
 Bytes expectedPixels(const Bytes &file) {
     Bytes pixels;
     std::size_t at = 18;

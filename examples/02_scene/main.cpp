@@ -1,5 +1,5 @@
 // A scene from files: textured, with more lights than the GL has, opaque and transparent meshes, two skinned
-// ones, and a camera that sways before it.
+// ones, and a camera that moves slowly from side to side.
 
 #include <GLES/gl.h>
 #include <keltra/keltra.h>
@@ -13,12 +13,12 @@
 
 namespace {
 
-constexpr float kFrameTime =
-    1.0f / 30.0f;  // of runs with a given number of frames, which must repeat exactly
+// Of runs with a given number of frames, which must repeat exactly.
+constexpr float kFrameTime = 1.0f / 30.0f;
 constexpr float kDegree = 3.14159265f / 180.0f;
 
 // The nodes that the program moves, found once.
-struct Cast {
+struct MovingNodes {
     std::vector<KTNODE *> neck, tail, halos, fireflies;
     KTNODE *water = nullptr;
 };
@@ -34,7 +34,7 @@ std::vector<KTNODE *> findAll(KTNODE *root, const char *prefix) {
 }
 
 // What a scene file does not hold: how far lamps reach, which light always counts, the sky, the filters.
-bool prepare(KTNODE *scene, Cast *cast) {
+bool prepare(KTNODE *scene, MovingNodes *moving) {
     std::vector<KTNODE *> lights = findAll(scene, "lantern");
     lights.push_back(scene->findByNameInHierarchy("poolLight"));
     lights.push_back(scene->findByNameInHierarchy("moonlight"));
@@ -45,21 +45,21 @@ bool prepare(KTNODE *scene, Cast *cast) {
         if (!moon) static_cast<KTLIGHT *>(light)->setAttenuation(0.9f, 0.0f, 0.06f);
     }
     KTNODE *sky = scene->findByNameInHierarchy("sky");
-    cast->water = scene->findByNameInHierarchy("water");
-    if (sky == nullptr || !sky->unlink() || cast->water == nullptr) return false;
+    moving->water = scene->findByNameInHierarchy("water");
+    if (sky == nullptr || !sky->unlink() || moving->water == nullptr) return false;
     KELTRA::setSkybox(sky);
     KTOPENGL::setGlobalAmbientLight(0.34f, 0.29f, 0.46f, 1.0f);
     for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture != nullptr; texture = texture->getNext()) {
         texture->setFilter(true, true, false);
     }
-    cast->neck = findAll(scene, "neck");
-    cast->tail = findAll(scene, "tail");
-    cast->halos = findAll(scene, "halo");
-    cast->fireflies = findAll(scene, "firefly");
+    moving->neck = findAll(scene, "neck");
+    moving->tail = findAll(scene, "tail");
+    moving->halos = findAll(scene, "halo");
+    moving->fireflies = findAll(scene, "firefly");
     return true;
 }
 
-// Bends a chain of bones: each a little, and later than the one before.
+// Bends a chain of bones, each a little later than the one before.
 void sway(const std::vector<KTNODE *> &bones, float time, float degrees) {
     float phase = 0.0f;
     for (KTNODE *bone : bones) {
@@ -69,17 +69,17 @@ void sway(const std::vector<KTNODE *> &bones, float time, float degrees) {
     }
 }
 
-void animate(const Cast &cast, KTCAMERA *camera, float time) {
+void animate(const MovingNodes &moving, KTCAMERA *camera, float time) {
     const float azimuth = 36.0f * std::sin(0.22f * time - 0.55f);  // degrees
     camera->setPosition(21.0f * std::sin(azimuth * kDegree), 5.8f + 0.5f * std::sin(0.31f * time),
                         21.0f * std::cos(azimuth * kDegree));
-    sway(cast.neck, time, 1.6f);
-    sway(cast.tail, time + 2.0f, 3.0f);
-    cast.water->setRotation(0.0f, 2.0f * time, 0.0f);
+    sway(moving.neck, time, 1.6f);
+    sway(moving.tail, time + 2.0f, 3.0f);
+    moving.water->setRotation(0.0f, 2.0f * time, 0.0f);
     // Halos are flat: they keep facing the viewer.
-    for (KTNODE *halo : cast.halos) halo->setRotation(0.0f, azimuth, 0.0f);
+    for (KTNODE *halo : moving.halos) halo->setRotation(0.0f, azimuth, 0.0f);
     float phase = 0.0f;
-    for (KTNODE *fly : cast.fireflies) {
+    for (KTNODE *fly : moving.fireflies) {
         phase += 2.4f;
         fly->setRotation(0.0f, azimuth, 0.0f);
         fly->setOrigin(std::sin(0.7f * time + phase), 0.5f * std::sin(1.3f * time + 2.0f * phase),
@@ -112,8 +112,8 @@ int main(int argc, char **argv) {
         return 1;
     }
     KTNODE *scene = KELTRA::load("scene.kte");
-    Cast cast;
-    bool ok = scene != nullptr && prepare(scene, &cast);
+    MovingNodes moving;
+    bool ok = scene != nullptr && prepare(scene, &moving);
     if (!ok) std::fprintf(stderr, "02_scene: no usable scene.kte in %s\n", options.data.c_str());
     {
         KTCAMERA camera;
@@ -124,7 +124,7 @@ int main(int argc, char **argv) {
             // 2. Per frame.
             const bool last = frame == options.frames;
             time += options.frames > 0 ? kFrameTime : std::fmax(KELTRA::getFPSfactor(), 0.0f);
-            animate(cast, &camera, time);
+            animate(moving, &camera, time);
 
             // 3. Draw.
             ok = draw(scene, &camera);

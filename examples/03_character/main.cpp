@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr float kFrameTime =
-    1.0f / 30.0f;                     // of runs with a given number of frames, which must repeat exactly
+// Of runs with a given number of frames, which must repeat exactly.
+constexpr float kFrameTime = 1.0f / 30.0f;
 constexpr float kRate = 24.0f;        // keyframes a second
 constexpr float kSwitchAfter = 4.0f;  // seconds
 constexpr int kColumns = 4, kRows = 5;
@@ -90,7 +90,7 @@ void animate(Show *show, float seconds) {
     unsigned phase = static_cast<unsigned>(show->time * kRate);
     for (KTNODE *figure : show->figures) {
         animation->apply(phase % frames, figure);
-        phase += 5;  // nobody marches in step
+        phase += 5;  // the figures march out of step
     }
     if (show->playing != 0) return;
     show->walked += seconds;  // the figures stay in the picture, the ground moves below them

@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr float kFrameTime =
-    1.0f / 30.0f;                       // of runs with a given number of frames, which must repeat exactly
+// Of runs with a given number of frames, which must repeat exactly.
+constexpr float kFrameTime = 1.0f / 30.0f;
 constexpr float kRate = 24.0f;          // keyframes a second
 constexpr unsigned kFigureCode = 1000;  // lanterns count from 1
 
@@ -78,8 +78,8 @@ bool draw(const Garden &garden, KTCAMERA *camera) {
            garden.figure->pass() && KELTRA::end3D();
 }
 
-// Asks the frame that has just been drawn, and answers. `select` counts rows from 1. Returns the code.
-unsigned answer(Garden *garden, const Tap &tap) {
+// Picks in the frame just drawn and reacts. `select` counts rows from 1. Returns the code.
+unsigned handleTap(Garden *garden, const Tap &tap) {
     const unsigned code = KELTRA::select(tap.x, tap.y + 1);
     if (code == kFigureCode) garden->waved = 0.0f;
     if (code >= 1 && code <= garden->lanterns.size()) toggle(garden->lanterns[code - 1]);
@@ -106,14 +106,14 @@ bool run(const example::Options &options, Garden *garden) {
     bool ok = true;
     std::vector<Tap> taps;
     for (int frame = 1; ok && !handleEvents(&taps); ++frame) {
-        // 2. Per frame: he waves once around after a tap.
+        // 2. Per frame: the figure waves once after a tap.
         garden->waved += scripted ? kFrameTime : std::fmax(KELTRA::getFPSfactor(), 0.0f);
         const unsigned keyframe = static_cast<unsigned>(garden->waved * kRate);
         if (keyframe < garden->wave->getNumberOfFrames()) garden->wave->apply(keyframe, garden->figure);
-        // 3. Draw. Taps are answered by a frame that is not shown, for picking spoils a pixel.
+        // 3. Draw. Taps are picked in a frame that is not shown, since picking changes a pixel.
         if (scripted) taps.assign(1, kScript[(frame - 1) % kScriptLength]);
         if (!taps.empty()) ok = draw(*garden, &camera);
-        for (const Tap &tap : taps) ok = (answer(garden, tap) == tap.code || !scripted) && ok;
+        for (const Tap &tap : taps) ok = (handleTap(garden, tap) == tap.code || !scripted) && ok;
         taps.clear();
         ok = ok && draw(*garden, &camera) && KELTRA::begin2D() && KELTRA::end2D();
         if (ok && frame == options.frames && !options.shot.empty()) ok = example::saveShot(options.shot);

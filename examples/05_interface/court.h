@@ -1,7 +1,7 @@
 #ifndef KELTRA_EXAMPLES_COURT_H
 #define KELTRA_EXAMPLES_COURT_H
 
-// The sample scene behind the interface, and what of it the interface drives.
+// The sample scene behind the interface, and the parts of it that the interface controls.
 
 #include <keltra/keltra.h>
 
@@ -35,7 +35,7 @@ struct Court {
         return !lanterns.empty();
     }
 
-    // A lantern that is out reaches nowhere.
+    // A lantern that is off has no range.
     void light(bool lit) {
         for (KTLIGHT *lantern : lanterns) lantern->setAttenuation(lit ? 0.9f : 1000.0f, 0.0f, 0.06f);
         for (KTMESH *flame : flames) flame->setDisplayStatus(lit);

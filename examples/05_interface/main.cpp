@@ -1,5 +1,5 @@
-// An interface before a scene. One XML file describes all of it; the program finds the widgets by name, hands
-// them pen and keys, and acts on what they report.
+// An interface in front of a scene. One XML file describes all of it; the program finds the widgets by name,
+// hands them pen and keys, and acts on what they report.
 
 #include <GLES/gl.h>
 #include <keltra/keltra.h>
@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr float kFrameTime =
-    1.0f / 30.0f;  // of runs with a given number of frames, which must repeat exactly
+// Of runs with a given number of frames, which must repeat exactly.
+constexpr float kFrameTime = 1.0f / 30.0f;
 constexpr float kDegree = 3.14159265f / 180.0f, kLow = 3.0f, kHigh = 12.0f;  // radians; heights of the view
 
 struct Show {
@@ -55,7 +55,7 @@ bool loadInterface(Show *show) {
         !find(root, "journal", KT_WINDOW, &show->journal)) {
         return false;
     }
-    // What a description cannot say: borders, ranges and first values.
+    // Settings that a description does not have: borders, ranges and first values.
     for (KTBOX *box : plain) box->setThickness(0);
     for (KTBUTTON *button : {show->reset, show->flash, show->lights}) button->setThickness(1);
     show->orbit->setMinValue(-36.0f);

@@ -34,7 +34,7 @@ KTEMITTER *loadEmitter(const std::string &path, KTNODE *scene) {
 bool loadScene(Show *show) {
     show->scene = KELTRA::load("scene.kte");
     if (show->scene == nullptr) return false;
-    // The pool is the fountain's: the serpent, all that is skinned here, leaves it.
+    // The serpent, the only skinned mesh of the scene, is removed: the fountain takes its place in the water.
     for (const char *name : {"sky", "HumanoidRoot"}) {
         KTNODE *node = show->scene->findByNameInHierarchy(name);
         if (node == nullptr || !node->unlink()) return false;

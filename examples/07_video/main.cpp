@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr float kFrameTime =
-    1.0f / 30.0f;  // of runs with a given number of frames, which must repeat exactly
+// Of runs with a given number of frames, which must repeat exactly.
+constexpr float kFrameTime = 1.0f / 30.0f;
 constexpr float kPictureTime = 1.0f / 25.0f;
 constexpr unsigned int kSide = 128;       // pixels of the film, in both directions
 constexpr unsigned int kMostSteps = 200;  // of the decoder, for one picture
@@ -116,7 +116,7 @@ int main(int argc, char **argv) {
         }
     }
 
-    // 4. Stop. The list owns the video, but a film is closed by whoever opened it.
+    // 4. Stop. The list owns the video; the program closes the film that it opened.
     if (show.video) show.video->load(nullptr);
     return KELTRA::free() && ok ? 0 : 1;
 }

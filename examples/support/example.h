@@ -1,8 +1,7 @@
 #ifndef KELTRA_EXAMPLES_SUPPORT_EXAMPLE_H
 #define KELTRA_EXAMPLES_SUPPORT_EXAMPLE_H
 
-// What every example needs and none is about: its command line, the end of its run, and a picture of its last
-// frame.
+// Shared by all examples: the command line, the end of a run, and a picture of the last frame.
 
 #include <string>
 
