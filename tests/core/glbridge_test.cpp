@@ -40,7 +40,7 @@ Top elements(const R3XMATRIX &matrix) {
     return values;
 }
 
-// Taken before any test has touched the mirror.
+// Read before any test has changed the mirror.
 const std::array<Top, 2> kAtLoad = {top(kModelView), top(kProjection)};
 
 R3XMATRIX counting(float first) {
@@ -184,7 +184,7 @@ TEST_F(GlBridgeTest, ProductsConvertTheirOwnArgumentsAndNotTheResult) {
     EXPECT_EQ(GlRecorder::calls().size(), 6u);
 }
 
-// The short cuts of translations and rotations must leave the very floats that the full product gives.
+// The shortcuts of translations and rotations must give exactly the floats of the full product.
 TEST_F(GlBridgeTest, MirrorEqualsTheProductsOfMatrices) {
     for (int round = 0; round < 500; ++round) {
         const R3XMATRIX start = randomMatrix(), factor = randomMatrix();
@@ -257,7 +257,7 @@ TEST_F(GlBridgeTest, EachStackHasItsOwnTop) {
     EXPECT_EQ(top(kProjection), elements(projection));
 }
 
-// The texture matrix has no mirror: what was meant for it changes the mirror of the stack selected before.
+// The texture matrix has no mirror: calls for it change the mirror of the stack selected before.
 TEST_F(GlBridgeTest, TextureModeLeavesTheMirrorOnTheStackSelectedBefore) {
     KT_glMatrixMode(GL_PROJECTION);
     KT_glTranslatef(1.0f, 2.0f, 3.0f);

@@ -124,7 +124,7 @@ TEST_F(SettingsFileTest, AnEmptyTextIsTaken) {
     EXPECT_STREQ(settings.getTitle(), "");
 }
 
-// Not found, yet overwritten: meant.
+// Deliberate: not found, yet overwritten; settings files rely on it.
 TEST_F(SettingsFileTest, ASingleQuoteLeavesTheRawRestOfTheLine) {
     ASSERT_TRUE(load("KELTRA_ktePath = \"my files/\nKELTRA_title = none\n"));
     EXPECT_STREQ(settings.getKTEPath(), "\"myfiles/");

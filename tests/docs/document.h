@@ -1,7 +1,7 @@
 #ifndef KELTRA_TESTS_DOCUMENT_H
 #define KELTRA_TESTS_DOCUMENT_H
 
-// The documents as the tests see them: lines, tables, prose. Paths are relative to the project's folder.
+// The documents for the tests: lines, tables, prose. Paths are relative to the project's folder.
 
 #include <filesystem>
 #include <string>
@@ -33,9 +33,9 @@ std::filesystem::path projectFolder();
 Document readDocument(const std::string &path);
 /// README, CONTRIBUTING, CHANGELOG and all of docs/.
 std::vector<Document> allDocuments();
-/// What stands between backquotes in a text.
+/// The parts of a text between backquotes.
 std::vector<std::string> quoted(const std::string &text);
-/// 65535 is "65,535"; numbers below 10,000 may do without.
+/// 65535 is "65,535"; numbers below 10,000 need no comma.
 std::string grouped(unsigned long long number);
 
 }  // namespace keltra::test

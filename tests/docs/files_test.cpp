@@ -81,7 +81,7 @@ TEST_F(ShownFilesTest, TheKerningFileLoads) {
     EXPECT_EQ(font->getKerning('='), 4);
 }
 
-// What the page warns of: the keys of S, D and E stand in the lines of the names too.
+// The page's warning: the keys of S, D and E are found in the lines of the named keys too.
 TEST_F(ShownFilesTest, TheNamesOfKerningKeysBelongAtTheEnd) {
     KTFONT *font = new KTFONT;
     font->setKerning('S', 7);

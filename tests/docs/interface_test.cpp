@@ -15,7 +15,7 @@ class PenClaims : public InterfaceClaims {
         added->setEventType(kind);
         return added;
     }
-    /// The results of a press at (30, 30), as the table's columns have them.
+    /// The results of a press at (30, 30), in the order of the table's columns.
     std::vector<bool> press() {
         draw();
         std::vector<bool> results;
@@ -37,7 +37,7 @@ class PenClaims : public InterfaceClaims {
     }
 };
 
-TEST_F(PenClaims, AButtonHoldsThePenUntilItIsLetGoOf) {
+TEST_F(PenClaims, AButtonHoldsThePenUntilItIsReleased) {
     for (KT_BUTTON_EVENT kind : {KT_BUTTON_NORMAL, KT_BUTTON_INVERTED}) {
         KTBUTTON *pressed = button(kind);
         EXPECT_THAT(press(), ElementsAreArray(widgets()));

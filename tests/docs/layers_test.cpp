@@ -1,4 +1,4 @@
-// docs/interface.md: what lies over what.
+// docs/interface.md: the stacking order.
 
 #include "tests/docs/interface_fixture.h"
 

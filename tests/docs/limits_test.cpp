@@ -30,7 +30,7 @@ static_assert(sizeof(KTNODE::name) - 1 == kText && sizeof(KTSETTINGS::RECORD::ti
                   sizeof(KTBUTTON::caption) - 1 == kText,
               "one row says it of all");
 
-// --- limits that are no constants that can be seen: they are tried
+// --- limits without accessible constants: each is provoked
 
 unsigned ancestorsOfFinalMatrix() {
     const GlRecorder::Stub stub;
@@ -107,7 +107,7 @@ TEST(LimitsTest, TheTableOfLimitsIsThatOfTheEngine) {
         {"vertices, texture coordinates, triangles of a mesh", number(kLargest16) + " each"},
         {"texture slots of a material, texture channels", number(KTMATERIAL::levels)},
         {"texture", sides(KTTEXTURE::maxSize)},
-        {"video memory budget", "8 MiB"},  // the running engine is asked in budget_test.cpp
+        {"video memory budget", "8 MiB"},  // tested with a running engine in budget_test.cpp
         {"pushes on a matrix stack", number(static_cast<unsigned>(matrixPushes()))},
         {"names", number(kText) + " characters"},
         {"paths, titles, bone names set in code", number(kText) + " characters"},

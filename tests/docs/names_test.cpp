@@ -40,7 +40,7 @@ void forLines(Visit visit) {
     }
 }
 
-// Names of all files under version control's eyes: what is built, and hidden folders, are left out.
+// Names of all source files: build folders and hidden folders are left out.
 const std::set<std::string> &projectFiles() {
     static const std::set<std::string> names = [] {
         std::set<std::string> found;
@@ -159,7 +159,7 @@ TEST(DocumentsTest, PresetsLabelsAndSwitchesExist) {
         EXPECT_NE(presets.find("\"name\": \"" + quoted(row[0]).at(0) + "\""), std::string::npos) << row[0];
 }
 
-// What options.sh has compared with --help.
+// The options that options.sh has compared with --help.
 std::set<std::string> optionsOf(const std::string &program) {
     if (program == "keltra-font")
         return matches(contentsOf(projectFolder() / "docs/formats/kerning.md"), "\\| `(--[a-z-]+)`");
@@ -196,7 +196,7 @@ TEST(DocumentsTest, MessagesOfTheTutorialAreTheConvertersOwn) {
     std::string sources;
     for (const auto &entry : fs::directory_iterator(projectFolder() / "tools/convert"))
         sources += contentsOf(entry.path());
-    // Numbers, names and values stand between the parts of a message.
+    // Numbers, names and values are between the parts of a message.
     const std::regex parts("\\.\\.\\.|16|  |;|\\bis\\b|names were");
     for (const auto &row : readDocument("docs/first_character.md").table("## Common messages and cures")) {
         for (const std::string &message : quoted(row[0])) {

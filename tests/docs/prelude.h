@@ -1,7 +1,7 @@
 #ifndef KELTRA_TESTS_DOCS_PRELUDE_H
 #define KELTRA_TESTS_DOCS_PRELUDE_H
 
-// What the C++ fragments of the documents may take for granted. Each is compiled in a function of its own,
+// Declarations that the C++ fragments of the documents may use. Each is compiled in a function of its own,
 // which may return, as C++11 and with every warning but those about unused variables.
 
 #include <keltra/keltra.h>

@@ -1,5 +1,5 @@
-// Linked to the documents' programs: each look at the clock is a second later than the one before, so that a
-// program that runs for ten seconds draws some ten frames.
+// Linked to the documents' programs: each reading of the clock is a second later than the one before, so that
+// a program that runs for ten seconds draws some ten frames.
 
 #include <time.h>
 

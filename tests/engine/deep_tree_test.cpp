@@ -12,7 +12,7 @@ namespace {
 
 class DeepTreeTest : public EngineTest {
    protected:
-    /// The model-view and projection matrices of the GL as far as fixed point tells them from the mirror's.
+    /// Whether the model-view and projection matrices of the GL equal the mirror's in fixed point.
     static void expectMirrorHolds() {
         const GlRecorder::Pause pause;
         const GLenum names[] = {GL_MODELVIEW_MATRIX, GL_PROJECTION_MATRIX};

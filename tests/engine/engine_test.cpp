@@ -17,7 +17,7 @@ struct AtLoad {
     std::string path;
 };
 
-// Taken before the first start.
+// Read before the first start.
 const AtLoad kAtLoad = {KELTRA::active,
                         KELTRA::wireframe,
                         KELTRA::shadowing,

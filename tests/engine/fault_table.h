@@ -22,7 +22,7 @@ struct FaultRow {
     std::function<void(const TempFolder &)> provoke;  // in an engine that has started
     KT_FAULT_SEVERITY severity;
     KT_FAULT_CODE code;
-    const char *sentence;  // %D stands for the folder with its slash; null when no one could foresee it
+    const char *sentence;  // %D is the folder with its slash; null when it is not predictable
     long byte = -1;
     unsigned int line = 0;
 };
@@ -34,7 +34,7 @@ class FaultTableTest : public EngineTest {
         EngineTest::TearDown();
     }
 
-    // Each row makes exactly one fault, told in one sentence.
+    // Each row makes exactly one fault, reported in one sentence.
     void check(const std::vector<FaultRow> &rows) {
         for (const FaultRow &row : rows) {
             SCOPED_TRACE(row.sentence ? row.sentence : row.covers);

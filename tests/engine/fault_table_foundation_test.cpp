@@ -163,7 +163,7 @@ TEST_F(FaultTableTest, ParsersWithoutATextOrAnArgument) {
     vnfCloseParser(&parser);
 }
 
-TEST_F(FaultTableTest, WhatIsNotThereIsAnAnswer) {
+TEST_F(FaultTableTest, WhatIsNotThereIsNoFault) {
     vnfParser parser;
     ASSERT_TRUE(vnfOpenParser(&parser, folder.write("text", "a\n").c_str()));
     KTFAULTS::clear();

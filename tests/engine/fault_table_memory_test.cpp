@@ -21,7 +21,7 @@ class FaultMemoryTest : public FaultTableTest {
         FaultTableTest::TearDown();
     }
 
-    // A block of `size` bytes or more is not to be had while `call` runs.
+    // Allocations of `size` bytes or more fail while `call` runs.
     static void starve(std::size_t size, const std::function<void()> &call) {
         Allocations::failNextFrom(size);
         call();

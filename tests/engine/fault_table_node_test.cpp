@@ -115,7 +115,7 @@ class ShortListTest : public FaultTableTest {
     void prepare(KTSETTINGS &settings) override { settings.setRenderingElements(3); }
 };
 
-// Told once, until the engine starts anew.
+// Reported once, until the engine is restarted.
 TEST_F(ShortListTest, AFullRenderList) {
     static KTHELPER root, children[4];
     check({
@@ -273,7 +273,7 @@ TEST_F(FaultTableTest, BonesOfAnimations) {
     });
 }
 
-TEST_F(FaultTableTest, SearchesInTheSceneAreAnswers) {
+TEST_F(FaultTableTest, SearchesInTheSceneWithoutResultAreNoFault) {
     KTFAULTS::clear();
     KTNODE node;
     EXPECT_FALSE(KTNODE::findByName(nullptr));

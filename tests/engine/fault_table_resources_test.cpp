@@ -95,7 +95,7 @@ TEST_F(FaultTableTest, FontCalls) {
     });
 }
 
-// Told once until there is a texture, however often and by which call text is drawn.
+// Reported once until there is a texture, however often and by whichever call text is drawn.
 TEST_F(FaultTableTest, FontsWithoutATexture) {
     const char *const sentence = "KTFONT::putString: the font has no texture";
     static KTTEXTURE *texture;
@@ -154,7 +154,7 @@ TEST_F(FaultTableTest, AFilmThatIsGone) {
     });
 }
 
-TEST_F(FaultTableTest, ResourcesThatAreNotThereAreAnswers) {
+TEST_F(FaultTableTest, ResourcesThatAreNotThereAreNoFault) {
     KTFAULTS::clear();
     KTTEXTURE texture;
     EXPECT_FALSE(KTTEXTURE::findByFilename(nullptr));

@@ -1,5 +1,4 @@
-// Failures of the loaders of text files: settings, kerning, interfaces, emitters; and what they go on
-// without.
+// Failures of the loaders of text files: settings, kerning, interfaces, emitters; and their warnings.
 
 #include "tests/engine/fault_table.h"
 

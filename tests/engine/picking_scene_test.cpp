@@ -29,8 +29,8 @@ class PickingSceneTest : public EngineTest {
 
     float uniform(float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); }
 
-    /// Spikes of all sizes and directions, each of a material that shines in a colour of its own, 5-6-5 bits
-    /// that say its number. A black light switches lighting on, without which materials have no colour.
+    /// Spikes of all sizes and directions, each of a material that emits a colour of its own, its number in
+    /// 5-6-5 bits. A black light switches lighting on, without which materials have no colour.
     formats::Scene makeSpikes() {
         formats::Scene scene = sceneOf(plainNode("root", {lightNode("light")}));
         scene.root.children[0].light.color = {0.0f, 0.0f, 0.0f};
@@ -70,7 +70,7 @@ class PickingSceneTest : public EngineTest {
         return codes;
     }
 
-    /// The code of what the picture shows at a pixel; its colour must be one of those drawn.
+    /// The code that the picture shows at a pixel; its colour must be one of those drawn.
     static unsigned codeAt(const Image &picture, int x, int y, const std::vector<unsigned> &codes) {
         const unsigned color = colorAt(picture, x, y);
         for (unsigned number = 0; number <= kMeshes; ++number)

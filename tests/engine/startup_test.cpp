@@ -54,7 +54,7 @@ class StartupTest : public ::testing::Test {
         return {bytes.begin(), bytes.end()};
     }
 
-    /// Everything that was created is gone, and gone once.
+    /// Everything that was created is destroyed exactly once.
     static void expectNothingLeft() {
         EXPECT_FALSE(KELTRA::isActive());
         EXPECT_FALSE(KTSETTINGS::isActive());
@@ -287,7 +287,8 @@ TEST_F(StartupTest, TakesOverSomeValuesAndReportsTheDepthsOfTheGl) {
     EXPECT_EQ(KTSETTINGS::getSDLStencilDepth(), bits);
 }
 
-// Meant: these running values stay zero, so the off-screen buffer cannot be forced from a settings file.
+// Deliberate: these running values stay zero, so the off-screen buffer cannot be forced from a settings file;
+// existing files rely on it.
 TEST_F(StartupTest, LeavesTheOtherRunningValuesZero) {
     settings.setForceFBO(true);
     settings.setRenderingElements(100);
@@ -335,7 +336,7 @@ TEST_F(StartupTest, TakesThePathsOnceTheVideoModeIsAccepted) {
     EXPECT_FALSE(KELTRA::init(&settings));
     EXPECT_STREQ(KTTEXTURE::getPath(), "textures/") << "although the window did not open";
 
-    // An application that opens the window by itself has its paths taken too.
+    // The paths of an application that opens the window itself are used too.
     settings.setTexturePath("others/");
     ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO), 0);
     StartupFaults::fail("SDL_SetVideoMode");
@@ -403,7 +404,7 @@ TEST_F(StartupTest, TenCyclesEachStartAfresh) {
             KT_glPopMatrix();
         }
         EXPECT_EQ(GlRecorder::count("glPopMatrix"), 0) << "the mirror is at depth 0 too";
-        // What this leaves behind was true of a context that is gone in the next cycle.
+        // The state left here belongs to a context that is destroyed before the next cycle.
         KTOPENGL::cullingOff();
         KTOPENGL::blendingOn();
         KTOPENGL::twoSideOn();
@@ -421,7 +422,7 @@ TEST_F(StartupTest, TenCyclesEachStartAfresh) {
     expectNothingLeft();
 }
 
-// In a child, which no window system knows: SDL has drivers for text consoles too, and they print.
+// In a child process without a window system: SDL has drivers for text consoles too, and they print.
 TEST(NoDisplayTest, InitIsFalseAndPrintsNothing) {
     for (const char *display : {"", ":65432"}) {
         EXPECT_EXIT(

@@ -1,4 +1,4 @@
-// Single cases of what was drawn before showing in what is drawn now.
+// Single cases of earlier drawing that changes later drawing.
 
 #include <functional>
 
@@ -15,7 +15,7 @@ bool enabled(GLenum capability) {
     return glIsEnabled(capability) == GL_TRUE;
 }
 
-/// A node of an application that does something where it is drawn.
+/// A node of an application that runs code when it is drawn.
 class Actor : public KTNODE {
    public:
     explicit Actor(std::function<void()> function, unsigned int code = KT_CUSTOM) : act(std::move(function)) {
@@ -310,7 +310,7 @@ TEST_F(StateCasesTest, AFrameOfMeshesSetsNoMoreThanItsMaterials) {
     EXPECT_EQ(GlRecorder::count("glMaterialxv"), 4);
 }
 
-// What does last, because the frame is defined so.
+// State that lasts because the frame is defined so.
 
 TEST_F(StateCasesTest, LightingLastsIntoAFrameWithoutLights) {
     KTNODE *mesh = make("Lit").scene[0];

@@ -66,9 +66,7 @@ formats::Node boxNode(const char *materialName) {
     return node;
 }
 
-formats::Node boardNode(const char *materialName) {
-    return test::boardNode("board", materialName, 0.9f);
-}
+formats::Node boardNode(const char *materialName) { return test::boardNode("board", materialName, 0.9f); }
 
 KTNODE *load(const char *name, Side side) {
     KTNODE *node = KELTRA::load(name);
@@ -263,7 +261,7 @@ KTWINDOW *putWindow(Stage &stage, Side side) {
     window->setFont(font());
     window->write("text of a window that is longer than it is high");
     window->format();
-    // As it stands in every frame after its first.
+    // In its state of every frame after its first.
     window->updateScroll();
     static_cast<KTVSCROLLBAR *>(window->getChild(1))->setValue(0.0f);
     KTBUTTON *button = new KTBUTTON;

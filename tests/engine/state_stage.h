@@ -1,9 +1,9 @@
 #ifndef KELTRA_TESTS_STATE_STAGE_H
 #define KELTRA_TESTS_STATE_STAGE_H
 
-// What the table of subjects and disturbers draws. A stage stands in the left or in the right half of the
-// screen, so that two of them share a frame without touching; on the left it is also farther away and below
-// in the layers.
+// The drawings of the table of subjects and disturbers. A stage fills the left or the right half of the
+// screen, so that two of them share a frame without overlap; on the left it is also farther away and in lower
+// layers.
 
 #include <keltra/keltra.h>
 
@@ -18,7 +18,7 @@ namespace keltra::test {
 
 enum class Side { kLeft, kRight };
 
-/// What is drawn, and what has to be switched for it. Destroyed with all that it holds.
+/// A drawing and the switches that it needs. Owns all that it holds.
 struct Stage {
     Stage() = default;
     Stage(const Stage &) = delete;
@@ -29,7 +29,7 @@ struct Stage {
     KTNODE *skybox = nullptr;                // owned with its subtree
     KTVIDEO *film = nullptr;
     std::function<void()> on, off;  // around the frame
-    std::function<void()> prepare;  // before each frame: what runs with the clock stands still
+    std::function<void()> prepare;  // before each frame: stops everything that runs with the clock
 };
 
 struct Subject {

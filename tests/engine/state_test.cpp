@@ -1,18 +1,16 @@
 // What is drawn does not depend on what was drawn before. Each subject is drawn in an engine that has just
 // been started; then every disturber comes before it, and its picture has to stay the same to the last pixel:
 // in the frame before (the subject made anew, and kept from before), and earlier in the same frame, where the
-// two stand in halves of the screen. After each frame every cached flag equals what the GL answers.
+// two are in halves of the screen. After each frame every cached flag equals the state of the GL.
 //
-// One start of the engine serves a subject and all its disturbers: what a pair leaves behind disturbs the
-// next one too.
+// One start of the engine serves a subject and all its disturbers: the state that a pair leaves disturbs the
+// next pair too.
 //
-// These things do last, because the frame is defined so, and no pair asks for them:
+// This state lasts because the frame is defined so, and no pair tests it:
 // - Lighting that a light switched on stays on into a frame without lights, until a 2D pass or a skybox: such
-// pairs
-//   have a 2D pass between them.
+//   pairs have a 2D pass between them.
 // - A light lights the whole frame, and a GL light stays on until another one is loaded into it: all lit
-// subjects
-//   share one light, and an unlit one shares no frame with it.
+//   subjects share one light, and an unlit one shares no frame with it.
 // - Wireframe, shown normals and the landscape are switches of the whole frame: they share none with others.
 // - A dynamic texture that is evicted has lost its pixels: a film is not kept over a garbage collection.
 // - `select` leaves a spoilt pixel until the next clear, and a viewport of the whole window.
@@ -186,7 +184,7 @@ class StateTest : public EngineTest, public ::testing::WithParamInterface<const 
         const Pixels pixels = capture();
         expectCachesHold();
         StartupFaults::fail(
-            "eglSwapBuffers");  // nobody looks at the screen, which takes longer than the frame
+            "eglSwapBuffers");  // the swap takes longer than the frame, and nothing reads the screen
         KELTRA::swap();
         for (Stage *each : stages)
             if (each->off) each->off();

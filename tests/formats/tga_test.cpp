@@ -17,8 +17,8 @@ using ::testing::ElementsAre;
 
 constexpr std::uint8_t kGuard = 0xA5;
 
-// Decodes as the loader does; nothing for a refused file. The file lies in a block of exactly its size and
-// guards stand around the target, so that neither reading nor writing past the end goes unseen.
+// Decodes as the loader does; nothing for a refused file. The file is in a block of exactly its size and the
+// target is between guards, so that reads and writes past the end are detected.
 struct Decoded {
     bool done = false;
     TgaImage image = {};
@@ -207,7 +207,7 @@ TEST(TgaTest, TakesOnly24And32Bits) {
             << bits;
 }
 
-// Whoever allocates the image after `parseTga` must not be led to do it by a header alone.
+// `parseTga` must not accept a header alone, since its callers then allocate the image.
 TEST(TgaTest, RefusesDataThatCannotHoldTheImage) {
     EXPECT_FALSE(parses(joined(tgaHeader(kUncompressed, 512, 512, 32), Bytes(100))));
     EXPECT_FALSE(parses(joined(tgaHeader(kRunLength, 512, 512, 24), Bytes(2048 * 4 - 1))));

@@ -18,7 +18,7 @@ bool parses(const std::string &text) {
     TiXmlDocument document;
     const bool parsed = parseXmlDocument(text.data(), text.size(), document);
     EXPECT_TRUE(parsed || document.FirstChild() == nullptr) << text.substr(0, 80);
-    // Of what is in the document an emitter asks nothing.
+    // An emitter reads none of the contents of this document.
     test::expectSameVerdict("emitter", text, parsed);
     return parsed;
 }
@@ -81,7 +81,7 @@ TEST(XmlDocument, EveryTruncationIsRefusedOrWhole) {
     ASSERT_TRUE(parses(text));
     for (std::size_t size = 0; size < text.size(); ++size) {
         const std::string cut = text.substr(0, size);
-        // What ends before the first element is a document without one.
+        // A text that ends before the first element is a document without one.
         if (cut.find("<r") == std::string::npos) {
             parses(cut);
         } else {

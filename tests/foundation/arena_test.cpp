@@ -34,8 +34,8 @@ TEST(ArenaTest, AnObjectMayFillAChunk) {
     Arena arena;
     Large *first = arena.add(Large{}), *second = arena.add(Large{});
     ASSERT_TRUE(first && second);
-    first->bytes[0] = second->bytes[sizeof second->bytes - 1] =
-        'x';  // the address sanitizer watches both ends
+    // The address sanitizer watches both ends.
+    first->bytes[0] = second->bytes[sizeof second->bytes - 1] = 'x';
 }
 
 TEST(ArenaTest, TakesChunksAndReleasesThemAll) {

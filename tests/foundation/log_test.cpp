@@ -24,7 +24,7 @@ const std::string kSummary =
     "Total allocated memory \\(vnfMalloc\\): [0-9]+\\.[0-9]{2} mb \\([0-9]+ bytes\\)\n"
     "\\[Vontal foundation 0\\.4 terminated at TIME\\]\n";
 
-// HTML stays switched on for the rest of a process, so whatever switches it on runs in a child.
+// HTML stays switched on for the rest of a process, so code that switches it on runs in a child process.
 template <class Work>
 void inChild(Work work) {
     EXPECT_EXIT((work(), std::_Exit(0)), testing::ExitedWithCode(0), "");

@@ -13,7 +13,7 @@
 
 namespace {
 
-// What the system tells about its memory while a test says so.
+// The memory figures of the system, replaced by a test's own.
 bool memoryIsFaked = false;
 bool memoryFails = false;
 unsigned long totalPages = 0, freePages = 0;
@@ -135,7 +135,7 @@ TEST_F(MemoryTest, ThePeakGoesBeyondTwoAndFourGibibytes) {
               std::string::npos);
 }
 
-// The sum of all processes' own memory is far below what is filled once files have been read.
+// The memory of all processes together is far below the memory in use once files are cached.
 TEST_F(MemoryTest, TheCacheOfFilesIsNoMemoryInUse) {
     const PhysicalMemory memory = platformMemory();
     const std::uint64_t cache = platformReclaimableMemory(memory);

@@ -12,8 +12,8 @@ using keltra::formats::KteVersion;
 using keltra::test::Image;
 using keltra::test::matchesGolden;
 
-// The software driver gives the same pixels everywhere but for the last bit of an interpolated colour, which
-// is 8 steps in a channel of five bits.
+// The software driver gives the same pixels on every machine, except for the last bit of an interpolated
+// colour, which is 8 steps in a channel of five bits.
 const keltra::test::Tolerance kTolerance = {8, 0.05};
 
 class Golden : public keltra::test::EngineTest {

@@ -11,7 +11,7 @@ using keltra::test::matchesGolden;
 
 const keltra::test::Tolerance kTolerance = {8, 0.05};
 
-// A glyph of each character that can be told from the others: its code in the dots of a cell.
+// A distinct glyph for each character: its code in the dots of a cell.
 keltra::formats::Image glyphs() {
     keltra::formats::Image image(256, 256);
     for (unsigned y = 0; y < 256; ++y) {

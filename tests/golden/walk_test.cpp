@@ -1,5 +1,5 @@
-// The sample character as he is seen: the walk's first frame, where the heel meets the ground; one with the
-// leg passing; one of the other step.
+// Pictures of the sample character: the walk's first frame, where the heel meets the ground; one with the leg
+// passing; one of the other step.
 
 #include <keltra/keltra.h>
 

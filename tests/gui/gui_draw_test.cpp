@@ -120,7 +120,8 @@ TEST_P(GuiDrawTest, ThePointerMeetsWhatTheScreenShows) {
     const Image picture = frame2D([&button] { button.pass(); });
     for (int y = 0; y < KTSETTINGS::windowY; y += 7)
         for (int x = 0; x < KTSETTINGS::windowX; x += 7) {
-            // The far edges answer to one pixel more than they show, so the middle of a pixel decides.
+            // Boxes react to one pixel more than they show at the far edges, so the middle of a pixel
+            // decides.
             const int across = GetParam() ? KTSETTINGS::windowY - y : x, down = GetParam() ? x : y;
             if (across == 164 || down == 214 || across == 100) continue;
             const bool shown = picture.at(x, y)[0] > 128;

@@ -388,7 +388,7 @@ TEST_F(GuiEventsTest, InLandscapeModeThePointerIsTurned) {
     EXPECT_EQ(button.position.y, 15.0f);
 }
 
-// --- what is destroyed is forgotten
+// --- destroyed widgets
 
 TEST_F(GuiEventsTest, ADestroyedWidgetIsReleased) {
     auto *heap = new KTBUTTON;

@@ -1,4 +1,4 @@
-// Descriptions that are well formed and name as much as they can: what they cost grows with their size only.
+// Valid descriptions with as many names as possible: their cost grows with their size only.
 
 #include "tests/gui/gui_file_fixture.h"
 #include "tests/support/cpu_time.h"

@@ -9,7 +9,7 @@ namespace {
 
 class GuiFileDamageTest : public GuiFileTest {
    protected:
-    /// Of everything one.
+    /// One of each object and property.
     static std::string everything() {
         return "<?xml version=\"1.0\"?><!-- all --><root><font><name value=\"f\"/><texture "
                "value=\"glyphs.tga\"/><kerning "

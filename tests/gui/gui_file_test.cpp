@@ -75,7 +75,7 @@ TEST_F(GuiFileTest, WidgetsNestAsTheirElements) {
     EXPECT_FALSE(static_cast<KTBUTTON *>(box->getChild(0))->checkBoundaries(13, 26));
 }
 
-// Elements that are no objects are transparent: what is nested in them belongs to the widget around them.
+// Elements that are not objects are transparent: what is nested in them belongs to the widget around them.
 TEST_F(GuiFileTest, AGroupPassesItsContentsToTheWidgetAround) {
     KTNODE *root = load("<group><position x='7' y='8'/><name value='top'/><box/></group>");
     ASSERT_NE(root, nullptr);
@@ -192,7 +192,7 @@ TEST_F(GuiFileTest, AFontLeavesAnEarlierTexturesFilterAlone) {
     EXPECT_TRUE(box->texture->isMipmapped());
 }
 
-// What is not meant for a font applies to the widget around it.
+// Properties that are not of fonts apply to the widget around the font.
 TEST_F(GuiFileTest, OtherPropertiesInsideAFontApplyToTheWidgetAround) {
     KTBUTTON *button = loadButton(
         "<name value='b'/><font><name value='f'/><position x='3' y='4'/><size width='5' height='6'/><title "

@@ -77,7 +77,7 @@ class GuiTest : public ::testing::Test {
         return id;
     }
 
-    /// All quads that were drawn, in order. Strings are drawn with glDrawElements and do not come in here.
+    /// All quads that were drawn, in order. Strings are drawn with glDrawElements and are not included.
     static std::vector<Quad> quads() {
         std::vector<Quad> all;
         for (const Call &call : GlRecorder::all("glDrawArrays")) {

@@ -1,4 +1,4 @@
-// Parts of windows and scroll bars: forgotten by all that point to them, at a cost that does not grow with
+// Parts of windows and scroll bars: pointers to destroyed ones are cleared, at a cost that does not grow with
 // the number of boxes.
 
 #include "tests/gui/gui_fixture.h"

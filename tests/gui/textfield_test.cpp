@@ -106,7 +106,7 @@ TEST_F(TextFieldTest, HoldsAtMost255Characters) {
 }
 
 TEST_F(TextFieldTest, TheCaretBlinksWithAPeriodOfASecond) {
-    // 0.1 s a frame: the timer stands at 0, 0.1, 0.2, ... when the frames are drawn.
+    // 0.1 s a frame: the timer is 0, 0.1, 0.2, ... when the frames are drawn.
     std::string caret;
     for (int frame = 0; frame < 22; ++frame) caret += caretAfter(125) ? '|' : '.';
     // At 0, 1/8, 2/8 it is hidden, from 3/8 to 7/8 it shows; at 1 the timer is 0 again.

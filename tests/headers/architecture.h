@@ -19,8 +19,8 @@ struct Walk {
 /// The walks of a page, one for each heading with a numbered list below it.
 std::vector<Walk> readWalks(const std::string &page);
 
-/// What is wrong with a walk, each as a line of text: a source that is not there, a step through several
-/// rooms or through none, a step that does not go down.
+/// The faults of a walk, each as a line of text: a source that does not exist, a step through several rooms
+/// or through none, a step that does not go down.
 std::vector<std::string> faultsOf(const Walk &walk, const IncludeGraph &graph);
 
 /// The rooms of the library as an SVG picture, the highest on top, with the sources in each, an arrow for

@@ -1,7 +1,7 @@
 #ifndef KELTRA_TESTS_INCLUDE_GRAPH_H
 #define KELTRA_TESTS_INCLUDE_GRAPH_H
 
-// Who includes whom in a checkout, and the table of rooms in its CONTRIBUTING.md that says who may.
+// The includes of a checkout, and the table of rooms in its CONTRIBUTING.md that limits them.
 
 #include <map>
 #include <string>
@@ -33,7 +33,7 @@ class IncludeGraph {
 
     /// Index of a file's room in the table, the lowest is 0; -1 for a file without one.
     int roomOf(const std::string &file) const;
-    /// What a file stands for: a source, its own header and its public header are one, "scene/node".
+    /// The unit of a file: a source, its own header and its public header are one, "scene/node".
     std::string unitOf(const std::string &file) const;
 
     // The faults, each as a line of text.

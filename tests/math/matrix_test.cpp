@@ -228,7 +228,7 @@ TEST(MatrixTest, QuaternionsOfThePositiveTraceComeBack) {
     EXPECT_NEAR(velto.w, q.w, 1e-6f);
 }
 
-// Diagonals that choose the branches of both conversions, off-diagonal numbers that tell the elements apart.
+// Diagonals that choose the branches of both conversions, different off-diagonal numbers for each element.
 struct Branch {
     float m0, m5, m10;
 };

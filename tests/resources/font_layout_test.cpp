@@ -114,7 +114,7 @@ TEST_F(FontLayoutTest, ABlankThatOverflowsBecomesTheLineBreak) {
     EXPECT_EQ(format("aa b ccc", 64), (Layout{"aa b\nccc", 16}));
     EXPECT_EQ(format("aaa ", 50), (Layout{"aaa\n", 16}));
     EXPECT_EQ(format("aaa bbb ccc", 50), (Layout{"aaa\nbbb\nccc", 32}));
-    // It is used up: a word that is too long is broken where it overflows.
+    // That blank is used only once: a word that is too long is broken where it overflows.
     EXPECT_EQ(format("aaa bbbb", 50), (Layout{"aaa\nbbb\nb", 32}));
 }
 
@@ -124,8 +124,8 @@ TEST_F(FontLayoutTest, AWordThatOverflowsMovesToANewLine) {
     EXPECT_EQ(format("aa bb", 64), (Layout{"aa\nbb", 20}));
 }
 
-// Meant: the width at the break is that before the blank, so the new line counts as one blank wider than it
-// is.
+// Deliberate: the width at the break is that before the blank, so the new line counts as one blank wider than
+// it is; existing layouts rely on it.
 TEST_F(FontLayoutTest, TheBlankOfABreakCountsForTheNewLine) {
     EXPECT_EQ(format("aa bbb c", 80), (Layout{"aa\nbbb\nc", 32}));
     EXPECT_EQ(format("aa bbb", 80), (Layout{"aa\nbbb", 16}));
@@ -136,7 +136,8 @@ TEST_F(FontLayoutTest, AWordLongerThanTheWidthIsBrokenBeforeTheCharacterThatOver
     EXPECT_EQ(format("aaaaaa", 50), (Layout{"aaa\naaa", 16}));
 }
 
-// Meant: the inserted break is a remembered break, at which the next overflow breaks once more.
+// Deliberate: the inserted break is a remembered break, at which the next overflow breaks again; existing
+// layouts rely on it.
 TEST_F(FontLayoutTest, TheSecondOverflowOfALongWordAddsAHeightOnly) {
     EXPECT_EQ(format("aaaaaaa", 50), (Layout{"aaa\naaaa", 32}));
     EXPECT_EQ(format("aaaaaaaa", 50), (Layout{"aaa\naaaa\na", 48}));
@@ -152,7 +153,7 @@ TEST_F(FontLayoutTest, LineBreaksOfTheSourceAddTheirHeight) {
     EXPECT_EQ(format("\n\n\n", 0), (Layout{"\n\n\n", 48}));
 }
 
-// Meant: a '\n' advances by a cell, and is taken for a break once more.
+// Deliberate: a '\n' advances by a cell, and is used as a break again; existing layouts rely on it.
 TEST_F(FontLayoutTest, ALineOfTheSourceBeginsACellToTheRight) {
     EXPECT_EQ(format("a\nbb", 48), (Layout{"a\nbb", 16}));
     EXPECT_EQ(format("a\nbbb", 48), (Layout{"a\nbbb", 32}));

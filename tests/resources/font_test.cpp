@@ -14,7 +14,7 @@ using ::testing::ElementsAre;
 constexpr int kOne = 65536;
 constexpr int kCell = kOne / 16;
 
-// Not a literal, so that the compiler does not see what the test means.
+// Not a literal, so that the compiler does not warn.
 const char *const kNoText = nullptr;
 
 struct Corner {
@@ -185,7 +185,7 @@ TEST_F(FontTest, CharacterThirtyTwoIsAtTheTopLeft) {
     EXPECT_EQ(cornerOf(8).t, kOne);
 }
 
-// Meant: the row is multiplied by the width of the glyph.
+// Deliberate: the row is multiplied by the width of the glyph; textures are made for it.
 TEST_F(FontTest, OtherWidthsThanSixteenTakeAnotherColumn) {
     font->setCharSizeX(8);
     font->putChar(0, 0, 'P', false);
@@ -341,7 +341,8 @@ TEST_F(FontTest, AStringDrawsFromWhereItBegan) {
     EXPECT_EQ(KTFONT::fontCachedCurrent, 2u) << "nothing drawn, nothing dropped";
 }
 
-// Meant: after an intermediate draw the count of the last one is taken as it falls.
+// Deliberate: after an intermediate draw the count before the string is subtracted from the new batch;
+// applications rely on what is shown.
 TEST_F(FontTest, AfterAFlushTheLastDrawTakesTheCountAsItFalls) {
     const struct {
         int before, length;
@@ -454,7 +455,8 @@ TEST_F(FontTest, ReadsKerningFiles) {
     EXPECT_EQ(font->getKerning('\x7f'), 8) << "no key for the caret";
 }
 
-// Meant: keys match inside longer words, so SPACE before S gives S the number in "ACE = 11", which is 0.
+// Deliberate: keys match inside longer words, and files rely on it, so SPACE before S gives S the number in
+// "ACE = 11", which is 0.
 TEST_F(FontTest, ANamedKeyBeforeItsFirstLetterIsTakenForIt) {
     KTFONT::setPath(folder.prefix().c_str());
     folder.write("a.txt", "KELTRA_kerning_SPACE = 11\nKELTRA_kerning_S = 2\n");

@@ -9,7 +9,7 @@
 
 namespace keltra::test {
 
-/// The engine with an empty account and a folder of texture files.
+/// The engine with no texture memory in use and a folder of texture files.
 class TextureTest : public EngineTest {
    protected:
     void SetUp() override {

@@ -49,7 +49,7 @@ class VideoDamageTest : public VideoTest {
         large->incReferences();
     }
 
-    /// A film whose first sequence header says another size.
+    /// A film whose first sequence header has another size.
     static Bytes withSize(unsigned width, unsigned height) {
         Bytes bytes = film("wide.m1v");
         bytes[4] = static_cast<std::uint8_t>(width >> 4);
@@ -84,7 +84,7 @@ TEST_F(VideoDamageTest, ATextureThatIsNotRgbOrNotResidentIsNotWritten) {
     }
 }
 
-// The fields of a texture are open; what counts is the image that the GL holds.
+// The fields of a texture are public; only the image that the GL holds matters.
 TEST_F(VideoDamageTest, ATextureThatClaimsToBeLargerIsNotWritten) {
     KTTEXTURE *texture = target(16, 16);
     texture->sizeX = texture->sizeY = 512;
@@ -238,7 +238,7 @@ TEST_F(VideoDamageTest, OtherFilesAreNoFilms) {
     if (video.load("/tmp")) playOut(video);
 }
 
-// Damage shows what was there before, not what memory held: the same each time.
+// Damaged parts show the picture before, not uninitialised memory: the same each time.
 TEST_F(VideoDamageTest, WhatDamageShowsIsDefined) {
     Bytes bytes = film("wide.m1v");
     const Bytes header(bytes.begin(), bytes.begin() + 20);

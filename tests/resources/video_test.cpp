@@ -265,7 +265,7 @@ TEST_F(VideoTest, AFilmThatIsGoneAtItsEndClosesTheVideo) {
     EXPECT_EQ(video->stream->file, nullptr);
     EXPECT_EQ(video->stream->lastRead, 0);
     EXPECT_FALSE(video->update(10));
-    // Rewinding it is another try.
+    // Rewinding it tries again.
     video->rewind();
     EXPECT_FALSE(video->update(1));
     folder.write("film.m1v", firstBytes(1));
@@ -341,7 +341,7 @@ TEST_F(VideoTest, DestroyingAVideoLeavesItsFilmOpen) {
     delete video;
     EXPECT_EQ(std::fseek(kept.file, 0, SEEK_SET), 0);
     EXPECT_EQ(std::fgetc(kept.file), 0);
-    // Nobody else closes it.
+    // The test must close it.
     KTVIDEO heir;
     heir.stream->file = kept.file;
     heir.stream->decoder = kept.decoder;

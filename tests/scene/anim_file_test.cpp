@@ -267,7 +267,7 @@ TEST_F(AnimFileTest, LoadingNeedsLittleStack) {
     expectHolds(anim, animation);
 }
 
-/// The object holds an animation already, which must come out of a failed load as it was.
+/// The object holds an animation already, which a failed load must leave unchanged.
 class AnimDamageTest : public AnimFileTest {
    protected:
     void SetUp() override {

@@ -9,7 +9,7 @@ namespace {
 
 class InterpolationTest : public AnimTest {
    protected:
-    /// The rule, read slowly: `angles` of one bone and one component.
+    /// The rule, computed step by step for the `angles` of one bone and one component.
     static void interpolateSlowly(std::vector<float> *angles, const std::vector<bool> &set, unsigned first,
                                   unsigned last) {
         for (unsigned k = first; k < last;) {

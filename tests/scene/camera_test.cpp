@@ -61,7 +61,7 @@ TEST_F(CameraTest, AnUnturnedCameraMovesTheWorldTheOtherWay) {
     expectMatrix(*KTCAMERA::getCameraMatrix(), translation(0.0f, 0.0f, -5.0f));
 }
 
-// Z, X, Y is meant: other nodes turn about X, Y, Z.
+// Deliberate: Z, X, Y, for first-person views; other nodes turn about X, Y, Z.
 TEST_F(CameraTest, RotationsAreUndoneAboutZThenXThenY) {
     KTCAMERA camera;
     camera.setRotation(30.0f, 40.0f, 50.0f);

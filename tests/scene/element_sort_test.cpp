@@ -110,7 +110,8 @@ TEST_F(SortTest, ATransparencyAboveOneIsTransparentToo) {
     EXPECT_THAT(drawn(), ElementsAre(&solid, &far, &near));
 }
 
-// The count is taken at the pass, the kind when sorting. Meant: the sort from back to front covers the count.
+// The count is taken at the pass, the kind when sorting. Deliberate: the sort from back to front covers the
+// count; applications rely on the order.
 TEST_F(SortTest, TheTailCoversTheCountWhenItIsGreaterThanTheKind) {
     place(solid, -50.0f);
     pass({&middle, &solid, &near});

@@ -38,7 +38,7 @@ class EmitterDamageTest : public TextureTest {
         return loaded;
     }
 
-    // Whatever was loaded can be drawn.
+    // Everything that was loaded can be drawn.
     void draw() {
         frame3D(nullptr, [&] { emitter.pass(); });
         EXPECT_LE(KTEMITTER::numberbOfParticlesUsed, 512u);

@@ -96,14 +96,14 @@ TEST_F(EmitterRenderTest, MakesExactlyTheseCalls) {
     R3XMATRIX matrix;
     matrix.setTranslation(1.0f, 2.0f, -3.0f);
     ASSERT_TRUE(render(emitter, matrix));
-    EXPECT_THAT(GlRecorder::names(),
-                ElementsAre("glLoadMatrixx", "glDisable", "glEnable", "glBlendFunc", "glDepthMask",
-                            "glEnable", "glAlphaFuncx", "glDisable", "glEnable", "glBindTexture",
-                            "glEnableClientState", "glEnableClientState", "glEnableClientState",
-                            "glVertexPointer", "glColorPointer", "glTexCoordPointer", "glDrawArrays",
-                            "glDisableClientState", "glDisableClientState", "glDisableClientState",
-                            "glDisable", "glDepthMask", "glDisable", "glDisable", "glBlendFunc", "glEnable",
-                            "glEnable"));
+    EXPECT_THAT(
+        GlRecorder::names(),
+        ElementsAre("glLoadMatrixx", "glDisable", "glEnable", "glBlendFunc", "glDepthMask", "glEnable",
+                    "glAlphaFuncx", "glDisable", "glEnable", "glBindTexture", "glEnableClientState",
+                    "glEnableClientState", "glEnableClientState", "glVertexPointer", "glColorPointer",
+                    "glTexCoordPointer", "glDrawArrays", "glDisableClientState", "glDisableClientState",
+                    "glDisableClientState", "glDisable", "glDepthMask", "glDisable", "glDisable",
+                    "glBlendFunc", "glEnable", "glEnable"));
     const std::vector<std::vector<std::int64_t>> arguments = {
         {GL_LIGHTING},
         {GL_BLEND},
@@ -254,7 +254,7 @@ TEST_F(EmitterRenderTest, EmittersShareThePoolAsFarAsItGoes) {
     EXPECT_EQ(third.slot[12], -1);
     EXPECT_EQ(countHeld(third), 12u);
     EXPECT_EQ(countHeld(fourth), 0u);
-    EXPECT_TRUE(third.initialized) << "it makes do with what it has";
+    EXPECT_TRUE(third.initialized) << "it keeps the particles that it got";
     first.reset();
     EXPECT_EQ(KTEMITTER::numberbOfParticlesUsed, 512u);
     fourth.setNumberOfParticles(7);
@@ -373,7 +373,7 @@ TEST_F(EmitterRenderTest, CopiesDoNotOwnTheTexture) {
     EXPECT_TRUE(render(emitter));
 }
 
-TEST_F(EmitterRenderTest, TexturesOnTheStackAreOnlyLetGo) {
+TEST_F(EmitterRenderTest, TexturesOnTheStackAreOnlyReleased) {
     KTTEXTURE texture;
     KTEMITTER *emitter = new KTEMITTER;
     emitter->setTexture(&texture);

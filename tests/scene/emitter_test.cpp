@@ -14,7 +14,7 @@ namespace {
 
 constexpr unsigned kSeed = 20040117;
 
-/// Emitters are rendered by themselves; the clock stands still between the frames.
+/// Emitters are rendered outside of a scene; the clock is stopped between the renders.
 class EmitterTest : public EngineTest {
    protected:
     void SetUp() override {
@@ -44,7 +44,7 @@ class EmitterTest : public EngineTest {
     const HeldClock clock;
 };
 
-// What the engine is to do, one number at a time, in the order of the draws.
+// The expected result, one random number at a time, in the order of the draws.
 struct Reference {
     struct Particle {
         float position[3], velocity[3], energy, initialEnergy, size, spinSpeed, spinAngle;

@@ -1,5 +1,5 @@
-// Nodes whose type code is not that of their class: `*node = *mesh` hands the code on, and so may any
-// application.
+// Nodes whose type code is not that of their class: `*node = *mesh` copies the code, and applications may set
+// it.
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -11,7 +11,7 @@
 namespace keltra::test {
 namespace {
 
-/// A plain node at the end of the memory that may be read: whoever takes it for more ends the test.
+/// A plain node at the end of readable memory: code that uses it as a larger class ends the test.
 class NodeAtTheEdge {
    public:
     NodeAtTheEdge() {

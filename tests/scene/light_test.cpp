@@ -246,8 +246,8 @@ TEST_F(LightTest, ALightAimingAtItselfFacesItsTarget) {
     EXPECT_TRUE(light.getDirection() == R3XVECTOR3D(0.0f, 0.0f, 0.0f));
 }
 
-// Meant, unlike a fixed target: the fourth component of 1 takes part, so that the direction is shorter
-// than 1.
+// Deliberate: unlike a fixed target, the fourth component of 1 takes part, so that the direction is shorter
+// than 1; scenes have been lit with it.
 TEST_F(LightTest, TheWayToATargetNodeHasAFourthComponent) {
     KTNODE mount, aim;
     KTLIGHT light;

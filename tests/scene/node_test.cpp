@@ -268,7 +268,7 @@ TEST_F(NodeTest, SetMatrixLeavesTheTransformMode) {
     expectVector(node.getMatrix().getTranslation(), 1.0f, 2.0f, 3.0f);
 }
 
-// Without a table there are no identifiers: nodes live all the same, unnumbered, and are never confused.
+// Without a table there are no identifiers: nodes still work, all with id 0, and are never confused.
 TEST_F(NodeTest, NodesWithoutIdentifiersLiveAllTheSame) {
     ASSERT_TRUE(vnfCloseLog());
     {

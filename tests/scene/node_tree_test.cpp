@@ -1,4 +1,4 @@
-// Links between nodes, matrices along them, and what walks them.
+// Links between nodes, the matrices along them, and walks.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -116,7 +116,7 @@ TEST_F(NodeTreeTest, UnlinkingKeepsTheOrderOfTheOthers) {
     EXPECT_THAT(childrenOf(parent), ElementsAre(&c, &b));
 }
 
-// Meant: with one child left nobody looks who asks.
+// Deliberate: an only child is not compared with the node that unlinks, so that a copy of it can be used.
 TEST_F(NodeTreeTest, AnOnlyChildIsTakenWithoutBeingCompared) {
     KTNODE parent, child;
     child.link(&parent);

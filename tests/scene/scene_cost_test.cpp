@@ -1,4 +1,4 @@
-// Small files that are well formed and name as much as they can: what they cost grows with their size only.
+// Valid small files with as many names as possible: their cost grows with their size only.
 
 #include <cstring>
 
@@ -63,7 +63,7 @@ TEST_F(SceneCostTest, SixtyThousandMissingTextures) {
     EXPECT_LT(time.seconds(), kLongestSeconds);
 }
 
-TEST_F(SceneCostTest, TheFirstOfANameIsTakenWhoeverMadeIt) {
+TEST_F(SceneCostTest, TheFirstOfANameIsTakenFromFileOrProgram) {
     KTMATERIAL first, second;
     first.setName("m7");
     second.setName("m7");

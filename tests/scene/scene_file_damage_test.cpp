@@ -22,8 +22,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 const KteVersion kVersions[] = {KteVersion::k15a, KteVersion::k16a};
 
-/// A scene of everything is damaged in many ways. Before each load the engine holds objects of an earlier
-/// one, which must come out of a failed load as they were.
+/// A scene with all kinds of records is damaged in many ways. Before each load the engine holds objects of an
+/// earlier one, which must come out of a failed load as they were.
 class SceneDamageTest : public SceneTest {
    protected:
     void SetUp() override {
@@ -317,7 +317,7 @@ TEST_F(SceneDamageTest, WithoutMemoryNothingIsLeftBehind) {
             KTNODE *root = KELTRA::load("damaged.kte");
             Allocations::clear();
             if (root) {
-                // Fewer allocations of that size than that: a load that worked, taken back.
+                // The load made fewer allocations of that size: it succeeded, and is undone.
                 while (KTNODE *next = mesh->getNextNode()) delete next;
                 KTMATERIAL *moss = KTMATERIAL::findByName("moss");
                 moss->setTexture(0, nullptr);

@@ -284,7 +284,8 @@ TEST_F(SceneFileTest, FilesShareTheFirstMaterialOfAName) {
     EXPECT_EQ(one->getMaterial()->getShininess(), 1.0f);
     EXPECT_EQ(one->getMaterial()->getTexture(0), nullptr);
     EXPECT_EQ(one->getMaterial()->getShader(), nullptr);
-    // Meant: what the dropped record names is loaded, though nothing uses it yet.
+    // Deliberate: the textures of the dropped record are loaded, though nothing uses them yet; applications
+    // load in advance this way.
     ASSERT_NE(KTTEXTURE::findByFilename("late_d.tga"), nullptr);
     EXPECT_EQ(KTTEXTURE::findByFilename("late_d.tga")->getReferences(), 0);
     EXPECT_NE(KTSHADER::findByName("late"), nullptr);
@@ -382,7 +383,7 @@ TEST_F(SceneFileTest, OnlyTheFirstFourteenBytesOfTheMagicCount) {
     EXPECT_NE(KELTRA::load("scene.kte"), nullptr);
 }
 
-// What has the bytes of single records calls the readers itself.
+// Applications with the bytes of single records call the readers themselves.
 class RecordReaderTest : public SceneFileTest {
    protected:
     /// The records behind the header of a file without materials.

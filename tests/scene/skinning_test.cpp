@@ -34,7 +34,7 @@ std::int32_t turned(const std::int32_t *m, const std::int32_t *v) {
     return wrap(upper + (lower >> 16));
 }
 
-// The rule, step by step, without any thought of speed.
+// The rule, step by step, without optimisation.
 Skinned skinSlowly(const SkinJob &job, const std::vector<std::int32_t> &matrices) {
     Skinned result{std::vector<std::int32_t>(job.vertices * 3), std::vector<std::int32_t>(job.vertices * 3)};
     for (std::size_t v = 0; v < job.vertices; ++v) {

@@ -1,7 +1,7 @@
 #ifndef KELTRA_TESTS_ALLOCATIONS_H
 #define KELTRA_TESTS_ALLOCATIONS_H
 
-// Counts the heap allocations of the testing thread, and makes one of them fail. All of them are seen:
+// Counts the heap allocations of the testing thread, and makes one of them fail. All of them are counted:
 // malloc, calloc and realloc of the engine, and operator new, which the C++ library takes from malloc.
 
 #include <cstddef>
@@ -21,7 +21,7 @@ class Allocations {
     static void failNext(std::size_t size, int nth = 1);
     /// Lets the next malloc of `size` bytes or more return null, once.
     static void failNextFrom(std::size_t size);
-    /// Takes a failure that was not reached back.
+    /// Cancels a failure that was not reached.
     static void clear();
 };
 

@@ -5,15 +5,15 @@
 
 namespace keltra::test {
 
-/// What an input that takes the engine less than a second may take here, unoptimised and checked. Work that
-/// grows with the square of the input takes minutes.
+/// The limit for an input that takes the engine less than a second, in unoptimised and checked builds. Work
+/// that grows with the square of the input takes minutes.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr double kLongestSeconds = 30.0;
 #else
 constexpr double kLongestSeconds = 6.0;
 #endif
 
-/// Processor time of this process, which others on the machine do not lengthen.
+/// Processor time of this process, independent of other processes.
 class CpuTime {
    public:
     double seconds() const { return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC; }

@@ -41,7 +41,7 @@ class EngineTest : public ::testing::Test {
         StartupFaults::clear();
     }
 
-    /// Fails the test for every error the GL holds. The recorder does not see the question.
+    /// Fails the test for every error of the GL. The recorder does not log the query.
     static void expectNoGlError() {
         const GlRecorder::Pause pause;
         constexpr int kMostErrors = 8;

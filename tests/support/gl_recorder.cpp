@@ -86,7 +86,7 @@ std::vector<std::int64_t> copyQuad(GLenum mode, GLint first, GLsizei count) {
     return {};
 }
 
-// What lies behind the pointer argument of a function; overloads below for those whose size is known.
+// The data of a function's pointer argument; overloads below for those whose size is known.
 template <GlFunction f, class... A>
 void keepContents(Call &call, A... arguments) {
     constexpr bool isMatrix = f == GlFunction::glLoadMatrixx || f == GlFunction::glMultMatrixx;

@@ -1,7 +1,7 @@
 #ifndef KELTRA_TESTS_HELD_CLOCK_H
 #define KELTRA_TESTS_HELD_CLOCK_H
 
-// The steady clock while a test holds it: it moves only when told. To be included in one source file of a
+// The steady clock while a test holds it: it advances only on request. To be included in one source file of a
 // test program.
 
 #include <time.h>

@@ -19,7 +19,7 @@ std::string goldenPath(const std::string &name) {
     return std::string(KELTRA_GOLDEN_FOLDER) + "/" + name + "_" + std::to_string(screenDepth()) + ".png";
 }
 
-// Leaves the picture in the build folder and says where.
+// Writes the picture to the build folder and prints its path.
 std::string leave(const Image &image, const std::string &name) {
     std::error_code ignored;
     std::filesystem::create_directories(KELTRA_OUTPUT_FOLDER, ignored);

@@ -1,8 +1,8 @@
 #ifndef KELTRA_TESTS_SAME_VERDICT_H
 #define KELTRA_TESTS_SAME_VERDICT_H
 
-// keltra-info and the engine judge the same bytes. The inspection stands in a library of its own, with its
-// own copy of the engine's parsers, so that the program under test is as it would be without it.
+// keltra-info and the engine must accept the same bytes. The inspection is a library of its own, with its own
+// copy of the engine's parsers, so that it does not change the program under test.
 
 #include <gtest/gtest.h>
 

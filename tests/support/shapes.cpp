@@ -53,7 +53,7 @@ void addSide(Node &node, Vec3 right, Vec3 up, Vec3 middle) {
 }  // namespace
 
 Node boxNode(const std::string &name, const std::string &material, float half) {
-    // What points right and what points up for who looks at a side.
+    // The directions right and up as seen when facing a side.
     static const Vec3 kSides[6][2] = {{{1, 0, 0}, {0, 1, 0}},  {{-1, 0, 0}, {0, 1, 0}},
                                       {{0, 0, -1}, {0, 1, 0}}, {{0, 0, 1}, {0, 1, 0}},
                                       {{1, 0, 0}, {0, 0, -1}}, {{1, 0, 0}, {0, 0, 1}}};

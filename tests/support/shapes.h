@@ -1,8 +1,7 @@
 #ifndef KELTRA_TESTS_SUPPORT_SHAPES_H
 #define KELTRA_TESTS_SUPPORT_SHAPES_H
 
-// Mesh nodes with everything about them filled in. Triangles are counter-clockwise seen from outside, with
-// normals of their own.
+// Complete mesh nodes. Triangles are counter-clockwise seen from outside, with normals of their own.
 
 #include <string>
 

@@ -2,9 +2,9 @@
 #define KELTRA_TESTS_STARTUP_FAULTS_H
 
 // The test program's own definitions of the SDL and EGL calls of start-up and shut-down: each keeps its name
-// and arguments, and can be told to fail, so that the unwinding after every step can be seen.
+// and arguments, and can be made to fail, so that the unwinding after every step can be tested.
 //
-// Seen are SDL_Init, SDL_VideoModeOK, SDL_WM_SetCaption, SDL_SetVideoMode, SDL_GetWMInfo, SDL_Quit,
+// Recorded are SDL_Init, SDL_VideoModeOK, SDL_WM_SetCaption, SDL_SetVideoMode, SDL_GetWMInfo, SDL_Quit,
 // eglGetDisplay, eglInitialize, eglChooseConfig, eglCreateWindowSurface, eglCreateContext, eglMakeCurrent,
 // eglSwapBuffers, eglDestroyContext, eglDestroySurface and eglTerminate.
 

@@ -1,7 +1,7 @@
 #ifndef KELTRA_TESTS_TEMP_FILE_H
 #define KELTRA_TESTS_TEMP_FILE_H
 
-// A folder of its own for a test's files; it is gone with the object.
+// A folder for a test's files, removed with the object.
 
 #include <stdlib.h>
 

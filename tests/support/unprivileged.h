@@ -7,8 +7,8 @@
 
 namespace keltra::test {
 
-/// While it lives, files are opened without root's rights: nothing is locked to root. For anyone else it does
-/// nothing.
+/// While it exists, files are opened without root's rights, so that permissions apply. No effect for other
+/// users.
 class Unprivileged {
    public:
     Unprivileged() : before(geteuid()) {
