@@ -17,7 +17,6 @@ constexpr unsigned int kMaxCount = 65535;  // what a count of 16 bits in a file 
 // Scenes.
 // The walks keep their path in an array of this length, since the device's stack is 64 KB.
 constexpr unsigned int kMaxTreeDepth = 256;
-constexpr unsigned int kMaxDrawnDepth = 31;  // of the GL's 32 matrices one stands below the scene
 constexpr unsigned int kMaxSkinBones = 100;  // that influences can address
 // A bone takes a byte of the file, when its name is empty, and 300 in memory: more bones need a larger file.
 constexpr std::size_t kBonesOfAnyScene = 4096;

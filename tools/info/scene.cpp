@@ -114,8 +114,6 @@ class Description : public SceneVisitor {
         if (skins > kMaxSkins)
             note(result, std::to_string(skins) + " skinned meshes; a frame draws " +
                              std::to_string(unsigned{kMaxSkins}));
-        if (depth > kMaxDrawnDepth)
-            note(result, std::to_string(depth) + " levels of nodes are more than the GL's 32 matrices hold");
     }
 
     void finish() {
