@@ -1,0 +1,35 @@
+#!/bin/sh
+# count.sh BUILD DATA [--update | --profile [ROW]]: counts the instructions of BUILD/bin/keltra_count and compares them with
+# the budgets. DATA, with a slash at its end, holds the files of the examples.
+set -eu
+here=$(dirname "$0")
+build=$1
+data=$2
+option=${3:-}
+row=${4:-all}
+budgets=$here/budgets.txt
+
+cc -O2 -Wall -Wextra -Werror -fPIC -shared -o "$build/count.so" "$here/plugin.c"
+# An empty environment: its size is part of the stack's address. Twice, because only figures that repeat can be held to.
+for run in 1 2; do
+    env -i "$(command -v qemu-arm)" -cpu pxa250 -plugin "$build/count.so,out=$build/counts.$run" \
+        "$build/bin/keltra_count" "$data" >"$build/rows.$run"
+done
+if ! cmp "$build/counts.1" "$build/counts.2"; then
+    echo "count.sh: two runs differ" >&2
+    exit 1
+fi
+
+compare() { awk -v new="$build/budgets.txt" "$@" -f "$here/compare.awk" "$budgets" "$build/rows.1" "$build/counts.1"; }
+case $option in
+    '') compare ;;
+    --profile) compare -v profile="$row" ;;
+    --update)
+        compare || true
+        cp "$build/budgets.txt" "$budgets"
+        ;;
+    *)
+        echo "count.sh: unknown option $option" >&2
+        exit 2
+        ;;
+esac

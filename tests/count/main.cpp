@@ -1,0 +1,45 @@
+// keltra_count FOLDER: does each operation of the table a number of times, under qemu-arm with
+// tests/count/plugin.c. FOLDER, with a slash at its end, holds the files of the examples.
+
+#include <keltra/keltra.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "tests/count/region.h"
+
+// The marker comes last: only the return from here counts, the same for every row.
+void count::start(const char *row, unsigned int operations, Kind kind) {
+    std::printf("%s\t%u\t%s\n", row, operations, kind == Kind::kFrame ? "frame" : "load");
+    std::fflush(stdout);
+    asm volatile("orr r11, r11, r11" ::: "memory");
+}
+
+void count::require(bool right, const char *what) {
+    if (right) return;
+    std::fprintf(stderr, "keltra_count: wrong result: %s\n", what);
+    std::exit(1);
+}
+
+int main(int argc, char **argv) {
+    if (argc != 2) return 2;
+    const char *data = argv[1];
+    // The examples start the engine themselves.
+    count::countExamples(data);
+    KTSETTINGS settings;
+    settings.setKTEPath(data);
+    settings.setKTAPath(data);
+    settings.setTexturePath(data);
+    settings.setFontPath(data);
+    count::require(KELTRA::init(&settings), "start of the engine");
+    count::countMath();
+    count::countPass();
+    count::countLights();
+    count::countDrawing();
+    count::countSkins();
+    count::countParticles();
+    count::countWidgets();
+    count::countAnimation(data);
+    count::countLoading(data);
+    return KELTRA::free() ? 0 : 1;
+}

@@ -1,0 +1,43 @@
+#ifndef KELTRA_TESTS_COUNT_REGION_H
+#define KELTRA_TESTS_COUNT_REGION_H
+
+namespace count {
+
+// In a frame no function for double precision may be executed.
+enum class Kind { kFrame, kLoad };
+
+// From start to stop all instructions count for a row of the table. tests/count/plugin.c sees two markers;
+// the row's name goes to the standard output. Regions of one name are added up, and divided by their
+// operations.
+void start(const char *row, unsigned int operations, Kind kind = Kind::kFrame);
+
+// Inline: a return would count.
+inline void stop() { asm volatile("orr r10, r10, r10" ::: "memory"); }
+
+class Region {
+   public:
+    Region(const char *row, unsigned int operations, Kind kind = Kind::kFrame) {
+        start(row, operations, kind);
+    }
+    ~Region() { stop(); }
+    Region(const Region &) = delete;
+    Region &operator=(const Region &) = delete;
+};
+
+// Ends the program when a result is wrong: what is counted must be what the row says.
+void require(bool right, const char *what);
+
+void countMath();
+void countPass();
+void countLights();
+void countDrawing();
+void countSkins();
+void countParticles();
+void countWidgets();
+void countAnimation(const char *data);
+void countLoading(const char *data);
+void countExamples(const char *data);
+
+}  // namespace count
+
+#endif
