@@ -28,12 +28,17 @@ class MarkupScan {
 
     bool run() {
         while (char *next = static_cast<char *>(std::memchr(cursor, '<', left()))) {
+            measure(cursor, next);
             tag = cursor = next;
             if (++tags > kMaxXmlTags) return refused("more than %ld tags", kMaxXmlTags);
             if (!skipMarkup()) return refused("does not end");
+            measure(tag, cursor);
         }
+        measure(cursor, end);
         return true;
     }
+    // Valid after a run: no name, value or text is longer.
+    std::size_t longestPiece() const { return longest; }
     // The next tag that opens an element; null behind the last.
     const char *nextElement() {
         while (char *next = static_cast<char *>(std::memchr(cursor, '<', left()))) {
@@ -59,6 +64,10 @@ class MarkupScan {
     bool at(const char *text) const {
         const std::size_t length = std::strlen(text);
         return left() >= length && std::memcmp(cursor, text, length) == 0;
+    }
+
+    void measure(const char *from, const char *to) {
+        longest = std::max(longest, static_cast<std::size_t>(to - from));
     }
 
     bool skipMarkup() {
@@ -118,6 +127,7 @@ class MarkupScan {
     char *begin, *cursor, *tag;
     char *end;
     unsigned depth, tags;
+    std::size_t longest = 0;
     const char *reason = nullptr;
     long limit = 0;
 };
@@ -142,18 +152,72 @@ std::size_t offsetInBytes(const char *bytes, std::size_t size, std::size_t offse
     return i;
 }
 
+struct XmlText {
+    char *begin, *end;
+    std::size_t longestPiece;
+};
+
 const int kNoMemory = -1;
 
-// The parser's number of the error, 0 without one.
-int parseText(const char *text, TiXmlDocument &document, int tabSize) {
+// The parser loses the element that it is working on when an exception passes through it. While one of these
+// exists, memory that runs out ends the text instead: the handler of `operator new` releases a reserve, of
+// which the parser takes a few small blocks more, and writes over the text what ends every name, value,
+// comment and element, so that the parser stops by itself and hands over all that it has made.
+class TextEndsWithMemory {
+   public:
+    explicit TextEndsWithMemory(const XmlText &given) : before(std::get_new_handler()) {
+        text = given;
+        // The string that is growing doubles its room.
+        reserve = std::malloc(2 * given.longestPiece + kReserve);
+        exhausted = false;
+        std::set_new_handler(endText);
+    }
+    ~TextEndsWithMemory() {
+        std::set_new_handler(before);
+        std::free(reserve);
+    }
+    TextEndsWithMemory(const TextEndsWithMemory &) = delete;
+    TextEndsWithMemory &operator=(const TextEndsWithMemory &) = delete;
+
+    static bool hasReserve() { return reserve; }
+    static bool isExhausted() { return exhausted; }
+
+   private:
+    static const std::size_t kReserve = 8192;
+
+    static void endText() {
+        if (!reserve) throw std::bad_alloc();
+        std::free(reserve);
+        reserve = nullptr;
+        exhausted = true;
+        // No zeros: the parser asserts that there is something where a comment begins.
+        static const char kEnds[] = "'\"-->]]></>";
+        for (char *c = text.begin; c < text.end; ++c)
+            *c = kEnds[static_cast<std::size_t>(c - text.begin) % (sizeof kEnds - 1)];
+    }
+
+    const std::new_handler before;
+    static XmlText text;
+    static void *reserve;
+    static bool exhausted;
+};
+XmlText TextEndsWithMemory::text = {};
+void *TextEndsWithMemory::reserve = nullptr;
+bool TextEndsWithMemory::exhausted = false;
+
+// The parser's number of the error, 0 without one. The text is lost when memory runs out.
+int parseText(const XmlText &text, TiXmlDocument &document, int tabSize) {
+    const TextEndsWithMemory guard(text);
+    if (!guard.hasReserve()) return kNoMemory;
     try {
         document.Clear();
         document.SetTabSize(tabSize);
-        document.Parse(text, nullptr, TIXML_ENCODING_LEGACY);
-        return document.Error() ? document.ErrorId() : 0;
+        document.Parse(text.begin, nullptr, TIXML_ENCODING_LEGACY);
     } catch (const std::bad_alloc &) {
         return kNoMemory;
     }
+    if (guard.isExhausted()) return kNoMemory;
+    return document.Error() ? document.ErrorId() : 0;
 }
 
 Fault faultOf(int error) {
@@ -187,18 +251,19 @@ Fault faultOf(int error) {
 // The parser reports the position of an error only when it tracks row and column, and then loops without end
 // on some bytes beyond ASCII. So the text is parsed again with letters, as which these bytes count, in their
 // place. Where that makes different names equal, the position is the beginning of the document.
-Fault findError(char *text, int error) {
-    for (char *c = text; *c; ++c) {
+Fault findError(const XmlText &text, int error) {
+    Fault fault = faultOf(error);
+    if (error == kNoMemory) return fault;
+    for (char *c = text.begin; *c; ++c) {
         const unsigned char byte = static_cast<unsigned char>(*c);
         if (byte >= 127) *c = static_cast<char>('a' + byte % 26);
     }
     TiXmlDocument document;
-    Fault fault = faultOf(error);
     if (parseText(text, document, 1) <= 0) return fault;
-    const char *at = text;
+    const char *at = text.begin;
     for (int row = document.ErrorRow(); row > 1 && *at; ++at) row -= *at == '\n';
     for (int column = document.ErrorCol(); column > 1 && *at && *at != '\n'; --column) ++at;
-    fault.offset = static_cast<std::size_t>(at - text);
+    fault.offset = static_cast<std::size_t>(at - text.begin);
     return fault;
 }
 
@@ -232,13 +297,14 @@ bool parseCopy(char *text, char *end, TiXmlDocument &document, Fault *fault) {
     }
     // Without tab stops the parser tracks no row and column: that code loops without end on some byte
     // sequences. Parsed as bytes, no character can claim a length beyond the end of the text.
-    const int error = parseText(text, document, 0);
+    const XmlText measured = {text, end, scan.longestPiece()};
+    const int error = parseText(measured, document, 0);
     if (error == 0) {
         noteLines(text, end, document);
         return true;
     }
     document.Clear();
-    if (fault) *fault = findError(text, error);
+    if (fault) *fault = findError(measured, error);
     return false;
 }
 

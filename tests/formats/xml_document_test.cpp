@@ -7,6 +7,7 @@
 #include <string>
 
 #include "foundation/file_bytes.h"
+#include "tests/support/allocations.h"
 #include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/temp_file.h"
@@ -137,6 +138,38 @@ TEST(XmlDocument, AttributesTagsAndBytesAreLimited) {
     const std::string large(static_cast<std::size_t>(kMaxXmlBytes) - 9, 'x');
     EXPECT_TRUE(parses("<a v='" + large + "'/>"));
     EXPECT_FALSE(parses("<a v='" + large + "x'/>"));
+}
+
+// Every allocation of a load fails once; what the parser had made by then is released.
+TEST(XmlDocument, NothingIsLostWhenMemoryRunsOut) {
+    if (!test::Allocations::canFail()) GTEST_SKIP() << "memory belongs to the sanitizer";
+    const std::string text =
+        "<?xml version='1.0'?><!-- a comment that is no short text --><root><a_rather_long_element_name "
+        "an_attribute_name_beyond_small_strings='a value that is longer than small strings are'/>"
+        "<box><name value='b'/>text that is longer than small strings are<![CDATA[and some more of such]]>"
+        "</box></root>";
+    const std::string wrong = text + "<one></other>";
+    for (const std::string &tried : {text, wrong}) {
+        long nth = 0;
+        for (bool failed = true; failed && nth < 1000;) {
+            Fault fault = {};
+            bool parsed;
+            test::Allocations::failNth(++nth);
+            {
+                TiXmlDocument document;
+                parsed = parseXmlDocument(tried.data(), tried.size(), document, &fault);
+                EXPECT_EQ(parsed, document.FirstChild() != nullptr) << nth;
+            }
+            failed = test::Allocations::hasFailed();
+            EXPECT_EQ(test::Allocations::live(), 0) << "failure " << nth;
+            test::Allocations::clear();
+            EXPECT_EQ(parsed, !failed && tried == text) << "failure " << nth;
+            if (failed && tried == text) {
+                EXPECT_EQ(fault.code, KT_FAULT_OUT_OF_MEMORY) << nth;
+            }
+        }
+        EXPECT_GT(nth, 20);
+    }
 }
 
 TEST(XmlDocument, ComesFromAFile) {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
 // The compiler does not install the header that declares it.
@@ -17,6 +18,19 @@ thread_local long counted = 0;
 [[maybe_unused]] std::atomic<std::size_t> failingSize{0};
 [[maybe_unused]] std::atomic<std::size_t> failingFrom{0};
 std::atomic<int> failingCountdown{0};
+[[maybe_unused]] thread_local keltra::test::AllocationWatch *watch = nullptr;
+
+// For failNth.
+class NthFailure final : public keltra::test::AllocationWatch {
+   public:
+    bool mustFail(const void *) override { return countdown > 0 && --countdown == 0 && (failed = true); }
+    void allocated(void *, const void *) override { ++live; }
+    void released(void *) override { --live; }
+
+    long countdown = 0, live = 0;
+    bool failed = false;
+};
+thread_local NthFailure nthFailure;
 
 }  // namespace
 
@@ -36,27 +50,69 @@ extern "C" {
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
 void *__libc_realloc(void *block, std::size_t size);
+void __libc_free(void *block);
+}
 
-// They stay glibc's own allocator, so free and the rest of the family need no counterpart here.
-void *malloc(std::size_t size) {
+namespace {
+
+template <class Get>
+void *allocate(const void *caller, Get get) {
     if (counting) ++counted;
+    if (watch && watch->mustFail(caller)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    void *block = get();
+    if (watch && block) watch->allocated(block, caller);
+    return block;
+}
+
+// As the standard has it: the handler of new makes room or throws.
+void *allocateOrThrow(std::size_t size, const void *caller) {
+    for (;;) {
+        if (void *block = allocate(caller, [size] { return __libc_malloc(size ? size : 1); })) return block;
+        const std::new_handler handler = std::get_new_handler();
+        if (!handler) throw std::bad_alloc();
+        handler();
+    }
+}
+
+}  // namespace
+
+extern "C" {
+// They stay glibc's own allocator, so the rest of the family need no counterpart here.
+void *malloc(std::size_t size) {
     const bool isLarge = failingFrom > 0 && size >= failingFrom;
     if (isLarge || (failingCountdown > 0 && size == failingSize && --failingCountdown == 0)) {
+        if (counting) ++counted;
         if (isLarge) failingFrom = 0;
         errno = ENOMEM;
         return nullptr;
     }
-    return __libc_malloc(size);
+    return allocate(__builtin_return_address(0), [size] { return __libc_malloc(size); });
 }
 void *calloc(std::size_t count, std::size_t size) {
-    if (counting) ++counted;
-    return __libc_calloc(count, size);
+    return allocate(__builtin_return_address(0), [count, size] { return __libc_calloc(count, size); });
 }
 void *realloc(void *block, std::size_t size) {
-    if (counting) ++counted;
-    return __libc_realloc(block, size);
+    void *moved =
+        allocate(__builtin_return_address(0), [block, size] { return __libc_realloc(block, size); });
+    if (watch && moved && block) watch->released(block);
+    return moved;
+}
+void free(void *block) {
+    if (watch && block) watch->released(block);
+    __libc_free(block);
 }
 }
+
+// The C++ library's own are malloc's callers: these tell who asks.
+void *operator new(std::size_t size) { return allocateOrThrow(size, __builtin_return_address(0)); }
+void *operator new[](std::size_t size) { return allocateOrThrow(size, __builtin_return_address(0)); }
+void operator delete(void *block) noexcept { free(block); }
+void operator delete[](void *block) noexcept { free(block); }
+void operator delete(void *block, std::size_t) noexcept { free(block); }
+void operator delete[](void *block, std::size_t) noexcept { free(block); }
 
 #endif
 
@@ -87,9 +143,23 @@ void Allocations::failNext(std::size_t size, int nth) {
 
 void Allocations::failNextFrom(std::size_t size) { failingFrom = size; }
 
+void Allocations::failNth(long nth) {
+    nthFailure.countdown = nth;
+    nthFailure.live = 0;
+    nthFailure.failed = false;
+    watch = &nthFailure;
+}
+
+long Allocations::live() { return nthFailure.live; }
+
+bool Allocations::hasFailed() { return nthFailure.failed; }
+
 void Allocations::clear() {
     failingCountdown = 0;
     failingFrom = 0;
+    watch = nullptr;
 }
+
+void AllocationWatch::install(AllocationWatch *installed) { watch = installed; }
 
 }  // namespace keltra::test

@@ -2,7 +2,7 @@
 #define KELTRA_TESTS_ALLOCATIONS_H
 
 // Counts the heap allocations of the testing thread, and makes one of them fail. All of them are counted:
-// malloc, calloc and realloc of the engine, and operator new, which the C++ library takes from malloc.
+// malloc, calloc, realloc and operator new.
 
 #include <cstddef>
 
@@ -21,8 +21,29 @@ class Allocations {
     static void failNext(std::size_t size, int nth = 1);
     /// Lets the next malloc of `size` bytes or more return null, once.
     static void failNextFrom(std::size_t size);
+    /// Lets the `nth` allocation of this thread from now on fail, by whichever function, once; 0 for none.
+    /// Counts what is live from 0 again.
+    static void failNth(long nth);
+    /// Blocks that this thread allocated since failNth less those that it released.
+    static long live();
+    /// True when the failure that failNth asked for has come.
+    static bool hasFailed();
     /// Cancels a failure that was not reached.
     static void clear();
+};
+
+/// While one is installed, it decides on every allocation of the testing thread and learns of those that
+/// succeed. `caller` is the address that the allocating function returns to.
+class AllocationWatch {
+   public:
+    virtual bool mustFail(const void *caller) = 0;
+    virtual void allocated(void *block, const void *caller) = 0;
+    virtual void released(void *block) = 0;
+
+    static void install(AllocationWatch *watch);
+
+   protected:
+    ~AllocationWatch() = default;
 };
 
 }  // namespace keltra::test
