@@ -1,6 +1,7 @@
 #include "core/settings_members.h"
 #include "formats/fault.h"
 #include "formats/settings.h"
+#include "foundation/quiet.h"
 
 #include <keltra/foundation.h>
 
@@ -60,10 +61,14 @@ bool KTSETTINGS::load(const char *path) {
     keltra::LoadScope scope("KTSETTINGS::load", path);
     if (!path) return scope.failNull("path");
     if (!vnfFileExists(path)) return scope.failFile();
-    vnfParser parser = {};
-    // The parser refuses and logs an empty file; for the settings it is a file without keys.
+    vnfParser parser;
+    const KT_FAULT_CODE fault = keltra::readParser(parser, path);
+    if (fault == KT_FAULT_OUT_OF_MEMORY || fault == KT_FAULT_FILE_SIZE)
+        return scope.failFile(fault == KT_FAULT_OUT_OF_MEMORY, keltra::kLargestText);
     const keltra::FaultOptional optional;
-    if (!vnfOpenParser(&parser, path)) return true;
+    // The parser refuses and logs an empty file and one that cannot be read; for the settings it is a file
+    // without keys.
+    if (fault != KT_FAULT_NONE) return !scope.failFile();
     vnfRemoveComments(&parser, keltra::kSettingsComment);
     for (std::size_t i = 0; i < keltra::kSettingsKeyCount; ++i) {
         const keltra::SettingMember member = keltra::settingMember(i);

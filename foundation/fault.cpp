@@ -80,10 +80,8 @@ KT_FAULT_CODE problemOf(const char *path, long largest) {
     const PathKind kind = platformPathKind(path);
     if (kind == PathKind::kNothing) return KT_FAULT_FILE_MISSING;
     if (kind == PathKind::kOther) return KT_FAULT_FILE_KIND;
-    std::FILE *file = std::fopen(path, "rb");
-    if (!file) return KT_FAULT_FILE_ACCESS;
-    const long size = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
-    std::fclose(file);
+    const std::int64_t size = platformFileSize(path);
+    if (size < 0) return KT_FAULT_FILE_ACCESS;
     if (size == 0) return KT_FAULT_FILE_EMPTY;
     return size > largest ? KT_FAULT_FILE_SIZE : KT_FAULT_FILE_READ;
 }

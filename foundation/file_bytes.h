@@ -3,10 +3,12 @@
 
 #include <keltra/foundation.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include "foundation/quiet.h"
+#include "platform/platform.h"
 
 namespace keltra {
 
@@ -28,9 +30,11 @@ class FileBytes {
     // A file of more than `largest` bytes counts as one that cannot be read.
     explicit FileBytes(const char *path, long largest = 0x7fffffff)
         : bytes(nullptr), length(0), noMemory(false) {
-        std::FILE *file = path && *path ? std::fopen(path, "rb") : nullptr;
+        std::int64_t end = 0;
+        std::FILE *file = path && *path ? platformOpenFile(path, end) : nullptr;
+        noMemory = path && *path && !file && errno == ENOMEM;
         if (!file) return;
-        read(file, largest);
+        if (end > 0 && end <= largest) read(file, static_cast<std::size_t>(end));
         std::fclose(file);
     }
     ~FileBytes() {
@@ -45,14 +49,13 @@ class FileBytes {
     bool isOutOfMemory() const { return noMemory; }
 
    private:
-    void read(std::FILE *file, long largest) {
-        long end = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
-        if (end <= 0 || end > largest || std::fseek(file, 0, SEEK_SET) != 0) return;
+    // A file that has become shorter counts as one that cannot be read.
+    void read(std::FILE *file, std::size_t end) {
         bytes = static_cast<char *>(allocate(static_cast<unsigned int>(end)));
         noMemory = !bytes;
         if (noMemory) return;
-        length = std::fread(bytes, 1, static_cast<std::size_t>(end), file);
-        if (length == static_cast<std::size_t>(end)) return;
+        length = std::fread(bytes, 1, end, file);
+        if (length == end) return;
         vnfFree(bytes);
         bytes = nullptr;
         length = 0;

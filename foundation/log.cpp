@@ -81,7 +81,7 @@ void translateToHtml(const char *text, char (&result)[kTextSize]) {
 
 bool keltra::openLogFile(const char *path) {
     if (logFile) return failState("vnfOpenLog", "a log is open already");
-    logFile = std::fopen(path, "wt");
+    logFile = platformCreateFile(path, "wt");
     if (!logFile) return failWrite("vnfOpenLog", path);
     // Never cleared again: applications get every later log of the process as HTML as well.
     if (std::strstr(path, ".html")) html = true;

@@ -77,16 +77,8 @@ void vnfFree(void *block) {
 }
 
 int vnfFileSize(const char *path) {
-    std::FILE *file = path ? std::fopen(path, "rb") : nullptr;
-    if (!file) return -1;
-    std::int64_t size = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
-    std::fclose(file);
-    return size < 0 || size > std::numeric_limits<int>::max() ? -1 : int(size);
+    const std::int64_t size = path ? keltra::platformFileSize(path) : -1;
+    return size > std::numeric_limits<int>::max() ? -1 : int(size);
 }
 
-bool vnfFileExists(const char *path) {
-    std::FILE *file = path ? std::fopen(path, "rb") : nullptr;
-    if (!file) return false;
-    std::fclose(file);
-    return true;
-}
+bool vnfFileExists(const char *path) { return path && keltra::platformFileSize(path) >= 0; }

@@ -2,8 +2,10 @@
 
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
+#include "platform/platform.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -13,9 +15,11 @@
 namespace {
 
 constexpr std::size_t kLineSize = 256;
-constexpr long kLargestFile = INT32_MAX - 2;  // the position may end two bytes past the contents
 
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
+struct CloseFile {
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
 
 const char *find(const char *begin, const char *end, char wanted) {
     return static_cast<const char *>(std::memchr(begin, wanted, std::size_t(end - begin)));
@@ -86,43 +90,55 @@ int toInt(const char *text) {
 
 }  // namespace
 
-bool vnfOpenParser(vnfParser *parser, const char *path) {
-    keltra::FaultScope scope("vnfOpenParser", path);
-    if (!parser || !path) {
-        vnfLog("vnfOpenParser: invalid params\n");
-        return scope.failNull(path ? "parser" : "path");
-    }
-    File file(std::fopen(path, "rb"), std::fclose);
-    if (!file) {
+KT_FAULT_CODE keltra::readParser(vnfParser &parser, const char *path) {
+    std::int64_t size = 0;
+    const File file(platformOpenFile(path, size));
+    if (!file && errno == ENOMEM) {
         vnfLog("vnfOpenParser: unable to open file %s\n", path);
-        return scope.failFile();
+        return KT_FAULT_OUT_OF_MEMORY;
     }
-    long size = std::fseek(file.get(), 0, SEEK_END) == 0 ? std::ftell(file.get()) : 0;
+    if (!file) {
+        const bool isOther = platformPathKind(path) == PathKind::kOther;
+        vnfLog(
+            isOther ? "vnfOpenParser: file '%s' is corrupted\n" : "vnfOpenParser: unable to open file %s\n",
+            path);
+        return KT_FAULT_FILE_ACCESS;
+    }
     if (size < 1) {
         vnfLog("vnfOpenParser: file '%s' is empty\n", path);
-        return scope.failFile();
+        return KT_FAULT_FILE_EMPTY;
     }
-    if (size > kLargestFile || std::fseek(file.get(), 0, SEEK_SET) != 0) {
+    if (size > kLargestText) {
         vnfLog("vnfOpenParser: file '%s' is corrupted\n", path);
-        return scope.failFile(false, kLargestFile);
+        return KT_FAULT_FILE_SIZE;
     }
     unsigned int needed = static_cast<unsigned int>(size) + 1;
-    char *buffer = static_cast<char *>(keltra::allocate(needed));
+    char *buffer = static_cast<char *>(allocate(needed));
     if (!buffer) {
         vnfLog("vnfOpenParser: out of memory (%u bytes needed)\n", needed);
-        return scope.failFile(true);
+        return KT_FAULT_OUT_OF_MEMORY;
     }
     if (std::fread(buffer, 1, std::size_t(size), file.get()) != std::size_t(size)) {
         // Deliberate: released without counting, so the log's summary shows the broken file as one live
         // block; applications compare these counters.
         std::free(buffer);
         vnfLog("vnfOpenParser: file '%s' is corrupted\n", path);
-        return scope.failFile(false, kLargestFile);
+        return KT_FAULT_FILE_READ;
     }
-    parser->buffer = buffer;
-    parser->size = std::int32_t(size);
-    parser->position = 0;
-    return true;
+    parser.buffer = buffer;
+    parser.size = std::int32_t(size);
+    parser.position = 0;
+    return KT_FAULT_NONE;
+}
+
+bool vnfOpenParser(vnfParser *parser, const char *path) {
+    keltra::FaultScope scope("vnfOpenParser", path);
+    if (!parser || !path) {
+        vnfLog("vnfOpenParser: invalid params\n");
+        return scope.failNull(path ? "parser" : "path");
+    }
+    const KT_FAULT_CODE fault = keltra::readParser(*parser, path);
+    return fault == KT_FAULT_NONE || scope.failFile(fault == KT_FAULT_OUT_OF_MEMORY, keltra::kLargestText);
 }
 
 bool vnfCloseParser(vnfParser *parser) {

@@ -50,6 +50,22 @@ std::uint64_t memoryLine(const char *text, const char *key) {
     return line ? std::strtoull(line + std::strlen(key), nullptr, 10) * 1024 : 0;
 }
 
+// The descriptor of a regular file, -1 for anything else.
+int openRegular(const char *path, std::int64_t &size) {
+    errno = 0;
+    // Some devices act when they are opened, so they are not.
+    if (platformPathKind(path) != PathKind::kFile) return -1;
+    const int file = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    struct stat status;
+    if (file < 0) return -1;
+    if (fstat(file, &status) == 0 && S_ISREG(status.st_mode)) {
+        size = status.st_size;
+        return file;
+    }
+    close(file);
+    return -1;
+}
+
 }  // namespace
 
 std::int64_t platformCounter() {
@@ -94,6 +110,31 @@ PathKind platformPathKind(const char *path) {
     if (stat(path, &status) == 0) return S_ISREG(status.st_mode) ? PathKind::kFile : PathKind::kOther;
     // A folder of the path may deny access; then it is unknown what the path names.
     return errno == EACCES ? PathKind::kFile : PathKind::kNothing;
+}
+
+std::FILE *platformOpenFile(const char *path, std::int64_t &size) {
+    const int file = openRegular(path, size);
+    if (file < 0) return nullptr;
+    std::FILE *stream = fdopen(file, "rb");
+    if (!stream) close(file);
+    return stream;
+}
+
+std::int64_t platformFileSize(const char *path) {
+    std::int64_t size;
+    const int file = openRegular(path, size);
+    if (file < 0) return -1;
+    close(file);
+    return size;
+}
+
+std::FILE *platformCreateFile(const char *path, const char *mode) {
+    const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+    if (file < 0) return nullptr;
+    fcntl(file, F_SETFL, 0);
+    std::FILE *stream = fdopen(file, mode);
+    if (!stream) close(file);
+    return stream;
 }
 
 bool platformHasSwitch(const char *variable) {

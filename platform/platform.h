@@ -4,6 +4,7 @@
 // The services of the operating system that the engine needs beyond the C library.
 
 #include <cstdint>
+#include <cstdio>
 
 namespace keltra {
 
@@ -32,6 +33,16 @@ enum class PathKind { kNothing, kFile, kOther };
 
 // What is at the path, without opening it: a folder, a device or a pipe is kOther.
 PathKind platformPathKind(const char *path);
+
+// Opens a regular file for reading, and tells its size. Null for anything else: opening a pipe may wait for
+// ever, and a device may have no end; with errno ENOMEM when out of memory.
+std::FILE *platformOpenFile(const char *path, std::int64_t &size);
+
+// The size of a regular file that can be opened for reading; -1 for anything else.
+std::int64_t platformFileSize(const char *path);
+
+// `fopen` with the mode "wb" or "wt", but null, without waiting, for a pipe that nobody reads.
+std::FILE *platformCreateFile(const char *path, const char *mode);
 
 // True when the environment has the variable with the value "1"; false where there is no environment.
 bool platformHasSwitch(const char *variable);

@@ -48,6 +48,28 @@ PathKind platformPathKind(const char *path) {
     return attributes & FILE_ATTRIBUTE_DIRECTORY ? PathKind::kOther : PathKind::kFile;
 }
 
+std::FILE *platformOpenFile(const char *path, std::int64_t &size) {
+    std::FILE *file = platformPathKind(path) == PathKind::kFile ? std::fopen(path, "rb") : nullptr;
+    if (!file) return nullptr;
+    const long end = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
+    if (end >= 0 && std::fseek(file, 0, SEEK_SET) == 0) {
+        size = end;
+        return file;
+    }
+    std::fclose(file);
+    return nullptr;
+}
+
+std::int64_t platformFileSize(const char *path) {
+    std::int64_t size;
+    std::FILE *file = platformOpenFile(path, size);
+    if (!file) return -1;
+    std::fclose(file);
+    return size;
+}
+
+std::FILE *platformCreateFile(const char *path, const char *mode) { return std::fopen(path, mode); }
+
 // The device has no environment.
 bool platformHasSwitch(const char *) { return false; }
 

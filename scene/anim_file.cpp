@@ -6,6 +6,7 @@
 #include "formats/anim_record.h"
 #include "foundation/file_bytes.h"
 #include "foundation/text.h"
+#include "platform/platform.h"
 
 namespace {
 
@@ -14,7 +15,7 @@ const unsigned char kEndOfText = 26;  // follows the magic, so that a text viewe
 // Little-endian, on any machine.
 class Writer {
    public:
-    explicit Writer(const char *path) : file(std::fopen(path, "wb")), good(file != nullptr) {}
+    explicit Writer(const char *path) : file(keltra::platformCreateFile(path, "wb")), good(file != nullptr) {}
 
     void bytes(const void *data, std::size_t size) {
         good = good && std::fwrite(data, 1, size, file) == size;

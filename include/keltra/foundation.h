@@ -58,7 +58,7 @@ KT_API void vnfFree(void *block);
  */
 KT_API int vnfFileSize(const char *path);
 
-/** True when the file can be opened for reading; false for null. */
+/** True when the file can be opened for reading; false for null, and for folders, devices and pipes. */
 KT_API bool vnfFileExists(const char *path);
 
 // --- timers: a pool of eight, addressed by index 0 to 7

@@ -40,8 +40,8 @@ class KT_API KTSETTINGS {
     /** Sets all defaults again. */
     void constructor();
 
-    /** Reads the keys of a settings file over the present values. False for null and a file that cannot be
-     * opened; true whether or not keys were found. */
+    /** Reads the keys of a settings file over the present values. False for null, a file that cannot be
+     * opened, one of 2 GiB or more, and when out of memory; true whether or not keys were found. */
     bool load(const char *path);
     /** True when SDL offers a video mode of this window size and colour depth. False while SDL's video
      * subsystem is off. */

@@ -1,12 +1,16 @@
 #include <gmock/gmock.h>
+#include <keltra/fault.h>
 #include <keltra/foundation.h>
 #include <keltra/settings.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
 #include <functional>
 #include <string>
 
+#include "tests/support/allocations.h"
 #include "tests/support/same_verdict.h"
 #include "tests/support/temp_file.h"
 
@@ -238,6 +242,40 @@ TEST_F(SettingsFileTest, BytesThatAreNoTextDoNoHarm) {
     EXPECT_TRUE(load(std::string("KELTRA_windowX=\0KELTRA_windowY=7\n", 33)));
     EXPECT_EQ(settings.getWindowX(), 0);
     EXPECT_EQ(settings.getWindowY(), 320) << "the line ends at its zero byte";
+}
+
+// What is no regular file, of whatever name, is refused by the engine as by keltra-info, and never waited
+// for.
+TEST_F(SettingsFileTest, FoldersDevicesAndPipesAreNotRead) {
+    ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    for (const std::string &path : {folder.path("pipe"), std::string("/dev/zero"), folder.path(".")}) {
+        KTFAULTS::clear();
+        EXPECT_FALSE(settings.load(path.c_str())) << path;
+        ASSERT_NE(KTFAULTS::getLast(), nullptr) << path;
+        EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_FILE_KIND) << path;
+        EXPECT_EQ(KTFAULTS::getLast()->severity, KT_FAULT_ERROR) << path;
+    }
+    EXPECT_EQ(settings.getWindowX(), 240);
+}
+
+TEST_F(SettingsFileTest, TwoGibibytesAreTooMany) {
+    const std::string path = folder.write("large", "KELTRA_windowX=1\n");
+    ASSERT_EQ(truncate(path.c_str(), off_t{1} << 31), 0);
+    EXPECT_FALSE(settings.load(path.c_str()));
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_FILE_SIZE);
+    EXPECT_EQ(settings.getWindowX(), 240);
+}
+
+TEST_F(SettingsFileTest, OutOfMemoryIsAFailure) {
+    if (!Allocations::canFail()) GTEST_SKIP() << "memory belongs to the sanitizer";
+    const std::string path = folder.write("settings", "KELTRA_windowX=1\n" + std::string(70000, '#'));
+    Allocations::failNextFrom(70000);
+    EXPECT_FALSE(settings.load(path.c_str()));
+    Allocations::clear();
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_OUT_OF_MEMORY);
+    EXPECT_EQ(settings.getWindowX(), 240);
+    EXPECT_TRUE(settings.load(path.c_str()));
+    EXPECT_EQ(settings.getWindowX(), 1);
 }
 
 }  // namespace
