@@ -150,6 +150,10 @@ bool KTVIDEO::update(unsigned int steps) {
     for (; steps; --steps) {
         keltra::VideoPicture picture;
         if (keltra::stepStream(*stream, picture)) show(picture.width, picture.height, picture.pixels);
+        if (!stream->file) {
+            status = KT_VIDEO_STOPPED;
+            return keltra::failMemory("KTVIDEO::update");
+        }
         if (stream->lastRead == 0 && !startAgain()) return false;
     }
     return true;

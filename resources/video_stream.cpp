@@ -9,10 +9,12 @@ extern "C" {
 #include <mpeg2convert.h>
 }
 
+#include <csetjmp>
 #include <cstring>
 
 #include "formats/limits.h"
 #include "foundation/quiet.h"
+#include "platform/platform.h"
 
 namespace keltra {
 namespace {
@@ -23,37 +25,84 @@ constexpr unsigned int kSliceMargin = 4096;
 
 // While one exists, the decoder's memory is cleared: damaged streams refer to pictures that were never
 // decoded, and what they show is then always the same, and never what another program part left in memory.
-// The blocks are the decoder's own.
-class ClearedMemory {
+// The blocks are the decoder's own, linked to one another: when memory runs out the decoder itself does not
+// know any more which of them it has, and they are released along the links.
+class DecoderMemory {
    public:
-    ClearedMemory() {
-        exhausted = false;
-        mpeg2_malloc_hooks(allocate, nullptr);
+    // Null for a decoder that is to be made.
+    explicit DecoderMemory(mpeg2dec_t *decoder) {
+        first = decoder ? linksOf(decoder) : nullptr;
+        mpeg2_malloc_hooks(allocate, unlink);
     }
-    ~ClearedMemory() { mpeg2_malloc_hooks(nullptr, nullptr); }
-    ClearedMemory(const ClearedMemory &) = delete;
-    ClearedMemory &operator=(const ClearedMemory &) = delete;
+    ~DecoderMemory() { mpeg2_malloc_hooks(nullptr, nullptr); }
+    DecoderMemory(const DecoderMemory &) = delete;
+    DecoderMemory &operator=(const DecoderMemory &) = delete;
 
-    static bool exhausted;
+    // Where memory that runs out leads to: the decoder does not look and would write to null. All that is
+    // left on the way is C code of the decoder.
+    static std::jmp_buf exhausted;
+
+    // Releases the decoder and all that it has.
+    static void release() {
+        mpeg2_malloc_hooks(nullptr, nullptr);
+        while (first && first->next != first) {
+            void *block = blockOf(first->next);
+            unlink(block);
+            mpeg2_free(block);
+        }
+        if (first) mpeg2_free(blockOf(first));
+    }
 
    private:
+    struct Links {
+        Links *previous, *next;
+    };
+    static const unsigned int kLinksSize = 64;  // blocks lie at multiples of it
+
+    static Links *linksOf(void *block) {
+        return reinterpret_cast<Links *>(static_cast<char *>(block) - kLinksSize);
+    }
+    static void *blockOf(Links *links) { return reinterpret_cast<char *>(links) + kLinksSize; }
+
     static void *allocate(unsigned int size, mpeg2_alloc_t purpose) {
-        mpeg2_malloc_hooks(nullptr, nullptr);
+        if (size == 0) return nullptr;
         if (purpose == MPEG2_ALLOC_CHUNK) size += kSliceMargin;
-        void *block = mpeg2_malloc(size, purpose);
-        mpeg2_malloc_hooks(allocate, nullptr);
+        mpeg2_malloc_hooks(nullptr, nullptr);
+        void *allocation = mpeg2_malloc(size + kLinksSize, purpose);
+        mpeg2_malloc_hooks(allocate, unlink);
+        if (!allocation) std::longjmp(exhausted, 1);
+        void *block = blockOf(static_cast<Links *>(allocation));
+        // What the decoder frees stands before each block.
+        std::memcpy(static_cast<void **>(block) - 1, static_cast<void **>(allocation) - 1, sizeof(void *));
         const int grey = 128;
-        if (block)
-            std::memset(block, purpose == MPEG2_ALLOC_YUV ? grey : 0, size);
-        else
-            exhausted = exhausted || size != 0;
+        std::memset(block, purpose == MPEG2_ALLOC_YUV ? grey : 0, size);
+        link(static_cast<Links *>(allocation));
         return block;
     }
-};
-bool ClearedMemory::exhausted = false;
+    // The decoder is the first of its blocks.
+    static void link(Links *links) {
+        if (!first) first = links->previous = links->next = links;
+        links->previous = first;
+        links->next = first->next;
+        first->next->previous = links;
+        first->next = links;
+    }
+    // The decoder frees the block itself.
+    static int unlink(void *block) {
+        if (!block) return 0;
+        Links *links = linksOf(block);
+        links->previous->next = links->next;
+        links->next->previous = links->previous;
+        return 0;
+    }
 
-// The decoder does not notice when it gets no memory for its pictures: three of them in RGB, and two and a
-// few rows as decoded, in three bytes a pixel at most.
+    static Links *first;
+};
+std::jmp_buf DecoderMemory::exhausted;
+DecoderMemory::Links *DecoderMemory::first = nullptr;
+
+// A film whose pictures find no memory shows none, and is tried again when it loops: three pictures in RGB,
+// and two and a few rows as decoded, in three bytes a pixel at most.
 bool hasRoomFor(const mpeg2_sequence_t &sequence) {
     const unsigned int pictures = 3 + 2, bytesPerPixel = 3, extraRows = 32, tables = 65536;
     void *room = allocate(sequence.width * (sequence.height + extraRows) * bytesPerPixel * pictures + tables);
@@ -92,21 +141,19 @@ void readOn(KTVIDEOSTREAM &stream) {
 }  // namespace
 
 bool openStream(KTVIDEOSTREAM &stream, const char *path) {
-    return openStream(stream, std::fopen(path, "rb"));
+    std::int64_t size;
+    return openStream(stream, platformOpenFile(path, size));
 }
 
 bool openStream(KTVIDEOSTREAM &stream, std::FILE *file) {
     if (!file) return false;
-    ClearedMemory cleared;
-    mpeg2dec_t *decoder = mpeg2_init();
-    if (decoder && ClearedMemory::exhausted) {
-        mpeg2_close(decoder);
-        decoder = nullptr;
-    }
-    if (!decoder) {
+    const DecoderMemory memory(nullptr);
+    if (setjmp(DecoderMemory::exhausted) != 0) {
+        DecoderMemory::release();
         std::fclose(file);
         return false;
     }
+    mpeg2dec_t *decoder = mpeg2_init();
     stream.file = file;
     stream.decoder = decoder;
     stream.info = mpeg2_info(decoder);
@@ -141,7 +188,13 @@ VideoSequence sequenceOf(const KTVIDEOSTREAM &stream) {
 }
 
 bool stepStream(KTVIDEOSTREAM &stream, VideoPicture &picture) {
-    ClearedMemory cleared;
+    const DecoderMemory memory(stream.decoder);
+    if (setjmp(DecoderMemory::exhausted) != 0) {
+        DecoderMemory::release();
+        stream.decoder = nullptr;
+        closeStream(stream);
+        return false;
+    }
     const mpeg2_state_t state = mpeg2_parse(stream.decoder);
     stream.state = state;
     stream.sequence = stream.info->sequence;

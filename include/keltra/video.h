@@ -47,7 +47,7 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
     /** Decodes on by `steps` steps of the decoder. A step is less than a picture: 4,096 bytes were read, a
      * header was found, a picture began or is complete. Each complete picture is written to the texture's
      * upper image level; without a texture decoding goes on all the same. False while stopped, without a
-     * film, and when the film cannot be opened again at its end. */
+     * film, when the film cannot be opened again at its end, and when memory runs out, which closes it. */
     bool update(unsigned int steps);
 
     /** Set the status; `load` sets it to stopped. */

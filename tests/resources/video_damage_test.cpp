@@ -151,6 +151,41 @@ TEST_F(VideoDamageTest, AFilmWithoutMemoryForItsPicturesShowsNothing) {
     EXPECT_GT(uploads(), 0);
 }
 
+// Each allocation of a film fails once: the decoder itself would write to null.
+TEST_F(VideoDamageTest, AFilmThatRunsOutOfMemoryIsClosed) {
+    if (!Allocations::canFail()) GTEST_SKIP();
+    const Bytes bytes = joined(firstBytes(8192), film("small.m1v"));
+    KTVIDEO *mixed = loaded(bytes);
+    mixed->load(nullptr);
+    int closed = 0;
+    for (long nth = 1; nth < 1000; ++nth) {
+        KTFAULTS::clear();
+        Allocations::failNth(nth);
+        const bool opened = mixed->load("film.m1v");
+        mixed->play();
+        bool decoding = opened;
+        while (decoding && mixed->getStatus() == KT_VIDEO_PLAYING) decoding = mixed->update(1);
+        const bool failed = Allocations::hasFailed();
+        if (opened && !decoding) {
+            ++closed;
+            EXPECT_EQ(mixed->getStatus(), KT_VIDEO_STOPPED);
+            EXPECT_EQ(mixed->stream->file, nullptr);
+            ASSERT_NE(KTFAULTS::getLast(), nullptr) << nth;
+            EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_OUT_OF_MEMORY);
+        }
+        mixed->load(nullptr);
+        EXPECT_EQ(Allocations::live(), 0) << nth;
+        Allocations::clear();
+        if (!failed) break;
+    }
+    EXPECT_GT(closed, 10);
+    mixed->setTexture(target(64, 48));
+    ASSERT_TRUE(mixed->load("film.m1v"));
+    GlRecorder::clear();
+    playOut(*mixed);
+    EXPECT_GT(uploads(), 0) << "the next attempt has the memory";
+}
+
 TEST_F(VideoDamageTest, AVideoWithoutMemoryForItsStreamLoadsNothing) {
     if (!Allocations::canFail()) GTEST_SKIP();
     folder.write("film.m1v", film("wide.m1v"));
