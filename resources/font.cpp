@@ -73,8 +73,11 @@ GLfixed sixteenths(std::int64_t value) {
                                 (65536 / kCells));
 }
 
-// A digit from 0 to 8 spans 0 to 255; other characters give the low byte of the same product.
-unsigned char colorByte(char digit) { return static_cast<unsigned char>((digit - '0') * 3189 / 100); }
+// A digit from 0 to 8 spans 0 to 255; other characters give the low byte of the same product. The same
+// wherever char is unsigned.
+unsigned char colorByte(char digit) {
+    return static_cast<unsigned char>((static_cast<signed char>(digit) - '0') * 3189 / 100);
+}
 
 void setCurrentColor(unsigned char r, unsigned char g, unsigned char b, unsigned char a) {
     const unsigned char color[4] = {r, g, b, a};

@@ -6,11 +6,14 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 #include "scene/element_radius.h"
 #include "scene/node_class.h"
 
 namespace {
+
+constexpr std::int32_t kInfinityBits = 0x7f800000;
 
 enum Rank { kLight, kOpaque, kTransparent };
 
@@ -26,11 +29,13 @@ Rank rankOf(const KTNODE *node) {
     return material && material->getTransparency() != 1.0f ? kTransparent : kOpaque;
 }
 
-// Maps floats to integers in the same order, not-a-number included: a total order whatever the data, and
-// integer comparisons on a machine without a floating-point unit.
+// Maps floats to integers in the same order: a total order whatever the data, and integer comparisons on a
+// machine without a floating-point unit. What is not a number comes last, whatever its sign, which each
+// machine's arithmetic sets in its own way.
 std::int32_t orderKey(float value) {
     std::int32_t bits;
     std::memcpy(&bits, &value, sizeof bits);
+    if ((bits & 0x7fffffff) > kInfinityBits) return std::numeric_limits<std::int32_t>::max();
     return bits < 0 ? bits ^ 0x7fffffff : bits;
 }
 
