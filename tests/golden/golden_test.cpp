@@ -1,7 +1,7 @@
 // Whole pictures of the real driver, from scene files to the frame buffer.
 
 #include "tests/scene/scene_parts.h"
-#include "tests/support/engine_fixture.h"
+#include "tests/support/golden_fixture.h"
 #include "tests/support/shapes.h"
 #include "tests/support/temp_file.h"
 #include "tools/formats/tga_writer.h"
@@ -16,7 +16,7 @@ using keltra::test::matchesGolden;
 // colour, which is 8 steps in a channel of five bits.
 const keltra::test::Tolerance kTolerance = {8, 0.05};
 
-class Golden : public keltra::test::EngineTest {
+class Golden : public keltra::test::GoldenTest {
    protected:
     void prepare(KTSETTINGS &values) override {
         values.setKTEPath(folder.prefix().c_str());

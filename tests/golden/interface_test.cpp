@@ -1,6 +1,6 @@
 // Pictures of every widget in its states, in portrait and landscape.
 
-#include "tests/support/engine_fixture.h"
+#include "tests/support/golden_fixture.h"
 #include "tests/support/temp_file.h"
 #include "tools/formats/tga_writer.h"
 
@@ -40,7 +40,7 @@ keltra::formats::Image stripes() {
 const char kStart[] =
     "<root><font><name value='f'/><texture value='glyphs.tga'/></font><font><name value='none'/></font>";
 
-class Interface : public keltra::test::EngineTest {
+class Interface : public keltra::test::GoldenTest {
    protected:
     void prepare(KTSETTINGS &values) override {
         values.setKTEPath(folder.prefix().c_str());

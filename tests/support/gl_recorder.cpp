@@ -21,6 +21,9 @@ struct State {
     int floatCalls = 0;
     bool recording = true;
     bool stubbed = false;
+    bool drawing = true;
+    bool scissored = false;
+    GlRecorder::Listener listener = nullptr;
     GLuint nextName = 1;
     GLint unpackAlignment = 4;
     GLenum error = GL_NO_ERROR;
@@ -157,6 +160,8 @@ struct Wrapper<f, isFloat, R(A...)> {
     static R call(const char *name, A... arguments) {
         State &now = state();
         if constexpr (f == GlFunction::glPixelStorei) noteAlignment(arguments...);
+        if constexpr (f == GlFunction::glEnable || f == GlFunction::glDisable)
+            noteScissor(f == GlFunction::glEnable, arguments...);
         if (!now.recording) return pass(name, arguments...);
         if (isFloat) ++now.floatCalls;
         now.log.add({name, {asNumber(arguments)...}, {}, {}});
@@ -164,7 +169,9 @@ struct Wrapper<f, isFloat, R(A...)> {
         if constexpr (f == GlFunction::glGenTextures || f == GlFunction::glGenBuffers) {
             pass(name, arguments...);
             keepContents<f>(*now.log.newest(), arguments...);
+            tell();
         } else {
+            tell();
             return pass(name, arguments...);
         }
     }
@@ -176,6 +183,16 @@ struct Wrapper<f, isFloat, R(A...)> {
         }
     }
 
+    static void tell() {
+        unsigned pointers = 0, bit = 1;
+        ((pointers |= std::is_pointer_v<A> ? bit : 0, bit <<= 1), ...);
+        if (state().listener) state().listener(*state().log.newest(), pointers);
+    }
+
+    static void noteScissor(bool on, GLenum capability) {
+        if (capability == GL_SCISSOR_TEST) state().scissored = on;
+    }
+
     static void noteAlignment(GLenum pname, GLint value) {
         const bool valid = value == 1 || value == 2 || value == 4 || value == 8;
         if (pname == GL_UNPACK_ALIGNMENT && valid) state().unpackAlignment = value;
@@ -183,6 +200,8 @@ struct Wrapper<f, isFloat, R(A...)> {
 
     static R pass(const char *name, A... arguments) {
         if (state().stubbed) return stub<f, R>(arguments...);
+        if constexpr (f == GlFunction::glDrawArrays || f == GlFunction::glDrawElements)
+            if (!state().drawing && !state().scissored) return;
         static auto *const driver = nextFunction<R(A...)>(name);
         return driver(arguments...);
     }
@@ -204,6 +223,8 @@ std::vector<Call> GlRecorder::all(std::string_view name) { return state().log.al
 const Call &GlRecorder::last(std::string_view name) { return state().log.last(name); }
 int GlRecorder::countFloat() { return state().floatCalls; }
 
+void GlRecorder::setListener(Listener listener) { state().listener = listener; }
+void GlRecorder::setDrawing(bool on) { state().drawing = on; }
 void GlRecorder::setRecording(bool on) { state().recording = on; }
 bool GlRecorder::isRecording() { return state().recording; }
 void GlRecorder::setStubbed(bool on) { state().stubbed = on; }

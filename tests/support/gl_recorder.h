@@ -37,6 +37,14 @@ class GlRecorder {
     /// How many of the calls went to entry points that take or return floats: none may.
     static int countFloat();
 
+    /// Is told of every call that is recorded, before a driver has it; of those that make names, after. Bit n
+    /// of `pointers` says that argument n is an address. Null: nobody.
+    using Listener = void (*)(const Call &call, unsigned pointers);
+    static void setListener(Listener listener);
+    /// Off, drawing calls do not reach the driver, unless they are scissored: picking reads what it draws. On
+    /// at program start.
+    static void setDrawing(bool on);
+
     /// Calls are still passed on while this is off. On at program start.
     static void setRecording(bool on);
     static bool isRecording();

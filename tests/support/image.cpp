@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "tests/support/call_hash.h"
 #include "tests/support/gl_recorder.h"
 
 namespace keltra::test {
@@ -98,6 +99,10 @@ Image differenceImage(const Image &one, const Image &other) {
 }
 
 ::testing::AssertionResult matchesGolden(const Image &actual, const std::string &name, Tolerance tolerance) {
+    if (CallHash::isOn()) {
+        const ::testing::AssertionResult calls = CallHash::matches(name);
+        if (!calls || CallHash::withoutPictures()) return calls;
+    }
     const std::string golden = goldenPath(name);
     if (const char *update = std::getenv("KELTRA_UPDATE_GOLDEN"); update && !std::strcmp(update, "1")) {
         if (savePng(actual, golden)) return ::testing::AssertionSuccess() << golden << " was written";

@@ -45,9 +45,10 @@ struct Tolerance {
     double mean = 0;
 };
 
-/// Compares with tests/golden/NAME_DEPTH.png, DEPTH being the screen's colour depth: a golden picture holds
-/// for one depth. On failure the actual and the difference picture are left in the build folder and the
-/// message names them. With KELTRA_UPDATE_GOLDEN=1 in the environment the golden picture is written instead.
+/// Compares the calls, when they are noted (call_hash.h), and then with tests/golden/NAME_DEPTH.png, DEPTH
+/// being the screen's colour depth: a golden picture holds for one depth. On failure the actual and the
+/// difference picture are left in the build folder and the message names them. With KELTRA_UPDATE_GOLDEN=1 in
+/// the environment the golden picture is written instead.
 ::testing::AssertionResult matchesGolden(const Image &actual, const std::string &name, Tolerance tolerance);
 
 /// The colour depth of the screen the tests run on: 16 or 24.
