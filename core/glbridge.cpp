@@ -8,6 +8,7 @@
 #include "core/glbridge.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
+#include "math/sparse.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ bool isInGL() { return sizes[current] == 0 || depths[current] < sizes[current]; 
 float *top() { return mirror[current * kLevels + depths[current]]; }
 
 // top := m x top, where the last row of m is (0, 0, 0, 1) and m does not translate.
-void rotateTop(const float *m) {
+void multiplyTopByRotation(const float *m) {
     float *t = top();
     for (int j = 0; j < 4; ++j) {
         float x = t[j], y = t[4 + j], z = t[8 + j];
@@ -46,8 +47,17 @@ void rotateTop(const float *m) {
     }
 }
 
+void rotateTop(float angle, float x, float y, float z) {
+    const int axis = keltra::mainAxis(x, y, z);
+    if (keltra::kSoftFloat && axis >= 0 && keltra::turnBy(keltra::rotationOf(angle), axis, top())) return;
+    R3XMATRIX rotation;
+    rotation.setRotation(angle, x, y, z);
+    multiplyTopByRotation(rotation.m);
+}
+
 void translateTop(float x, float y, float z) {
     float *t = top();
+    if (keltra::kSoftFloat && keltra::translateBy(x, y, z, t)) return;
     for (int j = 0; j < 4; ++j) t[12 + j] = x * t[j] + y * t[4 + j] + z * t[8 + j] + t[12 + j];
 }
 
@@ -164,11 +174,7 @@ void KT_glMultMatrixf(const float *m) {
 // A rotation by 0 degrees is the identity, which leaves the mirror as it is; most nodes turn about one axis
 // or none.
 void KT_glRotatef(float angle, float x, float y, float z) {
-    if (angle != 0.0f) {
-        R3XMATRIX rotation;
-        rotation.setRotation(angle, x, y, z);
-        rotateTop(rotation.m);
-    }
+    if (!keltra::isZero(angle)) rotateTop(angle, x, y, z);
     glRotatex(toFixed(angle), toFixed(x), toFixed(y), toFixed(z));
 }
 

@@ -3,21 +3,17 @@
 #include <algorithm>
 #include <cmath>
 
+#include "math/sine.h"
+#include "math/sparse.h"
+
 namespace {
 
 constexpr float kRadiansPerDegree = 0.017453294f;
 constexpr double kInversePi = 0.31830987732601135;  // deliberate: not quite 1/pi, callers rely on it
 constexpr float kPole = 0.998f;
 
-struct SineCosine {
-    float sine, cosine;
-};
-
-// Most rotations of a scene are by zero, and the sine of a zero is that zero: no library call.
-SineCosine sineCosine(float radians) {
-    if (radians == 0.0f) return {radians, 1.0f};
-    return {float(std::sin(double(radians))), float(std::cos(double(radians)))};
-}
+using keltra::SineCosine;
+using keltra::sineCosine;
 
 float degrees(double radians) { return float(radians * kInversePi) * 180.0f; }
 
@@ -56,6 +52,7 @@ R3XVECTOR4D R3XMATRIX::getColumn(int column) const {
 
 R3XMATRIX R3XMATRIX::operator*(const R3XMATRIX &other) const {
     R3XMATRIX result(*this);
+    if (keltra::kSoftFloat && keltra::multiplyPlacements(m, other.m, result.m)) return result;
     productColumn(m, other.m, result.m);
     productColumn(m + 4, other.m, result.m + 4);
     productColumn(m + 8, other.m, result.m + 8);
@@ -124,7 +121,9 @@ R3XMATRIX R3XMATRIX::inverse() const {
 }
 
 void R3XMATRIX::setRotation(float angle, float x, float y, float z) {
-    SineCosine turn = sineCosine(angle * 0.0055555557f * 3.1415927f);
+    const keltra::Rotation &turn = keltra::rotationOf(angle);
+    const int axis = keltra::mainAxis(x, y, z);
+    if (axis >= 0 && keltra::isFinite(turn.sine)) return keltra::setTurn(turn, axis, m);
     float s = turn.sine, c = turn.cosine, u = 1.0f - c;
     m[0] = u * x * x + c;
     m[1] = u * y * x + s * z;

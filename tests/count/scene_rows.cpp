@@ -20,6 +20,9 @@ class Scene {
             mesh->setMaterial(&material);
             add(mesh, lights + i, axes);
         }
+        // No element of the view's matrix is zero.
+        camera.setPosition(3.0f, 2.5f, 40.0f);
+        camera.setRotation(12.0f, 25.0f, 5.0f);
         KTOPENGL::setProfile(KT_PROFILE_NORMAL);
         KELTRA::begin3D(&camera);
     }

@@ -1,0 +1,26 @@
+#ifndef KELTRA_MATH_SINE_H
+#define KELTRA_MATH_SINE_H
+
+namespace keltra {
+
+struct SineCosine {
+    float sine, cosine;
+};
+
+// Of an angle in radians: the double-precision results of the C library, rounded to floats. Below 1,024
+// radians it is computed in integers, with the same bits.
+SineCosine sineCosine(float radians);
+
+struct Rotation {
+    float sine, cosine;
+    float unit;  // (1 - cosine) + cosine, which is 1 or the float below
+};
+
+// The same for an angle in degrees, which is `degrees * 0.0055555557f * 3.1415927f` radians. Angles seen
+// before are kept in a small table: most nodes of a scene stand still, and bones are walked more than once a
+// frame.
+const Rotation &rotationOf(float degrees);
+
+}  // namespace keltra
+
+#endif

@@ -1,0 +1,135 @@
+#ifndef KELTRA_MATH_SPARSE_H
+#define KELTRA_MATH_SPARSE_H
+
+// Matrix operations that leave out products by zero, for processors without a floating-point unit: there each
+// product is a call, and most elements of a scene's matrices are zeros. The bits are those of the plain
+// operations: a product by zero changes a sum only when that is zero itself, where the signs are looked at,
+// or when the other factor is not finite, where the functions return false with nothing changed. A processor
+// with such a unit is faster with the plain operations.
+
+#include "math/float_bits.h"
+#include "math/sine.h"
+
+namespace keltra {
+
+// The sign of a sum of zeros: negative when all of them are.
+inline float zeroOf(std::uint32_t signs) { return floatOf(signs & kSignBit); }
+
+// a x + b y + 0 z, in any order of the terms; all of them finite.
+inline float sumOfTwo(float a, float x, float b, float y, float z) {
+    float sum;
+    if (isZero(x)) {
+        if (isZero(y)) return zeroOf((bitsOf(a) ^ bitsOf(x)) & (bitsOf(b) ^ bitsOf(y)) & bitsOf(z));
+        sum = b * y;
+    } else {
+        sum = a * x;
+        if (!isZero(y)) sum += b * y;
+    }
+    return isZero(sum) ? a * x + b * y + 0.0f * z : sum;
+}
+
+// a[0] x + a[1] y + a[2] z + 0 w; all of them finite.
+inline float sumOfThree(const float *a, float x, float y, float z, float w) {
+    float sum = 0.0f;
+    bool empty = true;
+    if (!isZero(a[0]) && !isZero(x)) {
+        sum = a[0] * x;
+        empty = false;
+    }
+    if (!isZero(a[1]) && !isZero(y)) {
+        const float product = a[1] * y;
+        sum = empty ? product : sum + product;
+        empty = false;
+    }
+    if (!isZero(a[2]) && !isZero(z)) {
+        const float product = a[2] * z;
+        sum = empty ? product : sum + product;
+        empty = false;
+    }
+    if (empty)
+        return zeroOf((bitsOf(a[0]) ^ bitsOf(x)) & (bitsOf(a[1]) ^ bitsOf(y)) & (bitsOf(a[2]) ^ bitsOf(z)) &
+                      bitsOf(w));
+    return isZero(sum) ? a[0] * x + a[1] * y + a[2] * z + 0.0f * w : sum;
+}
+
+// Whether the last row is (0, 0, 0, 1), with zeros that are positive, and everything is finite.
+inline bool isPlacement(const float *m) {
+    return (bitsOf(m[3]) | bitsOf(m[7]) | bitsOf(m[11]) | (bitsOf(m[15]) ^ kOneBits)) == 0 &&
+           areFinite(m, 15);
+}
+
+// The axis that a rotation is about, 0 for x to 2 for z; -1 when it is none of the three.
+inline int mainAxis(float x, float y, float z) {
+    const std::uint32_t bits[3] = {bitsOf(x), bitsOf(y), bitsOf(z)};
+    if ((bits[0] | bits[1] | bits[2]) != kOneBits) return -1;
+    for (int axis = 0; axis < 3; ++axis)
+        if (bits[axis] == kOneBits) return (bits[(axis + 1) % 3] | bits[(axis + 2) % 3]) == 0 ? axis : -1;
+    return -1;
+}
+
+// What R3XMATRIX::setRotation makes of a rotation about a main axis, 0 for x to 2 for z. Sine and cosine are
+// those of one angle, finite.
+inline void setTurn(const Rotation &turn, int axis, float *m) {
+    for (int i = 0; i < 15; ++i) m[i] = 0.0f;
+    m[15] = 1.0f;
+    const int first = axis == 0 ? 1 : 0, second = axis == 2 ? 1 : 2;
+    m[5 * first] = m[5 * second] = turn.cosine;
+    m[5 * axis] = turn.unit;
+    if (isZero(turn.sine)) return;  // zeros of both signs are zeros with a positive sign there
+    const float back = floatOf(bitsOf(turn.sine) ^ kSignBit);
+    m[4 * first + second] = axis == 1 ? back : turn.sine;
+    m[4 * second + first] = axis == 1 ? turn.sine : back;
+}
+
+// t := that rotation x t, of which the last row may be anything.
+inline bool turnBy(const Rotation &turn, int axis, float *t) {
+    if (isZero(turn.sine) || !isFinite(turn.sine) || !areFinite(t, 12)) return false;
+    const float c = turn.cosine, back = floatOf(bitsOf(turn.sine) ^ kSignBit);
+    const float p = axis == 1 ? back : turn.sine, q = axis == 1 ? turn.sine : back;
+    float *kept = t + 4 * axis, *first = t + (axis == 0 ? 4 : 0), *second = t + (axis == 2 ? 4 : 8);
+    const bool scales = bitsOf(turn.unit) != kOneBits;
+    // A placement's last row stays as it is.
+    const int rows = (bitsOf(t[3]) | bitsOf(t[7]) | bitsOf(t[11])) == 0 ? 3 : 4;
+    for (int j = 0; j < rows; ++j) {
+        const float x = first[j], y = second[j], z = kept[j];
+        first[j] = sumOfTwo(c, x, p, y, z);
+        second[j] = sumOfTwo(q, x, c, y, z);
+        if (isZero(z))
+            kept[j] = zeroOf(bitsOf(x) & bitsOf(y) & bitsOf(z));
+        else if (scales)
+            kept[j] = turn.unit * z;
+    }
+    return true;
+}
+
+// t := a translation x t.
+inline bool translateBy(float x, float y, float z, float *t) {
+    if (!isPlacement(t) || !isFinite(x) || !isFinite(y) || !isFinite(z)) return false;
+    const float place[3] = {x, y, z};
+    const bool moves = !isZero(x) || !isZero(y) || !isZero(z);
+    for (int j = 0; j < 3; ++j)
+        if (moves || bitsOf(t[12 + j]) == kSignBit)
+            t[12 + j] = sumOfThree(place, t[j], t[4 + j], t[8 + j], floatOf(kSignBit)) + t[12 + j];
+    return true;
+}
+
+// result := a x b in the order of R3XMATRIX, for two placements; `result` is neither of them.
+inline bool multiplyPlacements(const float *a, const float *b, float *result) {
+    if (!isPlacement(a) || !isPlacement(b)) return false;
+    for (int column = 0; column < 16; column += 4) {
+        for (int row = 0; row < 3; ++row) {
+            const float w = b[12 + row];
+            if (column < 12)
+                result[column + row] = sumOfThree(a + column, b[row], b[4 + row], b[8 + row], w);
+            else
+                result[column + row] =
+                    sumOfThree(a + column, b[row], b[4 + row], b[8 + row], floatOf(kSignBit)) + w;
+        }
+        result[column + 3] = column < 12 ? 0.0f : 1.0f;
+    }
+    return true;
+}
+
+}  // namespace keltra
+
+#endif
