@@ -142,4 +142,9 @@ class Avx2Skin {
 
 }  // namespace keltra
 
+#if defined(__arm__) && !defined(__thumb__) && defined(__GNUC__)
+#define KELTRA_SKIN_ARM
+#include "scene/skin_kernel_arm.h"
+#endif
+
 #endif

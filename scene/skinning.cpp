@@ -108,6 +108,10 @@ bool KTMESH::skinVertices(unsigned int boneCount) {
         return true;
     }
 #endif
+#if defined(KELTRA_SKIN_ARM)
+    skin<keltra::ArmSkin>(job, boneCount);
+#else
     skin<keltra::ScalarSkin>(job, boneCount);
+#endif
     return true;
 }

@@ -123,6 +123,16 @@ TEST(SkinKernelTest, WideKernelFollowsTheRuleForAnyInput) {
 #endif
 }
 
+TEST(SkinKernelTest, ArmKernelFollowsTheRuleForAnyInput) {
+#if defined(KELTRA_SKIN_ARM)
+    for (unsigned seed = 1; seed <= 5; ++seed)
+        for (std::size_t influences : {1u, 3u, 4u, 7u, 8u, 9u, 20u})
+            expectSameBits<ArmSkin>(wildInput(seed, 200, influences, 20));
+#else
+    GTEST_SKIP() << "not built for this processor";
+#endif
+}
+
 class SkinningTest : public SceneTest {
    protected:
     SkinningTest() : random(1) {}
