@@ -1,6 +1,6 @@
 #!/bin/sh
 # exports.sh NM LIBRARY
-# The library exports its documented names and nothing else.
+# The library exports its documented names and nothing else, private members left out.
 set -u
 nm=$1
 library=$2
@@ -18,6 +18,12 @@ strangers=$(printf '%s\n' "$exported" |
     grep -Ev '^__(asan|odr_asan|ubsan|sanitizer|gcov|llvm)')
 if [ -n "$strangers" ]; then
     printf 'these names must not be exported:\n%s\n' "$strangers" >&2
+    exit 1
+fi
+# Each listed class has these private members.
+private=$(printf '%s\n' "$exported" | grep -E '::(copyFields|letGo|setLink|enlist|joinAlive|forgetTexture)\(')
+if [ -n "$private" ]; then
+    printf 'these members are private and must not be exported:\n%s\n' "$private" >&2
     exit 1
 fi
 echo "$(printf '%s\n' "$exported" | wc -l) names are exported"

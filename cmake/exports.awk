@@ -1,0 +1,60 @@
+# awk -v out=FILE -f exports.awk HEADER...: writes the linker's version script, which says what of the public headers' names
+# stays inside the library: the private members of its classes, which would be a fifth of it. A name that the class also has
+# as a public or protected one stays exported.
+BEGIN { end = "[!A-Za-z0-9_]*" }
+
+# Notes the name that a declaration of a function or of static data has.
+function declare(text) {
+    gsub(/<[^<>]*>/, "", text)
+    if (text ~ /friend|operator|^ *(class|struct|enum|using) /) return
+    if (text !~ /\(/ && text !~ /static/) return
+    sub(/[(=;[].*/, "", text)
+    if (!match(text, /[A-Za-z_0-9]+ *$/)) return
+    text = substr(text, RSTART)
+    sub(/ +$/, "", text)
+    if (text != class) names[class "::" text] = names[class "::" text] " " access
+}
+
+/^ *(\/\/|\/\*|\*)/ { next }
+{ sub(/\/\/.*/, "") }
+/^class .*\{/ {
+    sub(/^class (KT_API )?/, "")
+    sub(/[ :].*/, "")
+    class = $0
+    access = "private"
+    depth = 0
+    text = ""
+    next
+}
+/^};/ { class = "" }
+class == "" { next }
+/^ *(public|protected|private):/ {
+    access = $1
+    sub(/:.*/, "", access)
+    text = ""
+    next
+}
+# Of a nested class or a body only the line that opens it is looked at.
+{
+    opened = gsub(/\{/, "{") - gsub(/\}/, "}")
+    if (depth == 0) text = text " " $0
+    if (depth == 0 && ($0 ~ /[;{]/)) {
+        declare(text)
+        text = ""
+    }
+    depth += opened
+}
+
+END {
+    print "{ local:" >out
+    # Templates of the C++ library that are instantiated in the engine.
+    print "_ZSt*; _ZNSt*; _ZNKSt*;" >out
+    print "extern \"C++\" {" >out
+    # Of the base of all listed classes, applications use the operators alone.
+    count = split("KTREGISTERED ?KTREGISTERED count delist destroy destroyAll enlist firstAlive firstRegistered joinAlive nextAlive",
+        base, " ")
+    for (i = 1; i <= count; ++i) print "KTREGISTERED*::" base[i] end ";" >out
+    for (name in names)
+        if (names[name] !~ /public|protected/) print name "; " name end ";" >out
+    print "}; };" >out
+}
