@@ -64,7 +64,7 @@ class KT_API KTEMITTER : public KTNODE {
     bool render(void *data) override;
 
     /** 0 point, 1 rectangle, 2 disc; particles of other types stay where their records last were. */
-    void setEmitterType(int type) { emitterType = type; }
+    void setEmitterType(int newType) { emitterType = newType; }
     int getEmitterType() const { return emitterType; }
     /** Particles held in excess are given back at once; missing ones are claimed, and all spawned anew, by
      * the next render. More than 512 are cut to 512 then, less than 0 to 0. */

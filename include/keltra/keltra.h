@@ -38,6 +38,7 @@
 #include <keltra/textfield.h>
 #include <keltra/texture.h>
 #include <keltra/vector.h>
+#include <keltra/version.h>
 #include <keltra/video.h>
 #include <keltra/video_stream.h>
 #include <keltra/window.h>

@@ -3,6 +3,11 @@
 
 #include <keltra/vector.h>
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"  // parameters are named after the components that they set
+#endif
+
 /** The plane a*x + b*y + c*z + d = 0, with the normal (a, b, c). */
 class KT_API R3XPLANE {
    public:
@@ -26,5 +31,9 @@ class KT_API R3XPLANE {
 
     float a, b, c, d;
 };
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 
 #endif

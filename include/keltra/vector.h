@@ -13,6 +13,11 @@
 
 #include <keltra/export.h>
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"  // parameters are named after the components that they set
+#endif
+
 namespace keltra {
 
 /** Lets calls with mixed numbers, (1, 2, 3.0f), through beside the forms for float, double and int alone. */
@@ -299,5 +304,9 @@ class KT_API R3XVECTOR4D {
 
     float x, y, z, w;
 };
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 
 #endif

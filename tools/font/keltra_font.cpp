@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/formats/version.h"
+
 namespace {
 
 using keltra::font::BakedFont;
@@ -54,6 +56,7 @@ bool writeAll(const Arguments &arguments, const BakedFont &font) {
 }
 
 void describe(CLI::App *app, Arguments *arguments) {
+    app->set_version_flag("--version", std::string("keltra-font ") + keltra::formats::projectVersion());
     app->add_option("FONT", arguments->bake.file, "Font file")->required()->check(CLI::ExistingFile);
     app->add_option("TEXTURE", arguments->texture, "Targa file to write, 16 x 16 cells")->required();
     app->add_option("KERNING", arguments->kerning, "Kerning file to write")->required();

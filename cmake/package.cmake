@@ -1,0 +1,50 @@
+# How other projects find and link the library: keltra::keltra, and keltra::sdl and keltra::gles for an application that calls
+# SDL or GL itself. The names are the same from an installed package, from a build folder and with add_subdirectory.
+add_library(keltra::keltra ALIAS keltra)
+add_library(keltra_sdl INTERFACE)
+add_library(keltra::sdl ALIAS keltra_sdl)
+target_include_directories(keltra_sdl SYSTEM INTERFACE ${SDL_INCLUDE_DIRS})
+target_compile_options(keltra_sdl INTERFACE ${SDL_CFLAGS_OTHER})
+target_link_libraries(keltra_sdl INTERFACE ${SDL_LINK_LIBRARIES})
+add_library(keltra_gles INTERFACE)
+add_library(keltra::gles ALIAS keltra_gles)
+target_include_directories(keltra_gles SYSTEM INTERFACE ${GLES_INCLUDE_DIRS})
+target_link_libraries(keltra_gles INTERFACE ${GLES_LINK_LIBRARIES})
+
+if(NOT KELTRA_INSTALL)
+  return()
+endif()
+include(CMakePackageConfigHelpers)
+set(KELTRA_CMAKE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/keltra)
+
+install(TARGETS keltra EXPORT keltra
+  RUNTIME COMPONENT runtime
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development)
+install(DIRECTORY include/keltra DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(EXPORT keltra NAMESPACE keltra:: FILE keltra-library.cmake DESTINATION ${KELTRA_CMAKE_FOLDER} COMPONENT development)
+export(EXPORT keltra NAMESPACE keltra:: FILE ${PROJECT_BINARY_DIR}/keltra-library.cmake)
+
+if(KELTRA_TOOLS)
+  export(EXPORT keltra-tools NAMESPACE keltra:: FILE ${PROJECT_BINARY_DIR}/keltra-tools.cmake)
+  install(EXPORT keltra-tools NAMESPACE keltra:: FILE keltra-tools.cmake DESTINATION ${KELTRA_CMAKE_FOLDER} COMPONENT tools)
+endif()
+
+configure_package_config_file(cmake/keltra-config.cmake.in ${PROJECT_BINARY_DIR}/keltra-config.cmake
+  INSTALL_DESTINATION ${KELTRA_CMAKE_FOLDER} NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/keltra-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/keltra-config.cmake ${PROJECT_BINARY_DIR}/keltra-config-version.cmake
+  DESTINATION ${KELTRA_CMAKE_FOLDER} COMPONENT development)
+
+# The prefix is found from where the file lies, so that the installed tree may be moved.
+file(RELATIVE_PATH KELTRA_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+set(KELTRA_PC_NEEDS "sdl egl glesv1_cm tinyxml")
+if(KELTRA_VIDEO)
+  string(APPEND KELTRA_PC_NEEDS " libmpeg2 libmpeg2convert")
+endif()
+configure_file(cmake/keltra.pc.in ${PROJECT_BINARY_DIR}/keltra.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/keltra.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT docs
+  PATTERN Doxyfile EXCLUDE PATTERN man EXCLUDE)

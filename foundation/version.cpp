@@ -1,0 +1,5 @@
+#include <keltra/version.h>
+
+const char *KTVERSION::getString() { return KELTRA_VERSION_STRING; }
+
+int KTVERSION::getNumber() { return KELTRA_VERSION_NUMBER; }

@@ -1,0 +1,27 @@
+// Loads the scene file that is its argument and draws three frames, with calls of SDL and GL of its own.
+#include <SDL.h>
+
+#include <keltra/keltra.h>
+
+#include <cstdio>
+
+int main(int argc, char **argv) {
+    if (argc != 2 || KTVERSION::getNumber() != KELTRA_VERSION_NUMBER) return 1;
+    if (!KELTRA::init(nullptr)) return 2;
+    KTNODE *scene = KELTRA::load(argv[1]);
+    KTCAMERA *camera = new KTCAMERA;
+    camera->setPosition(0.0f, 5.8f, 21.0f);
+    bool good = scene != nullptr;
+    for (int frame = 0; good && frame < 3; ++frame) {
+        SDL_PumpEvents();
+        KELTRA::updateTimer();
+        KELTRA::clear(true, true, false);
+        KELTRA::begin3D(camera);
+        scene->pass();
+        KELTRA::end3D();
+        good = KELTRA::swap() && glGetError() == GL_NO_ERROR;
+    }
+    KELTRA::free();
+    std::printf("keltra %s: %s\n", KTVERSION::getString(), good ? "drawn" : "not drawn");
+    return good ? 0 : 3;
+}

@@ -1,0 +1,52 @@
+#!/bin/sh
+# outside.sh WAY CMAKE BUILD SOURCE SCENE
+# Builds a project of somebody else with the library and runs it on a screen. The ways: "installed", "build-folder", "pkg-config"
+# and "subdirectory".
+set -eu
+way=$1
+cmake=$2
+build=$3
+source=$4
+scene=$5
+here=$(cd "$(dirname "$0")" && pwd)
+
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+# The blank in the name is a test: a prefix may have one. The tree is moved after the installation, since it may be.
+prefix="$folder/a prefix"
+
+install_moved() {
+    "$cmake" --install "$build" --prefix "$folder/first" --component runtime >/dev/null
+    "$cmake" --install "$build" --prefix "$folder/first" --component development >/dev/null
+    mv "$folder/first" "$prefix"
+}
+# consume [ARGUMENT...]: configures, builds and runs it.
+consume() {
+    "$cmake" -S "$here/consumer" -B "$folder/build" -DCMAKE_BUILD_TYPE=Debug "$@" >"$folder/log" 2>&1 &&
+        "$cmake" --build "$folder/build" --parallel 2 >>"$folder/log" 2>&1 || { cat "$folder/log" >&2; return 1; }
+    "$here/../support/with_screen.sh" 16 "$folder/build/consumer" "$scene"
+}
+
+case $way in
+    installed)
+        install_moved
+        consume -DWAY=package -DCMAKE_PREFIX_PATH="$prefix"
+        # A component that is not installed is refused with its name.
+        if "$cmake" -S "$here/consumer" -B "$folder/without" -DWAY=package -DCMAKE_PREFIX_PATH="$prefix" \
+            -DKELTRA_COMPONENTS=tools >"$folder/log" 2>&1; then
+            echo "the tools are found where they are not installed" >&2
+            exit 1
+        fi
+        ;;
+    build-folder) consume -DWAY=package -Dkeltra_DIR="$build" ;;
+    pkg-config)
+        install_moved
+        PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name keltra.pc)")
+        export PKG_CONFIG_PATH
+        pkg-config --static --libs keltra | grep -q -- -lGLESv1_CM
+        consume -DWAY=pkg-config
+        ;;
+    # Unoptimised: only that it builds and links is tested.
+    subdirectory) consume -DWAY=subdirectory -DKELTRA_SOURCE="$source" -DCMAKE_CXX_FLAGS_DEBUG=-O0 ;;
+    *) echo "outside.sh: no way $way" >&2; exit 1 ;;
+esac
