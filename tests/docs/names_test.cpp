@@ -68,7 +68,7 @@ bool anyMatches(const fs::path &pattern) {
 }
 
 TEST(DocumentsTest, EveryBlockSaysItsLanguage) {
-    const std::set<std::string> languages = {"cpp", "xml", "settings", "kerning", "sh", "text"};
+    const std::set<std::string> languages = {"cpp", "cmake", "xml", "settings", "kerning", "sh", "text"};
     for (const Document &document : allDocuments()) {
         for (const Block &block : document.blocks)
             EXPECT_TRUE(languages.count(block.language))

@@ -4,6 +4,7 @@
 // Declarations that the C++ fragments of the documents may use. Each is compiled in a function of its own,
 // which may return, as C++11 and with every warning but those about unused variables.
 
+#include <SDL.h>
 #include <keltra/keltra.h>
 
 #include <cmath>
@@ -19,7 +20,7 @@ extern KTBUTTON *closeButton;
 // Its input of this frame, and what it remembers.
 extern int x, y, pressed;
 extern char key;
-extern bool wasPressed, sceneHasPen;
+extern bool quit, wasPressed, sceneHasPen;
 extern unsigned int frame, id, code;
 extern int points;
 extern const char *line;
