@@ -78,8 +78,9 @@ Input wildInput(unsigned seed, std::size_t vertices, std::size_t influences, std
         return random() % 4 ? static_cast<std::int32_t>(random()) : extremes[random() % 7];
     };
     const auto anyWeight = [&random] {
-        const float special[] = {0.0f, -1.0f, 1e-9f, 1e9f, std::numeric_limits<float>::quiet_NaN(), 32767.9f};
-        return random() % 4 ? static_cast<float>(random() % 2000) * 0.001f - 0.5f : special[random() % 6];
+        const float special[] = {
+            0.0f, -0.0f, 1.0f, -1.0f, 1e-9f, 1e9f, std::numeric_limits<float>::quiet_NaN(), 32767.9f};
+        return random() % 4 ? static_cast<float>(random() % 2000) * 0.001f - 0.5f : special[random() % 8];
     };
     Input input;
     input.influences = influences;
@@ -90,6 +91,9 @@ Input wildInput(unsigned seed, std::size_t vertices, std::size_t influences, std
         input.bones.push_back(static_cast<std::uint8_t>(random() % (bones + 2)));
         input.weights.push_back(anyWeight());
     }
+    // Every third vertex has one whole influence.
+    for (std::size_t v = 0; v < vertices; v += 3)
+        for (std::size_t k = 0; k < influences; ++k) input.weights[v * influences + k] = k == 0 ? 1.0f : 0.0f;
     return input;
 }
 
