@@ -51,6 +51,13 @@ class FreshBlocks {
     unsigned int used;
 };
 
+// A class whose objects are large can take their memory cleared by the system, which then costs nothing
+// before it is used.
+template <class T>
+struct ObjectMemory {
+    static const bool isCleared = false;
+};
+
 // One list a class.
 template <class T>
 struct Registry {
@@ -75,7 +82,7 @@ FreshBlocks Registry<T>::fresh = {};
 
 template <class T>
 void *KTREGISTERED<T>::operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    void *block = std::malloc(size);
+    void *block = keltra::ObjectMemory<T>::isCleared ? std::calloc(1, size) : std::malloc(size);
     keltra::Registry<T>::fresh.add(block, size);
     return block;
 }

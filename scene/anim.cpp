@@ -13,6 +13,10 @@
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
+template <>
+struct keltra::ObjectMemory<KTANIM> {
+    static const bool isCleared = true;
+};
 template class KTREGISTERED<KTANIM>;
 
 const unsigned int KTANIM::maxBones;
@@ -37,9 +41,9 @@ KTANIM::KTANIM()
       numberOfBones(0),
       numberOfFrames(0),
       boneNames(),
-      keyframes(),
       previous(nullptr),
       next(nullptr) {
+    if (!isFromNew()) clearGrid();
     id = enlist();
     std::snprintf(name, sizeof name, "[anim %d]", static_cast<int>(id));
 }
@@ -53,6 +57,9 @@ KTANIM &KTANIM::operator=(const KTANIM &other) {
 
 KTANIM::~KTANIM() { delist(); }
 
+// Zeros are what the constructors of its parts give.
+void KTANIM::clearGrid() { std::memset(static_cast<void *>(keyframes), 0, sizeof keyframes); }
+
 void KTANIM::copyFields(const KTANIM &other) {
     id = other.id;
     std::memcpy(name, other.name, sizeof name);
@@ -60,7 +67,7 @@ void KTANIM::copyFields(const KTANIM &other) {
     numberOfBones = other.numberOfBones;
     numberOfFrames = other.numberOfFrames;
     std::memcpy(boneNames, other.boneNames, sizeof boneNames);
-    std::copy(&other.keyframes[0][0], &other.keyframes[0][0] + (maxFrames + 1) * maxBones, &keyframes[0][0]);
+    std::memcpy(static_cast<void *>(keyframes), other.keyframes, sizeof keyframes);
     previous = other.previous;
     next = other.next;
 }

@@ -11,6 +11,7 @@ namespace keltra {
 const unsigned int kStopWalk = ~0u;
 
 const unsigned int kMaxBorrowed = 2;
+const unsigned int kMostChildren = (1u << 30) - 1;  // more pointers than 32 bits address
 
 // Visits `root` and its subtree depth first, a node before its children, children in order. `enter(node,
 // depth)` comes first, `leave(node, depth)` after the node's children. Returns the node at which `enter`
@@ -20,11 +21,14 @@ const unsigned int kMaxBorrowed = 2;
 // end, or take as many steps as there are orders of the children.
 template <class Enter, class Leave>
 KTNODE *walkTree(KTNODE *root, Enter enter, Leave leave) {
+    // The path is the most of the stack that a frame takes: three words a level on the device.
     struct Step {
         KTNODE *node;
-        unsigned int next, end;
-        unsigned int borrowed;  // steps to here that led to another parent's child
+        unsigned int next;
+        unsigned int end : 30;
+        unsigned int borrowed : 2;  // steps to here that led to another parent's child
     };
+    static_assert(kMaxBorrowed < 4, "it takes two bits");
     if (!root) return nullptr;
     Step path[kMaxTreeDepth];
     unsigned int depth = 0, borrowed = 0;
@@ -32,7 +36,7 @@ KTNODE *walkTree(KTNODE *root, Enter enter, Leave leave) {
     for (;;) {
         unsigned int visits = enter(node, depth);
         if (visits == kStopWalk) return node;
-        path[depth] = {node, 0, visits, borrowed};
+        path[depth] = {node, 0, visits & kMostChildren, borrowed & 3};
         node = nullptr;
         while (!node) {
             Step &step = path[depth];

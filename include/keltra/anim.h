@@ -23,7 +23,8 @@ struct KTBONEFRAME {
  * the bones from a mesh, set some keyframes, fill the frames between them.
  *
  * All animations are on one list, which owns those made with `new`. An object holds the whole grid, about
- * 3.7 MB: never put it on the stack. */
+ * 3.7 MB: never put it on the stack. Made with `new`, it takes memory only for the rows that are used, where
+ * the system allows. */
 class KT_API KTANIM : public KTREGISTERED<KTANIM> {
    public:
     static const unsigned int maxBones = 128;
@@ -104,8 +105,10 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     std::uint16_t numberOfBones;
     std::uint16_t numberOfFrames;
     char boneNames[maxBones][256];
-    /** The last row is the frame one past the last of a full animation. */
-    KTBONEFRAME keyframes[maxFrames + 1][maxBones];
+    union {  // no constructor clears memory that is clear
+        /** The last row is the frame one past the last of a full animation. */
+        KTBONEFRAME keyframes[maxFrames + 1][maxBones];
+    };
     KTANIM *previous, *next;
     KTANIM *getNext() const { return isRegistered() ? registeredNext() : next; }
     KTANIM *getPrevious() const { return isRegistered() ? registeredPrevious() : previous; }
@@ -118,6 +121,7 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     static void setLink(KTANIM &anim, KTANIM *before, KTANIM *after);
     static void setFirst(KTANIM *first) { firstAnim = first; }
     static void letGo(KTANIM &anim);
+    void clearGrid();
     void copyFields(const KTANIM &other);
     KTBONEFRAME *settable(unsigned int frame, unsigned int bone);
     void interpolate(unsigned int bone, unsigned int from, unsigned int to);

@@ -36,6 +36,8 @@ class KTREGISTERED {
     KTREGISTERED &operator=(const KTREGISTERED &) { return *this; }
     ~KTREGISTERED();
 
+    /** True for an object made with `new`, not as a copy. */
+    bool isFromNew() const { return heap; }
     unsigned int enlist();
     void delist();
     T *registeredPrevious() const { return listPrevious; }
