@@ -154,6 +154,10 @@ bool openStream(KTVIDEOSTREAM &stream, std::FILE *file) {
         return false;
     }
     mpeg2dec_t *decoder = mpeg2_init();
+    if (!decoder) {
+        std::fclose(file);
+        return false;
+    }
     stream.file = file;
     stream.decoder = decoder;
     stream.info = mpeg2_info(decoder);
