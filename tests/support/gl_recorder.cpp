@@ -27,6 +27,8 @@ struct State {
     GLuint nextName = 1;
     GLint unpackAlignment = 4;
     GLenum error = GL_NO_ERROR;
+    GLenum uploadError = GL_NO_ERROR, laterError = GL_NO_ERROR;
+    long uploads = 0, failingUpload = 0;
     std::map<GLenum, std::vector<GLint>> integers;
     std::vector<std::uint8_t> pixels;
 };
@@ -163,6 +165,14 @@ struct Wrapper<f, isFloat, R(A...)> {
         if constexpr (f == GlFunction::glEnable || f == GlFunction::glDisable)
             noteScissor(f == GlFunction::glEnable, arguments...);
         if (!now.recording) return pass(name, arguments...);
+        // The engine asks after an upload; what it finds is kept for the test, which asks after the frame.
+        if constexpr (f == GlFunction::glGetError) {
+            const Call *before = now.log.newest();
+            const bool isUpload = before && before->name.compare(0, 5, "glTex") == 0;
+            const GLenum error = pass(name, arguments...);
+            if (isUpload && error != GL_OUT_OF_MEMORY) now.laterError = error;
+            return error;
+        }
         if (isFloat) ++now.floatCalls;
         now.log.add({name, {asNumber(arguments)...}, {}, {}});
         keepInputs(arguments...);
@@ -199,6 +209,16 @@ struct Wrapper<f, isFloat, R(A...)> {
     }
 
     static R pass(const char *name, A... arguments) {
+        if constexpr (f == GlFunction::glTexImage2D) {
+            if (++state().uploads == state().failingUpload) {
+                state().uploadError = GL_OUT_OF_MEMORY;
+                return R();
+            }
+        }
+        if constexpr (f == GlFunction::glGetError) {
+            for (GLenum *error : {&state().uploadError, &state().laterError})
+                if (*error) return std::exchange(*error, static_cast<GLenum>(GL_NO_ERROR));
+        }
         if (state().stubbed) return stub<f, R>(arguments...);
         if constexpr (f == GlFunction::glDrawArrays || f == GlFunction::glDrawElements)
             if (!state().drawing && !state().scissored) return;
@@ -234,6 +254,12 @@ void GlRecorder::setInteger(GLenum pname, std::vector<GLint> values) {
 }
 void GlRecorder::setPixels(std::vector<std::uint8_t> bytes) { state().pixels = std::move(bytes); }
 void GlRecorder::setError(GLenum error) { state().error = error; }
+
+long GlRecorder::failUpload(long nth) {
+    state().failingUpload = nth;
+    state().uploadError = GL_NO_ERROR;
+    return std::exchange(state().uploads, 0);
+}
 
 GlRecorder::Stub::Stub() {
     state() = State();

@@ -59,6 +59,9 @@ class GlRecorder {
     static void setPixels(std::vector<std::uint8_t> bytes);
     /// What the next stubbed glGetError returns; GL_NO_ERROR after that.
     static void setError(GLenum error);
+    /// Lets the `nth` texture upload from now on do nothing but set GL_OUT_OF_MEMORY; with 0 they are only
+    /// counted. Returns how many there were since the last time.
+    static long failUpload(long nth);
 
     /// Switches recording off for its lifetime: for the calls of the test itself.
     class Pause {

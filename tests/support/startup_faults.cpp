@@ -5,6 +5,7 @@
 #include <SDL_syswm.h>
 
 #include <map>
+#include <utility>
 
 #include "tools/support/interpose.h"
 
@@ -27,7 +28,11 @@ State &state() {
     return *instance;
 }
 
+// Counted apart from the state, which each start of a test forgets.
+long callsSeen = 0, failingCall = 0;
+
 bool mustFail(const char *name) {
+    if (++callsSeen == failingCall) return true;
     const auto found = state().failures.find(name);
     if (found == state().failures.end() || found->second == 0) return false;
     --found->second;
@@ -80,6 +85,10 @@ void keepAttributes(const EGLint *attributes) {
 
 void StartupFaults::clear() { state() = State(); }
 void StartupFaults::fail(std::string_view name, int times) { state().failures[std::string(name)] = times; }
+long StartupFaults::failNth(long nth) {
+    failingCall = nth;
+    return std::exchange(callsSeen, 0);
+}
 void StartupFaults::findNoConfigs(int times) { state().emptyChoices = times; }
 const std::vector<Call> &StartupFaults::calls() { return state().log.calls(); }
 std::vector<std::string> StartupFaults::names() { return state().log.names(); }

@@ -21,6 +21,10 @@ class StartupFaults {
     /// and SDL_Quit have no failure: they then do nothing.
     static void fail(std::string_view name, int times = 1);
 
+    /// Lets the `nth` call from now on fail, whichever it is; with 0 they are only counted. Returns how many
+    /// there were since the last time.
+    static long failNth(long nth);
+
     /// The next `times` calls of eglChooseConfig succeed with a count of 0.
     static void findNoConfigs(int times = 1);
 

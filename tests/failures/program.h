@@ -1,0 +1,41 @@
+#ifndef KELTRA_TESTS_FAILURES_PROGRAM_H
+#define KELTRA_TESTS_FAILURES_PROGRAM_H
+
+// A small application that uses all of the engine, from start to stop, and goes on with what it has when a
+// call fails.
+
+#include <string>
+#include <vector>
+
+#include "tests/support/image.h"
+#include "tests/support/temp_file.h"
+
+namespace keltra::test {
+
+struct ProgramRun {
+    Image picture;                    // of the last frame; empty when the engine did not start
+    std::vector<std::string> failed;  // calls that returned a failure
+    unsigned int faults = 0;
+};
+
+class Program {
+   public:
+    Program();
+    ProgramRun run();
+
+   private:
+    struct Parts;
+    void writeFiles();
+    bool start(Parts &parts);
+    void load(Parts &parts);
+    void draw(Parts &parts, unsigned int frame);
+    void change(Parts &parts);
+    bool check(bool succeeded, const char *call);
+
+    TempFolder folder;
+    ProgramRun result;
+};
+
+}  // namespace keltra::test
+
+#endif
