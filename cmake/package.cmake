@@ -45,6 +45,18 @@ endif()
 configure_file(cmake/keltra.pc.in ${PROJECT_BINARY_DIR}/keltra.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/keltra.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
+if(KELTRA_TOOLS AND UNIX)
+  install(PROGRAMS tests/support/with_screen.sh RENAME keltra-screen DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  install(FILES docs/man/keltra-screen.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+endif()
+if(KELTRA_EXAMPLES AND UNIX)
+  set(KELTRA_EXAMPLE_FOLDER ${CMAKE_INSTALL_FULL_LIBDIR}/keltra/examples)
+  configure_file(packaging/keltra-demo.desktop.in ${PROJECT_BINARY_DIR}/keltra-demo.desktop @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/keltra-demo.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT examples)
+  install(FILES packaging/keltra-demo.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT examples)
+  install(FILES packaging/keltra-demo.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT examples)
+endif()
+
 install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT docs
   PATTERN Doxyfile EXCLUDE PATTERN man EXCLUDE)

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <filesystem>
 
 #include "tools/support/shot.h"
 
@@ -23,7 +24,8 @@ void printFault(const KTFAULT *fault, void *) {
 
 bool parse(int argc, char **argv, const char *description, Options *options, int *exitCode) {
     KTFAULTS::setHandler(printFault, nullptr);
-    options->data = KELTRA_EXAMPLE_DATA;
+    // Beside the program, in the build folder as where it is installed.
+    options->data = (std::filesystem::path(argv[0]).parent_path() / "data" / "").string();
     CLI::App app(description);
     app.add_option("--frames", options->frames, "Frames to draw; until the window is closed when left out")
         ->check(CLI::Range(1, 1000000));

@@ -22,8 +22,11 @@ install_moved() {
 }
 # consume [ARGUMENT...]: configures, builds and runs it.
 consume() {
-    "$cmake" -S "$here/consumer" -B "$folder/build" -DCMAKE_BUILD_TYPE=Debug "$@" >"$folder/log" 2>&1 &&
-        "$cmake" --build "$folder/build" --parallel 2 >>"$folder/log" 2>&1 || { cat "$folder/log" >&2; return 1; }
+    if ! { "$cmake" -S "$here/consumer" -B "$folder/build" -DCMAKE_BUILD_TYPE=Debug "$@" &&
+        "$cmake" --build "$folder/build" --parallel 2; } >"$folder/log" 2>&1; then
+        cat "$folder/log" >&2
+        return 1
+    fi
     "$here/../support/with_screen.sh" 16 "$folder/build/consumer" "$scene"
 }
 

@@ -1,12 +1,17 @@
 #!/bin/sh
-# with_screen.sh [-w] DEPTH command...
+# with_screen.sh [-w] DEPTH command...; installed as keltra-screen
 #
 # Runs the command on a 240x320 screen of its own, of 16 or 24 bits: in memory, or with -w in a window of the present
 # display. In memory it draws with Mesa's reference rasteriser, whose pixels are the same on every machine. Returns the
 # command's status. The server takes a free display number by itself, so several may run at once.
 set -u
+name=${0##*/}
 window=
-[ "$1" != -w ] || { window=yes; shift; }
+[ "${1:-}" != -w ] || { window=yes; shift; }
+if [ $# -lt 2 ] || { [ "$1" != 16 ] && [ "$1" != 24 ]; }; then
+    echo "usage: $name [-w] 16|24 command [argument ...]" >&2
+    exit 2
+fi
 depth=$1
 shift
 
@@ -37,7 +42,7 @@ else
 fi
 server=$!
 if ! read -r display <"$folder/display"; then
-    echo "with_screen.sh: the screen does not start:" >&2
+    echo "$name: the screen does not start:" >&2
     cat "$folder/log" >&2
     exit 125
 fi
