@@ -2,6 +2,7 @@
 
 #include <keltra/matrix.h>
 
+#include <cstdint>
 #include <cstring>
 
 #include "core/gl_state.h"
@@ -48,8 +49,6 @@ void multiplyTopByRotation(const float *m) {
 }
 
 void rotateTop(float angle, float x, float y, float z) {
-    const int axis = keltra::mainAxis(x, y, z);
-    if (keltra::kSoftFloat && axis >= 0 && keltra::turnBy(keltra::rotationOf(angle), axis, top())) return;
     R3XMATRIX rotation;
     rotation.setRotation(angle, x, y, z);
     multiplyTopByRotation(rotation.m);
@@ -76,6 +75,21 @@ struct Fixed16 {
     explicit Fixed16(const float *values) { keltra::toFixed(values, v, 16); }
     GLfixed v[16];
 };
+
+// Each lit mesh loads the matrices of its lights, so the same few come again and again within a frame.
+// Without a floating-point unit it takes a third of the instructions to see that a matrix is the same.
+const unsigned int kKnownMatrices = 16;
+struct KnownMatrix {
+    std::uint32_t bits[16];
+    GLfixed fixed[16];
+};
+KnownMatrix knownMatrices[kKnownMatrices];  // zeros are right from the start
+
+void loadKnown(const float *m) {
+    KnownMatrix &known = knownMatrices[reinterpret_cast<std::uintptr_t>(m) / 128 % kKnownMatrices];
+    if (keltra::updateBits<16>(known.bits, m) != 0) keltra::toFixed(m, known.fixed, 16);
+    glLoadMatrixx(known.fixed);
+}
 
 }  // namespace
 
@@ -111,6 +125,15 @@ void popMatrix() {
         return;
     }
     KT_glLoadMatrixf(deepLevels[--deepDepth]);
+}
+
+// A rotation by 0 degrees is the identity, which leaves the mirror as it is; most nodes turn about one axis
+// or none.
+void rotateAbout(int axis, float degrees) {
+    const bool turned = isZero(degrees) || (kSoftFloat && turnBy(rotationOf(degrees), axis, top()));
+    if (!turned) rotateTop(degrees, axis == 0, axis == 1, axis == 2);
+    const GLfixed one = 1 << 16;
+    glRotatex(toFixed(degrees), axis == 0 ? one : 0, axis == 1 ? one : 0, axis == 2 ? one : 0);
 }
 
 }  // namespace keltra
@@ -162,7 +185,10 @@ void KT_glLoadIdentity() {
 void KT_glLoadMatrixf(const float *m) {
     if (!m) return void(keltra::failNull("KT_glLoadMatrixf", "m"));
     std::memmove(top(), m, sizeof mirror[0]);
-    glLoadMatrixx(Fixed16(m).v);
+    if (keltra::kSoftFloat)
+        loadKnown(m);
+    else
+        glLoadMatrixx(Fixed16(m).v);
 }
 
 void KT_glMultMatrixf(const float *m) {
@@ -171,9 +197,9 @@ void KT_glMultMatrixf(const float *m) {
     glMultMatrixx(Fixed16(m).v);
 }
 
-// A rotation by 0 degrees is the identity, which leaves the mirror as it is; most nodes turn about one axis
-// or none.
 void KT_glRotatef(float angle, float x, float y, float z) {
+    const int axis = keltra::mainAxis(x, y, z);
+    if (axis >= 0) return keltra::rotateAbout(axis, angle);
     if (!keltra::isZero(angle)) rotateTop(angle, x, y, z);
     glRotatex(toFixed(angle), toFixed(x), toFixed(y), toFixed(z));
 }

@@ -14,6 +14,9 @@ void setStackSizes(unsigned int modelView, unsigned int projection);
 bool pushMatrix();
 void popMatrix();
 
+// KT_glRotatef about a main axis, 0 for x to 2 for z.
+void rotateAbout(int axis, float degrees);
+
 }  // namespace keltra
 
 #endif

@@ -7,7 +7,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+
+#include "math/float_bits.h"
 
 #if defined(__SSE2__) || defined(_M_X64)
 #include <emmintrin.h>
@@ -15,20 +16,26 @@
 
 namespace keltra {
 
+// `bits` shifted by 1 to 255: from 32 on nothing is left, which ARM's instruction knows and C++ does not.
+inline std::uint32_t shiftedRight(std::uint32_t bits, std::uint32_t by) {
+#if defined(__arm__) && !defined(__thumb__) && defined(__GNUC__)
+    std::uint32_t result;
+    asm("mov %0, %1, lsr %2" : "=r"(result) : "r"(bits), "r"(by));
+    return result;
+#else
+    return by < 32 ? bits >> by : 0;
+#endif
+}
+
 // For processors without an FPU: no floating-point operation, which would be a library call each.
 inline std::int32_t toFixedByIntegers(float value) {
-    constexpr int kSmallestExponent = 111;  // below, the value is less than 1/65536
-    constexpr int kLargestExponent = 141;   // above, it is 32768 or more, infinite or not a number
-    constexpr int kUnitExponent = 134;      // the mantissa is the result as it stands
-    std::uint32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    int exponent = int(bits >> 23 & 0xff);
-    if (exponent < kSmallestExponent) return 0;
-    if (exponent > kLargestExponent) return INT32_MIN;
-    std::int32_t magnitude = std::int32_t((bits & 0x7fffff) | 0x800000);
-    int shift = exponent - kUnitExponent;
-    magnitude = shift < 0 ? magnitude >> -shift : magnitude << shift;
-    return bits >> 31 ? -magnitude : magnitude;
+    constexpr std::int32_t kTooLarge = 142;  // the exponent from which on it does not fit, or is not a number
+    const std::uint32_t bits = bitsOf(value);
+    const std::int32_t shift = kTooLarge - std::int32_t(bits << 1 >> 24);
+    if (shift <= 0) return INT32_MIN;
+    const std::int32_t magnitude =
+        std::int32_t(shiftedRight(bits << 8 | kSignBit, static_cast<std::uint32_t>(shift)));
+    return std::int32_t(bits) < 0 ? -magnitude : magnitude;
 }
 
 inline std::int32_t toFixed(float value) {

@@ -39,6 +39,16 @@ inline bool areFinite(const float *values, int count) {
     return true;
 }
 
+// 0 when the bits kept of `count` floats are those of `values`; otherwise they are taken.
+template <int count>
+std::uint32_t updateBits(std::uint32_t *kept, const float *values) {
+    std::uint32_t changes = 0;
+    for (int i = 0; i < count; ++i) changes |= kept[i] ^ bitsOf(values[i]);
+    if (changes != 0)
+        for (int i = 0; i < count; ++i) kept[i] = bitsOf(values[i]);
+    return changes;
+}
+
 }  // namespace keltra
 
 #endif

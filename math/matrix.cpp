@@ -5,6 +5,7 @@
 
 #include "math/sine.h"
 #include "math/sparse.h"
+#include "math/square_root.h"
 
 namespace {
 
@@ -190,25 +191,25 @@ R3XMATRIX R3XMATRIX::fromQuaternion(const R3XVECTOR4D &q) {
 R3XVECTOR4D R3XMATRIX::toQuaterion() const {
     float trace = m[0] + m[5] + m[10] + 1.0f;
     if (trace > 0.0f) {
-        float s = 0.5f / std::sqrt(trace);
+        float s = 0.5f / keltra::squareRoot(trace);
         return R3XVECTOR4D((m[9] - m[6]) * s, (m[2] - m[8]) * s, (m[4] - m[1]) * s, 0.25f / s);
     }
     if (m[0] > m[5] && m[0] > m[10]) {
-        float s = 2.0f * std::sqrt(m[0] + 1.0f - m[5] - m[10]);
+        float s = 2.0f * keltra::squareRoot(m[0] + 1.0f - m[5] - m[10]);
         return R3XVECTOR4D(0.25f * s, (m[4] + m[1]) / s, (m[8] + m[2]) / s, (m[6] - m[9]) / s);
     }
     if (m[5] > m[10]) {
-        float s = 2.0f * std::sqrt(m[5] + 1.0f - m[0] - m[10]);
+        float s = 2.0f * keltra::squareRoot(m[5] + 1.0f - m[0] - m[10]);
         return R3XVECTOR4D((m[4] + m[1]) / s, 0.25f * s, (m[9] + m[6]) / s, (m[2] - m[8]) / s);
     }
-    float s = 2.0f * std::sqrt(m[10] + 1.0f - m[0] - m[5]);
+    float s = 2.0f * keltra::squareRoot(m[10] + 1.0f - m[0] - m[5]);
     return R3XVECTOR4D((m[8] + m[2]) / s, (m[9] + m[6]) / s, 0.25f * s, (m[1] - m[4]) / s);
 }
 
 R3XVECTOR4D R3XMATRIX::toQuaternionVelto() const {
     float trace = m[0] + m[5] + m[10];
     if (trace > 0.0f) {
-        float root = std::sqrt(trace + 1.0f), s = 0.5f / root;
+        float root = keltra::squareRoot(trace + 1.0f), s = 0.5f / root;
         return R3XVECTOR4D((m[6] - m[9]) * s, (m[8] - m[2]) * s, (m[1] - m[4]) * s, 0.5f * root);
     }
     static const int next[3] = {1, 2, 0};
@@ -216,7 +217,7 @@ R3XVECTOR4D R3XMATRIX::toQuaternionVelto() const {
     if (m[5] > m[0]) i = 1;
     if (m[10] > m[5 * i]) i = 2;
     int j = next[i], k = next[j];
-    float s = std::sqrt(m[5 * i] - (m[5 * k] + m[5 * j]) + 1.0f);
+    float s = keltra::squareRoot(m[5 * i] - (m[5 * k] + m[5 * j]) + 1.0f);
     float q[3];
     q[i] = 0.5f * s;
     if (s != 0.0f) s = 0.5f / s;

@@ -15,6 +15,11 @@ namespace keltra {
 // The sign of a sum of zeros: negative when all of them are.
 inline float zeroOf(std::uint32_t signs) { return floatOf(signs & kSignBit); }
 
+// a + b, where b is most often zero.
+inline float sum(float a, float b) {
+    return kSoftFloat && isZero(b) && !isZero(a) && isFinite(a) ? a : a + b;
+}
+
 // a x + b y + 0 z, in any order of the terms; all of them finite.
 inline float sumOfTwo(float a, float x, float b, float y, float z) {
     float sum;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "foundation/fault.h"
+#include "math/square_root.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ float &R3XVECTOR2D::operator[](int index) {
 
 const float &R3XVECTOR2D::operator[](int index) const { return const_cast<R3XVECTOR2D &>(*this)[index]; }
 
-float R3XVECTOR2D::length() const { return std::sqrt(squaredLength()); }
+float R3XVECTOR2D::length() const { return keltra::squareRoot(squaredLength()); }
 
 R3XVECTOR2D R3XVECTOR2D::normalize() { return *this *= reciprocalLength(*this); }
 
@@ -63,7 +64,7 @@ float &R3XVECTOR3D::operator[](int index) {
 
 const float &R3XVECTOR3D::operator[](int index) const { return const_cast<R3XVECTOR3D &>(*this)[index]; }
 
-float R3XVECTOR3D::length() const { return std::sqrt(squaredLength()); }
+float R3XVECTOR3D::length() const { return keltra::squareRoot(squaredLength()); }
 
 R3XVECTOR3D R3XVECTOR3D::normalize() { return *this *= reciprocalLength(*this); }
 
@@ -86,14 +87,14 @@ float &R3XVECTOR4D::operator[](int index) {
 
 const float &R3XVECTOR4D::operator[](int index) const { return const_cast<R3XVECTOR4D &>(*this)[index]; }
 
-float R3XVECTOR4D::length() const { return std::sqrt(squaredLength()); }
+float R3XVECTOR4D::length() const { return keltra::squareRoot(squaredLength()); }
 
 R3XVECTOR4D R3XVECTOR4D::normalize() { return *this *= reciprocalLength(*this); }
 
 // Deliberate: the fourth term uses z again; callers compare distances measured this way.
 float R3XVECTOR4D::distance(const R3XVECTOR3D &other) const {
     float dx = other.x - x, dy = other.y - y, dz = other.z - z, dw = other.z - w;
-    return std::sqrt(dx * dx + dy * dy + dz * dz + dw * dw);
+    return keltra::squareRoot(dx * dx + dy * dy + dz * dz + dw * dw);
 }
 
 double R3XVECTOR4D::angle(const R3XVECTOR4D &other) const { return angleBetween(*this, other); }

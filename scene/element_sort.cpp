@@ -48,6 +48,37 @@ bool isExclusive(const KTELEMENT *entry) {
     return light && light->exclusive;
 }
 
+struct Keyed {
+    std::int32_t key;
+    KTELEMENT *entry;
+
+    bool isBefore(const Keyed &other) const {
+        return key != other.key ? key < other.key : entry < other.entry;
+    }
+};
+
+Keyed keyed[KTELEMENT::maxElements];
+
+// By keys that are computed once an entry; entries of one key by their place on the list. The order is often
+// that of the frame or the mesh before, or close to it: then each entry is compared once.
+template <class Key>
+void sortByKey(KTELEMENT **entries, unsigned int count, Key key) {
+    const unsigned int kMovesAnEntry = 8;
+    for (unsigned int i = 0; i < count; ++i) keyed[i] = {key(entries[i]), entries[i]};
+    unsigned int moves = kMovesAnEntry * count;
+    for (unsigned int i = 1; i < count; ++i) {
+        const Keyed inserted = keyed[i];
+        unsigned int at = i;
+        for (; at > 0 && inserted.isBefore(keyed[at - 1]); --at) keyed[at] = keyed[at - 1];
+        keyed[at] = inserted;
+        moves -= std::min(moves, i - at);
+        if (moves != 0) continue;
+        std::sort(keyed, keyed + count, [](const Keyed &a, const Keyed &b) { return a.isBefore(b); });
+        break;
+    }
+    for (unsigned int i = 0; i < count; ++i) entries[i] = keyed[i].entry;
+}
+
 }  // namespace
 
 // Three ranks need no comparisons: the order is written rank by rank from the list itself.
@@ -61,23 +92,19 @@ bool KTELEMENT::sort3D() {
     if (numberOfTransparencies < 2) return true;
     unsigned int tail = std::min(numberOfTransparencies, numberOfPassedElements);
     KTELEMENT **end = elementPointer + numberOfPassedElements;
-    std::sort(end - tail, end, [](const KTELEMENT *a, const KTELEMENT *b) {
-        std::int32_t keyA = depthKey(a), keyB = depthKey(b);
-        return keyA != keyB ? keyA < keyB : a < b;
-    });
+    sortByKey(end - tail, tail, depthKey);
     return true;
 }
 
 bool KTELEMENT::sortLights(R3XVECTOR3D position) {
     if (numberOfPassedElements == 0 || numberOfLights == 0) return false;
-    unsigned int lights = std::min(numberOfLights, numberOfPassedElements);
+    const unsigned int lights = std::min(numberOfLights, numberOfPassedElements);
     for (unsigned int i = 0; i < lights; ++i)
         elementPointer[i]->distance = elementPointer[i]->matrix.getTranslation().distance(position);
-    std::sort(elementPointer, elementPointer + lights, [](const KTELEMENT *a, const KTELEMENT *b) {
-        bool exclusiveA = isExclusive(a), exclusiveB = isExclusive(b);
-        if (exclusiveA != exclusiveB) return exclusiveA;
-        std::int32_t keyA = orderKey(a->distance), keyB = orderKey(b->distance);
-        return keyA != keyB ? keyA < keyB : a < b;
+    // No distance is negative: below zero there is room for the exclusive ones, in the same order.
+    sortByKey(elementPointer, lights, [](const KTELEMENT *entry) {
+        const std::int32_t key = orderKey(entry->distance);
+        return isExclusive(entry) ? key + std::numeric_limits<std::int32_t>::min() : key;
     });
     return true;
 }

@@ -22,28 +22,20 @@ const float kLargest = 32767.998f;  // that 16.16 holds
 
 const keltra::OnNewContext forgetLighting([] { KTLIGHT::lighting = false; });
 
+const unsigned int kAmbient = 0, kDiffuse = 4, kSpecular = 8, kAttenuation = 12, kCutOff = 15, kExponent = 16;
+const GLfixed kOne = 1 << 16;
+
 // A value that the GL refuses is replaced: its error would be found far from the file that caused it, and the
 // value of an earlier light must not remain. As the GL reads it, in 16.16.
-float withinCutOff(float degrees) {
+GLfixed withinCutOff(float degrees) {
     const GLfixed fixed = keltra::toFixed(degrees);
-    return fixed >= 0 && fixed <= keltra::toFixed(kWidestCone) ? degrees : kNoCutOff;
+    return fixed >= 0 && fixed <= keltra::toFixed(kWidestCone) ? fixed : keltra::toFixed(kNoCutOff);
 }
 
-float within(float value, float most, float otherwise) {
+GLfixed within(float value, float most, float otherwise) {
     const GLfixed fixed = keltra::toFixed(value);
-    if (fixed >= 0 && fixed <= keltra::toFixed(most)) return value;
-    return value > most ? most : otherwise;
-}
-
-void loadParameters(const KTLIGHT &light, GLenum unit, float cutOff) {
-    KT_glLightfv(unit, GL_AMBIENT, &light.ambient.x);
-    KT_glLightfv(unit, GL_DIFFUSE, &light.diffuse.x);
-    KT_glLightfv(unit, GL_SPECULAR, &light.specular.x);
-    KT_glLightf(unit, GL_SPOT_CUTOFF, withinCutOff(cutOff));
-    KT_glLightf(unit, GL_SPOT_EXPONENT, within(light.exponent, kSharpest, 0.0f));
-    KT_glLightf(unit, GL_CONSTANT_ATTENUATION, within(light.attenuation.x, kLargest, 1.0f));
-    KT_glLightf(unit, GL_LINEAR_ATTENUATION, within(light.attenuation.y, kLargest, 0.0f));
-    KT_glLightf(unit, GL_QUADRATIC_ATTENUATION, within(light.attenuation.z, kLargest, 0.0f));
+    if (fixed >= 0 && fixed <= keltra::toFixed(most)) return fixed;
+    return keltra::toFixed(value > most ? most : otherwise);
 }
 
 // From `eye` to `point`, normalised in four components.
@@ -67,12 +59,13 @@ KTLIGHT::KTLIGHT()
       shadowCaster(false),
       shadowNearPlane(1.0f),
       shadowFarPlane(1024.0f),
-      shadowData(nullptr) {
+      shadowData(nullptr),
+      parameters() {
     joinClass(KT_LIGHT);
     setIdentity(KT_LIGHT, "[light %d]");
 }
 
-KTLIGHT::KTLIGHT(const KTLIGHT &other) : KTNODE(other) {
+KTLIGHT::KTLIGHT(const KTLIGHT &other) : KTNODE(other), parameters() {
     joinClass(KT_LIGHT);
     *this = other;
 }
@@ -112,22 +105,57 @@ bool KTLIGHT::render(void *data) {
     else if (targetNode)
         direction = directionTo(targetNode->getFinalMatrix(nullptr).getTranslation(), eye, 1.0f);
 
-    R3XVECTOR4D place(0.0f, 0.0f, 0.0f, 1.0f), spot(0.0f, 0.0f, 0.0f, 1.0f);
-    float angle = lightType == KT_LIGHT_POINT || lightType == KT_LIGHT_DIRECTIONAL ? kNoCutOff : cutOff;
-    if (lightType == KT_LIGHT_DIRECTIONAL) {
-        place.set(-direction.x, -direction.y, -direction.z, 0.0f);
-        spot.reset();
-    } else if (lightType == KT_LIGHT_SPOT) {
-        spot = direction;
-    }
-
     lightingOn();
-    GLenum unit = GL_LIGHT0 + element->param1;
+    const GLenum unit = GL_LIGHT0 + element->param1;
     glEnable(unit);
-    loadParameters(*this, unit, angle);
+    loadParameters(unit);
     KT_glLoadMatrixf(element->matrix.m);
     keltra::applyRotation(rotation);
-    KT_glLightfv(unit, GL_POSITION, &place.x);
-    KT_glLightfv(unit, GL_SPOT_DIRECTION, &spot.x);
+    GLfixed place[4] = {0, 0, 0, kOne}, spot[4] = {0, 0, 0, kOne};
+    if (lightType == KT_LIGHT_DIRECTIONAL) {
+        const R3XVECTOR3D toLight = -direction;
+        keltra::toFixed(&toLight.x, place, 3);
+        place[3] = spot[3] = 0;
+    } else if (lightType == KT_LIGHT_SPOT) {
+        keltra::toFixed(&direction.x, spot, 3);
+    }
+    glLightxv(unit, GL_POSITION, place);
+    glLightxv(unit, GL_SPOT_DIRECTION, spot);
     return true;
+}
+
+// The fields are public: whatever they hold now counts.
+void KTLIGHT::updateParameters() {
+    std::uint32_t *const from = parameters.madeFrom;
+    const std::uint32_t changes = keltra::updateBits<4>(from + kAmbient, &ambient.x) |
+                                  keltra::updateBits<4>(from + kDiffuse, &diffuse.x) |
+                                  keltra::updateBits<4>(from + kSpecular, &specular.x) |
+                                  keltra::updateBits<3>(from + kAttenuation, &attenuation.x) |
+                                  keltra::updateBits<1>(from + kCutOff, &cutOff) |
+                                  keltra::updateBits<1>(from + kExponent, &exponent);
+    if (changes == 0 && parameters.made) return;
+    GLfixed *fixed = parameters.fixed;
+    keltra::toFixed(&ambient.x, fixed + kAmbient, 4);
+    keltra::toFixed(&diffuse.x, fixed + kDiffuse, 4);
+    keltra::toFixed(&specular.x, fixed + kSpecular, 4);
+    fixed[kAttenuation] = within(attenuation.x, kLargest, 1.0f);
+    fixed[kAttenuation + 1] = within(attenuation.y, kLargest, 0.0f);
+    fixed[kAttenuation + 2] = within(attenuation.z, kLargest, 0.0f);
+    fixed[kCutOff] = withinCutOff(cutOff);
+    fixed[kExponent] = within(exponent, kSharpest, 0.0f);
+    parameters.made = true;
+}
+
+void KTLIGHT::loadParameters(unsigned int unit) {
+    updateParameters();
+    const GLfixed *fixed = parameters.fixed;
+    const bool isCone = lightType != KT_LIGHT_POINT && lightType != KT_LIGHT_DIRECTIONAL;
+    glLightxv(unit, GL_AMBIENT, fixed + kAmbient);
+    glLightxv(unit, GL_DIFFUSE, fixed + kDiffuse);
+    glLightxv(unit, GL_SPECULAR, fixed + kSpecular);
+    glLightx(unit, GL_SPOT_CUTOFF, isCone ? fixed[kCutOff] : keltra::toFixed(kNoCutOff));
+    glLightx(unit, GL_SPOT_EXPONENT, fixed[kExponent]);
+    glLightx(unit, GL_CONSTANT_ATTENUATION, fixed[kAttenuation]);
+    glLightx(unit, GL_LINEAR_ATTENUATION, fixed[kAttenuation + 1]);
+    glLightx(unit, GL_QUADRATIC_ATTENUATION, fixed[kAttenuation + 2]);
 }

@@ -4,20 +4,23 @@
 #include <keltra/glbridge.h>
 #include <keltra/node.h>
 
+#include "core/glbridge.h"
+#include "math/sparse.h"
+
 namespace keltra {
 
 // Rotates the current matrix by Euler angles in degrees about X, then Y, then Z.
 inline void applyRotation(const R3XVECTOR3D &degrees) {
-    KT_glRotatef(degrees.x, 1.0f, 0.0f, 0.0f);
-    KT_glRotatef(degrees.y, 0.0f, 1.0f, 0.0f);
-    KT_glRotatef(degrees.z, 0.0f, 0.0f, 1.0f);
+    rotateAbout(0, degrees.x);
+    rotateAbout(1, degrees.y);
+    rotateAbout(2, degrees.z);
 }
 
 // Applies a node's own transform to the current matrix; a transform mode other than 0 and 1 applies nothing.
 inline void applyLocalTransform(const KTNODE &node) {
     if (node.transformMode == 0) {
-        KT_glTranslatef(node.position.x + node.origin.x, node.position.y + node.origin.y,
-                        node.position.z + node.origin.z);
+        KT_glTranslatef(sum(node.position.x, node.origin.x), sum(node.position.y, node.origin.y),
+                        sum(node.position.z, node.origin.z));
         applyRotation(node.rotation);
     } else if (node.transformMode == 1) {
         KT_glMultMatrixf(node.matrix.m);

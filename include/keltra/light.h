@@ -3,6 +3,8 @@
 
 #include <keltra/node.h>
 
+#include <cstdint>
+
 class KTELEMENT;
 
 /** Kinds of light, as `KTLIGHT::lightType` holds them. */
@@ -86,6 +88,20 @@ class KT_API KTLIGHT : public KTNODE {
     void *shadowData;
 
     static bool lighting;
+
+   private:
+    // The parameters from `ambient` to `exponent` in 16.16, and what they were made from: they are made anew once one
+    // of them has changed.
+    static const unsigned int parameterCount = 17;
+    struct PARAMETERS {
+        std::uint32_t madeFrom[parameterCount];
+        std::int32_t fixed[parameterCount];
+        bool made;
+    };
+    void updateParameters();
+    void loadParameters(unsigned int unit);
+
+    PARAMETERS parameters;
 };
 
 #endif

@@ -253,6 +253,35 @@ TEST_F(SortTest, LightsAtNoDistanceComeLast) {
     }
 }
 
+// In any order before, with equal distances and exclusive ones among them.
+TEST_F(SortTest, ManyLightsAreSortedFromAnyOrder) {
+    std::vector<KTLIGHT> lights(150);
+    unsigned random = 1;
+    for (KTLIGHT &each : lights) {
+        random = random * 1664525 + 1013904223;
+        each.setPosition(static_cast<float>(random >> 26), 0.0f, 0.0f);
+        each.setExclusive(random >> 16 & 1);
+    }
+    KTELEMENT::reset();
+    for (KTLIGHT &each : lights) each.pass();
+    const auto comesBefore = [](const KTELEMENT *a, const KTELEMENT *b) {
+        const bool first = static_cast<const KTLIGHT *>(a->getNode())->isExclusive();
+        const bool second = static_cast<const KTLIGHT *>(b->getNode())->isExclusive();
+        if (first != second) return first;
+        return a->getDistance() != b->getDistance() ? a->getDistance() < b->getDistance() : a < b;
+    };
+    for (float x : {0.0f, 64.0f, 64.5f, 30.0f, -5.0f}) {
+        EXPECT_TRUE(KTELEMENT::sortLights(R3XVECTOR3D(x, 0.0f, 0.0f)));
+        EXPECT_TRUE(
+            std::is_sorted(KTELEMENT::elementPointer, KTELEMENT::elementPointer + lights.size(), comesBefore))
+            << x;
+        std::vector<KTELEMENT *> entries(KTELEMENT::elementPointer,
+                                         KTELEMENT::elementPointer + lights.size());
+        std::sort(entries.begin(), entries.end());
+        for (std::size_t i = 0; i < lights.size(); ++i) ASSERT_EQ(entries[i], KTELEMENT::element + i);
+    }
+}
+
 TEST_F(SortTest, WithoutLightsThereIsNothingToSort) {
     pass({&solid, &near});
     EXPECT_FALSE(KTELEMENT::sortLights(kEye));

@@ -130,6 +130,41 @@ TEST_F(LightTest, SettersAreRead) {
     }
 }
 
+// They are kept in 16.16 between draws; any field may have changed behind the setters' back.
+TEST_F(LightTest, EachChangedParameterIsSentWithTheNextDraw) {
+    KTLIGHT light;
+    light.setLightType(KT_LIGHT_SPOT);
+    float *const fields[] = {&light.ambient.x,     &light.ambient.w,     &light.diffuse.y,
+                             &light.specular.z,    &light.attenuation.x, &light.attenuation.y,
+                             &light.attenuation.z, &light.cutOff,        &light.exponent};
+    const GLenum names[] = {GL_AMBIENT,
+                            GL_AMBIENT,
+                            GL_DIFFUSE,
+                            GL_SPECULAR,
+                            GL_CONSTANT_ATTENUATION,
+                            GL_LINEAR_ATTENUATION,
+                            GL_QUADRATIC_ATTENUATION,
+                            GL_SPOT_CUTOFF,
+                            GL_SPOT_EXPONENT};
+    const int places[] = {0, 3, 1, 2, 0, 0, 0, 0, 0};
+    render(light);
+    for (std::size_t i = 0; i < std::size(fields); ++i) {
+        *fields[i] = 0.375f;
+        GlRecorder::clear();
+        render(light);
+        const std::vector<std::int64_t> values =
+            i < 4 ? lightVector(GL_LIGHT0, names[i]) : lightValue(GL_LIGHT0, names[i]);
+        ASSERT_GT(values.size(), std::size_t(places[i]));
+        EXPECT_EQ(values[places[i]], kOne * 3 / 8) << i;
+    }
+    KTLIGHT other;
+    other.setDiffuse(0.25f, 0.0f, 0.0f, 1.0f);
+    light = other;
+    GlRecorder::clear();
+    render(light);
+    EXPECT_EQ(lightVector(GL_LIGHT0, GL_DIFFUSE), fixed({0.25f, 0.0f, 0.0f, 1.0f}));
+}
+
 TEST_F(LightTest, TheLightingSwitchIsCached) {
     KTLIGHT::lightingOn();
     KTLIGHT::lightingOn();
