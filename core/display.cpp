@@ -115,7 +115,7 @@ bool KTSETTINGS::openWindow(const RECORD &record) {
     keltra::NativeWindow native = keltra::platformNativeWindow(&info);
     window = native.window;
     keltra::platformPlaceWindow(native, 0, 0, record.windowX, record.windowY);
-    keltra::platformWindowDevice(native);
+    keltra::platformAskWindowDevice(native);
     return true;
 }
 

@@ -186,6 +186,6 @@ void platformPlaceWindow(const NativeWindow &, int, int, int, int) {}
 
 #endif
 
-void *platformWindowDevice(const NativeWindow &) { return nullptr; }
+void platformAskWindowDevice(const NativeWindow &) {}
 
 }  // namespace keltra

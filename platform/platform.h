@@ -71,8 +71,8 @@ NativeWindow platformNativeWindow(const void *windowInfo);
 // outside 1..32767.
 void platformPlaceWindow(const NativeWindow &window, int x, int y, int width, int height);
 
-// The window's device context; null where the system has no such thing.
-void *platformWindowDevice(const NativeWindow &window);
+// Asks for the window's device context, where the system has such a thing, and gives it back.
+void platformAskWindowDevice(const NativeWindow &window);
 
 }  // namespace keltra
 

@@ -84,8 +84,10 @@ void platformPlaceWindow(const NativeWindow &window, int x, int y, int width, in
     SetWindowPos(static_cast<HWND>(window.window), HWND_TOPMOST, x, y, width, height, SWP_SHOWWINDOW);
 }
 
-void *platformWindowDevice(const NativeWindow &window) {
-    return window.window ? GetDC(static_cast<HWND>(window.window)) : nullptr;
+void platformAskWindowDevice(const NativeWindow &window) {
+    const HWND handle = static_cast<HWND>(window.window);
+    if (!handle) return;
+    if (const HDC device = GetDC(handle)) ReleaseDC(handle, device);
 }
 
 }  // namespace keltra
