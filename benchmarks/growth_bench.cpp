@@ -1,0 +1,238 @@
+// What one item costs among 100, 1,000, 10,000 and 65,000: none of these may grow with their number, except
+// where a plain loop over the same memory beside it does.
+
+#include <benchmark/benchmark.h>
+#include <keltra/camera.h>
+#include <keltra/foundation.h>
+#include <keltra/material.h>
+#include <keltra/texture.h>
+#include <keltra/window.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::mt19937 generator(1907);
+
+template <class T>
+class Objects {
+   public:
+    explicit Objects(benchmark::State &state) : all(static_cast<std::size_t>(state.range(0))) {
+        vnfOpenLog(nullptr);
+        for (T *&object : all) object = new T;
+    }
+    ~Objects() {
+        KTNODE::cleanUp();
+        KTMATERIAL::cleanUp();
+        KTTEXTURE::cleanUp();
+    }
+    void shuffle() { std::shuffle(all.begin(), all.end(), generator); }
+    auto begin() { return all.begin(); }
+    auto end() { return all.end(); }
+
+    std::vector<T *> all;
+};
+
+void perItem(benchmark::State &state) {
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    using benchmark::Counter;
+    state.counters["each"] =
+        Counter(static_cast<double>(state.range(0)), Counter::kIsIterationInvariantRate | Counter::kInvert);
+}
+
+void create(benchmark::State &state) {
+    for (auto _ : state) {
+        auto made = std::make_unique<Objects<KTNODE>>(state);
+        state.PauseTiming();
+        made.reset();
+        state.ResumeTiming();
+    }
+    perItem(state);
+}
+
+void destroyInRandomOrder(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        Objects<KTNODE> nodes(state);
+        nodes.shuffle();
+        state.ResumeTiming();
+        for (KTNODE *node : nodes) delete node;
+    }
+    perItem(state);
+}
+
+void linkToOneParent(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        Objects<KTNODE> nodes(state);
+        KTNODE parent;
+        state.ResumeTiming();
+        for (KTNODE *node : nodes) node->link(&parent);
+        state.PauseTiming();
+        vnfFree(parent.children);
+        parent.children = nullptr;
+        parent.numberOfChildren = 0;
+        state.ResumeTiming();
+    }
+    perItem(state);
+}
+
+enum Order { kFirst, kLast, kRandom };
+
+void unlinkFromOneParent(benchmark::State &state, Order order) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        Objects<KTNODE> nodes(state);
+        KTNODE parent;
+        for (KTNODE *node : nodes) node->link(&parent);
+        if (order == kLast) std::reverse(nodes.begin(), nodes.end());
+        if (order == kRandom) nodes.shuffle();
+        state.ResumeTiming();
+        for (KTNODE *node : nodes) node->unlink();
+        state.PauseTiming();
+        if (parent.numberOfChildren) state.SkipWithError("children are left");
+        nodes.all.clear();
+        state.ResumeTiming();
+    }
+    perItem(state);
+}
+
+// The array has to stay without gaps: this is what moving its shorter part alone takes.
+void moveShorterPart(benchmark::State &state) {
+    const std::size_t count = static_cast<std::size_t>(state.range(0));
+    std::vector<void *> array(count + 1);
+    for (auto _ : state) {
+        for (std::size_t left = count; left > 0; --left) {
+            const std::size_t index = generator() % left;
+            if (index < left / 2)
+                std::memmove(&array[1], &array[0], index * sizeof(void *));
+            else
+                std::memmove(&array[index], &array[index + 1], (left - index - 1) * sizeof(void *));
+            benchmark::ClobberMemory();
+        }
+    }
+    perItem(state);
+}
+
+void unlinkAtRandom(benchmark::State &state) { unlinkFromOneParent(state, kRandom); }
+void unlinkFirst(benchmark::State &state) { unlinkFromOneParent(state, kFirst); }
+void unlinkLast(benchmark::State &state) { unlinkFromOneParent(state, kLast); }
+
+template <class T, class Find>
+void findEach(benchmark::State &state, Objects<T> &objects, Find find) {
+    objects.shuffle();
+    for (auto _ : state)
+        for (T *object : objects)
+            if (find(object) != object) return state.SkipWithError("another object is found");
+    perItem(state);
+}
+
+void findNodeByName(benchmark::State &state) {
+    Objects<KTNODE> nodes(state);
+    findEach(state, nodes, [](KTNODE *node) { return KTNODE::findByName(node->name); });
+}
+
+void findNodeById(benchmark::State &state) {
+    Objects<KTNODE> nodes(state);
+    findEach(state, nodes, [](KTNODE *node) { return KTNODE::findById(node->id); });
+}
+
+void findTextureByFilename(benchmark::State &state) {
+    Objects<KTTEXTURE> textures(state);
+    findEach(state, textures,
+             [](KTTEXTURE *texture) { return KTTEXTURE::findByFilename(texture->filename); });
+}
+
+// Below a node with ten children, among as many nodes as the row says.
+void findInSmallHierarchy(benchmark::State &state) {
+    Objects<KTNODE> nodes(state);
+    for (int i = 1; i <= 10; ++i) nodes.all[i]->link(nodes.all[0]);
+    KTNODE *root = nodes.all[0], *last = nodes.all[10];
+    for (auto _ : state) benchmark::DoNotOptimize(root->findByNameInHierarchy(last->name));
+}
+
+void releaseAndDrawId(benchmark::State &state) {
+    const unsigned int count = static_cast<unsigned int>(state.range(0));
+    vnfOpenLog(nullptr);
+    for (unsigned int i = 0; i < count; ++i) vnfNewId();
+    std::vector<unsigned int> ids(count);
+    for (unsigned int i = 0; i < count; ++i) ids[i] = i + 1;
+    std::shuffle(ids.begin(), ids.end(), generator);
+    for (auto _ : state) {
+        for (unsigned int i = 0; i < count / 2; ++i) releaseId(ids[i]);
+        for (unsigned int i = 0; i < count / 2; ++i) benchmark::DoNotOptimize(vnfNewId());
+    }
+    perItem(state);
+    vnfOpenLog(nullptr);
+}
+
+void destroyWindows(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        Objects<KTWINDOW> windows(state);
+        windows.shuffle();
+        state.ResumeTiming();
+        for (KTWINDOW *window : windows) delete window;
+    }
+    perItem(state);
+}
+
+void destroyTextureBesideMaterials(benchmark::State &state) {
+    Objects<KTMATERIAL> materials(state);
+    for (auto _ : state) delete new KTTEXTURE;
+}
+
+void destroyTextureOfOneMaterial(benchmark::State &state) {
+    Objects<KTMATERIAL> materials(state);
+    for (auto _ : state) {
+        KTTEXTURE *texture = new KTTEXTURE;
+        materials.all.back()->setTexture(0, texture);
+        delete texture;
+    }
+}
+
+void destroyTargets(benchmark::State &state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        Objects<KTNODE> nodes(state);
+        for (std::size_t i = 1; i < nodes.all.size(); ++i) nodes.all[i - 1]->setTargetNode(nodes.all[i]);
+        nodes.shuffle();
+        state.ResumeTiming();
+        for (KTNODE *node : nodes) delete node;
+    }
+    perItem(state);
+}
+
+void destroyNodesBesideCopies(benchmark::State &state) {
+    Objects<KTNODE> nodes(state);
+    std::vector<KTNODE> copies(nodes.all.size(), *nodes.all[0]);
+    for (auto _ : state) delete new KTNODE;
+}
+
+#define GROWTH(row) BENCHMARK(row)->Arg(100)->Arg(1000)->Arg(10000)->Arg(65000)
+
+GROWTH(create);
+GROWTH(destroyInRandomOrder);
+GROWTH(linkToOneParent);
+GROWTH(unlinkFirst);
+GROWTH(unlinkLast);
+GROWTH(unlinkAtRandom);
+GROWTH(moveShorterPart);
+GROWTH(findNodeByName);
+GROWTH(findNodeById);
+GROWTH(findTextureByFilename);
+GROWTH(findInSmallHierarchy);
+GROWTH(releaseAndDrawId);
+BENCHMARK(destroyWindows)->Arg(100)->Arg(1000)->Arg(10000)->Arg(16000);
+GROWTH(destroyTextureBesideMaterials);
+GROWTH(destroyTextureOfOneMaterial);
+GROWTH(destroyTargets);
+GROWTH(destroyNodesBesideCopies);
+
+}  // namespace
