@@ -45,6 +45,8 @@ constexpr unsigned int kColors = 4 * kGlyphVertices;  // bytes a glyph
 constexpr char kFirstCharacter = ' ';
 constexpr int kCharacters = 96;
 constexpr int kCells = 16;  // in a row of the texture
+constexpr GLfixed kTexels = 65536 / kCells;
+constexpr unsigned int kWidest = 4096;  // of wider glyphs, the column of the texture may leave 32 bits
 
 template <class T>
 T *newArray(unsigned int count) {
@@ -69,8 +71,7 @@ GLfixed pixels(std::int64_t value) {
 
 // Sixteenths of the texture.
 GLfixed sixteenths(std::int64_t value) {
-    return static_cast<GLfixed>(std::clamp<std::int64_t>(value, -32768 * kCells, 32767 * kCells) *
-                                (65536 / kCells));
+    return static_cast<GLfixed>(std::clamp<std::int64_t>(value, -32768 * kCells, 32767 * kCells) * kTexels);
 }
 
 // A digit from 0 to 8 spans 0 to 255; other characters give the low byte of the same product. The same
@@ -83,6 +84,51 @@ void setCurrentColor(unsigned char r, unsigned char g, unsigned char b, unsigned
     const unsigned char color[4] = {r, g, b, a};
     for (unsigned int i = 0; i < kGlyphVertices; ++i)
         std::memcpy(KTFONT::fontCurrentColor + i * sizeof color, color, sizeof color);
+}
+
+// Where a glyph is drawn and where in the texture it lies.
+struct Quad {
+    GLfixed left, right, top, bottom;
+    GLfixed s0, s1, t0, t1;
+};
+
+// A glyph's part of the batch.
+struct Slot {
+    std::int32_t *vertex, *texel;
+    unsigned char *color;
+
+    explicit Slot(unsigned int index)
+        : vertex(KTFONT::fontCachedVertex + index * kPairs),
+          texel(KTFONT::fontCachedTexCoord + index * kPairs),
+          color(KTFONT::fontCachedColor + index * kColors) {}
+
+    void advance() {
+        vertex += kPairs;
+        texel += kPairs;
+        color += kColors;
+    }
+    [[gnu::always_inline]] void write(const Quad &quad) const {
+        vertex[0] = vertex[4] = vertex[10] = quad.left;
+        vertex[2] = vertex[6] = vertex[8] = quad.right;
+        vertex[1] = vertex[3] = vertex[7] = quad.bottom;
+        vertex[5] = vertex[9] = vertex[11] = quad.top;
+        texel[0] = texel[4] = texel[10] = quad.s0;
+        texel[2] = texel[6] = texel[8] = quad.s1;
+        texel[1] = texel[3] = texel[7] = quad.t1;
+        texel[5] = texel[9] = texel[11] = quad.t0;
+    }
+    // All corners have the color of the string.
+    void writeColor(std::uint32_t rgba) const {
+        // Aligned as every block of the C library: the device has no other stores of words.
+        std::uint32_t *target = static_cast<std::uint32_t *>(__builtin_assume_aligned(color, sizeof rgba));
+        for (unsigned int i = 0; i < kGlyphVertices; ++i) target[i] = rgba;
+    }
+};
+
+std::uint32_t currentColor() {
+    std::uint32_t rgba;
+    std::memcpy(&rgba, KTFONT::fontCurrentColor, sizeof rgba);
+    return rgba;
 }
 
 void setPointers(unsigned int slot) {
@@ -109,6 +155,81 @@ void bind(KTTEXTURE &texture) {
 unsigned int freeSlot() {
     if (KTFONT::fontCachedCurrent >= KTFONT::maxGlyphs) KTFONT::fontCachedCurrent = 0;
     return KTFONT::fontCachedCurrent;
+}
+
+// The slot behind `slot`, which has been written.
+unsigned int nextSlot(unsigned int slot) {
+    if (++slot < KTFONT::maxGlyphs) return slot;
+    drawBatch(0, KTFONT::maxGlyphs);
+    glFinish();  // the arrays are written over at once
+    KTFONT::fontCachedFlushed = true;
+    return 0;
+}
+
+// Where the next glyph of a text goes. What stays on the screen, as nearly all does, takes 32 bits.
+class Pen {
+   public:
+    Pen(const KTFONT &font, std::int64_t left, std::int64_t top) : font(font), begin(left), x(left), y(top) {
+        beginLine();
+    }
+
+    [[gnu::always_inline]] Quad place(char c) const {
+        const int cell = cellOf(c), row = cell >> 4;
+        // Deliberate: the row is multiplied by the width on the screen, not by the 16 cells of a row.
+        // Textures are made for glyphs 16 pixels wide, where both are the same.
+        GLfixed s0, s1, left, right;
+        if (font.charSizeX <= kWidest) {
+            s0 = (cell - static_cast<int>(font.charSizeX) * row) * kTexels;
+            s1 = s0 + kTexels;
+        } else {
+            const std::int64_t column = cell - std::int64_t{font.charSizeX} * row;
+            s0 = sixteenths(column);
+            s1 = sixteenths(column + 1);
+        }
+        if (x >= 0 && x < 32768 && font.charSizeX < 32768 - static_cast<unsigned int>(x)) {
+            left = static_cast<int>(x) * 65536;
+            right = left + static_cast<int>(font.charSizeX) * 65536;
+        } else {
+            left = pixels(x);
+            right = pixels(x + font.charSizeX);
+        }
+        const GLfixed t0 = (kCells - row) * kTexels;
+        return {left, right, top, bottom, s0, s1, t0, t0 - kTexels};
+    }
+    void advance(char c) {
+        const int cell = cellOf(c);
+        x += font.charSizeX;
+        if (cell >= 0 && cell < kCharacters) x -= font.kerning[cell];
+    }
+    void breakLine() {
+        x = begin;
+        moveY(font.charSizeY);
+    }
+    void moveX(int by) { x += by; }
+    void moveY(std::int64_t by) {
+        y += by;
+        beginLine();
+    }
+
+   private:
+    void beginLine() {
+        top = pixels(y);
+        bottom = pixels(y + font.charSizeY);
+    }
+
+    const KTFONT &font;
+    const std::int64_t begin;
+    std::int64_t x, y;
+    GLfixed top, bottom;
+};
+
+// Carries out the escape at `text`.
+void escape(keltra::TextToken token, const char *text, Pen &pen) {
+    using keltra::TextToken;
+    if (token == TextToken::kColor)
+        setCurrentColor(colorByte(text[2]), colorByte(text[3]), colorByte(text[4]), colorByte(text[5]));
+    if (token == TextToken::kMoveX) pen.moveX(keltra::escapeNumber(text));
+    if (token == TextToken::kMoveY) pen.moveY(keltra::escapeNumber(text));
 }
 
 }  // namespace
@@ -229,30 +350,14 @@ bool KTFONT::loadKerning(const char *filename) {
 }
 
 void KTFONT::writeGlyph(std::int64_t x, std::int64_t y, char c) const {
-    const unsigned int slot = freeSlot();
-    const int cell = cellOf(c), row = cell >> 4;
-    // Deliberate: the row is multiplied by the width on the screen, not by the 16 cells of a row. Textures
-    // are made for glyphs 16 pixels wide, where both are the same.
-    const std::int64_t column = cell - std::int64_t{charSizeX} * row;
-    const GLfixed s0 = sixteenths(column), s1 = sixteenths(column + 1);
-    const GLfixed t0 = sixteenths(kCells - row), t1 = sixteenths(kCells - row - 1);
-    const GLfixed left = pixels(x), right = pixels(x + charSizeX), top = pixels(y),
-                  bottom = pixels(y + charSizeY);
-    const GLfixed corners[kPairs] = {left,  bottom, right, bottom, left, top,
-                                     right, bottom, right, top,    left, top};
-    const GLfixed texels[kPairs] = {s0, t1, s1, t1, s0, t0, s1, t1, s1, t0, s0, t0};
-    std::memcpy(fontCachedVertex + slot * kPairs, corners, sizeof corners);
-    std::memcpy(fontCachedTexCoord + slot * kPairs, texels, sizeof texels);
-    std::memcpy(fontCachedColor + slot * kColors, fontCurrentColor, sizeof fontCurrentColor);
+    const Slot slot(freeSlot());
+    slot.write(Pen(*this, x, y).place(c));
+    std::memcpy(slot.color, fontCurrentColor, sizeof fontCurrentColor);
 }
 
 void KTFONT::queueGlyph(std::int64_t x, std::int64_t y, char c) const {
     writeGlyph(x, y, c);
-    if (++fontCachedCurrent < maxGlyphs) return;
-    drawBatch(0, maxGlyphs);
-    glFinish();  // the arrays are written over at once
-    fontCachedFlushed = true;
-    reset();
+    fontCachedCurrent = nextSlot(fontCachedCurrent);
 }
 
 // Labels and buttons draw in each frame: reported once, until there is a texture. Always false.
@@ -278,27 +383,32 @@ bool KTFONT::putChar(int x, int y, char c, bool immediate) {
 
 void KTFONT::queueText(std::int64_t left, std::int64_t top, const char *text) const {
     using keltra::TextToken;
-    std::int64_t x = left, y = top;
-    while (*text) {
+    Pen pen(*this, left, top);
+    unsigned int index = freeSlot();
+    Slot slot(index);
+    std::uint32_t color = currentColor();
+    while (const char c = *text) {
         const TextToken token = keltra::textToken(text);
-        if (token == TextToken::kEnd) return;
-        if (token == TextToken::kGlyph) {
-            const char c = *text++;
-            if (c == '\n') {
-                x = left;
-                y += charSizeY;
-            } else {
-                queueGlyph(x, y, c);
-                x += std::int64_t{charSizeX} - getKerning(c);
-            }
+        if (token == TextToken::kEnd) break;
+        if (token != TextToken::kGlyph) {
+            escape(token, text, pen);
+            color = currentColor();
+            text += keltra::kEscapeLength;
             continue;
         }
-        if (token == TextToken::kColor)
-            setCurrentColor(colorByte(text[2]), colorByte(text[3]), colorByte(text[4]), colorByte(text[5]));
-        if (token == TextToken::kMoveX) x += keltra::escapeNumber(text);
-        if (token == TextToken::kMoveY) y += keltra::escapeNumber(text);
-        text += keltra::kEscapeLength;
+        ++text;
+        if (c == '\n') {
+            pen.breakLine();
+            continue;
+        }
+        slot.write(pen.place(c));
+        slot.writeColor(color);
+        pen.advance(c);
+        slot.advance();
+        index = nextSlot(index);
+        if (index == 0) slot = Slot(0);
     }
+    fontCachedCurrent = index;
 }
 
 bool KTFONT::putString(int x, int y, const char *format, ...) {
