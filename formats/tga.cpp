@@ -7,7 +7,7 @@ namespace keltra {
 
 namespace {
 
-const std::size_t kHeaderSize = 18;
+const std::size_t kHeaderSize = kTgaHeaderSize;
 const std::size_t kTemplateSize = 12;
 const unsigned int kPacketPixels = 128;
 const unsigned int kFlippedDescriptor = 16;
@@ -37,6 +37,44 @@ std::size_t leastData(const TgaImage &image) {
     }
 }
 
+// Where a word may not lie at any address, its bytes are loaded in the largest parts that their place allows.
+#if defined(__ARM_ARCH) && !defined(__ARM_FEATURE_UNALIGNED)
+constexpr bool kAnyAddress = false;
+#else
+constexpr bool kAnyAddress = true;
+#endif
+
+template <unsigned int kPart>
+std::uint32_t loadPixel(const std::uint8_t *source) {
+    if (kPart == 4) {
+        std::uint32_t pixel;
+        std::memcpy(&pixel, kAnyAddress ? source : __builtin_assume_aligned(source, 4), 4);
+        return pixel;
+    }
+    std::uint16_t halves[2];
+    const void *low = source, *high = source + 2;
+    if (kPart == 2) {
+        low = __builtin_assume_aligned(low, 2);
+        high = __builtin_assume_aligned(high, 2);
+    }
+    std::memcpy(&halves[0], low, 2);
+    std::memcpy(&halves[1], high, 2);
+    return halves[0] | std::uint32_t{halves[1]} << 16;
+}
+
+void storePixel(std::uint8_t *target, std::uint32_t pixel) {
+    std::memcpy(kAnyAddress ? target : __builtin_assume_aligned(target, 4), &pixel, 4);
+}
+
+// Exchanging the first and the third byte is a rotation of both by 16 bits, on either byte order.
+std::uint32_t exchanged(std::uint32_t pixel) {
+    const std::uint8_t movedBytes[4] = {255, 0, 255, 0};
+    std::uint32_t mask;
+    std::memcpy(&mask, movedBytes, 4);
+    const std::uint32_t moved = pixel & mask;
+    return (pixel ^ moved) | moved << 16 | moved >> 16;
+}
+
 void convert3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
     for (; pixels; --pixels, source += 3, target += 3) {
         const std::uint8_t blue = source[0];
@@ -46,21 +84,32 @@ void convert3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixe
     }
 }
 
-// Exchanging the first and the third byte is a rotation of both by 16 bits, on either byte order.
-std::uint32_t converted4(const std::uint8_t *source) {
-    const std::uint8_t kept[4] = {0, 255, 0, 255};
-    std::uint32_t pixel, mask;
-    std::memcpy(&pixel, source, 4);
-    std::memcpy(&mask, kept, 4);
-    const std::uint32_t moved = pixel & ~mask;
-    return (pixel & mask) | moved << 16 | moved >> 16;
+// Compilers turn plain loops into wide ones where any address will do; elsewhere a turn does four pixels.
+constexpr std::size_t kTurn = kAnyAddress ? 1 : 4;
+
+template <unsigned int kPart>
+void convertParts4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
+    for (; pixels >= kTurn; pixels -= kTurn, source += 4 * kTurn, target += 4 * kTurn)
+        for (std::size_t i = 0; i < 4 * kTurn; i += 4)
+            storePixel(target + i, exchanged(loadPixel<kPart>(source + i)));
+    for (; kTurn > 1 && pixels; --pixels, source += 4, target += 4)
+        storePixel(target, exchanged(loadPixel<kPart>(source)));
 }
 
+void convertInPlace4(std::uint8_t *place, std::size_t pixels) {
+    for (; pixels >= kTurn; pixels -= kTurn, place += 4 * kTurn)
+        for (std::size_t i = 0; i < 4 * kTurn; i += 4)
+            storePixel(place + i, exchanged(loadPixel<4>(place + i)));
+    for (; kTurn > 1 && pixels; --pixels, place += 4) storePixel(place, exchanged(loadPixel<4>(place)));
+}
+
+// The source may be the target.
 void convert4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
-    for (; pixels; --pixels, source += 4, target += 4) {
-        const std::uint32_t pixel = converted4(source);
-        std::memcpy(target, &pixel, 4);
-    }
+    const std::uintptr_t place = reinterpret_cast<std::uintptr_t>(source);
+    if (source == target) return convertInPlace4(target, pixels);
+    if (kAnyAddress || place % 4 == 0) return convertParts4<4>(source, target, pixels);
+    if (place % 2 == 0) return convertParts4<2>(source, target, pixels);
+    convertParts4<1>(source, target, pixels);
 }
 
 void repeat3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
@@ -73,43 +122,24 @@ void repeat3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
 }
 
 void repeat4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
-    const std::uint32_t pixel = converted4(source);
-    for (; pixels; --pixels, target += 4) std::memcpy(target, &pixel, 4);
+    const std::uint32_t pixel = exchanged(kAnyAddress ? loadPixel<4>(source) : loadPixel<1>(source));
+    for (; pixels >= kTurn; pixels -= kTurn, target += 4 * kTurn)
+        for (std::size_t i = 0; i < 4 * kTurn; i += 4) storePixel(target + i, pixel);
+    for (; kTurn > 1 && pixels; --pixels, target += 4) storePixel(target, pixel);
 }
 
-bool refusePacket(const TgaImage &image, const std::uint8_t *at, const char *field, Fault *fault) {
-    const std::size_t offset = kHeaderSize + static_cast<std::size_t>(at - image.data);
-    return refuse(fault, offset, field, "the file ends before the image is full");
-}
-
-template <unsigned int kBytes>
-bool unpack(const TgaImage &image, std::uint8_t *target, Fault *fault) {
-    const std::uint8_t *source = image.data;
-    const std::uint8_t *const end = source + image.dataSize;
-    std::size_t left = std::size_t{image.sizeX} * image.sizeY;
-    while (left) {
-        if (source == end) return refusePacket(image, source, "packet", fault);
-        const unsigned int packet = *source++;
-        const bool run = packet >= kPacketPixels;
-        // A last packet that is longer than the image is cut.
-        const std::size_t pixels = std::min<std::size_t>(left, packet % kPacketPixels + 1);
-        const std::size_t bytes = run ? kBytes : pixels * kBytes;
-        if (static_cast<std::size_t>(end - source) < bytes)
-            return refusePacket(image, source, "pixels of a packet", fault);
-        if (kBytes == 3)
-            run ? repeat3(source, target, pixels) : convert3(source, target, pixels);
-        else
-            run ? repeat4(source, target, pixels) : convert4(source, target, pixels);
-        source += bytes;
-        target += pixels * kBytes;
-        left -= pixels;
-    }
-    return true;
+void convert(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels,
+             unsigned int bytesPerPixel) {
+    bytesPerPixel == 4 ? convert4(source, target, pixels) : convert3(source, target, pixels);
 }
 
 void flipRows(std::uint8_t *pixels, std::size_t rowBytes, unsigned int rows) {
     std::uint8_t *top = pixels, *bottom = pixels + rowBytes * (rows - 1);
     for (; top < bottom; top += rowBytes, bottom -= rowBytes) std::swap_ranges(top, top + rowBytes, bottom);
+}
+
+void flipRows(const TgaImage &image, std::uint8_t *pixels) {
+    if (image.topDown) flipRows(pixels, std::size_t{image.sizeX} * image.bytesPerPixel, image.sizeY);
 }
 
 }  // namespace
@@ -141,19 +171,72 @@ Fault otherTgaKind() {
     return fault;
 }
 
+TgaUnpacker::TgaUnpacker(const TgaImage &image, std::uint8_t *target)
+    : bytesPerPixel(image.bytesPerPixel), target(target), left(std::size_t{image.sizeX} * image.sizeY) {}
+
+template <unsigned int kBytes>
+std::size_t TgaUnpacker::unpackAs(const std::uint8_t *bytes, std::size_t size, bool isLast) {
+    const std::uint8_t *source = bytes, *const end = bytes + size;
+    const std::size_t wanted = isLast ? 1 : kLongestPacket;
+    while (left && static_cast<std::size_t>(end - source) >= wanted) {
+        const unsigned int packet = *source;
+        const bool run = packet >= kPacketPixels;
+        // A last packet that is longer than the image is cut.
+        const std::size_t pixels = std::min<std::size_t>(left, packet % kPacketPixels + 1);
+        const std::size_t taken = run ? kBytes : pixels * kBytes;
+        if (static_cast<std::size_t>(end - source) < 1 + taken) break;
+        ++source;
+        if (kBytes == 3)
+            run ? repeat3(source, target, pixels) : convert3(source, target, pixels);
+        else
+            run ? repeat4(source, target, pixels) : convert4(source, target, pixels);
+        source += taken;
+        target += pixels * kBytes;
+        left -= pixels;
+    }
+    return static_cast<std::size_t>(source - bytes);
+}
+
+std::size_t TgaUnpacker::unpack(const std::uint8_t *bytes, std::size_t size, bool isLast) {
+    return bytesPerPixel == 4 ? unpackAs<4>(bytes, size, isLast) : unpackAs<3>(bytes, size, isLast);
+}
+
+bool TgaUnpacker::finish(const TgaImage &image, std::uint8_t *pixels, std::size_t taken, std::size_t size,
+                         Fault *fault) const {
+    if (left == 0) {
+        flipRows(image, pixels);
+        return true;
+    }
+    // Of a packet that began, its pixels are missing.
+    const std::size_t offset = kHeaderSize + taken + (taken < size);
+    return refuse(fault, offset, taken < size ? "pixels of a packet" : "packet",
+                  "the file ends before the image is full");
+}
+
 bool decodeTga(const TgaImage &image, std::uint8_t *target, Fault *fault) {
     if (image.kind == TgaKind::kOther) return refuse(fault, 0, "kind", "has no pixels that are read");
     if (image.dataSize < leastData(image))
         return refuse(fault, kHeaderSize + image.dataSize, "pixels", "the file is too short for its image");
-    const bool hasAlpha = image.bytesPerPixel == 4;
-    if (image.kind == TgaKind::kUncompressed) {
-        const std::size_t pixels = std::size_t{image.sizeX} * image.sizeY;
-        hasAlpha ? convert4(image.data, target, pixels) : convert3(image.data, target, pixels);
-    } else if (!(hasAlpha ? unpack<4>(image, target, fault) : unpack<3>(image, target, fault))) {
-        return false;
+    if (image.kind == TgaKind::kRunLength) {
+        TgaUnpacker unpacker(image, target);
+        const std::size_t taken = unpacker.unpack(image.data, image.dataSize, true);
+        return unpacker.finish(image, target, taken, image.dataSize, fault);
     }
-    if (image.topDown) flipRows(target, std::size_t{image.sizeX} * image.bytesPerPixel, image.sizeY);
+    const std::size_t rowBytes = std::size_t{image.sizeX} * image.bytesPerPixel;
+    if (!image.topDown || rowBytes % 4 != 0) {
+        convert(image.data, target, std::size_t{image.sizeX} * image.sizeY, image.bytesPerPixel);
+        flipRows(image, target);
+        return true;
+    }
+    const std::uint8_t *row = image.data + image.bytes();
+    for (unsigned int y = 0; y < image.sizeY; ++y, target += rowBytes)
+        convert(row -= rowBytes, target, image.sizeX, image.bytesPerPixel);
     return true;
+}
+
+void decodeTgaInPlace(const TgaImage &image, std::uint8_t *pixels) {
+    convert(pixels, pixels, std::size_t{image.sizeX} * image.sizeY, image.bytesPerPixel);
+    flipRows(image, pixels);
 }
 
 }  // namespace keltra

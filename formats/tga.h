@@ -9,6 +9,8 @@
 
 namespace keltra {
 
+constexpr std::size_t kTgaHeaderSize = 18;
+
 enum class TgaKind { kUncompressed, kRunLength, kOther };
 
 // What the header of a Targa file says. `data` points into the file.
@@ -31,9 +33,37 @@ bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault 
 // The fault of a file of kind kOther.
 Fault otherTgaKind();
 
-// Unpacks the pixels into `target`, `image.bytes()` of it: R, G, B(, A), bottom row first. False when the
-// data ends early, after writing a part of them.
+// Unpacks the pixels into `target`, `image.bytes()` of it at a multiple of four: R, G, B(, A), bottom row
+// first. False when the data ends early, after writing a part of them.
 bool decodeTga(const TgaImage &image, std::uint8_t *target, Fault *fault = nullptr);
+
+// The same for the pixels of an uncompressed file, which were read into their place.
+void decodeTgaInPlace(const TgaImage &image, std::uint8_t *pixels);
+
+// Unpacks the packets of a run-length file that is read in pieces.
+class TgaUnpacker {
+   public:
+    static constexpr std::size_t kLongestPacket = 1 + 128 * 4;
+
+    TgaUnpacker(const TgaImage &image, std::uint8_t *target);
+
+    // Returns how many of the bytes were taken. Unless they are the last ones, less than a packet is left of
+    // them, which comes again before the next ones.
+    std::size_t unpack(const std::uint8_t *bytes, std::size_t size, bool isLast);
+    bool isFull() const { return left == 0; }
+    // At the end of the file's data, `size` bytes of which `taken` are the packets that were unpacked to
+    // `pixels`: turns the picture if need be. False when pixels are missing.
+    bool finish(const TgaImage &image, std::uint8_t *pixels, std::size_t taken, std::size_t size,
+                Fault *fault) const;
+
+   private:
+    template <unsigned int kBytes>
+    std::size_t unpackAs(const std::uint8_t *bytes, std::size_t size, bool isLast);
+
+    const unsigned int bytesPerPixel;
+    std::uint8_t *target;
+    std::size_t left;  // pixels
+};
 
 }  // namespace keltra
 

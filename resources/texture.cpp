@@ -4,7 +4,7 @@
 
 #include "core/gl_state.h"
 #include "formats/limits.h"
-#include "formats/tga.h"
+#include "formats/tga_file.h"
 #include "foundation/argument.h"
 #include "foundation/block.h"
 #include "foundation/fault.h"
@@ -34,24 +34,6 @@ bool KTTEXTURE::channelActive[KTTEXTURE::channels] = {};
 namespace {
 
 const char kDynamicName[] = "[dynamic]";
-
-// Reads a Targa file into a new block, which stays null for a file of another kind.
-bool readTga(keltra::FaultScope &scope, keltra::TgaImage &image, unsigned char *&pixels) {
-    const keltra::FileBytes file(scope.file);
-    if (!file.data()) return scope.failFile(file.isOutOfMemory());
-    keltra::Fault fault;
-    if (!keltra::parseTga(file.data(), file.size(), image, &fault))
-        return scope.fail(keltra::toPublic(fault));
-    if (image.kind == keltra::TgaKind::kOther) {
-        scope.warn(keltra::toPublic(keltra::otherTgaKind()));
-        return true;
-    }
-    pixels = static_cast<unsigned char *>(keltra::newBlock(image.bytes()));
-    if (!pixels) return scope.fail(KT_FAULT_OUT_OF_MEMORY);
-    if (keltra::decodeTga(image, pixels, &fault)) return true;
-    keltra::releaseBlock(pixels);
-    return scope.fail(keltra::toPublic(fault));
-}
 
 const keltra::OnNewContext forgetChannels([] {
     std::fill_n(KTTEXTURE::channelActive, KTTEXTURE::channels, false);
@@ -162,7 +144,7 @@ bool KTTEXTURE::load(const char *name) {
     keltra::TgaImage image;
     unsigned char *pixels = nullptr;
     // A file that cannot be read is tried again at every render, and reported once.
-    const bool isRead = readTga(scope, image, pixels);
+    const bool isRead = keltra::readTga(scope, image, pixels);
     toldMissing = !isRead;
     if (!isRead) return false;
 
