@@ -1,6 +1,8 @@
 #include "formats/kerning.h"
 
+#include <algorithm>
 #include <climits>
+#include <cstdlib>
 
 #include "formats/key_lines.h"
 
@@ -9,6 +11,39 @@ namespace keltra {
 namespace {
 
 constexpr std::size_t kPrefixLength = sizeof kKerningPrefix - 1;
+
+constexpr unsigned int kNoKey = kKerningKeys;
+
+// The key of the single character at `name`.
+unsigned int characterKey(const char *name) {
+    const unsigned int key = static_cast<unsigned char>(*name) - unsigned{' '};
+    return key < kKerningCharacters ? key : kNoKey;
+}
+
+// The length of the named key at `name`, behind the prefix; 0 for another one.
+std::size_t namedKey(const char *name, unsigned int named) {
+    const std::size_t length = std::strlen(kKerningNames[named]);
+    return std::strncmp(name, kKerningNames[named], length) == 0 ? length : 0;
+}
+
+// Keys match inside longer words, so the first place of each one counts.
+void takeValue(KerningValues &values, unsigned int key, const char *separator) {
+    if (values.isThere[key]) return;
+    const long number = std::strtol(*separator ? separator + 1 : separator, nullptr, 10);
+    values.isThere[key] = true;
+    values.value[key] = static_cast<signed char>(std::clamp<long>(number, INT_MIN, INT_MAX));
+}
+
+void takeLine(KerningValues &values, const char *line) {
+    for (const char *at = line; (at = std::strstr(at, kKerningPrefix)); ++at) {
+        const char *name = at + kPrefixLength;
+        const unsigned int key = characterKey(name);
+        if (key != kNoKey) takeValue(values, key, name + 1);
+        for (unsigned int i = 0; i < kKerningKeys - kKerningCharacters; ++i)
+            if (const std::size_t length = namedKey(name, i))
+                takeValue(values, kKerningCharacters + i, name + length);
+    }
+}
 
 class KerningCheck {
    public:
@@ -23,17 +58,21 @@ class KerningCheck {
         if (lines.isCut()) faults.cut();
         if (std::strncmp(lines.text(), kKerningPrefix, kPrefixLength) != 0) return checkStranger();
         const char *name = lines.text() + kPrefixLength;
-        for (unsigned int key = kKerningKeys; key-- > 0;) {
-            char text[kKerningKeySize];
-            const char *keyName = kerningKey(key, text) + kPrefixLength;
-            const std::size_t length = std::strlen(keyName);
-            if (std::strncmp(name, keyName, length) != 0 || name[length] != '=') continue;
-            if (met[key]) return faults.repeated(text);
-            met[key] = true;
-            faults.integer(text, name + length + 1, SCHAR_MIN, SCHAR_MAX);
-            return;
+        for (unsigned int i = kKerningKeys - kKerningCharacters; i-- > 0;) {
+            const std::size_t length = namedKey(name, i);
+            if (length && name[length] == '=') return checkValue(kKerningCharacters + i, name + length + 1);
         }
+        const unsigned int key = characterKey(name);
+        if (key != kNoKey && name[1] == '=') return checkValue(key, name + 2);
         checkName();
+    }
+
+    void checkValue(unsigned int key, const char *value) {
+        char text[kKerningKeySize];
+        kerningKey(key, text);
+        if (met[key]) return faults.repeated(text);
+        met[key] = true;
+        faults.integer(text, value, SCHAR_MIN, SCHAR_MAX);
     }
 
     // The name is unknown, or nothing separates it from its value.
@@ -77,6 +116,20 @@ class KerningCheck {
 };
 
 }  // namespace
+
+void readKernings(const vnfParser &text, KerningValues &values) {
+    values = {};
+    vnfParser lines = text;
+    lines.position = 0;
+    char line[kLineSize];
+    while (vnfReadLine(&lines, line)) {
+        char *kept = line;
+        for (const char *read = line; *read; ++read)
+            if (*read != ' ' && *read != '\t') *kept++ = *read;
+        *kept = '\0';
+        takeLine(values, line);
+    }
+}
 
 void checkKerning(const vnfParser &text, FaultSink &sink) { KerningCheck(text, sink).run(); }
 

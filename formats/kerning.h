@@ -34,13 +34,14 @@ inline const char *kerningKey(unsigned int key, char (&text)[kKerningKeySize]) {
     return text;
 }
 
-// Looks the key up in a text without comments. False, with `kerning` as it was, when it is not there.
-inline bool readKerning(vnfParser &text, const char *key, signed char &kerning) {
-    int value = 0;
-    if (!vnfParseInt(&text, key, &value)) return false;
-    kerning = static_cast<signed char>(value);
-    return true;
-}
+// The values that a text without comments has, key by key.
+struct KerningValues {
+    bool isThere[kKerningKeys];
+    signed char value[kKerningKeys];
+};
+
+// Looks all keys up at once, each as `vnfParseInt` does: the first line that contains it.
+void readKernings(const vnfParser &text, KerningValues &values);
 
 // Warns of each line of a text without comments that has no effect, or not the one that it seems to have.
 void checkKerning(const vnfParser &text, FaultSink &sink);

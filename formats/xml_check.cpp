@@ -26,6 +26,12 @@ void setMember(char (&field)[kSize], const char *what, const char *whole) {
     if (kFaultTexts) std::snprintf(field, sizeof field, "%s of `%s`", what, whole);
 }
 
+bool isOneOf(const char *const *names, const char *wanted) {
+    for (; *names; ++names)
+        if (std::strcmp(*names, wanted) == 0) return true;
+    return false;
+}
+
 }  // namespace
 
 unsigned int xmlLine(const TiXmlElement &element) {
@@ -57,13 +63,10 @@ void XmlCheck::unknownAttribute(const TiXmlElement &element, const char *attribu
 void XmlCheck::attributes(const TiXmlElement &element, const char *const *names) {
     for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
          attribute = attribute->Next()) {
+        if (isOneOf(names, attribute->Name())) continue;
         NearestName nearest(attribute->Name());
-        bool isKnown = false;
-        for (const char *const *name = names; *name; ++name) {
-            isKnown = isKnown || std::strcmp(*name, attribute->Name()) == 0;
-            nearest.offer(*name);
-        }
-        if (!isKnown) unknownAttribute(element, attribute->Name(), nearest.name());
+        for (const char *const *name = names; *name; ++name) nearest.offer(*name);
+        unknownAttribute(element, attribute->Name(), nearest.name());
     }
 }
 

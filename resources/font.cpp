@@ -341,9 +341,10 @@ bool KTFONT::loadKerning(const char *filename) {
     if (!vnfFileExists(path.text)) return scope.failFile();
     if (!vnfOpenParser(&file, path.text)) return false;
     vnfRemoveComments(&file, keltra::kKerningComment);
-    char key[keltra::kKerningKeySize];
+    keltra::KerningValues values;
+    keltra::readKernings(file, values);
     for (unsigned int i = 0; i < keltra::kKerningKeys; ++i)
-        keltra::readKerning(file, keltra::kerningKey(i, key), kerning[cellOf(keltra::kerningCharacter(i))]);
+        if (values.isThere[i]) kerning[cellOf(keltra::kerningCharacter(i))] = values.value[i];
     keltra::checkKerning(file, scope);
     vnfCloseParser(&file);
     return true;

@@ -50,13 +50,6 @@ Fields settingValue(const vnfParser &text, const SettingKey &key) {
     }
 }
 
-std::vector<std::string> kerningKeys() {
-    std::vector<std::string> keys;
-    char key[kKerningKeySize];
-    for (unsigned int i = 0; i < kKerningKeys; ++i) keys.push_back(kerningKey(i, key));
-    return keys;
-}
-
 }  // namespace
 
 // Any text holds settings, an empty one none.
@@ -84,12 +77,10 @@ void inspectKerning(const Source &source, Inspection &result) {
     Text text(source, kKerningComment);
     // As the loader does: a named key may overrule the character's own.
     Fields found = Fields::object();
-    const std::vector<std::string> keys = kerningKeys();
-    for (unsigned int i = 0; i < kKerningKeys; ++i) {
-        signed char kerning = 0;
-        if (readKerning(text.get(), keys[i].c_str(), kerning))
-            found[std::string(1, kerningCharacter(i))] = int{kerning};
-    }
+    KerningValues values;
+    readKernings(text.get(), values);
+    for (unsigned int i = 0; i < kKerningKeys; ++i)
+        if (values.isThere[i]) found[std::string(1, kerningCharacter(i))] = int{values.value[i]};
     Fields characters = Fields::array();
     for (const auto &[character, kerning] : found.items())
         characters.push_back({{"character", character}, {"kerning", kerning}});
