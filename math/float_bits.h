@@ -33,6 +33,12 @@ inline bool isZero(float value) { return bitsOf(value) << 1 == 0; }
 
 inline bool isFinite(float value) { return (bitsOf(value) & kExponentBits) != kExponentBits; }
 
+// Neither a zero nor infinite nor a not-a-number.
+inline bool isOrdinary(float value) { return (bitsOf(value) << 1) - 1 < 0xfeffffff; }
+
+// Greater than zero: infinity is, a not-a-number is not.
+inline bool isPositive(float value) { return bitsOf(value) - 1 < kExponentBits; }
+
 inline bool areFinite(const float *values, int count) {
     for (int i = 0; i < count; ++i)
         if (!isFinite(values[i])) return false;

@@ -7,6 +7,8 @@
 // or when the other factor is not finite, where the functions return false with nothing changed. A processor
 // with such a unit is faster with the plain operations.
 
+#include <keltra/vector.h>
+
 #include "math/float_bits.h"
 #include "math/sine.h"
 
@@ -16,8 +18,10 @@ namespace keltra {
 inline float zeroOf(std::uint32_t signs) { return floatOf(signs & kSignBit); }
 
 // a + b, where b is most often zero.
-inline float sum(float a, float b) {
-    return kSoftFloat && isZero(b) && !isZero(a) && isFinite(a) ? a : a + b;
+inline float sum(float a, float b) { return kSoftFloat && isZero(b) && isOrdinary(a) ? a : a + b; }
+
+inline R3XVECTOR3D sum(const R3XVECTOR3D &a, const R3XVECTOR3D &b) {
+    return R3XVECTOR3D(sum(a.x, b.x), sum(a.y, b.y), sum(a.z, b.z));
 }
 
 // a x + b y + 0 z, in any order of the terms; all of them finite.

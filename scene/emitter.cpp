@@ -25,6 +25,9 @@
 #include "core/gl_state.h"
 #include "formats/blend_factor.h"
 #include "formats/limits.h"
+#include "math/float_bits.h"
+#include "math/sparse.h"
+#include "math/square_root.h"
 
 static_assert(KTEMITTER::maxParticles == keltra::kMaxParticles, "as the check of emitter files says");
 
@@ -43,6 +46,7 @@ struct KTEMITTER::BILLBOARD {
     R3XVECTOR3D right, up, axis;
     R3XVECTOR3D gravityStep;
     float time;
+    float energyLoss;
 };
 
 namespace {
@@ -95,17 +99,30 @@ R3XVECTOR3D randomAlong(const R3XVECTOR3D &direction, unsigned int maximum) {
 }
 
 // The low byte of the truncated product. Deliberate: components beyond 1 wrap around; emitter files rely on
-// it. A product beyond any integer is a multiple of 256, or not a number.
+// it. By the bits of the product: a conversion to 64-bit integers computes in double precision where there is
+// no floating-point unit.
 unsigned char colorByte(float component) {
-    const float value = component * 255.0f;
-    if (!(std::fabs(value) < 9.0e18f)) return 0;
-    return static_cast<unsigned char>(static_cast<std::int64_t>(value) & 0xff);
+    const std::uint32_t bits = keltra::bitsOf(component * 255.0f);
+    const int shift = 150 - int(bits << 1 >> 24);
+    // Below 1; and multiples of 256, infinities and what is not a number.
+    if (shift > 23 || shift <= -8) return 0;
+    const std::uint32_t mantissa = (bits & 0x7fffff) | 0x800000;
+    const std::uint32_t low = shift >= 0 ? mantissa >> shift : mantissa << -shift;
+    return static_cast<unsigned char>(bits >> 31 ? 0 - low : low);
 }
 
 void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
     const unsigned char rgba[kColorBytes] = {colorByte(color.x), colorByte(color.y), colorByte(color.z),
                                              colorByte(color.w)};
-    for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(bytes + i * kColorBytes, rgba, sizeof rgba);
+    for (unsigned int i = 0; i < kCorners * kColorBytes; ++i) bytes[i] = rgba[i % kColorBytes];
+}
+
+// -a - b, where `sum` is a + b: its negative has the same bits unless it is zero or not finite.
+float negated(float sum, float a, float b) { return keltra::isOrdinary(sum) ? -sum : -a - b; }
+
+R3XVECTOR3D negatedSum(const R3XVECTOR3D &sum, const R3XVECTOR3D &a, const R3XVECTOR3D &b) {
+    if (!keltra::kSoftFloat) return -a - b;
+    return R3XVECTOR3D(negated(sum.x, a.x, b.x), negated(sum.y, a.y, b.y), negated(sum.z, a.z, b.z));
 }
 
 // Deliberate: the position is scaled like the square; emitter files rely on it.
@@ -114,10 +131,11 @@ void writeCorners(const R3XVECTOR3D &position, float scale, R3XVECTOR3D right, R
     const R3XVECTOR3D middle = position * scale;
     right *= scale;
     up *= scale;
-    corners[0] = middle + (-right - up);
-    corners[1] = middle + (right - up);
-    corners[2] = middle + (right + up);
-    corners[3] = middle + (-right + up);
+    const R3XVECTOR3D sum = right + up, difference = right - up;
+    corners[0] = middle + negatedSum(sum, right, up);
+    corners[1] = middle + difference;
+    corners[2] = middle + sum;
+    corners[3] = middle + negatedSum(difference, right, -up);
 }
 
 // The GL refuses other factors; the default takes their place.
@@ -373,7 +391,7 @@ void KTEMITTER::placeOnDisc(KTPARTICLE &spawned) const {
     const float a = randomWithin(radius);
     // The sine of the arc cosine of a / radius, times the radius. A disc without a radius is a point.
     const float ratio = radius != 0.0f ? a / radius : 0.0f;
-    float b = std::sqrt(std::max(0.0f, 1.0f - ratio * ratio)) * radius;
+    float b = keltra::squareRoot(std::max(0.0f, 1.0f - ratio * ratio)) * radius;
     if (std::rand() & 1) b = -b;
     const float x = randomUnit() * a - center.x;
     spawned.position.set(x, 0.0f, randomUnit() * b - center.z);
@@ -418,6 +436,7 @@ void KTEMITTER::updateParticles() {
     billboard.axis.normalize();
     billboard.time = KTENGINESTATE::getFPSfactor();
     billboard.gravityStep = gravity * billboard.time;
+    billboard.energyLoss = kEnergyLoss * billboard.time;
     const unsigned int count = static_cast<unsigned int>(clampedNumber(numberOfParticles));
     R3XVECTOR4D *corners = vertexArray;
     unsigned char *colors = colorArray;
@@ -426,32 +445,38 @@ void KTEMITTER::updateParticles() {
             advance(*held, billboard, corners, colors);
             continue;
         }
-        // Drawn with no area: all of it at the last corner before it.
-        std::fill(corners, corners + kCorners, i ? corners[-1] : R3XVECTOR4D());
-        std::memset(colors, 0, kCorners * kColorBytes);
+        // Those that it does not hold are drawn with no area: all of them at the last corner before them.
+        unsigned int missing = 1;
+        while (i + missing < count && !heldParticle(i + missing)) ++missing;
+        const R3XVECTOR4D last = i ? corners[-1] : R3XVECTOR4D();
+        std::fill(corners, corners + missing * kCorners, last);
+        std::memset(colors, 0, missing * kCorners * kColorBytes);
+        i += missing - 1;
+        corners += (missing - 1) * kCorners;
+        colors += (missing - 1) * kCorners * kColorBytes;
     }
 }
 
 void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR4D *corners,
                         unsigned char *colors) {
-    moved.velocity += billboard.gravityStep;
+    moved.velocity = keltra::sum(moved.velocity, billboard.gravityStep);
     moved.position += moved.velocity * billboard.time;
     const float scale = std::fabs(moved.size - moved.energy);
-    if (moved.spinAngle == 0.0f) {
+    if (keltra::isZero(moved.spinAngle)) {
         writeCorners(moved.position, scale, billboard.right, billboard.up, corners);
     } else {
         R3XMATRIX turn;
         turn.setRotation(moved.spinAngle, billboard.axis.x, billboard.axis.y, billboard.axis.z);
         writeCorners(moved.position, scale, turn.rotate(billboard.right), turn.rotate(billboard.up), corners);
     }
-    const float ratio = moved.initialEnergy != 0.0f ? moved.energy / moved.initialEnergy : 0.0f;
+    const float ratio = keltra::isZero(moved.initialEnergy) ? 0.0f : moved.energy / moved.initialEnergy;
     const R3XVECTOR3D rgb = colorEnd - colorDelta * ratio;
     // Deliberate: alpha is the energy itself, not its ratio; emitter files rely on it.
     moved.color.set(rgb.x, rgb.y, rgb.z, moved.energy);
-    moved.spinAngle += moved.spinSpeed * billboard.time;
+    moved.spinAngle = keltra::sum(moved.spinAngle, moved.spinSpeed * billboard.time);
     writeColor(moved.color, colors);
-    moved.energy -= kEnergyLoss * billboard.time;
-    if (!(moved.energy > 0.0f)) updateParticle(&moved);
+    moved.energy -= billboard.energyLoss;
+    if (!keltra::isPositive(moved.energy)) updateParticle(&moved);
 }
 
 // Deliberate: four vertices a particle as a list of triangles; textures of emitters are made for it, see the
