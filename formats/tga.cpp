@@ -44,6 +44,8 @@ constexpr bool kAnyAddress = false;
 constexpr bool kAnyAddress = true;
 #endif
 
+static_assert(kAnyAddress || __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the first part is the lowest");
+
 template <unsigned int kPart>
 std::uint32_t loadPixel(const std::uint8_t *source) {
     if (kPart == 4) {
@@ -51,15 +53,14 @@ std::uint32_t loadPixel(const std::uint8_t *source) {
         std::memcpy(&pixel, kAnyAddress ? source : __builtin_assume_aligned(source, 4), 4);
         return pixel;
     }
-    std::uint16_t halves[2];
-    const void *low = source, *high = source + 2;
     if (kPart == 2) {
-        low = __builtin_assume_aligned(low, 2);
-        high = __builtin_assume_aligned(high, 2);
+        std::uint16_t low, high;
+        std::memcpy(&low, __builtin_assume_aligned(source, 2), 2);
+        std::memcpy(&high, __builtin_assume_aligned(source + 2, 2), 2);
+        return low | std::uint32_t{high} << 16;
     }
-    std::memcpy(&halves[0], low, 2);
-    std::memcpy(&halves[1], high, 2);
-    return halves[0] | std::uint32_t{halves[1]} << 16;
+    return source[0] | std::uint32_t{source[1]} << 8 | std::uint32_t{source[2]} << 16 |
+           std::uint32_t{source[3]} << 24;
 }
 
 void storePixel(std::uint8_t *target, std::uint32_t pixel) {
@@ -75,13 +76,21 @@ std::uint32_t exchanged(std::uint32_t pixel) {
     return (pixel ^ moved) | moved << 16 | moved >> 16;
 }
 
+void convertPixel3(const std::uint8_t *source, std::uint8_t *target) {
+    const std::uint8_t blue = source[0], green = source[1];
+    target[0] = source[2];
+    target[1] = green;
+    target[2] = blue;
+}
+
 void convert3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
-    for (; pixels; --pixels, source += 3, target += 3) {
-        const std::uint8_t blue = source[0];
-        target[0] = source[2];
-        target[1] = source[1];
-        target[2] = blue;
+    for (; pixels >= 4; pixels -= 4, source += 12, target += 12) {
+        convertPixel3(source, target);
+        convertPixel3(source + 3, target + 3);
+        convertPixel3(source + 6, target + 6);
+        convertPixel3(source + 9, target + 9);
     }
+    for (; pixels; --pixels, source += 3, target += 3) convertPixel3(source, target);
 }
 
 // Compilers turn plain loops into wide ones where any address will do; elsewhere a turn does four pixels.
@@ -128,6 +137,16 @@ void repeat4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
     for (; kTurn > 1 && pixels; --pixels, target += 4) storePixel(target, pixel);
 }
 
+template <unsigned int kBytes>
+void convert(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
+    kBytes == 4 ? convert4(source, target, pixels) : convert3(source, target, pixels);
+}
+
+template <unsigned int kBytes>
+void repeat(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
+    kBytes == 4 ? repeat4(source, target, pixels) : repeat3(source, target, pixels);
+}
+
 void convert(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels,
              unsigned int bytesPerPixel) {
     bytesPerPixel == 4 ? convert4(source, target, pixels) : convert3(source, target, pixels);
@@ -135,7 +154,15 @@ void convert(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
 
 void flipRows(std::uint8_t *pixels, std::size_t rowBytes, unsigned int rows) {
     std::uint8_t *top = pixels, *bottom = pixels + rowBytes * (rows - 1);
-    for (; top < bottom; top += rowBytes, bottom -= rowBytes) std::swap_ranges(top, top + rowBytes, bottom);
+    std::uint8_t part[256];
+    for (; top < bottom; bottom -= 2 * rowBytes) {
+        for (std::size_t left = rowBytes, some; left; left -= some, top += some, bottom += some) {
+            some = std::min(left, sizeof part);
+            std::memcpy(part, top, some);
+            std::memcpy(top, bottom, some);
+            std::memcpy(bottom, part, some);
+        }
+    }
 }
 
 void flipRows(const TgaImage &image, std::uint8_t *pixels) {
@@ -177,6 +204,15 @@ TgaUnpacker::TgaUnpacker(const TgaImage &image, std::uint8_t *target)
 template <unsigned int kBytes>
 std::size_t TgaUnpacker::unpackAs(const std::uint8_t *bytes, std::size_t size, bool isLast) {
     const std::uint8_t *source = bytes, *const end = bytes + size;
+    // Nothing is short of what any packet takes: packets of a few pixels are most of a picture.
+    while (left >= kPacketPixels && static_cast<std::size_t>(end - source) >= kLongestPacket) {
+        const unsigned int packet = *source++, pixels = packet % kPacketPixels + 1;
+        const bool run = packet >= kPacketPixels;
+        run ? repeat<kBytes>(source, target, pixels) : convert<kBytes>(source, target, pixels);
+        source += run ? kBytes : pixels * kBytes;
+        target += pixels * kBytes;
+        left -= pixels;
+    }
     const std::size_t wanted = isLast ? 1 : kLongestPacket;
     while (left && static_cast<std::size_t>(end - source) >= wanted) {
         const unsigned int packet = *source;
@@ -186,10 +222,7 @@ std::size_t TgaUnpacker::unpackAs(const std::uint8_t *bytes, std::size_t size, b
         const std::size_t taken = run ? kBytes : pixels * kBytes;
         if (static_cast<std::size_t>(end - source) < 1 + taken) break;
         ++source;
-        if (kBytes == 3)
-            run ? repeat3(source, target, pixels) : convert3(source, target, pixels);
-        else
-            run ? repeat4(source, target, pixels) : convert4(source, target, pixels);
+        run ? repeat<kBytes>(source, target, pixels) : convert<kBytes>(source, target, pixels);
         source += taken;
         target += pixels * kBytes;
         left -= pixels;
