@@ -49,13 +49,47 @@ void beginQuads(const KTBOX &box) {
     glTexCoordPointer(2, GL_FIXED, 0, quadTexCoords);
 }
 
-void drawQuad(std::int64_t x1, std::int64_t y1, std::int64_t x2, std::int64_t y2, const FixedColor &color) {
-    GLfixed left = pixelsToFixed(x1), right = pixelsToFixed(x2);
-    GLfixed top = pixelsToFixed(y1), bottom = pixelsToFixed(y2);
-    const GLfixed corners[8] = {left, top, right, top, left, bottom, right, bottom};
-    std::copy(corners, corners + 8, quadVertices);
+void setQuadColor(const FixedColor &color) {
     for (int i = 0; i < 16; ++i) quadColors[i] = color.rgba[i % 4];
+}
+
+void drawQuad(GLfixed left, GLfixed top, GLfixed right, GLfixed bottom) {
+    quadVertices[0] = quadVertices[4] = left;
+    quadVertices[2] = quadVertices[6] = right;
+    quadVertices[1] = quadVertices[3] = top;
+    quadVertices[5] = quadVertices[7] = bottom;
     glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+}
+
+// The lines along one axis that a ring of a border lies between.
+struct RingLines {
+    GLfixed outer, inner, farInner, farOuter;
+
+    RingLines(std::int64_t ring, std::int64_t size)
+        : outer(pixelsToFixed(ring)),
+          inner(pixelsToFixed(ring + 1)),
+          farInner(pixelsToFixed(size - ring - 1)),
+          farOuter(pixelsToFixed(size - ring)) {}
+};
+
+struct BorderColors {
+    FixedColor upper, lower, upperCorner, lowerCorner, middle;
+};
+
+void drawRing(const RingLines &x, const RingLines &y, const BorderColors &colors) {
+    setQuadColor(colors.upper);
+    drawQuad(x.inner, y.outer, x.farInner, y.inner);
+    drawQuad(x.outer, y.inner, x.inner, y.farInner);
+    setQuadColor(colors.lower);
+    drawQuad(x.inner, y.farOuter, x.farInner, y.farInner);
+    drawQuad(x.farOuter, y.inner, x.farInner, y.farInner);
+    setQuadColor(colors.upperCorner);
+    drawQuad(x.outer, y.outer, x.inner, y.inner);
+    setQuadColor(colors.middle);
+    drawQuad(x.outer, y.farOuter, x.inner, y.farInner);
+    drawQuad(x.farOuter, y.outer, x.farInner, y.inner);
+    setQuadColor(colors.lowerCorner);
+    drawQuad(x.farOuter, y.farOuter, x.farInner, y.farInner);
 }
 
 }  // namespace
@@ -78,24 +112,13 @@ void drawBorder(const KTBOX &box, std::int64_t width, std::int64_t height, bool 
     KTTEXTURE::texturingOff(KTTEXTURE::channels);
     KTOPENGL::blendingOn();
     const float alpha = 0.5f;
-    FixedColor upper = shade(box.color, sunken ? 0.7f : 1.3f, alpha);
-    FixedColor lower = shade(box.color, sunken ? 1.3f : 0.7f, alpha);
-    FixedColor upperCorner = shade(box.color, sunken ? 0.4f : 1.6f, alpha);
-    FixedColor lowerCorner = shade(box.color, sunken ? 1.6f : 0.4f, alpha);
-    FixedColor middle = shade(box.color, 1.0f, alpha);
-    std::int64_t rings = std::min(box.thickness, kMaxRings);
-    std::int64_t w = width, h = height;
+    const BorderColors colors = {
+        shade(box.color, sunken ? 0.7f : 1.3f, alpha), shade(box.color, sunken ? 1.3f : 0.7f, alpha),
+        shade(box.color, sunken ? 0.4f : 1.6f, alpha), shade(box.color, sunken ? 1.6f : 0.4f, alpha),
+        shade(box.color, 1.0f, alpha)};
+    const unsigned int rings = std::min(box.thickness, kMaxRings);
     beginQuads(box);
-    for (std::int64_t i = 0; i < rings; ++i) {
-        drawQuad(i + 1, i, w - i - 1, i + 1, upper);
-        drawQuad(i, i + 1, i + 1, h - i - 1, upper);
-        drawQuad(i + 1, h - i, w - i - 1, h - i - 1, lower);
-        drawQuad(w - i, i + 1, w - i - 1, h - i - 1, lower);
-        drawQuad(i, i, i + 1, i + 1, upperCorner);
-        drawQuad(i, h - i, i + 1, h - i - 1, middle);
-        drawQuad(w - i, i, w - i - 1, i + 1, middle);
-        drawQuad(w - i, h - i, w - i - 1, h - i - 1, lowerCorner);
-    }
+    for (unsigned int i = 0; i < rings; ++i) drawRing(RingLines(i, width), RingLines(i, height), colors);
 }
 
 }  // namespace keltra
@@ -119,7 +142,8 @@ bool KTBOX::render(void *data) {
     else
         KTOPENGL::blendingOff();
     beginQuads(*this);
-    drawQuad(0, 0, sizeX, sizeY, shade(color, clickedStatus ? 0.9f : 1.0f, color.w));
+    setQuadColor(shade(color, clickedStatus ? 0.9f : 1.0f, color.w));
+    drawQuad(0, 0, pixelsToFixed(sizeX), pixelsToFixed(sizeY));
     keltra::drawBorder(*this, sizeX, sizeY, clickedStatus);
     if (scissorStatus) KTOPENGL::scissorOff();
     return true;

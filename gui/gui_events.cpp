@@ -72,14 +72,49 @@ void release(const Pointer &pointer, unsigned int *activatedId) {
     last.moved = false;
 }
 
+// Answers for box after box what `checkBoundaries` answers, and keeps what boxes of one parent share.
+class HitTest {
+   public:
+    explicit HitTest(const Pointer &pointer)
+        : pointer(pointer), x(static_cast<float>(pointer.x)), y(static_cast<float>(pointer.y)) {}
+
+    bool isUnder(const KTBOX &box) {
+        if (!box.checkStatus) return false;
+        if (!isKnown || box.parent != parent) look(box);
+        if (!keltra::isInside(box, origin, x, y)) return false;
+        if (box.type == KT_WINDOW || !window || window->getChild(0) == &box) return true;
+        if (!windowIsTested) windowIsHit = window->checkBoundaries(pointer.x, pointer.y);
+        windowIsTested = true;
+        return windowIsHit;
+    }
+
+   private:
+    void look(const KTBOX &box) {
+        isKnown = true;
+        parent = box.parent;
+        origin = keltra::originOf(box);
+        window = keltra::windowAround(box);
+        windowIsTested = false;
+    }
+
+    const Pointer &pointer;
+    const float x, y;
+    bool isKnown = false, windowIsTested = false, windowIsHit = false;
+    const KTNODE *parent = nullptr;
+    keltra::Origin origin = {0.0f, 0.0f};
+    KTWINDOW *window = nullptr;
+};
+
 // The foremost box under the pointer. A folded window is found by its title bar only.
 KTBOX *pick(const Pointer &pointer) {
     KTBOX *best = nullptr;
     long foremost = 0;
-    for (unsigned int i = 0; i < KTELEMENT::numberOfPassedElements; ++i) {
-        KTBOX *box = keltra::asBox(KTELEMENT::elementPointer[i]->getNode());
+    HitTest test(pointer);
+    KTELEMENT *const *const end = KTELEMENT::elementPointer + KTELEMENT::numberOfPassedElements;
+    for (KTELEMENT *const *element = KTELEMENT::elementPointer; element != end; ++element) {
+        KTBOX *box = keltra::asBox((*element)->getNode());
         if (!box || box->foremostTimeStamp <= foremost || !box->displayStatus) continue;
-        if (!box->checkBoundaries(pointer.x, pointer.y)) continue;
+        if (!test.isUnder(*box)) continue;
         const KTWINDOW *window = keltra::asWindow(box);
         if (window && window->isMinimized()) continue;
         best = box;

@@ -8,12 +8,21 @@
 
 #include <cstdint>
 
+#include "gui/geometry.h"
 #include "scene/node_class.h"
 
 namespace keltra {
 
 // A box of any type code: applications give the classes that they derive codes of their own.
 inline KTBOX *asBox(KTNODE *node) { return as<KTBOX>(node); }
+
+// Whether the point lies on the box, whose position counts from `origin`. Deliberate: both edges belong to
+// the box, so 64 pixels react to 65 columns; applications rely on it.
+inline bool isInside(const KTBOX &box, const Origin &origin, float x, float y) {
+    return x >= box.position.x + origin.x && y >= box.position.y + origin.y &&
+           x <= static_cast<float>(box.sizeX) + box.position.x + origin.x &&
+           y <= static_cast<float>(box.sizeY) + box.position.y + origin.y;
+}
 
 // Switches lighting off while it exists, so that widgets keep their colours in a lit 3D pass.
 class Unlit {

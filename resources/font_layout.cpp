@@ -8,6 +8,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 #include "resources/text_escape.h"
 
@@ -18,7 +19,10 @@ using keltra::TextToken;
 // Sizes of any 32 bits are added up thousands of times.
 using Pixels = std::int64_t;
 
-Pixels advanceOf(const KTFONT &font, char c) { return Pixels{font.charSizeX} - font.getKerning(c); }
+Pixels advanceOf(const KTFONT &font, char c) {
+    const unsigned int cell = static_cast<unsigned char>(c) - unsigned{' '};
+    return Pixels{font.charSizeX} - (cell < std::size(font.kerning) ? font.kerning[cell] : 0);
+}
 
 // Copies a text and breaks its lines.
 class LineBreaker {
