@@ -16,6 +16,7 @@
 
 #include "core/gl_state.h"
 #include "foundation/fault.h"
+#include "foundation/memory.h"
 #include "scene/local_transform.h"
 
 namespace {
@@ -152,6 +153,7 @@ bool KELTRA::swap() {
     timerUpdated = false;
     glFlush();
     glFinish();
+    keltra::sampleLateBlocks();
     return eglSwapBuffers(KTSETTINGS::glesDisplay, KTSETTINGS::glesSurface) == EGL_TRUE ||
            keltra::failState("KELTRA::swap", "the frame cannot be shown");
 }

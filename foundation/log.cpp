@@ -95,6 +95,7 @@ void keltra::beginLog(const LocalTime &time) {
 
 void keltra::endLog() {
     if (!logFile) return;
+    sampleLateBlocks();
     const TimeText now = textOf(platformLocalTime());
     if (html)
         std::fprintf(logFile, "<H4>\n%s", kHtmlRule);
@@ -110,6 +111,7 @@ void keltra::endLog() {
 bool vnfLog(const char *format, ...) {
     if (!format) return keltra::failNull("vnfLog", "format");
     if (!logFile) return false;
+    keltra::sampleLateBlocks();
     char text[kTextSize];
     std::va_list arguments;
     va_start(arguments, format);

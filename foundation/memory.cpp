@@ -7,6 +7,7 @@
 #include "foundation/quiet.h"
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -26,7 +27,12 @@ unsigned int samplesLeft = 0;
 
 std::uint64_t difference(std::uint64_t more, std::uint64_t less) { return more > less ? more - less : 0; }
 
+// The engine's own blocks are sampled together: asking the system takes longer than twenty allocations.
+constexpr unsigned int kSampledTogether = 64 << 10;
+unsigned int unsampledBytes = 0;
+
 void samplePeak() {
+    unsampledBytes = 0;
     const PhysicalMemory memory = platformMemory();
     const std::uint64_t filled = difference(memory.total, memory.available);
     if (samplesLeft > 0 && difference(filled, cacheOfFiles) <= counters.peak) {
@@ -39,6 +45,14 @@ void samplePeak() {
     if (used > counters.peak) counters.peak = used;
 }
 
+void *countedBlock(unsigned int size) {
+    constexpr std::uint32_t kMost = std::numeric_limits<std::uint32_t>::max();
+    counters.totalBytes = size < kMost - counters.totalBytes ? counters.totalBytes + size : kMost;
+    ++counters.live;
+    ++counters.allocations;
+    return std::malloc(size);
+}
+
 }  // namespace
 
 const MemoryCounters &memoryCounters() { return counters; }
@@ -49,20 +63,24 @@ void restartMemoryPeak() {
     samplePeak();
 }
 
-}  // namespace keltra
+void sampleLateBlocks() {
+    if (unsampledBytes > 0) samplePeak();
+}
 
-void *keltra::allocate(unsigned int size) {
-    constexpr std::uint32_t kMost = std::numeric_limits<std::uint32_t>::max();
-    counters.totalBytes = size < kMost - counters.totalBytes ? counters.totalBytes + size : kMost;
-    ++counters.live;
-    ++counters.allocations;
-    void *block = std::malloc(size);
-    samplePeak();
+void *allocate(unsigned int size) {
+    void *block = countedBlock(size);
+    if (size < kSampledTogether - unsampledBytes)
+        unsampledBytes += std::max(size, 1u);
+    else
+        samplePeak();
     return block;
 }
 
+}  // namespace keltra
+
 void *vnfMalloc(unsigned int size) {
-    void *block = keltra::allocate(size);
+    void *block = keltra::countedBlock(size);
+    keltra::samplePeak();
     if (!block) keltra::failMemory("vnfMalloc");
     return block;
 }

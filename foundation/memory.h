@@ -12,6 +12,9 @@ struct MemoryCounters {
 
 const MemoryCounters &memoryCounters();
 void restartMemoryPeak();
+// To be called where time passes anyway, at each log and frame: samples the peak for blocks that the engine
+// has allocated since it was sampled last. `vnfMalloc` samples at once.
+void sampleLateBlocks();
 
 }  // namespace keltra
 

@@ -12,7 +12,7 @@ struct vnfParser;
 
 namespace keltra {
 
-void *allocate(unsigned int size);  // vnfMalloc
+void *allocate(unsigned int size);  // vnfMalloc, whose sample of the peak may come later
 bool returnId(unsigned int id);     // releaseId
 bool adjournTimer(int timer);       // vnfAdjournTimer
 bool returnTimer(int timer);        // vnfFreeTimer

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "foundation/lifecycle.h"
+#include "foundation/quiet.h"
 #include "platform/platform.h"
 #include "tests/foundation/foundation_fixture.h"
 #include "tests/support/allocations.h"
@@ -112,6 +113,34 @@ TEST_F(MemoryTest, ReleasingTakesNoSample) {
     setPagesInUse(2000);
     vnfFree(block);
     EXPECT_EQ(memoryCounters().peak, 1000 * kPage);
+}
+
+TEST_F(MemoryTest, BlocksOfTheEngineAreSampledWithTheNextLogOrFrame) {
+    setPagesInUse(1000);
+    startLog();
+    setPagesInUse(1500);
+    vnfFree(allocate(100));
+    EXPECT_EQ(memoryCounters().peak, 1000 * kPage);
+    vnfLog("a line\n");
+    EXPECT_EQ(memoryCounters().peak, 1500 * kPage);
+    setPagesInUse(1600);
+    sampleLateBlocks();
+    EXPECT_EQ(memoryCounters().peak, 1500 * kPage) << "nothing was allocated";
+    vnfFree(allocate(0));
+    sampleLateBlocks();
+    EXPECT_EQ(memoryCounters().peak, 1600 * kPage);
+    vnfCloseLog();
+}
+
+TEST_F(MemoryTest, ManyBytesAreSampledAtOnce) {
+    setPagesInUse(1000);
+    vnfOpenLog(nullptr);
+    setPagesInUse(1500);
+    for (int i = 0; i < 2; ++i) vnfFree(allocate(32 << 10));
+    EXPECT_EQ(memoryCounters().peak, 1500 * kPage);
+    setPagesInUse(1700);
+    vnfFree(allocate(1 << 20));
+    EXPECT_EQ(memoryCounters().peak, 1700 * kPage);
 }
 
 TEST_F(MemoryTest, OpeningTheLogRestartsThePeak) {
