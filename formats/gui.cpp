@@ -23,6 +23,9 @@ const char *const kGuiKinds[kGuiKindCount] = {"normal", "inverted", "switch"};
 
 namespace {
 
+// Most names differ in their first letter.
+bool isSame(const char *name, const char *other) { return *name == *other && std::strcmp(name, other) == 0; }
+
 class GuiCheck {
    public:
     GuiCheck(FaultSink &sink, bool hasLines) : check(sink, hasLines) {}
@@ -92,13 +95,13 @@ class GuiCheck {
 
 int guiObject(const char *element) {
     for (int i = 0; i < kGuiObjectCount; ++i)
-        if (std::strcmp(kGuiObjectNames[i], element) == 0) return i;
+        if (isSame(kGuiObjectNames[i], element)) return i;
     return -1;
 }
 
 int guiProperty(const char *element) {
     for (int i = 0; i < kGuiPropertyCount; ++i)
-        if (std::strcmp(kGuiProperties[i].name, element) == 0) return i;
+        if (isSame(kGuiProperties[i].name, element)) return i;
     return -1;
 }
 

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "formats/xml_document.h"
+
 namespace keltra {
 
 namespace {
@@ -28,7 +30,7 @@ void setMember(char (&field)[kSize], const char *what, const char *whole) {
 
 bool isOneOf(const char *const *names, const char *wanted) {
     for (; *names; ++names)
-        if (std::strcmp(*names, wanted) == 0) return true;
+        if (**names == *wanted && std::strcmp(*names, wanted) == 0) return true;
     return false;
 }
 
@@ -108,6 +110,7 @@ void XmlCheck::real(const TiXmlElement &element, const char *attribute) {
     const char *text = element.Attribute(attribute);
     if (!text) return missing(element, attribute);
     float number;
+    if (xmlPlainFloat(text, number)) return;
     int length = 0;
     const bool isNumber = std::sscanf(text, "%f%n", &number, &length) == 1 && number - number == 0.0f;
     if (!isNumber || text[length]) value(element, attribute, text, faultText("a number"));

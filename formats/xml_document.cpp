@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -61,9 +62,9 @@ class MarkupScan {
         return false;
     }
     std::size_t left() const { return static_cast<std::size_t>(end - cursor); }
-    bool at(const char *text) const {
-        const std::size_t length = std::strlen(text);
-        return left() >= length && std::memcmp(cursor, text, length) == 0;
+    template <std::size_t kSize>
+    bool at(const char (&text)[kSize]) const {
+        return left() >= kSize - 1 && *cursor == *text && std::memcmp(cursor, text, kSize - 1) == 0;
     }
 
     void measure(const char *from, const char *to) {
@@ -71,6 +72,7 @@ class MarkupScan {
     }
 
     bool skipMarkup() {
+        if (startsName()) return skipElement();
         if (at("<?")) return blankInstruction();
         if (at("<!--")) return skipPast("<!--", "-->");
         if (at("<![CDATA[")) return skipPast("<![CDATA[", "]]>");
@@ -78,15 +80,20 @@ class MarkupScan {
             if (depth) --depth;
             return skipPast("</", ">");
         }
-        return startsName() ? skipElement() : skipPast("<", ">");
+        return skipPast("<", ">");
     }
 
-    bool skipPast(const char *opening, const char *closing) {
-        cursor += std::strlen(opening);
-        while (!at(closing))
-            if (cursor++ == end) return false;
-        cursor += std::strlen(closing);
-        return true;
+    template <std::size_t kOpening, std::size_t kClosing>
+    bool skipPast(const char (&opening)[kOpening], const char (&closing)[kClosing]) {
+        for (cursor += sizeof opening - 1;; ++cursor) {
+            cursor = static_cast<char *>(std::memchr(cursor, *closing, left()));
+            if (!cursor) break;
+            if (!at(closing)) continue;
+            cursor += sizeof closing - 1;
+            return true;
+        }
+        cursor = end;
+        return false;
     }
 
     bool blankInstruction() {
@@ -276,7 +283,10 @@ void noteLines(char *text, char *end, TiXmlDocument &document) {
         if (TiXmlElement *element = node->ToElement()) {
             const char *tag = scan.nextElement();
             if (!tag) return;
-            line += static_cast<unsigned int>(std::count(counted, tag, '\n'));
+            while (const void *feed = std::memchr(counted, '\n', static_cast<std::size_t>(tag - counted))) {
+                counted = static_cast<const char *>(feed) + 1;
+                ++line;
+            }
             counted = tag;
             element->SetUserData(reinterpret_cast<void *>(std::uintptr_t{line}));
         }
@@ -345,7 +355,34 @@ int xmlInteger(const char *text) {
     return value < INT_MIN ? INT_MIN : static_cast<int>(value);
 }
 
+// The quotient of two numbers that a float holds exactly is rounded as the text would be.
+bool xmlPlainFloat(const char *text, float &value) {
+    constexpr std::int32_t kExact = 1 << 24, kMostDecimals = 10;
+    const bool isNegative = *text == '-';
+    std::int32_t digits = 0;
+    int decimals = -1;
+    float divisor = 1.0f;
+    const char *c = text + isNegative;
+    if (*c < '0' || *c > '9') return false;
+    for (; *c; ++c) {
+        if (*c == '.' && decimals < 0 && *std::localeconv()->decimal_point == '.') {
+            decimals = 0;
+            continue;
+        }
+        if (*c < '0' || *c > '9') return false;
+        digits = 10 * digits + (*c - '0');
+        if (digits > kExact || (decimals >= 0 && ++decimals > kMostDecimals)) return false;
+        if (decimals > 0) divisor *= 10.0f;
+    }
+    value = static_cast<float>(digits);
+    if (decimals > 0) value /= divisor;
+    if (isNegative) value = -value;
+    return true;
+}
+
 float xmlFloat(const char *text, float otherwise) {
+    float plain;
+    if (text && xmlPlainFloat(text, plain)) return plain;
     float value = 0.0f;
     return text && std::sscanf(text, "%f", &value) == 1 && std::isfinite(value) ? value : otherwise;
 }

@@ -21,6 +21,8 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
 // `atoi` with a defined result for every text: numbers beyond the type are clamped, and null is 0.
 int xmlInteger(const char *text);
 // What `sscanf` reads with "%f"; `otherwise` when it reads nothing, infinity or not-a-number, and for null.
+// True for digits, with a minus sign and a point at most, that a float division gives as `sscanf` would.
+bool xmlPlainFloat(const char *text, float &value);
 float xmlFloat(const char *text, float otherwise);
 
 }  // namespace keltra

@@ -4,6 +4,9 @@
 #include <tinyxml.h>
 
 #include <climits>
+#include <cstdio>
+#include <cstring>
+#include <random>
 #include <string>
 
 #include "foundation/file_bytes.h"
@@ -197,6 +200,31 @@ TEST(XmlValues, IntegersAreClamped) {
     EXPECT_EQ(xmlInteger("99999999999999999999"), INT_MAX);
     EXPECT_EQ(xmlInteger("2147483648"), INT_MAX);
     EXPECT_EQ(xmlInteger("-99999999999999999999"), INT_MIN);
+}
+
+TEST(XmlValues, PlainFloatsAreThoseOfTheCLibrary) {
+    std::mt19937 random(1);
+    unsigned int plain = 0;
+    for (int round = 0; round < 200000; ++round) {
+        std::string text(random() % 8 == 0 ? "-" : "");
+        for (unsigned int left = random() % 9 + 1; left; --left)
+            text += static_cast<char>('0' + random() % 10);
+        if (random() % 4) text += '.';
+        for (unsigned int left = random() % 5; left; --left) text += static_cast<char>('0' + random() % 10);
+        if (random() % 8 == 0) text += ".-e1x"[random() % 5];
+        float value = 0.0f, expected = 0.0f;
+        if (!xmlPlainFloat(text.c_str(), value)) continue;
+        int length = 0;
+        ASSERT_EQ(std::sscanf(text.c_str(), "%f%n", &expected, &length), 1) << text;
+        ASSERT_EQ(length, int(text.size())) << text;
+        ASSERT_EQ(std::memcmp(&value, &expected, sizeof value), 0) << text;
+        ++plain;
+    }
+    EXPECT_GT(plain, 50000u);
+    for (const char *text : {"", "-", ".5", "+1", " 1", "1e2", "0x1", "inf", "1.2.3", "16777217", "1,5"}) {
+        float value;
+        EXPECT_FALSE(xmlPlainFloat(text, value)) << text;
+    }
 }
 
 TEST(XmlValues, FloatsAreFinite) {
