@@ -54,6 +54,7 @@ class FileBytes {
         bytes = static_cast<char *>(allocate(static_cast<unsigned int>(end)));
         noMemory = !bytes;
         if (noMemory) return;
+        platformExpectUse(bytes, end);
         length = std::fread(bytes, 1, end, file);
         if (length == end) return;
         vnfFree(bytes);

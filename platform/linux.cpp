@@ -4,6 +4,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/sysinfo.h>
 #include <time.h>
@@ -94,6 +95,23 @@ std::uint64_t platformReclaimableMemory(const PhysicalMemory &memory) {
     text[length > 0 ? length : 0] = '\0';
     const std::uint64_t total = memoryLine(text, "MemTotal:"), available = memoryLine(text, "MemAvailable:");
     return total == memory.total && available > memory.available ? available - memory.available : 0;
+}
+
+// Pages of two megabytes, the usual large ones. Where there are none, the advice is refused.
+void platformExpectUse(void *block, std::size_t size) {
+#if defined(MADV_HUGEPAGE)
+    constexpr std::uintptr_t kLarge = 2 << 20;
+    const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(block);
+    const std::uintptr_t begin = (address + kLarge - 1) / kLarge * kLarge,
+                         end = (address + size) / kLarge * kLarge;
+    if (begin >= end) return;
+    const int earlier = errno;
+    madvise(reinterpret_cast<void *>(begin), end - begin, MADV_HUGEPAGE);
+    errno = earlier;
+#else
+    (void)block;
+    (void)size;
+#endif
 }
 
 LocalTime platformLocalTime() {

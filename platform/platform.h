@@ -3,6 +3,7 @@
 
 // The services of the operating system that the engine needs beyond the C library.
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
@@ -22,6 +23,10 @@ PhysicalMemory platformMemory();
 
 // How much of such a cache the system would give up for programs; 0 when unknown. Costs some 20 microseconds.
 std::uint64_t platformReclaimableMemory(const PhysicalMemory &memory);
+
+// The block, which nothing was written to yet, is soon written from end to end: the system may lay it out in
+// large pages.
+void platformExpectUse(void *block, std::size_t size);
 
 struct LocalTime {
     unsigned int day, month, year, hour, minute, second, millisecond;  // month 1 to 12, year with its century

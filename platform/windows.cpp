@@ -34,6 +34,8 @@ std::uint64_t platformReclaimableMemory(const PhysicalMemory &) { return 0; }
 WindowDriverOnly::WindowDriverOnly() : named(false) {}
 WindowDriverOnly::~WindowDriverOnly() = default;
 
+void platformExpectUse(void *, std::size_t) {}
+
 LocalTime platformLocalTime() {
     SYSTEMTIME now;
     GetLocalTime(&now);
