@@ -12,6 +12,7 @@
 #include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
+#include "scene/tree_walk.h"
 
 template <>
 struct keltra::ObjectMemory<KTANIM> {
@@ -31,6 +32,49 @@ namespace {
     if (frame > frames) return keltra::failRange(call, "frame", frame, frames);
     return keltra::failRange(call, "bone", bone, long(bones) - 1);
 }
+
+// Bones by their names, for one walk of a tree. Names may change between two walks, so it is made anew for
+// each: that takes less than to look at the tree for each bone.
+class BoneTable {
+   public:
+    // A later bone of the same name takes the place of an earlier one.
+    void add(const char (*names)[256], unsigned int bone) {
+        Entry &entry = entries[find(names, names[bone])];
+        if (entry.bone < 0) ++left;
+        entry = {static_cast<std::int16_t>(bone), false};
+    }
+
+    // The bone of that name, once; -1 when there is none, or no more.
+    int take(const char (*names)[256], const char *name) {
+        Entry &entry = entries[find(names, name)];
+        if (entry.bone < 0 || entry.taken) return -1;
+        entry.taken = true;
+        --left;
+        return entry.bone;
+    }
+
+    bool isEmpty() const { return left == 0; }
+
+   private:
+    struct Entry {
+        std::int16_t bone = -1;
+        bool taken = false;
+    };
+    static const unsigned int kEntries = 2 * KTANIM::maxBones;
+
+    // Where the name is, or would be put.
+    unsigned int find(const char (*names)[256], const char *name) const {
+        unsigned int hash = 0;
+        for (const char *at = name; *at; ++at) hash = 33 * hash + static_cast<unsigned char>(*at);
+        unsigned int index = (hash ^ hash >> 8) % kEntries;
+        while (entries[index].bone >= 0 && std::strcmp(names[entries[index].bone], name) != 0)
+            index = (index + 1) % kEntries;
+        return index;
+    }
+
+    Entry entries[kEntries];
+    unsigned int left = 0;
+};
 
 }  // namespace
 
@@ -221,14 +265,20 @@ void KTANIM::interpolate(unsigned int bone, unsigned int from, unsigned int to) 
     }
 }
 
+// One walk of the tree for all bones: the first node of a name counts, and of several bones of one name the
+// last.
 bool KTANIM::apply(unsigned int frame, KTNODE *root) {
     if (!root) return keltra::failNull("KTANIM::apply", "root");
     if (frame >= frames()) return keltra::failRange("KTANIM::apply", "frame", frame, long(frames()) - 1);
-    for (unsigned int bone = 0; bone < bones(); ++bone) {
-        KTNODE *node = root->findByNameInHierarchy(boneNames[bone]);
-        if (!node) continue;
-        node->rotation = keyframes[frame][bone].rotation;
-        if (translating) node->position = keyframes[frame][bone].position;
-    }
+    BoneTable table;
+    for (unsigned int bone = 0; bone < bones(); ++bone) table.add(boneNames, bone);
+    keltra::walkTree(root, [&](KTNODE *node, unsigned int) {
+        const int bone = table.take(boneNames, node->name);
+        if (bone >= 0) {
+            node->rotation = keyframes[frame][bone].rotation;
+            if (translating) node->position = keyframes[frame][bone].position;
+        }
+        return table.isEmpty() ? keltra::kStopWalk : node->numberOfChildren;
+    });
     return true;
 }

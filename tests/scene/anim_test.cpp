@@ -423,6 +423,40 @@ TEST_F(AnimTest, ApplyTakesTheFirstNodeOfAName) {
     EXPECT_EQ(root->getChild(1)->getRotation().x, 0.0f);
 }
 
+// Names that several bones or nodes have, in any order; the bones one by one are the rule.
+TEST_F(AnimTest, ApplyPosesAsBoneByBone) {
+    unsigned random = 1;
+    const auto below = [&random](unsigned count) {
+        random = random * 1664525 + 1013904223;
+        return (random >> 16) % count;
+    };
+    const char *const names[] = {"hip", "knee", "ankle", "head", "hand", "heel"};
+    for (int times = 0; times < 300; ++times) {
+        std::vector<std::unique_ptr<KTNODE>> nodes;
+        for (unsigned i = 0; i < 7; ++i) {
+            nodes.push_back(std::make_unique<KTNODE>());
+            nodes.back()->setName(names[below(5)]);
+            if (i > 0) nodes.back()->link(nodes[below(i)].get());
+        }
+        KTANIM *anim = newAnim(6, 1);
+        for (unsigned bone = 0; bone < 6; ++bone) {
+            anim->setBoneName(bone, names[below(6)]);
+            anim->setFrame(0, bone, static_cast<float>(bone + 1), 0.0f, 0.0f);
+        }
+        std::vector<float> expected(nodes.size());
+        for (unsigned bone = 0; bone < 6; ++bone) {
+            const KTNODE *found = nodes[0]->findByNameInHierarchy(anim->getBoneName(bone));
+            for (std::size_t i = 0; i < nodes.size(); ++i)
+                if (nodes[i].get() == found) expected[i] = static_cast<float>(bone + 1);
+        }
+        EXPECT_TRUE(anim->apply(0, nodes[0].get()));
+        for (std::size_t i = 0; i < nodes.size(); ++i)
+            ASSERT_EQ(nodes[i]->getRotation().x, expected[i]) << times;
+        delete anim;
+        while (!nodes.empty()) nodes.pop_back();
+    }
+}
+
 TEST_F(AnimTest, NothingIsAllocatedAfterConstruction) {
     KTNODE *root = loadBones();
     KTANIM *anim = newAnim(1, 20);
