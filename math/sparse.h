@@ -11,6 +11,7 @@
 
 #include "math/float_bits.h"
 #include "math/sine.h"
+#include "math/soft_arm.h"
 
 namespace keltra {
 
@@ -24,47 +25,88 @@ inline R3XVECTOR3D sum(const R3XVECTOR3D &a, const R3XVECTOR3D &b) {
     return R3XVECTOR3D(sum(a.x, b.x), sum(a.y, b.y), sum(a.z, b.z));
 }
 
+inline float product(float a, float b) {
+    if (bitsOf(a) == kOneBits) return b;
+    return bitsOf(b) == kOneBits ? a : a * b;
+}
+
+// a x + b y
+inline float sumOfProducts(float a, float x, float b, float y) {
+#if defined(KELTRA_SOFT_ARM)
+    if (const std::uint32_t bits = keltraDifference(bitsOf(a), bitsOf(x), bitsOf(b) ^ kSignBit, bitsOf(y)))
+        return floatOf(bits);
+#endif
+    return a * x + b * y;
+}
+
 // a x + b y + 0 z, in any order of the terms; all of them finite.
 inline float sumOfTwo(float a, float x, float b, float y, float z) {
     float sum;
     if (isZero(x)) {
         if (isZero(y)) return zeroOf((bitsOf(a) ^ bitsOf(x)) & (bitsOf(b) ^ bitsOf(y)) & bitsOf(z));
-        sum = b * y;
+        sum = product(b, y);
     } else {
-        sum = a * x;
-        if (!isZero(y)) sum += b * y;
+        sum = isZero(y) ? product(a, x) : sumOfProducts(a, x, b, y);
     }
     return isZero(sum) ? a * x + b * y + 0.0f * z : sum;
 }
 
-// a[0] x + a[1] y + a[2] z + 0 w; all of them finite.
-inline float sumOfThree(const float *a, float x, float y, float z, float w) {
-    float sum = 0.0f;
-    bool empty = true;
-    if (!isZero(a[0]) && !isZero(x)) {
-        sum = a[0] * x;
-        empty = false;
+// a[0] b[0] + a[1] b[4] + a[2] b[8] + 0 w, with the sums of two or three.
+inline float sumOfNonZero(const float *a, const float *b, float w) {
+    float sum;
+    const bool first = !isZero(a[0]) && !isZero(b[0]), second = !isZero(a[1]) && !isZero(b[4]);
+    if (!isZero(a[2]) && !isZero(b[8])) {
+        if (first && second)
+            sum = a[0] * b[0] + a[1] * b[4] + a[2] * b[8];
+        else if (first)
+            sum = sumOfProducts(a[0], b[0], a[2], b[8]);
+        else
+            sum = second ? sumOfProducts(a[1], b[4], a[2], b[8]) : product(a[2], b[8]);
+    } else if (first) {
+        sum = second ? sumOfProducts(a[0], b[0], a[1], b[4]) : product(a[0], b[0]);
+    } else if (second) {
+        sum = product(a[1], b[4]);
+    } else {
+        return zeroOf((bitsOf(a[0]) ^ bitsOf(b[0])) & (bitsOf(a[1]) ^ bitsOf(b[4])) &
+                      (bitsOf(a[2]) ^ bitsOf(b[8])) & bitsOf(w));
     }
-    if (!isZero(a[1]) && !isZero(y)) {
-        const float product = a[1] * y;
-        sum = empty ? product : sum + product;
-        empty = false;
-    }
-    if (!isZero(a[2]) && !isZero(z)) {
-        const float product = a[2] * z;
-        sum = empty ? product : sum + product;
-        empty = false;
-    }
-    if (empty)
-        return zeroOf((bitsOf(a[0]) ^ bitsOf(x)) & (bitsOf(a[1]) ^ bitsOf(y)) & (bitsOf(a[2]) ^ bitsOf(z)) &
-                      bitsOf(w));
-    return isZero(sum) ? a[0] * x + a[1] * y + a[2] * z + 0.0f * w : sum;
+    return isZero(sum) ? a[0] * b[0] + a[1] * b[4] + a[2] * b[8] + 0.0f * w : sum;
 }
 
-// Whether the last row is (0, 0, 0, 1), with zeros that are positive, and everything is finite.
-inline bool isPlacement(const float *m) {
-    return (bitsOf(m[3]) | bitsOf(m[7]) | bitsOf(m[11]) | (bitsOf(m[15]) ^ kOneBits)) == 0 &&
-           areFinite(m, 15);
+// a[0] b[0] + a[1] b[4] + a[2] b[8] + 0 w; all of them finite. `dense` when none is zero.
+inline float sumOfThree(const float *a, const float *b, float w, bool dense) {
+    if (!dense) return sumOfNonZero(a, b, w);
+#if defined(KELTRA_SOFT_ARM)
+    if (const std::uint32_t bits = keltraSumOfThree(a, b)) return floatOf(bits);
+#endif
+    const float sum = a[0] * b[0] + a[1] * b[4] + a[2] * b[8];
+    return isZero(sum) ? sum + 0.0f * w : sum;
+}
+
+// The same with b[12] in the place of 0 w.
+inline float sumOfFour(const float *a, const float *b, bool dense) {
+#if defined(KELTRA_SOFT_ARM)
+    if (dense)
+        if (const std::uint32_t bits = keltraSumOfFour(a, b)) return floatOf(bits);
+#endif
+    return keltra::sum(sumOfThree(a, b, floatOf(kSignBit), dense), b[12]);
+}
+
+// A placement's last row is (0, 0, 0, 1), with zeros that are positive, and everything is finite. A dense one
+// rotates and scales without a zero.
+enum class Placement { kNone, kSparse, kDense };
+
+inline Placement placementOf(const float *m) {
+    if (((bitsOf(m[3]) | bitsOf(m[7]) | bitsOf(m[11])) | (bitsOf(m[15]) ^ kOneBits)) != 0 ||
+        !areFinite(m + 12, 3))
+        return Placement::kNone;
+    Placement placement = Placement::kDense;
+    for (int i = 0; i < 11; ++i) {
+        if (i % 4 == 3 || isOrdinary(m[i])) continue;
+        if (!isZero(m[i])) return Placement::kNone;
+        placement = Placement::kSparse;
+    }
+    return placement;
 }
 
 // The axis that a rotation is about, 0 for x to 2 for z; -1 when it is none of the three.
@@ -90,6 +132,15 @@ inline void setTurn(const Rotation &turn, int axis, float *m) {
     m[4 * second + first] = axis == 1 ? turn.sine : back;
 }
 
+// x := c x + p y and y := c y - p x, where the processor has something for it and neither result is zero.
+inline bool turnPair(float c, float p, float &x, float &y) {
+#if defined(KELTRA_SOFT_ARM)
+    return keltraTurn(bitsOf(c), bitsOf(p), &x, &y);
+#else
+    return (void)c, (void)p, (void)x, (void)y, false;
+#endif
+}
+
 // t := that rotation x t, of which the last row may be anything.
 inline bool turnBy(const Rotation &turn, int axis, float *t) {
     if (isZero(turn.sine) || !isFinite(turn.sine) || !areFinite(t, 12)) return false;
@@ -101,8 +152,10 @@ inline bool turnBy(const Rotation &turn, int axis, float *t) {
     const int rows = (bitsOf(t[3]) | bitsOf(t[7]) | bitsOf(t[11])) == 0 ? 3 : 4;
     for (int j = 0; j < rows; ++j) {
         const float x = first[j], y = second[j], z = kept[j];
-        first[j] = sumOfTwo(c, x, p, y, z);
-        second[j] = sumOfTwo(q, x, c, y, z);
+        if (isZero(x) || isZero(y) || !turnPair(c, p, first[j], second[j])) {
+            first[j] = sumOfTwo(c, x, p, y, z);
+            second[j] = sumOfTwo(q, x, c, y, z);
+        }
         if (isZero(z))
             kept[j] = zeroOf(bitsOf(x) & bitsOf(y) & bitsOf(z));
         else if (scales)
@@ -113,29 +166,29 @@ inline bool turnBy(const Rotation &turn, int axis, float *t) {
 
 // t := a translation x t.
 inline bool translateBy(float x, float y, float z, float *t) {
-    if (!isPlacement(t) || !isFinite(x) || !isFinite(y) || !isFinite(z)) return false;
+    const Placement placement = placementOf(t);
+    if (placement == Placement::kNone || !isFinite(x) || !isFinite(y) || !isFinite(z)) return false;
     const float place[3] = {x, y, z};
     const bool moves = !isZero(x) || !isZero(y) || !isZero(z);
+    const bool dense = placement == Placement::kDense && !isZero(x) && !isZero(y) && !isZero(z);
     for (int j = 0; j < 3; ++j)
-        if (moves || bitsOf(t[12 + j]) == kSignBit)
-            t[12 + j] = sumOfThree(place, t[j], t[4 + j], t[8 + j], floatOf(kSignBit)) + t[12 + j];
+        if (moves || bitsOf(t[12 + j]) == kSignBit) t[12 + j] = sumOfFour(place, t + j, dense);
     return true;
 }
 
 // result := a x b in the order of R3XMATRIX, for two placements; `result` is neither of them.
 inline bool multiplyPlacements(const float *a, const float *b, float *result) {
-    if (!isPlacement(a) || !isPlacement(b)) return false;
-    for (int column = 0; column < 16; column += 4) {
-        for (int row = 0; row < 3; ++row) {
-            const float w = b[12 + row];
-            if (column < 12)
-                result[column + row] = sumOfThree(a + column, b[row], b[4 + row], b[8 + row], w);
-            else
-                result[column + row] =
-                    sumOfThree(a + column, b[row], b[4 + row], b[8 + row], floatOf(kSignBit)) + w;
-        }
-        result[column + 3] = column < 12 ? 0.0f : 1.0f;
+    const Placement first = placementOf(a), second = placementOf(b);
+    if (first == Placement::kNone || second == Placement::kNone) return false;
+    const bool dense = first == Placement::kDense && second == Placement::kDense;
+    for (int column = 0; column < 12; column += 4) {
+        for (int row = 0; row < 3; ++row)
+            result[column + row] = sumOfThree(a + column, b + row, b[12 + row], dense);
+        result[column + 3] = 0.0f;
     }
+    const bool moves = dense && !isZero(a[12]) && !isZero(a[13]) && !isZero(a[14]);
+    for (int row = 0; row < 3; ++row) result[12 + row] = sumOfFour(a + 12, b + row, moves);
+    result[15] = 1.0f;
     return true;
 }
 

@@ -1,0 +1,265 @@
+#include "math/soft_arm.h"
+
+#if defined(KELTRA_SOFT_ARM)
+
+// clang-format off
+asm(R"(
+    .syntax unified
+    .arm
+
+@ Sets "lower" unless the exponent of `number` is 77 to 185; `least` holds 77 << 24. The next ones are only looked at
+@ while all are in the range.
+.macro checkFirst number, least, work
+    rsb \work, \least, \number, lsl #1
+    cmp \work, #0x6d000000
+.endm
+.macro checkNext number, least, work
+    rsb \work, \least, \number, lsl #1
+    cmplo \work, #0x6d000000
+.endm
+
+@ result := x y, where `x` and `y` are lost. Mantissas of 32 and 24 bits give one of 24 with 32 bits behind it.
+.macro multiply result, x, y, exponent, sign, low
+    eor \sign, \x, \y
+    mov \exponent, \x, lsl #1
+    mov \low, \y, lsl #1
+    mov \exponent, \exponent, lsr #24
+    add \exponent, \exponent, \low, lsr #24
+    mov \x, \x, lsl #8
+    orr \x, \x, #0x80000000
+    bic \y, \y, #0xff000000
+    orr \y, \y, #0x00800000
+    roundedProduct \result, \x, \y, \exponent, \sign, \low
+.endm
+.macro roundedProduct result, x, y, exponent, sign, low
+    umull \low, \result, \x, \y
+    and \sign, \sign, #0x80000000
+    cmp \result, #0x00800000
+    movlo \result, \result, lsl #1
+    orrlo \result, \result, \low, lsr #31
+    movlo \low, \low, lsl #1
+    sbc \exponent, \exponent, #127
+    cmp \low, #0x80000000
+    adc \result, \result, \exponent, lsl #23
+    biceq \result, \result, #1
+    orr \result, \result, \sign
+.endm
+
+@ The mantissas of both with 32 bits, the smaller number's shifted by the difference of the exponents. What is shifted
+@ out only counts for not being zero.
+.macro align sum, other, difference, work
+    mov \sum, \sum, lsl #8
+    orr \sum, \sum, #0x80000000
+    mov \other, \other, lsl #8
+    orr \other, \other, #0x80000000
+    rsb \work, \difference, #32
+    movs \work, \other, lsl \work
+    mov \other, \other, lsr \difference
+    orrne \other, \other, #1
+.endm
+
+@ sum := sum + other, where `other` is lost. To `zero` when the sum is zero. `exponent` has the sign above it. The
+@ seldom parts are apart: a carry, and different signs.
+.macro addUp sum, other, exponent, difference, work, zero
+    eors \work, \sum, \other
+    bmi 5\@f
+    subs \difference, \sum, \other
+    sublo \sum, \sum, \difference
+    addlo \other, \other, \difference
+    mov \exponent, \sum, lsr #23
+    sub \difference, \exponent, \other, lsr #23
+    align \sum, \other, \difference, \work
+    adds \sum, \sum, \other
+    bcs 6\@f
+8\@:
+    mov \work, \sum, lsl #24
+    sub \exponent, \exponent, #1
+    mov \sum, \sum, lsr #8
+    cmp \work, #0x80000000
+    adc \sum, \sum, \exponent, lsl #23
+    biceq \sum, \sum, #1
+    .subsection 1
+5\@:
+    eor \other, \other, #0x80000000
+    subs \difference, \sum, \other
+    beq \zero
+    sublo \sum, \sum, \difference
+    addlo \other, \other, \difference
+    mov \exponent, \sum, lsr #23
+    sub \difference, \exponent, \other, lsr #23
+    eorlo \exponent, \exponent, #0x100
+    align \sum, \other, \difference, \work
+    sub \sum, \sum, \other
+    clz \work, \sum
+    mov \sum, \sum, lsl \work
+    sub \exponent, \exponent, \work
+    b 8\@b
+6\@:
+    movs \sum, \sum, rrx
+    orrcs \sum, \sum, #1
+    add \exponent, \exponent, #1
+    b 8\@b
+    .subsection 0
+.endm
+
+.macro function name
+    .align 2
+    .global \name
+    .hidden \name
+    .type \name, %function
+\name:
+.endm
+.macro sumOfThree
+    multiply r0, r2, r5, r8, r9, r12
+    multiply r1, r3, r6, r8, r9, r12
+    addUp r0, r1, r8, r9, r12, 1f
+    multiply r1, r4, r7, r8, r9, r12
+    addUp r0, r1, r8, r9, r12, 1f
+.endm
+
+    .text
+function keltraSumOfThree
+    push {r4-r9, lr}
+    ldmia r0, {r2, r3, r4}
+    ldr r5, [r1]
+    ldr r6, [r1, #16]
+    ldr r7, [r1, #32]
+    mov lr, #0x4d000000
+    checkFirst r2, lr, r12
+    checkNext r3, lr, r12
+    checkNext r4, lr, r12
+    checkNext r5, lr, r12
+    checkNext r6, lr, r12
+    checkNext r7, lr, r12
+    bhs 1f
+    sumOfThree
+    pop {r4-r9, pc}
+1:
+    mov r0, #0
+    pop {r4-r9, pc}
+    .size keltraSumOfThree, . - keltraSumOfThree
+
+function keltraSumOfFour
+    push {r4-r10, lr}
+    ldmia r0, {r2, r3, r4}
+    ldr r5, [r1]
+    ldr r6, [r1, #16]
+    ldr r7, [r1, #32]
+    ldr r10, [r1, #48]
+    mov lr, #0x4d000000
+    checkFirst r2, lr, r12
+    checkNext r3, lr, r12
+    checkNext r4, lr, r12
+    checkNext r5, lr, r12
+    checkNext r6, lr, r12
+    checkNext r7, lr, r12
+    checkNext r10, lr, r12
+    bhs 1f
+    sumOfThree
+    addUp r0, r10, r8, r9, r12, 1f
+    pop {r4-r10, pc}
+1:
+    mov r0, #0
+    pop {r4-r10, pc}
+    .size keltraSumOfFour, . - keltraSumOfFour
+
+function keltraSumOfSquares
+    push {r4-r9, lr}
+    ldmia r0, {r2, r3, r4}
+    mov lr, #0x4d000000
+    checkFirst r2, lr, r12
+    checkNext r3, lr, r12
+    checkNext r4, lr, r12
+    bhs 1f
+    mov r5, r2
+    mov r6, r3
+    mov r7, r4
+    sumOfThree
+    pop {r4-r9, pc}
+1:
+    mov r0, #0
+    pop {r4-r9, pc}
+    .size keltraSumOfSquares, . - keltraSumOfSquares
+
+function keltraDifference
+    push {r4-r7, lr}
+    mov lr, #0x4d000000
+    checkFirst r0, lr, r12
+    checkNext r1, lr, r12
+    checkNext r2, lr, r12
+    checkNext r3, lr, r12
+    bhs 1f
+    multiply r4, r0, r1, r5, r6, r12
+    multiply r7, r2, r3, r5, r6, r12
+    eor r7, r7, #0x80000000
+    addUp r4, r7, r5, r6, r12, 1f
+    mov r0, r4
+    pop {r4-r7, pc}
+1:
+    mov r0, #0
+    pop {r4-r7, pc}
+    .size keltraDifference, . - keltraDifference
+
+@ The mantissas of x and y get 32 bits, those of c and p 24; each serves two products.
+function keltraTurn
+    push {r2-r11, lr}
+    ldr r4, [r2]
+    ldr r5, [r3]
+    mov lr, #0x4d000000
+    checkFirst r4, lr, r12
+    checkNext r5, lr, r12
+    checkNext r0, lr, r12
+    checkNext r1, lr, r12
+    bhs 1f
+    mov r6, r0, lsl #1
+    mov r6, r6, lsr #24
+    mov r7, r1, lsl #1
+    mov r7, r7, lsr #24
+    eor r12, r0, r1
+    bic r2, r0, #0xff000000
+    orr r2, r2, #0x00800000
+    bic r3, r1, #0xff000000
+    orr r3, r3, #0x00800000
+    mov r8, r4, lsl #8
+    orr r8, r8, #0x80000000
+    mov r9, r5, lsl #8
+    orr r9, r9, #0x80000000
+@ c x in r10, p y in r11
+    mov r12, r4, lsl #1
+    add r12, r6, r12, lsr #24
+    eor lr, r0, r4
+    push {r0, r1}
+    roundedProduct r10, r8, r2, r12, lr, r0
+    mov r12, r5, lsl #1
+    add r12, r7, r12, lsr #24
+    eor lr, r1, r5
+    roundedProduct r11, r9, r3, r12, lr, r0
+    addUp r10, r11, r12, lr, r0, 2f
+@ c y in r9, -p x in r8
+    ldmia sp!, {r0, r1}
+    mov r12, r5, lsl #1
+    add r12, r6, r12, lsr #24
+    eor lr, r0, r5
+    roundedProduct r11, r9, r2, r12, lr, r0
+    mov r12, r4, lsl #1
+    add r12, r7, r12, lsr #24
+    eor lr, r1, r4
+    eor lr, lr, #0x80000000
+    roundedProduct r9, r8, r3, r12, lr, r0
+    addUp r11, r9, r12, lr, r0, 1f
+    ldmia sp!, {r2, r3}
+    str r10, [r2]
+    str r11, [r3]
+    mov r0, #1
+    pop {r4-r11, pc}
+2:
+    add sp, sp, #8
+1:
+    mov r0, #0
+    add sp, sp, #8
+    pop {r4-r11, pc}
+    .size keltraTurn, . - keltraTurn
+)");
+// clang-format on
+
+#endif

@@ -1,0 +1,40 @@
+#ifndef KELTRA_MATH_SOFT_ARM_H
+#define KELTRA_MATH_SOFT_ARM_H
+
+// Sums of products in ARM instructions, for processors without a floating-point unit. A compiler makes a call
+// of each product and each sum, which take 31 and 44 instructions; here the operands are checked once and no
+// call is made: 20 and 25. Each product and each sum is rounded by itself, so the bits are those of the plain
+// operations. Operands from 2^-50 to 2^59 are accepted: nothing can overflow, nor become denormal. With
+// another one, or when a sum is zero, the result is 0, and the caller computes it plainly.
+
+#include <cstdint>
+
+#include "math/float_bits.h"
+
+#if defined(__SOFTFP__) && defined(__arm__) && !defined(__thumb__) && defined(__GNUC__) && __ARM_ARCH >= 5
+#define KELTRA_SOFT_ARM
+
+// The bits of a[0] b[0] + a[1] b[4] + a[2] b[8].
+extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfThree(const float *a,
+                                                                                const float *b);
+
+// The bits of a[0] b[0] + a[1] b[4] + a[2] b[8] + b[12].
+extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfFour(const float *a,
+                                                                               const float *b);
+
+// The bits of v[0] v[0] + v[1] v[1] + v[2] v[2].
+extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfSquares(const float *v);
+
+// The bits of a b - c d, of bits.
+extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraDifference(std::uint32_t a,
+                                                                                std::uint32_t b,
+                                                                                std::uint32_t c,
+                                                                                std::uint32_t d);
+
+// x := c x + p y and y := c y - p x, for bits c and p; false when nothing was done.
+extern "C" __attribute__((visibility("hidden"))) bool keltraTurn(std::uint32_t c, std::uint32_t p, float *x,
+                                                                 float *y);
+
+#endif
+
+#endif

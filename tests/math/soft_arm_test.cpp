@@ -1,0 +1,106 @@
+#include "math/soft_arm.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "math/float_bits.h"
+
+namespace keltra::test {
+namespace {
+
+#if defined(KELTRA_SOFT_ARM)
+
+constexpr int kTimes = 200000;
+
+// Floats around the range that the kernels accept, near each other often enough for sums that cancel, and
+// mantissas with many ones or zeros for results halfway between two floats.
+class Operand {
+   public:
+    float operator()() {
+        const std::uint32_t bits = random(), sign = bits & kSignBit, mantissa = bits & 0x7fffff;
+        switch (random() % 6) {
+            case 0:
+                return floatOf(sign | mantissa | (127 + random() % 3) << 23);
+            case 1:
+                return floatOf(sign | (random() % 4) << 21 | (120 + random() % 12) << 23);
+            case 2:
+                return floatOf(sign | 0x7fffff | (100 + random() % 60) << 23);
+            case 3:
+                return floatOf(sign | mantissa | (77 + random() % 109) << 23);
+            case 4:
+                return floatOf((bits & 0x80ff0000) | 0x3f000000);
+            default:
+                return floatOf(bits);
+        }
+    }
+    std::mt19937 random{1};
+};
+
+// A kernel may leave a result to the caller; what it gives is the plain one.
+class Comparison {
+   public:
+    void add(std::uint32_t bits, float expected) {
+        if (bits == 0) return;
+        ++given;
+        different += bits != bitsOf(expected);
+    }
+    ~Comparison() {
+        EXPECT_EQ(different, 0);
+        EXPECT_GT(given, kTimes / 4);
+    }
+
+   private:
+    int given = 0, different = 0;
+};
+
+TEST(SoftArmTest, SumsOfProductsAreThePlainOnes) {
+    Operand any;
+    Comparison three, four, squares, differences;
+    for (int i = 0; i < kTimes; ++i) {
+        float a[3], b[13];
+        for (float &value : a) value = any();
+        for (float &value : b) value = any();
+        if (i % 7 == 0) {
+            a[1] = -a[0];
+            b[4] = floatOf(bitsOf(b[0]) + any.random() % 3);
+        }
+        const volatile float x = a[0] * b[0], y = a[1] * b[4], z = a[2] * b[8];
+        const volatile float sum = x + y, all = sum + z;
+        three.add(keltraSumOfThree(a, b), all);
+        four.add(keltraSumOfFour(a, b), all + b[12]);
+        const volatile float xx = a[0] * a[0], yy = a[1] * a[1], zz = a[2] * a[2], xxyy = xx + yy;
+        squares.add(keltraSumOfSquares(a), xxyy + zz);
+        const volatile float ab = a[0] * b[0], cd = b[4] * a[1];
+        differences.add(keltraDifference(bitsOf(a[0]), bitsOf(b[0]), bitsOf(b[4]), bitsOf(a[1])), ab - cd);
+    }
+}
+
+TEST(SoftArmTest, TurnedPairsAreThePlainOnes) {
+    Operand any;
+    Comparison first, second;
+    for (int i = 0; i < kTimes; ++i) {
+        const float c = any(), p = i % 5 ? any() : c, x = any();
+        const float y = i % 5 ? any() : floatOf((bitsOf(x) ^ kSignBit) + any.random() % 2);
+        float newX = x, newY = y;
+        const bool done = keltraTurn(bitsOf(c), bitsOf(p), &newX, &newY);
+        if (!done) {
+            ASSERT_EQ(bitsOf(newX), bitsOf(x));
+            ASSERT_EQ(bitsOf(newY), bitsOf(y));
+        }
+        const volatile float cx = c * x, py = p * y, cy = c * y, px = p * x;
+        first.add(done ? bitsOf(newX) : 0, cx + py);
+        second.add(done ? bitsOf(newY) : 0, cy - px);
+    }
+}
+
+#else
+
+TEST(SoftArmTest, IsForProcessorsWithoutAFloatingPointUnit) {
+    GTEST_SKIP() << "not built for this processor";
+}
+
+#endif
+
+}  // namespace
+}  // namespace keltra::test
