@@ -85,9 +85,19 @@ struct KnownMatrix {
 };
 KnownMatrix knownMatrices[kKnownMatrices];  // zeros are right from the start
 
-void loadKnown(const float *m) {
+// Copies the matrix to `mirrored` as well, while it is compared.
+void loadKnown(const float *m, float *mirrored) {
     KnownMatrix &known = knownMatrices[reinterpret_cast<std::uintptr_t>(m) / 128 % kKnownMatrices];
-    if (keltra::updateBits<16>(known.bits, m) != 0) keltra::toFixed(m, known.fixed, 16);
+    std::uint32_t changes = 0;
+    for (int i = 0; i < 16; ++i) {
+        const float value = m[i];
+        changes |= known.bits[i] ^ keltra::bitsOf(value);
+        mirrored[i] = value;
+    }
+    if (changes != 0) {
+        for (int i = 0; i < 16; ++i) known.bits[i] = keltra::bitsOf(mirrored[i]);
+        keltra::toFixed(mirrored, known.fixed, 16);
+    }
     glLoadMatrixx(known.fixed);
 }
 
@@ -184,11 +194,9 @@ void KT_glLoadIdentity() {
 
 void KT_glLoadMatrixf(const float *m) {
     if (!m) return void(keltra::failNull("KT_glLoadMatrixf", "m"));
+    if (keltra::kSoftFloat) return loadKnown(m, top());
     std::memmove(top(), m, sizeof mirror[0]);
-    if (keltra::kSoftFloat)
-        loadKnown(m);
-    else
-        glLoadMatrixx(Fixed16(m).v);
+    glLoadMatrixx(Fixed16(m).v);
 }
 
 void KT_glMultMatrixf(const float *m) {

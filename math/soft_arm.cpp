@@ -181,6 +181,51 @@ function keltraSumOfSquares
     pop {r4-r9, pc}
     .size keltraSumOfSquares, . - keltraSumOfSquares
 
+@ result := x x, where `x` is lost.
+.macro square result, x, exponent, low, half
+    mov \exponent, \x, lsl #1
+    mov \exponent, \exponent, lsr #24
+    mov \exponent, \exponent, lsl #1
+    mov \x, \x, lsl #8
+    orr \x, \x, #0x80000000
+    mov \half, \x, lsr #8
+    mov \low, #0
+    roundedProduct \result, \x, \half, \exponent, \low, r12
+.endm
+function keltraSquaredDistance
+    push {r4-r9, lr}
+    ldmia r0, {r2, r3, r4}
+    ldmia r1, {r5, r6, r7}
+    mov lr, #0x4d000000
+    checkFirst r2, lr, r12
+    checkNext r3, lr, r12
+    checkNext r4, lr, r12
+    checkNext r5, lr, r12
+    checkNext r6, lr, r12
+    checkNext r7, lr, r12
+    bhs 1f
+    eor r2, r2, #0x80000000
+    addUp r5, r2, r8, r9, r12, 1f
+    eor r3, r3, #0x80000000
+    addUp r6, r3, r8, r9, r12, 1f
+    eor r4, r4, #0x80000000
+    addUp r7, r4, r8, r9, r12, 1f
+@ differences may be far smaller
+    checkFirst r5, lr, r12
+    checkNext r6, lr, r12
+    checkNext r7, lr, r12
+    bhs 1f
+    square r0, r5, r8, r9, r2
+    square r1, r6, r8, r9, r2
+    addUp r0, r1, r8, r9, r12, 1f
+    square r1, r7, r8, r9, r2
+    addUp r0, r1, r8, r9, r12, 1f
+    pop {r4-r9, pc}
+1:
+    mov r0, #0
+    pop {r4-r9, pc}
+    .size keltraSquaredDistance, . - keltraSquaredDistance
+
 function keltraDifference
     push {r4-r7, lr}
     mov lr, #0x4d000000
@@ -199,6 +244,76 @@ function keltraDifference
     mov r0, #0
     pop {r4-r7, pc}
     .size keltraDifference, . - keltraDifference
+
+function keltraMultiplyAdd
+    push {r4, r5, lr}
+    mov lr, #0x4d000000
+    checkFirst r0, lr, r12
+    checkNext r1, lr, r12
+    checkNext r2, lr, r12
+    bhs 1f
+    multiply r3, r0, r1, r4, r5, r12
+    addUp r3, r2, r4, r5, r12, 1f
+    mov r0, r3
+    pop {r4, r5, pc}
+1:
+    mov r0, #0
+    pop {r4, r5, pc}
+    .size keltraMultiplyAdd, . - keltraMultiplyAdd
+
+@ The exponent of the scale is in r7, its mantissa in r8.
+.macro scaled result, value
+    mov r9, \value, lsl #1
+    add r9, r7, r9, lsr #24
+    eor r10, \value, r3
+    mov \value, \value, lsl #8
+    orr \value, \value, #0x80000000
+    roundedProduct \result, \value, r8, r9, r10, r12
+.endm
+.macro corner offset
+    addUp r1, r2, r9, r10, r12, 1f
+    str r1, [r11, #\offset]
+.endm
+function keltraCorners
+    push {r4-r11, lr}
+    mov lr, #0x4d000000
+    checkFirst r0, lr, r12
+    checkNext r1, lr, r12
+    checkNext r2, lr, r12
+    checkNext r3, lr, r12
+    bhs 1f
+    mov r7, r3, lsl #1
+    mov r7, r7, lsr #24
+    bic r8, r3, #0xff000000
+    orr r8, r8, #0x00800000
+    scaled r4, r0
+    scaled r5, r1
+    scaled r6, r2
+@ the sum in r0, the difference in r5
+    mov r0, r5
+    mov r1, r6
+    addUp r0, r1, r9, r10, r12, 1f
+    eor r6, r6, #0x80000000
+    addUp r5, r6, r9, r10, r12, 1f
+    ldr r11, [sp, #36]
+    mov r1, r4
+    eor r2, r0, #0x80000000
+    corner 0
+    mov r1, r4
+    mov r2, r5
+    corner 16
+    mov r1, r4
+    mov r2, r0
+    corner 32
+    mov r1, r4
+    eor r2, r5, #0x80000000
+    corner 48
+    mov r0, #1
+    pop {r4-r11, pc}
+1:
+    mov r0, #0
+    pop {r4-r11, pc}
+    .size keltraCorners, . - keltraCorners
 
 @ The mantissas of x and y get 32 bits, those of c and p 24; each serves two products.
 function keltraTurn

@@ -25,11 +25,26 @@ extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfFour(c
 // The bits of v[0] v[0] + v[1] v[1] + v[2] v[2].
 extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfSquares(const float *v);
 
+// The bits of the same for the differences b[0] - a[0], b[1] - a[1] and b[2] - a[2].
+extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSquaredDistance(const float *a,
+                                                                                     const float *b);
+
 // The bits of a b - c d, of bits.
 extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraDifference(std::uint32_t a,
                                                                                 std::uint32_t b,
                                                                                 std::uint32_t c,
                                                                                 std::uint32_t d);
+
+// The bits of a b + c, of bits.
+extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraMultiplyAdd(std::uint32_t a,
+                                                                                 std::uint32_t b,
+                                                                                 std::uint32_t c);
+
+// One coordinate of a square's corners, four floats apart, of bits: with p, r and u for the products by
+// `scale`, p - (r + u), p + (r - u), p + (r + u) and p - (r - u). False when not all are there.
+extern "C" __attribute__((visibility("hidden"))) bool keltraCorners(std::uint32_t place, std::uint32_t right,
+                                                                    std::uint32_t up, std::uint32_t scale,
+                                                                    float *corners);
 
 // x := c x + p y and y := c y - p x, for bits c and p; false when nothing was done.
 extern "C" __attribute__((visibility("hidden"))) bool keltraTurn(std::uint32_t c, std::uint32_t p, float *x,

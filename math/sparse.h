@@ -25,6 +25,18 @@ inline R3XVECTOR3D sum(const R3XVECTOR3D &a, const R3XVECTOR3D &b) {
     return R3XVECTOR3D(sum(a.x, b.x), sum(a.y, b.y), sum(a.z, b.z));
 }
 
+// a b + c
+inline float multiplyAdd(float a, float b, float c) {
+#if defined(KELTRA_SOFT_ARM)
+    if (const std::uint32_t bits = keltraMultiplyAdd(bitsOf(a), bitsOf(b), bitsOf(c))) return floatOf(bits);
+#endif
+    return a * b + c;
+}
+
+inline R3XVECTOR3D multiplyAdd(const R3XVECTOR3D &a, float b, const R3XVECTOR3D &c) {
+    return R3XVECTOR3D(multiplyAdd(a.x, b, c.x), multiplyAdd(a.y, b, c.y), multiplyAdd(a.z, b, c.z));
+}
+
 inline float product(float a, float b) {
     if (bitsOf(a) == kOneBits) return b;
     return bitsOf(b) == kOneBits ? a : a * b;

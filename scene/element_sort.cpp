@@ -8,6 +8,8 @@
 #include <cstring>
 #include <limits>
 
+#include "math/soft_arm.h"
+#include "math/square_root.h"
 #include "scene/element_radius.h"
 #include "scene/node_class.h"
 
@@ -59,6 +61,14 @@ struct Keyed {
 
 Keyed keyed[KTELEMENT::maxElements];
 
+float distanceBetween(const R3XMATRIX &matrix, const R3XVECTOR3D &position) {
+#if defined(KELTRA_SOFT_ARM)
+    if (const std::uint32_t bits = keltraSquaredDistance(matrix.m + 12, &position.x))
+        return keltra::squareRoot(keltra::floatOf(bits));
+#endif
+    return matrix.getTranslation().distance(position);
+}
+
 // By keys that are computed once an entry; entries of one key by their place on the list. The order is often
 // that of the frame or the mesh before, or close to it: then each entry is compared once.
 template <class Key>
@@ -100,7 +110,7 @@ bool KTELEMENT::sortLights(R3XVECTOR3D position) {
     if (numberOfPassedElements == 0 || numberOfLights == 0) return false;
     const unsigned int lights = std::min(numberOfLights, numberOfPassedElements);
     for (unsigned int i = 0; i < lights; ++i)
-        elementPointer[i]->distance = elementPointer[i]->matrix.getTranslation().distance(position);
+        elementPointer[i]->distance = distanceBetween(elementPointer[i]->matrix, position);
     // No distance is negative: below zero there is room for the exclusive ones, in the same order.
     sortByKey(elementPointer, lights, [](const KTELEMENT *entry) {
         const std::int32_t key = orderKey(entry->distance);

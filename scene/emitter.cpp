@@ -120,22 +120,38 @@ void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
 // -a - b, where `sum` is a + b: its negative has the same bits unless it is zero or not finite.
 float negated(float sum, float a, float b) { return keltra::isOrdinary(sum) ? -sum : -a - b; }
 
-R3XVECTOR3D negatedSum(const R3XVECTOR3D &sum, const R3XVECTOR3D &a, const R3XVECTOR3D &b) {
-    if (!keltra::kSoftFloat) return -a - b;
-    return R3XVECTOR3D(negated(sum.x, a.x, b.x), negated(sum.y, a.y, b.y), negated(sum.z, a.z, b.z));
+// One coordinate of all corners, without a floating-point unit.
+void writeCoordinate(float place, float right, float up, float scale, float *corners) {
+#if defined(KELTRA_SOFT_ARM)
+    if (keltraCorners(keltra::bitsOf(place), keltra::bitsOf(right), keltra::bitsOf(up), keltra::bitsOf(scale),
+                      corners))
+        return;
+#endif
+    const float middle = place * scale, r = right * scale, u = up * scale;
+    const float sum = keltra::sum(u, r), difference = keltra::sum(-u, r);
+    corners[0] = middle + negated(sum, r, u);
+    corners[4] = middle + difference;
+    corners[8] = middle + sum;
+    corners[12] = middle + negated(difference, r, -u);
 }
 
 // Deliberate: the position is scaled like the square; emitter files rely on it.
 void writeCorners(const R3XVECTOR3D &position, float scale, R3XVECTOR3D right, R3XVECTOR3D up,
                   R3XVECTOR4D *corners) {
+    if (keltra::kSoftFloat) {
+        writeCoordinate(position.x, right.x, up.x, scale, &corners->x);
+        writeCoordinate(position.y, right.y, up.y, scale, &corners->y);
+        writeCoordinate(position.z, right.z, up.z, scale, &corners->z);
+        for (unsigned int i = 0; i < kCorners; ++i) corners[i].w = 1.0f;
+        return;
+    }
     const R3XVECTOR3D middle = position * scale;
     right *= scale;
     up *= scale;
-    const R3XVECTOR3D sum = right + up, difference = right - up;
-    corners[0] = middle + negatedSum(sum, right, up);
-    corners[1] = middle + difference;
-    corners[2] = middle + sum;
-    corners[3] = middle + negatedSum(difference, right, -up);
+    corners[0] = middle + (-right - up);
+    corners[1] = middle + (right - up);
+    corners[2] = middle + (right + up);
+    corners[3] = middle + (-right + up);
 }
 
 // The GL refuses other factors; the default takes their place.
@@ -460,7 +476,7 @@ void KTEMITTER::updateParticles() {
 void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR4D *corners,
                         unsigned char *colors) {
     moved.velocity = keltra::sum(moved.velocity, billboard.gravityStep);
-    moved.position += moved.velocity * billboard.time;
+    moved.position = keltra::multiplyAdd(moved.velocity, billboard.time, moved.position);
     const float scale = std::fabs(moved.size - moved.energy);
     if (keltra::isZero(moved.spinAngle)) {
         writeCorners(moved.position, scale, billboard.right, billboard.up, corners);
@@ -470,7 +486,7 @@ void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR
         writeCorners(moved.position, scale, turn.rotate(billboard.right), turn.rotate(billboard.up), corners);
     }
     const float ratio = keltra::isZero(moved.initialEnergy) ? 0.0f : moved.energy / moved.initialEnergy;
-    const R3XVECTOR3D rgb = colorEnd - colorDelta * ratio;
+    const R3XVECTOR3D rgb = keltra::multiplyAdd(colorDelta, -ratio, colorEnd);
     // Deliberate: alpha is the energy itself, not its ratio; emitter files rely on it.
     moved.color.set(rgb.x, rgb.y, rgb.z, moved.energy);
     moved.spinAngle = keltra::sum(moved.spinAngle, moved.spinSpeed * billboard.time);

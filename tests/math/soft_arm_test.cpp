@@ -56,7 +56,7 @@ class Comparison {
 
 TEST(SoftArmTest, SumsOfProductsAreThePlainOnes) {
     Operand any;
-    Comparison three, four, squares, differences;
+    Comparison three, four, squares, differences, distances;
     for (int i = 0; i < kTimes; ++i) {
         float a[3], b[13];
         for (float &value : a) value = any();
@@ -71,8 +71,26 @@ TEST(SoftArmTest, SumsOfProductsAreThePlainOnes) {
         four.add(keltraSumOfFour(a, b), all + b[12]);
         const volatile float xx = a[0] * a[0], yy = a[1] * a[1], zz = a[2] * a[2], xxyy = xx + yy;
         squares.add(keltraSumOfSquares(a), xxyy + zz);
+        const volatile float dx = b[0] - a[0], dy = b[1] - a[1], dz = b[2] - a[2];
+        const volatile float dxx = dx * dx, dyy = dy * dy, dzz = dz * dz, dxy = dxx + dyy;
+        distances.add(keltraSquaredDistance(a, b), dxy + dzz);
         const volatile float ab = a[0] * b[0], cd = b[4] * a[1];
         differences.add(keltraDifference(bitsOf(a[0]), bitsOf(b[0]), bitsOf(b[4]), bitsOf(a[1])), ab - cd);
+    }
+}
+
+TEST(SoftArmTest, CornersAndScaledSumsAreThePlainOnes) {
+    Operand any;
+    Comparison sums, all[4];
+    for (int i = 0; i < kTimes; ++i) {
+        const float place = any(), right = any(), up = i % 5 ? any() : right, scale = any();
+        const volatile float p = place * scale, r = right * scale, u = up * scale, sum = r + u,
+                             difference = r - u;
+        float corners[16] = {};
+        const bool done = keltraCorners(bitsOf(place), bitsOf(right), bitsOf(up), bitsOf(scale), corners);
+        const float expected[4] = {p + (-r - u), p + difference, p + sum, p + (-r + u)};
+        for (int k = 0; k < 4; ++k) all[k].add(done ? bitsOf(corners[4 * k]) : 0, expected[k]);
+        sums.add(keltraMultiplyAdd(bitsOf(right), bitsOf(scale), bitsOf(place)), r + place);
     }
 }
 
