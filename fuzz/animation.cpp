@@ -1,0 +1,32 @@
+// Animation files: what loads is applied, changed, interpolated and saved, and its copy loads again.
+
+#include <memory>
+
+#include "fuzz/harness.h"
+
+using namespace keltra::fuzz;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    begin();
+    KTANIM *animation = new KTANIM;
+    const bool loaded = animation->load(fileOf(data, size));
+    compareVerdict("kta", data, size, loaded);
+    if (loaded) {
+        Bytes bytes(data, size < 64 ? size : 64);
+        KTNODE root, bone;
+        bone.link(&root);
+        if (animation->getNumberOfBones()) bone.setName(animation->getBoneName(0));
+        animation->setTranslating(true);
+        for (unsigned frame : {0u, 1u, animation->getNumberOfFrames(), 70000u})
+            animation->apply(frame, &root);
+        animation->setFrame(bytes.u8(), bytes.u8(), bytes.real(), bytes.real(), bytes.real());
+        animation->unsetFrame(bytes.u8(), bytes.u8());
+        animation->createKeyframes(bytes.u8() % 4, animation->getNumberOfFrames());
+        require(animation->save(fileOf(nullptr, 0, 1)), "KTANIM::save");
+        KTANIM *again = new KTANIM;
+        require(again->load(fileOf(nullptr, 0, 2)) == false, "an empty animation");
+        bone.unlink();
+    }
+    finish(size);
+    return 0;
+}

@@ -1,0 +1,25 @@
+// Films: each is played twice, to a texture that fits or is too small.
+
+#include "fuzz/harness.h"
+
+using namespace keltra::fuzz;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    begin();
+    KTTEXTURE *screen = new KTTEXTURE;
+    const unsigned int side = size % 2 ? 512 : 32;
+    screen->create(side, side, 3);
+    KTVIDEO *film = new KTVIDEO;
+    film->setTexture(screen);
+    require(film->load(fileOf(data, size)), "KTVIDEO::load");
+    film->play();
+    for (int steps = 0; film->getStatus() == KT_VIDEO_PLAYING && steps < 20000; ++steps) film->update(1);
+    film->playLoop();
+    film->update(100);
+    {
+        KTVIDEO copy(*film);
+        copy.update(10);
+    }
+    finish(size);
+    return 0;
+}

@@ -1,0 +1,20 @@
+// Settings files, and an engine that is started with what they say.
+
+#include "fuzz/harness.h"
+
+using namespace keltra::fuzz;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    KTSETTINGS settings;
+    const bool loaded = settings.load(fileOf(data, size));
+    compareVerdict("settings", data, size, loaded);
+    begin();
+    KELTRA::free();
+    if (KELTRA::init(&settings)) {
+        draw(nullptr, nullptr);
+        KELTRA::free();
+    }
+    begin();
+    finish(size);
+    return 0;
+}
