@@ -173,6 +173,8 @@ bool failStateOf(const char *call, const char *state) {
 
 bool failMemory(const char *call) { return failWith(call, KT_FAULT_OUT_OF_MEMORY, "", "", ""); }
 
+void warnMemory(const char *call) { warnFault(call, newFault(KT_FAULT_OUT_OF_MEMORY)); }
+
 bool failRangeOf(const char *call, const char *argument, long found, long last) {
     return failValueFrom(call, argument, found, faultText(last < 0 ? "none" : "0 to %ld"), last, 0);
 }

@@ -152,6 +152,8 @@ inline void warnFull(const char *call, const char *what, unsigned int most) {
     warnFullOf(call, faultText(what), most);
 }
 [[gnu::cold]] bool failMemory(const char *call);
+// Something is left out for lack of memory.
+[[gnu::cold]] void warnMemory(const char *call);
 // vsnprintf was negative.
 [[gnu::cold]] bool failFormat(const char *call);
 // The file cannot be created or not be written.

@@ -7,6 +7,7 @@ using namespace keltra::fuzz;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     begin();
     KTTEXTURE *texture = new KTTEXTURE;
+    texture->incReferences();  // what has no user is destroyed when memory is short
     Bytes bytes(data, size);
     texture->setFilter(bytes.flag(), bytes.flag(), bytes.flag());
     const bool loaded = texture->load(fileOf(data, size));

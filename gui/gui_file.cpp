@@ -137,7 +137,7 @@ void readTexture(const TiXmlElement &property, const Target &target) {
     KTTEXTURE *texture = target.resources->textures.find(file);
     if (!texture) {
         texture = new (std::nothrow) KTTEXTURE;
-        if (!texture) return;
+        if (!texture) return keltra::warnMemory("KELTRA::loadXML");
         // Glyphs are drawn pixel by pixel.
         if (target.font) texture->setFilter(false, false, false);
         const keltra::FaultOptional optional;

@@ -4,12 +4,15 @@
 #include <cstdint>
 #include <new>
 
+#include "foundation/fault.h"
+
 #include "gui/geometry.h"
 
 namespace {
 
 // The horizontal and the vertical bar differ only in their axes.
 struct Horizontal {
+    static constexpr const char *kMaker = "KTHSCROLLBAR::KTHSCROLLBAR";
     static int &length(KTBOX &box) { return box.sizeX; }
     static int &width(KTBOX &box) { return box.sizeY; }
     static float &place(KTBOX &box) { return box.position.x; }
@@ -20,6 +23,7 @@ struct Horizontal {
 };
 
 struct Vertical {
+    static constexpr const char *kMaker = "KTVSCROLLBAR::KTVSCROLLBAR";
     static int &length(KTBOX &box) { return box.sizeY; }
     static int &width(KTBOX &box) { return box.sizeX; }
     static float &place(KTBOX &box) { return box.position.y; }
@@ -45,7 +49,7 @@ KTBUTTON *build(KTBOX &track) {
     Axis::width(track) = 4;
     track.setColor(0.6f, 0.2f, 0.0f, 0.35f);
     KTBUTTON *cursor = new (std::nothrow) KTBUTTON;
-    if (!cursor) return nullptr;
+    if (!cursor) return keltra::warnMemory(Axis::kMaker), nullptr;
     Axis::length(*cursor) = 16;
     Axis::width(*cursor) = 8;
     cursor->setColor(0.8f, 0.3f, 0.0f, 0.9f);

@@ -79,6 +79,7 @@ KTWINDOW::KTWINDOW()
       ownScrollBar(scrollBar) {
     joinClass(KT_WINDOW);
     setIdentity(KT_WINDOW, "[window %d]");
+    if (!titleBar || !scrollBar) keltra::warnMemory("KTWINDOW::KTWINDOW");
     caption[0] = '\0';
     setPosition(0.0f, static_cast<float>(kTitleHeight));
     setColor(0.0f, 0.0f, 0.6f, 0.9f);

@@ -63,11 +63,7 @@ bool KTTEXTURE::upload() {
     setParameters();
     if (bpp == 3 || bpp == 4) uploadImage();
     // The GL texture stays as it is: a new upload in each frame would charge more each time.
-    if (glGetError() == GL_OUT_OF_MEMORY) {
-        KTFAULT fault = keltra::newFault(KT_FAULT_OUT_OF_MEMORY);
-        keltra::setFaultText(fault.field, keltra::faultText("the GL's texture"));
-        keltra::warnFault("KTTEXTURE::update", fault);
-    }
+    if (glGetError() == GL_OUT_OF_MEMORY) keltra::warnMemory("KTTEXTURE::update");
     mipmapResident = mipmapped;
     KTENGINESTATE::pushVideoMemory(mipmapped ? 2 * memory : memory);
     return true;

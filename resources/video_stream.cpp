@@ -13,6 +13,7 @@ extern "C" {
 #include <cstring>
 
 #include "formats/limits.h"
+#include "foundation/fault.h"
 #include "foundation/quiet.h"
 #include "platform/platform.h"
 
@@ -124,10 +125,11 @@ void skipSequence(KTVIDEOSTREAM &stream) {
 void beginSequence(KTVIDEOSTREAM &stream) {
     const mpeg2_sequence_t *sequence = stream.sequence;
     stream.converted = stream.begun = false;
-    if (!sequence || sequence->width > kMaxTextureSize || sequence->height > kMaxTextureSize ||
-        !hasRoomFor(*sequence)) {
-        skipSequence(stream);
-        return;
+    if (!sequence || sequence->width > kMaxTextureSize || sequence->height > kMaxTextureSize)
+        return skipSequence(stream);
+    if (!hasRoomFor(*sequence)) {
+        warnMemory("KTVIDEO::update");
+        return skipSequence(stream);
     }
     stream.converted = mpeg2_convert(stream.decoder, mpeg2convert_rgb24, nullptr) == 0;
 }

@@ -131,6 +131,7 @@ bool KTEMITTER::load(const char *filename) {
     setTexture(new (std::nothrow) KTTEXTURE);
     keltra::LoadScope scope("KTEMITTER::load", filename);
     if (!filename) return scope.failNull("filename");
+    if (!getTexture()) keltra::warnMemory("KTEMITTER::load");
     TiXmlDocument document;
     if (!keltra::loadXmlDocument(filename, document, &scope)) return false;
     keltra::checkEmitter(document, scope);

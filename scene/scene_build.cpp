@@ -43,7 +43,7 @@ struct Resources {
 KTTEXTURE *acquireTexture(Resources &resources, const char *name) {
     if (KTTEXTURE *known = resources.textures.find(name)) return known;
     KTTEXTURE *texture = new (std::nothrow) KTTEXTURE;
-    if (!texture) return nullptr;
+    if (!texture) return keltra::warnMemory("KELTRA::load"), nullptr;
     const keltra::FaultOptional optional;
     if (!texture->load(name)) {
         keltra::UnseenTexture::destroy(texture);
@@ -68,7 +68,7 @@ KTTEXTURE *acquireNormalMap(Resources &resources, const char *textureName) {
 KTSHADER *acquireShader(Resources &resources, const char *name) {
     if (KTSHADER *known = resources.shaders.find(name)) return known;
     KTSHADER *shader = new (std::nothrow) KTSHADER;
-    if (!shader) return nullptr;
+    if (!shader) return keltra::warnMemory("KELTRA::load"), nullptr;
     char vertexProgram[keltra::kNameSize + 8], pixelProgram[sizeof vertexProgram];
     std::snprintf(vertexProgram, sizeof vertexProgram, "%sVS.glsl", name);
     std::snprintf(pixelProgram, sizeof pixelProgram, "%sPS.glsl", name);

@@ -151,5 +151,55 @@ TEST_F(FaultMemoryTest, SkinnedMeshes) {
     });
 }
 
+TEST_F(FaultMemoryTest, PartsOfWidgetsAndEmitters) {
+    const auto warned = KT_FAULT_WARNING;
+    check({
+        {"KTWINDOW::KTWINDOW",
+         [](Folder) {
+             Allocations::failNth(1);
+             KTWINDOW window;
+             EXPECT_EQ(window.getTitleBar(), nullptr);
+         },
+         warned, kMemory, "KTWINDOW::KTWINDOW: out of memory"},
+        {"KTHSCROLLBAR::KTHSCROLLBAR",
+         [](Folder) {
+             Allocations::failNth(1);
+             KTHSCROLLBAR bar;
+             EXPECT_EQ(bar.getCursor(), nullptr);
+         },
+         warned, kMemory, "KTHSCROLLBAR::KTHSCROLLBAR: out of memory"},
+        {"KTVSCROLLBAR::KTVSCROLLBAR",
+         [](Folder) {
+             Allocations::failNth(1);
+             KTVSCROLLBAR bar;
+             EXPECT_EQ(bar.getCursor(), nullptr);
+         },
+         warned, kMemory, "KTVSCROLLBAR::KTVSCROLLBAR: out of memory"},
+        {"KTEMITTER::load",
+         [](Folder folder) {
+             const std::string path = folder.write("emitter.xml", "<emitter/>");
+             KTEMITTER emitter;
+             Allocations::failNth(1);
+             EXPECT_TRUE(emitter.load(path.c_str()));
+             Allocations::clear();
+             EXPECT_EQ(emitter.getTexture(), nullptr);
+         },
+         warned, kMemory, "KTEMITTER::load: %Demitter.xml: out of memory"},
+    });
+}
+
+TEST_F(FaultMemoryTest, ImagesInTheGL) {
+    check({
+        {"KTTEXTURE::update",
+         [](Folder) {
+             KTTEXTURE texture;
+             GlRecorder::failUpload(1);
+             EXPECT_TRUE(texture.create(2, 2, 3));
+             GlRecorder::failUpload(0);
+         },
+         KT_FAULT_WARNING, kMemory, "KTTEXTURE::update: out of memory"},
+    });
+}
+
 }  // namespace
 }  // namespace keltra::test

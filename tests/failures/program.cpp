@@ -109,6 +109,13 @@ bool Program::check(bool succeeded, const char *call) {
     return succeeded;
 }
 
+template <class T>
+T *Program::make() {
+    T *made = new (std::nothrow) T;
+    result.isShort = result.isShort || !made;
+    return made;
+}
+
 bool Program::start(Parts &) {
     const std::string data = folder.prefix();
     check(vnfOpenLog(folder.path("log.html").c_str()), "vnfOpenLog");
@@ -128,29 +135,26 @@ void Program::load(Parts &parts) {
     check(parts.scene, "KELTRA::load");
     parts.interface = KELTRA::load("interface.xml");
     check(parts.interface, "KELTRA::load");
-    parts.emitter.reset(new (std::nothrow) KTEMITTER);
-    if (check(parts.emitter != nullptr, "new KTEMITTER"))
-        check(parts.emitter->load(folder.path("emitter.xml").c_str()), "KTEMITTER::load");
-    parts.animation.reset(new (std::nothrow) KTANIM);
-    if (check(parts.animation != nullptr, "new KTANIM"))
-        check(parts.animation->load("sway.kta"), "KTANIM::load");
-    parts.screen.reset(new (std::nothrow) KTTEXTURE);
-    if (check(parts.screen != nullptr, "new KTTEXTURE")) {
+    parts.emitter.reset(make<KTEMITTER>());
+    if (parts.emitter) check(parts.emitter->load(folder.path("emitter.xml").c_str()), "KTEMITTER::load");
+    parts.animation.reset(make<KTANIM>());
+    if (parts.animation) check(parts.animation->load("sway.kta"), "KTANIM::load");
+    parts.screen.reset(make<KTTEXTURE>());
+    if (parts.screen) {
         parts.screen->setFilter(false, false, true);
         check(parts.screen->create(32, 32, 3), "KTTEXTURE::create");
     }
-    parts.drawn.reset(new (std::nothrow) KTTEXTURE);
-    if (check(parts.drawn != nullptr, "new KTTEXTURE"))
-        check(parts.drawn->load("glass_d.tga"), "KTTEXTURE::load");
-    parts.canvas.reset(new (std::nothrow) KTBOX);
-    if (check(parts.canvas != nullptr, "new KTBOX")) {
+    parts.drawn.reset(make<KTTEXTURE>());
+    if (parts.drawn) check(parts.drawn->load("glass_d.tga"), "KTTEXTURE::load");
+    parts.canvas.reset(make<KTBOX>());
+    if (parts.canvas) {
         parts.canvas->setPosition(150.0f, 240.0f);
         parts.canvas->setSizes(64, 64);
         parts.canvas->setTexture(parts.screen.get());
     }
 #ifdef KELTRA_TEST_FILMS
-    parts.film.reset(new (std::nothrow) KTVIDEO);
-    if (!check(parts.film != nullptr, "new KTVIDEO")) return;
+    parts.film.reset(make<KTVIDEO>());
+    if (!parts.film) return;
     parts.film->setTexture(parts.screen.get());
     check(parts.film->load("film.m1v"), "KTVIDEO::load");
     parts.film->playLoop();
@@ -165,8 +169,8 @@ void Program::change(Parts &parts) {
             check(copy.isSkinned() == skin->isSkinned(), "KTMESH::KTMESH");
         }
         for (int i = 0; i < 3; ++i) {
-            std::unique_ptr<KTNODE> node(new (std::nothrow) KTNODE);
-            if (check(node != nullptr, "new KTNODE")) check(node->link(parts.scene), "KTNODE::link");
+            std::unique_ptr<KTNODE> node(make<KTNODE>());
+            if (node) check(node->link(parts.scene), "KTNODE::link");
             if (node && node->getParent()) node->unlink();
         }
     }

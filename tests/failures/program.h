@@ -15,6 +15,7 @@ namespace keltra::test {
 struct ProgramRun {
     Image picture;                    // of the last frame; empty when the engine did not start
     std::vector<std::string> failed;  // calls that returned a failure
+    bool isShort = false;             // the program itself had no memory for an object
     unsigned int faults = 0;
 };
 
@@ -31,6 +32,8 @@ class Program {
     void draw(Parts &parts, unsigned int frame);
     void change(Parts &parts);
     bool check(bool succeeded, const char *call);
+    template <class T>
+    T *make();
 
     TempFolder folder;
     ProgramRun result;
