@@ -39,8 +39,9 @@ bool KTOPENGL::init() {
     glGetString(GL_EXTENSIONS);
     keltra::beginContext();
     keltra::resetMatrixMirror();
-    keltra::setStackSizes(askInteger(GL_MAX_MODELVIEW_STACK_DEPTH),
-                          askInteger(GL_MAX_PROJECTION_STACK_DEPTH));
+    // One after the other: compilers evaluate arguments in either order.
+    const int projections = askInteger(GL_MAX_PROJECTION_STACK_DEPTH);
+    keltra::setStackSizes(askInteger(GL_MAX_MODELVIEW_STACK_DEPTH), projections);
     reset();
     active = true;
     return true;

@@ -17,6 +17,29 @@ namespace {
 
 bool isInterface(const char *path) { return std::strstr(path, ".xml") || std::strstr(path, ".XML"); }
 
+// A public fault is large: it has no place in the frames below which a scene is built.
+[[gnu::noinline]] KTNODE *refuse(keltra::LoadScope &scope, const keltra::SceneFault &fault) {
+    scope.fail(keltra::toPublic(fault));
+    return nullptr;
+}
+
+[[gnu::noinline]] KTNODE *refuseWithoutRoot(keltra::LoadScope &scope) {
+    scope.fail(keltra::toPublic(keltra::guiRootMissing(), "", 0));
+    return nullptr;
+}
+
+[[gnu::noinline]] KTNODE *loadScene(const char *path, keltra::LoadScope &scope) {
+    const keltra::FileBytes file(path);
+    if (!file.data()) return scope.failFile(file.isOutOfMemory()), nullptr;
+    keltra::SceneContents contents;
+    keltra::SceneFault fault;
+    if (!contents.read(file.data(), file.size(), fault)) return refuse(scope, fault);
+    KTNODE *root = keltra::buildScene(contents);
+    if (!root) return scope.fail(KT_FAULT_OUT_OF_MEMORY), nullptr;
+    KELTRA::recursiveInitBones(root, root);
+    return root;
+}
+
 }  // namespace
 
 KTNODE *KELTRA::load(const char *fileName) {
@@ -25,15 +48,7 @@ KTNODE *KELTRA::load(const char *fileName) {
     if (!fileName) return scope.failNull("fileName"), nullptr;
     if (!vnfFileExists(path.text)) return scope.failFile(), nullptr;
     if (isInterface(path.text)) return loadXML(path.text);
-    const keltra::FileBytes file(path.text);
-    if (!file.data()) return scope.failFile(file.isOutOfMemory()), nullptr;
-    keltra::SceneContents contents;
-    keltra::SceneFault fault;
-    if (!contents.read(file.data(), file.size(), fault)) return scope.fail(keltra::toPublic(fault)), nullptr;
-    KTNODE *root = keltra::buildScene(contents);
-    if (!root) return scope.fail(KT_FAULT_OUT_OF_MEMORY), nullptr;
-    recursiveInitBones(root, root);
-    return root;
+    return loadScene(path.text, scope);
 }
 
 KTNODE *KELTRA::recursiveLoad(const char *buffer, long *cursor, KTNODE *parent) {
@@ -52,7 +67,7 @@ KTNODE *KELTRA::loadXML(const char *fileName) {
     TiXmlDocument document;
     if (!keltra::loadXmlDocument(fileName, document, &scope)) return nullptr;
     const TiXmlElement *description = keltra::guiRoot(document);
-    if (!description) return scope.fail(keltra::toPublic(keltra::guiRootMissing(), "", 0)), nullptr;
+    if (!description) return refuseWithoutRoot(scope);
     return keltra::buildInterface(*description, fileName, scope);
 }
 

@@ -16,6 +16,7 @@
 #include "formats/limits.h"
 #include "formats/xml_check.h"
 #include "formats/xml_document.h"
+#include "foundation/block.h"
 #include "foundation/fault.h"
 #include "foundation/name_index.h"
 #include "foundation/text.h"
@@ -159,28 +160,43 @@ void readKerning(const TiXmlElement &property, const Target &target) {
 }
 
 // The value is a format string from a file, and there are no arguments for it: "%%" is a percent sign, and
-// every other conversion is literal text. A value longer than the array fits no widget either.
-void translateFormat(const char *format, char (&text)[4096]) {
-    std::size_t length = 0;
-    for (; *format && length < sizeof text - 1; ++format) {
-        text[length++] = *format;
-        if (format[0] == '%' && format[1] == '%') ++format;
+// every other conversion is literal text. Few texts have one, and the stack has no room for it: those take a
+// block, which is null without memory.
+class LiteralText {
+   public:
+    explicit LiteralText(const char *format) : text(format), block(nullptr) {
+        if (!std::strstr(format, "%%")) return;
+        text = block = static_cast<char *>(keltra::newBlock(std::strlen(format) + 1));
+        if (!block) return;
+        char *end = block;
+        for (; *format; ++format) {
+            *end++ = *format;
+            if (format[0] == '%' && format[1] == '%') ++format;
+        }
+        *end = '\0';
     }
-    text[length] = '\0';
-}
+    ~LiteralText() { keltra::releaseBlock(block); }
+    LiteralText(const LiteralText &) = delete;
+    LiteralText &operator=(const LiteralText &) = delete;
+    const char *get() const { return text; }
+
+   private:
+    const char *text;
+    char *block;
+};
 
 void readText(const TiXmlElement &property, const Target &target) {
     const char *value = property.Attribute("value");
     KTLABEL *label = target.as<KTLABEL>(KT_LABEL);
     KTWINDOW *window = target.as<KTWINDOW>(KT_WINDOW);
     if (!value || (!label && !window)) return;
-    char text[4096];
-    translateFormat(value, text);
+    const LiteralText text(value);
+    if (!text.get()) return void(keltra::failMemory("KELTRA::loadXML"));
     if (label) {
-        label->write("%s", text);
+        label->write("%s", text.get());
     } else {
         window->clear();
-        window->write("%s", text);
+        window->write("%s", text.get());
         window->format();
     }
 }

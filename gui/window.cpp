@@ -159,15 +159,16 @@ void KTWINDOW::clear() {
 bool KTWINDOW::write(const char *format, ...) {
     const char *const call = "KTWINDOW::write";
     if (!format) return keltra::failNull(call, "format");
-    char added[kWriteBuffer];
+    // Not on the stack, which is small.
+    static_assert(sizeof wrapped >= kWriteBuffer, "it has room");
     va_list arguments;
     va_start(arguments, format);
-    int length = std::vsnprintf(added, sizeof added, format, arguments);
+    int length = std::vsnprintf(wrapped, kWriteBuffer, format, arguments);
     va_end(arguments);
     if (length < 0) return keltra::failFormat(call);
     std::size_t present = std::strlen(text), count = static_cast<std::size_t>(length);
     if (count + present >= sizeof text) return keltra::failFull(call, "text", sizeof text - 1);
-    std::memcpy(text + present, added, count + 1);
+    std::memcpy(text + present, wrapped, count + 1);
     return true;
 }
 

@@ -53,6 +53,11 @@ void readKeyframe(keltra::ByteReader &reader, KTBONEFRAME &keyframe) {
     keyframe.set = record.set;
 }
 
+// A public fault is large: it has no place in the frame of a load that succeeds.
+[[gnu::noinline]] bool refuse(keltra::FaultScope &scope, const keltra::Fault &fault) {
+    return scope.fail(keltra::toPublic(fault));
+}
+
 }  // namespace
 
 static_assert(KTANIM::maxBones == keltra::kMaxAnimBones && KTANIM::maxFrames == keltra::kMaxAnimFrames,
@@ -67,8 +72,7 @@ bool KTANIM::load(const char *fileName) {
     if (!file.data()) return scope.failFile(file.isOutOfMemory());
     keltra::AnimRecord record;
     keltra::Fault fault;
-    if (!keltra::readAnim(file.data(), file.size(), record, &fault))
-        return scope.fail(keltra::toPublic(fault));
+    if (!keltra::readAnim(file.data(), file.size(), record, &fault)) return refuse(scope, fault);
     numberOfBones = static_cast<std::uint16_t>(record.bones);
     numberOfFrames = static_cast<std::uint16_t>(record.frames);
     for (unsigned int bone = 0; bone < record.bones; ++bone)

@@ -236,7 +236,7 @@ class TreeBuilder {
     static KTNODE *build(KTNODE *parent, bool &isTooDeep, Next next) {
         struct Step {
             KTNODE *node;
-            unsigned int next, end;
+            unsigned int next;
         };
         Step path[kMaxTreeDepth];
         unsigned int depth = 0;
@@ -258,8 +258,8 @@ class TreeBuilder {
                 node->slot = step.next;
                 above->children[step.next++] = node;
             }
-            path[depth++] = {node, 0, node->numberOfChildren};
-            while (path[depth - 1].next == path[depth - 1].end)
+            path[depth++] = {node, 0};
+            while (path[depth - 1].next == path[depth - 1].node->numberOfChildren)
                 if (--depth == 0) return root;
             above = path[depth - 1].node;
         }
