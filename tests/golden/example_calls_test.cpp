@@ -2,7 +2,8 @@
 
 #include <time.h>
 
-#include "example_list.h"
+#include <example_list.h>  // made by CMake
+
 #include "tests/support/call_hash.h"
 #include "tests/support/engine_fixture.h"
 #include "tools/support/interpose.h"

@@ -12,7 +12,7 @@
 
 #include "tests/support/call_text.h"
 #include "tests/support/gl_recorder.h"
-#include "tests/support/image.h"
+#include "tests/support/screen_depth.h"
 
 namespace keltra::test {
 namespace {

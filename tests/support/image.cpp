@@ -130,9 +130,4 @@ Image differenceImage(const Image &one, const Image &other) {
     return failure << "\n  actual: " << leave(actual, name + "_actual");
 }
 
-int screenDepth() {
-    const char *depth = std::getenv("KELTRA_SCREEN_DEPTH");
-    return depth ? std::atoi(depth) : 16;
-}
-
 }  // namespace keltra::test

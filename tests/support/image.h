@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/screen_depth.h"
+
 namespace keltra::test {
 
 /// Rows from the top, three bytes a pixel: red, green, blue.
@@ -50,9 +52,6 @@ struct Tolerance {
 /// difference picture are left in the build folder and the message names them. With KELTRA_UPDATE_GOLDEN=1 in
 /// the environment the golden picture is written instead.
 ::testing::AssertionResult matchesGolden(const Image &actual, const std::string &name, Tolerance tolerance);
-
-/// The colour depth of the screen the tests run on: 16 or 24.
-int screenDepth();
 
 }  // namespace keltra::test
 
