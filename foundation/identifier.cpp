@@ -5,6 +5,7 @@
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,9 +14,39 @@ namespace {
 constexpr unsigned int kTableSize = 262144;
 using keltra::kLargestId;
 
-// Constant-initialised; one byte an identifier, 0 for free. No identifier below `lowestFree` is free.
+// Constant-initialised; one byte an identifier, 0 for free.
 unsigned char *table = nullptr;
-unsigned int lowestFree = 1;
+
+// Behind the bytes of the table, one bit for each free identifier, then one for each word of those with a bit
+// set, and again: the lowest free identifier is found in the same time however many are taken.
+constexpr unsigned int kLevels = 3;
+constexpr unsigned int kFirstWord[kLevels + 1] = {0, 2048, 2048 + 64, 2048 + 64 + 2};
+static_assert(kLargestId + 1 == 32 * 2048 && kLargestId + 1 + 4 * kFirstWord[kLevels] <= kTableSize,
+              "it fits");
+
+std::uint32_t *wordsOf(unsigned int level) {
+    return reinterpret_cast<std::uint32_t *>(table + kLargestId + 1) + kFirstWord[level];
+}
+
+void setFree(unsigned int id) {
+    for (unsigned int level = 0; level < kLevels; ++level, id /= 32) wordsOf(level)[id / 32] |= 1u << id % 32;
+}
+
+void setTaken(unsigned int id) {
+    for (unsigned int level = 0; level < kLevels; ++level, id /= 32)
+        if (wordsOf(level)[id / 32] &= ~(1u << id % 32)) return;
+}
+
+// 0 when there is none.
+unsigned int lowestFree() {
+    unsigned int place = wordsOf(2)[0] ? 0 : 1;
+    for (unsigned int level = kLevels; level-- > 0;) {
+        const std::uint32_t word = wordsOf(level)[place];
+        if (!word) return 0;
+        place = 32 * place + static_cast<unsigned int>(__builtin_ctz(word));
+    }
+    return place;
+}
 
 }  // namespace
 
@@ -26,8 +57,10 @@ namespace keltra {
 void takeIdentifierTable() {
     std::free(table);
     table = static_cast<unsigned char *>(allocate(kTableSize));
-    if (table) std::memset(table, 0, kTableSize);
-    lowestFree = 1;
+    if (!table) return;
+    std::memset(table, 0, kTableSize);
+    std::memset(wordsOf(0), 0xff, kFirstWord[kLevels] * sizeof(std::uint32_t));
+    setTaken(0);  // never drawn
 }
 
 void dropIdentifierTable() {
@@ -43,15 +76,13 @@ unsigned int vnfNewId() {
         vnfLog("vnfNewId: ID table not initialized\n");
         return keltra::failState("vnfNewId", "the foundation is not started"), 0;
     }
-    void *entry = std::memchr(table + lowestFree, 0, kLargestId + 1 - lowestFree);
-    if (!entry) {
-        lowestFree = kLargestId + 1;
+    const unsigned int id = lowestFree();
+    if (!id) {
         vnfLog("vnfNewId: all ID are used\n");
         return keltra::failFull("vnfNewId", "identifiers", kLargestId), 0;
     }
-    unsigned int id = static_cast<unsigned int>(static_cast<unsigned char *>(entry) - table);
     table[id] = 1;
-    lowestFree = id + 1;
+    setTaken(id);
     return id;
 }
 
@@ -67,7 +98,7 @@ bool keltra::returnId(unsigned int id) {
         return false;
     }
     table[id] = 0;
-    if (id < lowestFree) lowestFree = id;
+    setFree(id);
     return true;
 }
 
