@@ -8,6 +8,9 @@ namespace keltra {
 void takeText(char (&target)[256], const char *text, const char *call, const char *argument = "path");
 bool takeName(char (&target)[256], const char *text, const char *call);
 
+// A new object's name: std::snprintf of the pattern with the identifier, which is quick for one "%d".
+void writeName(char (&target)[256], const char *pattern, unsigned int id);
+
 }  // namespace keltra
 
 #endif
