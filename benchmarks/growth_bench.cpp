@@ -9,7 +9,7 @@
 #include <keltra/window.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -24,7 +24,8 @@ template <class T>
 class Objects {
    public:
     explicit Objects(benchmark::State &state) : all(static_cast<std::size_t>(state.range(0))) {
-        vnfOpenLog(nullptr);
+        static const bool started = vnfOpenLog(nullptr);
+        if (!started) state.SkipWithError("the foundation does not start");
         for (T *&object : all) object = new T;
     }
     ~Objects() {
@@ -66,6 +67,27 @@ void destroyInRandomOrder(benchmark::State &state) {
     }
     perItem(state);
 }
+
+// The same with blocks of a node's size from the C library, each cleared: no node takes less.
+template <bool isDestroyed>
+void plainBlocks(benchmark::State &state) {
+    std::vector<void *> blocks(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        if (isDestroyed) state.PauseTiming();
+        for (void *&block : blocks) block = std::memset(std::malloc(sizeof(KTNODE)), 0, sizeof(KTNODE));
+        if (isDestroyed)
+            std::shuffle(blocks.begin(), blocks.end(), generator);
+        else
+            state.PauseTiming();
+        if (isDestroyed) state.ResumeTiming();
+        for (void *block : blocks) std::free(block);
+        if (!isDestroyed) state.ResumeTiming();
+    }
+    perItem(state);
+}
+
+void createPlainBlocks(benchmark::State &state) { plainBlocks<false>(state); }
+void destroyPlainBlocks(benchmark::State &state) { plainBlocks<true>(state); }
 
 void linkToOneParent(benchmark::State &state) {
     for (auto _ : state) {
@@ -165,8 +187,12 @@ void releaseAndDrawId(benchmark::State &state) {
     for (unsigned int i = 0; i < count; ++i) ids[i] = i + 1;
     std::shuffle(ids.begin(), ids.end(), generator);
     for (auto _ : state) {
-        for (unsigned int i = 0; i < count / 2; ++i) releaseId(ids[i]);
-        for (unsigned int i = 0; i < count / 2; ++i) benchmark::DoNotOptimize(vnfNewId());
+        for (unsigned int i = 1; i < count; i += 2) {
+            releaseId(ids[i - 1]);
+            releaseId(ids[i]);
+            benchmark::DoNotOptimize(vnfNewId());
+            benchmark::DoNotOptimize(vnfNewId());
+        }
     }
     perItem(state);
     vnfOpenLog(nullptr);
@@ -218,7 +244,9 @@ void destroyNodesBesideCopies(benchmark::State &state) {
 #define GROWTH(row) BENCHMARK(row)->Arg(100)->Arg(1000)->Arg(10000)->Arg(65000)
 
 GROWTH(create);
+GROWTH(createPlainBlocks);
 GROWTH(destroyInRandomOrder);
+GROWTH(destroyPlainBlocks);
 GROWTH(linkToOneParent);
 GROWTH(unlinkFirst);
 GROWTH(unlinkLast);

@@ -1,24 +1,31 @@
 #ifndef KELTRA_CORE_HOLDERS_H
 #define KELTRA_CORE_HOLDERS_H
 
-class KTFONT;
-class KTMATERIAL;
-class KTNODE;
-class KTSHADER;
-class KTTEXTURE;
-
 namespace keltra {
 
-// Clears all pointers to an object that is being destroyed, except those that its own class keeps. Declared
-// below the classes that call it, and defined in engine/, which knows every class that holds such pointers.
-class Holders {
+// A function that clears the pointers of one class to an object that is being destroyed. To be made at load
+// time, as a static member of the class that has the pointers; the destroyed object's class knows none of
+// them.
+template <class T>
+class OnGone {
    public:
-    static void forget(const KTTEXTURE *gone);
-    static void forget(const KTSHADER *gone);
-    static void forget(const KTFONT *gone);
-    static void forget(const KTMATERIAL *gone);
-    static void forget(const KTNODE *gone);
+    using Forget = void (*)(const T *gone, bool isHeld);
+    explicit OnGone(Forget forget) : forget(forget), next(first) { first = this; }
+    static void notify(const T *gone, bool isHeld) {
+        for (const OnGone *each = first; each; each = each->next) each->forget(gone, isHeld);
+    }
+
+   private:
+    const Forget forget;
+    const OnGone *const next;
+    static const OnGone *first;
 };
+template <class T>
+const OnGone<T> *OnGone<T>::first = nullptr;
+
+// How many objects are searched for pointers to one that is being destroyed. No setter has stored one that is
+// not held; the application may have, but then not many objects are searched: this cost must not grow.
+inline unsigned int searchedFor(bool isHeld) { return isHeld ? ~0u : 64; }
 
 }  // namespace keltra
 

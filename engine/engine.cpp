@@ -16,6 +16,7 @@
 #include <keltra/texture.h>
 #include <keltra/video.h>
 
+#include "core/holders.h"
 #include "core/paths.h"
 #include "foundation/argument.h"
 #include "foundation/fault.h"
@@ -40,6 +41,10 @@ bool KELTRA::timerUpdated = false;
 namespace {
 
 const unsigned int kVideoMemory = 8388608;
+
+const keltra::OnGone<KTNODE> forgetSkybox([](const KTNODE *gone, bool) {
+    if (KELTRA::skybox == gone) KELTRA::skybox = nullptr;
+});
 
 }  // namespace
 

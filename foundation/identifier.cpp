@@ -29,7 +29,12 @@ std::uint32_t *wordsOf(unsigned int level) {
 }
 
 void setFree(unsigned int id) {
-    for (unsigned int level = 0; level < kLevels; ++level, id /= 32) wordsOf(level)[id / 32] |= 1u << id % 32;
+    for (unsigned int level = 0; level < kLevels; ++level, id /= 32) {
+        std::uint32_t &word = wordsOf(level)[id / 32];
+        const std::uint32_t former = word;
+        word |= 1u << id % 32;
+        if (former) return;
+    }
 }
 
 void setTaken(unsigned int id) {

@@ -7,24 +7,22 @@
 
 namespace keltra {
 
-NameTable::NameTable()
-    : firstEntries(),
-      entries(firstEntries),
-      capacity(kFirstEntries),
-      count(0),
-      seed(static_cast<std::uint32_t>(platformCounter()) * 0x9E3779B1u + 1) {}
+std::uint32_t newNameSeed() { return static_cast<std::uint32_t>(platformCounter()) * 0x9E3779B1u + 1; }
 
-NameTable::~NameTable() {
-    if (entries != firstEntries) std::free(entries);
-}
-
-std::uint32_t NameTable::hashOf(const char *name) const {
+std::uint32_t hashName(const char *name, std::uint32_t seed) {
     std::uint32_t hash = seed;
     for (; *name; ++name) {
         hash = (hash ^ static_cast<unsigned char>(*name)) * 0x01000193u;
         hash ^= hash >> 15;
     }
     return hash;
+}
+
+NameTable::NameTable()
+    : firstEntries(), entries(firstEntries), capacity(kFirstEntries), count(0), seed(newNameSeed()) {}
+
+NameTable::~NameTable() {
+    if (entries != firstEntries) std::free(entries);
 }
 
 // The name's entry, or the free one for it: linear probing, at most half full.
@@ -35,11 +33,11 @@ NameTable::Entry &NameTable::entryOf(const char *name, std::uint32_t hash) const
     }
 }
 
-void *NameTable::find(const char *name) const { return entryOf(name, hashOf(name)).object; }
+void *NameTable::find(const char *name) const { return entryOf(name, hashName(name, seed)).object; }
 
 bool NameTable::add(const char *name, void *object) {
     if (2 * (count + 1) > capacity && !grow()) return false;
-    const std::uint32_t hash = hashOf(name);
+    const std::uint32_t hash = hashName(name, seed);
     Entry &entry = entryOf(name, hash);
     if (entry.name) return true;
     entry = {name, object, hash};

@@ -9,6 +9,10 @@
 
 namespace keltra {
 
+std::uint32_t hashName(const char *name, std::uint32_t seed);
+// Another one at each start, so that no file can be made whose names all collide.
+std::uint32_t newNameSeed();
+
 // The first object that was added under each name. Names stay where they are: the table only points to them.
 class NameTable {
    public:
@@ -29,14 +33,13 @@ class NameTable {
     };
     static const std::size_t kFirstEntries = 32;
 
-    std::uint32_t hashOf(const char *name) const;
     Entry &entryOf(const char *name, std::uint32_t hash) const;
     bool grow();
 
     Entry firstEntries[kFirstEntries];  // a small load takes no memory
     Entry *entries;
     std::size_t capacity, count;
-    std::uint32_t seed;  // so that no file can be made whose names all collide
+    std::uint32_t seed;
 };
 
 // What `search` finds, the first object of a class's list with a name, in constant time. The list is read at

@@ -1,55 +1,18 @@
 #ifndef KELTRA_FOUNDATION_REGISTRY_H
 #define KELTRA_FOUNDATION_REGISTRY_H
 
-// The bodies of KTREGISTERED. Each class instantiates them once, in its own source; it supplies
-//   static void setLink(T &object, T *previous, T *next)   keeps its visible links in step with the list
-//   static void setFirst(T *first)                         keeps its visible list head in step
-//   static void letGo(T &object)                           releases what the object owns and takes it off the
-//   list
+// The bodies of KTREGISTERED. Each class specialises `PublicFields` and then instantiates them once, in its
+// own source.
 
-#include <keltra/foundation.h>
 #include <keltra/registered.h>
 
 #include <cstdlib>
+#include <cstring>
+#include <type_traits>
 
-#include "foundation/quiet.h"
-#include "foundation/text.h"
+#include "foundation/object_list.h"
 
 namespace keltra {
-
-// Blocks from operator new whose constructor has not begun. There are several when the arguments of a
-// constructor are themselves made on the heap; beyond `kMost` the oldest are dropped and do not count as
-// objects on the heap.
-class FreshBlocks {
-   public:
-    void add(void *block, std::size_t size) {
-        if (!block) return;
-        if (used == kMost) drop(0);
-        blocks[used++] = {static_cast<char *>(block), size};
-    }
-    // True when `object` lies in one of the blocks, which is then removed.
-    bool take(const void *object) {
-        const char *address = static_cast<const char *>(object);
-        for (unsigned int i = used; i-- > 0;) {
-            if (address < blocks[i].begin || address >= blocks[i].begin + blocks[i].size) continue;
-            drop(i);
-            return true;
-        }
-        return false;
-    }
-
-   private:
-    static const unsigned int kMost = 4;
-    struct Block {
-        char *begin;
-        std::size_t size;
-    };
-    void drop(unsigned int index) {
-        for (--used; index < used; ++index) blocks[index] = blocks[index + 1];
-    }
-    Block blocks[kMost];
-    unsigned int used;
-};
 
 // A class whose objects are large can take their memory cleared by the system, which then costs nothing
 // before it is used.
@@ -58,32 +21,38 @@ struct ObjectMemory {
     static const bool isCleared = false;
 };
 
-// One list a class.
+// Pointers to what a class shows of its list: the members `name`, `previous` and `next`, and the static
+// `first`, which may be nullptr.
 template <class T>
-struct Registry {
-    static T *first;
-    static T *last;
-    static unsigned int count;
-    static KTREGISTERED<T> *alive;
-    static FreshBlocks fresh;
-};
-template <class T>
-T *Registry<T>::first = nullptr;
-template <class T>
-T *Registry<T>::last = nullptr;
-template <class T>
-unsigned int Registry<T>::count = 0;
-template <class T>
-KTREGISTERED<T> *Registry<T>::alive = nullptr;
-template <class T>
-FreshBlocks Registry<T>::fresh = {};
+struct PublicFields;
 
 }  // namespace keltra
 
 template <class T>
+keltra::ObjectList &KTREGISTERED<T>::list() {
+    static keltra::ObjectList instance(&nameOf, &show);
+    return instance;
+}
+
+template <class T>
+const char *KTREGISTERED<T>::nameOf(keltra::Registration &place) {
+    return objectOf(&place)->*keltra::PublicFields<T>::name;
+}
+
+template <class T>
+void KTREGISTERED<T>::show(keltra::Registration *before, keltra::Registration *after) {
+    using Fields = keltra::PublicFields<T>;
+    if (before)
+        objectOf(before)->*Fields::next = objectOf(after);
+    else if constexpr (!std::is_null_pointer_v<decltype(Fields::first)>)
+        *Fields::first = objectOf(after);
+    if (after) objectOf(after)->*Fields::previous = objectOf(before);
+}
+
+template <class T>
 void *KTREGISTERED<T>::operator new(std::size_t size, const std::nothrow_t &) noexcept {
     void *block = keltra::ObjectMemory<T>::isCleared ? std::calloc(1, size) : std::malloc(size);
-    keltra::Registry<T>::fresh.add(block, size);
+    list().fresh.add(block, size);
     return block;
 }
 
@@ -97,7 +66,7 @@ void *KTREGISTERED<T>::operator new(std::size_t size) {
 // Removes the block of a constructor that threw: a later object at its address must not be taken for it.
 template <class T>
 void KTREGISTERED<T>::operator delete(void *block) noexcept {
-    keltra::Registry<T>::fresh.take(block);
+    list().fresh.take(block);
     std::free(block);
 }
 
@@ -107,119 +76,88 @@ void KTREGISTERED<T>::operator delete(void *block, const std::nothrow_t &) noexc
 }
 
 template <class T>
-void KTREGISTERED<T>::joinAlive() {
-    using Registry = keltra::Registry<T>;
-    alivePrevious = nullptr;
-    aliveNext = Registry::alive;
-    if (aliveNext) aliveNext->alivePrevious = this;
-    Registry::alive = this;
+KTREGISTERED<T>::KTREGISTERED() : registration() {
+    registration.owned = list().fresh.take(this);
 }
 
 template <class T>
-KTREGISTERED<T>::~KTREGISTERED() {
-    if (alivePrevious)
-        alivePrevious->aliveNext = aliveNext;
-    else
-        keltra::Registry<T>::alive = aliveNext;
-    if (aliveNext) aliveNext->alivePrevious = alivePrevious;
-}
-
-template <class T>
-T *KTREGISTERED<T>::firstAlive() {
-    return static_cast<T *>(keltra::Registry<T>::alive);
-}
-
-template <class T>
-T *KTREGISTERED<T>::nextAlive() const {
-    return static_cast<T *>(aliveNext);
-}
-
-template <class T>
-KTREGISTERED<T>::KTREGISTERED(const KTREGISTERED &)
-    : listPrevious(nullptr), listNext(nullptr), ownId(0), listed(false), heap(false) {
-    joinAlive();
-    keltra::Registry<T>::fresh.take(this);
-}
-
-template <class T>
-KTREGISTERED<T>::KTREGISTERED()
-    : listPrevious(nullptr), listNext(nullptr), ownId(0), listed(false), heap(false) {
-    joinAlive();
-    heap = keltra::Registry<T>::fresh.take(this);
+KTREGISTERED<T>::KTREGISTERED(const KTREGISTERED &) : registration() {
+    list().fresh.take(this);
 }
 
 template <class T>
 unsigned int KTREGISTERED<T>::enlist() {
-    using Registry = keltra::Registry<T>;
-    T *self = static_cast<T *>(this);
-    ownId = vnfNewId();
-    listed = true;
-    listPrevious = Registry::last;
-    if (Registry::last) {
-        KTREGISTERED *tail = Registry::last;
-        tail->listNext = self;
-        T::setLink(*Registry::last, tail->listPrevious, self);
-    } else {
-        Registry::first = self;
-        T::setFirst(self);
-    }
-    Registry::last = self;
-    T::setLink(*self, listPrevious, nullptr);
-    ++Registry::count;
-    return ownId;
+    static_cast<T *>(this)->*keltra::PublicFields<T>::next = nullptr;
+    return list().append(registration);
 }
 
 template <class T>
 void KTREGISTERED<T>::delist() {
-    if (!listed) return;
-    using Registry = keltra::Registry<T>;
-    listed = false;
-    --Registry::count;
-    if (listPrevious) {
-        KTREGISTERED *before = listPrevious;
-        before->listNext = listNext;
-        T::setLink(*listPrevious, before->listPrevious, listNext);
-    } else {
-        Registry::first = listNext;
-        T::setFirst(listNext);
-    }
-    if (listNext) {
-        KTREGISTERED *after = listNext;
-        after->listPrevious = listPrevious;
-        T::setLink(*listNext, listPrevious, after->listNext);
-    } else {
-        Registry::last = listPrevious;
-    }
-    listPrevious = listNext = nullptr;
-    T::setLink(*static_cast<T *>(this), nullptr, nullptr);
-    if (ownId) keltra::returnId(ownId);
-    ownId = 0;
+    if (!registration.listed) return;
+    list().remove(registration);
+    T *const object = static_cast<T *>(this);
+    object->*keltra::PublicFields<T>::previous = object->*keltra::PublicFields<T>::next = nullptr;
+}
+
+template <class T>
+void KTREGISTERED<T>::nameChanged() {
+    if (registration.indexed) list().rename(registration);
+}
+
+template <class T>
+void KTREGISTERED<T>::fieldsAssigned() {
+    if (registration.listed) list().assign(registration);
 }
 
 template <class T>
 unsigned int KTREGISTERED<T>::count() {
-    return keltra::Registry<T>::count;
+    return list().count;
 }
 
 template <class T>
 T *KTREGISTERED<T>::firstRegistered() {
-    return keltra::Registry<T>::first;
+    return objectOf(list().first);
 }
 
 template <class T>
-void KTREGISTERED<T>::destroy(T &object) {
-    if (static_cast<KTREGISTERED &>(object).heap)
+T *KTREGISTERED<T>::findRegistered(unsigned int id) {
+    if (list().isIndexed()) {
+        T *proposed = objectOf(list().propose(id));
+        if (proposed && proposed->id == id) return proposed;
+    }
+    for (keltra::Registration *place = list().first; place; place = place->listNext)
+        if (objectOf(place)->id == id) return objectOf(place);
+    return nullptr;
+}
+
+// The first character rejects most names without a call.
+template <class T>
+T *KTREGISTERED<T>::findRegistered(const char *name) {
+    if (!name) return nullptr;
+    if (list().isIndexed())
+        if (keltra::Registration *proposed = list().propose(name)) return objectOf(proposed);
+    for (keltra::Registration *place = list().first; place; place = place->listNext) {
+        const char *own = nameOf(*place);
+        if (*own != *name || std::strcmp(own, name) != 0) continue;
+        list().learn(*place);
+        return objectOf(place);
+    }
+    return nullptr;
+}
+
+template <class T>
+void KTREGISTERED<T>::destroy(T &object, Release release) {
+    if (static_cast<KTREGISTERED &>(object).registration.owned)
         delete &object;
     else
-        T::letGo(object);
+        (object.*release)();
 }
 
-// A destructor may destroy further objects of the list, so the head is read again each time.
+// A destructor may destroy further objects of the list, so its beginning is read again each time.
 template <class T>
-bool KTREGISTERED<T>::destroyAll() {
-    using Registry = keltra::Registry<T>;
-    if (!Registry::first) return false;
-    while (T *object = Registry::first) destroy(*object);
+bool KTREGISTERED<T>::destroyAll(Release release) {
+    if (!firstRegistered()) return false;
+    while (T *object = firstRegistered()) destroy(*object, release);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include <keltra/box.h>
 
+#include <keltra/shader.h>
 #include <keltra/texture.h>
 
 #include <algorithm>
@@ -14,8 +15,7 @@
 #include "scene/tree_walk.h"
 
 long KTBOX::counter = 0;
-KTBOX *KTBOX::firstBox = nullptr;
-KTBOX *KTBOX::firstSharer = nullptr;
+KTLISTED<KTBOX> *KTBOX::allBoxes = nullptr;
 
 namespace {
 
@@ -55,15 +55,18 @@ KTBOX::KTBOX()
       scissorStatus(true),
       foremostTimeStamp(getNextCounter()),
       texture(nullptr),
-      shader(nullptr) {
-    joinBoxes();
+      shader(nullptr),
+      parts(nullptr),
+      partOf(nullptr) {
+    KTLISTED<KTBOX>::joinList(allBoxes);
     joinClass(KT_BOX);
     setIdentity(KT_BOX, "[box %d]");
 }
 
-KTBOX::KTBOX(const KTBOX &other) : KTNODE(other) {
+KTBOX::KTBOX(const KTBOX &other)
+    : KTNODE(other), KTLISTED<KTBOX>(), KTLISTED<KTBOX, keltra::Part>(), parts(nullptr), partOf(nullptr) {
     joinClass(KT_BOX);
-    joinBoxes();
+    KTLISTED<KTBOX>::joinList(allBoxes);
     copyBox(other);
 }
 
@@ -74,21 +77,10 @@ KTBOX &KTBOX::operator=(const KTBOX &other) {
     return *this;
 }
 
+// Deliberate: a use of the texture stays counted; applications keep textures resident this way.
 KTBOX::~KTBOX() {
     keltra::forgetInEvents(this);
-    (previousBox ? previousBox->nextBox : firstBox) = nextBox;
-    if (nextBox) nextBox->previousBox = previousBox;
-    leaveSharers();
     if (partOf) forgetPart();
-}
-
-void KTBOX::joinBoxes() {
-    partOf = nullptr;
-    sharing = false;
-    previousBox = nullptr;
-    nextBox = firstBox;
-    if (nextBox) nextBox->previousBox = this;
-    firstBox = this;
 }
 
 void KTBOX::copyBox(const KTBOX &other) {
@@ -108,7 +100,8 @@ void KTBOX::copyBox(const KTBOX &other) {
     scissorStatus = other.scissorStatus;
     foremostTimeStamp = other.foremostTimeStamp;
     texture = other.texture;
-    shader = other.shader;
+    if (texture) texture->markHeld();
+    setShader(other.shader);
     boxCoord = other.boxCoord;
 }
 
@@ -141,14 +134,13 @@ bool KTBOX::setForemost(long) {
 }
 
 bool KTBOX::setTexture(KTTEXTURE *newTexture) {
-    if (texture) texture->decReferences();
-    texture = newTexture;
-    if (texture) texture->incReferences();
+    KTUSE::exchange(texture, newTexture);
     return true;
 }
 
 bool KTBOX::setShader(KTSHADER *newShader) {
     shader = newShader;
+    if (shader) shader->markHeld();
     return true;
 }
 

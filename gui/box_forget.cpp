@@ -4,63 +4,66 @@
 #include <keltra/scrollbar.h>
 #include <keltra/window.h>
 
+#include "core/holders.h"
 #include "scene/node_class.h"
 
-void KTBOX::forgetFont(const KTFONT *gone) {
-    for (KTBOX *box = firstBox; box; box = box->nextBox) {
-        if (KTLABEL *label = keltra::as<KTLABEL>(box)) {
-            if (label->font == gone) label->font = nullptr;
-        } else if (KTBUTTON *button = keltra::as<KTBUTTON>(box)) {
-            if (button->font == gone) button->font = nullptr;
-        }
-    }
+const keltra::OnGone<KTFONT> KTBOX::onFontGone(&KTBOX::forgetFont);
+const keltra::OnGone<KTSHADER> KTBOX::onShaderGone(&KTBOX::forgetShader);
+const keltra::OnGone<KTTEXTURE> KTBOX::onTextureGone(&KTBOX::forgetTexture);
+
+namespace {
+
+template <class Object>
+void clear(Object *&pointer, const void *gone) {
+    if (pointer == gone) pointer = nullptr;
 }
 
-void KTBOX::forgetShader(const KTSHADER *gone) {
-    for (KTBOX *box = firstBox; box; box = box->nextBox)
-        if (box->shader == gone) box->shader = nullptr;
+}  // namespace
+
+template <class Visit>
+void KTBOX::visitAll(bool isHeld, Visit visit) {
+    KTLISTED<KTBOX>::visitList(allBoxes, keltra::searchedFor(isHeld), visit);
 }
 
-void KTBOX::forgetTexture(const KTTEXTURE *gone) {
-    for (KTBOX *box = firstBox; box; box = box->nextBox)
-        if (box->texture == gone) box->texture = nullptr;
+void KTBOX::forgetFont(const KTFONT *gone, bool isHeld) {
+    visitAll(isHeld, [gone](KTBOX &box) {
+        if (KTLABEL *label = keltra::as<KTLABEL>(&box))
+            clear(label->font, gone);
+        else if (KTBUTTON *button = keltra::as<KTBUTTON>(&box))
+            clear(button->font, gone);
+    });
 }
 
-void KTBOX::joinSharers() {
-    if (sharing) return;
-    sharing = true;
-    previousSharer = nullptr;
-    nextSharer = firstSharer;
-    if (nextSharer) nextSharer->previousSharer = this;
-    firstSharer = this;
+void KTBOX::forgetShader(const KTSHADER *gone, bool isHeld) {
+    visitAll(isHeld, [gone](KTBOX &box) { clear(box.shader, gone); });
 }
 
-void KTBOX::leaveSharers() {
-    if (!sharing) return;
-    (previousSharer ? previousSharer->nextSharer : firstSharer) = nextSharer;
-    if (nextSharer) nextSharer->previousSharer = previousSharer;
+void KTBOX::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
+    visitAll(isHeld, [gone](KTBOX &box) { clear(box.texture, gone); });
 }
 
-// The box that made the part, and the copies of such boxes, which point to parts that they do not own.
+void KTBOX::makePart(KTBOX &part) {
+    part.partOf = this;
+    part.KTLISTED<KTBOX, keltra::Part>::joinList(parts);
+}
+
+void KTBOX::destroyParts() {
+    while (KTBOX *part = KTLISTED<KTBOX, keltra::Part>::objectAt(parts)) delete part;
+}
+
+// The box that made the part, and the copies of such boxes, which mark the parts that they point to.
 void KTBOX::forgetPart() {
     partOf->losePart(this);
-    for (KTBOX *box = firstSharer; box; box = box->nextSharer) box->losePart(this);
+    if (isHeld()) visitAll(true, [this](KTBOX &box) { box.losePart(this); });
 }
 
 void KTBOX::losePart(const KTBOX *gone) {
-    auto clear = [gone](auto *&pointer) {
-        if (pointer == gone) pointer = nullptr;
-    };
     if (KTWINDOW *window = keltra::as<KTWINDOW>(this)) {
-        clear(window->titleBar);
-        clear(window->ownTitleBar);
-        clear(window->scrollBar);
-        clear(window->ownScrollBar);
+        clear(window->titleBar, gone);
+        clear(window->scrollBar, gone);
     } else if (KTHSCROLLBAR *horizontal = keltra::as<KTHSCROLLBAR>(this)) {
-        clear(horizontal->cursor);
-        clear(horizontal->ownCursor);
+        clear(horizontal->cursor, gone);
     } else if (KTVSCROLLBAR *vertical = keltra::as<KTVSCROLLBAR>(this)) {
-        clear(vertical->cursor);
-        clear(vertical->ownCursor);
+        clear(vertical->cursor, gone);
     }
 }

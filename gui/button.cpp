@@ -41,6 +41,11 @@ KTBUTTON::KTBUTTON(const KTBUTTON &other) : KTBOX(other) {
 
 KTBUTTON::~KTBUTTON() {}
 
+void KTBUTTON::setFont(KTFONT *newFont) {
+    font = newFont;
+    if (font) font->markHeld();
+}
+
 void KTBUTTON::setCaption(const char *text) { keltra::takeCaption(*this, text, "KTBUTTON::setCaption"); }
 
 bool KTBUTTON::render(void *data) {

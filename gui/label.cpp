@@ -29,6 +29,11 @@ KTLABEL::KTLABEL(const KTLABEL &other) : KTBOX(other) {
 
 KTLABEL::~KTLABEL() {}
 
+void KTLABEL::setFont(KTFONT *newFont) {
+    font = newFont;
+    if (font) font->markHeld();
+}
+
 bool KTLABEL::write(const char *format, ...) {
     const char *const call = "KTLABEL::write";
     if (!format) return keltra::failNull(call, "format");

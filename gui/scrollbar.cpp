@@ -103,31 +103,29 @@ void copyBar(Bar &bar, const Bar &other) {
     bar.minValue = other.minValue;
     bar.maxValue = other.maxValue;
     bar.cursor = other.cursor;
+    if (bar.cursor) bar.cursor->markHeld();
 }
 
 }  // namespace
 
-KTHSCROLLBAR::KTHSCROLLBAR()
-    : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Horizontal>(*this)), ownCursor(cursor) {
+KTHSCROLLBAR::KTHSCROLLBAR() : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Horizontal>(*this)) {
     joinClass(KT_HSCROLLBAR);
     setIdentity(KT_HSCROLLBAR, "[hscrollbar %d]");
     if (cursor) makePart(*cursor);
 }
 
-KTHSCROLLBAR::KTHSCROLLBAR(const KTHSCROLLBAR &other) : KTBOX(other), ownCursor(nullptr) {
+KTHSCROLLBAR::KTHSCROLLBAR(const KTHSCROLLBAR &other) : KTBOX(other) {
     joinClass(KT_HSCROLLBAR);
-    joinSharers();
     copyBar(*this, other);
 }
 
 KTHSCROLLBAR &KTHSCROLLBAR::operator=(const KTHSCROLLBAR &other) {
     KTBOX::operator=(other);
-    joinSharers();
     copyBar(*this, other);
     return *this;
 }
 
-KTHSCROLLBAR::~KTHSCROLLBAR() { delete ownCursor; }
+KTHSCROLLBAR::~KTHSCROLLBAR() { destroyParts(); }
 
 void KTHSCROLLBAR::setValue(float value) {
     placeCursor<Horizontal>(*this, cursor, value, minValue, maxValue);
@@ -151,27 +149,24 @@ bool KTHSCROLLBAR::render(void *data) {
 }
 
 // Deliberate: the horizontal bar's name; applications find the bars of both kinds by it.
-KTVSCROLLBAR::KTVSCROLLBAR()
-    : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Vertical>(*this)), ownCursor(cursor) {
+KTVSCROLLBAR::KTVSCROLLBAR() : reserved(), minValue(0.0f), maxValue(1.0f), cursor(build<Vertical>(*this)) {
     joinClass(KT_VSCROLLBAR);
     setIdentity(KT_VSCROLLBAR, "[hscrollbar %d]");
     if (cursor) makePart(*cursor);
 }
 
-KTVSCROLLBAR::KTVSCROLLBAR(const KTVSCROLLBAR &other) : KTBOX(other), ownCursor(nullptr) {
+KTVSCROLLBAR::KTVSCROLLBAR(const KTVSCROLLBAR &other) : KTBOX(other) {
     joinClass(KT_VSCROLLBAR);
-    joinSharers();
     copyBar(*this, other);
 }
 
 KTVSCROLLBAR &KTVSCROLLBAR::operator=(const KTVSCROLLBAR &other) {
     KTBOX::operator=(other);
-    joinSharers();
     copyBar(*this, other);
     return *this;
 }
 
-KTVSCROLLBAR::~KTVSCROLLBAR() { delete ownCursor; }
+KTVSCROLLBAR::~KTVSCROLLBAR() { destroyParts(); }
 
 void KTVSCROLLBAR::setValue(float value) { placeCursor<Vertical>(*this, cursor, value, minValue, maxValue); }
 

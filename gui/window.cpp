@@ -74,9 +74,7 @@ KTWINDOW::KTWINDOW()
       scrollLine(0),
       previousScroll(0),
       contentHeight(0),
-      lineCount(0),
-      ownTitleBar(titleBar),
-      ownScrollBar(scrollBar) {
+      lineCount(0) {
     joinClass(KT_WINDOW);
     setIdentity(KT_WINDOW, "[window %d]");
     if (!titleBar || !scrollBar) keltra::warnMemory("KTWINDOW::KTWINDOW");
@@ -102,7 +100,7 @@ KTWINDOW::KTWINDOW()
     setSizes(128, 128);
 }
 
-KTWINDOW::KTWINDOW(const KTWINDOW &other) : KTBUTTON(other), ownTitleBar(nullptr), ownScrollBar(nullptr) {
+KTWINDOW::KTWINDOW(const KTWINDOW &other) : KTBUTTON(other) {
     joinClass(KT_WINDOW);
     copyWindow(other);
 }
@@ -114,18 +112,16 @@ KTWINDOW &KTWINDOW::operator=(const KTWINDOW &other) {
     return *this;
 }
 
-KTWINDOW::~KTWINDOW() {
-    delete ownTitleBar;
-    delete ownScrollBar;
-}
+KTWINDOW::~KTWINDOW() { destroyParts(); }
 
 void KTWINDOW::copyWindow(const KTWINDOW &other) {
-    joinSharers();
     maximized = other.maximized;
     std::memcpy(text, other.text, sizeof text);
     std::memcpy(formattedText, other.formattedText, sizeof formattedText);
     titleBar = other.titleBar;
     scrollBar = other.scrollBar;
+    if (titleBar) titleBar->markHeld();
+    if (scrollBar) scrollBar->markHeld();
     scrollLine = other.scrollLine;
     previousScroll = other.previousScroll;
     contentHeight = other.contentHeight;
@@ -137,7 +133,7 @@ void KTWINDOW::setCaption(const char *title) {
 }
 
 void KTWINDOW::setFont(KTFONT *newFont) {
-    font = newFont;
+    KTBUTTON::setFont(newFont);
     if (titleBar) titleBar->setFont(newFont);
 }
 

@@ -2,34 +2,48 @@
 #include <keltra/opengl.h>
 #include <keltra/texture.h>
 
+#include "core/holders.h"
+#include "foundation/argument.h"
 #include "foundation/fault.h"
 #include "foundation/registry.h"
 
 #include <GLES/gl.h>
 
-#include <cstdio>
 #include <cstring>
 
+template <>
+struct keltra::PublicFields<KTFBO> {
+    static constexpr auto name = &KTFBO::name;
+    static constexpr auto previous = &KTFBO::previous, next = &KTFBO::next;
+    static constexpr KTFBO **first = &KTFBO::firstFbo;
+};
 template class KTREGISTERED<KTFBO>;
 
 KTFBO *KTFBO::firstFbo = nullptr;
 KTFBO *KTFBO::currentFbo = nullptr;
+KTLISTED<KTFBO> *KTFBO::allFbos = nullptr;
+const keltra::OnGone<KTTEXTURE> KTFBO::onTextureGone(&KTFBO::forgetTexture);
 
 KTFBO::KTFBO() : texture(nullptr), sizeX(0), sizeY(0), glId(0) {
+    joinList(allFbos);
     id = enlist();
-    std::snprintf(name, sizeof name, "[fbo %u]", id);
+    keltra::writeName(name, "[fbo %d]", id);
 }
 
-KTFBO::KTFBO(const KTFBO &other) : KTREGISTERED<KTFBO>(other) { copyFields(other); }
+KTFBO::KTFBO(const KTFBO &other) : KTREGISTERED<KTFBO>(other), KTLISTED<KTFBO>() {
+    joinList(allFbos);
+    copyFields(other);
+}
 
 KTFBO &KTFBO::operator=(const KTFBO &other) {
     if (this == &other) return *this;
     if (currentFbo == this) currentFbo = nullptr;
     copyFields(other);
+    fieldsAssigned();
     return *this;
 }
 
-KTFBO::~KTFBO() { letGo(*this); }
+KTFBO::~KTFBO() { release(); }
 
 void KTFBO::copyFields(const KTFBO &other) {
     id = other.id;
@@ -42,21 +56,17 @@ void KTFBO::copyFields(const KTFBO &other) {
     glId = other.glId;
 }
 
-void KTFBO::setLink(KTFBO &target, KTFBO *before, KTFBO *after) {
-    target.previous = before;
-    target.next = after;
-}
-
-void KTFBO::letGo(KTFBO &target) {
-    if (currentFbo == &target) currentFbo = nullptr;
+void KTFBO::release() {
+    if (currentFbo == this) currentFbo = nullptr;
     for (KTFBO *&entry : KTOPENGL::fbo)
-        if (entry == &target) entry = nullptr;
-    target.delist();
+        if (entry == this) entry = nullptr;
+    delist();
 }
 
-void KTFBO::forgetTexture(const KTTEXTURE *gone) {
-    for (KTFBO *target = firstAlive(); target; target = target->nextAlive())
-        if (target->texture == gone) target->texture = nullptr;
+void KTFBO::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
+    visitList(allFbos, keltra::searchedFor(isHeld), [gone](KTFBO &target) {
+        if (target.texture == gone) target.texture = nullptr;
+    });
 }
 
 bool KTFBO::isOk() const { return KTOPENGL::FBOFlag; }
@@ -65,6 +75,7 @@ bool KTFBO::bindTexture(int, KTTEXTURE *target) {
     if (!target) return keltra::failNull("KTFBO::bindTexture", "target");
     if (!KTOPENGL::FBOFlag) return false;
     texture = target;
+    texture->markHeld();
     sizeX = static_cast<int>(target->sizeX);
     sizeY = static_cast<int>(target->sizeY);
     return true;
@@ -92,6 +103,6 @@ bool KTFBO::blur(KTFBO *, KTSHADER *, int) { return true; }
 
 bool KTFBO::computeLuminance(float *) { return true; }
 
-bool KTFBO::cleanUp() { return destroyAll(); }
+bool KTFBO::cleanUp() { return destroyAll(&KTFBO::release); }
 
 unsigned int KTFBO::getNumberOfFbos() { return count(); }

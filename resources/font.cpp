@@ -9,7 +9,6 @@
 #include "foundation/argument.h"
 #include "foundation/fault.h"
 #include "foundation/file_bytes.h"
-#include "foundation/find.h"
 #include "foundation/quiet.h"
 #include "foundation/registry.h"
 #include "resources/text_escape.h"
@@ -21,12 +20,20 @@
 #include <cstdio>
 #include <cstring>
 
+template <>
+struct keltra::PublicFields<KTFONT> {
+    static constexpr auto name = &KTFONT::name;
+    static constexpr auto previous = &KTFONT::previous, next = &KTFONT::next;
+    static constexpr KTFONT **first = &KTFONT::firstFont;
+};
 template class KTREGISTERED<KTFONT>;
 
 const unsigned int KTFONT::maxGlyphs;
 const unsigned int KTFONT::maxCharacters;
 char KTFONT::fontPath[256] = "";
 KTFONT *KTFONT::firstFont = nullptr;
+KTLISTED<KTFONT> *KTFONT::allFonts = nullptr;
+const keltra::OnGone<KTTEXTURE> KTFONT::onTextureGone(&KTFONT::forgetTexture);
 std::int32_t *KTFONT::fontCachedVertex = nullptr;
 std::int32_t *KTFONT::fontCachedTexCoord = nullptr;
 unsigned char *KTFONT::fontCachedColor = nullptr;
@@ -234,22 +241,26 @@ void escape(keltra::TextToken token, const char *text, Pen &pen) {
 
 }  // namespace
 
-KTFONT::KTFONT()
-    : texture(nullptr), kerning(), charSizeX(16), charSizeY(16), countsTexture(false), toldMissing(false) {
+KTFONT::KTFONT() : texture(nullptr), kerning(), charSizeX(16), charSizeY(16), toldMissing(false) {
+    joinList(allFonts);
     id = enlist();
-    std::snprintf(name, sizeof name, "[font %u]", id);
+    keltra::writeName(name, "[font %d]", id);
 }
 
-KTFONT::KTFONT(const KTFONT &other) : KTREGISTERED<KTFONT>(other) { copyFields(other); }
+KTFONT::KTFONT(const KTFONT &other) : KTREGISTERED<KTFONT>(other), KTLISTED<KTFONT>() {
+    joinList(allFonts);
+    copyFields(other);
+}
 
 KTFONT &KTFONT::operator=(const KTFONT &other) {
     if (this == &other) return *this;
-    releaseTexture();
+    textureUse.take(texture);
     copyFields(other);
+    fieldsAssigned();
     return *this;
 }
 
-KTFONT::~KTFONT() { letGo(*this); }
+KTFONT::~KTFONT() { release(); }
 
 void KTFONT::copyFields(const KTFONT &other) {
     id = other.id;
@@ -260,33 +271,18 @@ void KTFONT::copyFields(const KTFONT &other) {
     std::memcpy(name, other.name, sizeof name);
     previous = other.previous;
     next = other.next;
-    countsTexture = false;
     toldMissing = other.toldMissing;
 }
 
-void KTFONT::setLink(KTFONT &font, KTFONT *before, KTFONT *after) {
-    font.previous = before;
-    font.next = after;
+void KTFONT::release() {
+    keltra::OnGone<KTFONT>::notify(this, isHeld());
+    textureUse.take(texture);
+    delist();
 }
 
-void KTFONT::letGo(KTFONT &font) {
-    keltra::Holders::forget(&font);
-    font.releaseTexture();
-    font.delist();
-}
-
-void KTFONT::releaseTexture() {
-    if (texture && countsTexture) texture->decReferences();
-    texture = nullptr;
-    countsTexture = false;
-}
-
-void KTFONT::forgetTexture(const KTTEXTURE *gone) {
-    for (KTFONT *font = firstAlive(); font; font = font->nextAlive()) {
-        if (font->texture != gone) continue;
-        font->texture = nullptr;
-        font->countsTexture = false;
-    }
+void KTFONT::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
+    visitList(allFonts, keltra::searchedFor(isHeld),
+              [gone](KTFONT &font) { font.textureUse.forget(font.texture, gone); });
 }
 
 bool KTFONT::init() {
@@ -314,10 +310,7 @@ bool KTFONT::free() {
 
 bool KTFONT::setTexture(KTTEXTURE *glyphs) {
     if (!glyphs) return keltra::failNull("KTFONT::setTexture", "glyphs");
-    releaseTexture();
-    texture = glyphs;
-    texture->incReferences();
-    countsTexture = true;
+    textureUse.set(texture, glyphs);
     toldMissing = false;
     return true;
 }
@@ -436,16 +429,16 @@ bool KTFONT::putString(int x, int y, const char *format, ...) {
     return true;
 }
 
-KTFONT *KTFONT::findByName(const char *text) {
-    return keltra::findByText(firstRegistered(), &KTFONT::name, text);
-}
+KTFONT *KTFONT::findByName(const char *text) { return findRegistered(text); }
 
-KTFONT *KTFONT::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
+KTFONT *KTFONT::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 unsigned int KTFONT::getNumberOfFonts() { return count(); }
 
-bool KTFONT::cleanUp() { return destroyAll(); }
+bool KTFONT::cleanUp() { return destroyAll(&KTFONT::release); }
 
 void KTFONT::setPath(const char *path) { keltra::takeText(fontPath, path, "KTFONT::setPath"); }
 
-void KTFONT::setName(const char *text) { keltra::takeName(name, text, "KTFONT::setName"); }
+void KTFONT::setName(const char *text) {
+    if (keltra::takeName(name, text, "KTFONT::setName")) nameChanged();
+}

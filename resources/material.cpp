@@ -11,13 +11,18 @@
 #include "formats/limits.h"
 #include "foundation/argument.h"
 #include "foundation/fault.h"
-#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
 #include <cstdio>
 #include <cstring>
 
+template <>
+struct keltra::PublicFields<KTMATERIAL> {
+    static constexpr auto name = &KTMATERIAL::name;
+    static constexpr auto previous = &KTMATERIAL::previous, next = &KTMATERIAL::next;
+    static constexpr KTMATERIAL **first = &KTMATERIAL::firstMaterial;
+};
 template class KTREGISTERED<KTMATERIAL>;
 
 static_assert(KTMATERIAL::levels == keltra::kMaxTextureLevels && KTTEXTURE::channels == KTMATERIAL::levels,
@@ -26,6 +31,9 @@ static_assert(KTMATERIAL::levels == keltra::kMaxTextureLevels && KTTEXTURE::chan
 const unsigned int KTMATERIAL::levels;
 KTMATERIAL *KTMATERIAL::firstMaterial = nullptr;
 KTMATERIAL *KTMATERIAL::currentMaterial = nullptr;
+KTLISTED<KTMATERIAL> *KTMATERIAL::allMaterials = nullptr;
+const keltra::OnGone<KTTEXTURE> KTMATERIAL::onTextureGone(&KTMATERIAL::forgetTexture);
+const keltra::OnGone<KTSHADER> KTMATERIAL::onShaderGone(&KTMATERIAL::forgetShader);
 
 namespace {
 
@@ -91,20 +99,25 @@ KTMATERIAL::KTMATERIAL()
       texture(),
       shader(nullptr),
       skinning(false) {
+    joinList(allMaterials);
     id = enlist();
-    std::snprintf(name, sizeof name, "[material %u]", id);
+    keltra::writeName(name, "[material %d]", id);
 }
 
-KTMATERIAL::KTMATERIAL(const KTMATERIAL &other) : KTREGISTERED<KTMATERIAL>(other) { copyFields(other); }
+KTMATERIAL::KTMATERIAL(const KTMATERIAL &other) : KTREGISTERED<KTMATERIAL>(other), KTLISTED<KTMATERIAL>() {
+    joinList(allMaterials);
+    copyFields(other);
+}
 
 KTMATERIAL &KTMATERIAL::operator=(const KTMATERIAL &other) {
     if (this == &other) return *this;
     if (currentMaterial == this) currentMaterial = nullptr;
     copyFields(other);
+    fieldsAssigned();
     return *this;
 }
 
-KTMATERIAL::~KTMATERIAL() { letGo(*this); }
+KTMATERIAL::~KTMATERIAL() { release(); }
 
 void KTMATERIAL::copyFields(const KTMATERIAL &other) {
     id = other.id;
@@ -124,8 +137,9 @@ void KTMATERIAL::copySurface(const KTMATERIAL &other) {
     emission = other.emission;
     transparency = other.transparency;
     shininess = other.shininess;
-    std::memcpy(texture, other.texture, sizeof texture);
-    shader = other.shader;
+    for (unsigned int level = 0; level < levels; ++level)
+        if ((texture[level] = other.texture[level])) texture[level]->markHeld();
+    setShader(other.shader);
 }
 
 void KTMATERIAL::clone(const KTMATERIAL *source) {
@@ -133,36 +147,38 @@ void KTMATERIAL::clone(const KTMATERIAL *source) {
     char text[sizeof name + 16];
     std::snprintf(text, sizeof text, "%s%u", source->name, id);
     keltra::copyText(name, text);
+    nameChanged();
     copySurface(*source);
 }
 
-void KTMATERIAL::setLink(KTMATERIAL &material, KTMATERIAL *before, KTMATERIAL *after) {
-    material.previous = before;
-    material.next = after;
+// Deliberate: the uses of its textures stay counted; applications keep textures resident this way.
+void KTMATERIAL::release() {
+    if (currentMaterial == this) currentMaterial = nullptr;
+    keltra::OnGone<KTMATERIAL>::notify(this, isHeld());
+    delist();
 }
 
-void KTMATERIAL::letGo(KTMATERIAL &material) {
-    if (currentMaterial == &material) currentMaterial = nullptr;
-    keltra::Holders::forget(&material);
-    material.delist();
-}
-
-void KTMATERIAL::forgetTexture(const KTTEXTURE *gone) {
-    for (KTMATERIAL *material = firstAlive(); material; material = material->nextAlive())
-        for (KTTEXTURE *&slot : material->texture)
+void KTMATERIAL::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
+    visitList(allMaterials, keltra::searchedFor(isHeld), [gone](KTMATERIAL &material) {
+        for (KTTEXTURE *&slot : material.texture)
             if (slot == gone) slot = nullptr;
+    });
 }
 
-void KTMATERIAL::forgetShader(const KTSHADER *gone) {
-    for (KTMATERIAL *material = firstAlive(); material; material = material->nextAlive())
-        if (material->shader == gone) material->shader = nullptr;
+void KTMATERIAL::forgetShader(const KTSHADER *gone, bool isHeld) {
+    visitList(allMaterials, keltra::searchedFor(isHeld), [gone](KTMATERIAL &material) {
+        if (material.shader == gone) material.shader = nullptr;
+    });
+}
+
+void KTMATERIAL::setShader(KTSHADER *value) {
+    shader = value;
+    if (shader) shader->markHeld();
 }
 
 bool KTMATERIAL::setTexture(unsigned int level, KTTEXTURE *value) {
     if (level >= levels) return keltra::failRange("KTMATERIAL::setTexture", "level", level, levels - 1);
-    if (texture[level]) texture[level]->decReferences();
-    if (value) value->incReferences();
-    texture[level] = value;
+    KTUSE::exchange(texture[level], value);
     return true;
 }
 
@@ -206,14 +222,14 @@ bool KTMATERIAL::render(void *data) {
     return true;
 }
 
-KTMATERIAL *KTMATERIAL::findByName(const char *wanted) {
-    return keltra::findByText(firstRegistered(), &KTMATERIAL::name, wanted);
-}
+KTMATERIAL *KTMATERIAL::findByName(const char *wanted) { return findRegistered(wanted); }
 
-KTMATERIAL *KTMATERIAL::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
+KTMATERIAL *KTMATERIAL::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 unsigned int KTMATERIAL::getNumberOfMaterials() { return count(); }
 
-bool KTMATERIAL::cleanUp() { return destroyAll(); }
+bool KTMATERIAL::cleanUp() { return destroyAll(&KTMATERIAL::release); }
 
-void KTMATERIAL::setName(const char *text) { keltra::takeName(name, text, "KTMATERIAL::setName"); }
+void KTMATERIAL::setName(const char *text) {
+    if (keltra::takeName(name, text, "KTMATERIAL::setName")) nameChanged();
+}

@@ -2,14 +2,18 @@
 
 #include "core/holders.h"
 #include "foundation/argument.h"
-#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
-#include <cstdio>
 #include <cstring>
 #include <new>
 
+template <>
+struct keltra::PublicFields<KTSHADER> {
+    static constexpr auto name = &KTSHADER::name;
+    static constexpr auto previous = &KTSHADER::previous, next = &KTSHADER::next;
+    static constexpr KTSHADER **first = &KTSHADER::firstShader;
+};
 template class KTREGISTERED<KTSHADER>;
 
 const unsigned int KTSHADER::params;
@@ -66,7 +70,7 @@ const char kNoFile[] = "[none]";
 
 KTSHADER::KTSHADER() : vertexReady(false), pixelReady(false), param() {
     id = enlist();
-    std::snprintf(name, sizeof name, "[shader %u]", id);
+    keltra::writeName(name, "[shader %d]", id);
     keltra::copyText(vsFilename, kNoFile);
     keltra::copyText(psFilename, kNoFile);
 }
@@ -74,11 +78,13 @@ KTSHADER::KTSHADER() : vertexReady(false), pixelReady(false), param() {
 KTSHADER::KTSHADER(const KTSHADER &other) : KTREGISTERED<KTSHADER>(other) { copyFields(other); }
 
 KTSHADER &KTSHADER::operator=(const KTSHADER &other) {
-    if (this != &other) copyFields(other);
+    if (this == &other) return *this;
+    copyFields(other);
+    fieldsAssigned();
     return *this;
 }
 
-KTSHADER::~KTSHADER() { letGo(*this); }
+KTSHADER::~KTSHADER() { release(); }
 
 void KTSHADER::copyFields(const KTSHADER &other) {
     id = other.id;
@@ -92,17 +98,12 @@ void KTSHADER::copyFields(const KTSHADER &other) {
     next = other.next;
 }
 
-void KTSHADER::setLink(KTSHADER &shader, KTSHADER *before, KTSHADER *after) {
-    shader.previous = before;
-    shader.next = after;
-}
-
-void KTSHADER::letGo(KTSHADER &shader) {
-    if (currentShader == &shader) currentShader = nullptr;
+void KTSHADER::release() {
+    if (currentShader == this) currentShader = nullptr;
     for (KTSHADER **named : kNamed)
-        if (*named == &shader) *named = nullptr;
-    keltra::Holders::forget(&shader);
-    shader.delist();
+        if (*named == this) *named = nullptr;
+    keltra::OnGone<KTSHADER>::notify(this, isHeld());
+    delist();
 }
 
 bool KTSHADER::init() {
@@ -116,7 +117,7 @@ bool KTSHADER::init() {
 // here.
 bool KTSHADER::free() {
     for (KTSHADER **named : kNamed)
-        if (*named) destroy(**named);
+        if (*named) destroy(**named, &KTSHADER::release);
     active = false;
     return true;
 }
@@ -163,16 +164,16 @@ void KTSHADER::reset() {
     disable();
 }
 
-bool KTSHADER::cleanUp() { return destroyAll(); }
+bool KTSHADER::cleanUp() { return destroyAll(&KTSHADER::release); }
 
-KTSHADER *KTSHADER::findByName(const char *wanted) {
-    return keltra::findByText(firstRegistered(), &KTSHADER::name, wanted);
-}
+KTSHADER *KTSHADER::findByName(const char *wanted) { return findRegistered(wanted); }
 
-KTSHADER *KTSHADER::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
+KTSHADER *KTSHADER::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 unsigned int KTSHADER::getNumberOfShaders() { return count(); }
 
 void KTSHADER::setPath(const char *path) { keltra::takeText(shaderPath, path, "KTSHADER::setPath"); }
 
-void KTSHADER::setName(const char *text) { keltra::takeName(name, text, "KTSHADER::setName"); }
+void KTSHADER::setName(const char *text) {
+    if (keltra::takeName(name, text, "KTSHADER::setName")) nameChanged();
+}

@@ -9,16 +9,20 @@
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "foundation/file_bytes.h"
-#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 
 #include <GLES/gl.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
+template <>
+struct keltra::PublicFields<KTTEXTURE> {
+    static constexpr auto name = &KTTEXTURE::filename;
+    static constexpr auto previous = &KTTEXTURE::previous, next = &KTTEXTURE::next;
+    static constexpr KTTEXTURE **first = &KTTEXTURE::firstTexture;
+};
 template class KTREGISTERED<KTTEXTURE>;
 
 static_assert(KTTEXTURE::maxSize == keltra::kMaxTextureSize, "what a file may hold is loaded");
@@ -70,7 +74,6 @@ KTTEXTURE::KTTEXTURE()
       mipmapped(true),
       clamped(false),
       mipmapResident(false),
-      unseen(false),
       ownsBitmap(false),
       ownsGLTexture(false),
       toldMissing(false),
@@ -79,7 +82,7 @@ KTTEXTURE::KTTEXTURE()
       uploadedY(0),
       uploadedBpp(0) {
     id = enlist();
-    std::snprintf(filename, sizeof filename, "[texture %u]", id);
+    keltra::writeName(filename, "[texture %d]", id);
 }
 
 KTTEXTURE::KTTEXTURE(const KTTEXTURE &other) : KTREGISTERED<KTTEXTURE>(other) {
@@ -96,11 +99,12 @@ KTTEXTURE &KTTEXTURE::operator=(const KTTEXTURE &other) {
         if (cached == this) cached = nullptr;
     copyFields(other);
     bitmap = shared;
+    fieldsAssigned();
     forgetDeletedGLTexture();
     return *this;
 }
 
-KTTEXTURE::~KTTEXTURE() { letGo(*this); }
+KTTEXTURE::~KTTEXTURE() { release(); }
 
 void KTTEXTURE::copyFields(const KTTEXTURE &other) {
     id = other.id;
@@ -120,7 +124,6 @@ void KTTEXTURE::copyFields(const KTTEXTURE &other) {
     mipmapResident = other.mipmapResident;
     previous = other.previous;
     next = other.next;
-    unseen = false;
     ownsBitmap = false;
     ownsGLTexture = false;
     toldMissing = other.toldMissing;
@@ -128,11 +131,6 @@ void KTTEXTURE::copyFields(const KTTEXTURE &other) {
     uploadedX = other.uploadedX;
     uploadedY = other.uploadedY;
     uploadedBpp = other.uploadedBpp;
-}
-
-void KTTEXTURE::setLink(KTTEXTURE &texture, KTTEXTURE *before, KTTEXTURE *after) {
-    texture.previous = before;
-    texture.next = after;
 }
 
 bool KTTEXTURE::load(const char *name) {
@@ -160,6 +158,7 @@ bool KTTEXTURE::load(const char *name) {
     memory = sizeX * sizeY * 4;
     usedMemory += memory;
     keltra::copyText(filename, name);
+    nameChanged();
     return true;
 }
 
@@ -195,6 +194,7 @@ bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int for
     sizeY = height;
     bpp = format;
     keltra::copyText(filename, kDynamicName);
+    nameChanged();
     upload();
     return true;
 }
@@ -245,6 +245,7 @@ bool KTTEXTURE::render(void *data) {
     const unsigned int channel = data ? *static_cast<const unsigned int *>(data) : 0;
     if (channel >= channels) return keltra::failRange("KTTEXTURE::render", "data", channel, channels - 1);
     timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
+    markHeld();
     forgetDeletedGLTexture();
     // The channels share one binding and one switch, so that others may have taken them in the meantime. A
     // texture whose file could not be read is bound as name 0 and tried again at every render.
@@ -287,11 +288,9 @@ bool KTTEXTURE::texturingOff(unsigned int channel) {
     return true;
 }
 
-KTTEXTURE *KTTEXTURE::findByFilename(const char *name) {
-    return keltra::findByText(firstRegistered(), &KTTEXTURE::filename, name);
-}
+KTTEXTURE *KTTEXTURE::findByFilename(const char *name) { return findRegistered(name); }
 
-KTTEXTURE *KTTEXTURE::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
+KTTEXTURE *KTTEXTURE::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 unsigned int KTTEXTURE::getNumberOfTextures() { return count(); }
 

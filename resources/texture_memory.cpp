@@ -7,7 +7,6 @@
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
 #include "resources/mipmap.h"
-#include "resources/unseen_texture.h"
 
 #include <GLES/gl.h>
 
@@ -144,19 +143,12 @@ bool KTTEXTURE::takesPicture(unsigned int width, unsigned int height) {
     return glId && uploadedBpp == 3 && uploadedX >= width && uploadedY >= height;
 }
 
-void KTTEXTURE::letGo(KTTEXTURE &texture) {
-    texture.unload(true);
-    if (!texture.unseen) {
-        for (KTTEXTURE *&cached : channelCache)
-            if (cached == &texture) cached = nullptr;
-        keltra::Holders::forget(&texture);
-    }
-    texture.delist();
-}
-
-void keltra::UnseenTexture::destroy(KTTEXTURE *texture) {
-    texture->unseen = true;
-    delete texture;
+void KTTEXTURE::release() {
+    unload(true);
+    for (KTTEXTURE *&cached : channelCache)
+        if (cached == this) cached = nullptr;
+    keltra::OnGone<KTTEXTURE>::notify(this, isHeld());
+    delist();
 }
 
 bool KTTEXTURE::garbageCollect(unsigned long limit) {
@@ -186,4 +178,4 @@ bool KTTEXTURE::garbageCollect(unsigned long limit) {
     return true;
 }
 
-bool KTTEXTURE::cleanUp() { return destroyAll(); }
+bool KTTEXTURE::cleanUp() { return destroyAll(&KTTEXTURE::release); }

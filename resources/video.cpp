@@ -4,25 +4,32 @@
 #include <keltra/texture.h>
 
 #include "core/gl_state.h"
+#include "core/holders.h"
 #include "foundation/argument.h"
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "foundation/file_bytes.h"
-#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 #include "resources/video_stream.h"
 
 #include <GLES/gl.h>
 
-#include <cstdio>
 #include <cstring>
 
+template <>
+struct keltra::PublicFields<KTVIDEO> {
+    static constexpr auto name = &KTVIDEO::filename;
+    static constexpr auto previous = &KTVIDEO::previous, next = &KTVIDEO::next;
+    static constexpr KTVIDEO **first = &KTVIDEO::firstVideo;
+};
 template class KTREGISTERED<KTVIDEO>;
 
 const unsigned int KTVIDEO::maxSize;
 KTVIDEO *KTVIDEO::firstVideo = nullptr;
 char KTVIDEO::mpgPath[256] = "";
+KTLISTED<KTVIDEO> *KTVIDEO::allVideos = nullptr;
+const keltra::OnGone<KTTEXTURE> KTVIDEO::onTextureGone(&KTVIDEO::forgetTexture);
 
 static_assert(KTVIDEO::maxSize == KTTEXTURE::maxSize, "what is decoded can be shown");
 
@@ -31,14 +38,15 @@ KTVIDEO::KTVIDEO()
       previous(nullptr),
       next(nullptr),
       status(KT_VIDEO_STOPPED),
-      stream(static_cast<KTVIDEOSTREAM *>(keltra::newBlock(sizeof(KTVIDEOSTREAM)))),
-      countsTexture(false) {
+      stream(static_cast<KTVIDEOSTREAM *>(keltra::newBlock(sizeof(KTVIDEOSTREAM)))) {
+    joinList(allVideos);
     if (stream) std::memset(stream, 0, sizeof *stream);
     id = enlist();
-    std::snprintf(filename, sizeof filename, "[video %d]", static_cast<int>(id));
+    keltra::writeName(filename, "[video %d]", id);
 }
 
-KTVIDEO::KTVIDEO(const KTVIDEO &other) : KTREGISTERED<KTVIDEO>(other) {
+KTVIDEO::KTVIDEO(const KTVIDEO &other) : KTREGISTERED<KTVIDEO>(other), KTLISTED<KTVIDEO>() {
+    joinList(allVideos);
     copyFields(other);
     stream = static_cast<KTVIDEOSTREAM *>(keltra::retainBlock(other.stream));
 }
@@ -47,13 +55,14 @@ KTVIDEO &KTVIDEO::operator=(const KTVIDEO &other) {
     if (this == &other) return *this;
     void *shared = keltra::retainBlock(other.stream);
     keltra::releaseBlock(stream);
-    releaseTexture();
+    textureUse.take(texture);
     copyFields(other);
+    fieldsAssigned();
     stream = static_cast<KTVIDEOSTREAM *>(shared);
     return *this;
 }
 
-KTVIDEO::~KTVIDEO() { letGo(*this); }
+KTVIDEO::~KTVIDEO() { release(); }
 
 void KTVIDEO::copyFields(const KTVIDEO &other) {
     id = other.id;
@@ -63,54 +72,32 @@ void KTVIDEO::copyFields(const KTVIDEO &other) {
     next = other.next;
     status = other.status;
     stream = other.stream;
-    countsTexture = false;
-}
-
-void KTVIDEO::setLink(KTVIDEO &video, KTVIDEO *before, KTVIDEO *after) {
-    video.previous = before;
-    video.next = after;
 }
 
 // Deliberate: a film that is open keeps its file and decoder, which applications may have taken from the
 // stream. They close it with `load(nullptr)`.
-void KTVIDEO::letGo(KTVIDEO &video) {
-    video.releaseTexture();
-    keltra::releaseBlock(video.stream);
-    video.stream = nullptr;
-    video.delist();
+void KTVIDEO::release() {
+    textureUse.take(texture);
+    keltra::releaseBlock(stream);
+    stream = nullptr;
+    delist();
 }
 
-bool KTVIDEO::cleanUp() { return destroyAll(); }
+bool KTVIDEO::cleanUp() { return destroyAll(&KTVIDEO::release); }
 
 unsigned int KTVIDEO::getNumberOfVideos() { return count(); }
 
-KTVIDEO *KTVIDEO::findByFilename(const char *name) {
-    return keltra::findByText(firstRegistered(), &KTVIDEO::filename, name);
-}
+KTVIDEO *KTVIDEO::findByFilename(const char *name) { return findRegistered(name); }
 
-KTVIDEO *KTVIDEO::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
+KTVIDEO *KTVIDEO::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 void KTVIDEO::setMPGPath(const char *path) { keltra::takeText(mpgPath, path, "KTVIDEO::setMPGPath"); }
 
-void KTVIDEO::releaseTexture() {
-    if (texture && countsTexture) texture->decReferences();
-    texture = nullptr;
-    countsTexture = false;
-}
+void KTVIDEO::setTexture(KTTEXTURE *target) { textureUse.set(texture, target); }
 
-void KTVIDEO::setTexture(KTTEXTURE *target) {
-    if (target) target->incReferences();
-    releaseTexture();
-    texture = target;
-    countsTexture = target != nullptr;
-}
-
-void KTVIDEO::forgetTexture(const KTTEXTURE *gone) {
-    for (KTVIDEO *video = firstAlive(); video; video = video->nextAlive()) {
-        if (video->texture != gone) continue;
-        video->texture = nullptr;
-        video->countsTexture = false;
-    }
+void KTVIDEO::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
+    visitList(allVideos, keltra::searchedFor(isHeld),
+              [gone](KTVIDEO &video) { video.textureUse.forget(video.texture, gone); });
 }
 
 bool KTVIDEO::load(const char *name) {
@@ -125,6 +112,7 @@ bool KTVIDEO::load(const char *name) {
     if (!keltra::hasVideo()) return keltra::failState("KTVIDEO::load", "the library is built without video");
     if (!keltra::openStream(*stream, path.text)) return scope.fail(KT_FAULT_OUT_OF_MEMORY);
     keltra::copyText(filename, name);
+    nameChanged();
     return true;
 }
 

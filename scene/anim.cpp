@@ -4,12 +4,10 @@
 #include <keltra/node.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
 #include "foundation/argument.h"
 #include "foundation/fault.h"
-#include "foundation/find.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 #include "scene/tree_walk.h"
@@ -17,6 +15,12 @@
 template <>
 struct keltra::ObjectMemory<KTANIM> {
     static const bool isCleared = true;
+};
+template <>
+struct keltra::PublicFields<KTANIM> {
+    static constexpr auto name = &KTANIM::name;
+    static constexpr auto previous = &KTANIM::previous, next = &KTANIM::next;
+    static constexpr KTANIM **first = &KTANIM::firstAnim;
 };
 template class KTREGISTERED<KTANIM>;
 
@@ -89,13 +93,15 @@ KTANIM::KTANIM()
       next(nullptr) {
     if (!isFromNew()) clearGrid();
     id = enlist();
-    std::snprintf(name, sizeof name, "[anim %d]", static_cast<int>(id));
+    keltra::writeName(name, "[anim %d]", id);
 }
 
 KTANIM::KTANIM(const KTANIM &other) : KTREGISTERED<KTANIM>(other) { copyFields(other); }
 
 KTANIM &KTANIM::operator=(const KTANIM &other) {
-    if (this != &other) copyFields(other);
+    if (this == &other) return *this;
+    copyFields(other);
+    fieldsAssigned();
     return *this;
 }
 
@@ -116,22 +122,13 @@ void KTANIM::copyFields(const KTANIM &other) {
     next = other.next;
 }
 
-void KTANIM::setLink(KTANIM &anim, KTANIM *before, KTANIM *after) {
-    anim.previous = before;
-    anim.next = after;
-}
-
-void KTANIM::letGo(KTANIM &anim) { anim.delist(); }
-
-bool KTANIM::cleanUp() { return destroyAll(); }
+bool KTANIM::cleanUp() { return destroyAll(&KTANIM::release); }
 
 unsigned int KTANIM::getNumberOfAnims() { return count(); }
 
-KTANIM *KTANIM::findByFilename(const char *text) {
-    return keltra::findByText(firstRegistered(), &KTANIM::name, text);
-}
+KTANIM *KTANIM::findByFilename(const char *text) { return findRegistered(text); }
 
-KTANIM *KTANIM::findById(unsigned int wanted) { return keltra::findById(firstRegistered(), wanted); }
+KTANIM *KTANIM::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 void KTANIM::setKTAPath(const char *path) { keltra::takeText(ktaPath, path, "KTANIM::setKTAPath"); }
 

@@ -81,6 +81,7 @@ bool KTANIM::load(const char *fileName) {
     for (unsigned int frame = 0; frame < record.frames; ++frame)
         for (unsigned int bone = 0; bone < record.bones; ++bone) readKeyframe(reader, keyframes[frame][bone]);
     keltra::copyText(name, fileName);
+    nameChanged();
     return true;
 }
 

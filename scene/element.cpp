@@ -11,6 +11,7 @@
 #include <new>
 
 #include "core/glbridge.h"
+#include "core/holders.h"
 #include "formats/limits.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
@@ -33,6 +34,7 @@ unsigned int KTELEMENT::numberOfElements = 0;
 unsigned int KTELEMENT::numberOfPassedElements = 0;
 unsigned int KTELEMENT::numberOfLights = 0;
 unsigned int KTELEMENT::numberOfTransparencies = 0;
+const keltra::OnGone<KTNODE> KTELEMENT::onNodeGone(&KTELEMENT::forget);
 
 namespace {
 
@@ -241,7 +243,8 @@ bool KTELEMENT::passSkeleton(KTNODE *bone, KTMESH *mesh) {
 
 KTELEMENT *KTELEMENT::getLight(unsigned int i) { return i < numberOfLights ? elementPointer[i] : nullptr; }
 
-void KTELEMENT::forget(const KTNODE *gone) {
+// Deliberate: also what is not held; the list is short, and a pass does not mark what it appends.
+void KTELEMENT::forget(const KTNODE *gone, bool) {
     for (unsigned int i = 0; i < numberOfPassedElements; ++i)
         if (element[i].node == gone) element[i].node = nullptr;
 }

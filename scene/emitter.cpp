@@ -23,6 +23,7 @@
 #include <new>
 
 #include "core/gl_state.h"
+#include "core/holders.h"
 #include "formats/blend_factor.h"
 #include "formats/limits.h"
 #include "math/float_bits.h"
@@ -39,7 +40,8 @@ R3XVECTOR4D *KTEMITTER::vertexArray = nullptr;
 R3XVECTOR2D *KTEMITTER::uvArray = nullptr;
 R3XVECTOR2D *KTEMITTER::uvSecondaryArray = nullptr;
 unsigned char *KTEMITTER::colorArray = nullptr;
-KTEMITTER *KTEMITTER::firstEmitter = nullptr;
+KTLISTED<KTEMITTER> *KTEMITTER::allEmitters = nullptr;
+const keltra::OnGone<KTTEXTURE> KTEMITTER::onTextureGone(&KTEMITTER::forgetTexture);
 
 // What all particles of one draw have in common.
 struct KTEMITTER::BILLBOARD {
@@ -189,9 +191,8 @@ KTEMITTER::KTEMITTER()
       upVector(0.0f, 1.0f, 0.0f),
       texture(nullptr),
       blendingSrc(GL_SRC_ALPHA),
-      blendingDst(GL_ONE_MINUS_SRC_ALPHA),
-      ownsTexture(false) {
-    joinEmitters();
+      blendingDst(GL_ONE_MINUS_SRC_ALPHA) {
+    KTLISTED<KTEMITTER>::joinList(allEmitters);
     std::fill(slot, slot + maxParticles, -1);
     colorStart = randomColor();
     setColorEnd(randomColor());
@@ -199,9 +200,9 @@ KTEMITTER::KTEMITTER()
     setIdentity(KT_EMITTER, "[emitter %d]");
 }
 
-KTEMITTER::KTEMITTER(const KTEMITTER &other) : KTNODE(other) {
+KTEMITTER::KTEMITTER(const KTEMITTER &other) : KTNODE(other), KTLISTED<KTEMITTER>() {
     joinClass(KT_EMITTER);
-    joinEmitters();
+    KTLISTED<KTEMITTER>::joinList(allEmitters);
     std::fill(slot, slot + maxParticles, -1);
     copyEmitter(other);
 }
@@ -210,23 +211,14 @@ KTEMITTER &KTEMITTER::operator=(const KTEMITTER &other) {
     if (this == &other) return *this;
     KTNODE::operator=(other);
     releaseSlots(0);
-    releaseTexture();
+    destroyUnused(textureUse.take(texture));
     copyEmitter(other);
     return *this;
 }
 
 KTEMITTER::~KTEMITTER() {
     releaseSlots(0);
-    releaseTexture();
-    (previousEmitter ? previousEmitter->nextEmitter : firstEmitter) = nextEmitter;
-    if (nextEmitter) nextEmitter->previousEmitter = previousEmitter;
-}
-
-void KTEMITTER::joinEmitters() {
-    previousEmitter = nullptr;
-    nextEmitter = firstEmitter;
-    if (nextEmitter) nextEmitter->previousEmitter = this;
-    firstEmitter = this;
+    destroyUnused(textureUse.take(texture));
 }
 
 // Copies everything but the particles, which the other keeps.
@@ -252,7 +244,6 @@ void KTEMITTER::copyEmitter(const KTEMITTER &other) {
     texture = other.texture;
     blendingSrc = other.blendingSrc;
     blendingDst = other.blendingDst;
-    ownsTexture = false;
 }
 
 bool KTEMITTER::init() {
@@ -278,10 +269,10 @@ bool KTEMITTER::init() {
 
 bool KTEMITTER::free() {
     if (!particle) return keltra::failState("KTEMITTER::free", keltra::kInactive);
-    for (KTEMITTER *emitter = firstEmitter; emitter; emitter = emitter->nextEmitter) {
-        emitter->releaseSlots(0);
-        emitter->initialized = false;
-    }
+    KTLISTED<KTEMITTER>::visitList(allEmitters, ~0u, [](KTEMITTER &emitter) {
+        emitter.releaseSlots(0);
+        emitter.initialized = false;
+    });
     numberbOfParticlesUsed = 0;
     freeArrays();
     return true;
@@ -312,29 +303,16 @@ void KTEMITTER::setNumberOfParticles(int number) {
     if (wanted > 0 && slot[wanted - 1] < 0) initialized = false;
 }
 
-// The new use counts first: it may be the same texture.
-void KTEMITTER::setTexture(KTTEXTURE *value) {
-    if (value) value->incReferences();
-    releaseTexture();
-    texture = value;
-    ownsTexture = value != nullptr;
+void KTEMITTER::setTexture(KTTEXTURE *value) { destroyUnused(textureUse.set(texture, value)); }
+
+void KTEMITTER::destroyUnused(KTTEXTURE *former) {
+    if (former && former->getReferences() <= 0) KTTEXTURE::destroy(*former);
 }
 
-void KTEMITTER::releaseTexture() {
-    KTTEXTURE *released = ownsTexture ? texture : nullptr;
-    texture = nullptr;
-    ownsTexture = false;
-    if (!released) return;
-    released->decReferences();
-    if (released->getReferences() <= 0) KTTEXTURE::destroy(*released);
-}
-
-void KTEMITTER::forgetTexture(const KTTEXTURE *gone) {
-    for (KTEMITTER *emitter = firstEmitter; emitter; emitter = emitter->nextEmitter) {
-        if (emitter->texture != gone) continue;
-        emitter->texture = nullptr;
-        emitter->ownsTexture = false;
-    }
+void KTEMITTER::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
+    KTLISTED<KTEMITTER>::visitList(allEmitters, keltra::searchedFor(isHeld), [gone](KTEMITTER &emitter) {
+        emitter.textureUse.forget(emitter.texture, gone);
+    });
 }
 
 // The slots are public: an index outside the pool holds nothing.

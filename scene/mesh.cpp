@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <new>
 
+#include "core/holders.h"
 #include "formats/limits.h"
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
-#include "scene/node_class.h"
 
 static_assert(KTMESH::maxSkins == keltra::kMaxSkins && KTMESH::maxBones == keltra::kMaxSkinBones,
               "as the checks of scene files say");
@@ -24,6 +24,8 @@ R3XMATRIX KTMESH::skinMatrices[maxBones];
 float KTMESH::boneQuaternions[maxBones][4] = {};
 float KTMESH::boneTranslations[maxBones][3] = {};
 bool KTMESH::normalsShown = false;
+KTLISTED<KTMESH> *KTMESH::allMeshes = nullptr;
+const keltra::OnGone<KTMATERIAL> KTMESH::onMaterialGone(&KTMESH::forgetMaterial);
 
 namespace {
 
@@ -62,13 +64,14 @@ KTMESH::KTMESH()
       lineIndices(nullptr),
       linesMadeFrom(),
       normalLines(nullptr),
-      normalsMadeFrom(),
-      holdsMaterial(false) {
+      normalsMadeFrom() {
+    KTLISTED<KTMESH>::joinList(allMeshes);
     joinClass(KT_MESH);
     setIdentity(KT_MESH, "[mesh %d]");
 }
 
-KTMESH::KTMESH(const KTMESH &other) : KTNODE(other), holdsMaterial(false) {
+KTMESH::KTMESH(const KTMESH &other) : KTNODE(other), KTLISTED<KTMESH>() {
+    KTLISTED<KTMESH>::joinList(allMeshes);
     joinClass(KT_MESH);
     copyMesh(other);
 }
@@ -93,6 +96,7 @@ void KTMESH::copyMesh(const KTMESH &other) {
     minimum = other.minimum;
     maximum = other.maximum;
     material = other.material;
+    if (material) material->markHeld();
     shadowCaster = other.shadowCaster;
     closed = other.closed;
     hidden = other.hidden;
@@ -122,7 +126,7 @@ void KTMESH::copyMesh(const KTMESH &other) {
 }
 
 void KTMESH::releaseMesh() {
-    setMaterial(nullptr);
+    materialUse.take(material);
     keltra::releaseBlock(dataBlock);
     keltra::releaseBlock(influenceBones);
     keltra::releaseBlock(influenceWeights);
@@ -134,23 +138,11 @@ void KTMESH::releaseMesh() {
     keltra::releaseBlock(normalLines);
 }
 
-void KTMESH::setMaterial(KTMATERIAL *value) {
-    if (value) value->incReferences();
-    if (material && holdsMaterial) material->decReferences();
-    material = value;
-    holdsMaterial = value != nullptr;
-}
+void KTMESH::setMaterial(KTMATERIAL *value) { materialUse.set(material, value); }
 
-// Copies refer to a material too, so every existing mesh is checked.
-void KTMESH::forgetMaterial(const KTMATERIAL *gone) {
-    // A pointer to the protected member, taken through this class, may be used on any node.
-    KTNODE *(KTREGISTERED<KTNODE>::*next)() const = &KTMESH::nextAlive;
-    for (KTNODE *node = firstAlive(); node; node = (node->*next)()) {
-        KTMESH *mesh = keltra::as<KTMESH>(node);
-        if (!mesh || mesh->material != gone) continue;
-        mesh->material = nullptr;
-        mesh->holdsMaterial = false;
-    }
+void KTMESH::forgetMaterial(const KTMATERIAL *gone, bool isHeld) {
+    KTLISTED<KTMESH>::visitList(allMeshes, keltra::searchedFor(isHeld),
+                                [gone](KTMESH &mesh) { mesh.materialUse.forget(mesh.material, gone); });
 }
 
 bool KTMESH::init() {

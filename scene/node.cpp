@@ -1,6 +1,5 @@
 #include <keltra/node.h>
 
-#include <cstdio>
 #include <cstring>
 
 #include "core/holders.h"
@@ -8,6 +7,12 @@
 #include "foundation/block.h"
 #include "foundation/registry.h"
 
+template <>
+struct keltra::PublicFields<KTNODE> {
+    static constexpr auto name = &KTNODE::name;
+    static constexpr auto previous = &KTNODE::previousNode, next = &KTNODE::nextNode;
+    static constexpr decltype(nullptr) first = nullptr;
+};
 template class KTREGISTERED<KTNODE>;
 
 namespace {
@@ -34,14 +39,12 @@ KTNODE::KTNODE()
       parent(nullptr),
       children(nullptr),
       maximized(true),
-      classes(0),
       borrows(false),
-      targeted(false),
+      aiming(nullptr),
+      classes(0),
       slot(0),
       taken(0),
-      listedBy(nullptr),
-      previousBorrower(nullptr),
-      nextBorrower(nullptr) {
+      listedBy(nullptr) {
     id = enlist();
     setIdentity(KT_NODE, "[node %d]");
 }
@@ -50,25 +53,27 @@ KTNODE::KTNODE(bool) : KTNODE() {}
 
 KTNODE::KTNODE(const KTNODE &other)
     : KTREGISTERED<KTNODE>(other),
+      KTLISTED<KTNODE>(),
+      KTLISTED<KTNODE, keltra::Aiming>(),
       children(nullptr),
       maximized(true),
-      classes(0),
       borrows(false),
-      targeted(false),
+      aiming(nullptr),
+      classes(0),
       slot(0),
       taken(0),
-      listedBy(nullptr),
-      previousBorrower(nullptr),
-      nextBorrower(nullptr) {
-    borrow(nullptr);
+      listedBy(nullptr) {
     copyFields(other);
+    borrow(nullptr);
 }
 
 KTNODE &KTNODE::operator=(const KTNODE &other) {
     if (this == &other) return *this;
-    borrow(lister());
+    KTNODE *const listing = lister();
     if (children != other.children) abandonChildren();
     copyFields(other);
+    borrow(listing);
+    fieldsAssigned();
     return *this;
 }
 
@@ -101,7 +106,7 @@ void KTNODE::copyFields(const KTNODE &other) {
     origin = other.origin;
     direction = other.direction;
     target = other.target;
-    targetNode = other.targetNode;
+    aimAt(other.targetNode);
     matrix = other.matrix;
     cachedMatrix = other.cachedMatrix;
     previousNode = other.previousNode;
@@ -114,21 +119,8 @@ void KTNODE::copyFields(const KTNODE &other) {
 
 void KTNODE::setIdentity(unsigned int typeCode, const char *pattern) {
     type = typeCode;
-    std::snprintf(name, sizeof name, pattern, id);
-}
-
-void KTNODE::setLink(KTNODE &node, KTNODE *previous, KTNODE *next) {
-    node.previousNode = previous;
-    node.nextNode = next;
-}
-
-void KTNODE::setFirst(KTNODE *) {}
-
-// For a node that is not on the heap. It keeps its place in the tree, and what it owns until its own
-// destructor.
-void KTNODE::letGo(KTNODE &node) {
-    node.borrow(node.lister());
-    node.delist();
+    keltra::writeName(name, pattern, id);
+    nameChanged();
 }
 
 // Drops every pointer of a borrower to a node that is being destroyed.
@@ -144,18 +136,16 @@ void KTNODE::forget(const KTNODE *gone) {
 }
 
 void KTNODE::forgetEverywhere() {
-    keltra::Holders::forget(this);
-    if (borrows) {
-        (previousBorrower ? previousBorrower->nextBorrower : firstBorrower) = nextBorrower;
-        if (nextBorrower) nextBorrower->previousBorrower = previousBorrower;
-    }
-    for (KTNODE *node = firstBorrower; node; node = node->nextBorrower) node->forget(this);
-    if (!targeted) return;
-    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
+    using Aimer = KTLISTED<KTNODE, keltra::Aiming>;
+    keltra::OnGone<KTNODE>::notify(this, isHeld());
+    if (isHeld()) KTLISTED<KTNODE>::visitList(borrowers, ~0u, [this](KTNODE &node) { node.forget(this); });
+    while (KTNODE *node = Aimer::objectAt(aiming)) {
+        node->Aimer::leaveList();
         if (node->targetNode == this) node->targetNode = nullptr;
+    }
 }
 
-bool KTNODE::cleanUp() { return destroyAll(); }
+bool KTNODE::cleanUp() { return destroyAll(&KTNODE::release); }
 
 unsigned int KTNODE::getNumberOfNodes() { return count(); }
 
@@ -165,7 +155,13 @@ KTNODE *KTNODE::getNextNode() const { return isRegistered() ? registeredNext() :
 
 KTNODE *KTNODE::getPreviousNode() const { return isRegistered() ? registeredPrevious() : previousNode; }
 
-void KTNODE::setName(const char *text) { keltra::takeName(name, text, "KTNODE::setName"); }
+KTNODE *KTNODE::findByName(const char *wanted) { return findRegistered(wanted); }
+
+KTNODE *KTNODE::findById(unsigned int wanted) { return findRegistered(wanted); }
+
+void KTNODE::setName(const char *text) {
+    if (keltra::takeName(name, text, "KTNODE::setName")) nameChanged();
+}
 
 const char *KTNODE::getTypeName() const { return type < kTypeNames ? typeNames[type] : "unknown"; }
 
@@ -198,8 +194,14 @@ void KTNODE::rotate(float x, float y) { setRotation(rotation.x + x, rotation.y +
 void KTNODE::rotate(float x, float y, float z) { rotate(R3XVECTOR3D(x, y, z)); }
 void KTNODE::rotate(R3XVECTOR3D step) { rotation += step; }
 
+void KTNODE::setTargetNode(KTNODE *node) { aimAt(node); }
+
 // Aiming at itself is how a node aims at its fixed target; that pointer dies with the node.
-void KTNODE::setTargetNode(KTNODE *node) {
+void KTNODE::aimAt(KTNODE *node) {
+    using Aimer = KTLISTED<KTNODE, keltra::Aiming>;
     targetNode = node;
-    if (node && node != this) node->targeted = true;
+    if (node && node != this)
+        Aimer::joinList(node->aiming);
+    else
+        Aimer::leaveList();
 }

@@ -5,7 +5,7 @@
 
 #include "foundation/block.h"
 
-KTNODE *KTNODE::firstBorrower = nullptr;
+KTLISTED<KTNODE> *KTNODE::borrowers = nullptr;
 
 namespace {
 
@@ -24,12 +24,12 @@ std::size_t roomOf(KTNODE *const *children) { return keltra::roomOf(children) / 
 // Joins the borrowers; `listingNode` is the node that lists this one among its children.
 void KTNODE::borrow(KTNODE *listingNode) {
     listedBy = listingNode;
-    if (borrows) return;
     borrows = true;
-    previousBorrower = nullptr;
-    nextBorrower = firstBorrower;
-    if (nextBorrower) nextBorrower->previousBorrower = this;
-    firstBorrower = this;
+    KTLISTED<KTNODE>::joinList(borrowers);
+    for (KTNODE *shown : {parent, listedBy, previousNode, nextNode, targetNode})
+        if (shown) shown->markHeld();
+    for (unsigned int i = 0; i < numberOfChildren; ++i)
+        if (KTNODE *child = getChild(i)) child->markHeld();
 }
 
 // Makes room for `count` children, all empty, in place of the present ones. False when out of memory.
@@ -53,15 +53,19 @@ KTNODE *KTNODE::getChild(unsigned int index) const {
     return children && index < numberOfChildren ? children[index] : nullptr;
 }
 
-// Index of a child, or the number of children when it is not listed. Children in front of one that was
-// unlinked from the front half may be behind their expected index, the others before it: the search goes
-// outward. Destroying many children of one parent, or unlinking them from either end, takes one comparison
-// each.
+// Index of a child, or the number of children when it is not listed. Destroying many children of one parent,
+// or unlinking them from either end, takes one comparison each. When others between were unlinked, the child
+// is about as far from the first and the last one as its slot is from theirs; the search goes outward.
 unsigned int KTNODE::findChild(const KTNODE *child) const {
     if (!children || numberOfChildren == 0) return numberOfChildren;
-    const std::int64_t expected = static_cast<std::int32_t>(child->slot - taken);
     const std::int64_t last = std::int64_t{numberOfChildren} - 1;
-    std::int64_t before = std::clamp<std::int64_t>(expected, 0, last), behind = before + 1;
+    std::int64_t before = std::clamp<std::int64_t>(static_cast<std::int32_t>(child->slot - taken), 0, last);
+    if (children[before] != child && last >= kFirstRoom && children[0] && children[last]) {
+        const unsigned int span = children[last]->slot - children[0]->slot;
+        const unsigned int place = child->slot - children[0]->slot;
+        if (place < span) before = static_cast<std::int64_t>(std::uint64_t{place} * last / span);
+    }
+    std::int64_t behind = before + 1;
     for (; before >= 0 || behind <= last; --before, ++behind) {
         if (before >= 0 && children[before] == child) return static_cast<unsigned int>(before);
         if (behind <= last && children[behind] == child) return static_cast<unsigned int>(behind);

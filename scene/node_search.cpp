@@ -13,19 +13,6 @@ bool isNamed(const KTNODE &node, const char *name) {
 
 }  // namespace
 
-KTNODE *KTNODE::findByName(const char *name) {
-    if (!name) return nullptr;
-    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
-        if (isNamed(*node, name)) return node;
-    return nullptr;
-}
-
-KTNODE *KTNODE::findById(unsigned int id) {
-    for (KTNODE *node = firstRegistered(); node; node = node->registeredNext())
-        if (node->id == id) return node;
-    return nullptr;
-}
-
 KTNODE *KTNODE::findByNameInHierarchy(const char *name) {
     if (!name) return nullptr;
     return keltra::walkTree(this, [name](KTNODE *node, unsigned int) {

@@ -32,7 +32,9 @@ bool KTNODE::link(KTNODE *newParent) {
     if (borrows) {
         leaveLister();
         listedBy = newParent;
+        newParent->markHeld();
     }
+    if (newParent->borrows) markHeld();
     const unsigned int count = newParent->numberOfChildren;
     newParent->children[count] = this;
     newParent->numberOfChildren = count + 1;

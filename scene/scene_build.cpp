@@ -14,7 +14,6 @@
 #include "formats/trusted_record.h"
 #include "foundation/file_bytes.h"
 #include "foundation/name_index.h"
-#include "resources/unseen_texture.h"
 #include "scene/bone_finder.h"
 #include "scene/mesh_build.h"
 #include "scene/node_class.h"
@@ -46,7 +45,7 @@ KTTEXTURE *acquireTexture(Resources &resources, const char *name) {
     if (!texture) return keltra::warnMemory("KELTRA::load"), nullptr;
     const keltra::FaultOptional optional;
     if (!texture->load(name)) {
-        keltra::UnseenTexture::destroy(texture);
+        delete texture;
         return nullptr;
     }
     resources.textures.add(texture);

@@ -117,11 +117,8 @@ class KT_API KTANIM : public KTREGISTERED<KTANIM> {
     static char ktaPath[256];
 
    private:
-    friend class KTREGISTERED<KTANIM>;
-    static void setLink(KTANIM &anim, KTANIM *before, KTANIM *after);
-    static void setFirst(KTANIM *first) { firstAnim = first; }
-    static void letGo(KTANIM &anim);
     void clearGrid();
+    void release() { delist(); }
     void copyFields(const KTANIM &other);
     KTBONEFRAME *settable(unsigned int frame, unsigned int bone);
     void interpolate(unsigned int bone, unsigned int from, unsigned int to);

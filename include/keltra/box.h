@@ -4,8 +4,10 @@
 #include <keltra/node.h>
 
 namespace keltra {
-class Holders;
-}
+template <class T>
+class OnGone;
+struct Part;  // the list of the parts of a box
+}  // namespace keltra
 
 class KTFONT;
 class KTSHADER;
@@ -29,7 +31,7 @@ class KT_API KTBOXCOORD {
  * Pass the outermost ones between `KELTRA::begin2D` and `end2D`, then hand pointer and keys to
  * `KTELEMENT::manageGUIEvents`. Textures and shaders are not owned; they are forgotten when they are
  * destroyed. */
-class KT_API KTBOX : public KTNODE {
+class KT_API KTBOX : public KTNODE, public KTLISTED<KTBOX>, public KTLISTED<KTBOX, keltra::Part> {
    public:
     /** 64 x 64 pixels, grey, opaque, in front of all older boxes; displayed, not checked, static. */
     KTBOX();
@@ -119,30 +121,29 @@ class KT_API KTBOX : public KTNODE {
     KTBOXCOORD boxCoord;
 
    protected:
-    /** For windows and scroll bars: `part` is a box that this one has made and points to; both pointers end
-     * with either of them. */
-    void makePart(KTBOX &part) { part.partOf = this; }
-    /** For windows and scroll bars that take over the pointers of others: to parts that they do not own. */
-    void joinSharers();
+    /** For windows and scroll bars: `part` is a box that this one has made, points to and owns; the pointer
+     * is cleared when the part is destroyed. */
+    void makePart(KTBOX &part);
+    /** For their destructors. */
+    void destroyParts();
 
    private:
-    friend class keltra::Holders;
-    static void forgetFont(const KTFONT *gone);
-    static void forgetShader(const KTSHADER *gone);
-    static void forgetTexture(const KTTEXTURE *gone);
+    static void forgetFont(const KTFONT *gone, bool isHeld);
+    static void forgetShader(const KTSHADER *gone, bool isHeld);
+    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
     void copyBox(const KTBOX &other);
-    void joinBoxes();
-    void leaveSharers();
     void forgetPart();
     void losePart(const KTBOX *gone);
+    template <class Visit>
+    static void visitAll(bool isHeld, Visit visit);
 
+    static const keltra::OnGone<KTFONT> onFontGone;
+    static const keltra::OnGone<KTSHADER> onShaderGone;
+    static const keltra::OnGone<KTTEXTURE> onTextureGone;
     static long counter;
-    static KTBOX *firstBox;  // all boxes in existence, copies too
-    KTBOX *previousBox, *nextBox;
-    KTBOX *partOf;              // the window or scroll bar that made this box as a part of it
-    static KTBOX *firstSharer;  // windows and scroll bars that were copied: they point to others' parts
-    KTBOX *previousSharer, *nextSharer;
-    bool sharing;
+    static KTLISTED<KTBOX> *allBoxes;
+    KTLISTED<KTBOX, keltra::Part> *parts;
+    KTBOX *partOf;  // the window or scroll bar that made this box as a part of it
 };
 
 #endif

@@ -22,7 +22,7 @@ class KT_API KTBUTTON : public KTBOX {
     ~KTBUTTON() override;
 
     /** Font of the caption; without one no caption is drawn. */
-    void setFont(KTFONT *newFont) { font = newFont; }
+    void setFont(KTFONT *newFont);
     /** Null and text of 256 characters or more leave the caption as it was. */
     void setCaption(const char *text);
     const char *getCaption() const { return caption; }

@@ -5,7 +5,8 @@
 #include <keltra/vector.h>
 
 namespace keltra {
-class Holders;
+template <class T>
+class OnGone;
 }
 
 class KTMESH;
@@ -100,10 +101,11 @@ class KT_API KTELEMENT {
     static unsigned int numberOfTransparencies;
 
    private:
-    friend class keltra::Holders;
     static void append(KTNODE *node);
     static void passSkin(KTMESH *mesh, KTELEMENT &entry);
-    static void forget(const KTNODE *gone);
+    static void forget(const KTNODE *gone, bool isHeld);
+
+    static const keltra::OnGone<KTNODE> onNodeGone;
 };
 
 #endif

@@ -4,7 +4,8 @@
 #include <keltra/node.h>
 
 namespace keltra {
-class Holders;
+template <class T>
+class OnGone;
 }
 
 class KTTEXTURE;
@@ -34,7 +35,7 @@ class KT_API KTPARTICLE {
  * triangles, though there are four corners each. Of every three particles, the first and the third show one
  * half of their square, and two more triangles span the gaps between the three. An image that keeps to the
  * right quarter of its texture is seen whole on two of three particles, without those. */
-class KT_API KTEMITTER : public KTNODE {
+class KT_API KTEMITTER : public KTNODE, public KTLISTED<KTEMITTER> {
    public:
     static const unsigned int poolSize = 1024;
     static const unsigned int maxParticles = 512;  ///< of an emitter
@@ -157,13 +158,11 @@ class KT_API KTEMITTER : public KTNODE {
     static unsigned char *colorArray;
 
    private:
-    friend class keltra::Holders;
     struct BILLBOARD;
-    static void forgetTexture(const KTTEXTURE *gone);
+    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
     static void freeArrays();
     void copyEmitter(const KTEMITTER &other);
-    void joinEmitters();
-    void releaseTexture();
+    static void destroyUnused(KTTEXTURE *former);
     void releaseSlots(unsigned int kept);
     KTPARTICLE *heldParticle(unsigned int index) const;
     bool updateParticle(KTPARTICLE *spawned);
@@ -172,9 +171,9 @@ class KT_API KTEMITTER : public KTNODE {
     void updateParticles();
     void draw();
 
-    static KTEMITTER *firstEmitter;  // all emitters in existence, copies too
-    KTEMITTER *previousEmitter, *nextEmitter;
-    bool ownsTexture;
+    static const keltra::OnGone<KTTEXTURE> onTextureGone;
+    static KTLISTED<KTEMITTER> *allEmitters;
+    KTUSE textureUse;
 };
 
 #endif

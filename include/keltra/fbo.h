@@ -4,7 +4,8 @@
 #include <keltra/registered.h>
 
 namespace keltra {
-class Holders;
+template <class T>
+class OnGone;
 }
 
 class KTFBO;
@@ -15,7 +16,7 @@ extern template class KT_API KTREGISTERED<KTFBO>;
 /** An off-screen target on a GL without frame buffer objects: it records a size and a texture and switches
  * the viewport, and only while `KTOPENGL::FBOFlag` is set, which the engine never does. All targets are on
  * one list, which owns those made with `new`. */
-class KT_API KTFBO : public KTREGISTERED<KTFBO> {
+class KT_API KTFBO : public KTREGISTERED<KTFBO>, public KTLISTED<KTFBO> {
    public:
     /** Without a texture, 0 x 0 pixels. */
     KTFBO();
@@ -66,13 +67,12 @@ class KT_API KTFBO : public KTREGISTERED<KTFBO> {
     static KTFBO *currentFbo;
 
    private:
-    friend class KTREGISTERED<KTFBO>;
-    friend class keltra::Holders;
-    static void setLink(KTFBO &target, KTFBO *before, KTFBO *after);
-    static void setFirst(KTFBO *first) { firstFbo = first; }
-    static void letGo(KTFBO &target);
-    static void forgetTexture(const KTTEXTURE *gone);
+    void release();
+    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
     void copyFields(const KTFBO &other);
+
+    static const keltra::OnGone<KTTEXTURE> onTextureGone;
+    static KTLISTED<KTFBO> *allFbos;
 };
 
 #endif

@@ -6,7 +6,8 @@
 #include <keltra/registered.h>
 
 namespace keltra {
-class Holders;
+template <class T>
+class OnGone;
 }
 
 class KTFONT;
@@ -27,7 +28,7 @@ extern template class KT_API KTREGISTERED<KTFONT>;
  * Text may contain escapes of six characters: '^cRGBA' sets the colour, four digits from 0 to 8; '^xNNNN'
  * and '^yNNNN' move what follows by pixels, with a sign as one of the four. Small and capital letters are
  * alike. A '^' at the end of a text, or an escape cut short, ends it. */
-class KT_API KTFONT : public KTREGISTERED<KTFONT> {
+class KT_API KTFONT : public KTREGISTERED<KTFONT>, public KTLISTED<KTFONT> {
    public:
     static const unsigned int maxGlyphs = 1024;      ///< of one batch
     static const unsigned int maxCharacters = 4064;  ///< of a formatted string, with its end
@@ -117,22 +118,19 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT> {
     static unsigned char fontCurrentColor[24];
 
    private:
-    friend class KTREGISTERED<KTFONT>;
-    friend class keltra::Holders;
-    static void setLink(KTFONT &font, KTFONT *before, KTFONT *after);
-    static void setFirst(KTFONT *first) { firstFont = first; }
-    static void letGo(KTFONT &font);
-    static void forgetTexture(const KTTEXTURE *gone);
+    void release();
+    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
     void copyFields(const KTFONT &other);
-    void releaseTexture();
     void queueGlyph(std::int64_t x, std::int64_t y, char c) const;
     void writeGlyph(std::int64_t x, std::int64_t y, char c) const;
     void queueText(std::int64_t x, std::int64_t y, const char *text) const;
 
     bool failTexture(const char *call);
 
-    bool countsTexture;  // this object counted its use of the texture
-    bool toldMissing;    // that there is no texture was told
+    static const keltra::OnGone<KTTEXTURE> onTextureGone;
+    static KTLISTED<KTFONT> *allFonts;
+    KTUSE textureUse;
+    bool toldMissing;  // that there is no texture was told
 };
 
 #endif

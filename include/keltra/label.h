@@ -20,7 +20,7 @@ class KT_API KTLABEL : public KTBOX {
     ~KTLABEL() override;
 
     /** Font of the text; to be set before `write`. */
-    void setFont(KTFONT *newFont) { font = newFont; }
+    void setFont(KTFONT *newFont);
     /** Replaces the text by the formatted one (printf rules), cut at 255 characters. False, with the text
      * unchanged, for null and without a font. */
     bool write(const char *format, ...) KELTRA_LABEL_PRINTF_LIKE;

@@ -7,7 +7,8 @@
 #include <keltra/vector.h>
 
 namespace keltra {
-class Holders;
+template <class T>
+class OnGone;
 }
 
 class KTMATERIAL;
@@ -18,7 +19,7 @@ extern template class KT_API KTREGISTERED<KTMATERIAL>;
 /** The colours, transparency, shininess and textures of a surface. Meshes render their material before
  * drawing. All materials are on one list, which owns those made with `new`; textures and shaders are
  * referred to. */
-class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
+class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL>, public KTLISTED<KTMATERIAL> {
    public:
     static const unsigned int levels = 16;  ///< texture slots
 
@@ -60,7 +61,7 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     /** True when the transparency is not exactly 1. */
     bool isTransparent() const { return transparency != 1.0f; }
     /** Shader in place of the one that the light would choose; null for none. Inert on this GL. */
-    void setShader(KTSHADER *value) { shader = value; }
+    void setShader(KTSHADER *value);
     KTSHADER *getShader() const { return shader; }
     /** Set by the loader for materials of skins; chooses among shaders. */
     void setSkinning(bool status) { skinning = status; }
@@ -89,7 +90,10 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     /** `KELTRA::timeStamp` of the last render. */
     int getTimeStamp() const { return timeStamp; }
     /** Count of uses, by meshes; nothing is destroyed at 0. */
-    void incReferences() { ++references; }
+    void incReferences() {
+        ++references;
+        markHeld();
+    }
     void decReferences() { --references; }
     int getReferences() const { return references; }
     KTMATERIAL *getNext() const { return isRegistered() ? registeredNext() : next; }
@@ -114,16 +118,16 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL> {
     static KTMATERIAL *currentMaterial;
 
    private:
-    friend class KTREGISTERED<KTMATERIAL>;
-    friend class keltra::Holders;
-    static void setLink(KTMATERIAL &material, KTMATERIAL *before, KTMATERIAL *after);
-    static void setFirst(KTMATERIAL *first) { firstMaterial = first; }
-    static void letGo(KTMATERIAL &material);
-    static void forgetTexture(const KTTEXTURE *gone);
-    static void forgetShader(const KTSHADER *gone);
+    void release();
+    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
+    static void forgetShader(const KTSHADER *gone, bool isHeld);
     void copyFields(const KTMATERIAL &other);
     void copySurface(const KTMATERIAL &other);
     KTSHADER *chooseShader(const void *data) const;
+
+    static const keltra::OnGone<KTTEXTURE> onTextureGone;
+    static const keltra::OnGone<KTSHADER> onShaderGone;
+    static KTLISTED<KTMATERIAL> *allMaterials;
 };
 
 #endif

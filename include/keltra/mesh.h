@@ -6,7 +6,8 @@
 #include <keltra/node.h>
 
 namespace keltra {
-class Holders;
+template <class T>
+class OnGone;
 }
 
 class KTELEMENT;
@@ -24,7 +25,7 @@ struct KTBONE {
  * refers to a material, which it does not own. A skinned mesh follows nodes of the tree, its bones, whose
  * matrices the frame's pass collects into one of 16 slots: a seventeenth skinned mesh of a frame is not
  * drawn. */
-class KT_API KTMESH : public KTNODE {
+class KT_API KTMESH : public KTNODE, public KTLISTED<KTMESH> {
    public:
     static const unsigned int maxSkins = 16;   ///< skinned meshes a frame
     static const unsigned int maxBones = 100;  ///< bones a skin
@@ -125,7 +126,6 @@ class KT_API KTMESH : public KTNODE {
     static bool normalsShown;
 
    private:
-    friend class keltra::Holders;
     struct DRAWING;
     // What an array was made from: it is made anew once the application has put another one in place.
     struct SOURCE {
@@ -134,7 +134,7 @@ class KT_API KTMESH : public KTNODE {
     };
     void copyMesh(const KTMESH &other);
     void releaseMesh();
-    static void forgetMaterial(const KTMATERIAL *gone);
+    static void forgetMaterial(const KTMATERIAL *gone, bool isHeld);
     unsigned int countPoolBones() const;
     bool usesSkinningShader() const;
     bool skinVertices(unsigned int boneCount);
@@ -151,7 +151,9 @@ class KT_API KTMESH : public KTNODE {
     SOURCE linesMadeFrom;
     std::int32_t *normalLines;  // two ends a vertex, made when first drawn
     SOURCE normalsMadeFrom;
-    bool holdsMaterial;
+    KTUSE materialUse;
+    static const keltra::OnGone<KTMATERIAL> onMaterialGone;
+    static KTLISTED<KTMESH> *allMeshes;
 };
 
 #endif

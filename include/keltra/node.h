@@ -30,7 +30,8 @@ enum KT_NODE_TYPE {
 
 namespace keltra {
 class TreeBuilder;
-}
+struct Aiming;  // the list of the nodes that aim at a node
+}  // namespace keltra
 
 class KTNODE;
 extern template class KT_API KTREGISTERED<KTNODE>;
@@ -42,7 +43,9 @@ extern template class KT_API KTREGISTERED<KTNODE>;
  * Every node is also on one list of all nodes in creation order, which owns those made with `new`; a parent
  * does not own its children. Trees nest at most 256 deep: what hangs deeper is neither searched nor
  * drawn. */
-class KT_API KTNODE : public KTREGISTERED<KTNODE> {
+class KT_API KTNODE : public KTREGISTERED<KTNODE>,
+                      public KTLISTED<KTNODE>,
+                      public KTLISTED<KTNODE, keltra::Aiming> {
    public:
     /** Takes a new identifier, the name "[node <id>]" and the tail of the list of all nodes. */
     KTNODE();
@@ -204,11 +207,8 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     bool maximized;  ///< true but for folded windows; not copied with a node
 
    private:
-    friend class KTREGISTERED<KTNODE>;
     friend class keltra::TreeBuilder;
-    static void setLink(KTNODE &node, KTNODE *previous, KTNODE *next);
-    static void setFirst(KTNODE *first);
-    static void letGo(KTNODE &node);
+    void release() { delist(); }
     void copyFields(const KTNODE &other);
     bool allocateChildren(unsigned int count);
     bool makeRoomForChild();
@@ -219,23 +219,22 @@ class KT_API KTNODE : public KTREGISTERED<KTNODE> {
     void leaveLister();
     void abandonChildren();
     void borrow(KTNODE *listingNode);
+    void aimAt(KTNODE *node);
     void forget(const KTNODE *gone);
     void forgetEverywhere();
 
     static KTNODE *ancestors[64];
-    static KTNODE *firstBorrower;
 
-    unsigned int classes;  // one bit for each type code whose class the object is of
-
-    // A borrower has pointers that `link` and `setTargetNode` did not give it: a copy, a node that was
-    // assigned to, a node on the stack that outlived `cleanUp`. Whatever is destroyed is looked for in all of
-    // them.
+    // A borrower has pointers that `link` did not give it: a copy, or a node that was assigned to. They lead
+    // to nodes that are marked as held; those are looked for in all borrowers when they are destroyed.
+    static KTLISTED<KTNODE> *borrowers;
     bool borrows;
-    bool targeted;       // some other node may aim at this one
+
+    KTLISTED<KTNODE, keltra::Aiming> *aiming;  // the nodes that aim at this one, but for itself
+    unsigned int classes;                      // one bit for each type code whose class the object is of
     unsigned int slot;   // index in the parent's children when it was linked, plus what was taken before
     unsigned int taken;  // how many children were unlinked from the front half
     KTNODE *listedBy;    // of a borrower: the node whose children really list this one
-    KTNODE *previousBorrower, *nextBorrower;
 };
 
 #endif

@@ -36,10 +36,6 @@ class KT_API KTHSCROLLBAR : public KTBOX {
     unsigned int reserved[2];  ///< carried along by copies; nothing reads them
     float minValue, maxValue;
     KTBUTTON *cursor;
-
-   private:
-    friend class KTBOX;
-    KTBUTTON *ownCursor;
 };
 
 /** A vertical scroll bar: the horizontal one with the axes exchanged; its minimum is at the top. */
@@ -66,10 +62,6 @@ class KT_API KTVSCROLLBAR : public KTBOX {
     unsigned int reserved[2];
     float minValue, maxValue;
     KTBUTTON *cursor;
-
-   private:
-    friend class KTBOX;
-    KTBUTTON *ownCursor;
 };
 
 #endif

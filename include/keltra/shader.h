@@ -111,13 +111,10 @@ class KT_API KTSHADER : public KTREGISTERED<KTSHADER> {
 
    private:
     friend class KELTRA;
-    friend class KTREGISTERED<KTSHADER>;
     static bool init();
     static bool free();
     static bool isActive() { return active; }
-    static void setLink(KTSHADER &shader, KTSHADER *before, KTSHADER *after);
-    static void setFirst(KTSHADER *first) { firstShader = first; }
-    static void letGo(KTSHADER &shader);
+    void release();
     void copyFields(const KTSHADER &other);
 };
 

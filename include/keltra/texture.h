@@ -6,10 +6,6 @@
 #include <keltra/registered.h>
 
 class KTEMITTER;
-namespace keltra {
-struct UnseenTexture;
-}
-
 class KTTEXTURE;
 class KTVIDEO;
 extern template class KT_API KTREGISTERED<KTTEXTURE>;
@@ -90,7 +86,10 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     /** `KELTRA::timeStamp` of the last render. */
     int getTimeStamp() const { return timeStamp; }
     int getReferences() const { return references; }
-    void incReferences() { ++references; }
+    void incReferences() {
+        ++references;
+        markHeld();
+    }
     void decReferences() { --references; }
     /** True while the texture is resident in GL. */
     bool isLoaded() const { return glId != 0; }
@@ -126,13 +125,10 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     static bool channelActive[channels];
 
    private:
-    friend struct keltra::UnseenTexture;
     friend class KTEMITTER;
-    friend class KTREGISTERED<KTTEXTURE>;
     friend class KTVIDEO;
-    static void setLink(KTTEXTURE &texture, KTTEXTURE *before, KTTEXTURE *after);
-    static void setFirst(KTTEXTURE *first) { firstTexture = first; }
-    static void letGo(KTTEXTURE &texture);
+    void release();
+    static void destroy(KTTEXTURE &texture) { KTREGISTERED::destroy(texture, &KTTEXTURE::release); }
     void copyFields(const KTTEXTURE &other);
     void releaseBitmap();
     bool deleteGLTexture();
@@ -143,7 +139,6 @@ class KT_API KTTEXTURE : public KTREGISTERED<KTTEXTURE> {
     bool upload();
     void uploadImage();
 
-    bool unseen;      // the loader that made it gives it up
     bool ownsBitmap;  // this object set it: its bytes are charged when the object has them charged
     bool ownsGLTexture;
     bool toldMissing;                                // a fault says that its file cannot be read

@@ -5,7 +5,8 @@
 #include <keltra/video_stream.h>
 
 namespace keltra {
-class Holders;
+template <class T>
+class OnGone;
 }
 
 class KTTEXTURE;
@@ -26,7 +27,7 @@ enum KT_VIDEO_STATUS {
  *
  * All videos are on one list, which owns those made with `new`. In an engine built without video every
  * `load` is false. */
-class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
+class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO>, public KTLISTED<KTVIDEO> {
    public:
     /** The largest picture that is decoded, in pixels in either direction: that of the largest texture. */
     static const unsigned int maxSize = 512;
@@ -92,18 +93,15 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO> {
     static char mpgPath[256];
 
    private:
-    friend class KTREGISTERED<KTVIDEO>;
-    friend class keltra::Holders;
-    static void setLink(KTVIDEO &video, KTVIDEO *before, KTVIDEO *after);
-    static void setFirst(KTVIDEO *first) { firstVideo = first; }
-    static void letGo(KTVIDEO &video);
-    static void forgetTexture(const KTTEXTURE *gone);
+    void release();
+    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
     void copyFields(const KTVIDEO &other);
-    void releaseTexture();
     bool startAgain();
     void show(unsigned int width, unsigned int height, const unsigned char *pixels);
 
-    bool countsTexture;
+    static const keltra::OnGone<KTTEXTURE> onTextureGone;
+    static KTLISTED<KTVIDEO> *allVideos;
+    KTUSE textureUse;
 };
 
 #endif

@@ -72,11 +72,7 @@ class KT_API KTWINDOW : public KTBUTTON {
     int lineCount;  ///< pixels of height that line breaks add to the text
 
    private:
-    friend class KTBOX;
     void copyWindow(const KTWINDOW &other);
-
-    KTBUTTON *ownTitleBar;
-    KTVSCROLLBAR *ownScrollBar;
 };
 
 #undef KELTRA_WINDOW_PRINTF_LIKE

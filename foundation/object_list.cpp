@@ -1,0 +1,240 @@
+#include "foundation/object_list.h"
+
+#include <keltra/foundation.h>
+
+#include "foundation/name_index.h"
+#include "foundation/quiet.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace keltra {
+namespace {
+
+// Entries whose object has gone: a search goes on behind them.
+Registration *const kGoneObject = reinterpret_cast<Registration *>(1);
+constexpr std::uint32_t kGoneName = 0xffffffffu;
+
+// An entry of the table of names: the lower bits of the key, whose upper bits say where it stands; whether
+// more objects may have the name; and the place of the oldest of them among the identifiers, counted from 1.
+// Place 0 stands for one that is not known: a search through the list finds it. There are at most 65,535
+// objects, and less than twice as many places.
+constexpr unsigned int kPlaceBits = 17;
+constexpr std::uint32_t kPlaceMask = (1u << kPlaceBits) - 1;
+constexpr std::uint32_t kMoreObjects = 1u << kPlaceBits;
+constexpr std::uint32_t kNameMask = ~(kPlaceMask | kMoreObjects);
+
+std::uint32_t keyOf(const char *name) {
+    static const std::uint32_t seed = newNameSeed();
+    return hashName(name, seed);
+}
+
+std::uint32_t nameBits(std::uint32_t key) { return key << (kPlaceBits + 1); }
+
+}  // namespace
+
+void FreshBlocks::add(void *block, std::size_t size) {
+    if (!block) return;
+    if (used == kMost) drop(0);
+    blocks[used++] = {static_cast<char *>(block), size};
+}
+
+bool FreshBlocks::take(const void *object) {
+    const char *address = static_cast<const char *>(object);
+    for (unsigned int i = used; i-- > 0;) {
+        if (address < blocks[i].begin || address >= blocks[i].begin + blocks[i].size) continue;
+        drop(i);
+        return true;
+    }
+    return false;
+}
+
+void FreshBlocks::drop(unsigned int index) {
+    for (--used; index < used; ++index) blocks[index] = blocks[index + 1];
+}
+
+unsigned int ObjectList::append(Registration &object) {
+    const unsigned int id = vnfNewId();
+    object.ownId = static_cast<unsigned short>(id);
+    object.listed = true;
+    object.listPrevious = last;
+    object.listNext = nullptr;
+    (last ? last->listNext : first) = &object;
+    show(last, &object);
+    last = &object;
+    ++count;
+    return id;
+}
+
+void ObjectList::remove(Registration &object) {
+    object.listed = false;
+    --count;
+    if (object.indexed || object.skipped || object.assigned) leaveTables(object);
+    Registration *const before = object.listPrevious, *const after = object.listNext;
+    (before ? before->listNext : first) = after;
+    (after ? after->listPrevious : last) = before;
+    show(before, after);
+    object.listPrevious = object.listNext = nullptr;
+    if (object.ownId) returnId(object.ownId);
+    object.ownId = 0;
+}
+
+void ObjectList::leaveTables(Registration &object) {
+    assigned -= object.assigned;
+    skipped -= object.skipped;
+    if (object.named) removeName(object);
+    if (object.indexed) removeId(object);
+    object.assigned = object.skipped = object.indexed = false;
+    if (lastIndexed == &object) lastIndexed = object.listPrevious;
+    if (capacity > 0 && (count < kFewest / 2 || count < capacity / 8)) drop();
+}
+
+void ObjectList::assign(Registration &object) {
+    if (!object.assigned) ++assigned;
+    object.assigned = true;
+    rename(object);
+}
+
+void ObjectList::rename(Registration &object) {
+    if (!object.indexed) return;
+    if (object.named) removeName(object);
+    const std::uint32_t key = keyOf(nameOf(object));
+    std::uint32_t *entry = nameEntry(key, nameOf(object));
+    if (!*entry) return addName(object, key, 0);
+    if (!(*entry & kPlaceMask)) return;
+    // Either may be the older one.
+    objectAt(*entry).named = false;
+    *entry = nameBits(key) | kMoreObjects;
+}
+
+void ObjectList::learn(Registration &object) {
+    if (!object.indexed || skipped > 0) return;
+    if (object.named) removeName(object);
+    addName(object, keyOf(nameOf(object)), kMoreObjects);
+}
+
+Registration *ObjectList::propose(unsigned int id) {
+    if (assigned > 0 || id == 0 || id > kLargestId || !catchUp()) return nullptr;
+    return *idEntry(id);
+}
+
+Registration *ObjectList::propose(const char *name) {
+    if (!catchUp()) return nullptr;
+    const std::uint32_t entry = *nameEntry(keyOf(name), name);
+    return entry & kPlaceMask ? &objectAt(entry) : nullptr;
+}
+
+Registration &ObjectList::objectAt(std::uint32_t entry) const { return *ids[(entry & kPlaceMask) - 1]; }
+
+// The entry of the object with that identifier of its own, or the free one behind the search.
+Registration **ObjectList::idEntry(unsigned int id) const {
+    for (unsigned int i = idHome(id);; i = i + 1 == capacity ? 0 : i + 1)
+        if (!ids[i] || (ids[i] != kGoneObject && ids[i]->ownId == id)) return ids + i;
+}
+
+// The entry of an object that still has this name; else one that stands for an unknown object, which may have
+// it; else the free one behind the search.
+std::uint32_t *ObjectList::nameEntry(std::uint32_t key, const char *name) const {
+    std::uint32_t *unknown = nullptr;
+    for (unsigned int i = homeOf(key);; i = i + 1 == capacity ? 0 : i + 1) {
+        const std::uint32_t entry = names[i];
+        if (!entry) return unknown ? unknown : names + i;
+        if ((entry & kNameMask) != nameBits(key) || entry == kGoneName) continue;
+        if (!(entry & kPlaceMask))
+            unknown = names + i;
+        else if (std::strcmp(nameOf(objectAt(entry)), name) == 0)
+            return names + i;
+    }
+}
+
+// True when every object is in the tables.
+bool ObjectList::catchUp() {
+    // One entry in five stays free, so that searches are short and end.
+    for (Registration *next; (next = lastIndexed ? lastIndexed->listNext : first);) {
+        if ((std::max(usedIds, usedNames) + 1) * 5 <= capacity * 4)
+            add(*next);
+        else if (!restart())
+            return false;
+    }
+    return skipped == 0;
+}
+
+void ObjectList::add(Registration &object) {
+    lastIndexed = &object;
+    // Identifiers that are drawn anew after vnfOpenLog may be in use already.
+    if (!object.ownId || *idEntry(object.ownId)) {
+        object.skipped = true;
+        ++skipped;
+        return;
+    }
+    unsigned int i = idHome(object.ownId);
+    while (ids[i] && ids[i] != kGoneObject) i = i + 1 == capacity ? 0 : i + 1;
+    usedIds += !ids[i];
+    ids[i] = &object;
+    object.indexed = true;
+    const std::uint32_t key = keyOf(nameOf(object));
+    std::uint32_t *entry = nameEntry(key, nameOf(object));
+    if (*entry)
+        *entry |= kMoreObjects;
+    else
+        addName(object, key, 0);
+}
+
+// Begins with empty tables, of 12 bytes for seven quarters as many entries as there are objects.
+bool ObjectList::restart() {
+    drop();
+    const unsigned int wider = count + count / 4 * 3 + 16;
+    ids = static_cast<Registration **>(std::calloc(wider, sizeof(Registration *)));
+    names = static_cast<std::uint32_t *>(std::calloc(wider, sizeof(std::uint32_t)));
+    if (!ids || !names) {
+        drop();
+        return false;
+    }
+    capacity = wider;
+    return true;
+}
+
+void ObjectList::drop() {
+    for (Registration *object = lastIndexed; object; object = object->listPrevious)
+        object->indexed = object->named = object->skipped = false;
+    std::free(ids);
+    std::free(names);
+    ids = nullptr;
+    names = nullptr;
+    lastIndexed = nullptr;
+    capacity = usedIds = usedNames = skipped = 0;
+}
+
+void ObjectList::addName(Registration &object, std::uint32_t key, std::uint32_t more) {
+    // Renamed again and again without a new object: no search would end in a full table.
+    if ((usedNames + 1) * 10 > capacity * 9) return drop();
+    object.nameKey = key;
+    object.named = true;
+    unsigned int i = homeOf(key);
+    while (names[i] && names[i] != kGoneName) i = i + 1 == capacity ? 0 : i + 1;
+    usedNames += !names[i];
+    names[i] = nameBits(key) | more | placeOf(object);
+}
+
+void ObjectList::removeName(Registration &object) {
+    const std::uint32_t wanted = nameBits(object.nameKey) | placeOf(object);
+    unsigned int i = homeOf(object.nameKey);
+    while ((names[i] & ~kMoreObjects) != wanted) i = i + 1 == capacity ? 0 : i + 1;
+    names[i] = names[i] & kMoreObjects ? names[i] & ~kPlaceMask : kGoneName;
+    object.named = false;
+}
+
+void ObjectList::removeId(Registration &object) { *idEntry(object.ownId) = kGoneObject; }
+
+std::uint32_t ObjectList::placeOf(const Registration &object) const {
+    return static_cast<std::uint32_t>(idEntry(object.ownId) - ids + 1);
+}
+
+unsigned int ObjectList::idHome(unsigned int id) const { return homeOf(id * 0x9E3779B1u); }
+
+unsigned int ObjectList::homeOf(std::uint32_t key) const {
+    return static_cast<unsigned int>(std::uint64_t{key} * capacity >> 32);
+}
+
+}  // namespace keltra

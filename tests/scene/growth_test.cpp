@@ -1,0 +1,135 @@
+// What one object costs does not grow with the number of objects: each of these takes far less than a second,
+// and minutes where each object is searched for among all others.
+
+#include <gtest/gtest.h>
+#include <keltra/foundation.h>
+#include <keltra/material.h>
+#include <keltra/mesh.h>
+#include <keltra/node.h>
+#include <keltra/shader.h>
+#include <keltra/texture.h>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "tests/support/cpu_time.h"
+#include "tests/support/gl_recorder.h"
+
+namespace keltra::test {
+namespace {
+
+const unsigned int kMany = 60000;
+
+class GrowthTest : public ::testing::Test {
+   protected:
+    void TearDown() override {
+        KTNODE::cleanUp();
+        KTMATERIAL::cleanUp();
+        KTTEXTURE::cleanUp();
+        KTSHADER::cleanUp();
+    }
+    template <class T>
+    std::vector<T *> make(unsigned int count) {
+        std::vector<T *> objects(count);
+        for (T *&object : objects) object = new T;
+        return objects;
+    }
+    template <class T>
+    void destroyShuffled(std::vector<T *> &objects) {
+        std::shuffle(objects.begin(), objects.end(), generator);
+        const CpuTime time;
+        for (T *object : objects) delete object;
+        EXPECT_LT(time.seconds(), kLongestSeconds);
+    }
+
+    std::mt19937 generator{1907};
+    GlRecorder::Stub stub;
+};
+
+TEST_F(GrowthTest, SixtyThousandSearches) {
+    std::vector<KTNODE *> nodes = make<KTNODE>(kMany);
+    std::shuffle(nodes.begin(), nodes.end(), generator);
+    const CpuTime time;
+    for (KTNODE *node : nodes) {
+        ASSERT_EQ(KTNODE::findByName(node->getName()), node);
+        ASSERT_EQ(KTNODE::findById(node->getId()), node);
+    }
+    EXPECT_LT(time.seconds(), kLongestSeconds);
+    destroyShuffled(nodes);
+}
+
+TEST_F(GrowthTest, SearchesBetweenAllOtherChanges) {
+    std::vector<KTNODE *> nodes = make<KTNODE>(kMany);
+    const CpuTime time;
+    for (unsigned int i = 0; i < kMany; ++i) {
+        KTNODE *&node = nodes[generator() % kMany];
+        delete node;
+        node = new KTNODE;
+        ASSERT_EQ(KTNODE::findByName(node->getName()), node);
+        node->setName(("renamed " + std::to_string(i)).c_str());
+        ASSERT_EQ(KTNODE::findByName(node->getName()), node);
+    }
+    EXPECT_LT(time.seconds(), kLongestSeconds);
+}
+
+TEST_F(GrowthTest, SixtyThousandTextureFiles) {
+    const std::vector<KTTEXTURE *> textures = make<KTTEXTURE>(kMany);
+    const CpuTime time;
+    for (KTTEXTURE *texture : textures) ASSERT_EQ(KTTEXTURE::findByFilename(texture->getFilename()), texture);
+    EXPECT_LT(time.seconds(), kLongestSeconds);
+}
+
+TEST_F(GrowthTest, SixtyThousandTargets) {
+    std::vector<KTNODE *> nodes = make<KTNODE>(kMany);
+    for (unsigned int i = 1; i < kMany; ++i) nodes[i]->setTargetNode(nodes[i / 2]);
+    destroyShuffled(nodes);
+}
+
+TEST_F(GrowthTest, NodesBesideManyCopiesOfOne) {
+    std::vector<KTNODE *> nodes = make<KTNODE>(kMany / 2);
+    const std::vector<KTNODE> copies(kMany / 2, *nodes[0]);
+    destroyShuffled(nodes);
+    EXPECT_EQ(copies[7].getNextNode(), nullptr);
+}
+
+TEST_F(GrowthTest, ResourcesBesideManyThatMayHoldThem) {
+    std::vector<KTMATERIAL *> materials = make<KTMATERIAL>(20000);
+    const std::vector<KTMESH *> meshes = make<KTMESH>(20000);
+    std::vector<KTTEXTURE *> textures = make<KTTEXTURE>(10000);
+    std::vector<KTSHADER *> shaders = make<KTSHADER>(10000);
+    destroyShuffled(textures);
+    destroyShuffled(shaders);
+    destroyShuffled(materials);
+}
+
+TEST_F(GrowthTest, IdentifiersReleasedAndDrawnInPairs) {
+    std::vector<unsigned int> ids(kMany);
+    for (unsigned int &id : ids) id = vnfNewId();
+    std::shuffle(ids.begin(), ids.end(), generator);
+    const CpuTime time;
+    for (int round = 0; round < 10; ++round) {
+        for (unsigned int i = 1; i < kMany; i += 2) {
+            ASSERT_TRUE(releaseId(ids[i - 1]) && releaseId(ids[i]));
+            ASSERT_EQ(vnfNewId(), std::min(ids[i - 1], ids[i]));
+            ASSERT_EQ(vnfNewId(), std::max(ids[i - 1], ids[i]));
+        }
+    }
+    EXPECT_LT(time.seconds(), kLongestSeconds);
+    for (unsigned int id : ids) releaseId(id);
+}
+
+TEST_F(GrowthTest, ChildrenUnlinkedInRandomOrder) {
+    std::vector<KTNODE *> nodes = make<KTNODE>(kMany);
+    KTNODE parent;
+    const CpuTime time;
+    for (KTNODE *node : nodes) ASSERT_TRUE(node->link(&parent));
+    std::shuffle(nodes.begin(), nodes.end(), generator);
+    for (KTNODE *node : nodes) ASSERT_TRUE(node->unlink());
+    EXPECT_LT(time.seconds(), kLongestSeconds);
+    EXPECT_EQ(parent.children, nullptr);
+}
+
+}  // namespace
+}  // namespace keltra::test
