@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/engine_fixture.h"
+#include "tests/support/gl_answers.h"
 
 namespace keltra::test {
 namespace {
@@ -17,27 +18,10 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 
-std::array<float, 16> mirror(int which) {
-    std::array<float, 16> values{};
-    KT_glGetFloatv(which, values.data());
-    return values;
-}
-
-std::array<float, 16> elements(const R3XMATRIX &matrix) {
-    std::array<float, 16> values{};
-    std::copy(matrix.m, matrix.m + 16, values.begin());
-    return values;
-}
-
 std::int64_t fixed(float value) { return static_cast<std::int64_t>(value * 65536.0f); }
 
 void expectColor(const R3XVECTOR4D &color, float r, float g, float b, float a) {
     EXPECT_EQ(color, R3XVECTOR4D(r, g, b, a));
-}
-
-bool enabled(GLenum capability) {
-    const GlRecorder::Pause pause;
-    return glIsEnabled(capability) == GL_TRUE;
 }
 
 const bool kActiveAtLoad = KTOPENGL::active;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tests/support/engine_fixture.h"
+#include "tests/support/gl_answers.h"
 
 namespace keltra::test {
 namespace {
@@ -13,23 +14,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 using Names = std::vector<std::string>;
-
-std::array<float, 16> mirror(int which) {
-    std::array<float, 16> values{};
-    KT_glGetFloatv(which, values.data());
-    return values;
-}
-
-std::array<float, 16> elements(const R3XMATRIX &matrix) {
-    std::array<float, 16> values{};
-    std::copy(matrix.m, matrix.m + 16, values.begin());
-    return values;
-}
-
-bool enabled(GLenum capability) {
-    const GlRecorder::Pause pause;
-    return glIsEnabled(capability) == GL_TRUE;
-}
 
 /// One render of a probe.
 struct Draw {

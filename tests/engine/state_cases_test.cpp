@@ -4,16 +4,12 @@
 
 #include "tests/engine/state_stage.h"
 #include "tests/support/engine_fixture.h"
+#include "tests/support/gl_answers.h"
 
 namespace keltra::test {
 namespace {
 
 constexpr GLfixed kOne = 65536;
-
-bool enabled(GLenum capability) {
-    const GlRecorder::Pause pause;
-    return glIsEnabled(capability) == GL_TRUE;
-}
 
 /// A node of an application that runs code when it is drawn.
 class Actor : public KTNODE {
