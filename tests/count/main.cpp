@@ -39,6 +39,7 @@ int main(int argc, char **argv) {
     count::countSkins();
     count::countParticles();
     count::countWidgets();
+    count::countLists();
     count::countAnimation(data);
     count::countLoading(data);
     return KELTRA::free() ? 0 : 1;

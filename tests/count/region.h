@@ -34,6 +34,7 @@ void countDrawing();
 void countSkins();
 void countParticles();
 void countWidgets();
+void countLists();
 void countAnimation(const char *data);
 void countLoading(const char *data);
 void countExamples(const char *data);
