@@ -138,6 +138,12 @@ void wideSkinning(benchmark::State &state) {
     kernelSkinning<keltra::Avx2Skin>(state);
 }
 BENCHMARK(wideSkinning);
+
+void widestSkinning(benchmark::State &state) {
+    if (!keltra::Avx512Skin::isSupported()) return state.SkipWithError("no AVX-512");
+    kernelSkinning<keltra::Avx512Skin>(state);
+}
+BENCHMARK(widestSkinning);
 #endif
 
 // A whole KTMESH::animate, with the reference frame, the bones' products and the conversions.

@@ -38,6 +38,16 @@ inline std::int32_t toFixedByIntegers(float value) {
     return std::int32_t(bits) < 0 ? -magnitude : magnitude;
 }
 
+// The low byte of a truncated float, in two's complement; 0 for what is beyond any integer, a multiple of
+// 256, and for what is not a number. A conversion to a 64-bit integer would compute in double precision.
+inline std::uint8_t lowByteByIntegers(float value) {
+    const std::uint32_t bits = bitsOf(value), mantissa = (bits & 0x7fffff) | 0x800000;
+    const int shift = 150 - int(bits << 1 >> 24);
+    if (shift > 23 || shift <= -8) return 0;
+    const std::uint32_t low = shift >= 0 ? mantissa >> shift : mantissa << -shift;
+    return static_cast<std::uint8_t>(bits >> 31 ? 0 - low : low);
+}
+
 inline std::int32_t toFixed(float value) {
 #if defined(__SSE2__) || defined(_M_X64)
     return _mm_cvttss_si32(_mm_mul_ss(_mm_set_ss(value), _mm_set_ss(65536.0f)));

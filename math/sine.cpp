@@ -20,7 +20,7 @@ struct Known {
 };
 
 // Entry 0 is right from the start, for an angle of zero; the others hold an angle that leads elsewhere.
-constexpr unsigned int kKnownBits = 8;
+constexpr unsigned int kKnownBits = kSoftFloat ? 8 : 11;
 Known known[1u << kKnownBits] = {{0, {0.0f, 1.0f, 1.0f}}};
 
 std::uint64_t product(std::uint32_t a, std::uint32_t b) { return std::uint64_t{a} * b; }
@@ -90,7 +90,7 @@ Quarters quartersOf(std::uint64_t angle) {
     return quarters;
 }
 
-SineCosine sineCosineByIntegers(std::uint32_t bits) {
+SineCosine fromSeries(std::uint32_t bits) {
     const int exponent = int(bits >> 23 & 0xff);
     const Quarters quarters =
         quartersOf(std::uint64_t{(bits & 0x7fffff) | 0x800000} << (exponent - kSmallestExponent));
@@ -116,13 +116,18 @@ SineCosine sineCosineByIntegers(std::uint32_t bits) {
 
 }  // namespace
 
-SineCosine sineCosine(float radians) {
+SineCosine sineCosineByIntegers(float radians) {
     const std::uint32_t bits = bitsOf(radians);
     const int exponent = int(bits >> 23 & 0xff);
     if (exponent < kSmallestExponent) return {radians, 1.0f};
     if (exponent > kLargestExponent)
         return {float(std::sin(double(radians))), float(std::cos(double(radians)))};
-    return sineCosineByIntegers(bits);
+    return fromSeries(bits);
+}
+
+SineCosine sineCosine(float radians) {
+    if (kSoftFloat) return sineCosineByIntegers(radians);
+    return {float(std::sin(double(radians))), float(std::cos(double(radians)))};
 }
 
 const Rotation &rotationOf(float degrees) {

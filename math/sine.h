@@ -7,9 +7,10 @@ struct SineCosine {
     float sine, cosine;
 };
 
-// Of an angle in radians: the double-precision results of the C library, rounded to floats. Below 1,024
-// radians it is computed in integers, with the same bits.
+// Of an angle in radians: the double-precision results of the C library, rounded to floats. Without a
+// floating-point unit they are computed in integers below 1,024 radians, with the same bits.
 SineCosine sineCosine(float radians);
+SineCosine sineCosineByIntegers(float radians);
 
 struct Rotation {
     float sine, cosine;

@@ -26,6 +26,7 @@
 #include "core/holders.h"
 #include "formats/blend_factor.h"
 #include "formats/limits.h"
+#include "math/fixed.h"
 #include "math/float_bits.h"
 #include "math/sparse.h"
 #include "math/square_root.h"
@@ -101,22 +102,22 @@ R3XVECTOR3D randomAlong(const R3XVECTOR3D &direction, unsigned int maximum) {
 }
 
 // The low byte of the truncated product. Deliberate: components beyond 1 wrap around; emitter files rely on
-// it. By the bits of the product: a conversion to 64-bit integers computes in double precision where there is
-// no floating-point unit.
+// it. A product beyond any integer is a multiple of 256, or not a number.
 unsigned char colorByte(float component) {
-    const std::uint32_t bits = keltra::bitsOf(component * 255.0f);
-    const int shift = 150 - int(bits << 1 >> 24);
-    // Below 1; and multiples of 256, infinities and what is not a number.
-    if (shift > 23 || shift <= -8) return 0;
-    const std::uint32_t mantissa = (bits & 0x7fffff) | 0x800000;
-    const std::uint32_t low = shift >= 0 ? mantissa >> shift : mantissa << -shift;
-    return static_cast<unsigned char>(bits >> 31 ? 0 - low : low);
+    const float value = component * 255.0f;
+    if (keltra::kSoftFloat) return keltra::lowByteByIntegers(value);
+    if (!(std::fabs(value) < 9.0e18f)) return 0;
+    return static_cast<unsigned char>(static_cast<std::int64_t>(value) & 0xff);
 }
 
 void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
     const unsigned char rgba[kColorBytes] = {colorByte(color.x), colorByte(color.y), colorByte(color.z),
                                              colorByte(color.w)};
-    for (unsigned int i = 0; i < kCorners * kColorBytes; ++i) bytes[i] = rgba[i % kColorBytes];
+    // On ARM a copy of four bytes is a call.
+    if (keltra::kSoftFloat)
+        for (unsigned int i = 0; i < kCorners * kColorBytes; ++i) bytes[i] = rgba[i % kColorBytes];
+    else
+        for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(bytes + i * kColorBytes, rgba, sizeof rgba);
 }
 
 // -a - b, where `sum` is a + b: its negative has the same bits unless it is zero or not finite.

@@ -17,7 +17,10 @@
 // Windows compilers do not align the stack for 32-byte values.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
 #define KELTRA_SKIN_AVX2
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // GCC 12 warns of its own AVX-512 functions
 #include <immintrin.h>
+#pragma GCC diagnostic pop
 #endif
 
 namespace keltra {
@@ -134,6 +137,59 @@ class Avx2Skin {
     __attribute__((target("avx2"))) static void store(__m256i sum, std::int32_t *skinned) {
         const __m256i lowHalves = _mm256_setr_epi32(0, 2, 4, 6, 0, 2, 4, 6);
         const __m128i rows = _mm256_castsi256_si128(_mm256_permutevar8x32_epi32(sum, lowHalves));
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(skinned), rows);
+        skinned[2] = _mm_extract_epi32(rows, 2);
+    }
+};
+
+// The same with position and normal in one register: rows 0 to 3 of the one are followed by those of the
+// other.
+class Avx512Skin {
+   public:
+    struct alignas(64) Bone {
+        std::int64_t columns[4][8];  // a normal has no translation
+    };
+
+    static bool isSupported() { return __builtin_cpu_supports("avx512f"); }
+
+    static void encode(const std::int32_t *matrix, Bone &bone) {
+        for (int column = 0; column < 4; ++column) {
+            for (int row = 0; row < 4; ++row) {
+                const std::int64_t value = matrix[4 * column + row];
+                bone.columns[column][row] = value * (column == 3 ? 65536 : 1);
+                bone.columns[column][4 + row] = column == 3 ? 0 : value;
+            }
+        }
+    }
+
+    __attribute__((target("avx512f"))) static void run(const SkinJob &job, const Bone *bones,
+                                                       std::size_t boneCount) {
+        const std::uint8_t *index = job.bones;
+        const float *weight = job.weights;
+        for (std::size_t v = 0; v < job.vertices; ++v) {
+            const std::int32_t *p = job.positions + 3 * v, *n = job.normals + 3 * v;
+            const __m512i x = both(p[0], n[0]), y = both(p[1], n[1]), z = both(p[2], n[2]);
+            __m512i sum = _mm512_setzero_si512();
+            for (std::size_t k = 0; k < job.influences; ++k, ++index, ++weight) {
+                const std::int32_t fixedWeight = toFixed(*weight);
+                if (fixedWeight <= 0 || *index >= boneCount) continue;
+                const __m512i *m = reinterpret_cast<const __m512i *>(bones[*index].columns);
+                __m512i turned = _mm512_add_epi64(_mm512_mul_epi32(m[0], x), _mm512_mul_epi32(m[1], y));
+                turned = _mm512_add_epi64(turned, _mm512_add_epi64(_mm512_mul_epi32(m[2], z), m[3]));
+                turned = _mm512_mul_epi32(_mm512_srli_epi64(turned, 16), _mm512_set1_epi32(fixedWeight));
+                sum = _mm512_add_epi64(sum, _mm512_srli_epi64(turned, 16));
+            }
+            const __m256i rows = _mm512_cvtepi64_epi32(sum);
+            store(_mm256_castsi256_si128(rows), job.skinnedPositions + 3 * v);
+            store(_mm256_extracti128_si256(rows, 1), job.skinnedNormals + 3 * v);
+        }
+    }
+
+   private:
+    __attribute__((target("avx512f"))) static __m512i both(std::int32_t position, std::int32_t normal) {
+        return _mm512_inserti64x4(_mm512_set1_epi32(position), _mm256_set1_epi32(normal), 1);
+    }
+    __attribute__((target("avx512f"))) static void store(__m128i rows, std::int32_t *skinned) {
         _mm_storel_epi64(reinterpret_cast<__m128i *>(skinned), rows);
         skinned[2] = _mm_extract_epi32(rows, 2);
     }

@@ -102,7 +102,11 @@ bool KTMESH::skinVertices(unsigned int boneCount) {
     const keltra::SkinJob job = {numberOfVertices, numberOfInfluences, vertices,        vertexNormals,
                                  influenceBones,   influenceWeights,   skinnedVertices, skinnedNormals};
 #if defined(KELTRA_SKIN_AVX2)
-    static const bool wide = keltra::Avx2Skin::isSupported();
+    static const bool widest = keltra::Avx512Skin::isSupported(), wide = keltra::Avx2Skin::isSupported();
+    if (widest) {
+        skin<keltra::Avx512Skin>(job, boneCount);
+        return true;
+    }
     if (wide) {
         skin<keltra::Avx2Skin>(job, boneCount);
         return true;

@@ -10,12 +10,6 @@
 namespace keltra::test {
 namespace {
 
-float floatOf(std::uint32_t bits) {
-    float value;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
-
 // The definition: multiplied, truncated toward zero, with one result for everything that does not fit.
 std::int32_t expected(float value) {
     const double scaled = double(value) * 65536.0;
@@ -86,6 +80,17 @@ TEST(FixedTest, ArraysOfAnyLengthAndAlignment) {
             EXPECT_EQ(fixed.back(), 77);
             for (std::size_t i = 0; i < count; ++i) ASSERT_EQ(fixed[i + 1], expected(values[start + i]));
         }
+}
+
+TEST(FixedTest, LowByteIsThatOfTheTruncatedNumber) {
+    std::mt19937 random(3);
+    for (int i = 0; i < 1000000; ++i) {
+        const float value =
+            i % 2 ? floatOf(random()) : static_cast<float>(static_cast<int>(random())) * 0.00001f;
+        int byte = 0;
+        if (std::fabs(value) < 9.0e18f) byte = static_cast<int>(static_cast<std::int64_t>(value) & 0xff);
+        ASSERT_EQ(lowByteByIntegers(value), byte) << value;
+    }
 }
 
 }  // namespace

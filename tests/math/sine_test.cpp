@@ -17,7 +17,7 @@ bool isSame(float a, float b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 void expectLibraryResults(std::uint32_t bits) {
     const float angle = floatOf(bits);
-    const SineCosine turn = sineCosine(angle);
+    const SineCosine turn = sineCosineByIntegers(angle);
     const float sine = float(std::sin(double(angle))), cosine = float(std::cos(double(angle)));
     if (isSame(turn.sine, sine) && isSame(turn.cosine, cosine)) return;
     if (std::isnan(turn.sine) && std::isnan(sine) && std::isnan(turn.cosine) && std::isnan(cosine)) return;

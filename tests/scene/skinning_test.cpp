@@ -127,6 +127,17 @@ TEST(SkinKernelTest, WideKernelFollowsTheRuleForAnyInput) {
 #endif
 }
 
+TEST(SkinKernelTest, WidestKernelFollowsTheRuleForAnyInput) {
+#if defined(KELTRA_SKIN_AVX2)
+    if (!Avx512Skin::isSupported()) GTEST_SKIP() << "this processor has no AVX-512";
+    for (unsigned seed = 1; seed <= 5; ++seed)
+        for (std::size_t influences : {1u, 3u, 4u, 7u})
+            expectSameBits<Avx512Skin>(wildInput(seed, 200, influences, 20));
+#else
+    GTEST_SKIP() << "not built for this processor";
+#endif
+}
+
 TEST(SkinKernelTest, ArmKernelFollowsTheRuleForAnyInput) {
 #if defined(KELTRA_SKIN_ARM)
     for (unsigned seed = 1; seed <= 5; ++seed)
