@@ -137,8 +137,9 @@ void KTMATERIAL::copySurface(const KTMATERIAL &other) {
     emission = other.emission;
     transparency = other.transparency;
     shininess = other.shininess;
-    for (unsigned int level = 0; level < levels; ++level)
-        if ((texture[level] = other.texture[level])) texture[level]->markHeld();
+    std::memcpy(texture, other.texture, sizeof texture);
+    for (KTTEXTURE *held : texture)
+        if (held) held->markHeld();
     setShader(other.shader);
 }
 
