@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 #include "tests/support/engine_fixture.h"
 
@@ -246,6 +247,22 @@ TEST_F(MaterialTest, DestroyedMaterialLeavesItsMeshes) {
     delete material;
     EXPECT_EQ(mesh.getMaterial(), nullptr);
     EXPECT_EQ(copyOfMesh.getMaterial(), nullptr);
+}
+
+TEST_F(MaterialTest, ATextureWrittenToTheFieldIsForgotten) {
+    KTMATERIAL material;
+    {
+        KTTEXTURE texture;
+        material.texture[3] = &texture;
+    }
+    EXPECT_EQ(material.getTexture(3), nullptr) << "a few materials are searched for any texture";
+    const std::vector<KTMATERIAL> more(200);
+    {
+        KTTEXTURE texture;
+        material.texture[3] = &texture;
+        texture.markHeld();
+    }
+    EXPECT_EQ(material.getTexture(3), nullptr) << "and all for one that is held";
 }
 
 TEST_F(MaterialTest, DestroyingACopyLeavesTheOriginal) {
