@@ -1,3 +1,7 @@
+#if __SIZEOF_POINTER__ == 4
+#define _FILE_OFFSET_BITS 64  // the sizes of large files are told, not taken for missing files
+#endif
+
 #include "platform/platform.h"
 
 #include <SDL_syswm.h>

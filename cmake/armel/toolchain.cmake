@@ -19,3 +19,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${root})
 set(ENV{PKG_CONFIG_LIBDIR} ${root}/usr/lib/arm-linux-gnueabi/pkgconfig:${root}/usr/share/pkgconfig)
+# Programs run on the build machine all the same: tests do.
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/emulate.sh ${root})

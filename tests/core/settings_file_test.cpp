@@ -260,7 +260,7 @@ TEST_F(SettingsFileTest, FoldersDevicesAndPipesAreNotRead) {
 
 TEST_F(SettingsFileTest, TwoGibibytesAreTooMany) {
     const std::string path = folder.write("large", "KELTRA_windowX=1\n");
-    ASSERT_EQ(truncate(path.c_str(), off_t{1} << 31), 0);
+    ASSERT_EQ(truncate64(path.c_str(), off64_t{1} << 31), 0);
     EXPECT_FALSE(settings.load(path.c_str()));
     EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_FILE_SIZE);
     EXPECT_EQ(settings.getWindowX(), 240);

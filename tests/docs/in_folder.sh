@@ -1,6 +1,6 @@
 #!/bin/sh
-# in_folder.sh SAMPLES FILE=SAMPLE... -- PROGRAM
-# Runs a program in a new folder, in which each FILE is one of the sample files; their textures lie beside them.
+# in_folder.sh SAMPLES FILE=SAMPLE... -- COMMAND...
+# Runs a command in a new folder, in which each FILE is one of the sample files; their textures lie beside them.
 set -eu
 samples=$1
 shift
@@ -14,5 +14,6 @@ while [ "$1" != -- ]; do
     cp "$samples/${1#*=}" "$file"
     shift
 done
+shift
 cd "$folder"
-"$2"
+"$@"

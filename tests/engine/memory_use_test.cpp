@@ -98,7 +98,7 @@ class MemoryUseTest : public EngineTest {
 };
 
 TEST_F(MemoryUseTest, OfTheEngineAndOfTheDemo) {
-    expectHeld("started", heap->held, 803 * 1024, 1200 * 1024);
+    expectHeld("started", heap->held, 525 * 1024, 570 * 1024);
     KELTRA::setKTEPath(KELTRA_EXAMPLE_DATA);
     KTTEXTURE::setPath(KELTRA_EXAMPLE_DATA);
     KTNODE *scene = KELTRA::load("scene.kte");
@@ -106,8 +106,8 @@ TEST_F(MemoryUseTest, OfTheEngineAndOfTheDemo) {
     KTCAMERA camera;
     camera.setPosition(0.0f, 5.8f, 21.0f);
     frame3D(&camera, [scene] { scene->pass(); });
-    expectHeld("demo", heap->held - bitmaps(), 1390 * 1024, 2000 * 1024);
-    expectHeld("peak", heap->peak - bitmaps(), 1790 * 1024, 2600 * 1024);
+    expectHeld("demo", heap->held - bitmaps(), 1100 * 1024, 1200 * 1024);
+    expectHeld("peak", heap->peak - bitmaps(), 1550 * 1024, 1680 * 1024);
 }
 
 }  // namespace

@@ -115,7 +115,7 @@ TEST(SceneContentsTest, RefusesWhatTheCheckRefuses) {
 TEST(SceneContentsTest, TellsThatItIsOutOfMemory) {
     if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
     formats::Scene scene = smallScene();
-    for (int i = 0; i < 100; ++i) scene.root.children.push_back(nodeOf(formats::NodeKind::kMesh, "more"));
+    for (int i = 0; i < 200; ++i) scene.root.children.push_back(nodeOf(formats::NodeKind::kMesh, "more"));
     const Bytes bytes = bytesOf(scene);
     const std::uint32_t live = memoryCounters().live;
     for (int nth : {1, 2, 3}) {

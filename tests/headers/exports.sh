@@ -5,7 +5,7 @@ set -u
 nm=$1
 library=$2
 
-exported=$("$nm" -D --defined-only -C "$library" | cut -c 20-) || exit 1
+exported=$("$nm" -D --defined-only -C "$library" | sed 's/^[0-9a-f]* [A-Za-z] //') || exit 1
 [ -n "$exported" ] || { echo "$library exports nothing" >&2; exit 1; }
 
 # The linker's and the sanitizers' own marks are no interface; the tables of a class go with the class.
