@@ -409,6 +409,7 @@ bool KTFONT::putString(int x, int y, const char *format, ...) {
     const char *const call = "KTFONT::putString";
     if (!format) return keltra::failNull(call, "format");
     if (!fontCachedVertex) return keltra::failState(call, keltra::kInactive);
+    markHeld();
     if (!texture) return failTexture(call);
     bind(*texture);
     char text[maxCharacters];

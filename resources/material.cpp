@@ -56,6 +56,7 @@ bool usesShadowMap(const KTSHADER *shader) {
 }
 
 void bindShader(KTSHADER *shader) {
+    if (shader) shader->markHeld();
     if (!shader || !shader->isOperative()) {
         KTSHADER::disable();
         return;
@@ -195,6 +196,7 @@ KTSHADER *KTMATERIAL::chooseShader(const void *data) const {
 
 bool KTMATERIAL::render(void *data) {
     timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
+    markHeld();
     if (currentMaterial == this && renderedStamp == keltra::surfaceStamp()) return true;
     bindShader(chooseShader(data));
     // Deliberate: the stored alphas follow the transparency; applications read them back.

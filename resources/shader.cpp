@@ -128,7 +128,10 @@ bool KTSHADER::loadVertexShader(const char *, const char *) { return true; }
 
 bool KTSHADER::loadPixelShader(const char *, const char *) { return true; }
 
-bool KTSHADER::render(void *) { return true; }
+bool KTSHADER::render(void *) {
+    markHeld();
+    return true;
+}
 
 bool KTSHADER::bindParam(unsigned int, const char *, bool) { return false; }
 

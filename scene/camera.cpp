@@ -39,6 +39,7 @@ bool KTCAMERA::render(void *) {
     if (targetNode == this) {
         lookAt(eye, target);
     } else if (targetNode) {
+        setTargetNode(targetNode);  // the application may have written it to the field
         R3XVECTOR3D point = targetNode->getFinalMatrix(nullptr).getTranslation();
         KT_glLoadIdentity();
         lookAt(eye, point);

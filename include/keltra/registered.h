@@ -139,7 +139,8 @@ class KTREGISTERED {
     /** True for an object on its class's list; false for a copy. */
     bool isRegistered() const { return registration.listed; }
     /** Notes that a pointer to this object was stored in another one: it is cleared when this object is
-     * destroyed. All setters do it; without it, only some objects are searched for such pointers. */
+     * destroyed. All setters do it, and so does drawing with it, for what the application writes to a field;
+     * without it, only some objects are searched for such pointers. */
     void markHeld() { registration.held = true; }
 
    protected:

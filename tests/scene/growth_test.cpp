@@ -2,6 +2,7 @@
 // and minutes where each object is searched for among all others.
 
 #include <gtest/gtest.h>
+#include <keltra/camera.h>
 #include <keltra/foundation.h>
 #include <keltra/material.h>
 #include <keltra/mesh.h>
@@ -102,6 +103,33 @@ TEST_F(GrowthTest, ResourcesBesideManyThatMayHoldThem) {
     destroyShuffled(textures);
     destroyShuffled(shaders);
     destroyShuffled(materials);
+}
+
+// The application may write to public fields, of which the engine learns when it draws.
+TEST_F(GrowthTest, FieldsWrittenByTheApplicationAreClearedAmongManyOthers) {
+    KTMATERIAL painted;
+    KTMESH mesh;
+    KTCAMERA camera;
+    KTTEXTURE *texture = painted.texture[1] = new KTTEXTURE;
+    KTSHADER *shader = painted.shader = new KTSHADER;
+    KTMATERIAL *material = mesh.material = new KTMATERIAL;
+    KTNODE *target = camera.targetNode = new KTNODE;
+    make<KTMATERIAL>(200);
+    make<KTMESH>(200);
+    make<KTCAMERA>(200);
+
+    texture->render(nullptr);
+    painted.render(nullptr);
+    material->render(nullptr);
+    camera.render(nullptr);
+    delete texture;
+    delete shader;
+    delete material;
+    delete target;
+    EXPECT_EQ(painted.texture[1], nullptr);
+    EXPECT_EQ(painted.shader, nullptr);
+    EXPECT_EQ(mesh.material, nullptr);
+    EXPECT_EQ(camera.targetNode, nullptr);
 }
 
 TEST_F(GrowthTest, IdentifiersReleasedAndDrawnInPairs) {
