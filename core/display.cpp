@@ -1,19 +1,19 @@
-#include <EGL/egl.h>
-#include <GLES/gl.h>
-#include <SDL/SDL.h>
-#include <SDL/SDL_syswm.h>
-
 #include <keltra/foundation.h>
 #include <keltra/opengl.h>
 #include <keltra/settings.h>
-
-#include <cstdint>
-#include <cstdio>
 
 #include "core/paths.h"
 #include "foundation/fault.h"
 #include "foundation/text.h"
 #include "platform/platform.h"
+
+#include <EGL/egl.h>
+#include <GLES/gl.h>
+#include <SDL/SDL.h>
+#include <SDL/SDL_syswm.h>
+
+#include <cstdint>
+#include <cstdio>
 
 namespace {
 

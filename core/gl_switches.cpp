@@ -1,12 +1,11 @@
-#include <keltra/opengl.h>
-
 #include <keltra/glbridge.h>
+#include <keltra/opengl.h>
 #include <keltra/settings.h>
-
-#include <cmath>
 
 #include "core/gl_state.h"
 #include "core/glbridge.h"
+
+#include <cmath>
 
 namespace {
 

@@ -2,14 +2,14 @@
 
 #include <keltra/matrix.h>
 
-#include <cstdint>
-#include <cstring>
-
 #include "core/gl_state.h"
 #include "core/glbridge.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
 #include "math/sparse.h"
+
+#include <cstdint>
+#include <cstring>
 
 namespace {
 

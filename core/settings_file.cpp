@@ -1,9 +1,9 @@
+#include <keltra/foundation.h>
+
 #include "core/settings_members.h"
 #include "formats/fault.h"
 #include "formats/settings.h"
 #include "foundation/quiet.h"
-
-#include <keltra/foundation.h>
 
 namespace keltra {
 

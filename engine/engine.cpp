@@ -1,7 +1,5 @@
 #include <keltra/engine.h>
 
-#include <SDL/SDL.h>
-
 #include <keltra/anim.h>
 #include <keltra/element.h>
 #include <keltra/emitter.h>
@@ -22,6 +20,8 @@
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
 #include "platform/platform.h"
+
+#include <SDL/SDL.h>
 
 bool KELTRA::active = false;
 bool KELTRA::blooming = false;

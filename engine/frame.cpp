@@ -1,5 +1,3 @@
-#include <EGL/egl.h>
-
 #include <keltra/camera.h>
 #include <keltra/element.h>
 #include <keltra/engine.h>
@@ -18,6 +16,8 @@
 #include "foundation/fault.h"
 #include "foundation/memory.h"
 #include "scene/local_transform.h"
+
+#include <EGL/egl.h>
 
 namespace {
 

@@ -1,10 +1,6 @@
 #include <keltra/engine.h>
 #include <keltra/foundation.h>
 
-#include <tinyxml.h>
-
-#include <cstring>
-
 #include "formats/gui.h"
 #include "formats/scene_contents.h"
 #include "formats/xml_document.h"
@@ -12,6 +8,10 @@
 #include "foundation/file_bytes.h"
 #include "gui/gui_file.h"
 #include "scene/scene_build.h"
+
+#include <tinyxml.h>
+
+#include <cstring>
 
 namespace {
 

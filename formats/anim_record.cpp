@@ -1,8 +1,8 @@
 #include "formats/anim_record.h"
 
-#include <cstring>
-
 #include "formats/field_reader.h"
+
+#include <cstring>
 
 namespace keltra {
 

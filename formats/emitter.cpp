@@ -1,13 +1,13 @@
 #include "formats/emitter.h"
 
+#include "formats/limits.h"
+#include "formats/xml_check.h"
+#include "formats/xml_document.h"
+
 #include <tinyxml.h>
 
 #include <climits>
 #include <cstring>
-
-#include "formats/limits.h"
-#include "formats/xml_check.h"
-#include "formats/xml_document.h"
 
 namespace keltra {
 

@@ -1,13 +1,13 @@
 #include "formats/gui.h"
 
+#include "formats/limits.h"
+#include "formats/xml_check.h"
+
 #include <tinyxml.h>
 
 #include <climits>
 #include <cstdio>
 #include <cstring>
-
-#include "formats/limits.h"
-#include "formats/xml_check.h"
 
 namespace keltra {
 

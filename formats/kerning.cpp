@@ -1,10 +1,10 @@
 #include "formats/kerning.h"
 
+#include "formats/key_lines.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
-
-#include "formats/key_lines.h"
 
 namespace keltra {
 

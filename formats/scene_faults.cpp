@@ -1,8 +1,8 @@
 #include "formats/scene_faults.h"
 
-#include <cstdio>
-
 #include "formats/limits.h"
+
+#include <cstdio>
 
 namespace keltra {
 

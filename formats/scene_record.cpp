@@ -1,9 +1,9 @@
 #include "formats/scene_record.h"
 
-#include <cstring>
-
 #include "formats/limits.h"
 #include "math/fixed.h"
+
+#include <cstring>
 
 namespace keltra {
 

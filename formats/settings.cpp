@@ -1,10 +1,10 @@
 #include "formats/settings.h"
 
+#include "formats/key_lines.h"
+
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-
-#include "formats/key_lines.h"
 
 namespace keltra {
 

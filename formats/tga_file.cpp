@@ -1,14 +1,14 @@
 #include "formats/tga_file.h"
 
+#include "foundation/block.h"
+#include "foundation/quiet.h"
+#include "platform/platform.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <limits>
-
-#include "foundation/block.h"
-#include "foundation/quiet.h"
-#include "platform/platform.h"
 
 namespace keltra {
 

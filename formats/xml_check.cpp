@@ -1,5 +1,7 @@
 #include "formats/xml_check.h"
 
+#include "formats/xml_document.h"
+
 #include <tinyxml.h>
 
 #include <cerrno>
@@ -7,8 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-
-#include "formats/xml_document.h"
 
 namespace keltra {
 

@@ -1,5 +1,8 @@
 #include "formats/xml_document.h"
 
+#include "foundation/file_bytes.h"
+#include "foundation/quiet.h"
+
 #include <tinyxml.h>
 
 #include <algorithm>
@@ -11,9 +14,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
-
-#include "foundation/file_bytes.h"
-#include "foundation/quiet.h"
 
 namespace keltra {
 

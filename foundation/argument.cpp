@@ -1,11 +1,11 @@
 #include "foundation/argument.h"
 
+#include "foundation/fault.h"
+#include "foundation/text.h"
+
 #include <climits>
 #include <cstdio>
 #include <cstring>
-
-#include "foundation/fault.h"
-#include "foundation/text.h"
 
 void keltra::takeText(char (&target)[256], const char *text, const char *call, const char *argument) {
     // Checked first: the text may be the target itself.

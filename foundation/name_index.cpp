@@ -1,9 +1,9 @@
 #include "foundation/name_index.h"
 
+#include "platform/platform.h"
+
 #include <cstdlib>
 #include <cstring>
-
-#include "platform/platform.h"
 
 namespace keltra {
 

@@ -3,16 +3,16 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
-#include <algorithm>
-#include <climits>
-#include <cstdint>
-#include <cstring>
-
 #include "foundation/fault.h"
 #include "gui/events.h"
 #include "gui/geometry.h"
 #include "scene/node_class.h"
 #include "scene/tree_walk.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstring>
 
 long KTBOX::counter = 0;
 KTLISTED<KTBOX> *KTBOX::allBoxes = nullptr;

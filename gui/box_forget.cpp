@@ -1,5 +1,4 @@
 #include <keltra/box.h>
-
 #include <keltra/label.h>
 #include <keltra/scrollbar.h>
 #include <keltra/window.h>

@@ -1,7 +1,4 @@
 #include <keltra/box.h>
-
-#include <GLES/gl.h>
-
 #include <keltra/element.h>
 #include <keltra/glbridge.h>
 #include <keltra/opengl.h>
@@ -13,6 +10,8 @@
 #include "gui/widgets.h"
 #include "gui/window_around.h"
 #include "math/fixed.h"
+
+#include <GLES/gl.h>
 
 namespace {
 

@@ -3,12 +3,12 @@
 #include <keltra/font.h>
 #include <keltra/opengl.h>
 
-#include <cstdint>
-#include <cstdio>
-
 #include "foundation/argument.h"
 #include "foundation/fault.h"
 #include "gui/widgets.h"
+
+#include <cstdint>
+#include <cstdio>
 
 namespace {
 

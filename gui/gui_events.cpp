@@ -1,5 +1,4 @@
 #include <keltra/element.h>
-
 #include <keltra/settings.h>
 #include <keltra/textfield.h>
 

@@ -7,11 +7,6 @@
 #include <keltra/texture.h>
 #include <keltra/window.h>
 
-#include <tinyxml.h>
-
-#include <cstring>
-#include <new>
-
 #include "formats/gui.h"
 #include "formats/limits.h"
 #include "formats/xml_check.h"
@@ -22,6 +17,11 @@
 #include "foundation/text.h"
 #include "gui/gui_file.h"
 #include "scene/node_class.h"
+
+#include <tinyxml.h>
+
+#include <cstring>
+#include <new>
 
 namespace {
 

@@ -3,13 +3,13 @@
 #include <keltra/font.h>
 #include <keltra/opengl.h>
 
-#include <cstdarg>
-#include <cstdio>
-
 #include "foundation/fault.h"
 #include "foundation/text.h"
 #include "gui/widgets.h"
 #include "gui/window_around.h"
+
+#include <cstdarg>
+#include <cstdio>
 
 namespace {
 

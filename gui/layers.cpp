@@ -1,9 +1,9 @@
 #include <keltra/box.h>
 #include <keltra/element.h>
 
-#include <algorithm>
-
 #include "gui/widgets.h"
+
+#include <algorithm>
 
 namespace {
 

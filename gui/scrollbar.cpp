@@ -1,12 +1,11 @@
 #include <keltra/scrollbar.h>
 
+#include "foundation/fault.h"
+#include "gui/geometry.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <new>
-
-#include "foundation/fault.h"
-
-#include "gui/geometry.h"
 
 namespace {
 

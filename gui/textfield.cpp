@@ -5,13 +5,13 @@
 #include <keltra/glbridge.h>
 #include <keltra/opengl.h>
 
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
-
 #include "foundation/fault.h"
 #include "gui/widgets.h"
 #include "gui/window_around.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 
 namespace {
 

@@ -1,11 +1,17 @@
 #include <keltra/window.h>
 
-#include <GLES/gl.h>
-
 #include <keltra/font.h>
 #include <keltra/glbridge.h>
 #include <keltra/opengl.h>
 #include <keltra/settings.h>
+
+#include "core/glbridge.h"
+#include "foundation/fault.h"
+#include "foundation/text.h"
+#include "gui/geometry.h"
+#include "gui/widgets.h"
+
+#include <GLES/gl.h>
 
 #include <algorithm>
 #include <cstdarg>
@@ -13,12 +19,6 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
-
-#include "core/glbridge.h"
-#include "foundation/fault.h"
-#include "foundation/text.h"
-#include "gui/geometry.h"
-#include "gui/widgets.h"
 
 const unsigned int KTWINDOW::textSize;
 

@@ -1,11 +1,11 @@
 #include <keltra/matrix.h>
 
-#include <algorithm>
-#include <cmath>
-
 #include "math/sine.h"
 #include "math/sparse.h"
 #include "math/square_root.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 

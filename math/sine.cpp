@@ -1,9 +1,9 @@
 #include "math/sine.h"
 
+#include "math/float_bits.h"
+
 #include <cmath>
 #include <cstdint>
-
-#include "math/float_bits.h"
 
 // On soft-float ARM the two results take some 400 instructions, those of the C library 2,700. A test compares
 // all floats below 1,024 with the library.

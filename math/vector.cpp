@@ -1,11 +1,11 @@
 #include <keltra/vector.h>
 
-#include <cmath>
-#include <cstdlib>
-
 #include "foundation/fault.h"
 #include "math/soft_arm.h"
 #include "math/square_root.h"
+
+#include <cmath>
+#include <cstdlib>
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include "platform/platform.h"
 
 #include <SDL_syswm.h>
-
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/mman.h>

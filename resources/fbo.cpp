@@ -1,4 +1,5 @@
 #include <keltra/fbo.h>
+
 #include <keltra/opengl.h>
 #include <keltra/texture.h>
 

@@ -1,4 +1,5 @@
 #include <keltra/font.h>
+
 #include <keltra/foundation.h>
 #include <keltra/opengl.h>
 #include <keltra/texture.h>

@@ -3,14 +3,13 @@
 #include <keltra/font.h>
 
 #include "foundation/fault.h"
+#include "resources/text_escape.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
-
-#include "resources/text_escape.h"
 
 namespace {
 

@@ -3,14 +3,14 @@
 #include <keltra/mesh.h>
 #include <keltra/node.h>
 
-#include <algorithm>
-#include <cstring>
-
 #include "foundation/argument.h"
 #include "foundation/fault.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
 #include "scene/tree_walk.h"
+
+#include <algorithm>
+#include <cstring>
 
 template <>
 struct keltra::ObjectMemory<KTANIM> {

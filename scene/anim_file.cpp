@@ -1,12 +1,12 @@
 #include <keltra/anim.h>
 
-#include <cstdio>
-#include <cstring>
-
 #include "formats/anim_record.h"
 #include "foundation/file_bytes.h"
 #include "foundation/text.h"
 #include "platform/platform.h"
+
+#include <cstdio>
+#include <cstring>
 
 namespace {
 

@@ -6,10 +6,6 @@
 #include <keltra/material.h>
 #include <keltra/mesh.h>
 
-#include <algorithm>
-#include <cmath>
-#include <new>
-
 #include "core/glbridge.h"
 #include "core/holders.h"
 #include "formats/limits.h"
@@ -20,6 +16,10 @@
 #include "scene/node_class.h"
 #include "scene/render_list.h"
 #include "scene/tree_walk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
 
 static_assert(KTELEMENT::maxElements == keltra::kMaxElements, "as the tools say");
 

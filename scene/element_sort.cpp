@@ -2,16 +2,16 @@
 #include <keltra/light.h>
 #include <keltra/material.h>
 
+#include "math/soft_arm.h"
+#include "math/square_root.h"
+#include "scene/element_radius.h"
+#include "scene/node_class.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-
-#include "math/soft_arm.h"
-#include "math/square_root.h"
-#include "scene/element_radius.h"
-#include "scene/node_class.h"
 
 namespace {
 

@@ -10,8 +10,16 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "core/gl_state.h"
+#include "core/holders.h"
+#include "formats/blend_factor.h"
+#include "formats/limits.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
+#include "math/fixed.h"
+#include "math/float_bits.h"
+#include "math/sparse.h"
+#include "math/square_root.h"
 
 #include <GLES/gl.h>
 
@@ -21,15 +29,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
-
-#include "core/gl_state.h"
-#include "core/holders.h"
-#include "formats/blend_factor.h"
-#include "formats/limits.h"
-#include "math/fixed.h"
-#include "math/float_bits.h"
-#include "math/sparse.h"
-#include "math/square_root.h"
 
 static_assert(KTEMITTER::maxParticles == keltra::kMaxParticles, "as the check of emitter files says");
 

@@ -1,15 +1,14 @@
 #include <keltra/emitter.h>
-
 #include <keltra/texture.h>
+
+#include "formats/emitter.h"
+#include "formats/xml_check.h"
+#include "formats/xml_document.h"
 
 #include <tinyxml.h>
 
 #include <cstring>
 #include <new>
-
-#include "formats/emitter.h"
-#include "formats/xml_check.h"
-#include "formats/xml_document.h"
 
 namespace {
 

@@ -3,14 +3,14 @@
 #include <keltra/material.h>
 #include <keltra/opengl.h>
 
-#include <algorithm>
-#include <new>
-
 #include "core/holders.h"
 #include "formats/limits.h"
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
+
+#include <algorithm>
+#include <new>
 
 static_assert(KTMESH::maxSkins == keltra::kMaxSkins && KTMESH::maxBones == keltra::kMaxSkinBones,
               "as the checks of scene files say");

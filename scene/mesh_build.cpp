@@ -4,16 +4,16 @@
 #include <keltra/mesh.h>
 #include <keltra/shader.h>
 
-#include <algorithm>
-#include <cstring>
-#include <new>
-
 #include "formats/limits.h"
 #include "formats/scene_faults.h"
 #include "formats/trusted_record.h"
 #include "foundation/block.h"
 #include "math/fixed.h"
 #include "scene/skinning.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
 
 namespace {
 

@@ -1,12 +1,9 @@
-#include <keltra/mesh.h>
-
-#include <GLES/gl.h>
-
 #include <keltra/element.h>
 #include <keltra/engine_state.h>
 #include <keltra/glbridge.h>
 #include <keltra/light.h>
 #include <keltra/material.h>
+#include <keltra/mesh.h>
 #include <keltra/opengl.h>
 #include <keltra/settings.h>
 #include <keltra/shader.h>
@@ -17,6 +14,8 @@
 #include "foundation/fault.h"
 #include "math/fixed.h"
 #include "scene/node_class.h"
+
+#include <GLES/gl.h>
 
 // What the GL is given for one draw; null arrays stay off.
 struct KTMESH::DRAWING {

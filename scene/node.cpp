@@ -1,11 +1,11 @@
 #include <keltra/node.h>
 
-#include <cstring>
-
 #include "core/holders.h"
 #include "foundation/argument.h"
 #include "foundation/block.h"
 #include "foundation/registry.h"
+
+#include <cstring>
 
 template <>
 struct keltra::PublicFields<KTNODE> {

@@ -1,9 +1,9 @@
 #include <keltra/node.h>
 
+#include "foundation/block.h"
+
 #include <algorithm>
 #include <cstdint>
-
-#include "foundation/block.h"
 
 KTLISTED<KTNODE> *KTNODE::borrowers = nullptr;
 

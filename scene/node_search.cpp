@@ -1,8 +1,8 @@
 #include <keltra/node.h>
 
-#include <cstring>
-
 #include "scene/tree_walk.h"
+
+#include <cstring>
 
 namespace {
 

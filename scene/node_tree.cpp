@@ -1,16 +1,15 @@
-#include <keltra/node.h>
-
 #include <keltra/foundation.h>
 #include <keltra/glbridge.h>
-
-#include <algorithm>
-#include <cstring>
+#include <keltra/node.h>
 
 #include "core/glbridge.h"
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "scene/local_transform.h"
 #include "scene/tree_walk.h"
+
+#include <algorithm>
+#include <cstring>
 
 KTNODE *KTNODE::ancestors[64];
 

@@ -6,10 +6,6 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
-#include <cstdio>
-#include <cstring>
-#include <new>
-
 #include "formats/scene_faults.h"
 #include "formats/trusted_record.h"
 #include "foundation/file_bytes.h"
@@ -18,6 +14,10 @@
 #include "scene/mesh_build.h"
 #include "scene/node_class.h"
 #include "scene/tree_walk.h"
+
+#include <cstdio>
+#include <cstring>
+#include <new>
 
 namespace {
 

@@ -3,13 +3,13 @@
 #include <keltra/mesh.h>
 #include <keltra/shader.h>
 
-#include <algorithm>
-
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
 #include "scene/bone_finder.h"
 #include "scene/skin_kernel.h"
+
+#include <algorithm>
 
 namespace {
 
