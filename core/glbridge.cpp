@@ -35,6 +35,9 @@ unsigned int deepDepth;
 // Whether the GL has a level for the current depth.
 bool isInGL() { return sizes[current] == 0 || depths[current] < sizes[current]; }
 
+const float kIdentity[16] = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f,
+                             0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f};
+
 float *top() { return mirror[current * kLevels + depths[current]]; }
 
 // top := m x top, where the last row of m is (0, 0, 0, 1) and m does not translate.
@@ -108,8 +111,8 @@ namespace keltra {
 void resetMatrixMirror() {
     for (current = kStacks - 1; current > 0; --current)
         while (depths[current])
-            std::memcpy(mirror[current * kLevels + depths[current]--], R3XMATRIX().m, sizeof mirror[0]);
-    while (depths[0]) std::memcpy(mirror[depths[0]--], R3XMATRIX().m, sizeof mirror[0]);
+            std::memcpy(mirror[current * kLevels + depths[current]--], kIdentity, sizeof mirror[0]);
+    while (depths[0]) std::memcpy(mirror[depths[0]--], kIdentity, sizeof mirror[0]);
     deepDepth = 0;
 }
 
@@ -144,6 +147,13 @@ void rotateAbout(int axis, float degrees) {
     if (!turned) rotateTop(degrees, axis == 0, axis == 1, axis == 2);
     const GLfixed one = 1 << 16;
     glRotatex(toFixed(degrees), axis == 0 ? one : 0, axis == 1 ? one : 0, axis == 2 ? one : 0);
+}
+
+void loadMatrixAgain(const float *m) {
+    if (kSoftFloat)
+        loadKnown(m, top());
+    else
+        KT_glLoadMatrixf(m);
 }
 
 }  // namespace keltra
@@ -188,13 +198,12 @@ void KT_glMatrixMode(GLenum mode) {
 }
 
 void KT_glLoadIdentity() {
-    std::memcpy(top(), R3XMATRIX().m, sizeof mirror[0]);
+    std::memcpy(top(), kIdentity, sizeof mirror[0]);
     glLoadIdentity();
 }
 
 void KT_glLoadMatrixf(const float *m) {
     if (!m) return void(keltra::failNull("KT_glLoadMatrixf", "m"));
-    if (keltra::kSoftFloat) return loadKnown(m, top());
     std::memmove(top(), m, sizeof mirror[0]);
     glLoadMatrixx(Fixed16(m).v);
 }
@@ -246,7 +255,7 @@ void KT_glPushMatrix() {
 void KT_glPopMatrix() {
     if (depths[current] == 0) return void(keltra::failState("KT_glPopMatrix", "the matrix stack is empty"));
     const bool wasInGL = isInGL();
-    std::memcpy(top(), R3XMATRIX().m, sizeof mirror[0]);
+    std::memcpy(top(), kIdentity, sizeof mirror[0]);
     --depths[current];
     if (wasInGL)
         glPopMatrix();

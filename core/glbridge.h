@@ -14,6 +14,10 @@ void setStackSizes(unsigned int modelView, unsigned int projection);
 bool pushMatrix();
 void popMatrix();
 
+// KT_glLoadMatrixf for a matrix that is loaded many times a frame: its 16.16 values are kept, and used while
+// it is the same.
+void loadMatrixAgain(const float *m);
+
 // KT_glRotatef about a main axis, 0 for x to 2 for z.
 void rotateAbout(int axis, float degrees);
 

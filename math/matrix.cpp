@@ -1,6 +1,7 @@
 #include <keltra/matrix.h>
 
 #include "math/sine.h"
+#include "math/soft_arm.h"
 #include "math/sparse.h"
 #include "math/square_root.h"
 
@@ -17,6 +18,32 @@ using keltra::SineCosine;
 using keltra::sineCosine;
 
 float degrees(double radians) { return float(radians * kInversePi) * 180.0f; }
+
+// v[0] m[0] + v[1] m[4] + v[2] m[8]
+inline float dot(const float *v, const float *m) {
+#if defined(KELTRA_SOFT_ARM)
+    if (const std::uint32_t bits = keltraSumOfThree(v, m)) return keltra::floatOf(bits);
+#endif
+    return m[0] * v[0] + m[4] * v[1] + m[8] * v[2];
+}
+
+// The same with m[12].
+inline float place(const float *v, const float *m) {
+#if defined(KELTRA_SOFT_ARM)
+    if (const std::uint32_t bits = keltraSumOfFour(v, m)) return keltra::floatOf(bits);
+#endif
+    return dot(v, m) + m[12];
+}
+
+// a d - b c
+inline float minor(float a, float d, float b, float c) {
+#if defined(KELTRA_SOFT_ARM)
+    if (const std::uint32_t bits =
+            keltraDifference(keltra::bitsOf(a), keltra::bitsOf(d), keltra::bitsOf(b), keltra::bitsOf(c)))
+        return keltra::floatOf(bits);
+#endif
+    return a * d - b * c;
+}
 
 // One column of a product: the sums run over k from 0 to 3.
 inline void productColumn(const float *a, const float *b, float *result) {
@@ -62,9 +89,11 @@ R3XMATRIX R3XMATRIX::operator*(const R3XMATRIX &other) const {
 }
 
 R3XVECTOR4D R3XMATRIX::transform(const R3XVECTOR3D &v) const {
-    return R3XVECTOR4D(
-        m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12], m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13],
-        m[2] * v.x + m[6] * v.y + m[10] * v.z + m[14], m[3] * v.x + m[7] * v.y + m[11] * v.z + m[15]);
+    const float vector[3] = {v.x, v.y, v.z};
+    // The last row of a placement gives 1.
+    const bool last = keltra::kSoftFloat && keltra::areFinite(vector, 3) && keltra::hasPlainLastRow(m);
+    return R3XVECTOR4D(place(vector, m), place(vector, m + 1), place(vector, m + 2),
+                       last ? 1.0f : place(vector, m + 3));
 }
 
 R3XVECTOR4D R3XMATRIX::transform(const R3XVECTOR2D &v) const {
@@ -80,8 +109,8 @@ R3XVECTOR4D R3XMATRIX::transform(const R3XVECTOR4D &v) const {
 }
 
 R3XVECTOR3D R3XMATRIX::rotate(const R3XVECTOR4D &v) const {
-    return R3XVECTOR3D(m[0] * v.x + m[4] * v.y + m[8] * v.z, m[1] * v.x + m[5] * v.y + m[9] * v.z,
-                       m[2] * v.x + m[6] * v.y + m[10] * v.z);
+    const float vector[3] = {v.x, v.y, v.z};
+    return R3XVECTOR3D(dot(vector, m), dot(vector, m + 1), dot(vector, m + 2));
 }
 
 R3XVECTOR3D R3XMATRIX::rotate(const R3XVECTOR2D &v) const {
@@ -98,26 +127,31 @@ void R3XMATRIX::transpose() {
 }
 
 float R3XMATRIX::determinant() const {
-    return m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[8] * m[6]) +
-           m[2] * (m[4] * m[9] - m[8] * m[5]);
+    return m[0] * minor(m[5], m[10], m[6], m[9]) - m[1] * minor(m[4], m[10], m[8], m[6]) +
+           m[2] * minor(m[4], m[9], m[8], m[5]);
 }
 
 R3XMATRIX R3XMATRIX::inverse() const {
     R3XMATRIX result;
     float *R = result.m;
-    float r = 1.0f / determinant();
-    R[0] = (m[10] * m[5] - m[9] * m[6]) * r;
-    R[1] = -(m[10] * m[1] - m[9] * m[2]) * r;
-    R[2] = (m[6] * m[1] - m[5] * m[2]) * r;
-    R[4] = -(m[10] * m[4] - m[8] * m[6]) * r;
-    R[5] = (m[10] * m[0] - m[8] * m[2]) * r;
-    R[6] = -(m[6] * m[0] - m[4] * m[2]) * r;
-    R[8] = (m[9] * m[4] - m[8] * m[5]) * r;
-    R[9] = -(m[9] * m[0] - m[8] * m[1]) * r;
-    R[10] = (m[5] * m[0] - m[4] * m[1]) * r;
-    R[12] = -(m[14] * R[8] + m[13] * R[4] + m[12] * R[0]);
-    R[13] = -(m[14] * R[9] + m[13] * R[5] + m[12] * R[1]);
-    R[14] = -(m[14] * R[10] + m[13] * R[6] + m[12] * R[2]);
+    // The minors of the first column are those of the determinant.
+    const float first = minor(m[10], m[5], m[9], m[6]), second = minor(m[10], m[4], m[8], m[6]),
+                third = minor(m[9], m[4], m[8], m[5]);
+    const float r = 1.0f / (m[0] * first - m[1] * second + m[2] * third);
+    R[0] = first * r;
+    R[1] = -minor(m[10], m[1], m[9], m[2]) * r;
+    R[2] = minor(m[6], m[1], m[5], m[2]) * r;
+    R[4] = -second * r;
+    R[5] = minor(m[10], m[0], m[8], m[2]) * r;
+    R[6] = -minor(m[6], m[0], m[4], m[2]) * r;
+    R[8] = third * r;
+    R[9] = -minor(m[9], m[0], m[8], m[1]) * r;
+    R[10] = minor(m[5], m[0], m[4], m[1]) * r;
+    const float back[3] = {m[14], m[13], m[12]};
+    for (int row = 0; row < 3; ++row) {
+        const float columns[9] = {R[8 + row], 0.0f, 0.0f, 0.0f, R[4 + row], 0.0f, 0.0f, 0.0f, R[row]};
+        R[12 + row] = -dot(back, columns);
+    }
     return result;
 }
 
@@ -126,15 +160,16 @@ void R3XMATRIX::setRotation(float angle, float x, float y, float z) {
     const int axis = keltra::mainAxis(x, y, z);
     if (axis >= 0 && keltra::isFinite(turn.sine)) return keltra::setTurn(turn, axis, m);
     float s = turn.sine, c = turn.cosine, u = 1.0f - c;
-    m[0] = u * x * x + c;
-    m[1] = u * y * x + s * z;
-    m[2] = u * z * x - s * y;
-    m[4] = u * x * y - s * z;
-    m[5] = u * y * y + c;
-    m[6] = s * x + u * z * y;
-    m[8] = s * y + u * z * x;
-    m[9] = u * z * y - s * x;
-    m[10] = u * z * z + c;
+    const float ux = u * x, uy = u * y, uz = u * z, sx = s * x, sy = s * y, sz = s * z;
+    m[0] = keltra::multiplyAdd(ux, x, c);
+    m[1] = keltra::multiplyAdd(uy, x, sz);
+    m[2] = keltra::multiplyAdd(uz, x, -sy);
+    m[4] = keltra::multiplyAdd(ux, y, -sz);
+    m[5] = keltra::multiplyAdd(uy, y, c);
+    m[6] = keltra::multiplyAdd(uz, y, sx);
+    m[8] = keltra::multiplyAdd(uz, x, sy);
+    m[9] = keltra::multiplyAdd(uz, y, -sx);
+    m[10] = keltra::multiplyAdd(uz, z, c);
     m[3] = m[7] = m[11] = m[12] = m[13] = m[14] = 0.0f;
     m[15] = 1.0f;
 }

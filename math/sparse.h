@@ -104,14 +104,17 @@ inline float sumOfFour(const float *a, const float *b, bool dense) {
     return keltra::sum(sumOfThree(a, b, floatOf(kSignBit), dense), b[12]);
 }
 
-// A placement's last row is (0, 0, 0, 1), with zeros that are positive, and everything is finite. A dense one
+// (0, 0, 0, 1), with zeros that are positive.
+inline bool hasPlainLastRow(const float *m) {
+    return (bitsOf(m[3]) | bitsOf(m[7]) | bitsOf(m[11]) | (bitsOf(m[15]) ^ kOneBits)) == 0;
+}
+
+// Whether the last row is plain and everything is finite. A dense placement
 // rotates and scales without a zero.
 enum class Placement { kNone, kSparse, kDense };
 
 inline Placement placementOf(const float *m) {
-    if (((bitsOf(m[3]) | bitsOf(m[7]) | bitsOf(m[11])) | (bitsOf(m[15]) ^ kOneBits)) != 0 ||
-        !areFinite(m + 12, 3))
-        return Placement::kNone;
+    if (!hasPlainLastRow(m) || !areFinite(m + 12, 3)) return Placement::kNone;
     Placement placement = Placement::kDense;
     for (int i = 0; i < 11; ++i) {
         if (i % 4 == 3 || isOrdinary(m[i])) continue;

@@ -2,6 +2,7 @@
 #include <keltra/light.h>
 #include <keltra/material.h>
 
+#include "math/float_bits.h"
 #include "math/soft_arm.h"
 #include "math/square_root.h"
 #include "scene/element_radius.h"
@@ -17,7 +18,7 @@ namespace {
 
 constexpr std::int32_t kInfinityBits = 0x7f800000;
 
-enum Rank { kLight, kOpaque, kTransparent };
+enum Rank : unsigned char { kLight, kOpaque, kTransparent, kRanks };
 
 // By the transparency value, while KTELEMENT::append counts by KTMATERIAL::isTransparent: two separate tests.
 // When they disagree, the back-to-front sort covers as many entries as were counted. Deliberate: applications
@@ -28,7 +29,8 @@ Rank rankOf(const KTNODE *node) {
     if (node->type == KT_EMITTER || node->type == KT_HELPER) return kTransparent;
     const KTMESH *mesh = keltra::asTyped<KTMESH>(node);
     const KTMATERIAL *material = mesh ? mesh->material : nullptr;
-    return material && material->getTransparency() != 1.0f ? kTransparent : kOpaque;
+    return material && keltra::bitsOf(material->getTransparency()) != keltra::kOneBits ? kTransparent
+                                                                                       : kOpaque;
 }
 
 // Maps floats to integers in the same order: a total order whatever the data, and integer comparisons on a
@@ -60,6 +62,7 @@ struct Keyed {
 };
 
 Keyed keyed[KTELEMENT::maxElements];
+Rank ranks[KTELEMENT::maxElements];
 
 float distanceBetween(const R3XMATRIX &matrix, const R3XVECTOR3D &position) {
 #if defined(KELTRA_SOFT_ARM)
@@ -91,14 +94,17 @@ void sortByKey(KTELEMENT **entries, unsigned int count, Key key) {
 
 }  // namespace
 
-// Three ranks need no comparisons: the order is written rank by rank from the list itself.
+// Three ranks need no comparisons: they are counted, and each entry has its place.
 bool KTELEMENT::sort3D() {
     if (numberOfPassedElements == 0) return false;
     if (numberOfLights == 0 && numberOfTransparencies == 0) return true;
-    unsigned int filled = 0;
-    for (Rank rank : {kLight, kOpaque, kTransparent})
-        for (unsigned int i = 0; i < numberOfPassedElements; ++i)
-            if (rankOf(element[i].node) == rank) elementPointer[filled++] = &element[i];
+    unsigned int places[kRanks] = {};
+    for (unsigned int i = 0; i < numberOfPassedElements; ++i) ++places[ranks[i] = rankOf(element[i].node)];
+    places[kTransparent] = places[kLight] + places[kOpaque];
+    places[kOpaque] = places[kLight];
+    places[kLight] = 0;
+    for (unsigned int i = 0; i < numberOfPassedElements; ++i)
+        elementPointer[places[ranks[i]]++] = &element[i];
     if (numberOfTransparencies < 2) return true;
     unsigned int tail = std::min(numberOfTransparencies, numberOfPassedElements);
     KTELEMENT **end = elementPointer + numberOfPassedElements;

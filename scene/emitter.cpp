@@ -20,6 +20,7 @@
 #include "math/float_bits.h"
 #include "math/sparse.h"
 #include "math/square_root.h"
+#include "scene/billboard.h"
 
 #include <GLES/gl.h>
 
@@ -53,11 +54,12 @@ struct KTEMITTER::BILLBOARD {
 
 namespace {
 
+using keltra::kColorBytes;
+using keltra::kCorners;
+
 enum EmitterType { kPoint, kRectangle, kDisc };
 
-constexpr unsigned int kCorners = 4;
 constexpr unsigned int kVertices = KTEMITTER::maxParticles * kCorners;
-constexpr unsigned int kColorBytes = 4;
 constexpr float kEnergyLoss = 0.5f;  // a second
 constexpr float kAlphaLimit = 0.2f;
 
@@ -100,66 +102,36 @@ R3XVECTOR3D randomAlong(const R3XVECTOR3D &direction, unsigned int maximum) {
     return R3XVECTOR3D(x, y, randomBelow(maximum) * direction.z);
 }
 
-// The low byte of the truncated product. Deliberate: components beyond 1 wrap around; emitter files rely on
-// it. A product beyond any integer is a multiple of 256, or not a number.
-unsigned char colorByte(float component) {
-    const float value = component * 255.0f;
-    if (keltra::kSoftFloat) return keltra::lowByteByIntegers(value);
-    if (!(std::fabs(value) < 9.0e18f)) return 0;
-    return static_cast<unsigned char>(static_cast<std::int64_t>(value) & 0xff);
-}
-
-void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
-    const unsigned char rgba[kColorBytes] = {colorByte(color.x), colorByte(color.y), colorByte(color.z),
-                                             colorByte(color.w)};
-    // On ARM a copy of four bytes is a call.
-    if (keltra::kSoftFloat)
-        for (unsigned int i = 0; i < kCorners * kColorBytes; ++i) bytes[i] = rgba[i % kColorBytes];
-    else
-        for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(bytes + i * kColorBytes, rgba, sizeof rgba);
-}
-
-// -a - b, where `sum` is a + b: its negative has the same bits unless it is zero or not finite.
-float negated(float sum, float a, float b) { return keltra::isOrdinary(sum) ? -sum : -a - b; }
-
-// One coordinate of all corners, without a floating-point unit.
-void writeCoordinate(float place, float right, float up, float scale, float *corners) {
-#if defined(KELTRA_SOFT_ARM)
-    if (keltraCorners(keltra::bitsOf(place), keltra::bitsOf(right), keltra::bitsOf(up), keltra::bitsOf(scale),
-                      corners))
-        return;
-#endif
-    const float middle = place * scale, r = right * scale, u = up * scale;
-    const float sum = keltra::sum(u, r), difference = keltra::sum(-u, r);
-    corners[0] = middle + negated(sum, r, u);
-    corners[4] = middle + difference;
-    corners[8] = middle + sum;
-    corners[12] = middle + negated(difference, r, -u);
-}
-
-// Deliberate: the position is scaled like the square; emitter files rely on it.
-void writeCorners(const R3XVECTOR3D &position, float scale, R3XVECTOR3D right, R3XVECTOR3D up,
-                  R3XVECTOR4D *corners) {
-    if (keltra::kSoftFloat) {
-        writeCoordinate(position.x, right.x, up.x, scale, &corners->x);
-        writeCoordinate(position.y, right.y, up.y, scale, &corners->y);
-        writeCoordinate(position.z, right.z, up.z, scale, &corners->z);
-        for (unsigned int i = 0; i < kCorners; ++i) corners[i].w = 1.0f;
-        return;
-    }
-    const R3XVECTOR3D middle = position * scale;
-    right *= scale;
-    up *= scale;
-    corners[0] = middle + (-right - up);
-    corners[1] = middle + (right - up);
-    corners[2] = middle + (right + up);
-    corners[3] = middle + (-right + up);
-}
-
 // The GL refuses other factors; the default takes their place.
 GLenum blendFactor(unsigned int factor, bool isSource) {
     if (keltra::isBlendFactor(static_cast<int>(factor), isSource)) return factor;
     return isSource ? GL_SRC_ALPHA : GL_ONE_MINUS_SRC_ALPHA;
+}
+
+// An index outside the pool holds nothing.
+bool holdsAny(const int *slots, unsigned int count) {
+    bool any = false;
+    for (unsigned int i = 0; i < count; ++i) any |= static_cast<unsigned int>(slots[i]) < KTEMITTER::poolSize;
+    return any;
+}
+
+// So many particles of the arrays were cleared by the last emitter that was drawn.
+unsigned int cleared = 0;
+
+bool isClear(unsigned int corner) {
+    const R3XVECTOR4D origin;
+    std::uint32_t color;
+    std::memcpy(&color, KTEMITTER::colorArray + corner * kColorBytes, sizeof color);
+    return KTEMITTER::vertexArray[corner] == origin && color == 0;
+}
+
+// An emitter that found the pool empty draws its particles with no area, all of them at the origin. The next
+// such emitter finds the arrays as they are to be: the ends are looked at, since the arrays are public.
+void clearParticles(unsigned int count) {
+    if (count == 0 || (cleared >= count && isClear(0) && isClear(count * kCorners - 1))) return;
+    std::fill_n(KTEMITTER::vertexArray, count * kCorners, R3XVECTOR4D());
+    std::memset(KTEMITTER::colorArray, 0, count * kCorners * kColorBytes);
+    cleared = count;
 }
 
 int clampedNumber(int number) { return std::clamp(number, 0, static_cast<int>(KTEMITTER::maxParticles)); }
@@ -279,6 +251,7 @@ bool KTEMITTER::free() {
 }
 
 void KTEMITTER::freeArrays() {
+    cleared = 0;
     freeRecords(particle);
     freeRecords(vertexArray);
     freeRecords(uvArray);
@@ -421,6 +394,9 @@ bool KTEMITTER::render(void *data) {
 }
 
 void KTEMITTER::updateParticles() {
+    const unsigned int count = static_cast<unsigned int>(clampedNumber(numberOfParticles));
+    if (!holdsAny(slot, count)) return clearParticles(count);
+    cleared = 0;
     float m[16];
     KT_glGetFloatv(0, m);
     BILLBOARD billboard;
@@ -431,23 +407,16 @@ void KTEMITTER::updateParticles() {
     billboard.time = KTENGINESTATE::getFPSfactor();
     billboard.gravityStep = gravity * billboard.time;
     billboard.energyLoss = kEnergyLoss * billboard.time;
-    const unsigned int count = static_cast<unsigned int>(clampedNumber(numberOfParticles));
     R3XVECTOR4D *corners = vertexArray;
     unsigned char *colors = colorArray;
     for (unsigned int i = 0; i < count; ++i, corners += kCorners, colors += kCorners * kColorBytes) {
-        if (KTPARTICLE *held = heldParticle(i)) {
-            advance(*held, billboard, corners, colors);
+        if (KTPARTICLE *moved = heldParticle(i)) {
+            advance(*moved, billboard, corners, colors);
             continue;
         }
-        // Those that it does not hold are drawn with no area: all of them at the last corner before them.
-        unsigned int missing = 1;
-        while (i + missing < count && !heldParticle(i + missing)) ++missing;
-        const R3XVECTOR4D last = i ? corners[-1] : R3XVECTOR4D();
-        std::fill(corners, corners + missing * kCorners, last);
-        std::memset(colors, 0, missing * kCorners * kColorBytes);
-        i += missing - 1;
-        corners += (missing - 1) * kCorners;
-        colors += (missing - 1) * kCorners * kColorBytes;
+        // Drawn with no area: all of it at the last corner before it.
+        std::fill(corners, corners + kCorners, i ? corners[-1] : R3XVECTOR4D());
+        std::memset(colors, 0, kCorners * kColorBytes);
     }
 }
 
@@ -457,18 +426,19 @@ void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR
     moved.position = keltra::multiplyAdd(moved.velocity, billboard.time, moved.position);
     const float scale = std::fabs(moved.size - moved.energy);
     if (keltra::isZero(moved.spinAngle)) {
-        writeCorners(moved.position, scale, billboard.right, billboard.up, corners);
+        keltra::writeCorners(moved.position, scale, billboard.right, billboard.up, corners);
     } else {
         R3XMATRIX turn;
         turn.setRotation(moved.spinAngle, billboard.axis.x, billboard.axis.y, billboard.axis.z);
-        writeCorners(moved.position, scale, turn.rotate(billboard.right), turn.rotate(billboard.up), corners);
+        keltra::writeCorners(moved.position, scale, turn.rotate(billboard.right), turn.rotate(billboard.up),
+                             corners);
     }
     const float ratio = keltra::isZero(moved.initialEnergy) ? 0.0f : moved.energy / moved.initialEnergy;
     const R3XVECTOR3D rgb = keltra::multiplyAdd(colorDelta, -ratio, colorEnd);
     // Deliberate: alpha is the energy itself, not its ratio; emitter files rely on it.
     moved.color.set(rgb.x, rgb.y, rgb.z, moved.energy);
     moved.spinAngle = keltra::sum(moved.spinAngle, moved.spinSpeed * billboard.time);
-    writeColor(moved.color, colors);
+    keltra::writeColor(moved.color, colors);
     moved.energy -= billboard.energyLoss;
     if (!keltra::isPositive(moved.energy)) updateParticle(&moved);
 }

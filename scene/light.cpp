@@ -109,7 +109,7 @@ bool KTLIGHT::render(void *data) {
     const GLenum unit = GL_LIGHT0 + element->param1;
     glEnable(unit);
     loadParameters(unit);
-    KT_glLoadMatrixf(element->matrix.m);
+    keltra::loadMatrixAgain(element->matrix.m);
     keltra::applyRotation(rotation);
     GLfixed place[4] = {0, 0, 0, kOne}, spot[4] = {0, 0, 0, kOne};
     if (lightType == KT_LIGHT_DIRECTIONAL) {

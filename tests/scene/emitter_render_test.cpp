@@ -277,6 +277,35 @@ TEST_F(EmitterRenderTest, ParticlesThatAreNotHeldAreDrawnAsNothing) {
     }
 }
 
+// Several in a row clear the arrays once, unless something was written to them meanwhile.
+TEST_F(EmitterRenderTest, EmittersWithoutParticlesAreDrawnAsNothing) {
+    KTEMITTER first, second, empty, bigger;
+    first.setNumberOfParticles(512);
+    second.setNumberOfParticles(512);
+    empty.setNumberOfParticles(20);
+    bigger.setNumberOfParticles(30);
+    const auto expectNothing = [this](KTEMITTER &emitter) {
+        ASSERT_TRUE(render(emitter));
+        for (int i = 0; i < 4 * emitter.getNumberOfParticles(); ++i) {
+            ASSERT_TRUE(KTEMITTER::vertexArray[i] == R3XVECTOR4D()) << i;
+            ASSERT_EQ(KTEMITTER::colorArray[4 * i] | KTEMITTER::colorArray[4 * i + 3], 0) << i;
+        }
+    };
+    ASSERT_TRUE(render(first) && render(second));
+    for (int frame = 0; frame < 2; ++frame) {
+        for (KTEMITTER *emitter : {&empty, &empty, &bigger, &empty}) expectNothing(*emitter);
+        ASSERT_TRUE(render(second));
+        expectNothing(bigger);
+        KTEMITTER::vertexArray[119].set(1.0f, 2.0f, 3.0f, 1.0f);
+        expectNothing(bigger);
+        KTEMITTER::colorArray[3] = 9;
+        expectNothing(empty);
+        KTEMITTER::free();
+        ASSERT_TRUE(KTEMITTER::init());
+        ASSERT_TRUE(render(first) && render(second));
+    }
+}
+
 TEST_F(EmitterRenderTest, ASmallerNumberGivesRecordsBackAndALargerOneStartsAnew) {
     KTEMITTER emitter;
     emitter.setNumberOfParticles(20);

@@ -1,0 +1,77 @@
+#ifndef KELTRA_SCENE_BILLBOARD_H
+#define KELTRA_SCENE_BILLBOARD_H
+
+// The square of a particle: four corners and their colour.
+
+#include <keltra/vector.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "math/fixed.h"
+#include "math/soft_arm.h"
+#include "math/sparse.h"
+
+namespace keltra {
+
+constexpr unsigned int kCorners = 4;
+constexpr unsigned int kColorBytes = 4;
+
+// The low byte of the truncated product. Deliberate: components beyond 1 wrap around; emitter files rely on
+// it. A product beyond any integer is a multiple of 256, or not a number.
+inline unsigned char colorByte(float component) {
+    const float value = component * 255.0f;
+    if (kSoftFloat) return lowByteByIntegers(value);
+    if (!(std::fabs(value) < 9.0e18f)) return 0;
+    return static_cast<unsigned char>(static_cast<std::int64_t>(value) & 0xff);
+}
+
+inline void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
+    const unsigned char rgba[kColorBytes] = {colorByte(color.x), colorByte(color.y), colorByte(color.z),
+                                             colorByte(color.w)};
+    // On ARM a copy of four bytes is a call.
+    if (kSoftFloat)
+        for (unsigned int i = 0; i < kCorners * kColorBytes; ++i) bytes[i] = rgba[i % kColorBytes];
+    else
+        for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(bytes + i * kColorBytes, rgba, sizeof rgba);
+}
+
+// -a - b, where `sum` is a + b: its negative has the same bits unless it is zero or not finite.
+inline float negated(float sum, float a, float b) { return isOrdinary(sum) ? -sum : -a - b; }
+
+// One coordinate of all corners, without a floating-point unit.
+inline void writeCoordinate(float place, float right, float up, float scale, float *corners) {
+#if defined(KELTRA_SOFT_ARM)
+    if (keltraCorners(bitsOf(place), bitsOf(right), bitsOf(up), bitsOf(scale), corners)) return;
+#endif
+    const float middle = place * scale, r = right * scale, u = up * scale;
+    const float both = sum(u, r), difference = sum(-u, r);
+    corners[0] = middle + negated(both, r, u);
+    corners[4] = middle + difference;
+    corners[8] = middle + both;
+    corners[12] = middle + negated(difference, r, -u);
+}
+
+// Deliberate: the position is scaled like the square; emitter files rely on it.
+inline void writeCorners(const R3XVECTOR3D &position, float scale, R3XVECTOR3D right, R3XVECTOR3D up,
+                         R3XVECTOR4D *corners) {
+    if (kSoftFloat) {
+        writeCoordinate(position.x, right.x, up.x, scale, &corners->x);
+        writeCoordinate(position.y, right.y, up.y, scale, &corners->y);
+        writeCoordinate(position.z, right.z, up.z, scale, &corners->z);
+        for (unsigned int i = 0; i < kCorners; ++i) corners[i].w = 1.0f;
+        return;
+    }
+    const R3XVECTOR3D middle = position * scale;
+    right *= scale;
+    up *= scale;
+    corners[0] = middle + (-right - up);
+    corners[1] = middle + (right - up);
+    corners[2] = middle + (right + up);
+    corners[3] = middle + (-right + up);
+}
+
+}  // namespace keltra
+
+#endif
