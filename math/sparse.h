@@ -124,6 +124,20 @@ inline Placement placementOf(const float *m) {
     return placement;
 }
 
+// With zeros of both signs, as an inverse has them.
+inline bool isIdentity(const float *m) {
+    std::uint32_t others = 0;
+    for (int i = 0; i < 16; ++i) others |= i % 5 == 0 ? bitsOf(m[i]) ^ kOneBits : bitsOf(m[i]) << 1;
+    return others == 0;
+}
+
+// Whether a product with the identity is the matrix itself: a negative zero may become a positive one.
+inline bool isKeptByIdentity(const float *m) {
+    for (int i = 0; i < 16; ++i)
+        if (bitsOf(m[i]) == kSignBit || !isFinite(m[i])) return false;
+    return true;
+}
+
 // The axis that a rotation is about, 0 for x to 2 for z; -1 when it is none of the three.
 inline int mainAxis(float x, float y, float z) {
     const std::uint32_t bits[3] = {bitsOf(x), bitsOf(y), bitsOf(z)};

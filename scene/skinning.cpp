@@ -6,6 +6,7 @@
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
+#include "math/sparse.h"
 #include "scene/bone_finder.h"
 #include "scene/skin_kernel.h"
 
@@ -65,8 +66,12 @@ bool KTMESH::animate(unsigned int slot) {
     const R3XMATRIX *pool = boneMatrices + slot * maxBones;
     // The node is looked up once a draw; everything below works on the pool's matrices.
     const R3XMATRIX toReference = getFinalMatrix(kReferenceFrame).inverse();
-    for (unsigned int b = 0; b < boneCount; ++b)
-        skinMatrices[b] = bones[b].inverseBindMatrix * (pool[b] * toReference);
+    // A mesh that stands where its reference frame does needs one product a bone.
+    const bool inPlace = keltra::isIdentity(toReference.m);
+    for (unsigned int b = 0; b < boneCount; ++b) {
+        const bool kept = inPlace && keltra::isKeptByIdentity(pool[b].m);
+        skinMatrices[b] = bones[b].inverseBindMatrix * (kept ? pool[b] : pool[b] * toReference);
+    }
     if (usesSkinningShader()) {
         fillShaderBones(boneCount);
         return true;

@@ -130,6 +130,32 @@ TEST(SparseTest, PlacementsAreMultipliedAsPlainly) {
     }
 }
 
+TEST(SparseTest, ProductWithTheIdentityIsTheMatrixItselfWhereItSaysSo) {
+    AnyFloat any(6, true);
+    int kept = 0;
+    for (int i = 0; i < kTimes; ++i) {
+        R3XMATRIX identity;
+        for (int k = 0; k < 16; ++k)
+            if (k % 5 != 0 && (i >> k & 1)) identity.m[k] = -0.0f;
+        ASSERT_TRUE(isIdentity(identity.m));
+        Matrix matrix = anyMatrix(any, i & 1), product;
+        if (i & 2)
+            for (float &value : matrix.m) value = bitsOf(value) == kSignBit ? 0.0f : value;
+        const R3XMATRIX plain = R3XMATRIX(matrix.m) * identity;
+        std::copy(plain.m, plain.m + 16, product.m);
+        if (!isKeptByIdentity(matrix.m)) continue;
+        ++kept;
+        ASSERT_TRUE(isSame(product, matrix)) << i;
+    }
+    EXPECT_GT(kept, 1000);
+    R3XMATRIX other;
+    other.m[4] = 1e-40f;
+    EXPECT_FALSE(isIdentity(other.m));
+    other = R3XMATRIX();
+    other.m[10] = -1.0f;
+    EXPECT_FALSE(isIdentity(other.m));
+}
+
 // With a not-a-number or an infinity somewhere nothing is left out.
 TEST(SparseTest, WhatIsNotFiniteIsLeftToThePlainOperations) {
     AnyFloat any(5);
