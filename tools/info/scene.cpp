@@ -146,7 +146,10 @@ class Description : public SceneVisitor {
 
     void addUnknownMaterial(const MeshRecord &record) {
         NearestName nearest(record.material);
-        for (std::string_view known : materials) nearest.offer(known.data());
+        // As many as the engine compares: a file may have any number of wrong names and of right ones.
+        constexpr std::size_t kMostCompared = 64;
+        if (unknownMaterials.size() <= kMostCompared)
+            for (std::string_view known : materials) nearest.offer(known.data());
         addFault(result, unknownMaterial(record.name, record.material, nearest.name()));
     }
 

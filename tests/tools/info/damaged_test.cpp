@@ -3,6 +3,7 @@
 
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
+#include "tests/support/cpu_time.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
 #include "tools/info/print.h"
@@ -123,6 +124,24 @@ TEST(DamagedFiles, NoBytesAtAllAreJudged) {
         const info::Inspection result = info::inspect(info::kindOfName(name), nullptr, 0);
         EXPECT_EQ(result.good, name == "settings") << name;
     }
+}
+
+// Each wrong name could be compared with every right one.
+TEST(DamagedFiles, ManyUnknownMaterialsTakeTimeBySizeOnly) {
+    formats::Scene scene = sceneOf(plainNode("root"));
+    for (int i = 0; i < 30000; ++i) {
+        formats::Material material;
+        material.name = "m" + std::to_string(i);
+        material.texture = material.shader = "[none]";
+        scene.materials.push_back(material);
+        formats::Node mesh = boneNode("mesh");
+        mesh.mesh.material = "M" + std::to_string(i) + "x";
+        scene.root.children.push_back(mesh);
+    }
+    const Bytes bytes = formats::writeKte(scene, formats::KteVersion::k16a);
+    const CpuTime time;
+    EXPECT_TRUE(info::inspect(FileKind::kScene, bytes.data(), bytes.size()).good);
+    EXPECT_LT(time.seconds(), kLongestSeconds);
 }
 
 }  // namespace
