@@ -19,6 +19,8 @@
 
 #include <EGL/egl.h>
 
+#include <algorithm>
+
 namespace {
 
 // Nothing fills the table of targets yet.
@@ -65,7 +67,9 @@ void loadPixelProjection() {
     KT_glMatrixMode(GL_PROJECTION);
     KT_glPushMatrix();
     KT_glLoadIdentity();
-    float right = static_cast<float>(KTSETTINGS::windowX), bottom = static_cast<float>(KTSETTINGS::windowY);
+    // The GL refuses an empty volume, as `KTOPENGL::resize` knows too.
+    float right = static_cast<float>(std::max(KTSETTINGS::windowX, 1)),
+          bottom = static_cast<float>(std::max(KTSETTINGS::windowY, 1));
     if (KTSETTINGS::landscape) {
         KT_glRotatef(90.0f, 0.0f, 0.0f, 1.0f);
         KT_glOrtho(0.0f, bottom, right, 0.0f, 0.0f, 1.0f);

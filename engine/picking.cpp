@@ -7,6 +7,8 @@
 
 #include "core/gl_state.h"
 
+#include <algorithm>
+
 namespace {
 
 struct Pixel {
@@ -52,7 +54,8 @@ void pushMatrices() {
 // Deliberate: a pixel projection is set up and at once replaced by the pops; applications rely on the
 // viewport set between them.
 void restoreMatrices(int savedWidth) {
-    float right = static_cast<float>(KTSETTINGS::windowX), bottom = static_cast<float>(KTSETTINGS::windowY);
+    float right = static_cast<float>(std::max(KTSETTINGS::windowX, 1)),
+          bottom = static_cast<float>(std::max(KTSETTINGS::windowY, 1));
     keltra::setDepthTest(false);
     KT_glMatrixMode(GL_PROJECTION);
     KT_glLoadIdentity();

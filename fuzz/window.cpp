@@ -15,7 +15,10 @@ char *SDL_GetError() {
     static char none[] = "";
     return none;
 }
-int SDL_VideoModeOK(int, int, int depth, Uint32) { return depth; }
+int SDL_VideoModeOK(int width, int height, int depth, Uint32) {
+    const int largest = 16384;
+    return width >= 0 && height >= 0 && width <= largest && height <= largest ? depth : 0;
+}
 SDL_Surface *SDL_SetVideoMode(int, int, int, Uint32) {
     static SDL_Surface surface;
     return &surface;

@@ -101,5 +101,21 @@ TEST_F(GlLimitsTest, AnEmitterWithFactorsThatTheGlLacksBlendsAsByDefault) {
     }
 }
 
+// Settings may ask for such a window, and some systems give one.
+TEST_F(GlLimitsTest, AWindowWithoutPixelsIsDrawnWithoutAnError) {
+    const int width = KTSETTINGS::windowX, height = KTSETTINGS::windowY;
+    for (int x : {0, width}) {
+        ASSERT_TRUE(KTSETTINGS::resize(0, 0, x, 0));
+        KELTRA::clear(true, true, false);
+        KELTRA::begin3D(nullptr);
+        KELTRA::end3D();
+        KELTRA::select(0, 0);
+        KELTRA::begin2D();
+        KELTRA::end2D();
+        expectNoGlError();
+    }
+    EXPECT_TRUE(KTSETTINGS::resize(0, 0, width, height));
+}
+
 }  // namespace
 }  // namespace keltra::test
