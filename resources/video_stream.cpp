@@ -132,6 +132,11 @@ void beginSequence(KTVIDEOSTREAM &stream) {
         return skipSequence(stream);
     }
     stream.converted = mpeg2_convert(stream.decoder, mpeg2convert_rgb24, nullptr) == 0;
+    if (stream.converted) return;
+    KTFAULT fault = newFault(KT_FAULT_DATA);
+    setFaultText(fault.field, faultText("sequence header"));
+    setFaultText(fault.expected, faultText("its pictures cannot be shown in RGB"));
+    warnFault("KTVIDEO::update", fault);
 }
 
 void readOn(KTVIDEOSTREAM &stream) {
