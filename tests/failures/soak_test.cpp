@@ -1,0 +1,71 @@
+// A whole program over and over in one process: nothing that it takes from the system may grow.
+// KELTRA_SOAK_MINUTES goes on for so long; otherwise some runs are made.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/failures/injector.h"
+#include "tests/failures/program.h"
+#include "tests/support/allocations.h"
+#include "tests/support/gl_recorder.h"
+
+namespace keltra::test {
+namespace {
+
+// What the process holds.
+struct Held {
+    long mappings = 0, files = 0, kilobytes = 0;
+    std::size_t blocks = 0;  // of the engine
+};
+
+Held held() {
+    Held now;
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) ++now.mappings;
+    for ([[maybe_unused]] const auto &file : std::filesystem::directory_iterator("/proc/self/fd"))
+        ++now.files;
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (word == "VmRSS:") status >> now.kilobytes;
+    now.blocks = Injector::live();
+    return now;
+}
+
+TEST(SoakTest, NothingGrows) {
+    constexpr long kFirst = 5;  // until the driver has what it keeps
+    const char *given = std::getenv("KELTRA_SOAK_MINUTES");
+    const auto end =
+        std::chrono::steady_clock::now() + std::chrono::seconds(given ? 60 * std::atol(given) : 0);
+    if (Allocations::canFail()) Injector::start(Failing::kNothing, 0);
+    GlRecorder::setRecording(false);
+    Program program;
+    Held before;
+    Image picture;
+    long runs = 0;
+    for (; runs < 3 * kFirst || std::chrono::steady_clock::now() < end; ++runs) {
+        if (runs == kFirst) before = held();
+        const ProgramRun run = program.run();
+        ASSERT_TRUE(run.failed.empty()) << run.failed[0];
+        ASSERT_EQ(run.faults, 0u);
+        if (runs == 0) picture = run.picture;
+        ASSERT_TRUE(run.picture.pixels == picture.pixels) << "run " << runs;
+    }
+    const Held after = held();
+    std::printf("%ld runs: mappings %ld to %ld, files %ld to %ld, memory %ld to %ld KB\n", runs,
+                before.mappings, after.mappings, before.files, after.files, before.kilobytes,
+                after.kilobytes);
+    EXPECT_EQ(after.blocks, before.blocks);
+    EXPECT_LE(after.files, before.files);
+    // The C library's arenas come and go.
+    EXPECT_LE(after.mappings, before.mappings + 4 + runs / 100);
+    EXPECT_LE(after.kilobytes, before.kilobytes + 4096);
+    AllocationWatch::install(nullptr);
+    GlRecorder::setRecording(true);
+}
+
+}  // namespace
+}  // namespace keltra::test
