@@ -18,7 +18,9 @@
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
 #define KELTRA_SKIN_AVX2
 #pragma GCC diagnostic push
+#if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // GCC 12 warns of its own AVX-512 functions
+#endif
 #include <immintrin.h>
 #pragma GCC diagnostic pop
 #endif
