@@ -80,6 +80,7 @@ KTBOX &KTBOX::operator=(const KTBOX &other) {
 // Deliberate: a use of the texture stays counted; applications keep textures resident this way.
 KTBOX::~KTBOX() {
     keltra::forgetInEvents(this);
+    KTLISTED<KTBOX>::leaveList();  // what is left of it is no window
     if (partOf) forgetPart();
 }
 
