@@ -45,5 +45,6 @@ EGLBoolean eglSwapBuffers(EGLDisplay, EGLSurface) { return EGL_TRUE; }
 EGLBoolean eglDestroyContext(EGLDisplay, EGLContext) { return EGL_TRUE; }
 EGLBoolean eglDestroySurface(EGLDisplay, EGLSurface) { return EGL_TRUE; }
 EGLBoolean eglTerminate(EGLDisplay) { return EGL_TRUE; }
+EGLBoolean eglReleaseThread() { return EGL_TRUE; }
 EGLint eglGetError() { return EGL_SUCCESS; }
 }
