@@ -49,7 +49,13 @@ void beginQuads(const KTBOX &box) {
 }
 
 void setQuadColor(const FixedColor &color) {
-    for (int i = 0; i < 16; ++i) quadColors[i] = color.rgba[i % 4];
+    const GLfixed r = color.rgba[0], g = color.rgba[1], b = color.rgba[2], a = color.rgba[3];
+    for (GLfixed *corner = quadColors; corner != quadColors + 16; corner += 4) {
+        corner[0] = r;
+        corner[1] = g;
+        corner[2] = b;
+        corner[3] = a;
+    }
 }
 
 void drawQuad(GLfixed left, GLfixed top, GLfixed right, GLfixed bottom) {
