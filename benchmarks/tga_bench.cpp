@@ -1,6 +1,7 @@
 // Decoding a 512 x 512 Targa image of 32 bits, against a plain copy of the same bytes.
 
 #include <benchmark/benchmark.h>
+#include <keltra/texture.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -10,6 +11,8 @@
 #include <vector>
 
 #include "formats/tga.h"
+#include "tests/support/gl_recorder.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 
@@ -95,6 +98,26 @@ void decodeUncompressed(benchmark::State &state) { decode(state, uncompressedFil
 
 void decodeRunLength(benchmark::State &state) { decode(state, runLengthFile()); }
 
+// From the file to the texture object: read, decoded, uploaded with all its smaller levels to a GL that does
+// nothing.
+void loadTexture(benchmark::State &state, const Bytes &file) {
+    const keltra::test::GlRecorder::Stub stub;
+    const keltra::test::GlRecorder::Pause pause;
+    const keltra::test::TempFolder folder;
+    folder.write("a.tga", file);
+    KTTEXTURE::setPath(folder.prefix().c_str());
+    KTTEXTURE texture;
+    if (!texture.load("a.tga") ||
+        std::memcmp(texture.bitmap, expectedPixels(file).data(), texture.sizeX) != 0)
+        return state.SkipWithError("wrong pixels");
+    for (auto _ : state) {
+        texture.unload(true);
+        benchmark::DoNotOptimize(texture.load("a.tga") && texture.update());
+    }
+    setRates(state);
+    KTTEXTURE::setPath(nullptr);
+}
+
 void copyPixels(benchmark::State &state) {
     const Bytes source = uncompressedFile();
     Bytes target(kPixels * kPixelBytes);
@@ -109,4 +132,6 @@ void copyPixels(benchmark::State &state) {
 
 BENCHMARK(decodeUncompressed);
 BENCHMARK(decodeRunLength);
+BENCHMARK_CAPTURE(loadTexture, uncompressed, uncompressedFile())->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(loadTexture, runLength, runLengthFile())->Unit(benchmark::kMicrosecond);
 BENCHMARK(copyPixels);
