@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Animations and picking. The GL is stubbed: what is measured is the engine, and how often it calls the GL.
 
 #include <benchmark/benchmark.h>

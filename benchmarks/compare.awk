@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # awk -f compare.awk OLD.json NEW.json: two files of Google Benchmark side by side, row by row: the least CPU time of the
 # repetitions of each, their ratio, and the spread, by how much the slowest repetition exceeds the least.
 function value(line) {

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # compare_test.sh: what compare.awk prints of two small files.
 set -eu
 here=$(dirname "$0")

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <benchmark/benchmark.h>
 #include <keltra/element.h>
 #include <keltra/glbridge.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Text: glyphs queued by a string, and word wrapping, against a plain copy of the same text.
 
 #include <benchmark/benchmark.h>

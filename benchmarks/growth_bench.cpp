@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // What one item costs among 100, 1,000, 10,000 and 65,000: none of these may grow with their number, except
 // where a plain loop over the same memory beside it does.
 

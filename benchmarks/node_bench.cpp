@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Items are nodes: the time of one must not grow with their number.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Decoding a 512 x 512 Targa image of 32 bits, against a plain copy of the same bytes.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Playing films of 2000 pictures into a texture, against ffmpeg decoding the same file on one thread: as it
 // is, and turned into RGB as the engine does. ffmpeg's time includes its start. The GL is stubbed: the upload
 // itself is not measured.

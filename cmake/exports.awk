@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # awk -v out=FILE -f exports.awk HEADER...: writes the linker's version script, which says what of the public headers' names
 # stays inside the library: the private members of its classes, which would be a fifth of it. A name that the class also has
 # as a public or protected one stays exported.

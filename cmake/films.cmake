@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # keltra_film(FILE SOURCE [OPTION...]): a file with nothing but an MPEG-1 video stream, encoded when the project is built from a
 # picture source of ffmpeg. The same version of ffmpeg makes the same bytes each time.
 find_program(KELTRA_FFMPEG ffmpeg)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # While the project is built, its own tools run: they make the files of the examples. When it is built for another machine, they
 # are those of a native build, whose folder KELTRA_HOST_TOOLS names.
 set(KELTRA_HOST_TOOLS "" CACHE PATH "Folder of keltra-convert and keltra-font that run on this machine; empty: build them")

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # keltra_install_tool(NAME [DATA file...]): the program, its manual page, and files that it reads from share/keltra. What has not
 # been built is left out.
 function(keltra_install_tool name)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # The library's own objects, for tests, benchmarks and tools that use what it does not export.
 include_guard(GLOBAL)
 

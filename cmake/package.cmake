@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # How other projects find and link the library: keltra::keltra, and keltra::sdl and keltra::gles for an application that calls
 # SDL or GL itself. The names are the same from an installed package, from a build folder and with add_subdirectory.
 add_library(keltra::keltra ALIAS keltra)

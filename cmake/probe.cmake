@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # The inspection as a library of which only the probe can be seen: tests and fuzz targets are linked to the engine as it is,
 # and its symbols must not meet those of the engine's objects in here.
 if(NOT TARGET keltra_probe)

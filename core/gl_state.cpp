@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "core/gl_state.h"
 
 #include <keltra/opengl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_CORE_GLBRIDGE_H
 #define KELTRA_CORE_GLBRIDGE_H
 

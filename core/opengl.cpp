@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/opengl.h>
 
 const int KTOPENGL::fbos;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/settings.h>
 
 #include "foundation/argument.h"

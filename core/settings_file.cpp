@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/foundation.h>
 
 #include "core/settings_members.h"

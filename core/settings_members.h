@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_CORE_SETTINGS_MEMBERS_H
 #define KELTRA_CORE_SETTINGS_MEMBERS_H
 

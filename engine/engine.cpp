@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/engine.h>
 
 #include <keltra/anim.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/anim_record.h"
 
 #include "formats/field_reader.h"

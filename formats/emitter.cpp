@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/emitter.h"
 
 #include "formats/limits.h"

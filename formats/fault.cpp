@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/fault.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/key_lines.h"
 
 #include <algorithm>

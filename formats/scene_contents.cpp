@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/scene_contents.h"
 
 namespace keltra {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/scene_record.h"
 
 #include "formats/limits.h"

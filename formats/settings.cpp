@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/settings.h"
 
 #include "formats/key_lines.h"

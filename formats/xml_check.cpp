@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/xml_check.h"
 
 #include "formats/xml_document.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/xml_document.h"
 
 #include "foundation/file_bytes.h"

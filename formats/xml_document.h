@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_FORMATS_XML_DOCUMENT_H
 #define KELTRA_FORMATS_XML_DOCUMENT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/argument.h"
 
 #include "foundation/fault.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/block.h"
 
 #include "foundation/quiet.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/identifier.h"
 
 #include <keltra/foundation.h>

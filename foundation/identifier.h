@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_FOUNDATION_IDENTIFIER_H
 #define KELTRA_FOUNDATION_IDENTIFIER_H
 

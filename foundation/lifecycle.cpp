@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/lifecycle.h"
 
 #include <keltra/foundation.h>

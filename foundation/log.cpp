@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/log.h"
 
 #include <keltra/foundation.h>

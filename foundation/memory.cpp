@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/memory.h"
 
 #include <keltra/foundation.h>

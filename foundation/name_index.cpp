@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/name_index.h"
 
 #include "platform/platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/object_list.h"
 
 #include <keltra/foundation.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/foundation.h>
 
 #include "foundation/fault.h"

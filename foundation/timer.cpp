@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/timer.h"
 
 #include <keltra/foundation.h>

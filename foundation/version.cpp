@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/version.h>
 
 const char *KTVERSION::getString() { return KELTRA_VERSION_STRING; }

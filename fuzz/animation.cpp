@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Animation files: what loads is applied, changed, interpolated and saved, and its copy loads again.
 
 #include <memory>

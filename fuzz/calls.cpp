@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "fuzz/calls.h"
 
 #include <set>

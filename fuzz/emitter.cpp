@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Emitter descriptions: what loads emits for some frames.
 
 #include "fuzz/harness.h"

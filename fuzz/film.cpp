@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Films: each is played twice, to a texture that fits or is too small.
 
 #include "fuzz/harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // An OpenGL ES 1.1 that draws nothing and looks at every argument: memory is read as far as the driver would
 // read it, so that the address checker sees it, and what a driver answers with an error ends the program.
 

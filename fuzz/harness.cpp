@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "fuzz/harness.h"
 
 #include <sys/mman.h>

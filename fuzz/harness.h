@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_FUZZ_HARNESS_H
 #define KELTRA_FUZZ_HARNESS_H
 

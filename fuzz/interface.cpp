@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Interface descriptions: what loads is drawn, pressed, changed and destroyed.
 
 #include "fuzz/harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Kerning files, and text that is drawn with them.
 
 #include "fuzz/harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Programs: each byte is a call of the public interface, the bytes behind it are the arguments. Objects are
 // taken from the engine's own lists, so that none is used that the engine has destroyed.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // A target without the fuzzer: runs each file named, and each file of a folder named.
 
 #include <filesystem>

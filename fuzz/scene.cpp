@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Scene files of both versions: as they are, and made of the input as far as the writer makes them
 // well-formed.
 

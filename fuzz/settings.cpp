@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Settings files, and an engine that is started with what they say.
 
 #include "fuzz/harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Targa files: what loads is drawn with and without mipmaps, reloaded, changed and copied.
 
 #include "fuzz/harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Texts with escapes, in every place that formats or draws one.
 
 #include "fuzz/harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // An SDL and an EGL without a window.
 
 #include <EGL/egl.h>

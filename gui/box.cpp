@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/box.h>
 
 #include <keltra/shader.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/button.h>
 
 #include <keltra/font.h>

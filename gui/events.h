@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_GUI_EVENTS_H
 #define KELTRA_GUI_EVENTS_H
 

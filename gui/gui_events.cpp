@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/element.h>
 #include <keltra/settings.h>
 #include <keltra/textfield.h>

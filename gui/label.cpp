@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/label.h>
 
 #include <keltra/font.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/matrix.h>
 
 #include "math/sine.h"

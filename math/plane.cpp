@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/plane.h>
 
 R3XPLANE::R3XPLANE(const R3XVECTOR3D &p1, const R3XVECTOR3D &p2, const R3XVECTOR3D &p3) {

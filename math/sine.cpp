@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "math/sine.h"
 
 #include "math/float_bits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "math/soft_arm.h"
 
 #if defined(KELTRA_SOFT_ARM)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_MATH_SOFT_ARM_H
 #define KELTRA_MATH_SOFT_ARM_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_MATH_SQUARE_ROOT_H
 #define KELTRA_MATH_SQUARE_ROOT_H
 

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # build.sh FOLDER: the Debian packages and the source archive of what is committed, and lintian's opinion of them.
 set -eu
 folder=$1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #if __SIZEOF_POINTER__ == 4
 #define _FILE_OFFSET_BITS 64  // the sizes of large files are told, not taken for missing files
 #endif

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_PLATFORM_PLATFORM_H
 #define KELTRA_PLATFORM_PLATFORM_H
 

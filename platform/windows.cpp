@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "platform/platform.h"
 
 #define WIN32_LEAN_AND_MEAN

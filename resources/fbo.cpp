@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/fbo.h>
 
 #include <keltra/opengl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/font.h>
 
 #include <keltra/foundation.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "resources/mipmap.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_RESOURCES_MIPMAP_H
 #define KELTRA_RESOURCES_MIPMAP_H
 

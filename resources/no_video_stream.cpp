@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "resources/video_stream.h"
 
 // An engine without video opens no film, so the other functions do nothing.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/shader.h>
 
 #include "core/holders.h"

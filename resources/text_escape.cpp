@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "resources/text_escape.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/engine_state.h>
 #include <keltra/shader.h>
 #include <keltra/texture.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/video.h>
 
 #include <keltra/foundation.h>

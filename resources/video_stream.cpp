@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "resources/video_stream.h"
 
 #include <keltra/foundation.h>

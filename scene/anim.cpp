@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/anim.h>
 
 #include <keltra/mesh.h>

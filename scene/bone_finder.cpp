@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "scene/bone_finder.h"
 
 #include "formats/scene_faults.h"

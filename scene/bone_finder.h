@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_SCENE_BONE_FINDER_H
 #define KELTRA_SCENE_BONE_FINDER_H
 

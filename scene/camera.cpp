@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/camera.h>
 
 #include <keltra/glbridge.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/helper.h>
 
 KTHELPER::KTHELPER()

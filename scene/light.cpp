@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/light.h>
 
 #include <keltra/element.h>

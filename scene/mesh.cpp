@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/mesh.h>
 
 #include <keltra/material.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "scene/mesh_build.h"
 
 #include <keltra/material.h>

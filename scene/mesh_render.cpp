@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/element.h>
 #include <keltra/engine_state.h>
 #include <keltra/glbridge.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/node.h>
 
 #include "scene/tree_walk.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_SCENE_RENDER_LIST_H
 #define KELTRA_SCENE_RENDER_LIST_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "scene/scene_build.h"
 
 #include <keltra/light.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_SCENE_SKIN_KERNEL_H
 #define KELTRA_SCENE_SKIN_KERNEL_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "scene/skinning.h"
 
 #include <keltra/mesh.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_SCENE_SKINNING_H
 #define KELTRA_SCENE_SKINNING_H
 

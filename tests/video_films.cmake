@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # The films of the tests, and the pictures of one as ffmpeg decodes it.
 if(NOT KELTRA_FFMPEG)
   message(FATAL_ERROR "The tests of videos need ffmpeg to make their films; or build with KELTRA_VIDEO=OFF")

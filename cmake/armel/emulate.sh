@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # emulate.sh ROOT PROGRAM [ARGUMENT...]: runs an ARM program on this machine, as a device's processor runs it, with the libraries
 # of the sysroot ROOT.
 #

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # sysroot.sh FOLDER: unpacks what a soft-float ARM build needs into FOLDER, from the package sources of this machine.
 #
 # Nothing is installed: packages of two architectures at once conflict, so these are only unpacked. A sysroot that was

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # Soft-float ARM, the instruction set of the devices: no floating-point unit, so every float operation is a call.
 # The sysroot is made by sysroot.sh; KELTRA_ARMEL_ROOT in the environment or the cache names another one.
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // The smallest program: start the engine, clear the screen, stop.
 
 #include <GLES/gl.h>

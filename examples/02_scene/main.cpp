@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // A scene from files: textured, with more lights than the GL has, opaque and transparent meshes, two skinned
 // ones, and a camera that moves slowly from side to side.
 

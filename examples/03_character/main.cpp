@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // A skinned character and its animations: twenty figures march, and wave at a tap or after a while. A frame
 // skins sixteen meshes; the four figures passed last are not drawn.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Picking: tap a paper lantern and it lights up, tap the lamplighter and he waves. What can be tapped has an
 // auxId of its own; a lantern and the light around it share one.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_EXAMPLES_COURT_H
 #define KELTRA_EXAMPLES_COURT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // An interface in front of a scene. One XML file describes all of it; the program finds the widgets by name,
 // hands them pen and keys, and acts on what they report.
 

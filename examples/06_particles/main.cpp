@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Three particle emitters in a scene: a fountain, smoke and sparks, each from an XML file. A slider of the
 // interface sets the height of the fountain.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // A film that loops on a turning box and in a window: one texture, which the video writes into, on both.
 
 #include <GLES/gl.h>

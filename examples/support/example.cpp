@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "examples/support/example.h"
 
 #include <SDL.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_EXAMPLES_SUPPORT_EXAMPLE_H
 #define KELTRA_EXAMPLES_SUPPORT_EXAMPLE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_ANIM_H
 #define KELTRA_ANIM_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_BOX_H
 #define KELTRA_BOX_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_BUTTON_H
 #define KELTRA_BUTTON_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_CAMERA_H
 #define KELTRA_CAMERA_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_ELEMENT_H
 #define KELTRA_ELEMENT_H
 

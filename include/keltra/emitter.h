@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_EMITTER_H
 #define KELTRA_EMITTER_H
 

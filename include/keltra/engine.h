@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_ENGINE_H
 #define KELTRA_ENGINE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_EXPORT_H
 #define KELTRA_EXPORT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_FAULT_H
 #define KELTRA_FAULT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_FBO_H
 #define KELTRA_FBO_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_FONT_H
 #define KELTRA_FONT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_GLBRIDGE_H
 #define KELTRA_GLBRIDGE_H
 

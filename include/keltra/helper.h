@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_HELPER_H
 #define KELTRA_HELPER_H
 

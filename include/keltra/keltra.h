@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_KELTRA_H
 #define KELTRA_KELTRA_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_LABEL_H
 #define KELTRA_LABEL_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_LIGHT_H
 #define KELTRA_LIGHT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_MATERIAL_H
 #define KELTRA_MATERIAL_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_MATRIX_H
 #define KELTRA_MATRIX_H
 

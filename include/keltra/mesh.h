@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_MESH_H
 #define KELTRA_MESH_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_NODE_H
 #define KELTRA_NODE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_OPENGL_H
 #define KELTRA_OPENGL_H
 

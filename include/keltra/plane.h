@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_PLANE_H
 #define KELTRA_PLANE_H
 

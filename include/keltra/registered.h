@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_REGISTERED_H
 #define KELTRA_REGISTERED_H
 

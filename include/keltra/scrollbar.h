@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_SCROLLBAR_H
 #define KELTRA_SCROLLBAR_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_SETTINGS_H
 #define KELTRA_SETTINGS_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_SHADER_H
 #define KELTRA_SHADER_H
 

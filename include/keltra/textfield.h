@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TEXTFIELD_H
 #define KELTRA_TEXTFIELD_H
 

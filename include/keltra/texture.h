@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TEXTURE_H
 #define KELTRA_TEXTURE_H
 

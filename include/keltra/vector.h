@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_VECTOR_H
 #define KELTRA_VECTOR_H
 

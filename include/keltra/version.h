@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_VERSION_H
 #define KELTRA_VERSION_H
 

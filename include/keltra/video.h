@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_VIDEO_H
 #define KELTRA_VIDEO_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_WINDOW_H
 #define KELTRA_WINDOW_H
 

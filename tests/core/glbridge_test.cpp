@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "core/glbridge.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/opengl.h>
 
 #include <keltra/glbridge.h>

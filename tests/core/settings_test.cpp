@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <gmock/gmock.h>
 #include <keltra/engine.h>
 #include <keltra/opengl.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # awk -v new=FILE [-v profile=ROW] -f compare.awk BUDGETS ROWS COUNTS: prints the table and writes its figures to `new`.
 #
 # ROWS is what keltra_count prints, COUNTS what plugin.c writes: a region each, in the same order. Fails when a figure is

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # Tests compare.awk: what has to fail fails, and nothing else.
 set -eu
 here=$(dirname "$0")

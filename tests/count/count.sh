@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # count.sh BUILD DATA [--update | --profile [ROW]]: counts the instructions of BUILD/bin/keltra_count and compares them with
 # the budgets. DATA, with a slash at its end, holds the files of the examples.
 set -eu

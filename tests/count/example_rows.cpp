@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Frames of the examples. Their own programs run, with this file in the place of examples/support.
 
 #include <keltra/keltra.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // keltra_count FOLDER: does each operation of the table a number of times, under qemu-arm with
 // tests/count/plugin.c. FOLDER, with a slash at its end, holds the files of the examples.
 

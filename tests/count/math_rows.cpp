@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/glbridge.h>
 #include <keltra/matrix.h>
 

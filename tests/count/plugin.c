@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // A plugin of qemu-arm that counts the instructions between two markers, for each function of a static
 // program.
 //

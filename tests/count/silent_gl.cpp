@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // A GL that does nothing, at the cost of a call and a return. What has to answer is in silent_system.cpp.
 
 #include <GLES/gl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // What the engine asks of GL, EGL, SDL and the system, answered without any of them: each run is the same.
 
 #include <EGL/egl.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Zlib
 # awk -v out=FOLDER -v source=FOLDER -f blocks.awk DOCUMENT...
 # Writes the C++ blocks of documents into files: one with a main() as program_DOCUMENT.cpp, all others into fragments.cpp,
 # each in a function of its own. Messages of the compiler name the document's line.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // docs/oddities.md and docs/frame.md: what start-up makes, the texture budget, the paths.
 
 #include "tests/support/engine_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/docs/document.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // The files that the documents show are given to the engine's loaders, and to keltra-info.
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # in_folder.sh SAMPLES FILE=SAMPLE... -- COMMAND...
 # Runs a command in a new folder, in which each FILE is one of the sample files; their textures lie beside them.
 set -eu

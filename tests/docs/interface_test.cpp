@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // docs/interface.md: what the pen does, and what the calls return.
 
 #include "tests/docs/document.h"

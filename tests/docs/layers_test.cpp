@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // docs/interface.md: the stacking order.
 
 #include "tests/docs/interface_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

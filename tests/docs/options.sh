@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # options.sh PROGRAM PAGE
 # The options that a program lists with --help are those of its page: a manual page, or a document with a table, which
 # leaves out --help and --version.

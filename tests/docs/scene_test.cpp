@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // docs/oddities.md: bones that are no meshes, the alpha of textures on meshes.
 
 #include "tests/scene/scene_parts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // docs/interface.md: scrolling.
 
 #include <cmath>

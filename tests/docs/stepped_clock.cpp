@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Linked to the documents' programs: each reading of the clock is a second later than the one before, so that
 // a program that runs for ten seconds draws some ten frames.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // What a frame and a load cost, in counts that are the same on every machine: GL calls, allocations, system
 // calls. A step back fails here; after a step forward the figures are lowered.
 

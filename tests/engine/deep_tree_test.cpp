@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Trees that nest deeper than the matrix stacks of the GL hold.
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <chrono>
 #include <string>
 #include <thread>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of the bridge to GL, of the settings and of the engine's own calls.
 
 #include "tests/engine/fault_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of the foundation's calls.
 
 #include "tests/engine/fault_table.h"

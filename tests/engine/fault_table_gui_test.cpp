@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of the calls of widgets, the loader of interface files left out.
 
 #include "tests/engine/fault_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Calls that run out of memory.
 
 #include "tests/engine/fault_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of the calls of nodes and of the render list, their loaders left out.
 
 #include "tests/engine/fault_table.h"

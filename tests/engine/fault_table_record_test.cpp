@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of the calls that read one record of a scene file from a buffer of the application's.
 
 #include "formats/limits.h"

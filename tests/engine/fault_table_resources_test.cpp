@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of the calls of textures, materials, fonts, targets and shaders, their loaders left out.
 
 #include "tests/engine/fault_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of scenes, films, the text parser, start-up and shut-down.
 
 #include "tests/engine/fault_table.h"

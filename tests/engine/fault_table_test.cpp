@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of the loaders of binary files.
 
 #include <cstring>

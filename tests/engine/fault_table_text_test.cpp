@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Failures of the loaders of text files: settings, kerning, interfaces, emitters; and their warnings.
 
 #include "tests/engine/fault_table.h"

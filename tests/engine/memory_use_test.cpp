@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // How much memory the engine takes, beside that of the driver and of textures' pixels. The limits are those
 // of the device, whose pointers have 32 bits.
 

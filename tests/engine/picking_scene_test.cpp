@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Picking in whole scenes: what is found at a point is what was drawn there.
 
 #include <keltra/engine.h>

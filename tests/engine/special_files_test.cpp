@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // What is no regular file is refused by every call that reads or writes one, and never waited for.
 
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // How much stack loading and drawing take: the device has 64 KB for the application and the engine.
 
 #include <cstdio>

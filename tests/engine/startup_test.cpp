@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <EGL/egl.h>
 #include <SDL.h>
 #include <gmock/gmock.h>

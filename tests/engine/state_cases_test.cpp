@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Single cases of earlier drawing that changes later drawing.
 
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/engine/state_stage.h"
 
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // What is drawn does not depend on what was drawn before. Each subject is drawn in an engine that has just
 // been started; then every disturber comes before it, and its picture has to stay the same to the last pixel:
 // in the frame before (the subject made anew, and kept from before), and earlier in the same frame, where the

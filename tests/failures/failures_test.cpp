@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Every n-th call of a kind fails once while a whole program runs. KELTRA_EVERY_FAILURE=1 tries all n,
 // KELTRA_FAILURE=n that one; otherwise a sample is tried.
 

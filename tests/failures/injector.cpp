@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/failures/injector.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/failures/program.h"
 
 #include <keltra/keltra.h>

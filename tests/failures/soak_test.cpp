@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // A whole program over and over in one process: nothing that it takes from the system may grow.
 // KELTRA_SOAK_MINUTES goes on for so long; otherwise some runs are made.
 

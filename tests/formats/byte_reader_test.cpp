@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/byte_reader.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/kerning.h"
 
 #include <gtest/gtest.h>

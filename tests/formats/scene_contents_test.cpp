@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/scene_contents.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TESTS_TGA_BYTES_H
 #define KELTRA_TESTS_TGA_BYTES_H
 

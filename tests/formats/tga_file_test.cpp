@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/tga_file.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/tga.h"
 
 #include <gmock/gmock.h>

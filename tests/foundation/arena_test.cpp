@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/arena.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/fault.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/file_bytes.h"
 
 #include "foundation/memory.h"

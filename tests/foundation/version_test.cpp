@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/version.h>
 
 #include <gtest/gtest.h>

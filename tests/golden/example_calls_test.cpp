@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // The GL calls of the examples over some seconds, from start to end: the same on every machine.
 
 #include <time.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Whole pictures of the real driver, from scene files to the frame buffer.
 
 #include "tests/scene/scene_parts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Pictures of every widget in its states, in portrait and landscape.
 
 #include "tests/support/golden_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Pictures of the sample character: the walk's first frame, where the heel meets the ground; one with the leg
 // passing; one of the other step.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Boxes of classes that an application derives, under type codes of their own.
 
 #include "tests/gui/gui_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/support/engine_fixture.h"
 
 namespace keltra::test {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <climits>
 
 #include "tests/gui/gui_fixture.h"

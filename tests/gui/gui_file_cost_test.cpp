@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Valid descriptions with as many names as possible: their cost grows with their size only.
 
 #include "tests/gui/gui_file_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <tinyxml.h>
 
 #include "tests/gui/gui_file_fixture.h"

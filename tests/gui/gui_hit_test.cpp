@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Many widgets against a slow and simple reference.
 
 #include <random>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Parts of windows and scroll bars: pointers to destroyed ones are cleared, at a cost that does not grow with
 // the number of boxes.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/headers/architecture.h"
 
 #include <algorithm>

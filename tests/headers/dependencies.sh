@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # dependencies.sh READELF LIBRARY
 # The library needs SDL, EGL, OpenGL ES, TinyXML, the C and C++ runtime, libmpeg2 unless it is built without video, and nothing
 # else.

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # described.sh HEADER...
 # Every class and structure of the exported headers has a documentation comment directly before it: the reference shows
 # nothing for one that has not.

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # exports.sh NM LIBRARY
 # The library exports its documented names and nothing else, private members left out.
 set -u

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # fault_coverage.sh EXCEPTIONS TABLE... -- HEADER...
 # Every exported call that returns a bool, a pointer or a number of its own has a row in the tables of faults, or stands in
 # EXCEPTIONS with the reason why it makes none. Searches and questions (find..., is..., get..., has...) and accessors without

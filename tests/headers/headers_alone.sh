@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # headers_alone.sh COMPILER INCLUDE_FOLDER HEADER...
 # Every exported header compiles by itself, in the oldest C++ that applications use.
 set -u

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # in_an_application.sh COMPILER INCLUDE_FOLDER
 # What applications write compiles in the oldest C++ that they use, and wrong formats are warned of.
 set -u

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/headers/include_graph.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Built with every inline function of the headers kept, and with a class derived from each class: whatever
 // those call has to be exported by the library, or this program does not link.
 

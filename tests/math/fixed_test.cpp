@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "math/fixed.h"
 
 #include <gtest/gtest.h>

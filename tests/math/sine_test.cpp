@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "math/sine.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "math/soft_arm.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "math/sparse.h"
 
 #include <gtest/gtest.h>

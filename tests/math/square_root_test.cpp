@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "math/square_root.h"
 
 #include <gtest/gtest.h>

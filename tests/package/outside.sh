@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # outside.sh WAY CMAKE BUILD SOURCE SCENE
 # Builds a project of somebody else with the library and runs it on a screen. The ways: "installed", "build-folder", "pkg-config"
 # and "subdirectory".

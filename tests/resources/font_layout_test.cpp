@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "resources/font_layout.h"
 
 #include <gmock/gmock.h>

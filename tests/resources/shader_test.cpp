@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/support/allocations.h"
 #include "tests/support/engine_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/resources/texture_fixture.h"
 #include "tests/support/allocations.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "foundation/text.h"
 #include "tests/resources/texture_fixture.h"
 #include "tests/support/allocations.h"

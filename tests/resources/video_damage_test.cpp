@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/resources/video_fixture.h"
 #include "tests/support/allocations.h"
 #include "tests/support/same_verdict.h"

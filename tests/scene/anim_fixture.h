@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TESTS_ANIM_FIXTURE_H
 #define KELTRA_TESTS_ANIM_FIXTURE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // The buffers behind public pointers are plain blocks of vnfMalloc: an application may put its own in their
 // place, in an object or in a copy of it, and everything is released once.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Many children of one parent: what linking, unlinking and destroying them costs does not grow with their
 // number.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/element.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include <keltra/emitter.h>
 
 #include <random>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Searches among many objects: what is found does not depend on the tables behind them, whatever was renamed,
 // assigned or destroyed meanwhile.
 

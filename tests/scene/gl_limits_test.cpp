@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Values of files and setters that the GL refuses: none may make a GL error, and none may leave an earlier
 // light's value in its place.
 

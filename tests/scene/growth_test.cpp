@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // What one object costs does not grow with the number of objects: each of these takes far less than a second,
 // and minutes where each object is searched for among all others.
 

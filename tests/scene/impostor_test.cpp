@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Nodes whose type code is not that of their class: `*node = *mesh` copies the code, and applications may set
 // it.
 

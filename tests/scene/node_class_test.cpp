@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "scene/node_class.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // What copies share, and what destruction leaves behind, in every order.
 
 #include <gmock/gmock.h>

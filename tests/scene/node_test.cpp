@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Construction, the list of all nodes, searches and setters.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Links between nodes, the matrices along them, and walks.
 
 #include <gmock/gmock.h>

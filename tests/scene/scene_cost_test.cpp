@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Valid small files with as many names as possible: their cost grows with their size only.
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "scene/tree_walk.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/support/call_hash.h"
 
 #include <sys/file.h>

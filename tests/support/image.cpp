@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/support/image.h"
 
 #include <GLES/gl.h>

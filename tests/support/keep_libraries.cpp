@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // For the leak checker: the driver is loaded and unloaded with every start of the engine, and once it is
 // unloaded, blocks that it leaves are neither reachable through its statics nor suppressible by its name.
 // Libraries therefore stay loaded in a sanitizer build.

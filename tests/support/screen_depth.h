@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TESTS_SCREEN_DEPTH_H
 #define KELTRA_TESTS_SCREEN_DEPTH_H
 

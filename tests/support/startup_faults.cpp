@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/support/startup_faults.h"
 
 #include <EGL/egl.h>

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Zlib
 # with_screen.sh [-w] DEPTH command...; installed as keltra-screen
 #
 # Runs the command on a 240x320 screen of its own, of 16 or 24 bits: in memory, or with -w in a window of the present

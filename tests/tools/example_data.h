@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TESTS_TOOLS_EXAMPLE_DATA_H
 #define KELTRA_TESTS_TOOLS_EXAMPLE_DATA_H
 

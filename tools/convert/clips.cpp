@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/clips.h"
 
 #include "formats/limits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/convert.h"
 
 #include "tools/convert/clips.h"

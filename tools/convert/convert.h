@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_CONVERT_CONVERT_H
 #define KELTRA_CONVERT_CONVERT_H
 

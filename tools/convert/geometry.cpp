@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/geometry.h"
 
 #include "tools/convert/normals.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/isolated.h"
 
 #include "tools/convert/convert.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_CONVERT_ISOLATED_H
 #define KELTRA_CONVERT_ISOLATED_H
 

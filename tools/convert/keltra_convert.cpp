@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // keltra-convert MODEL -o DIR: converts a model into the engine's files.
 
 #include "formats/limits.h"

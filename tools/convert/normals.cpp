@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/normals.h"
 
 #include <assimp/mesh.h>

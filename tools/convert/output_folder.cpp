@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/output_folder.h"
 
 #include "tools/convert/descriptor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_CONVERT_OUTPUT_FOLDER_H
 #define KELTRA_CONVERT_OUTPUT_FOLDER_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/properties.h"
 
 #include <assimp/commonMetaData.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/rig.h"
 
 #include "tools/convert/options.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // The skins of a rig: their bind poses and the influences of their vertices.
 
 #include "tools/convert/rig.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/scene_builder.h"
 
 #include "formats/limits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/textures.h"
 
 #include "formats/limits.h"

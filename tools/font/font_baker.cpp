@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/font/font_baker.h"
 
 #include <ft2build.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // keltra-font FONT.ttf OUT.tga OUT.txt: bakes a TrueType font into the texture and the kerning file of a
 // KTFONT.
 

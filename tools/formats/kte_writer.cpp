@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/formats/kte_writer.h"
 
 #include "tools/formats/byte_writer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_FORMATS_KTE_WRITER_H
 #define KELTRA_FORMATS_KTE_WRITER_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/formats/version.h"
 
 namespace keltra::formats {

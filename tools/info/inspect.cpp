@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/info/inspect.h"
 
 #include "tools/info/kinds.h"

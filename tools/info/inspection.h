@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_INFO_INSPECTION_H
 #define KELTRA_INFO_INSPECTION_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/gui.h"
 #include "formats/limits.h"
 #include "formats/xml_check.h"

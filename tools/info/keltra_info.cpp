@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // keltra-info FILE...: describes files of the engine and their faults.
 
 #include "tools/info/print.h"

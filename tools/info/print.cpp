@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/info/print.h"
 
 #include "formats/fault.h"

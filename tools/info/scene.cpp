@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/limits.h"
 #include "formats/scene_faults.h"
 #include "formats/scene_record.h"

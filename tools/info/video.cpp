@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "formats/limits.h"
 #include "resources/video_stream.h"
 #include "tools/info/kinds.h"

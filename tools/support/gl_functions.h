@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TOOLS_GL_FUNCTIONS_H
 #define KELTRA_TOOLS_GL_FUNCTIONS_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TOOLS_INTERPOSE_H
 #define KELTRA_TOOLS_INTERPOSE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/support/shot.h"
 
 #include <keltra/settings.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_SUPPORT_SHOT_H
 #define KELTRA_SUPPORT_SHOT_H
 

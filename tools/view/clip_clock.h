@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_VIEW_CLIP_CLOCK_H
 #define KELTRA_VIEW_CLIP_CLOCK_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/failure.h"
 
 #include <keltra/fault.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/file_watch.h"
 
 #include <sys/stat.h>

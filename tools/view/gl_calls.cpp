@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/gl_calls.h"
 
 #include "tools/support/gl_functions.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/lamps.h"
 
 #include <keltra/keltra.h>

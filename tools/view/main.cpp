@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // keltra-view FILE: shows a scene or a model in the engine, with its frame time, triangles and memory.
 
 #include "tools/formats/version.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/model.h"
 
 #include "tools/view/failure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_VIEW_ORBIT_H
 #define KELTRA_VIEW_ORBIT_H
 

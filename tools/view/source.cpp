@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/source.h"
 
 #include "tools/convert/isolated.h"

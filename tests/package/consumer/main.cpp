@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Loads the scene file that is its argument and draws three frames, with calls of SDL and GL of its own.
 #include <SDL.h>
 

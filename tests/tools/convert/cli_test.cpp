@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/program.h"
 #include "tools/formats/kte_reader.h"
 #include "tools/formats/tga_writer.h"

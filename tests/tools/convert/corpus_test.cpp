@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Runs the program on every file of the package of models: each is converted or refused with a reason in one
 // line.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Animations beyond the limits of the engine's files, and empty ones.
 
 #include "tests/tools/convert/support/clips.h"

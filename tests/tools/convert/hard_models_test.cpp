@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Models with something wrong or unusual in their shapes, names and files.
 
 #include "formats/scene_record.h"

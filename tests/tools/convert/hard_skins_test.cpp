@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Skins with more bones, more influences or other names than the engine takes.
 
 #include "tests/tools/convert/support/clips.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/isolated.h"
 
 #include "tests/support/temp_file.h"

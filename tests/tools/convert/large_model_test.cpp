@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Models larger than the engine's meshes, and how long they take.
 
 #include "tests/tools/convert/support/convert_fixture.h"

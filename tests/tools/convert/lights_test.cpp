@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Lights of models: they are nodes of the scene, with the model's own names.
 
 #include <gtest/gtest.h>

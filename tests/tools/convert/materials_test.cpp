@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/materials.h"
 
 #include "tests/support/temp_file.h"

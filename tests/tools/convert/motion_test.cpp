@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/motion.h"
 
 #include <assimp/scene.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/output_folder.h"
 
 #include "tests/support/temp_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/convert/picture.h"
 
 #include "tests/tools/convert/support/pictures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Compares converted clips with their models: each vertex that the engine shows has the position that the
 // model's own matrices give.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Custom properties of nodes and materials, which say what model formats have no field for.
 
 #include <gtest/gtest.h>

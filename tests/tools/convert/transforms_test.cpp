@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Trees of nodes with every kind of transform: each vertex must keep its position in the world.
 
 #include "tests/tools/convert/support/convert_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/formats/kta_writer.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/formats/kte_reader.h"
 
 #include "tests/tools/example_data.h"

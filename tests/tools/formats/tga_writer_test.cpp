@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/formats/tga_writer.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // Files of every kind, cut short and changed byte by byte: whatever they hold, what is printed of them is
 // text, and a fault lies within the file.
 

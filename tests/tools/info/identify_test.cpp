@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/formats/tga_bytes.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"

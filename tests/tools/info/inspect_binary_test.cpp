@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/support/temp_file.h"

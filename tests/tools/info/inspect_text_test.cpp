@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/support/temp_file.h"
 #include "tests/tools/info/sentences.h"
 #include "tools/info/inspect.h"

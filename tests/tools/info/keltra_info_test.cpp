@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // The program as it is called: exit codes, streams, kinds of files, and what is no file.
 
 #include "tests/formats/tga_bytes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/tools/info/probe.h"
 
 #include "tools/info/print.h"

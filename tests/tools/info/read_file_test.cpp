@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/info/read_file.h"
 
 #include "tests/support/temp_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // What is printed for people: the table of each kind of file, and of values that are hard to print.
 
 #include "tests/formats/tga_bytes.h"

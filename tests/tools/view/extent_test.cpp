@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/extent.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/frame_meter.h"
 
 #include <gtest/gtest.h>

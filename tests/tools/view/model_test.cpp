@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/model.h"
 
 #include "tests/tools/view/scenes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // The panel by itself: what it shows of a state, and what it makes of the pen.
 
 #include "tools/view/panel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/panel_text.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 // The viewer as a program: what it prints, what it leaves, how it ends.
 
 #include "tests/support/image.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/support/allocations.h"
 #include "tests/tools/view/viewer_fixture.h"
 #include "tools/formats/kte_writer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TESTS_TOOLS_VIEW_SCENES_H
 #define KELTRA_TESTS_TOOLS_VIEW_SCENES_H
 

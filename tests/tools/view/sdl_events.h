@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #ifndef KELTRA_TESTS_TOOLS_VIEW_SDL_EVENTS_H
 #define KELTRA_TESTS_TOOLS_VIEW_SDL_EVENTS_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/source.h"
 
 #include "tests/support/temp_file.h"

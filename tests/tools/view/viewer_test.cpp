@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tools/view/viewer.h"
 
 #include "tests/tools/view/viewer_fixture.h"

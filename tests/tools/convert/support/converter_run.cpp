@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/support/converter_run.h"
 
 #include <keltra/keltra.h>

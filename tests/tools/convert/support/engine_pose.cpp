@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/support/engine_pose.h"
 
 #include <keltra/element.h>

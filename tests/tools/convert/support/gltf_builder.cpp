@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/support/gltf_builder.h"
 
 #include <algorithm>

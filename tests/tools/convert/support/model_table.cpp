@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/support/model_table.h"
 
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/support/source_pose.h"
 
 #include <assimp/postprocess.h>
