@@ -18,7 +18,12 @@ function declare(text) {
 
 /^ *(\/\/|\/\*|\*)/ { next }
 { sub(/\/\/.*/, "") }
-/^class .*\{/ {
+opening {
+    opening = $0 !~ /\{/
+    next
+}
+/^class [^;]*$/ {
+    opening = $0 !~ /\{/
     sub(/^class (KT_API )?/, "")
     sub(/[ :].*/, "")
     class = $0
@@ -34,6 +39,11 @@ class == "" { next }
     sub(/:.*/, "", access)
     text = ""
     next
+}
+# What an inline function takes the address of is exported.
+match($0, /&KT[A-Z]+::[a-z][A-Za-z0-9]*/) {
+    name = substr($0, RSTART + 1, RLENGTH - 1)
+    names[name] = names[name] " public"
 }
 # Of a nested class or a body only the line that opens it is looked at.
 {
@@ -51,8 +61,8 @@ END {
     # Templates of the C++ library that are instantiated in the engine.
     print "_ZSt*; _ZNSt*; _ZNKSt*;" >out
     print "extern \"C++\" {" >out
-    # Of the base of all listed classes, applications use the operators alone.
-    count = split("KTREGISTERED ?KTREGISTERED count delist destroy destroyAll enlist firstAlive firstRegistered joinAlive nextAlive",
+    # Of the base of all listed classes, a template: what no inline function calls.
+    count = split("KTREGISTERED ?KTREGISTERED count destroyAll enlist fieldsAssigned findRegistered firstRegistered list nameChanged nameOf show",
         base, " ")
     for (i = 1; i <= count; ++i) print "KTREGISTERED*::" base[i] end ";" >out
     for (name in names)

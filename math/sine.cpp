@@ -16,13 +16,13 @@ constexpr int kSmallestExponent = 115;  // below 1/4,096 the sine is the angle a
 constexpr int kLargestExponent = 136;   // from 1,024 radians on, and for infinities, the library answers
 
 struct Known {
-    std::uint32_t degrees;  // bits of the angle
+    std::uint32_t
+        key;  // bits of the angle plus 1; 0 for none, as at the start: zeros take no room in the file
     Rotation rotation;
 };
 
-// Entry 0 is right from the start, for an angle of zero; the others hold an angle that leads elsewhere.
 constexpr unsigned int kKnownBits = kSoftFloat ? 8 : 11;
-Known known[1u << kKnownBits] = {{0, {0.0f, 1.0f, 1.0f}}};
+Known known[1u << kKnownBits];
 
 std::uint64_t product(std::uint32_t a, std::uint32_t b) { return std::uint64_t{a} * b; }
 
@@ -134,9 +134,10 @@ SineCosine sineCosine(float radians) {
 const Rotation &rotationOf(float degrees) {
     const std::uint32_t bits = bitsOf(degrees);
     Known &entry = known[bits * 2654435769u >> (32 - kKnownBits)];
-    if (entry.degrees != bits) {
+    const std::uint32_t key = bits + 1;
+    if (entry.key != key || key == 0) {
         const SineCosine turn = sineCosine(degrees * 0.0055555557f * 3.1415927f);
-        entry = {bits, {turn.sine, turn.cosine, (1.0f - turn.cosine) + turn.cosine}};
+        entry = {key, {turn.sine, turn.cosine, (1.0f - turn.cosine) + turn.cosine}};
     }
     return entry.rotation;
 }
