@@ -65,7 +65,7 @@ TEST(SoakTest, NothingGrows) {
     EXPECT_LE(after.files, before.files);
     // The C library's arenas come and go.
     EXPECT_LE(after.mappings, before.mappings + 4 + runs / 100);
-    constexpr long kOfDriver = 32;  // kilobytes that it keeps of each start
+    constexpr long kOfDriver = 32;  // kilobytes of each run that lie in no block of the engine
     EXPECT_LE(after.kilobytes, before.kilobytes + 4096 + kOfDriver * runs);
     AllocationWatch::install(nullptr);
     GlRecorder::setRecording(true);
