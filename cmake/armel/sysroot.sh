@@ -36,6 +36,7 @@ APT::Architecture "armel";
 APT::Architectures {"armel";};
 APT::Install-Recommends "false";
 APT::Sandbox::User "root";
+Acquire::Retries "5";
 Debug::NoLocking "true";
 CONF
 echo "sysroot.sh: fetching the packages of the ARM sysroot"
