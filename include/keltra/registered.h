@@ -100,7 +100,7 @@ class KTUSE {
         counted = false;
     }
     /** For holders that never give a use back when they are destroyed: takes one use of the former value,
-     * whoever counted it. */
+     * no matter which holder counted it. */
     template <class T>
     static void exchange(T *&pointer, T *value) {
         if (pointer) pointer->decReferences();

@@ -245,7 +245,7 @@ TEST_F(SettingsFileTest, BytesThatAreNoTextDoNoHarm) {
     EXPECT_EQ(settings.getWindowY(), 320) << "the line ends at its zero byte";
 }
 
-// What is no regular file, of whatever name, is refused by the engine as by keltra-info, and never waited
+// What is not a regular file, of any name, is refused by the engine as by keltra-info, and never waited
 // for.
 TEST_F(SettingsFileTest, FoldersDevicesAndPipesAreNotRead) {
     ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);

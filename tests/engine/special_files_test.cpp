@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Zlib
-// What is no regular file is refused by every call that reads or writes one, and never waited for.
+// What is not a regular file is refused by every call that reads or writes one, and never waited for.
 
 #include <sys/stat.h>
 
