@@ -43,8 +43,8 @@ namespace {
 
 const unsigned int kVideoMemory = 8388608;
 
-const keltra::OnGone<KTNODE> forgetSkybox([](const KTNODE *gone, bool) {
-    if (KELTRA::skybox == gone) KELTRA::skybox = nullptr;
+const keltra::OnGone<KTNODE> forgetSkybox([](const keltra::Gone<KTNODE> &gone) {
+    gone.clear(KELTRA::skybox);
 });
 
 }  // namespace

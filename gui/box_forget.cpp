@@ -11,35 +11,26 @@ const keltra::OnGone<KTFONT> KTBOX::onFontGone(&KTBOX::forgetFont);
 const keltra::OnGone<KTSHADER> KTBOX::onShaderGone(&KTBOX::forgetShader);
 const keltra::OnGone<KTTEXTURE> KTBOX::onTextureGone(&KTBOX::forgetTexture);
 
-namespace {
-
-template <class Object>
-void clear(Object *&pointer, const void *gone) {
-    if (pointer == gone) pointer = nullptr;
-}
-
-}  // namespace
-
 template <class Visit>
-void KTBOX::visitAll(bool isHeld, Visit visit) {
-    KTLISTED<KTBOX>::visitList(allBoxes, keltra::searchedFor(isHeld), visit);
+void KTBOX::visitBoxes(unsigned int most, Visit visit) {
+    KTLISTED<KTBOX>::visitList(allBoxes, most, visit);
 }
 
-void KTBOX::forgetFont(const KTFONT *gone, bool isHeld) {
-    visitAll(isHeld, [gone](KTBOX &box) {
+void KTBOX::forgetFont(const keltra::Gone<KTFONT> &gone) {
+    visitBoxes(gone.mostVisited(), [&gone](KTBOX &box) {
         if (KTLABEL *label = keltra::as<KTLABEL>(&box))
-            clear(label->font, gone);
+            gone.clear(label->font);
         else if (KTBUTTON *button = keltra::as<KTBUTTON>(&box))
-            clear(button->font, gone);
+            gone.clear(button->font);
     });
 }
 
-void KTBOX::forgetShader(const KTSHADER *gone, bool isHeld) {
-    visitAll(isHeld, [gone](KTBOX &box) { clear(box.shader, gone); });
+void KTBOX::forgetShader(const keltra::Gone<KTSHADER> &gone) {
+    visitBoxes(gone.mostVisited(), [&gone](KTBOX &box) { gone.clear(box.shader); });
 }
 
-void KTBOX::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
-    visitAll(isHeld, [gone](KTBOX &box) { clear(box.texture, gone); });
+void KTBOX::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
+    visitBoxes(gone.mostVisited(), [&gone](KTBOX &box) { gone.clear(box.texture); });
 }
 
 void KTBOX::makePart(KTBOX &part) {
@@ -54,16 +45,16 @@ void KTBOX::destroyParts() {
 // The box that made the part, and the copies of such boxes, which mark the parts that they point to.
 void KTBOX::forgetPart() {
     partOf->losePart(this);
-    if (isHeld()) visitAll(true, [this](KTBOX &box) { box.losePart(this); });
+    if (isHeld()) visitBoxes(~0u, [this](KTBOX &box) { box.losePart(this); });
 }
 
 void KTBOX::losePart(const KTBOX *gone) {
     if (KTWINDOW *window = keltra::as<KTWINDOW>(this)) {
-        clear(window->titleBar, gone);
-        clear(window->scrollBar, gone);
+        if (window->titleBar == gone) window->titleBar = nullptr;
+        if (window->scrollBar == gone) window->scrollBar = nullptr;
     } else if (KTHSCROLLBAR *horizontal = keltra::as<KTHSCROLLBAR>(this)) {
-        clear(horizontal->cursor, gone);
+        if (horizontal->cursor == gone) horizontal->cursor = nullptr;
     } else if (KTVSCROLLBAR *vertical = keltra::as<KTVSCROLLBAR>(this)) {
-        clear(vertical->cursor, gone);
+        if (vertical->cursor == gone) vertical->cursor = nullptr;
     }
 }

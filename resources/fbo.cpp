@@ -65,10 +65,8 @@ void KTFBO::release() {
     delist();
 }
 
-void KTFBO::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
-    visitList(allFbos, keltra::searchedFor(isHeld), [gone](KTFBO &target) {
-        if (target.texture == gone) target.texture = nullptr;
-    });
+void KTFBO::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
+    visitList(allFbos, gone.mostVisited(), [&gone](KTFBO &target) { gone.clear(target.texture); });
 }
 
 bool KTFBO::isOk() const { return KTOPENGL::FBOFlag; }

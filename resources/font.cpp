@@ -277,14 +277,15 @@ void KTFONT::copyFields(const KTFONT &other) {
 }
 
 void KTFONT::release() {
-    keltra::OnGone<KTFONT>::notify(this, isHeld());
+    keltra::OnGone<KTFONT>::notify({*this, isHeld()});
     textureUse.take(texture);
     delist();
 }
 
-void KTFONT::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
-    visitList(allFonts, keltra::searchedFor(isHeld),
-              [gone](KTFONT &font) { font.textureUse.forget(font.texture, gone); });
+void KTFONT::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
+    visitList(allFonts, gone.mostVisited(), [&gone](KTFONT &font) {
+        if (gone.has(font.texture)) font.textureUse.forget(font.texture);
+    });
 }
 
 bool KTFONT::init() {
@@ -438,7 +439,10 @@ KTFONT *KTFONT::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 unsigned int KTFONT::getNumberOfFonts() { return count(); }
 
-bool KTFONT::cleanUp() { return destroyAll(&KTFONT::release); }
+bool KTFONT::cleanUp() {
+    keltra::notifyGoneFrom(firstRegistered());
+    return destroyAll(&KTFONT::release);
+}
 
 void KTFONT::setPath(const char *path) { keltra::takeText(fontPath, path, "KTFONT::setPath"); }
 

@@ -157,21 +157,19 @@ void KTMATERIAL::clone(const KTMATERIAL *source) {
 // Deliberate: the uses of its textures stay counted; applications keep textures resident this way.
 void KTMATERIAL::release() {
     if (currentMaterial == this) currentMaterial = nullptr;
-    keltra::OnGone<KTMATERIAL>::notify(this, isHeld());
+    keltra::OnGone<KTMATERIAL>::notify({*this, isHeld()});
     delist();
 }
 
-void KTMATERIAL::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
-    visitList(allMaterials, keltra::searchedFor(isHeld), [gone](KTMATERIAL &material) {
-        for (KTTEXTURE *&slot : material.texture)
-            if (slot == gone) slot = nullptr;
+void KTMATERIAL::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
+    visitList(allMaterials, gone.mostVisited(), [&gone](KTMATERIAL &material) {
+        for (KTTEXTURE *&slot : material.texture) gone.clear(slot);
     });
 }
 
-void KTMATERIAL::forgetShader(const KTSHADER *gone, bool isHeld) {
-    visitList(allMaterials, keltra::searchedFor(isHeld), [gone](KTMATERIAL &material) {
-        if (material.shader == gone) material.shader = nullptr;
-    });
+void KTMATERIAL::forgetShader(const keltra::Gone<KTSHADER> &gone) {
+    visitList(allMaterials, gone.mostVisited(),
+              [&gone](KTMATERIAL &material) { gone.clear(material.shader); });
 }
 
 void KTMATERIAL::setShader(KTSHADER *value) {
@@ -232,7 +230,10 @@ KTMATERIAL *KTMATERIAL::findById(unsigned int wanted) { return findRegistered(wa
 
 unsigned int KTMATERIAL::getNumberOfMaterials() { return count(); }
 
-bool KTMATERIAL::cleanUp() { return destroyAll(&KTMATERIAL::release); }
+bool KTMATERIAL::cleanUp() {
+    keltra::notifyGoneFrom(firstRegistered());
+    return destroyAll(&KTMATERIAL::release);
+}
 
 void KTMATERIAL::setName(const char *text) {
     if (keltra::takeName(name, text, "KTMATERIAL::setName")) nameChanged();

@@ -103,7 +103,7 @@ void KTSHADER::release() {
     if (currentShader == this) currentShader = nullptr;
     for (KTSHADER **named : kNamed)
         if (*named == this) *named = nullptr;
-    keltra::OnGone<KTSHADER>::notify(this, isHeld());
+    keltra::OnGone<KTSHADER>::notify({*this, isHeld()});
     delist();
 }
 
@@ -168,7 +168,10 @@ void KTSHADER::reset() {
     disable();
 }
 
-bool KTSHADER::cleanUp() { return destroyAll(&KTSHADER::release); }
+bool KTSHADER::cleanUp() {
+    keltra::notifyGoneFrom(firstRegistered());
+    return destroyAll(&KTSHADER::release);
+}
 
 KTSHADER *KTSHADER::findByName(const char *wanted) { return findRegistered(wanted); }
 

@@ -148,7 +148,7 @@ void KTTEXTURE::release() {
     unload(true);
     for (KTTEXTURE *&cached : channelCache)
         if (cached == this) cached = nullptr;
-    keltra::OnGone<KTTEXTURE>::notify(this, isHeld());
+    keltra::OnGone<KTTEXTURE>::notify({*this, isHeld()});
     delist();
 }
 
@@ -171,12 +171,18 @@ bool KTTEXTURE::garbageCollect(unsigned long limit) {
         KTTEXTURE *texture = candidates[i].texture;
         if (texture != updating && KTENGINESTATE::videoMemoryUsed >= limit) texture->unload(true);
     }
-    for (unsigned int i = 0; i < total; ++i) {
-        KTTEXTURE *texture = candidates[i].texture;
-        if (texture != updating && texture->references <= 0) destroy(*texture);
-    }
+    const Candidate *unused = std::remove_if(candidates, candidates + total, [](const Candidate &each) {
+        return each.texture == updating || each.texture->references > 0;
+    });
+    keltra::GoneMany<KTTEXTURE> gone(static_cast<unsigned int>(unused - candidates));
+    for (const Candidate *each = candidates; each != unused; ++each) gone.add(*each->texture);
+    gone.notify();
+    for (const Candidate *each = candidates; each != unused; ++each) destroy(*each->texture);
     vnfFree(candidates);
     return true;
 }
 
-bool KTTEXTURE::cleanUp() { return destroyAll(&KTTEXTURE::release); }
+bool KTTEXTURE::cleanUp() {
+    keltra::notifyGoneFrom(firstRegistered());
+    return destroyAll(&KTTEXTURE::release);
+}

@@ -96,9 +96,10 @@ void KTVIDEO::setMPGPath(const char *path) { keltra::takeText(mpgPath, path, "KT
 
 void KTVIDEO::setTexture(KTTEXTURE *target) { textureUse.set(texture, target); }
 
-void KTVIDEO::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
-    visitList(allVideos, keltra::searchedFor(isHeld),
-              [gone](KTVIDEO &video) { video.textureUse.forget(video.texture, gone); });
+void KTVIDEO::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
+    visitList(allVideos, gone.mostVisited(), [&gone](KTVIDEO &video) {
+        if (gone.has(video.texture)) video.textureUse.forget(video.texture);
+    });
 }
 
 bool KTVIDEO::load(const char *name) {

@@ -245,7 +245,6 @@ bool KTELEMENT::passSkeleton(KTNODE *bone, KTMESH *mesh) {
 KTELEMENT *KTELEMENT::getLight(unsigned int i) { return i < numberOfLights ? elementPointer[i] : nullptr; }
 
 // Deliberate: also what is not held; the list is short, and a pass does not mark what it appends.
-void KTELEMENT::forget(const KTNODE *gone, bool) {
-    for (unsigned int i = 0; i < numberOfPassedElements; ++i)
-        if (element[i].node == gone) element[i].node = nullptr;
+void KTELEMENT::forget(const keltra::Gone<KTNODE> &gone) {
+    for (unsigned int i = 0; i < numberOfPassedElements; ++i) gone.clear(element[i].node);
 }

@@ -283,9 +283,9 @@ void KTEMITTER::destroyUnused(KTTEXTURE *former) {
     if (former && former->getReferences() <= 0) KTTEXTURE::destroy(*former);
 }
 
-void KTEMITTER::forgetTexture(const KTTEXTURE *gone, bool isHeld) {
-    KTLISTED<KTEMITTER>::visitList(allEmitters, keltra::searchedFor(isHeld), [gone](KTEMITTER &emitter) {
-        emitter.textureUse.forget(emitter.texture, gone);
+void KTEMITTER::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
+    KTLISTED<KTEMITTER>::visitList(allEmitters, gone.mostVisited(), [&gone](KTEMITTER &emitter) {
+        if (gone.has(emitter.texture)) emitter.textureUse.forget(emitter.texture);
     });
 }
 

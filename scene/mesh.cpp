@@ -141,9 +141,10 @@ void KTMESH::releaseMesh() {
 
 void KTMESH::setMaterial(KTMATERIAL *value) { materialUse.set(material, value); }
 
-void KTMESH::forgetMaterial(const KTMATERIAL *gone, bool isHeld) {
-    KTLISTED<KTMESH>::visitList(allMeshes, keltra::searchedFor(isHeld),
-                                [gone](KTMESH &mesh) { mesh.materialUse.forget(mesh.material, gone); });
+void KTMESH::forgetMaterial(const keltra::Gone<KTMATERIAL> &gone) {
+    KTLISTED<KTMESH>::visitList(allMeshes, gone.mostVisited(), [&gone](KTMESH &mesh) {
+        if (gone.has(mesh.material)) mesh.materialUse.forget(mesh.material);
+    });
 }
 
 bool KTMESH::init() {

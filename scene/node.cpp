@@ -138,7 +138,7 @@ void KTNODE::forget(const KTNODE *gone) {
 
 void KTNODE::forgetEverywhere() {
     using Aimer = KTLISTED<KTNODE, keltra::Aiming>;
-    keltra::OnGone<KTNODE>::notify(this, isHeld());
+    keltra::OnGone<KTNODE>::notify({*this, isHeld()});
     if (isHeld()) KTLISTED<KTNODE>::visitList(borrowers, ~0u, [this](KTNODE &node) { node.forget(this); });
     while (KTNODE *node = Aimer::objectAt(aiming)) {
         node->Aimer::leaveList();

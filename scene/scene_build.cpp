@@ -7,6 +7,7 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "core/holders.h"
 #include "formats/scene_faults.h"
 #include "formats/trusted_record.h"
 #include "foundation/file_bytes.h"
@@ -125,12 +126,11 @@ void destroy(KTTEXTURE *texture) { delete texture; }
 // Destroys what the list holds beyond its first `kept` objects.
 template <class T>
 void destroyBeyond(unsigned int kept, T *object) {
+    for (; object && kept > 0; --kept) object = object->getNext();
+    keltra::notifyGoneFrom(object);
     while (object) {
         T *next = object->getNext();
-        if (kept > 0)
-            --kept;
-        else
-            destroy(object);
+        destroy(object);
         object = next;
     }
 }

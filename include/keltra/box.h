@@ -6,6 +6,8 @@
 
 namespace keltra {
 template <class T>
+class Gone;
+template <class T>
 class OnGone;
 struct Part;  // the list of the parts of a box
 }  // namespace keltra
@@ -129,14 +131,14 @@ class KT_API KTBOX : public KTNODE, public KTLISTED<KTBOX>, public KTLISTED<KTBO
     void destroyParts();
 
    private:
-    static void forgetFont(const KTFONT *gone, bool isHeld);
-    static void forgetShader(const KTSHADER *gone, bool isHeld);
-    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
+    static void forgetFont(const keltra::Gone<KTFONT> &gone);
+    static void forgetShader(const keltra::Gone<KTSHADER> &gone);
+    static void forgetTexture(const keltra::Gone<KTTEXTURE> &gone);
     void copyBox(const KTBOX &other);
     void forgetPart();
     void losePart(const KTBOX *gone);
     template <class Visit>
-    static void visitAll(bool isHeld, Visit visit);
+    static void visitBoxes(unsigned int most, Visit visit);
 
     static const keltra::OnGone<KTFONT> onFontGone;
     static const keltra::OnGone<KTSHADER> onShaderGone;

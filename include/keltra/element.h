@@ -7,8 +7,10 @@
 
 namespace keltra {
 template <class T>
+class Gone;
+template <class T>
 class OnGone;
-}
+}  // namespace keltra
 
 class KTMESH;
 class KTNODE;
@@ -104,7 +106,7 @@ class KT_API KTELEMENT {
    private:
     static void append(KTNODE *node);
     static void passSkin(KTMESH *mesh, KTELEMENT &entry);
-    static void forget(const KTNODE *gone, bool isHeld);
+    static void forget(const keltra::Gone<KTNODE> &gone);
 
     static const keltra::OnGone<KTNODE> onNodeGone;
 };

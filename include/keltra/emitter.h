@@ -6,8 +6,10 @@
 
 namespace keltra {
 template <class T>
+class Gone;
+template <class T>
 class OnGone;
-}
+}  // namespace keltra
 
 class KTTEXTURE;
 
@@ -160,7 +162,7 @@ class KT_API KTEMITTER : public KTNODE, public KTLISTED<KTEMITTER> {
 
    private:
     struct BILLBOARD;
-    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
+    static void forgetTexture(const keltra::Gone<KTTEXTURE> &gone);
     static void freeArrays();
     void copyEmitter(const KTEMITTER &other);
     static void destroyUnused(KTTEXTURE *former);

@@ -6,8 +6,10 @@
 
 namespace keltra {
 template <class T>
+class Gone;
+template <class T>
 class OnGone;
-}
+}  // namespace keltra
 
 class KTFBO;
 class KTSHADER;
@@ -69,7 +71,7 @@ class KT_API KTFBO : public KTREGISTERED<KTFBO>, public KTLISTED<KTFBO> {
 
    private:
     void release();
-    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
+    static void forgetTexture(const keltra::Gone<KTTEXTURE> &gone);
     void copyFields(const KTFBO &other);
 
     static const keltra::OnGone<KTTEXTURE> onTextureGone;

@@ -8,8 +8,10 @@
 
 namespace keltra {
 template <class T>
+class Gone;
+template <class T>
 class OnGone;
-}
+}  // namespace keltra
 
 class KTFONT;
 class KTTEXTURE;
@@ -120,7 +122,7 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT>, public KTLISTED<KTFONT> {
 
    private:
     void release();
-    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
+    static void forgetTexture(const keltra::Gone<KTTEXTURE> &gone);
     void copyFields(const KTFONT &other);
     void queueGlyph(std::int64_t x, std::int64_t y, char c) const;
     void writeGlyph(std::int64_t x, std::int64_t y, char c) const;

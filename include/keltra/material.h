@@ -9,8 +9,10 @@
 
 namespace keltra {
 template <class T>
+class Gone;
+template <class T>
 class OnGone;
-}
+}  // namespace keltra
 
 class KTMATERIAL;
 class KTSHADER;
@@ -120,8 +122,8 @@ class KT_API KTMATERIAL : public KTREGISTERED<KTMATERIAL>, public KTLISTED<KTMAT
 
    private:
     void release();
-    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
-    static void forgetShader(const KTSHADER *gone, bool isHeld);
+    static void forgetTexture(const keltra::Gone<KTTEXTURE> &gone);
+    static void forgetShader(const keltra::Gone<KTSHADER> &gone);
     void copyFields(const KTMATERIAL &other);
     void copySurface(const KTMATERIAL &other);
     KTSHADER *chooseShader(const void *data) const;

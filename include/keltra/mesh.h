@@ -8,8 +8,10 @@
 
 namespace keltra {
 template <class T>
+class Gone;
+template <class T>
 class OnGone;
-}
+}  // namespace keltra
 
 class KTELEMENT;
 class KTMATERIAL;
@@ -135,7 +137,7 @@ class KT_API KTMESH : public KTNODE, public KTLISTED<KTMESH> {
     };
     void copyMesh(const KTMESH &other);
     void releaseMesh();
-    static void forgetMaterial(const KTMATERIAL *gone, bool isHeld);
+    static void forgetMaterial(const keltra::Gone<KTMATERIAL> &gone);
     unsigned int countPoolBones() const;
     bool usesSkinningShader() const;
     bool skinVertices(unsigned int boneCount);

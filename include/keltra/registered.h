@@ -10,6 +10,8 @@
 namespace keltra {
 
 class ObjectList;
+template <class T>
+class GoneMany;
 
 /** What the list of a class keeps in each of its objects. */
 struct Registration {
@@ -92,10 +94,9 @@ class KTUSE {
         if (used) used->decReferences();
         return used;
     }
-    /** Clears the pointer when it leads to `gone`, which is being destroyed. */
+    /** Clears the pointer to what is being destroyed. */
     template <class T>
-    void forget(T *&pointer, const T *gone) {
-        if (pointer != gone) return;
+    void forget(T *&pointer) {
         pointer = nullptr;
         counted = false;
     }
@@ -172,6 +173,9 @@ class KTREGISTERED {
     static bool destroyAll(Release release);
 
    private:
+    friend class keltra::GoneMany<T>;
+
+    void setHeld(bool isHeld) { registration.held = isHeld; }
     static keltra::ObjectList &list();
     // The registration is the only member, so that both have one address.
     static T *objectOf(keltra::Registration *place) {

@@ -7,8 +7,10 @@
 
 namespace keltra {
 template <class T>
+class Gone;
+template <class T>
 class OnGone;
-}
+}  // namespace keltra
 
 class KTTEXTURE;
 class KTVIDEO;
@@ -95,7 +97,7 @@ class KT_API KTVIDEO : public KTREGISTERED<KTVIDEO>, public KTLISTED<KTVIDEO> {
 
    private:
     void release();
-    static void forgetTexture(const KTTEXTURE *gone, bool isHeld);
+    static void forgetTexture(const keltra::Gone<KTTEXTURE> &gone);
     void copyFields(const KTVIDEO &other);
     bool startAgain();
     void show(unsigned int width, unsigned int height, const unsigned char *pixels);
