@@ -159,6 +159,13 @@ std::FILE *platformCreateFile(const char *path, const char *mode) {
     return stream;
 }
 
+bool platformCanReplace(const char *path) {
+    struct stat status;
+    return lstat(path, &status) == 0 && S_ISREG(status.st_mode) && access(path, W_OK) == 0;
+}
+
+bool platformReplaceFile(const char *from, const char *to) { return std::rename(from, to) == 0; }
+
 bool platformHasSwitch(const char *variable) {
     const char *value = std::getenv(variable);
     return value && std::strcmp(value, "1") == 0;

@@ -50,6 +50,11 @@ std::int64_t platformFileSize(const char *path);
 // `fopen` with the mode "wb" or "wt", but null, without waiting, for a pipe that nobody reads.
 std::FILE *platformCreateFile(const char *path, const char *mode);
 
+// True for a regular file that may be written to, not a link to one.
+bool platformCanReplace(const char *path);
+// Gives the file `from` the name of the file `to`, which is gone then; both are in one folder.
+bool platformReplaceFile(const char *from, const char *to);
+
 // True when the environment has the variable with the value "1"; false where there is no environment.
 bool platformHasSwitch(const char *variable);
 // While it exists, SDL starts the driver of the window system or none: no driver that draws to a text console

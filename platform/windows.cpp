@@ -73,6 +73,13 @@ std::int64_t platformFileSize(const char *path) {
 
 std::FILE *platformCreateFile(const char *path, const char *mode) { return std::fopen(path, mode); }
 
+bool platformCanReplace(const char *path) { return platformPathKind(path) == PathKind::kFile; }
+
+// Not in one step: `rename` refuses the name of a file that exists.
+bool platformReplaceFile(const char *from, const char *to) {
+    return std::remove(to) == 0 && std::rename(from, to) == 0;
+}
+
 // The device has no environment.
 bool platformHasSwitch(const char *) { return false; }
 

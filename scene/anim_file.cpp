@@ -8,15 +8,24 @@
 
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace {
 
 const unsigned char kEndOfText = 26;  // follows the magic, so that a text viewer stops there; not checked
 
-// Little-endian, on any machine.
+// Little-endian, on any machine. A file that exists is replaced when the new one is complete: when there is
+// no room for it or the power fails, the old one is still there.
 class Writer {
    public:
-    explicit Writer(const char *path) : file(keltra::platformCreateFile(path, "wb")), good(file != nullptr) {}
+    explicit Writer(const char *path) : path(path) {
+        if (keltra::platformCanReplace(path)) makeAside();
+        if (!file) file = keltra::platformCreateFile(path, "wb");
+        good = file != nullptr;
+    }
+    ~Writer() { delete[] aside; }
+    Writer(const Writer &) = delete;
+    Writer &operator=(const Writer &) = delete;
 
     void bytes(const void *data, std::size_t size) {
         good = good && std::fwrite(data, 1, size, file) == size;
@@ -39,10 +48,35 @@ class Writer {
         }
     }
     // False when a write failed.
-    bool close() { return file && std::fclose(file) == 0 && good; }
+    bool close() {
+        if (!file) return false;
+        good = std::fclose(file) == 0 && good;
+        if (!aside) return good;
+        if (good) return keltra::platformReplaceFile(aside, path);
+        std::remove(aside);
+        return false;
+    }
 
    private:
-    std::FILE *file;
+    // In the same folder. Where no file can be made there, the existing one is written to.
+    void makeAside() {
+        const char suffix[] = ".part";
+        const std::size_t length = std::strlen(path);
+        aside = new (std::nothrow) char[length + sizeof suffix];
+        if (!aside) return;
+        std::memcpy(aside, path, length);
+        std::memcpy(aside + length, suffix, sizeof suffix);
+        if (keltra::platformPathKind(aside) == keltra::PathKind::kNothing ||
+            keltra::platformCanReplace(aside))
+            file = keltra::platformCreateFile(aside, "wb");
+        if (file) return;
+        delete[] aside;
+        aside = nullptr;
+    }
+
+    const char *path;
+    char *aside = nullptr;
+    std::FILE *file = nullptr;
     bool good;
 };
 

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/anim.h>
 
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -13,6 +18,7 @@
 #include "tests/support/allocations.h"
 #include "tests/support/same_verdict.h"
 #include "tests/support/small_stack.h"
+#include "tests/support/unprivileged.h"
 #include "tools/formats/kta_writer.h"
 
 namespace keltra::test {
@@ -240,6 +246,78 @@ TEST_F(AnimFileTest, SaveNeedsAPathThatCanBeWritten) {
     EXPECT_FALSE(anim->save(folder.prefix().c_str()));
     EXPECT_FALSE(anim->save(folder.path("missing/a.kta").c_str()));
     EXPECT_FALSE(anim->save("/dev/full"));
+}
+
+/// While it exists, no file can grow beyond `bytes`.
+class SmallDisk {
+   public:
+    explicit SmallDisk(rlim_t bytes) : handler(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit small{bytes, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallDisk() {
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+    }
+    SmallDisk(const SmallDisk &) = delete;
+    SmallDisk &operator=(const SmallDisk &) = delete;
+
+   private:
+    rlimit before;
+    void (*const handler)(int);
+};
+
+TEST_F(AnimFileTest, WithoutRoomTheOldFileStays) {
+    const std::string path = folder.path("saved.kta");
+    const Bytes old = saved(newAnim(2, 2));
+    KTANIM *large = newAnim(20, 100);
+    bool written;
+    {
+        const SmallDisk disk(4096);
+        written = large->save(path.c_str());
+    }
+    EXPECT_FALSE(written);
+    EXPECT_EQ(readFile(path), old);
+    EXPECT_EQ(access((path + ".part").c_str(), F_OK), -1);
+    EXPECT_TRUE(large->save(path.c_str()));
+    EXPECT_GT(readFile(path).size(), 20u * 100u * 25u);
+}
+
+TEST_F(AnimFileTest, WhatASaveLeftBehindIsReplaced) {
+    const std::string path = folder.path("saved.kta");
+    saved(newAnim(2, 2));
+    folder.write("saved.kta.part", Bytes(100000, 7));
+    KTANIM *anim = newAnim(3, 1);
+    EXPECT_EQ(saved(anim), saved(anim));
+    EXPECT_EQ(access((path + ".part").c_str(), F_OK), -1);
+    EXPECT_LT(readFile(path).size(), 1000u);
+}
+
+TEST_F(AnimFileTest, AFolderThatTakesNoNewFilesHasItsOldOnesWritten) {
+    const std::string path = folder.path("saved.kta");
+    const Bytes old = saved(newAnim(2, 2));
+    ASSERT_EQ(chmod(path.c_str(), 0666), 0);
+    ASSERT_EQ(chmod(folder.prefix().c_str(), 0555), 0);
+    bool written;
+    {
+        const Unprivileged user;
+        written = newAnim(3, 1)->save(path.c_str());
+    }
+    EXPECT_EQ(chmod(folder.prefix().c_str(), 0755), 0);
+    EXPECT_TRUE(written);
+    EXPECT_NE(readFile(path), old);
+}
+
+TEST_F(AnimFileTest, ALinkStaysALink) {
+    saved(newAnim(2, 2));
+    const std::string link = folder.path("link.kta");
+    ASSERT_EQ(symlink("saved.kta", link.c_str()), 0);
+    ASSERT_TRUE(newAnim(3, 1)->save(link.c_str()));
+    struct stat status;
+    ASSERT_EQ(lstat(link.c_str(), &status), 0);
+    EXPECT_TRUE(S_ISLNK(status.st_mode));
+    EXPECT_EQ(readFile(link), readFile(folder.path("saved.kta")));
 }
 
 TEST_F(AnimFileTest, SaveOfDamagedCountsAndNamesStaysInTheGrid) {
