@@ -154,11 +154,17 @@ bool KELTRA::end2D() {
     return true;
 }
 
+// A device that was switched off may return without the context and all that is in it.
+[[gnu::cold]] static bool failSwap() {
+    const bool isLost = eglGetError() == EGL_CONTEXT_LOST;
+    return keltra::failState("KELTRA::swap", isLost ? "the GL context is lost; start the engine again"
+                                                    : "the frame cannot be shown");
+}
+
 bool KELTRA::swap() {
     timerUpdated = false;
     glFlush();
     glFinish();
     keltra::sampleLateBlocks();
-    return eglSwapBuffers(KTSETTINGS::glesDisplay, KTSETTINGS::glesSurface) == EGL_TRUE ||
-           keltra::failState("KELTRA::swap", "the frame cannot be shown");
+    return eglSwapBuffers(KTSETTINGS::glesDisplay, KTSETTINGS::glesSurface) == EGL_TRUE || failSwap();
 }

@@ -113,6 +113,18 @@ TEST_F(FaultTableTest, CallsOfAnActiveEngine) {
     });
 }
 
+TEST_F(FaultTableTest, AContextThatWasLost) {
+    check({
+        {"KELTRA::swap",
+         [](Folder) {
+             StartupFaults::loseContext();
+             EXPECT_FALSE(KELTRA::swap());
+         },
+         kError, KT_FAULT_STATE, "KELTRA::swap: the GL context is lost; start the engine again"},
+    });
+    EXPECT_TRUE(KELTRA::swap());
+}
+
 TEST_F(FaultTableTest, CallsOfAnEngineThatIsNotActive) {
     ASSERT_TRUE(KELTRA::free());
     static KTELEMENT element;

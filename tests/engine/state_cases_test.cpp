@@ -203,6 +203,26 @@ TEST_F(StateCasesTest, AnUploadWithinTheSceneDoesNotChangeWhatIsDrawnWith) {
     EXPECT_EQ(draw({&left, &blends, &right}).pixels, plain.pixels);
 }
 
+TEST_F(StateCasesTest, ATextureOfTheApplicationIsBackAfterTheContextWasLost) {
+    KTTEXTURE own;
+    ASSERT_TRUE(own.load("tile.tga"));
+    KTBOX box;
+    box.setSizes(64, 64);
+    const auto show = [&] {
+        box.setTexture(&own);
+        return frame(nullptr, nullptr, [&] { box.pass(); });
+    };
+    const Image before = show();
+    StartupFaults::loseContext();
+    EXPECT_FALSE(KELTRA::swap());
+    ASSERT_TRUE(KELTRA::free());
+    settings.setTexturePath(folder.prefix().c_str());
+    ASSERT_TRUE(KELTRA::init(&settings));
+    KTOPENGL::setBackgroundColor(0.0f, 0.0f, 1.0f, 1.0f);
+    EXPECT_TRUE(show().pixels == before.pixels);
+    EXPECT_TRUE(own.isLoaded());
+}
+
 TEST_F(StateCasesTest, AMeshWithoutAMaterialIsPlain) {
     KTMESH &bare = meshOf(make("Bare")), &glass = meshOf(make("Transparent", Side::kLeft));
     KTMESH &tile = meshOf(make("Textured", Side::kLeft));

@@ -18,6 +18,7 @@ struct State {
     std::map<std::string, int, std::less<>> failures;
     std::map<std::string, int, std::less<>> successes;
     int emptyChoices = 0;
+    bool isContextLost = false;
     // Above 0 inside a library's function: what it calls itself (SDL_SetVideoMode asks SDL_VideoModeOK) is
     // not the engine's call, and is passed on unseen.
     int nesting = 0;
@@ -86,6 +87,10 @@ void keepAttributes(const EGLint *attributes) {
 
 void StartupFaults::clear() { state() = State(); }
 void StartupFaults::fail(std::string_view name, int times) { state().failures[std::string(name)] = times; }
+void StartupFaults::loseContext() {
+    fail("eglSwapBuffers");
+    state().isContextLost = true;
+}
 long StartupFaults::failNth(long nth) {
     failingCall = nth;
     return std::exchange(callsSeen, 0);
@@ -133,6 +138,12 @@ KELTRA_WRAP(2, eglSwapBuffers, EGL_FALSE)
 KELTRA_WRAP(2, eglDestroyContext, EGL_FALSE)
 KELTRA_WRAP(2, eglDestroySurface, EGL_FALSE)
 KELTRA_WRAP(1, eglTerminate, EGL_FALSE)
+
+extern "C" __attribute__((visibility("default"))) EGLint eglGetError() {
+    using namespace keltra::test;
+    if (std::exchange(state().isContextLost, false)) return EGL_CONTEXT_LOST;
+    return pass<EGLint>("eglGetError");
+}
 
 extern "C" __attribute__((visibility("default"))) EGLBoolean eglChooseConfig(EGLDisplay display,
                                                                              const EGLint *attributes,

@@ -22,6 +22,9 @@ class StartupFaults {
     /// and SDL_Quit have no failure: they then do nothing.
     static void fail(std::string_view name, int times = 1);
 
+    /// The next eglSwapBuffers fails, and eglGetError says once that the context is lost.
+    static void loseContext();
+
     /// Lets the `nth` call from now on fail, whichever it is; with 0 they are only counted. Returns how many
     /// there were since the last time.
     static long failNth(long nth);
