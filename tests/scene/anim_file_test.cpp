@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/anim.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -17,6 +15,7 @@
 #include "tests/scene/anim_fixture.h"
 #include "tests/support/allocations.h"
 #include "tests/support/same_verdict.h"
+#include "tests/support/small_disk.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/unprivileged.h"
 #include "tools/formats/kta_writer.h"
@@ -247,26 +246,6 @@ TEST_F(AnimFileTest, SaveNeedsAPathThatCanBeWritten) {
     EXPECT_FALSE(anim->save(folder.path("missing/a.kta").c_str()));
     EXPECT_FALSE(anim->save("/dev/full"));
 }
-
-/// While it exists, no file can grow beyond `bytes`.
-class SmallDisk {
-   public:
-    explicit SmallDisk(rlim_t bytes) : handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit small{bytes, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallDisk() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-    }
-    SmallDisk(const SmallDisk &) = delete;
-    SmallDisk &operator=(const SmallDisk &) = delete;
-
-   private:
-    rlimit before;
-    void (*const handler)(int);
-};
 
 TEST_F(AnimFileTest, WithoutRoomTheOldFileStays) {
     const std::string path = folder.path("saved.kta");

@@ -8,11 +8,11 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "tools/formats/version.h"
+#include "tools/support/whole_file.h"
 
 namespace {
 
@@ -26,11 +26,10 @@ struct Arguments {
 };
 
 bool writeFile(const std::string &path, const void *bytes, std::size_t size) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(static_cast<const char *>(bytes), static_cast<std::streamsize>(size));
-    out.close();
-    if (!out) std::fprintf(stderr, "keltra-font: cannot write %s\n", path.c_str());
-    return bool(out);
+    std::string reason;
+    if (keltra::support::writeWhole(path, bytes, size, &reason)) return true;
+    std::fprintf(stderr, "keltra-font: cannot write %s: %s\n", path.c_str(), reason.c_str());
+    return false;
 }
 
 bool writePreview(const std::string &path, const BakedFont &font) {
@@ -40,7 +39,10 @@ bool writePreview(const std::string &path, const BakedFont &font) {
     png.width = picture.width;
     png.height = picture.height;
     png.format = PNG_FORMAT_RGBA;
-    if (png_image_write_to_file(&png, path.c_str(), 0, picture.pixels.data(), 0, nullptr)) return true;
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(png);
+    std::vector<std::uint8_t> file(size);
+    if (png_image_write_to_memory(&png, file.data(), &size, 0, picture.pixels.data(), 0, nullptr))
+        return writeFile(path, file.data(), size);
     std::fprintf(stderr, "keltra-font: cannot write %s: %s\n", path.c_str(), png.message);
     return false;
 }

@@ -6,12 +6,9 @@
 #include <GLES/gl.h>
 #include <png.h>
 
-#include <fcntl.h>
-#include <unistd.h>
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+
+#include "tools/support/whole_file.h"
 
 namespace keltra::support {
 namespace {
@@ -31,16 +28,6 @@ bool encode(const Shot &shot, std::vector<unsigned char> *file, std::string *rea
     file->resize(good ? size : 0);
     if (!good) *reason = image.message;
     return good;
-}
-
-bool writeAll(int file, const std::vector<unsigned char> &bytes) {
-    for (std::size_t done = 0; done < bytes.size();) {
-        const ssize_t count = ::write(file, bytes.data() + done, bytes.size() - done);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        done += static_cast<std::size_t>(count);
-    }
-    return true;
 }
 
 }  // namespace
@@ -66,26 +53,7 @@ Shot takeShot() {
 bool saveShot(const Shot &shot, const std::string &path, std::string *reason) {
     std::vector<unsigned char> bytes;
     if (!encode(shot, &bytes, reason)) return false;
-    const std::string aside = path + "." + std::to_string(::getpid()) + ".tmp";
-    const int file = ::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file < 0) {
-        *reason = std::strerror(errno);
-        return false;
-    }
-    bool good = writeAll(file, bytes);
-    int fault = errno;
-    if (::close(file) != 0 && good) {
-        good = false;
-        fault = errno;
-    }
-    if (good && std::rename(aside.c_str(), path.c_str()) != 0) {
-        good = false;
-        fault = errno;
-    }
-    if (good) return true;
-    ::unlink(aside.c_str());
-    *reason = std::strerror(fault);
-    return false;
+    return writeWhole(path, bytes.data(), bytes.size(), reason);
 }
 
 }  // namespace keltra::support
