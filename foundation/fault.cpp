@@ -240,6 +240,12 @@ void KTFAULTS::setHandler(KTFAULTHANDLER receiver, void *user) {
     keltra::handlerUser = user;
 }
 
+void KTFAULTS::report(const KTFAULT *fault) {
+    if (!fault) return;
+    KTFAULT told = *fault;
+    keltra::tell(told);
+}
+
 unsigned int KTFAULTS::format(const KTFAULT *fault, char *text, unsigned int size) {
     if (fault) return keltra::faultSentence(*fault, text, text ? size : 0);
     if (text && size) *text = '\0';

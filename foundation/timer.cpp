@@ -22,6 +22,18 @@ struct Timer {
 
 Timer timers[kTimers];
 
+struct {
+    vnfClock read;  // null for the system's
+    void *user;
+} source;
+
+constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
+
+void restart(Timer &timer) {
+    timer.last = source.read ? source.read(source.user) : keltra::platformCounter();
+    timer.frequency = source.read ? kNanosecondsPerSecond : keltra::platformCounterFrequency();
+}
+
 // Null, with a line in the log, for a bad index or a free timer.
 Timer *findTimer(int index, const char *caller) {
     if (static_cast<unsigned int>(index) < kTimers && timers[index].base != 0.0f) return &timers[index];
@@ -46,8 +58,7 @@ int vnfNewTimer(float base) {
         Timer &timer = timers[index];
         if (timer.base != 0.0f) continue;
         timer.base = base;
-        timer.last = keltra::platformCounter();
-        timer.frequency = keltra::platformCounterFrequency();
+        restart(timer);
         return int(index);
     }
     vnfLog("vnfNewTimer: no more timers\n");
@@ -66,7 +77,11 @@ bool vnfFreeTimer(int index) { return keltra::returnTimer(index) || refuse(index
 bool keltra::adjournTimer(int index) {
     Timer *timer = findTimer(index, "vnfAdjournTimer");
     if (!timer) return false;
-    timer->now = keltra::platformCounter();
+    timer->now = source.read ? source.read(source.user) : keltra::platformCounter();
+    if (source.read && timer->now == timer->last) {
+        timer->factor = timer->fps = 0.0f;
+        return true;
+    }
     timer->factor = float(timer->now - timer->last) / (float(timer->frequency) / timer->base);
     // Two frames in one tick, and a negative base, would give a rate without meaning.
     if (timer->factor <= 0.0f) timer->factor = 1.0f;
@@ -85,4 +100,10 @@ float vnfGetTimerFactor(int index) {
 float vnfGetTimerFps(int index) {
     const Timer *timer = findTimer(index, "vnfGetTimerFps");
     return timer ? timer->fps : -1.0f;
+}
+
+void vnfSetClock(vnfClock clock, void *user) {
+    source = {clock, user};
+    for (Timer &timer : timers)
+        if (timer.base != 0.0f) restart(timer);
 }

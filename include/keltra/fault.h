@@ -79,6 +79,11 @@ class KT_API KTFAULTS {
     /** Sets the handler, and what it is given as `user`; null for none. */
     static void setHandler(KTFAULTHANDLER handler, void *user);
 
+    /** Makes a fault as the engine does, for libraries over it and applications: it becomes the last one, is
+     * counted, and is handed to the handler and printed as others are. `call` is a literal, and texts are
+     * terminated. Null does nothing. */
+    static void report(const KTFAULT *fault);
+
     /** Writes the fault as one English sentence into `text`, cut at `size - 1` characters and terminated, and
      * returns its length before the cut. A null fault gives an empty text; without a buffer (`size` 0) only
      * the length is returned. */

@@ -84,6 +84,17 @@ KT_API float vnfGetTimerFactor(int timer);
 /** Frames per second of the last frame, whatever the base; -1.0 for a bad index or a free timer. */
 KT_API float vnfGetTimerFps(int timer);
 
+/** Tells the time in nanoseconds since a moment of its own. It may stand still; it must not run backwards. */
+typedef std::int64_t (*vnfClock)(void *user);
+
+/**
+ * Sets the clock that all timers read, and what it is given as `user`; null stands for the system's, as at
+ * start. Timers in use go on from the new clock's present time: what passed since their last measurement is
+ * not measured. A frame in which a clock that was set stands still has the factor 0 and 0 frames per second.
+ * The clock is called by `vnfNewTimer`, `vnfAdjournTimer` and this call, and must not call them.
+ */
+KT_API void vnfSetClock(vnfClock clock, void *user);
+
 // --- identifiers
 
 /** Draws the lowest free identifier, 1 to 65,535. Returns 0 when all are used or the foundation is not

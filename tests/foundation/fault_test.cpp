@@ -49,6 +49,21 @@ TEST_F(FaultTest, ThereIsNoneAtFirst) {
     EXPECT_STREQ(text, "");
 }
 
+TEST_F(FaultTest, AnApplicationReportsItsOwn) {
+    unsigned int handed = 0;
+    KTFAULTS::setHandler([](const KTFAULT *, void *user) { ++*static_cast<unsigned int *>(user); }, &handed);
+    KTFAULT own = newFault(KT_FAULT_DATA);
+    own.call = "GAME::resume";
+    setFaultText(own.field, "checksum");
+    setFaultText(own.expected, "another one");
+    KTFAULTS::report(nullptr);
+    KTFAULTS::report(&own);
+    EXPECT_EQ(handed, 1u);
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 1u);
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_DATA);
+    EXPECT_EQ(last().rfind("GAME::resume: checksum", 0), 0u) << last();
+}
+
 TEST_F(FaultTest, ArgumentsAreNamed) {
     EXPECT_FALSE(failNull("KTNODE::link", "parent"));
     EXPECT_EQ(last(), "KTNODE::link: `parent` is null");

@@ -106,6 +106,58 @@ TEST_F(TimerTest, OddBasesAreDefined) {
     EXPECT_TRUE(vnfFreeTimer(nan));
 }
 
+std::int64_t tell(void *nanoseconds) { return *static_cast<std::int64_t *>(nanoseconds); }
+
+class SetClockTest : public TimerTest {
+   protected:
+    ~SetClockTest() override { vnfSetClock(nullptr, nullptr); }
+
+    std::int64_t now = 5000000000;
+};
+
+TEST_F(SetClockTest, TimersReadTheClockThatIsSet) {
+    vnfSetClock(tell, &now);
+    const int timer = vnfNewTimer(1.0f);
+    passMilliseconds(700);
+    now += 125000000;
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(vnfGetTimerFactor(timer), 0.125f);
+    EXPECT_FLOAT_EQ(vnfGetTimerFps(timer), 8.0f);
+}
+
+TEST_F(SetClockTest, AClockThatStandsStillGivesZero) {
+    vnfSetClock(tell, &now);
+    const int timer = vnfNewTimer(30.0f);
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_EQ(vnfGetTimerFactor(timer), 0.0f);
+    EXPECT_EQ(vnfGetTimerFps(timer), 0.0f);
+    now += 500000000;
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(vnfGetTimerFactor(timer), 15.0f);
+}
+
+TEST_F(SetClockTest, AClockThatRunsBackwardsGivesOneAsTheSystemsDoes) {
+    vnfSetClock(tell, &now);
+    const int timer = vnfNewTimer(1.0f);
+    now -= 1;
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_EQ(vnfGetTimerFactor(timer), 1.0f);
+}
+
+TEST_F(SetClockTest, TimersInUseGoOnFromTheNewClocksTime) {
+    const int timer = vnfNewTimer(1.0f);
+    passMilliseconds(300);
+    vnfSetClock(tell, &now);
+    now += 250000000;
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(vnfGetTimerFactor(timer), 0.25f);
+    passMilliseconds(300);
+    vnfSetClock(nullptr, nullptr);
+    passMilliseconds(50);
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(vnfGetTimerFactor(timer), 0.05f);
+}
+
 TEST_F(TimerTest, TheRealClockRuns) {
     HeldClock::held = false;
     const int timer = vnfNewTimer(1.0f);
