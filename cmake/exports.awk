@@ -24,7 +24,7 @@ opening {
 }
 /^class [^;]*$/ {
     opening = $0 !~ /\{/
-    sub(/^class (KT_API )?/, "")
+    sub(/^class (KT(KIT)?_API )?/, "")
     sub(/[ :].*/, "")
     class = $0
     access = "private"

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Zlib
-# How other projects find and link the library: keltra::keltra, and keltra::sdl and keltra::gles for an application that calls
+# How other projects find and link the library: keltra::keltra, keltra::kit for the kit, and keltra::sdl and keltra::gles for an application that calls
 # SDL or GL itself. The names are the same from an installed package, from a build folder and with add_subdirectory.
 add_library(keltra::keltra ALIAS keltra)
 add_library(keltra_sdl INTERFACE)
@@ -18,7 +18,7 @@ endif()
 include(CMakePackageConfigHelpers)
 set(KELTRA_CMAKE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/keltra)
 
-install(TARGETS keltra EXPORT keltra
+install(TARGETS keltra keltra_kit EXPORT keltra
   RUNTIME COMPONENT runtime
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development)
@@ -44,7 +44,8 @@ if(KELTRA_VIDEO)
   string(APPEND KELTRA_PC_NEEDS " libmpeg2 libmpeg2convert")
 endif()
 configure_file(cmake/keltra.pc.in ${PROJECT_BINARY_DIR}/keltra.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/keltra.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+configure_file(cmake/keltra-kit.pc.in ${PROJECT_BINARY_DIR}/keltra-kit.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/keltra.pc ${PROJECT_BINARY_DIR}/keltra-kit.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 if(KELTRA_TOOLS AND UNIX)
   install(PROGRAMS tests/support/with_screen.sh RENAME keltra-screen DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)

@@ -102,11 +102,11 @@ TEST(DocumentsTest, LinksLeadSomewhere) {
     EXPECT_GT(checked, 30);
 }
 
-// A file or folder by its path in the project, a header as it is included, a part of tests/ in the table of
-// folders, and a source by its name alone.
+// A file or folder by its path in the project, a header as it is included or as the table of rooms has it, a
+// part of tests/ in the table of folders, and a source by its name alone.
 bool exists(const std::string &name) {
     if (name.find('/') == std::string::npos) return projectFiles().count(name) != 0;
-    for (const char *folder : {"", "include/", "tests/"}) {
+    for (const char *folder : {"", "include/", "include/keltra/", "tests/"}) {
         const fs::path file = projectFolder() / (folder + name);
         if (fs::exists(file) || (name.find('*') != std::string::npos && anyMatches(file))) return true;
     }

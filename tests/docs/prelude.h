@@ -7,6 +7,7 @@
 
 #include <SDL.h>
 #include <keltra/keltra.h>
+#include <keltra/kit/kit.h>
 
 #include <cmath>
 #include <cstdio>

@@ -3,6 +3,7 @@
 #include <SDL.h>
 
 #include <keltra/keltra.h>
+#include <keltra/kit/kit.h>
 
 #include <cstdio>
 
@@ -12,14 +13,18 @@ int main(int argc, char **argv) {
     KTNODE *scene = KELTRA::load(argv[1]);
     KTCAMERA *camera = new KTCAMERA;
     camera->setPosition(0.0f, 5.8f, 21.0f);
-    bool good = scene != nullptr;
+    KTINPUT input;
+    bool good = scene != nullptr && input.findAction("left") == KT_ACTION_LEFT;
     for (int frame = 0; good && frame < 3; ++frame) {
-        SDL_PumpEvents();
         KELTRA::updateTimer();
+        input.update(KELTRA::getFPSfactor());
         KELTRA::clear(true, true, false);
         KELTRA::begin3D(camera);
         scene->pass();
         KELTRA::end3D();
+        KELTRA::begin2D();
+        KELTRA::end2D();
+        input.dispatch();
         good = KELTRA::swap() && glGetError() == GL_NO_ERROR;
     }
     KELTRA::free();
