@@ -8,6 +8,7 @@
  * input, time, clips, shapes, cameras and saved games. Each part stands alone, uses the engine's public calls
  * only, and leaves the frame loop to the application. Nothing is allocated in a frame. */
 
+#include <keltra/kit/clip.h>
 #include <keltra/kit/clock.h>
 #include <keltra/kit/export.h>
 #include <keltra/kit/input.h>
