@@ -16,6 +16,7 @@
 #include "core/gl_state.h"
 #include "foundation/fault.h"
 #include "foundation/memory.h"
+#include "scene/light_order.h"
 #include "scene/local_transform.h"
 
 #include <EGL/egl.h>
@@ -30,9 +31,13 @@ void renderTo(int target) {
 }
 
 void renderElements() {
+    keltra::LightOrder lightOrder;
     for (unsigned int i = 0; i < KTELEMENT::numberOfPassedElements; ++i) {
         KTELEMENT *element = KTELEMENT::elementPointer[i];
-        if (KTNODE *node = element->getNode()) node->render(element);
+        KTNODE *node = element->getNode();
+        if (!node) continue;
+        lightOrder.prepare(*node);
+        node->render(element);
     }
 }
 

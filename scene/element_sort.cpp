@@ -3,10 +3,12 @@
 #include <keltra/light.h>
 #include <keltra/material.h>
 
+#include "math/fixed.h"
 #include "math/float_bits.h"
 #include "math/soft_arm.h"
 #include "math/square_root.h"
 #include "scene/element_radius.h"
+#include "scene/light_order.h"
 #include "scene/node_class.h"
 
 #include <algorithm>
@@ -14,6 +16,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <typeinfo>
 
 namespace {
 
@@ -51,6 +54,12 @@ std::int32_t depthKey(const KTELEMENT *entry) {
 bool isExclusive(const KTELEMENT *entry) {
     const KTLIGHT *light = keltra::asTyped<KTLIGHT>(entry->node);
     return light && light->exclusive;
+}
+
+// No distance is negative: below zero there is room for the exclusive lights, in the same order.
+std::int32_t lightKey(const KTELEMENT *entry) {
+    const std::int32_t key = orderKey(entry->distance);
+    return isExclusive(entry) ? key + std::numeric_limits<std::int32_t>::min() : key;
 }
 
 struct Keyed {
@@ -93,7 +102,136 @@ void sortByKey(KTELEMENT **entries, unsigned int count, Key key) {
     for (unsigned int i = 0; i < count; ++i) entries[i] = keyed[i].entry;
 }
 
+// The lights' places in whole units, of which the largest coordinate has 4096 to 8191. Squared distances of
+// such places tell most lights apart from the nearest four; the distances of those that are left are
+// computed.
+constexpr unsigned int kMostPlaces = 64;
+constexpr std::uint32_t kSmallestPlace = 107, kLargestPlace = 167;  // exponents of 2^-20 and 2^40
+
+struct Place {
+    std::int32_t x, y, z;
+    std::uint32_t farther;  // 0 for an exclusive light, which counts as near, otherwise all bits
+    KTELEMENT *entry;
+};
+
+enum class Lights { kAllAtOnce, kNotPlaced, kPlaced };
+
+Lights state = Lights::kAllAtOnce;
+bool waiting = false;  // all but the nearest lights are not in order
+Place places[kMostPlaces];
+unsigned int placed = 0;
+std::uint32_t largestExponent = 0;
+R3XVECTOR3D lastPosition;
+
+std::uint32_t exponentOf(float value) { return keltra::bitsOf(value) << 1 >> 24; }
+
+// Toward zero.
+std::int32_t inUnits(float value) {
+    const std::uint32_t bits = keltra::bitsOf(value), shift = 19 + largestExponent - exponentOf(value);
+    const auto magnitude = std::int32_t(keltra::shiftedRight(bits << 8 | keltra::kSignBit, shift));
+    return std::int32_t(bits) < 0 ? -magnitude : magnitude;
+}
+
+// False for an entry that only the plain way knows how to order.
+bool isPlainLight(const KTELEMENT *entry) {
+    if (!entry->node) return false;
+    const KTNODE &node = *entry->node;
+    return typeid(node) == typeid(KTLIGHT) && node.type == KT_LIGHT;
+}
+
+bool placeLights() {
+    state = Lights::kAllAtOnce;
+    placed = std::min(KTELEMENT::numberOfLights, KTELEMENT::numberOfPassedElements);
+    if (placed <= KTELEMENT::nearestLights || placed > kMostPlaces) return false;
+    largestExponent = 0;
+    for (unsigned int i = 0; i < placed; ++i) {
+        KTELEMENT *entry = places[i].entry = KTELEMENT::elementPointer[i];
+        if (!isPlainLight(entry)) return false;
+        for (int k = 12; k < 15; ++k)
+            largestExponent = std::max(largestExponent, exponentOf(entry->matrix.m[k]));
+    }
+    if (largestExponent < kSmallestPlace || largestExponent > kLargestPlace) return false;
+    for (unsigned int i = 0; i < placed; ++i) {
+        const float *place = places[i].entry->matrix.m + 12;
+        places[i].x = inUnits(place[0]);
+        places[i].y = inUnits(place[1]);
+        places[i].z = inUnits(place[2]);
+        places[i].farther = isExclusive(places[i].entry) ? 0 : ~0u;
+    }
+    state = Lights::kPlaced;
+    return true;
+}
+
+// The squared distances in units, and the largest one that a light among the nearest four can have. Four
+// lights are not farther than `fourth` there, and a place differs from the true one by less than a unit in
+// each coordinate, so a distance by less than 3.5; the rounding of the distance is 1/16 at most. What is more
+// than 8 units beyond the fourth is farther, and the 8 are here: d + d/128 + 8192 >= (sqrt(d) + 8)^2 - 64.
+std::uint32_t estimate(const R3XVECTOR3D &position, std::uint32_t *squares) {
+    const std::int32_t x = inUnits(position.x), y = inUnits(position.y), z = inUnits(position.z);
+    std::uint32_t first = ~0u, second = ~0u, third = ~0u, fourth = ~0u;
+    for (unsigned int i = 0; i < placed; ++i) {
+        const std::int32_t dx = places[i].x - x, dy = places[i].y - y, dz = places[i].z - z;
+        const std::uint32_t square = std::uint32_t(dx * dx + dy * dy + dz * dz) & places[i].farther;
+        squares[i] = square;
+        if (square >= fourth) continue;
+        fourth = std::max(square, third);
+        third = std::min(third, std::max(square, second));
+        second = std::min(second, std::max(square, first));
+        first = std::min(first, square);
+    }
+    return fourth + (fourth >> 7) + 8300;
+}
+
+bool bringNearest(const R3XVECTOR3D &position) {
+    if (state == Lights::kAllAtOnce || (state == Lights::kNotPlaced && !placeLights())) return false;
+    // Two units more, so that no square exceeds 31 bits; also what is not a number.
+    const std::uint32_t most = largestExponent + 1;
+    if (exponentOf(position.x) > most || exponentOf(position.y) > most || exponentOf(position.z) > most)
+        return false;
+    std::uint32_t squares[kMostPlaces];
+    const std::uint32_t limit = estimate(position, squares);
+    unsigned int count = 0;
+    for (unsigned int i = 0; i < placed; ++i) {
+        if (squares[i] > limit) continue;
+        KTELEMENT *entry = places[i].entry;
+        entry->distance = distanceBetween(entry->matrix, position);
+        const Keyed inserted = {lightKey(entry), entry};
+        unsigned int at = count++;
+        for (; at > 0 && inserted.isBefore(keyed[at - 1]); --at) keyed[at] = keyed[at - 1];
+        keyed[at] = inserted;
+    }
+    for (unsigned int i = 0; i < KTELEMENT::nearestLights; ++i) KTELEMENT::elementPointer[i] = keyed[i].entry;
+    lastPosition = position;
+    waiting = true;
+    return true;
+}
+
 }  // namespace
+
+keltra::LightOrder::LightOrder() : wanted(KTELEMENT::numberOfLights > KTELEMENT::nearestLights) {}
+
+keltra::LightOrder::~LightOrder() {
+    settleLightOrder();
+    state = Lights::kAllAtOnce;
+}
+
+// A class of an application's own may look at the lights, or change them.
+void keltra::LightOrder::prepareFor(const KTNODE &node) {
+    if (typeid(node) != typeid(KTMESH)) {
+        settleLightOrder();
+        state = Lights::kAllAtOnce;
+    } else if (state == Lights::kAllAtOnce) {
+        state = Lights::kNotPlaced;
+    }
+}
+
+void keltra::sortNearestLights(const R3XVECTOR3D &position) {
+    if (!bringNearest(position)) KTELEMENT::sortLights(position);
+}
+
+void keltra::settleLightOrder() {
+    if (waiting) KTELEMENT::sortLights(lastPosition);
+}
 
 // Three ranks need no comparisons: they are counted, and each entry has its place.
 bool KTELEMENT::sort3D() {
@@ -116,12 +254,11 @@ bool KTELEMENT::sort3D() {
 bool KTELEMENT::sortLights(R3XVECTOR3D position) {
     if (numberOfPassedElements == 0 || numberOfLights == 0) return false;
     const unsigned int lights = std::min(numberOfLights, numberOfPassedElements);
+    if (waiting)
+        for (unsigned int i = 0; i < lights; ++i) elementPointer[i] = places[i].entry;
+    waiting = false;
     for (unsigned int i = 0; i < lights; ++i)
         elementPointer[i]->distance = distanceBetween(elementPointer[i]->matrix, position);
-    // No distance is negative: below zero there is room for the exclusive ones, in the same order.
-    sortByKey(elementPointer, lights, [](const KTELEMENT *entry) {
-        const std::int32_t key = orderKey(entry->distance);
-        return isExclusive(entry) ? key + std::numeric_limits<std::int32_t>::min() : key;
-    });
+    sortByKey(elementPointer, lights, lightKey);
     return true;
 }

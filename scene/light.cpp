@@ -8,6 +8,7 @@
 #include "core/gl_state.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
+#include "scene/light_order.h"
 #include "scene/local_transform.h"
 #include "scene/node_class.h"
 
@@ -80,9 +81,9 @@ void KTLIGHT::lightingOff() { keltra::setCapability(lighting, GL_LIGHTING, false
 bool KTLIGHT::activateNearest(KTELEMENT *element) {
     if (!element) return keltra::failNull("KTLIGHT::activateNearest", "element");
     if (!lighting) return false;
-    KTELEMENT::sortLights(element->matrix.getTranslation());
+    keltra::sortNearestLights(element->matrix.getTranslation());
     for (unsigned int i = 0; i < KTELEMENT::nearestLights && i < KTELEMENT::numberOfLights; ++i) {
-        KTELEMENT *light = KTELEMENT::getLight(i);
+        KTELEMENT *light = KTELEMENT::elementPointer[i];
         // A mesh with a light's type code would sort its own lights here, and recurse without end.
         if (!light->node || light->node->type != KT_LIGHT || keltra::as<KTMESH>(light->node)) return false;
         light->setParam1(i);

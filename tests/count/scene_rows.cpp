@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "scene/light_order.h"
 #include "tests/count/region.h"
 
 namespace {
@@ -96,6 +97,9 @@ void count::countLights() {
     KTELEMENT::sort3D();
     {
         const Region region("nearest 4 of 20 lights, for a mesh", kMeshes);
+        // As in a frame, with what is left for its end.
+        keltra::LightOrder order;
+        order.prepare(*KTELEMENT::element[kLights].node);
         for (unsigned int i = 0; i < kMeshes; ++i) KTLIGHT::activateNearest(&KTELEMENT::element[kLights + i]);
     }
     for (unsigned int i = 0; i < kMeshes; ++i)
