@@ -7,6 +7,7 @@
 #include "core/glbridge.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
+#include "math/soft_arm.h"
 #include "math/sparse.h"
 
 #include <cstdint>
@@ -36,6 +37,7 @@ unsigned int deepDepth;
 // Whether the GL has a level for the current depth.
 bool isInGL() { return sizes[current] == 0 || depths[current] < sizes[current]; }
 
+const GLfixed kOne = 1 << 16;
 const float kIdentity[16] = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f,
                              0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f};
 
@@ -56,6 +58,18 @@ void rotateTop(float angle, float x, float y, float z) {
     R3XMATRIX rotation;
     rotation.setRotation(angle, x, y, z);
     multiplyTopByRotation(rotation.m);
+}
+
+[[gnu::noinline]] GLfixed turnTopByAngle(int axis, float degrees) {
+    if (!keltra::kSoftFloat || !keltra::turnBy(keltra::rotationOf(degrees), axis, top()))
+        rotateTop(degrees, axis == 0, axis == 1, axis == 2);
+    return toFixed(degrees);
+}
+
+// Returns the angle as the GL reads it. A rotation by 0 degrees is the identity, which leaves the mirror as
+// it is; most nodes turn about one axis or none.
+inline GLfixed turnTop(int axis, float degrees) {
+    return keltra::isZero(degrees) ? 0 : turnTopByAngle(axis, degrees);
 }
 
 void translateTop(float x, float y, float z) {
@@ -92,13 +106,13 @@ KnownMatrix knownMatrices[kKnownMatrices];  // zeros are right from the start
 // Copies the matrix to `mirrored` as well, while it is compared.
 void loadKnown(const float *m, float *mirrored) {
     KnownMatrix &known = knownMatrices[reinterpret_cast<std::uintptr_t>(m) / 128 % kKnownMatrices];
-    std::uint32_t changes = 0;
-    for (int i = 0; i < 16; ++i) {
-        const float value = m[i];
-        changes |= known.bits[i] ^ keltra::bitsOf(value);
-        mirrored[i] = value;
-    }
-    if (changes != 0) {
+#if defined(KELTRA_SOFT_ARM)
+    const bool isKnown = keltraCopySame(m, mirrored, known.bits);
+#else
+    std::memcpy(mirrored, m, sizeof known.bits);
+    const bool isKnown = std::memcmp(m, known.bits, sizeof known.bits) == 0;
+#endif
+    if (!isKnown) {
         for (int i = 0; i < 16; ++i) known.bits[i] = keltra::bitsOf(mirrored[i]);
         keltra::toFixed(mirrored, known.fixed, 16);
     }
@@ -141,13 +155,10 @@ void popMatrix() {
     KT_glLoadMatrixf(deepLevels[--deepDepth]);
 }
 
-// A rotation by 0 degrees is the identity, which leaves the mirror as it is; most nodes turn about one axis
-// or none.
-void rotateAbout(int axis, float degrees) {
-    const bool turned = isZero(degrees) || (kSoftFloat && turnBy(rotationOf(degrees), axis, top()));
-    if (!turned) rotateTop(degrees, axis == 0, axis == 1, axis == 2);
-    const GLfixed one = 1 << 16;
-    glRotatex(toFixed(degrees), axis == 0 ? one : 0, axis == 1 ? one : 0, axis == 2 ? one : 0);
+void applyRotation(const R3XVECTOR3D &degrees) {
+    glRotatex(turnTop(0, degrees.x), kOne, 0, 0);
+    glRotatex(turnTop(1, degrees.y), 0, kOne, 0);
+    glRotatex(turnTop(2, degrees.z), 0, 0, kOne);
 }
 
 void loadMatrixAgain(const float *m) {
@@ -217,7 +228,9 @@ void KT_glMultMatrixf(const float *m) {
 
 void KT_glRotatef(float angle, float x, float y, float z) {
     const int axis = keltra::mainAxis(x, y, z);
-    if (axis >= 0) return keltra::rotateAbout(axis, angle);
+    if (axis >= 0)
+        return glRotatex(turnTop(axis, angle), axis == 0 ? kOne : 0, axis == 1 ? kOne : 0,
+                         axis == 2 ? kOne : 0);
     if (!keltra::isZero(angle)) rotateTop(angle, x, y, z);
     glRotatex(toFixed(angle), toFixed(x), toFixed(y), toFixed(z));
 }

@@ -2,6 +2,8 @@
 #ifndef KELTRA_CORE_GLBRIDGE_H
 #define KELTRA_CORE_GLBRIDGE_H
 
+#include <keltra/vector.h>
+
 namespace keltra {
 
 // Brings the mirror in line with a new GL context: both stacks at depth 0, model-view selected.
@@ -19,8 +21,8 @@ void popMatrix();
 // it is the same.
 void loadMatrixAgain(const float *m);
 
-// KT_glRotatef about a main axis, 0 for x to 2 for z.
-void rotateAbout(int axis, float degrees);
+// Rotates the current matrix by Euler angles in degrees about X, then Y, then Z.
+void applyRotation(const R3XVECTOR3D &degrees);
 
 }  // namespace keltra
 

@@ -47,6 +47,17 @@ extern "C" __attribute__((visibility("hidden"))) bool keltraCorners(std::uint32_
                                                                     std::uint32_t up, std::uint32_t scale,
                                                                     float *corners);
 
+// t[12 + j] := place[0] t[j] + place[1] t[4 + j] + place[2] t[8 + j] + t[12 + j] for j from 0 to 2, where the
+// fourth row of `t` is 0 0 0 1 and zeros are accepted; false when nothing was done.
+extern "C" __attribute__((visibility("hidden"))) bool keltraTranslate(const float *place, float *t);
+
+// Whether 16 words are the same.
+extern "C" __attribute__((visibility("hidden"))) bool keltraSameWords(const void *a, const void *b);
+
+// Copies 16 words, and compares them with others.
+extern "C" __attribute__((visibility("hidden"))) bool keltraCopySame(const void *from, void *to,
+                                                                     const void *others);
+
 // x := c x + p y and y := c y - p x, for bits c and p; false when nothing was done.
 extern "C" __attribute__((visibility("hidden"))) bool keltraTurn(std::uint32_t c, std::uint32_t p, float *x,
                                                                  float *y);

@@ -19,8 +19,14 @@ namespace keltra {
 // The sign of a sum of zeros: negative when all of them are.
 inline float zeroOf(std::uint32_t signs) { return floatOf(signs & kSignBit); }
 
-// a + b, where b is most often zero.
-inline float sum(float a, float b) { return kSoftFloat && isZero(b) && isOrdinary(a) ? a : a + b; }
+// a + b, where one of them is most often zero.
+inline float sum(float a, float b) {
+    if (kSoftFloat && isZero(b)) {
+        if (isOrdinary(a)) return a;
+        if (isZero(a)) return zeroOf(bitsOf(a) & bitsOf(b));
+    }
+    return kSoftFloat && isZero(a) && isOrdinary(b) ? b : a + b;
+}
 
 inline R3XVECTOR3D sum(const R3XVECTOR3D &a, const R3XVECTOR3D &b) {
     return R3XVECTOR3D(sum(a.x, b.x), sum(a.y, b.y), sum(a.z, b.z));
@@ -196,6 +202,10 @@ inline bool turnBy(const Rotation &turn, int axis, float *t) {
 
 // t := a translation x t.
 inline bool translateBy(float x, float y, float z, float *t) {
+#if defined(KELTRA_SOFT_ARM)
+    const float by[3] = {x, y, z};
+    if (keltraTranslate(by, t)) return true;
+#endif
     const Placement placement = placementOf(t);
     if (placement == Placement::kNone || !isFinite(x) || !isFinite(y) || !isFinite(z)) return false;
     const float place[3] = {x, y, z};

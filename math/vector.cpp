@@ -2,7 +2,6 @@
 #include <keltra/vector.h>
 
 #include "foundation/fault.h"
-#include "math/soft_arm.h"
 #include "math/square_root.h"
 
 #include <cmath>
@@ -66,12 +65,7 @@ float &R3XVECTOR3D::operator[](int index) {
 
 const float &R3XVECTOR3D::operator[](int index) const { return const_cast<R3XVECTOR3D &>(*this)[index]; }
 
-float R3XVECTOR3D::length() const {
-#if defined(KELTRA_SOFT_ARM)
-    if (const std::uint32_t bits = keltraSumOfSquares(&x)) return keltra::squareRoot(keltra::floatOf(bits));
-#endif
-    return keltra::squareRoot(squaredLength());
-}
+float R3XVECTOR3D::length() const { return keltra::squareRoot(keltra::sumOfSquares(&x)); }
 
 R3XVECTOR3D R3XVECTOR3D::normalize() { return *this *= reciprocalLength(*this); }
 

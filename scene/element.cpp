@@ -4,7 +4,6 @@
 #include <keltra/engine_state.h>
 #include <keltra/foundation.h>
 #include <keltra/glbridge.h>
-#include <keltra/material.h>
 #include <keltra/mesh.h>
 
 #include "core/glbridge.h"
@@ -12,6 +11,7 @@
 #include "formats/limits.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
+#include "resources/transparency.h"
 #include "scene/element_radius.h"
 #include "scene/local_transform.h"
 #include "scene/node_class.h"
@@ -55,8 +55,6 @@ bool listReported = false, skinsReported = false;
     warnOnce(listReported, "render list", KTELEMENT::numberOfElements);
     return false;
 }
-
-bool isTransparentMesh(const KTMESH &mesh) { return mesh.material && mesh.material->isTransparent(); }
 
 // Plain nodes and hidden meshes only carry their children.
 bool isDrawable(const KTNODE &node) {
@@ -194,13 +192,14 @@ void KTELEMENT::append(KTNODE *node) {
     entry.auxId = node->auxId;
     entry.distance = 0.0f;
     entry.param1 = 0;
-    for (KTELEMENT *&light : entry.nearestLight) light = nullptr;
+    // One by one: a loop becomes a call on ARM.
+    entry.nearestLight[0] = entry.nearestLight[1] = entry.nearestLight[2] = entry.nearestLight[3] = nullptr;
     KT_glGetFloatv(0, entry.matrix.m);
     node->cachedMatrix = entry.matrix;
     bool transparent = node->type == KT_EMITTER || node->type == KT_HELPER;
     if (KTMESH *mesh = keltra::asTyped<KTMESH>(node)) {
         if (mesh->numberOfBones && mesh->bones) passSkin(mesh, entry);
-        transparent = isTransparentMesh(*mesh);
+        transparent = keltra::isTransparent(mesh->material);
     }
     ++numberOfPassedElements;
     if (node->type == KT_LIGHT) ++numberOfLights;

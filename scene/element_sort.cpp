@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/element.h>
 #include <keltra/light.h>
-#include <keltra/material.h>
 
 #include "math/fixed.h"
 #include "math/float_bits.h"
 #include "math/soft_arm.h"
+#include "math/sparse.h"
 #include "math/square_root.h"
+#include "resources/transparency.h"
 #include "scene/element_radius.h"
 #include "scene/light_order.h"
 #include "scene/node_class.h"
@@ -32,9 +33,7 @@ Rank rankOf(const KTNODE *node) {
     if (node->type == KT_LIGHT) return kLight;
     if (node->type == KT_EMITTER || node->type == KT_HELPER) return kTransparent;
     const KTMESH *mesh = keltra::asTyped<KTMESH>(node);
-    const KTMATERIAL *material = mesh ? mesh->material : nullptr;
-    return material && keltra::bitsOf(material->getTransparency()) != keltra::kOneBits ? kTransparent
-                                                                                       : kOpaque;
+    return mesh && keltra::isTransparent(mesh->material) ? kTransparent : kOpaque;
 }
 
 // Maps floats to integers in the same order: a total order whatever the data, and integer comparisons on a
@@ -79,6 +78,12 @@ float distanceBetween(const R3XMATRIX &matrix, const R3XVECTOR3D &position) {
     if (const std::uint32_t bits = keltraSquaredDistance(matrix.m + 12, &position.x))
         return keltra::squareRoot(keltra::floatOf(bits));
 #endif
+    const float *place = matrix.m + 12;
+    if (keltra::kSoftFloat && keltra::areFinite(place, 3) && keltra::areFinite(&position.x, 3)) {
+        const float way[3] = {keltra::sum(position.x, -place[0]), keltra::sum(position.y, -place[1]),
+                              keltra::sum(position.z, -place[2])};
+        return keltra::squareRoot(keltra::sumOfSquares(way));
+    }
     return matrix.getTranslation().distance(position);
 }
 

@@ -8,6 +8,7 @@
 #include "core/gl_state.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
+#include "math/soft_arm.h"
 #include "scene/light_order.h"
 #include "scene/local_transform.h"
 #include "scene/node_class.h"
@@ -88,7 +89,7 @@ bool KTLIGHT::activateNearest(KTELEMENT *element) {
         if (!light->node || light->node->type != KT_LIGHT || keltra::as<KTMESH>(light->node)) return false;
         light->setParam1(i);
         light->node->render(light);
-        element->setNearestLight(i, light);
+        element->nearestLight[i] = light;
     }
     return true;
 }
@@ -107,7 +108,7 @@ bool KTLIGHT::render(void *data) {
     else if (targetNode)
         direction = directionTo(targetNode->getFinalMatrix(nullptr).getTranslation(), eye, 1.0f);
 
-    lightingOn();
+    if (!lighting) lightingOn();
     const GLenum unit = GL_LIGHT0 + element->param1;
     glEnable(unit);
     loadParameters(unit);
@@ -129,6 +130,11 @@ bool KTLIGHT::render(void *data) {
 // The fields are public: whatever they hold now counts.
 void KTLIGHT::updateParameters() {
     std::uint32_t *const from = parameters.madeFrom;
+#if defined(KELTRA_SOFT_ARM)
+    // All of them stand one behind the other.
+    const bool isKnown = &exponent == &ambient.x + kExponent && from[kExponent] == keltra::bitsOf(exponent);
+    if (isKnown && parameters.made && keltraSameWords(&ambient.x, from)) return;
+#endif
     const std::uint32_t changes = keltra::updateBits<4>(from + kAmbient, &ambient.x) |
                                   keltra::updateBits<4>(from + kDiffuse, &diffuse.x) |
                                   keltra::updateBits<4>(from + kSpecular, &specular.x) |

@@ -10,13 +10,6 @@
 
 namespace keltra {
 
-// Rotates the current matrix by Euler angles in degrees about X, then Y, then Z.
-inline void applyRotation(const R3XVECTOR3D &degrees) {
-    rotateAbout(0, degrees.x);
-    rotateAbout(1, degrees.y);
-    rotateAbout(2, degrees.z);
-}
-
 // Applies a node's own transform to the current matrix; a transform mode other than 0 and 1 applies nothing.
 inline void applyLocalTransform(const KTNODE &node) {
     if (node.transformMode == 0) {

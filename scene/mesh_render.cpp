@@ -14,6 +14,7 @@
 #include "foundation/block.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
+#include "resources/transparency.h"
 #include "scene/node_class.h"
 
 #include <GLES/gl.h>
@@ -97,7 +98,7 @@ bool KTMESH::render(void *data) {
 
     // Transparent is what its material is, with lighting on or off: a special pass covers what normal drawing
     // covered.
-    const bool transparent = material && material->isTransparent();
+    const bool transparent = keltra::isTransparent(material);
     if (!element.getNearestLight(0)) KTSHADER::disable();
     KT_glLoadMatrixf(element.getMatrix()->m);
     if (transparent)

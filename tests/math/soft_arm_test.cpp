@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 #include "math/float_bits.h"
@@ -110,6 +111,58 @@ TEST(SoftArmTest, TurnedPairsAreThePlainOnes) {
         const volatile float cx = c * x, py = p * y, cy = c * y, px = p * x;
         first.add(done ? bitsOf(newX) : 0, cx + py);
         second.add(done ? bitsOf(newY) : 0, cy - px);
+    }
+}
+
+TEST(SoftArmTest, TranslationsAreThePlainOnes) {
+    Operand any;
+    Comparison rows[3];
+    for (int i = 0; i < kTimes; ++i) {
+        float place[3], t[16] = {};
+        const std::uint32_t zeros = i % 3 ? any.random() : 0;
+        for (int k = 0; k < 3; ++k) place[k] = zeros >> k & 1 ? floatOf(zeros << k & kSignBit) : any();
+        for (int k = 0; k < 15; ++k)
+            if (k % 4 < 3) t[k] = zeros >> (8 + k) & 1 ? floatOf(zeros << k & kSignBit) : any();
+        t[15] = 1.0f;
+        if (i % 11 == 0) t[12] = -(place[0] * t[0]);
+        if (i % 1000 == 0) t[3] = floatOf(kSignBit);
+        float before[16], expected[3];
+        std::copy(t, t + 16, before);
+        for (int k = 0; k < 3; ++k) {
+            const volatile float x = place[0] * t[k], y = place[1] * t[4 + k], z = place[2] * t[8 + k];
+            const volatile float xy = x + y, xyz = xy + z;
+            expected[k] = xyz + t[12 + k];
+        }
+        const bool done = keltraTranslate(place, t);
+        ASSERT_FALSE(done && i % 1000 == 0) << "the last row is another";
+        for (int k = 0; k < 16; ++k) {
+            if (!done || k < 12 || k == 15) {
+                ASSERT_EQ(bitsOf(t[k]), bitsOf(before[k]));
+            }
+        }
+        // A zero is a result too, which a comparison leaves out.
+        for (int k = 0; k < 3; ++k) {
+            rows[k].add(done ? bitsOf(t[12 + k]) : 0, expected[k]);
+            if (done && isZero(t[12 + k])) {
+                ASSERT_EQ(bitsOf(t[12 + k]), bitsOf(expected[k]));
+            }
+        }
+    }
+}
+
+TEST(SoftArmTest, WordsAreComparedAndCopied) {
+    std::uint32_t words[16], others[16], copy[16];
+    for (unsigned int i = 0; i < 16; ++i) words[i] = others[i] = i * 0x01234567;
+    EXPECT_TRUE(keltraSameWords(words, others));
+    EXPECT_TRUE(keltraCopySame(words, copy, others));
+    EXPECT_TRUE(std::equal(words, words + 16, copy));
+    for (std::uint32_t &word : others) {
+        word ^= 0x80;
+        std::fill(copy, copy + 16, 0);
+        EXPECT_FALSE(keltraSameWords(words, others));
+        EXPECT_FALSE(keltraCopySame(words, copy, others));
+        EXPECT_TRUE(std::equal(words, words + 16, copy));
+        word ^= 0x80;
     }
 }
 
