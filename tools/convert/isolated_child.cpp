@@ -4,6 +4,7 @@
 #include "tools/convert/convert.h"
 #include "tools/convert/output_folder.h"
 #include "tools/convert/report_json.h"
+#include "tools/convert/report_text.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -99,9 +100,14 @@ void convertAndSend(const Work &work, int pipe) {
     outcome.converted = true;
     outcome.report = conversion.report;
     for (const OutputFile &file : conversion.files) outcome.files.push_back(file.name);
+    if (work.options.strict && outcome.report.tally().any()) {
+        outcome.converted = false;
+        outcome.strict = true;
+        outcome.reason = "--strict: " + countsOf(outcome.report.tally());
+    }
     const Json message = outcomeJson(outcome);
     HeldSignals held;
-    if (!work.folder.empty()) commitFiles(work.folder, conversion.files);
+    if (!work.folder.empty() && outcome.converted) commitFiles(work.folder, conversion.files);
     send(pipe, message);
     ::_exit(EXIT_SUCCESS);
 }

@@ -22,7 +22,7 @@ namespace {
 
 using namespace keltra::convert;
 
-constexpr int kGood = 0, kRefused = 1, kUsage = 2;
+constexpr int kGood = 0, kRefused = 1, kUsage = 2, kLossy = 3;
 constexpr double kLowestRate = 1.0, kHighestRate = 1000.0;
 constexpr unsigned kLongestTimeout = 86400;
 constexpr auto kProgressDelay = std::chrono::seconds(1);
@@ -103,6 +103,7 @@ void describe(CLI::App &app, Arguments &arguments) {
         ->excludes(texture);
     check(app.add_option("--timeout", arguments.seconds, "Stop after that many seconds"), checkTimeout)
         ->capture_default_str();
+    app.add_flag("--strict", options.strict, "Fail, and write nothing, if anything is dropped, changed or missing");
     app.add_flag("--dry-run", arguments.dryRun, "Report what would be written, and write nothing");
     CLI::Option *json = app.add_flag("--json", arguments.json, "Report as one JSON document");
     app.add_flag("--quiet", arguments.quiet, "Report warnings only")->excludes(json);
@@ -159,17 +160,26 @@ int refuse(const std::string &model, const std::string &reason) {
     return kRefused;
 }
 
+// Warnings, and what the last line of the whole report counts.
+std::string quietText(const Outcome &outcome) {
+    const Tally tally = outcome.report.tally();
+    return warningsOf(outcome) + (tally.any() ? "warning: " + countsOf(tally) + "\n" : "");
+}
+
 int report(const Arguments &arguments, const Outcome &outcome) {
     const std::string &model = arguments.options.model;
     const std::string folder = arguments.dryRun ? "" : arguments.folder;
     std::string text;
     if (arguments.json)
         text = documentOf(model, folder, outcome);
-    else if (outcome.converted)
-        text = arguments.quiet ? warningsOf(outcome) : textOf(model, folder, outcome);
+    else if (outcome.converted || outcome.strict)
+        text = arguments.quiet ? quietText(outcome) : textOf(model, folder, outcome);
     std::fwrite(text.data(), 1, text.size(), stdout);
     const bool reported = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-    if (!outcome.converted) return refuse(model, outcome.reason);
+    if (!outcome.converted) {
+        const int status = refuse(model, outcome.reason);
+        return outcome.strict ? kLossy : status;
+    }
     return reported ? kGood : refuse(model, "converted, but the report cannot be written");
 }
 

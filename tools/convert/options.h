@@ -19,6 +19,7 @@ struct Options {
     double fps = 25.0;                      // frames per second at which animations are sampled
     unsigned maxTexture = kMaxTextureSize;  // pixels, a power of two
     bool normalMaps = false;
+    bool strict = false;  // nothing is written when anything was dropped, changed, missing or warned of
     double scale = 0.0;  // of all lengths; 0 for 1, or a power of ten that brings the model into 16.16
 };
 

@@ -15,7 +15,8 @@ struct Conversion;
 
 struct Outcome {
     bool converted = false;
-    std::string reason;  // why it failed: one line, without the file's name
+    std::string reason;   // why it failed: one line, without the file's name
+    bool strict = false;  // it failed because something was lost; the report says what, nothing is written
     Report report;
     std::vector<std::string> files;  // written, or in a dry run those that would be
 };

@@ -27,11 +27,18 @@ struct TextureReport {
     bool missing = false;  // replaced by a checkerboard
 };
 
-// Something of the model that is not in the output.
+// Something of the model that is not in the output, or other than in the model.
 struct Dropped {
     std::string what;  // "morph targets", "cameras", ...
     std::uint64_t count = 0;
     std::string why;
+};
+
+// What the last line of a run counts.
+struct Tally {
+    std::uint64_t dropped = 0, changed = 0, missing = 0, warnings = 0;
+
+    bool any() const { return dropped + changed + missing + warnings > 0; }
 };
 
 struct Report {
@@ -43,22 +50,47 @@ struct Report {
     std::vector<ClipReport> clips;
     std::vector<TextureReport> textures;
     std::uint64_t textureMemory = 0;  // bytes, four per pixel, without mipmaps
-    std::vector<Dropped> dropped;
+    std::vector<Dropped> dropped, changed;
+    std::uint64_t missing = 0;          // files and pictures that the model names and that were not read
     std::vector<std::string> warnings;  // results that the user should check
     std::vector<std::string> notes;     // changes that the user may not expect
+    std::vector<std::string> inputs;    // paths of all files that were read
 
     void drop(const std::string &what, std::uint64_t count, const std::string &why) {
+        add(dropped, what, count, why);
+    }
+    void change(const std::string &what, std::uint64_t count, const std::string &why) {
+        add(changed, what, count, why);
+    }
+    void miss(const std::string &text) {
+        ++missing;
+        warn(text);
+    }
+    void warn(const std::string &text) { warnings.push_back(text); }
+    void note(const std::string &text) { notes.push_back(text); }
+
+    Tally tally() const {
+        Tally tally;
+        for (const Dropped &entry : dropped) tally.dropped += entry.count;
+        for (const Dropped &entry : changed) tally.changed += entry.count;
+        tally.changed += notes.size();
+        tally.missing = missing;
+        tally.warnings = warnings.size();
+        return tally;
+    }
+
+   private:
+    static void add(std::vector<Dropped> &list, const std::string &what, std::uint64_t count,
+                    const std::string &why) {
         if (count == 0) return;
-        for (Dropped &known : dropped) {
+        for (Dropped &known : list) {
             if (known.what == what && known.why == why) {
                 known.count += count;
                 return;
             }
         }
-        dropped.push_back({what, count, why});
+        list.push_back({what, count, why});
     }
-    void warn(const std::string &text) { warnings.push_back(text); }
-    void note(const std::string &text) { notes.push_back(text); }
 };
 
 }  // namespace keltra::convert

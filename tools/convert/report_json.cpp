@@ -26,6 +26,11 @@ constexpr auto fieldsOf(const Dropped &) {
                            std::pair("why", &Dropped::why));
 }
 
+constexpr auto fieldsOf(const Tally &) {
+    return std::make_tuple(std::pair("dropped", &Tally::dropped), std::pair("changed", &Tally::changed),
+                           std::pair("missing", &Tally::missing), std::pair("warnings", &Tally::warnings));
+}
+
 constexpr auto kSceneFields =
     std::make_tuple(std::pair("file", &Report::sceneFile), std::pair("nodes", &Report::nodes),
                     std::pair("meshes", &Report::meshes), std::pair("skins", &Report::skins),
@@ -62,8 +67,12 @@ static void to_json(Json &json, const Report &report) {
     json["textureMemory"] = report.textureMemory;
     json["textureBudget"] = kTextureBudget;
     json["dropped"] = report.dropped;
+    json["changed"] = report.changed;
+    json["missing"] = report.missing;
     json["warnings"] = report.warnings;
     json["notes"] = report.notes;
+    json["inputs"] = report.inputs;
+    json["total"] = report.tally();
 }
 
 static void from_json(const Json &json, Report &report) {
@@ -72,16 +81,18 @@ static void from_json(const Json &json, Report &report) {
     json.at("textures").get_to(report.textures);
     json.at("textureMemory").get_to(report.textureMemory);
     json.at("dropped").get_to(report.dropped);
+    json.at("changed").get_to(report.changed);
+    json.at("missing").get_to(report.missing);
     json.at("warnings").get_to(report.warnings);
     json.at("notes").get_to(report.notes);
+    json.at("inputs").get_to(report.inputs);
 }
 
 Json outcomeJson(const Outcome &outcome) {
     Json json = {{"converted", outcome.converted}};
-    if (!outcome.converted) {
-        json["reason"] = outcome.reason;
-        return json;
-    }
+    if (!outcome.converted) json["reason"] = outcome.reason;
+    if (outcome.strict) json["strict"] = true;
+    if (!outcome.converted && !outcome.strict) return json;
     json["files"] = outcome.files;
     json.update(Json(outcome.report));
     return json;
@@ -90,10 +101,9 @@ Json outcomeJson(const Outcome &outcome) {
 Outcome outcomeOf(const Json &json) {
     Outcome outcome;
     json.at("converted").get_to(outcome.converted);
-    if (!outcome.converted) {
-        json.at("reason").get_to(outcome.reason);
-        return outcome;
-    }
+    outcome.strict = json.contains("strict");
+    if (!outcome.converted) json.at("reason").get_to(outcome.reason);
+    if (!outcome.converted && !outcome.strict) return outcome;
     json.at("files").get_to(outcome.files);
     json.get_to(outcome.report);
     return outcome;

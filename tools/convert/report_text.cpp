@@ -120,9 +120,9 @@ std::vector<std::string> textureLines(const Report &report) {
     return aligned(rows);
 }
 
-std::vector<std::string> droppedLines(const Report &report) {
+std::vector<std::string> countedLines(const std::vector<Dropped> &entries) {
     std::vector<std::string> lines;
-    for (const Dropped &dropped : report.dropped)
+    for (const Dropped &dropped : entries)
         lines.push_back(printable(dropped.what) + " (" + withCommas(dropped.count) +
                         "): " + printable(dropped.why));
     return lines;
@@ -134,6 +134,12 @@ std::vector<std::string> printableAll(std::vector<std::string> lines) {
 }
 
 }  // namespace
+
+std::string countsOf(const Tally &tally) {
+    if (!tally.any()) return "nothing was dropped, changed or missing";
+    return withCommas(tally.dropped) + " dropped, " + withCommas(tally.changed) + " changed, " +
+           withCommas(tally.missing) + " missing, " + counted(tally.warnings, "warning", "warnings");
+}
 
 std::string printable(const std::string &text) {
     std::string result;
@@ -154,8 +160,11 @@ std::string printable(const std::string &text) {
 std::string textOf(const std::string &model, const std::string &folder, const Outcome &outcome) {
     const Report &report = outcome.report;
     const std::string ending = !folder.empty() && folder.back() == '/' ? "" : "/";
-    std::string text = printable(model) + (folder.empty() ? ": dry run, nothing is written"
-                                                          : " -> " + printable(folder + ending));
+    std::string text = printable(model);
+    if (outcome.strict)
+        text += ": nothing is written";
+    else
+        text += folder.empty() ? ": dry run, nothing is written" : " -> " + printable(folder + ending);
     text += "\n";
     if (!report.sceneFile.empty())
         put(text, "scene", {printable(report.sceneFile), sceneLine(report), sizeLine(report)});
@@ -164,9 +173,11 @@ std::string textOf(const std::string &model, const std::string &folder, const Ou
     if (!report.textures.empty())
         put(text, "memory",
             {formatted("%.2f of 8 MiB of textures", static_cast<double>(report.textureMemory) / kMebibyte)});
-    put(text, "dropped", droppedLines(report));
+    put(text, "dropped", countedLines(report.dropped));
+    put(text, "changed", countedLines(report.changed));
     put(text, "warnings", printableAll(report.warnings));
     put(text, "notes", printableAll(report.notes));
+    put(text, "in all", {countsOf(report.tally())});
     return text;
 }
 

@@ -80,7 +80,7 @@ bool Textures::read(const std::string &path, const std::string &consequence, Ima
         const std::string what =
             fault.missing ? " is missing" : std::string(" cannot be read: ") + fault.what();
         const std::string text = quoted(path) + what + "; " + consequence;
-        if (reported.insert(text).second) report.warn(text);
+        if (reported.insert(text).second) report.miss(text);
         return false;
     }
 }

@@ -14,6 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::ProgramRun;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 using ::testing::Not;
@@ -156,6 +157,41 @@ TEST_F(CommandLineTest, QuietWarnsAllTheSame) {
     EXPECT_THAT(result.out, HasSubstr("missing.png"));
     for (std::size_t at = 0; at < result.out.size(); at = result.out.find('\n', at) + 1)
         EXPECT_EQ(result.out.compare(at, 9, "warning: "), 0) << result.out;
+}
+
+TEST_F(CommandLineTest, TheLastLineCountsWhatIsLost) {
+    EXPECT_THAT(run({"blade.obj", "-o", "out"}).out, EndsWith("nothing was dropped, changed or missing\n"));
+    folder.write("blade.mtl", "newmtl steel\nmap_Kd missing.png\nmap_Ks shine.png\n");
+    folder.write("blade.obj", "mtllib blade.mtl\nusemtl steel\n" + std::string(kTriangle) + "f 1/1/1 1/1/1 1/1/1\n");
+    for (const char *mode : {"--dry-run", "--quiet"}) {
+        const ProgramRun result = run({"blade.obj", "-o", "out", mode});
+        EXPECT_EQ(result.exit, 0);
+        EXPECT_THAT(result.out, EndsWith("2 dropped, 0 changed, 1 missing, 1 warning\n"));
+    }
+    const nlohmann::json json = nlohmann::json::parse(run({"blade.obj", "--dry-run", "--json"}).out);
+    EXPECT_EQ(json["total"]["dropped"], 2);
+    EXPECT_EQ(json["total"]["missing"], 1);
+}
+
+TEST_F(CommandLineTest, StrictFailsOnALossAndWritesNothing) {
+    EXPECT_EQ(run({"blade.obj", "-o", "good", "--strict"}).exit, 0);
+    EXPECT_EQ(written("good"), std::vector<std::string>{"blade.kte"});
+    folder.write("blade.mtl", "newmtl steel\nmap_Ks shine.png\n");
+    folder.write("blade.obj", "mtllib blade.mtl\nusemtl steel\n" + std::string(kTriangle));
+    const ProgramRun result = run({"blade.obj", "-o", "out", "--strict"});
+    EXPECT_EQ(result.exit, 3);
+    EXPECT_THAT(result.out, StartsWith("blade.obj: nothing is written\n"));
+    EXPECT_THAT(result.out, HasSubstr("specular maps (1): "));
+    EXPECT_EQ(result.err,
+              "keltra-convert: blade.obj: --strict: 1 dropped, 0 changed, 0 missing, 0 warnings\n");
+    EXPECT_FALSE(fs::exists(folder.path("out")));
+    const ProgramRun json = run({"blade.obj", "-o", "out", "--strict", "--json"});
+    EXPECT_EQ(json.exit, 3);
+    const nlohmann::json document = nlohmann::json::parse(json.out);
+    EXPECT_EQ(document["converted"], false);
+    EXPECT_EQ(document["strict"], true);
+    EXPECT_EQ(document["dropped"][0]["what"], "specular maps");
+    EXPECT_EQ(run({"blade.obj", "-o", "out"}).exit, 0);
 }
 
 TEST_F(CommandLineTest, RefusesModelsThatAreNone) {

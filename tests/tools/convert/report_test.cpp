@@ -36,7 +36,8 @@ Outcome fullOutcome() {
     report.textureMemory = 147456;
     report.drop("cameras", 1, "cameras are made in code");
     report.drop("morph targets", 1200, "the engine has none");
-    report.warn("texture x.png is missing; a checkerboard replaces it");
+    report.change("pictures", 2, "their sides become powers of two");
+    report.miss("texture x.png is missing; a checkerboard replaces it");
     report.note("two bones were called \"hip\"");
     return outcome;
 }
@@ -54,8 +55,10 @@ TEST(ReportText, IsShortAndAligned) {
               "  memory    0.14 of 8 MiB of textures\n"
               "  dropped   cameras (1): cameras are made in code\n"
               "            morph targets (1,200): the engine has none\n"
+              "  changed   pictures (2): their sides become powers of two\n"
               "  warnings  texture x.png is missing; a checkerboard replaces it\n"
-              "  notes     two bones were called \"hip\"\n");
+              "  notes     two bones were called \"hip\"\n"
+              "  in all    1,201 dropped, 3 changed, 1 missing, 1 warning\n");
 }
 
 TEST(ReportText, LeavesOutWhatIsNotThere) {
@@ -67,7 +70,8 @@ TEST(ReportText, LeavesOutWhatIsNotThere) {
               "a.obj: dry run, nothing is written\n"
               "  scene     a.kte\n"
               "            1 node\n"
-              "            0 vertices, 0 triangles; 0 units across\n");
+              "            0 vertices, 0 triangles; 0 units across\n"
+              "  in all    nothing was dropped, changed or missing\n");
 }
 
 TEST(ReportText, DoesNotDoubleTheSlashOfAFolder) {
@@ -92,6 +96,13 @@ TEST(ReportText, QuietOnesAreWarningsOnly) {
     EXPECT_EQ(warningsOf(outcome), "warning: texture x.png is missing; a checkerboard replaces it\n");
     outcome.report.warnings.clear();
     EXPECT_EQ(warningsOf(outcome), "");
+}
+
+TEST(ReportText, OfAStrictFailureSaysThatNothingIsWritten) {
+    Outcome outcome = fullOutcome();
+    outcome.converted = false;
+    outcome.strict = true;
+    EXPECT_EQ(textOf("hero.fbx", "out", outcome).substr(0, 30), "hero.fbx: nothing is written\n ");
 }
 
 TEST(Printable, KeepsTextAndEscapesTheRest) {
@@ -128,15 +139,18 @@ TEST(ReportJson, HoldsEverything) {
     EXPECT_EQ(json["textureBudget"], 8388608);
     EXPECT_EQ(json["dropped"][1].dump(),
               R"({"what":"morph targets","count":1200,"why":"the engine has none"})");
+    EXPECT_EQ(json["changed"][0].dump(),
+              R"({"what":"pictures","count":2,"why":"their sides become powers of two"})");
     EXPECT_EQ(json["warnings"].size(), 1u);
     EXPECT_EQ(json["notes"].size(), 1u);
+    EXPECT_EQ(json["total"].dump(), R"({"dropped":1201,"changed":3,"missing":1,"warnings":1})");
 }
 
 TEST(ReportJson, ListsAreThereWhenEmpty) {
     Outcome outcome;
     outcome.converted = true;
     const Json json = Json::parse(documentOf("a", "", outcome));
-    for (const char *list : {"files", "clips", "textures", "dropped", "warnings", "notes"})
+    for (const char *list : {"files", "clips", "textures", "dropped", "changed", "warnings", "notes", "inputs"})
         EXPECT_TRUE(json[list].is_array()) << list;
     EXPECT_FALSE(json.contains("folder"));
 }
@@ -146,6 +160,18 @@ TEST(ReportJson, OfARefusalIsItsReason) {
     outcome.reason = "no";
     EXPECT_EQ(Json::parse(documentOf("a.fbx", "out", outcome)).dump(),
               R"({"model":"a.fbx","converted":false,"reason":"no"})");
+}
+
+TEST(ReportJson, OfAStrictFailureHoldsTheReport) {
+    Outcome outcome = fullOutcome();
+    outcome.converted = false;
+    outcome.strict = true;
+    outcome.reason = "--strict: 1 missing";
+    const Outcome back = outcomeOf(outcomeJson(outcome));
+    EXPECT_FALSE(back.converted);
+    EXPECT_TRUE(back.strict);
+    EXPECT_EQ(back.reason, outcome.reason);
+    EXPECT_EQ(back.report.missing, 1u);
 }
 
 TEST(ReportJson, IsUtf8WhateverTheNamesAre) {
