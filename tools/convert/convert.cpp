@@ -2,7 +2,10 @@
 #include "tools/convert/convert.h"
 
 #include "tools/convert/clips.h"
+#include "tools/convert/import_log.h"
+#include "tools/convert/losses.h"
 #include "tools/convert/materials.h"
+#include "tools/convert/model_files.h"
 #include "tools/convert/names.h"
 #include "tools/convert/rig.h"
 #include "tools/convert/scene_builder.h"
@@ -110,20 +113,6 @@ double chooseScale(const Box &box) {
     return scale;
 }
 
-void reportDropped(const aiScene &scene, Report &report) {
-    std::uint64_t morphs = 0, colors = 0, uvs = 0;
-    for (unsigned i = 0; i < scene.mNumMeshes; ++i) {
-        const aiMesh &mesh = *scene.mMeshes[i];
-        morphs += mesh.mNumAnimMeshes;
-        colors += mesh.GetNumColorChannels();
-        uvs += std::max(mesh.GetNumUVChannels(), 1u) - 1;
-    }
-    report.drop("morph targets", morphs, "the engine's vertices follow bones only");
-    report.drop("vertex colours", colors, "the engine's vertices have a normal instead");
-    report.drop("texture coordinates", uvs, "a vertex has one pair: the base texture's");
-    report.drop("cameras", scene.mNumCameras, "scene files have none; their nodes are kept");
-}
-
 void checkContents(const aiScene &scene) {
     if (!scene.mRootNode) throw Refusal("it has no nodes");
     std::uint64_t vertices = 0;
@@ -134,15 +123,27 @@ void checkContents(const aiScene &scene) {
 }  // namespace
 
 Model::Model(const Options &options, const Progress &progress)
-    : importer(new Assimp::Importer), read(nullptr) {
+    : log(new ImportLog),
+      files(new ModelFiles(options.model, options.folders)),
+      importer(new Assimp::Importer),
+      read(nullptr) {
+    importer->SetIOHandler(files);
     checkFile(options.model);
     importer->SetProgressHandler(new ImportProgress(progress));  // the importer deletes it
     read = importer->ReadFile(options.model, kSteps);
+    if (!read && !files->outOfReach().empty())
+        throw Refusal("it needs " + cleanText(files->outOfReach()) +
+                      ", which lies outside of its folder; --textures can name the folder");
     if (!read) throw Refusal(reasonFrom(importer->GetErrorString(), options.model));
     checkContents(*read);
 }
 
 Model::~Model() = default;
+
+void Model::tell(Report &report) const {
+    files->tell(report);
+    log->tell(report);
+}
 
 Conversion convertModel(const Options &options, const Progress &progress) {
     const Model model(options, progress);
@@ -154,6 +155,7 @@ Conversion convertModel(const Options &options, const Progress &progress) {
     const double scale = options.scale > 0.0 ? options.scale : chooseScale(boundsOf(scene, *rig));
     Conversion conversion;
     Report &report = conversion.report;
+    model.tell(report);
     rig = std::make_unique<Rig>(scene, scale, report);
     report.scale = scale;
     const Box box = boundsOf(scene, *rig);
@@ -168,7 +170,7 @@ Conversion convertModel(const Options &options, const Progress &progress) {
     const formats::Scene built = buildScene(scene, *rig, materials, options, report, progress);
     std::vector<OutputFile> clips = convertClips(scene, *rig, options, report, progress);
     if (report.triangles == 0 && clips.empty()) throw Refusal("it has no triangles and no animation");
-    reportDropped(scene, report);
+    reportLosses(scene, report);
 
     report.sceneFile = options.name + ".kte";
     conversion.files = std::move(materials.textures);
@@ -187,7 +189,10 @@ Conversion convertPicture(const Options &options, const Progress &) {
         if (!remark.empty()) report.warn("it is damaged, and read as far as it goes: " + remark);
         const unsigned most = largestSide(options.maxTexture);
         const bool alpha = hasAlpha(image);
+        const unsigned width = image.width, height = image.height;
+        report.inputs.push_back(options.model);
         image = resized(image, nearestPower(image.width, most), nearestPower(image.height, most), alpha);
+        if (image.width != width || image.height != height) report.change("pictures", 1, kNewSize);
         if (alpha) spreadColours(image);
         const std::string file = options.name + ".tga";
         report.textures.push_back(

@@ -20,6 +20,9 @@ class Importer;
 
 namespace keltra::convert {
 
+class ImportLog;
+class ModelFiles;
+
 // A model in memory, owned by its importer.
 class Model {
    public:
@@ -27,8 +30,12 @@ class Model {
     Model(const Options &options, const Progress &progress);
     ~Model();
     const aiScene &scene() const { return *read; }
+    // Which files were read, and what the importer says that it lost.
+    void tell(Report &report) const;
 
    private:
+    std::unique_ptr<ImportLog> log;
+    ModelFiles *files;  // the importer's
     std::unique_ptr<Assimp::Importer> importer;
     const aiScene *read;
 };

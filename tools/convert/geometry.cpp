@@ -64,6 +64,16 @@ struct BakedCorners {
         return true;
     }
 
+    unsigned badUVs(unsigned face) const {
+        unsigned count = 0;
+        for (unsigned i = 0; uvs && i < mesh.mFaces[face].mNumIndices; ++i) {
+            const unsigned v = mesh.mFaces[face].mIndices[i];
+            if (v < mesh.mNumVertices)
+                count += usableUV(uvs[v].x) != uvs[v].x || usableUV(uvs[v].y) != uvs[v].y;
+        }
+        return count;
+    }
+
     const aiMesh &mesh;
     const Matrix &bake;
     const Matrix normalMatrix;
@@ -103,6 +113,7 @@ void MeshBuilder::add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, 
     for (unsigned f = 0; f < mesh.mNumFaces; ++f) {
         if (onTriangles && f % kProgressStep == kProgressStep - 1) onTriangles(kProgressStep);
         Corner corners[3];
+        rejects.badUV += baked.badUVs(f);
         if (mesh.mFaces[f].mNumIndices != 3)
             ++rejects.linesAndPoints;
         else if (!baked.read(f, corners))

@@ -22,10 +22,11 @@ namespace keltra::convert {
 
 constexpr std::size_t kMaxMeshCount = kMaxCount;  // of vertices, and of triangles
 
-// Counts of left-out faces, and of meshes whose normals and triangles did not agree.
+// Counts of left-out faces, of meshes whose normals and triangles did not agree, and of corners whose texture
+// coordinates are not finite or beyond what a file holds.
 struct Rejects {
     std::uint64_t notFinite = 0, degenerate = 0, badIndex = 0, linesAndPoints = 0;
-    std::uint64_t insideOut = 0;
+    std::uint64_t insideOut = 0, badUV = 0;
 };
 
 struct Corner {

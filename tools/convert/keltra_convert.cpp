@@ -96,6 +96,11 @@ void describe(CLI::App &app, Arguments &arguments) {
     check(app.add_option("--max-texture", options.maxTexture, "Longest side of textures, a power of two"),
           checkTexture)
         ->capture_default_str();
+    app.add_option("--textures", options.folders,
+                   "Folder with pictures and other files of the model; may be repeated")
+        ->check(CLI::ExistingDirectory)
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_flag("--normal-maps", options.normalMaps, "Also write normal maps, for devices with shaders")
         ->excludes(texture);
     check(app.add_option("--scale", options.scale, "Factor for all lengths; default: what the range needs"),
@@ -103,7 +108,8 @@ void describe(CLI::App &app, Arguments &arguments) {
         ->excludes(texture);
     check(app.add_option("--timeout", arguments.seconds, "Stop after that many seconds"), checkTimeout)
         ->capture_default_str();
-    app.add_flag("--strict", options.strict, "Fail, and write nothing, if anything is dropped, changed or missing");
+    app.add_flag("--strict", options.strict,
+                 "Fail, and write nothing, if anything is dropped, changed or missing");
     app.add_flag("--dry-run", arguments.dryRun, "Report what would be written, and write nothing");
     CLI::Option *json = app.add_flag("--json", arguments.json, "Report as one JSON document");
     app.add_flag("--quiet", arguments.quiet, "Report warnings only")->excludes(json);

@@ -21,6 +21,9 @@ namespace {
 constexpr char kOneTexture[] = "a surface has one texture";
 constexpr char kUnused[] = "the engine's lighting does not use them";
 
+// What the importer of Blender's files writes for a picture that is computed.
+constexpr char kGenerated[] = "Procedural,num=";
+
 // A texture that a material names.
 struct Layer {
     aiTextureType type;
@@ -29,7 +32,7 @@ struct Layer {
 };
 
 // Read from the properties: the library's count is the largest index, which is arbitrary in a damaged model.
-std::vector<Layer> layersOf(const aiMaterial &material) {
+std::vector<Layer> layersOf(const aiMaterial &material, Report &report) {
     std::vector<Layer> layers;
     for (unsigned i = 0; i < material.mNumProperties; ++i) {
         const aiMaterialProperty &property = *material.mProperties[i];
@@ -37,6 +40,11 @@ std::vector<Layer> layersOf(const aiMaterial &material) {
         const aiTextureType type = static_cast<aiTextureType>(property.mSemantic);
         aiString path;
         if (material.Get(AI_MATKEY_TEXTURE(type, property.mIndex), path) != aiReturn_SUCCESS) continue;
+        if (std::string(path.C_Str()).compare(0, sizeof kGenerated - 1, kGenerated) == 0) {
+            report.drop("generated pictures", 1,
+                        "the modelling program computes them; bake them into a picture");
+            continue;
+        }
         if (path.C_Str()[0] != '\0') layers.push_back({type, property.mIndex, path.C_Str()});
     }
     std::stable_sort(layers.begin(), layers.end(),
@@ -242,8 +250,12 @@ void Converter::dropRest(const std::vector<Layer> &layers, const Chosen &chosen)
 void Converter::add(const aiMaterial &material) {
     const std::string ownName = material.GetName().C_Str();
     formats::Material result;
+    const std::size_t changed = names.changed();
     result.name = names.take(ownName.empty() ? "" : options.name + "." + ownName, options.name + ".material");
-    const std::vector<Layer> layers = layersOf(material);
+    if (!ownName.empty())
+        report.change("material names", names.changed() - changed,
+                      "taken by another one, too long or not UTF-8");
+    const std::vector<Layer> layers = layersOf(material, report);
     const Chosen chosen = choose(material, layers);
     const float opacity = opacityOf(material, result.name, report);
     applyTexture(material, chosen, opacity, result);

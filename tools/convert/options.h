@@ -15,12 +15,13 @@ namespace keltra::convert {
 // The options of a conversion.
 struct Options {
     std::string model;                      // path of the model
+    std::vector<std::string> folders;       // that files of the model may be in, besides its own
     std::string name;                       // prefix of the output files' names; see `fileStem`
     double fps = 25.0;                      // frames per second at which animations are sampled
     unsigned maxTexture = kMaxTextureSize;  // pixels, a power of two
     bool normalMaps = false;
     bool strict = false;  // nothing is written when anything was dropped, changed, missing or warned of
-    double scale = 0.0;  // of all lengths; 0 for 1, or a power of ten that brings the model into 16.16
+    double scale = 0.0;   // of all lengths; 0 for 1, or a power of ten that brings the model into 16.16
 };
 
 // A model that cannot be converted, and why: one line, without the file's name.

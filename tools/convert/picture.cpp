@@ -40,6 +40,18 @@ constexpr Signature kSignatures[] = {
     {"BMP", "BM", 2},
 };
 
+// Formats that models name and that are not read.
+constexpr Signature kUnread[] = {
+    {"KTX 2, Basis Universal or other GPU textures", "\xabKTX 20\xbb", 8},
+    {"KTX, compressed for a GPU", "\xabKTX 11\xbb", 8},
+    {"AVIF", "ftypavif", 8},
+    {"HEIF", "ftypheic", 8},
+    {"Basis Universal", "sB\x13", 3},
+    {"JPEG 2000", "jP  ", 4},
+    {"OpenEXR", "\x76\x2f\x31\x01", 4},
+    {"XCF, the GIMP's own format", "gimp xcf", 8},
+};
+
 const char *const kExtensions[] = {"png", "tga", "jpg",  "jpeg", "bmp", "tif", "tiff", "dds",
                                    "psd", "gif", "webp", "pcx",  "ppm", "pgm", "pbm",  "pnm",
                                    "pam", "hdr", "sgi",  "vda",  "vst", "icb", "dib",  "jpe"};
@@ -61,6 +73,15 @@ const char *formatOf(const unsigned char *bytes, std::size_t size, const std::st
     for (const char *targa : {"tga", "vda", "vst", "icb"})
         if (extension == targa) return "TGA";
     return nullptr;
+}
+
+std::string unreadFormat(const unsigned char *bytes, std::size_t size) {
+    constexpr std::size_t boxHeader = 4;  // before the type, in formats of boxes
+    for (const Signature &known : kUnread)
+        if (startsWith(bytes, size, known.bytes, known.size) ||
+            (size > boxHeader && startsWith(bytes + boxHeader, size - boxHeader, known.bytes, known.size)))
+            return known.format;
+    return "";
 }
 
 void startMagick() {
@@ -180,6 +201,8 @@ Image readPicture(const void *bytes, std::size_t size, const std::string &extens
     remark.clear();
     if (size == 0) throw PictureFault("it is empty", false);
     const char *format = formatOf(static_cast<const unsigned char *>(bytes), size, extension);
+    const std::string unread = format ? "" : unreadFormat(static_cast<const unsigned char *>(bytes), size);
+    if (!unread.empty()) throw PictureFault("its format is not read: " + unread, false);
     if (!format) throw PictureFault("it is not a picture of a known format", false);
     startMagick();
     Clock clock{std::chrono::steady_clock::now() +

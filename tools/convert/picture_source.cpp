@@ -22,6 +22,8 @@ using Parts = std::vector<std::string>;
 constexpr std::size_t kMaxFile = std::size_t{256} << 20;
 constexpr std::size_t kMaxParts = 64;
 constexpr std::size_t kMaxEntries = 65536;  // per folder
+constexpr std::size_t kMaxFolders = 4096;   // below one that is searched
+constexpr unsigned kGivenDepth = 8;         // levels below a folder that the user gives
 
 // The name that importers write for formats without picture names; the picture mostly has the model's name.
 constexpr char kUnnamed[] = "$texture_dummy.bmp";
@@ -107,24 +109,6 @@ std::string joined(const Parts &parts) {
     return path;
 }
 
-// The paths to try, relative to the model's folder, the likeliest first.
-std::vector<Parts> candidatesFor(const WrittenPath &path) {
-    std::vector<Parts> candidates;
-    const std::size_t count = path.parts.size();
-    if (count == 0) return candidates;
-    if (!path.absolute && !path.foreign) candidates.push_back(path.parts);
-    // The last parts often match although the path comes from another machine.
-    for (std::size_t from = count > kMaxParts ? count - kMaxParts : 0; from < count; ++from) {
-        if (path.parts[from] == "..") continue;
-        candidates.emplace_back(path.parts.begin() + static_cast<std::ptrdiff_t>(from), path.parts.end());
-    }
-    for (Parts usual : kUsualFolders) {
-        usual.push_back(path.parts.back());
-        candidates.push_back(usual);
-    }
-    return candidates;
-}
-
 // Opens only regular files: opening a pipe would block, opening a device may have effects.
 std::vector<std::uint8_t> readFile(const std::string &path) {
     struct Descriptor {
@@ -173,10 +157,12 @@ std::string hintOf(const aiTexture &texture) {
 
 }  // namespace
 
-PictureSource::PictureSource(const aiScene &scene, const std::string &model) : scene(scene) {
+PictureSource::PictureSource(const aiScene &scene, const std::string &model,
+                             const std::vector<std::string> &folders)
+    : scene(scene), reach(model, folders), folder(reach.folder()) {
     const std::size_t slash = model.rfind('/');
-    folder = slash == std::string::npos ? "./" : model.substr(0, slash + 1);
     modelStem = withoutExtension(slash == std::string::npos ? model : model.substr(slash + 1));
+    for (const std::string &given : folders) givenFolders.push_back(given + "/");
 }
 
 const std::vector<PictureSource::Entry> &PictureSource::entriesOf(const std::string &path) {
@@ -192,6 +178,65 @@ const std::vector<PictureSource::Entry> &PictureSource::entriesOf(const std::str
     // The order of a folder's entries is undefined, and the choice must not depend on it.
     std::sort(entries.begin(), entries.end(), [](const Entry &a, const Entry &b) { return a.name < b.name; });
     return entries;
+}
+
+void PictureSource::listFolders(const std::string &root, const Parts &at, unsigned depth,
+                                std::vector<Parts> &list) {
+    for (const Entry &entry : entriesOf(root + joined(at))) {
+        if (list.size() >= kMaxFolders) return;
+        Parts below = at;
+        below.push_back(entry.name);
+        std::error_code error;
+        if (entry.name[0] == '.' ||
+            !std::filesystem::is_directory(std::filesystem::symlink_status(root + joined(below), error)))
+            continue;
+        list.push_back(below);
+        if (depth > 1) listFolders(root, below, depth - 1, list);
+    }
+}
+
+const std::vector<Parts> &PictureSource::foldersBelow(const std::string &root, unsigned depth) {
+    const auto known = listedFolders.find(root);
+    if (known != listedFolders.end()) return known->second;
+    std::vector<Parts> &list = listedFolders[root];
+    listFolders(root, {}, depth, list);
+    return list;
+}
+
+// The likeliest first: as written, what the user gave, near the model.
+std::vector<PictureSource::Candidate> PictureSource::candidatesFor(const std::string &text) {
+    const WrittenPath path = written(text);
+    std::vector<Candidate> candidates;
+    const std::size_t count = path.parts.size();
+    if (count == 0) return candidates;
+    const auto add = [&](const std::string &root, const Parts &in, const Parts &name, bool beside) {
+        Parts parts = in;
+        parts.insert(parts.end(), name.begin(), name.end());
+        candidates.push_back({root, parts, false, beside});
+    };
+    if (path.absolute) candidates.push_back({"/", path.parts, true, false});
+    if (!path.absolute && !path.foreign) candidates.push_back({folder, path.parts, true, false});
+    // The last parts often match although the path comes from another machine.
+    std::vector<Parts> ends;
+    for (std::size_t from = count > kMaxParts ? count - kMaxParts : 0; from < count; ++from)
+        if (path.parts[from] != "..")
+            ends.emplace_back(path.parts.begin() + static_cast<std::ptrdiff_t>(from), path.parts.end());
+    const Parts name = {path.parts.back()};
+    for (const std::string &given : givenFolders) {
+        for (const Parts &end : ends) add(given, {}, end, false);
+        for (const Parts &below : foldersBelow(given, kGivenDepth)) add(given, below, name, false);
+    }
+    for (const Parts &end : ends) add(folder, {}, end, false);
+    for (const Parts &usual : kUsualFolders) add(folder, usual, name, usual[0] == "..");
+    for (const Parts &below : foldersBelow(folder, 1)) add(folder, below, name, false);
+    add(folder, {".."}, name, true);
+    for (const Parts &beside : foldersBelow(folder + "../", 1)) {
+        std::error_code error;
+        // A link in the model's own folder must not lead out of it.
+        if (!std::filesystem::equivalent(folder + "../" + beside[0], folder, error))
+            add(folder, {"..", beside[0]}, name, true);
+    }
+    return candidates;
 }
 
 std::string PictureSource::spelled(const std::string &from, const Parts &parts) {
@@ -234,47 +279,53 @@ std::string PictureSource::otherExtension(const std::string &from, const Parts &
     return best ? path + best->name : "";
 }
 
-bool PictureSource::accept(const std::string &file, PicturePlace &place) {
+bool PictureSource::accept(const std::string &file, bool beside, PicturePlace &place) {
     struct stat status;
     if (file.empty() || stat(file.c_str(), &status) != 0) return false;
     if (!S_ISREG(status.st_mode)) {
         sawOther = true;
         return false;
     }
+    if (!(beside ? reach.allowsBeside(file) : reach.allows(file))) {
+        sawOutside = true;
+        return false;
+    }
     place.file = file;
     return true;
 }
 
-PicturePlace PictureSource::find(const std::string &path) {
+PicturePlace PictureSource::find(const std::string &path, bool ownName) {
     PicturePlace place;
     place.embedded = scene.GetEmbeddedTexture(path.c_str());
     if (place.embedded) return place;
-    if (path == kUnnamed && accept(otherExtension(folder, {modelStem + ".bmp"}), place)) {
-        place.instead = place.file.substr(folder.size());
+    const auto relative = [&](const std::string &file) {
+        return file.compare(0, folder.size(), folder) == 0 ? file.substr(folder.size()) : file;
+    };
+    const auto byOwnName = [&] {
+        const bool found = accept(otherExtension(folder, {modelStem + ".bmp"}), false, place);
+        if (found) place.instead = relative(place.file);
+        return found;
+    };
+    if (path == kUnnamed && byOwnName()) return place;
+    if (path.compare(0, 1, "*") == 0) throw PictureFault("the model has no such picture", true);
+    sawOther = sawOutside = false;
+    std::vector<Candidate> candidates = candidatesFor(path);
+    if (path.find('%') != std::string::npos)
+        for (Candidate &candidate : candidatesFor(urlDecoded(path))) candidates.push_back(candidate);
+    for (const Candidate &candidate : candidates) {
+        if (!accept(spelled(candidate.root, candidate.parts), candidate.beside, place)) continue;
+        if (!candidate.asWritten) place.instead = relative(candidate.root + joined(candidate.parts));
         return place;
     }
-    if (path.compare(0, 1, "*") == 0) throw PictureFault("the model has no such picture", true);
-    sawOther = false;
-    std::vector<WrittenPath> forms = {written(path)};
-    if (path.find('%') != std::string::npos) forms.push_back(written(urlDecoded(path)));
-    for (const WrittenPath &form : forms)
-        if (form.absolute && !form.parts.empty() && accept("/" + joined(form.parts), place)) return place;
-    for (const WrittenPath &form : forms) {
-        for (const Parts &candidate : candidatesFor(form)) {
-            if (!accept(spelled(folder, candidate), place)) continue;
-            const bool asWritten = !form.absolute && !form.foreign && candidate == form.parts;
-            if (!asWritten) place.instead = joined(candidate);
-            return place;
-        }
+    for (const Candidate &candidate : candidates) {
+        if (!accept(otherExtension(candidate.root, candidate.parts), candidate.beside, place)) continue;
+        place.instead = relative(place.file);
+        return place;
     }
-    for (const WrittenPath &form : forms) {
-        for (const Parts &candidate : candidatesFor(form)) {
-            if (!accept(otherExtension(folder, candidate), place)) continue;
-            place.instead = place.file.substr(folder.size());
-            return place;
-        }
-    }
+    if (ownName && byOwnName()) return place;
     if (sawOther) throw PictureFault("it is not a regular file", false);
+    if (sawOutside)
+        throw PictureFault("it lies outside of the model's folder; --textures can name its folder", false);
     throw PictureFault("there is no such file", true);
 }
 

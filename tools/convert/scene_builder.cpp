@@ -286,6 +286,7 @@ void Builder::reportRejects() {
         report.note("the normals of " + std::to_string(rejects.insideOut) +
                     (rejects.insideOut == 1 ? " mesh" : " meshes") +
                     " pointed away from the triangles' front sides; one of the two was flipped");
+    report.change("texture coordinates", rejects.badUV, "they were not finite, or beyond 16384");
     report.drop("lines and points", rejects.linesAndPoints, "the engine draws triangles");
 }
 

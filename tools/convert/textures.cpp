@@ -4,6 +4,7 @@
 #include "formats/limits.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace keltra::convert {
 namespace {
@@ -62,17 +63,20 @@ Textures::Textures(const aiScene &scene, const Options &options, Report &report)
     : name(options.name),
       largest(largestSide(options.maxTexture)),
       report(report),
-      source(scene, options.model),
+      source(scene, options.model, options.folders),
       names(kLongestTextureName, false) {}
 
-bool Textures::read(const std::string &path, const std::string &consequence, Image &image) {
+bool Textures::read(const std::string &path, const std::string &consequence, Image &image, bool ownName) {
     try {
-        const PicturePlace place = source.find(path);
+        const PicturePlace place = source.find(path, ownName);
         std::string remark;
         image = source.read(place, remark);
+        const std::string file = std::filesystem::path(place.file).lexically_normal().string();
+        if (!place.embedded && reported.insert(file + "\ninput").second) report.inputs.push_back(file);
         const bool first = reported.insert(path).second;
         if (first && !place.instead.empty())
             report.note(quoted(path) + " is read from " + cleanText(place.instead));
+        reportSize(path, image);
         if (first && !remark.empty())
             report.warn(quoted(path) + " is damaged and was read in part: " + remark);
         return true;
@@ -83,6 +87,12 @@ bool Textures::read(const std::string &path, const std::string &consequence, Ima
         if (reported.insert(text).second) report.miss(text);
         return false;
     }
+}
+
+void Textures::reportSize(const std::string &path, const Image &image) {
+    const bool fits = image.width == nearestPower(image.width, largest) &&
+                      image.height == nearestPower(image.height, largest);
+    if (!fits && reported.insert(path + "\nsize").second) report.change("pictures", 1, kNewSize);
 }
 
 void Textures::fit(Image &image, bool alphaCounts) const {
@@ -97,7 +107,7 @@ void Textures::loadBase(const TextureRequest &request, Pictures &pictures) {
         base.pixels[0] = {255, 255, 255, 255};
         return;
     }
-    if (!read(request.base, "a checkerboard replaces it", base)) {
+    if (!read(request.base, "a checkerboard replaces it", base, true)) {
         base = checker();
         fit(base, false);
         pictures.missing = true;
@@ -118,7 +128,11 @@ void Textures::loadBase(const TextureRequest &request, Pictures &pictures) {
 }
 
 void Textures::mergeOpacity(const TextureRequest &request, Pictures &pictures) {
-    if (request.opacity.empty() || pictures.missing) return;
+    if (request.opacity.empty()) return;
+    if (pictures.missing) {
+        report.drop("opacity maps", 1, "the texture that they belong to is missing");
+        return;
+    }
     Image opacity;
     if (!read(request.opacity, "the opacity map is ignored", opacity)) return;
     // Exporters name the base picture as opacity map to refer to its alpha. Without alpha it is ignored.

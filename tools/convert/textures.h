@@ -18,6 +18,9 @@ struct aiScene;
 
 namespace keltra::convert {
 
+// Why a picture's size is changed.
+constexpr char kNewSize[] = "their sides become powers of two, within the limit";
+
 // How the alpha of a texture's picture is used.
 enum class AlphaUse { kDrop, kKeep, kCut };
 
@@ -56,11 +59,13 @@ class Textures {
         formats::Image base, normals;  // `normals` empty for none
         bool missing = false, seeThrough = false;
     };
-    bool read(const std::string &path, const std::string &consequence, formats::Image &image);
+    bool read(const std::string &path, const std::string &consequence, formats::Image &image,
+              bool ownName = false);
     void loadBase(const TextureRequest &request, Pictures &pictures);
     void mergeOpacity(const TextureRequest &request, Pictures &pictures);
     void loadNormals(const TextureRequest &request, Pictures &pictures);
     void fit(formats::Image &image, bool alphaCounts) const;
+    void reportSize(const std::string &path, const formats::Image &image);
     void add(const std::string &name, const std::string &source, const formats::Image &image, bool missing,
              std::vector<std::uint8_t> bytes);
     TextureMade write(const TextureRequest &request, const Pictures &pictures);

@@ -162,7 +162,8 @@ TEST_F(CommandLineTest, QuietWarnsAllTheSame) {
 TEST_F(CommandLineTest, TheLastLineCountsWhatIsLost) {
     EXPECT_THAT(run({"blade.obj", "-o", "out"}).out, EndsWith("nothing was dropped, changed or missing\n"));
     folder.write("blade.mtl", "newmtl steel\nmap_Kd missing.png\nmap_Ks shine.png\n");
-    folder.write("blade.obj", "mtllib blade.mtl\nusemtl steel\n" + std::string(kTriangle) + "f 1/1/1 1/1/1 1/1/1\n");
+    folder.write("blade.obj",
+                 "mtllib blade.mtl\nusemtl steel\n" + std::string(kTriangle) + "f 1/1/1 1/1/1 1/1/1\n");
     for (const char *mode : {"--dry-run", "--quiet"}) {
         const ProgramRun result = run({"blade.obj", "-o", "out", mode});
         EXPECT_EQ(result.exit, 0);

@@ -402,5 +402,14 @@ TEST_F(MaterialsTest, TextureMemoryBeyondTheEnginesIsWarnedOf) {
     }
 }
 
+TEST_F(MaterialsTest, GeneratedPicturesAreDroppedAndNotTakenForFiles) {
+    setTexture(scene.add(), aiTextureType_DIFFUSE, "Procedural,num=0,type=Clouds");
+    const Materials made = scene.convert();
+    EXPECT_TRUE(made.textures.empty());
+    EXPECT_EQ(made.materials[0].texture, formats::Material().texture);
+    EXPECT_EQ(dropped(scene.report, "generated pictures"), 1u);
+    EXPECT_EQ(scene.report.missing, 0u);
+}
+
 }  // namespace
 }  // namespace keltra::convert

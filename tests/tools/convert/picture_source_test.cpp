@@ -31,7 +31,7 @@ class PictureSourceTest : public testing::Test {
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
         folder.write("model/" + name, encode(plain(2, 2, colour), format));
     }
-    PictureSource source() { return PictureSource(scene.scene(), folder.path("model/hero.obj")); }
+    PictureSource source() { return PictureSource(scene.scene(), folder.path("model/hero.obj"), given); }
 
     // The colour of the picture's first pixel; what was said of the place is in `instead`.
     Rgba colourOf(const std::string &path) {
@@ -57,6 +57,7 @@ class PictureSourceTest : public testing::Test {
 
     test::TempFolder folder;
     test::MaterialScene scene;
+    std::vector<std::string> given;  // by --textures
     std::string instead;
 };
 
@@ -140,6 +141,81 @@ TEST_F(PictureSourceTest, APictureOfTheModelsNameStandsInForOneWithoutName) {
     EXPECT_EQ(fault("$texture_dummy.bmp", true), "there is no such file");
     put("hero.png", kGreen);
     expectFound("$texture_dummy.bmp", kGreen, "hero.png");
+}
+
+TEST_F(PictureSourceTest, SearchesByNameOneLevelDownAndUp) {
+    put("colours/Skin.png");
+    expectFound("skin.PNG", kRed, "colours/skin.PNG");
+    put("../pictures/cloth.png", kGreen);
+    expectFound("D:\\art\\cloth.png", kGreen, "../pictures/cloth.png");
+    put("../hair.png");
+    expectFound("hair.png", kRed, "../hair.png");
+    put("../pictures/deep/eye.png");
+    put("colours/deep/eye.png");
+    EXPECT_EQ(fault("eye.png", true), "there is no such file");
+}
+
+TEST_F(PictureSourceTest, SearchesTheFoldersThatAreGiven) {
+    put("../../elsewhere/pack/base/metal.png", kGreen);
+    EXPECT_EQ(fault("textures/base/metal.png", true), "there is no such file");
+    given = {folder.path("../elsewhere")};
+    const std::string found = folder.path("../elsewhere") + "/pack/base/metal.png";
+    expectFound("textures/base/metal.png", kGreen, found);
+    expectFound("textures/base/metal.tga", kGreen, found);
+    expectFound(folder.path("../elsewhere/pack/base/metal.png"), kGreen, "");
+    std::filesystem::remove_all(folder.path("../elsewhere"));
+}
+
+TEST_F(PictureSourceTest, APictureOfTheModelsNameIsTheLastResort) {
+    put("hero.png", kGreen);
+    PictureSource pictures = source();
+    EXPECT_EQ(pictures.find("lost.png", true).instead, "hero.png");
+    EXPECT_EQ(fault("lost.png", true), "there is no such file");  // not for a map of another kind
+}
+
+TEST_F(PictureSourceTest, APathThatLeadsElsewhereIsNotRead) {
+    std::filesystem::create_directories(folder.path("secret/deep"));
+    folder.write("secret/deep/key.png", encode(plain(2, 2, kRed), "png"));
+    const std::string outside = "it lies outside of the model's folder; --textures can name its folder";
+    for (const std::string &path :
+         {std::string("../secret/deep/key.png"), folder.path("secret/deep/key.png"),
+          "file://" + folder.path("secret/deep/key.png"), std::string("x/../../secret/deep/key.png"),
+          std::string("..\\secret\\deep\\key.png"), std::string("..%2fsecret/deep/key.png"),
+          std::string("/proc/self/cmdline")})
+        EXPECT_NE(fault(path, path.find("x/..") == 0), "found") << path;
+    EXPECT_EQ(fault("../secret/deep/key.png", false), outside);
+    EXPECT_EQ(fault(folder.path("secret/deep/key.png"), false), outside);
+    std::filesystem::create_symlink(folder.path("secret/deep/key.png"), folder.path("model/link.png"));
+    std::filesystem::create_symlink(folder.path("secret/deep"), folder.path("model/textures"));
+    EXPECT_EQ(fault("link.png", false), outside);
+    EXPECT_EQ(fault("textures/key.png", false), outside);
+    EXPECT_EQ(fault("key.png", false), outside);
+    given = {folder.path("secret")};
+    EXPECT_EQ(colourOf("link.png"), kRed);
+    EXPECT_EQ(colourOf("../secret/deep/key.png"), kRed);
+}
+
+TEST_F(PictureSourceTest, ALinkBesideTheModelsFolderDoesNotLeadElsewhere) {
+    std::filesystem::create_directory(folder.path("model/inner"));
+    folder.write("key.png", encode(plain(2, 2, kRed), "png"));
+    std::filesystem::create_directory(folder.path("model/textures"));
+    std::filesystem::create_symlink(folder.path("key.png"), folder.path("model/textures/key.png"));
+    PictureSource pictures(scene.scene(), folder.path("model/inner/hero.obj"));
+    EXPECT_THROW(pictures.find("key.png"), PictureFault);
+}
+
+TEST_F(PictureSourceTest, LinksToFoldersAreNotSearchedForNames) {
+    put("../other/skin.png");
+    std::filesystem::create_symlink("..", folder.path("model/up"));
+    std::filesystem::create_symlink(".", folder.path("model/here"));
+    expectFound("skin.png", kRed, "../other/skin.png");
+}
+
+TEST_F(PictureSourceTest, NamesFormatsThatItDoesNotRead) {
+    folder.write("model/a.ktx2", std::string("\xabKTX 20\xbb\r\n\x1a\n rest of it"));
+    EXPECT_EQ(fault("a.ktx2", false), "its format is not read: KTX 2, Basis Universal or other GPU textures");
+    folder.write("model/a.avif", std::string("\0\0\0 ftypavif and more", 24));
+    EXPECT_EQ(fault("a.avif", false), "its format is not read: AVIF");
 }
 
 TEST_F(PictureSourceTest, SaysWhatIsMissing) {

@@ -150,7 +150,8 @@ TEST(ReportJson, ListsAreThereWhenEmpty) {
     Outcome outcome;
     outcome.converted = true;
     const Json json = Json::parse(documentOf("a", "", outcome));
-    for (const char *list : {"files", "clips", "textures", "dropped", "changed", "warnings", "notes", "inputs"})
+    for (const char *list :
+         {"files", "clips", "textures", "dropped", "changed", "warnings", "notes", "inputs"})
         EXPECT_TRUE(json[list].is_array()) << list;
     EXPECT_FALSE(json.contains("folder"));
 }

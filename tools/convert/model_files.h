@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Zlib
+#ifndef KELTRA_CONVERT_MODEL_FILES_H
+#define KELTRA_CONVERT_MODEL_FILES_H
+
+// Opens the files that an importer asks for: the model, and what it refers to, such as buffers and material
+// libraries, where the model may have it read.
+
+#include "tools/convert/reach.h"
+#include "tools/convert/report.h"
+
+#include <assimp/DefaultIOSystem.h>
+
+#include <string>
+#include <vector>
+
+namespace keltra::convert {
+
+class ModelFiles : public Assimp::DefaultIOSystem {
+   public:
+    ModelFiles(const std::string &model, const std::vector<std::string> &folders);
+
+    bool Exists(const char *file) const override;
+    // Null for a file that is not there, is not a regular one, or lies out of reach.
+    Assimp::IOStream *Open(const char *file, const char *mode = "rb") override;
+
+    // What was read, and what is missing.
+    void tell(Report &report) const;
+    // The first file that was refused because of its place; empty for none.
+    std::string outOfReach() const { return refused.empty() ? "" : refused.front(); }
+
+   private:
+    // The file that is meant: names are compared without regard to case. Empty for none.
+    std::string found(const std::string &file) const;
+    bool mayRead(const std::string &file) const;
+
+    const std::string model;
+    const Reach reach;
+    std::vector<std::string> read, missing, refused;
+};
+
+}  // namespace keltra::convert
+
+#endif
