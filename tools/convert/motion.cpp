@@ -3,16 +3,23 @@
 
 #include <assimp/anim.h>
 #include <assimp/scene.h>
+#include <assimp/matrix3x3.inl>
 #include <assimp/quaternion.inl>
 
 #include <algorithm>
 #include <cmath>
 #include <set>
+#include <string>
 
 namespace keltra::convert {
 namespace {
 
 constexpr double kDefaultTicks = 25.0;  // per second, for animations without a rate
+constexpr char kPostRotation[] = "_PostRotation";
+
+bool endsWith(const std::string &text, const std::string &end) {
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
 
 bool isFinite(const aiVector3D &v) { return std::isfinite(v.x + v.y + v.z); }
 bool isFinite(const aiQuaternion &q) { return std::isfinite(q.w + q.x + q.y + q.z); }
@@ -65,11 +72,12 @@ Motion::Motion(const aiAnimation &animation, const Rig &rig) : rig(rig) {
         if (source == kNone || !taken.insert(source).second) continue;
         tracks.push_back({source, sorted(channel.mPositionKeys, channel.mNumPositionKeys),
                           sorted(channel.mRotationKeys, channel.mNumRotationKeys),
-                          sorted(channel.mScalingKeys, channel.mNumScalingKeys)});
+                          sorted(channel.mScalingKeys, channel.mNumScalingKeys), aiQuaternion()});
         const Track &track = tracks.back();
         ticks =
             std::max({ticks, lastTime(track.positions), lastTime(track.rotations), lastTime(track.scales)});
     }
+    findReplaced();
     // Importers that do not know the duration give 0, -1 or arbitrary values.
     if (std::isfinite(animation.mDuration) && animation.mDuration > 0.0) ticks = animation.mDuration;
     const double rate = animation.mTicksPerSecond;
@@ -77,16 +85,41 @@ Motion::Motion(const aiAnimation &animation, const Rig &rig) : rig(rig) {
     length = ticks / ticksPerSecond;
 }
 
+// For a node with nothing but pre- and post-rotations the FBX importer makes helper nodes of its rest pose,
+// and one channel of the node itself that contains what all of them say. With other pivots the channels are
+// those of the helper nodes.
+//
+// The channel has the post-rotation where its inverse belongs (assimp 5.2.5). The helper node has the
+// inverse: twice that behind the channel's rotation makes it right.
+void Motion::findReplaced() {
+    std::set<int> tracked;
+    for (const Track &track : tracks) tracked.insert(track.source);
+    for (Track &track : tracks) {
+        const std::vector<int> helpers = rig.helpersOf(track.source);
+        if (std::any_of(helpers.begin(), helpers.end(),
+                        [&tracked](int helper) { return tracked.count(helper) != 0; }))
+            continue;
+        for (const int helper : helpers) {
+            replaced.push_back(helper);
+            const aiNode &node = *rig.sources[helper].node;
+            if (!endsWith(node.mName.C_Str(), kPostRotation)) continue;
+            const aiQuaternion inverted(aiMatrix3x3(node.mTransformation));
+            track.behind = inverted * inverted;
+        }
+    }
+}
+
 void Motion::locals(double seconds, std::vector<Matrix> &locals) const {
     locals.resize(rig.sources.size());
     for (std::size_t s = 0; s < locals.size(); ++s) locals[s] = rig.sources[s].local;
+    for (const int source : replaced) locals[source] = Matrix();
     const double time = seconds * ticksPerSecond;
     for (const Track &track : tracks) {
         aiVector3D scale(1.0f, 1.0f, 1.0f), position;
         aiQuaternion rotation;
         rig.sources[track.source].node->mTransformation.Decompose(scale, rotation, position);
         position = valueAt(track.positions, time, position);
-        rotation = valueAt(track.rotations, time, rotation);
+        if (!track.rotations.empty()) rotation = valueAt(track.rotations, time, rotation) * track.behind;
         scale = valueAt(track.scales, time, scale);
         const aiMatrix4x4 local(scale, rotation, position);
         const Matrix wide(local.a1, local.a2, local.a3, local.a4, local.b1, local.b2, local.b3, local.b4,

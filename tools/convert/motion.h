@@ -26,10 +26,14 @@ class Motion {
         std::vector<aiVectorKey> positions;
         std::vector<aiQuatKey> rotations;
         std::vector<aiVectorKey> scales;
+        aiQuaternion behind;  // a rotation to be applied before the keys'
     };
+
+    void findReplaced();
 
     const Rig &rig;
     std::vector<Track> tracks;
+    std::vector<int> replaced;  // nodes whose matrices are part of the keyframes of a node below them
     double ticksPerSecond;
     double length;
 };

@@ -2,6 +2,7 @@
 #include "tools/convert/rig.h"
 
 #include "tools/convert/options.h"
+#include "tools/convert/source_format.h"
 
 #include <assimp/scene.h>
 
@@ -109,6 +110,17 @@ void Rig::readBelow(const std::map<const aiNode *, std::vector<const aiNode *>> 
 int Rig::findSource(const std::string &name) const {
     const auto found = byName.find(name);
     return found == byName.end() ? kNone : found->second;
+}
+
+std::vector<int> Rig::helpersOf(int source) const {
+    std::vector<int> helpers;
+    if (importerOf(scene) != kFbxImporter) return helpers;
+    const std::string start = sources[source].node->mName.C_Str() + std::string(kPivotMark);
+    for (int above = sources[source].parent; above != kNone; above = sources[above].parent) {
+        if (std::string(sources[above].node->mName.C_Str()).compare(0, start.size(), start) != 0) break;
+        helpers.push_back(above);
+    }
+    return helpers;
 }
 
 void Rig::readMotion() {

@@ -81,6 +81,8 @@ class Rig {
     // A joint's frame relative to its parent's, from the rigid frames of all joints.
     Matrix localFrame(unsigned joint, const std::vector<Matrix> &frames) const;
     int findSource(const std::string &name) const;
+    // The nodes that the FBX importer made for the pivots and rotations of this one, from below.
+    std::vector<int> helpersOf(int source) const;
 
     std::vector<SourceNode> sources;  // parents before children
     std::vector<Joint> joints;        // parents before children
