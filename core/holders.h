@@ -2,11 +2,27 @@
 #ifndef KELTRA_CORE_HOLDERS_H
 #define KELTRA_CORE_HOLDERS_H
 
-#include <algorithm>
-#include <functional>
-#include <new>
-
 namespace keltra {
+
+// A set of addresses: filled, then sorted, then searched.
+class AddressTable {
+   public:
+    // Without memory it takes none.
+    explicit AddressTable(unsigned int most);
+    ~AddressTable();
+    AddressTable(const AddressTable &) = delete;
+    AddressTable &operator=(const AddressTable &) = delete;
+
+    bool hasRoom() const { return addresses != nullptr; }
+    void add(const void *address) { addresses[count++] = address; }
+    void sort();
+    bool has(const void *address) const;
+    bool isEmpty() const { return count == 0; }
+
+   private:
+    const void **const addresses;
+    unsigned int count = 0;
+};
 
 // Objects of one class that are being destroyed: one, or many at once, for which each holder is visited only
 // once.
@@ -16,12 +32,9 @@ class Gone {
     // No setter has stored a pointer to an object that is not held; the application may have, but then not
     // many holders are visited: this cost must not grow.
     Gone(const T &one, bool isHeld) : one(&one), visited(isHeld ? ~0u : 64) {}
-    // `many` in ascending order.
-    Gone(const T *const *many, unsigned int count) : many(many), count(count), visited(~0u) {}
+    explicit Gone(const AddressTable &many) : many(&many), visited(~0u) {}
 
-    bool has(const T *object) const {
-        return many ? std::binary_search(many, many + count, object, std::less<const T *>()) : object == one;
-    }
+    bool has(const T *object) const { return many ? many->has(object) : object == one; }
     void clear(T *&pointer) const {
         if (has(pointer)) pointer = nullptr;
     }
@@ -30,8 +43,7 @@ class Gone {
 
    private:
     const T *one = nullptr;
-    const T *const *many = nullptr;
-    unsigned int count = 0;
+    const AddressTable *many = nullptr;
     unsigned int visited;
 };
 
@@ -59,25 +71,21 @@ const OnGone<T> *OnGone<T>::first = nullptr;
 template <class T>
 class GoneMany {
    public:
-    explicit GoneMany(unsigned int most) : objects(most > 1 ? new (std::nothrow) const T *[most] : nullptr) {}
-    ~GoneMany() { delete[] objects; }
-    GoneMany(const GoneMany &) = delete;
-    GoneMany &operator=(const GoneMany &) = delete;
+    explicit GoneMany(unsigned int most) : table(most) {}
 
     void add(T &object) {
-        if (!objects) return;
-        objects[count++] = &object;
+        if (!table.hasRoom()) return;
+        table.add(&object);
         object.setHeld(false);
     }
     void notify() {
-        if (count == 0) return;
-        std::sort(objects, objects + count, std::less<const T *>());
-        OnGone<T>::notify(Gone<T>(objects, count));
+        if (table.isEmpty()) return;
+        table.sort();
+        OnGone<T>::notify(Gone<T>(table));
     }
 
    private:
-    const T **const objects;
-    unsigned int count = 0;
+    AddressTable table;
 };
 
 // All objects from `begin` on, in the order of their class's list.
