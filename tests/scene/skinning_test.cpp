@@ -117,6 +117,13 @@ TEST(SkinKernelTest, ScalarKernelFollowsTheRuleForAnyInput) {
             expectSameBits<ScalarSkin>(wildInput(seed, 200, influences, 20));
 }
 
+#if defined(KELTRA_SKIN_AVX2)
+TEST(SkinKernelTest, KnowsTheProcessorAsTheCompilerDoes) {
+    EXPECT_EQ(Avx2Skin::isSupported(), __builtin_cpu_supports("avx2") != 0);
+    EXPECT_EQ(Avx512Skin::isSupported(), __builtin_cpu_supports("avx512f") != 0);
+}
+#endif
+
 TEST(SkinKernelTest, WideKernelFollowsTheRuleForAnyInput) {
 #if defined(KELTRA_SKIN_AVX2)
     if (!Avx2Skin::isSupported()) GTEST_SKIP() << "this processor has no AVX2";
