@@ -61,9 +61,12 @@ END {
     # Templates of the C++ library that are instantiated in the engine.
     print "_ZSt*; _ZNSt*; _ZNKSt*;" >out
     print "extern \"C++\" {" >out
-    # Of the base of all listed classes, a template: what no inline function calls.
-    count = split("KTREGISTERED ?KTREGISTERED count destroyAll enlist fieldsAssigned findRegistered firstRegistered list nameChanged nameOf show",
-        base, " ")
+    # Of the base of all listed classes, a template: what is inline, of which each program has its own, and what no inline
+    # function calls.
+    count = split("KTREGISTERED ?KTREGISTERED operator? objectOf isRegistered isFromNew isHeld markHeld setHeld" \
+        " registeredNext registeredPrevious count destroyAll enlist fieldsAssigned findRegistered firstRegistered list" \
+        " nameChanged nameOf show", base, " ")
+    print "KTREGISTERED*::operator?new*??void??; KTREGISTERED*::operator?delete*??void??;" >out
     for (i = 1; i <= count; ++i) print "KTREGISTERED*::" base[i] end ";" >out
     for (name in names)
         if (names[name] !~ /public|protected/) print name "; " name end ";" >out

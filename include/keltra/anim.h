@@ -10,7 +10,7 @@
 class KTANIM;
 class KTMESH;
 class KTNODE;
-extern template class KT_API KTREGISTERED<KTANIM>;
+KT_LISTED_CLASS(KTANIM);
 
 /** The pose of one bone in one frame. */
 struct KTBONEFRAME {

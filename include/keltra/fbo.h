@@ -14,7 +14,7 @@ class OnGone;
 class KTFBO;
 class KTSHADER;
 class KTTEXTURE;
-extern template class KT_API KTREGISTERED<KTFBO>;
+KT_LISTED_CLASS(KTFBO);
 
 /** An off-screen target on a GL without frame buffer objects: it records a size and a texture and switches
  * the viewport, and only while `KTOPENGL::FBOFlag` is set, which the engine never does. All targets are on

@@ -15,7 +15,7 @@ class OnGone;
 
 class KTFONT;
 class KTTEXTURE;
-extern template class KT_API KTREGISTERED<KTFONT>;
+KT_LISTED_CLASS(KTFONT);
 
 #if defined(__GNUC__)
 #define KELTRA_FONT_PRINTF_LIKE __attribute__((format(printf, 4, 5)))

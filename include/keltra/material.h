@@ -17,7 +17,7 @@ class OnGone;
 class KTMATERIAL;
 class KTSHADER;
 class KTTEXTURE;
-extern template class KT_API KTREGISTERED<KTMATERIAL>;
+KT_LISTED_CLASS(KTMATERIAL);
 
 /** The colours, transparency, shininess and textures of a surface. Meshes render their material before
  * drawing. All materials are on one list, which owns those made with `new`; textures and shaders are

@@ -35,7 +35,7 @@ struct Aiming;  // the list of the nodes that aim at a node
 }  // namespace keltra
 
 class KTNODE;
-extern template class KT_API KTREGISTERED<KTNODE>;
+KT_LISTED_CLASS(KTNODE);
 
 /** A node of a tree: a transform, a name, an identifier and children. Everything that is drawn derives from
  * it; a plain node draws nothing itself. The local transform is position plus origin, then rotation about X,

@@ -187,4 +187,12 @@ class KTREGISTERED {
     keltra::Registration registration;
 };
 
+/* The library has the list of each class once. What is inline is the application's own there, too, and so not
+ * exported. */
+#if defined(KELTRA_BUILDING)
+#define KT_LISTED_CLASS(T) extern template class KT_API KTREGISTERED<T>
+#else
+#define KT_LISTED_CLASS(T) class T
+#endif
+
 #endif

@@ -5,7 +5,7 @@
 #include <keltra/registered.h>
 
 class KTSHADER;
-extern template class KT_API KTREGISTERED<KTSHADER>;
+KT_LISTED_CLASS(KTSHADER);
 
 /** A shader on a fixed-function GL: the whole interface stands and nothing is ever compiled or bound, so that
  * scene code written for shaders runs unchanged. Shader objects are named and listed; the list owns those

@@ -9,7 +9,7 @@
 class KTEMITTER;
 class KTTEXTURE;
 class KTVIDEO;
-extern template class KT_API KTREGISTERED<KTTEXTURE>;
+KT_LISTED_CLASS(KTTEXTURE);
 
 /** An RGB or RGBA bitmap from a Targa file, or a dynamic one made by the application. A texture is read from
  * disk by `load`, uploaded to GL when first rendered, and evicted when the video memory budget runs short.

@@ -14,7 +14,7 @@ class OnGone;
 
 class KTTEXTURE;
 class KTVIDEO;
-extern template class KT_API KTREGISTERED<KTVIDEO>;
+KT_LISTED_CLASS(KTVIDEO);
 
 /** What `KTVIDEO::update` does, and what becomes of it at the end of the film. */
 enum KT_VIDEO_STATUS {
