@@ -12,5 +12,6 @@
 #include <keltra/kit/clock.h>
 #include <keltra/kit/export.h>
 #include <keltra/kit/input.h>
+#include <keltra/kit/shapes.h>
 
 #endif
