@@ -8,10 +8,13 @@
  * input, time, clips, shapes, cameras and saved games. Each part stands alone, uses the engine's public calls
  * only, and leaves the frame loop to the application. Nothing is allocated in a frame. */
 
+#include <keltra/kit/cameras.h>
 #include <keltra/kit/clip.h>
 #include <keltra/kit/clock.h>
 #include <keltra/kit/export.h>
+#include <keltra/kit/flow.h>
 #include <keltra/kit/input.h>
 #include <keltra/kit/shapes.h>
+#include <keltra/kit/view.h>
 
 #endif
