@@ -14,6 +14,7 @@
 #include <keltra/kit/export.h>
 #include <keltra/kit/flow.h>
 #include <keltra/kit/input.h>
+#include <keltra/kit/save.h>
 #include <keltra/kit/shapes.h>
 #include <keltra/kit/view.h>
 
