@@ -39,13 +39,17 @@ inline std::int32_t toFixedByIntegers(float value) {
     return std::int32_t(bits) < 0 ? -magnitude : magnitude;
 }
 
-// The low byte of a truncated float, in two's complement; 0 for what is beyond any integer, a multiple of
-// 256, and for what is not a number. A conversion to a 64-bit integer would compute in double precision.
-inline std::uint8_t lowByteByIntegers(float value) {
-    const std::uint32_t bits = bitsOf(value), mantissa = (bits & 0x7fffff) | 0x800000;
-    const int shift = 150 - int(bits << 1 >> 24);
-    if (shift > 23 || shift <= -8) return 0;
-    const std::uint32_t low = shift >= 0 ? mantissa >> shift : mantissa << -shift;
+// The low byte of the truncated product of a float and 255, in two's complement; 0 for what is beyond any
+// integer, a multiple of 256, and for what is not a number. A conversion to a 64-bit integer would compute in
+// double precision. The product has 31 or 32 bits, of which the 24 of a float are kept, rounded to even.
+inline std::uint8_t lowByteOf255Times(float value) {
+    const std::uint32_t bits = bitsOf(value), product = ((bits & 0x7fffff) | 0x800000) * 255;
+    const unsigned int excess = 7 + (product >> 31);
+    const std::uint32_t half = (1u << (excess - 1)) - 1 + (product >> excess & 1);
+    const std::uint32_t rounded = (product + half) >> excess;
+    const int shift = 150 - int(bits << 1 >> 24) - int(excess);
+    if (shift > 24 || shift <= -8) return 0;
+    const std::uint32_t low = shift >= 0 ? rounded >> shift : rounded << -shift;
     return static_cast<std::uint8_t>(bits >> 31 ? 0 - low : low);
 }
 

@@ -24,6 +24,8 @@ float degrees(double radians) { return float(radians * kInversePi) * 180.0f; }
 inline float dot(const float *v, const float *m) {
 #if defined(KELTRA_SOFT_ARM)
     if (const std::uint32_t bits = keltraSumOfThree(v, m)) return keltra::floatOf(bits);
+    const bool finite = keltra::areFinite(v, 3) && keltra::isFinite(m[0]) && keltra::isFinite(m[4]);
+    if (finite && keltra::isFinite(m[8])) return keltra::sumOfNonZero(v, m, -0.0f);
 #endif
     return m[0] * v[0] + m[4] * v[1] + m[8] * v[2];
 }
@@ -33,7 +35,7 @@ inline float place(const float *v, const float *m) {
 #if defined(KELTRA_SOFT_ARM)
     if (const std::uint32_t bits = keltraSumOfFour(v, m)) return keltra::floatOf(bits);
 #endif
-    return dot(v, m) + m[12];
+    return keltra::sum(dot(v, m), m[12]);
 }
 
 // a d - b c

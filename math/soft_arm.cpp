@@ -168,44 +168,118 @@ function keltraMultiplyAdd
     orr \value, \value, #0x80000000
     roundedProduct \result, \value, r8, r9, r10, r12
 .endm
-.macro corner offset
-    addUp r1, r2, r9, r10, r12, 1f
-    str r1, [r11, #\offset]
+@ r0 := r1 + r2 and r3 := r1 - r2, where r1 and r2 are lost, and r7, r9, r10, r12 and lr are used. To 1 when one of them is
+@ zero. With r2 negated when the signs differ, which exchanges the two, the sum has the sign of both numbers and the
+@ difference that of the larger one. The smaller one is shifted once for both.
+.macro plusMinus
+    eors r12, r1, r2
+    eormi r2, r2, #0x80000000
+    subs r10, r1, r2
+    beq 1f
+    sbc lr, lr, lr
+    sublo r1, r1, r10
+    addlo r2, r2, r10
+    mov r9, r1, lsr #23
+    sub r10, r9, r2, lsr #23
+    align r1, r2, r10, r7
+    sub r3, r1, r2
+    clz r7, r3
+    mov r3, r3, lsl r7
+    sub r10, r9, r7
+    adds r0, r1, r2
+    bcs 6\@f
+7\@:
+    mov r7, r0, lsl #24
+    sub r9, r9, #1
+    mov r0, r0, lsr #8
+    cmp r7, #0x80000000
+    adc r0, r0, r9, lsl #23
+    biceq r0, r0, #1
+    mov r7, r3, lsl #24
+    sub r10, r10, #1
+    mov r3, r3, lsr #8
+    cmp r7, #0x80000000
+    adc r3, r3, r10, lsl #23
+    biceq r3, r3, #1
+    eor r3, r3, lr, lsl #31
+    teq r12, #0
+    movmi r7, r0
+    movmi r0, r3
+    movmi r3, r7
+    .subsection 1
+6\@:
+    movs r0, r0, rrx
+    orrcs r0, r0, #1
+    add r9, r9, #1
+    b 7\@b
+    .subsection 0
 .endm
 function keltraCorners
     push {r4-r11, lr}
     mov lr, #0x4d000000
     checkFirst r0, lr, r12
-    checkNext r1, lr, r12
-    checkNext r2, lr, r12
     checkNext r3, lr, r12
     bhs 1f
     mov r7, r3, lsl #1
     mov r7, r7, lsr #24
     bic r8, r3, #0xff000000
     orr r8, r8, #0x00800000
-    scaled r4, r0
-    scaled r5, r1
-    scaled r6, r2
-@ the sum in r0, the difference in r5
-    mov r0, r5
-    mov r1, r6
-    addUp r0, r1, r9, r10, r12, 1f
-    eor r6, r6, #0x80000000
-    addUp r5, r6, r9, r10, r12, 1f
     ldr r11, [sp, #36]
-    mov r1, r4
-    eor r2, r0, #0x80000000
-    corner 0
-    mov r1, r4
-    mov r2, r5
-    corner 16
+    scaled r4, r0
+    movs r5, r1, lsl #1
+    beq 3f
+    checkFirst r1, lr, r12
+    bhs 1f
+    scaled r5, r1
+    movs r6, r2, lsl #1
+    beq 2f
+    checkFirst r2, lr, r12
+    bhs 1f
+    scaled r6, r2
+    mov r1, r5
+    mov r2, r6
+    plusMinus
     mov r1, r4
     mov r2, r0
-    corner 32
+    mov r5, r3
+    plusMinus
+    str r3, [r11]
+    str r0, [r11, #32]
     mov r1, r4
-    eor r2, r5, #0x80000000
-    corner 48
+    mov r2, r5
+    plusMinus
+    str r0, [r11, #16]
+    str r3, [r11, #48]
+    mov r0, #1
+    pop {r4-r11, pc}
+@ a zero on its way up
+2:
+    mov r1, r4
+    mov r2, r5
+    plusMinus
+    str r3, [r11]
+    str r0, [r11, #16]
+    str r0, [r11, #32]
+    str r3, [r11, #48]
+    mov r0, #1
+    pop {r4-r11, pc}
+@ a zero to the right
+3:
+    movs r6, r2, lsl #1
+    moveq r0, r4
+    moveq r3, r4
+    beq 4f
+    checkFirst r2, lr, r12
+    bhs 1f
+    scaled r6, r2
+    mov r1, r4
+    mov r2, r6
+    plusMinus
+4:
+    str r3, [r11]
+    str r3, [r11, #16]
+    str r0, [r11, #32]
+    str r0, [r11, #48]
     mov r0, #1
     pop {r4-r11, pc}
 1:

@@ -42,7 +42,8 @@ extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraMultiplyAdd
                                                                                  std::uint32_t c);
 
 // One coordinate of a square's corners, four floats apart, of bits: with p, r and u for the products by
-// `scale`, p - (r + u), p + (r - u), p + (r + u) and p - (r - u). False when not all are there.
+// `scale`, p - (r + u), p + (r - u), p + (r + u) and p - (r - u). Zeros of `right` and `up` are accepted.
+// False when not all are there.
 extern "C" __attribute__((visibility("hidden"))) bool keltraCorners(std::uint32_t place, std::uint32_t right,
                                                                     std::uint32_t up, std::uint32_t scale,
                                                                     float *corners);

@@ -36,8 +36,9 @@ inline R3XVECTOR3D sum(const R3XVECTOR3D &a, const R3XVECTOR3D &b) {
 inline float multiplyAdd(float a, float b, float c) {
 #if defined(KELTRA_SOFT_ARM)
     if (const std::uint32_t bits = keltraMultiplyAdd(bitsOf(a), bitsOf(b), bitsOf(c))) return floatOf(bits);
+    if ((isZero(a) && isFinite(b)) || (isZero(b) && isFinite(a))) return isOrdinary(c) ? c : a * b + c;
 #endif
-    return a * b + c;
+    return sum(a * b, c);
 }
 
 inline R3XVECTOR3D multiplyAdd(const R3XVECTOR3D &a, float b, const R3XVECTOR3D &c) {

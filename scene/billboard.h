@@ -22,20 +22,21 @@ constexpr unsigned int kColorBytes = 4;
 // The low byte of the truncated product. Deliberate: components beyond 1 wrap around; emitter files rely on
 // it. A product beyond any integer is a multiple of 256, or not a number.
 inline unsigned char colorByte(float component) {
+    if (kSoftFloat) return lowByteOf255Times(component);
     const float value = component * 255.0f;
-    if (kSoftFloat) return lowByteByIntegers(value);
     if (!(std::fabs(value) < 9.0e18f)) return 0;
     return static_cast<unsigned char>(static_cast<std::int64_t>(value) & 0xff);
 }
 
+// `bytes` are a multiple of four from the start of an allocated block.
 inline void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
     const unsigned char rgba[kColorBytes] = {colorByte(color.x), colorByte(color.y), colorByte(color.z),
                                              colorByte(color.w)};
-    // On ARM a copy of four bytes is a call.
-    if (kSoftFloat)
-        for (unsigned int i = 0; i < kCorners * kColorBytes; ++i) bytes[i] = rgba[i % kColorBytes];
-    else
-        for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(bytes + i * kColorBytes, rgba, sizeof rgba);
+    std::uint32_t all;
+    std::memcpy(&all, rgba, sizeof all);
+    // On ARM a copy of four bytes is a call unless they are known to be aligned.
+    auto *corners = static_cast<unsigned char *>(__builtin_assume_aligned(bytes, alignof(std::uint32_t)));
+    for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(corners + i * kColorBytes, &all, sizeof all);
 }
 
 // -a - b, where `sum` is a + b: its negative has the same bits unless it is zero or not finite.

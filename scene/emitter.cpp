@@ -19,6 +19,7 @@
 #include "foundation/quiet.h"
 #include "math/fixed.h"
 #include "math/float_bits.h"
+#include "math/quotient.h"
 #include "math/sparse.h"
 #include "math/square_root.h"
 #include "scene/billboard.h"
@@ -434,11 +435,12 @@ void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR
         keltra::writeCorners(moved.position, scale, turn.rotate(billboard.right), turn.rotate(billboard.up),
                              corners);
     }
-    const float ratio = keltra::isZero(moved.initialEnergy) ? 0.0f : moved.energy / moved.initialEnergy;
+    const float ratio =
+        keltra::isZero(moved.initialEnergy) ? 0.0f : keltra::quotient(moved.energy, moved.initialEnergy);
     const R3XVECTOR3D rgb = keltra::multiplyAdd(colorDelta, -ratio, colorEnd);
     // Deliberate: alpha is the energy itself, not its ratio; emitter files rely on it.
     moved.color.set(rgb.x, rgb.y, rgb.z, moved.energy);
-    moved.spinAngle = keltra::sum(moved.spinAngle, moved.spinSpeed * billboard.time);
+    moved.spinAngle = keltra::multiplyAdd(moved.spinSpeed, billboard.time, moved.spinAngle);
     keltra::writeColor(moved.color, colors);
     moved.energy -= billboard.energyLoss;
     if (!keltra::isPositive(moved.energy)) updateParticle(&moved);

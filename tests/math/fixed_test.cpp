@@ -83,14 +83,22 @@ TEST(FixedTest, ArraysOfAnyLengthAndAlignment) {
         }
 }
 
-TEST(FixedTest, LowByteIsThatOfTheTruncatedNumber) {
+TEST(FixedTest, LowByteIsThatOfTheTruncatedProduct) {
     std::mt19937 random(3);
-    for (int i = 0; i < 1000000; ++i) {
-        const float value =
-            i % 2 ? floatOf(random()) : static_cast<float>(static_cast<int>(random())) * 0.00001f;
+    for (int i = 0; i < 3000000; ++i) {
+        // Any bits, numbers as integers give them, and colours.
+        float value = floatOf(random());
+        if (i % 3 == 1) value = static_cast<float>(static_cast<int>(random())) * 0.00000004f;
+        if (i % 3 == 2) value = static_cast<float>(random() % 4081) / 255.0f / 16.0f;
+        const volatile float product = value * 255.0f;
         int byte = 0;
-        if (std::fabs(value) < 9.0e18f) byte = static_cast<int>(static_cast<std::int64_t>(value) & 0xff);
-        ASSERT_EQ(lowByteByIntegers(value), byte) << value;
+        if (std::fabs(product) < 9.0e18f) byte = static_cast<int>(static_cast<std::int64_t>(product) & 0xff);
+        ASSERT_EQ(lowByteOf255Times(value), byte) << value;
+    }
+    // All mantissas of an exponent: each of them rounds in its own way.
+    for (std::uint32_t bits = 126u << 23; bits < 127u << 23; ++bits) {
+        const volatile float product = floatOf(bits) * 255.0f;
+        ASSERT_EQ(lowByteOf255Times(floatOf(bits)), static_cast<int>(product)) << bits;
     }
 }
 
