@@ -2,6 +2,8 @@
 #include "tools/convert/convert.h"
 
 #include "tools/convert/clips.h"
+#include "tools/convert/gltf_document.h"
+#include "tools/convert/gltf_extensions.h"
 #include "tools/convert/import_log.h"
 #include "tools/convert/losses.h"
 #include "tools/convert/materials.h"
@@ -129,6 +131,7 @@ Model::Model(const Options &options, const Progress &progress)
       read(nullptr) {
     importer->SetIOHandler(files);
     checkFile(options.model);
+    if (isGltfFile(options.model)) prepareGltf(options.model);
     importer->SetProgressHandler(new ImportProgress(progress));  // the importer deletes it
     read = importer->ReadFile(options.model, kSteps);
     if (!read && !files->outOfReach().empty())
@@ -140,7 +143,17 @@ Model::Model(const Options &options, const Progress &progress)
 
 Model::~Model() = default;
 
+// What the importer would not say of the file.
+void Model::prepareGltf(const std::string &path) {
+    GltfDocument document(path);
+    const std::string refusal = refusalOf(document.json);
+    if (!refusal.empty()) throw Refusal(refusal);
+    reportGltf(document.json, found);
+    if (namePictures(document.json)) files->replaceModel(document.bytes());
+}
+
 void Model::tell(Report &report) const {
+    for (const Dropped &entry : found.dropped) report.drop(entry.what, entry.count, entry.why);
     files->tell(report);
     log->tell(report);
 }

@@ -34,7 +34,10 @@ class Model {
     void tell(Report &report) const;
 
    private:
+    void prepareGltf(const std::string &path);
+
     std::unique_ptr<ImportLog> log;
+    Report found;       // by this class, before the importer
     ModelFiles *files;  // the importer's
     std::unique_ptr<Assimp::Importer> importer;
     const aiScene *read;

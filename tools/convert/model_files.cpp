@@ -3,6 +3,8 @@
 
 #include "tools/convert/names.h"
 
+#include <assimp/MemoryIOWrapper.h>
+
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
@@ -83,7 +85,11 @@ Assimp::IOStream *ModelFiles::Open(const char *file, const char *mode) {
         if (isRegular(path)) addOnce(refused, path);
         return nullptr;
     }
-    Assimp::IOStream *stream = DefaultIOSystem::Open(path.c_str(), mode);
+    Assimp::IOStream *stream =
+        path == model && !replacement.empty()
+            ? new Assimp::MemoryIOStream(reinterpret_cast<const std::uint8_t *>(replacement.data()),
+                                         replacement.size())
+            : DefaultIOSystem::Open(path.c_str(), mode);
     if (stream) addOnce(read, fs::path(path).lexically_normal().string());
     return stream;
 }

@@ -11,6 +11,7 @@
 #include <assimp/DefaultIOSystem.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace keltra::convert {
@@ -22,6 +23,9 @@ class ModelFiles : public Assimp::DefaultIOSystem {
     bool Exists(const char *file) const override;
     // Null for a file that is not there, is not a regular one, or lies out of reach.
     Assimp::IOStream *Open(const char *file, const char *mode = "rb") override;
+
+    // The model is read from these bytes in place of its file.
+    void replaceModel(std::string bytes) { replacement = std::move(bytes); }
 
     // What was read, and what is missing.
     void tell(Report &report) const;
@@ -35,6 +39,7 @@ class ModelFiles : public Assimp::DefaultIOSystem {
 
     const std::string model;
     const Reach reach;
+    std::string replacement;
     std::vector<std::string> read, missing, refused;
 };
 

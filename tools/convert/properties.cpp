@@ -8,10 +8,9 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 
+#include "tools/convert/gltf_document.h"
 #include "tools/convert/names.h"
 
 namespace keltra::convert {
@@ -94,20 +93,6 @@ MaterialProperties readMaterial(const std::string &owner, const Json &extras, Re
     return result;
 }
 
-// The JSON text of a glTF file, plain or binary; null for neither.
-Json documentOf(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    constexpr std::size_t header = 12, chunkHeader = 8;
-    if (bytes.compare(0, 4, "glTF") != 0) return Json::parse(bytes, nullptr, false);
-    if (bytes.size() < header + chunkHeader || bytes.compare(header + 4, 4, "JSON") != 0) return Json();
-    unsigned char length[4];
-    std::memcpy(length, bytes.data() + header, sizeof length);
-    const std::size_t size =
-        length[0] | std::size_t{length[1]} << 8 | std::size_t{length[2]} << 16 | std::size_t{length[3]} << 24;
-    return Json::parse(bytes.substr(header + chunkHeader, size), nullptr, false);
-}
-
 bool isGltf(const aiScene &scene) {
     aiString format;
     return scene.mMetaData && scene.mMetaData->Get(AI_METADATA_SOURCE_FORMAT, format) &&
@@ -160,7 +145,7 @@ std::map<std::string, MaterialProperties> materialProperties(const aiScene &scen
                                                              Report &report) {
     std::map<std::string, MaterialProperties> result;
     if (!isGltf(scene)) return result;
-    const Json document = documentOf(model);
+    const Json document = GltfDocument(model).json;
     if (!document.is_object() || !document.contains("materials")) return result;
     for (const Json &material : document["materials"]) {
         if (!material.is_object() || !material.contains("extras") || !material["extras"].is_object())
