@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Zlib
-// The smallest program: start the engine, clear the screen, stop.
+// The smallest program: start the engine, clear the screen, stop. Next: a triangle (08_triangle).
 
 #include <GLES/gl.h>
 #include <keltra/keltra.h>
-
-#include <cstdio>
+#include <keltra/kit/input.h>
 
 #include "examples/support/example.h"
 
@@ -14,26 +13,20 @@ int main(int argc, char **argv) {
     if (!example::parse(argc, argv, "Opens the window and clears it", &options, &exitCode)) return exitCode;
 
     // 1. Start: null stands for the default settings, 240 x 320 pixels of 16 bits.
-    if (!KELTRA::init(nullptr)) {
-        std::fprintf(stderr, "01_window: the engine does not start\n");
-        return 1;
-    }
+    bool ok = KELTRA::init(nullptr);
     KTOPENGL::setBackgroundColor(0.95f, 0.45f, 0.30f, 1.0f);
 
-    bool ok = true;
-    for (int frame = 1; ok && !example::quitRequested(); ++frame) {
-        // 2. Per frame: nothing moves here.
-        const bool last = frame == options.frames;
+    KTINPUT input;
+    for (int frame = 1; ok && !input.hasQuit(); ++frame) {
+        // 2. Per frame: nothing moves here. Escape, or closing the window, ends the program.
+        input.update(KELTRA::getFPSfactor());
 
-        // 3. Draw.
+        // 3. Draw; `endFrame` swaps.
         ok = KELTRA::clear(true, true, false) && KELTRA::begin3D(nullptr) && KELTRA::end3D() &&
              KELTRA::begin2D() && KELTRA::end2D();
-        if (ok && last && !options.shot.empty()) ok = example::saveShot(options.shot);
-        ok = ok && KELTRA::swap() && glGetError() == GL_NO_ERROR;
-        if (last) break;
+        if (!example::endFrame(options, frame, &ok)) break;
     }
-    if (!ok) std::fprintf(stderr, "01_window: a frame could not be drawn\n");
 
     // 4. Stop.
-    return KELTRA::free() && ok ? 0 : 1;
+    return example::stop(ok);
 }

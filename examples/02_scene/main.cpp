@@ -2,11 +2,10 @@
 // A scene from files: textured, with more lights than the GL has, opaque and transparent meshes, two skinned
 // ones, and a camera that moves slowly from side to side.
 
-#include <GLES/gl.h>
 #include <keltra/keltra.h>
+#include <keltra/kit/kit.h>
 
 #include <cmath>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -14,8 +13,6 @@
 
 namespace {
 
-// Of runs with a given number of frames, which must repeat exactly.
-constexpr float kFrameTime = 1.0f / 30.0f;
 constexpr float kDegree = 3.14159265f / 180.0f;
 
 // The nodes that the program moves, found once.
@@ -50,9 +47,7 @@ bool prepare(KTNODE *scene, MovingNodes *moving) {
     if (sky == nullptr || !sky->unlink() || moving->water == nullptr) return false;
     KELTRA::setSkybox(sky);
     KTOPENGL::setGlobalAmbientLight(0.34f, 0.29f, 0.46f, 1.0f);
-    for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture != nullptr; texture = texture->getNext()) {
-        texture->setFilter(true, true, false);
-    }
+    example::smoothTextures();
     moving->neck = findAll(scene, "neck");
     moving->tail = findAll(scene, "tail");
     moving->halos = findAll(scene, "halo");
@@ -101,42 +96,28 @@ int main(int argc, char **argv) {
     if (!example::parse(argc, argv, "Shows the sample scene", &options, &exitCode)) return exitCode;
 
     // 1. Start.
-    KTSETTINGS settings;
-    if (!settings.load((options.data + "scene.cfg").c_str())) {
-        std::fprintf(stderr, "02_scene: no scene.cfg in %s\n", options.data.c_str());
-        return 1;
-    }
-    settings.setKTEPath(options.data.c_str());
-    settings.setTexturePath(options.data.c_str());
-    if (!KELTRA::init(&settings)) {
-        std::fprintf(stderr, "02_scene: the engine does not start\n");
-        return 1;
-    }
-    KTNODE *scene = KELTRA::load("scene.kte");
+    bool ok = example::start(options, "scene.cfg");
+    KTNODE *scene = ok ? KELTRA::load("scene.kte") : nullptr;
     MovingNodes moving;
-    bool ok = scene != nullptr && prepare(scene, &moving);
-    if (!ok) std::fprintf(stderr, "02_scene: no usable scene.kte in %s\n", options.data.c_str());
-    {
-        KTCAMERA camera;
-        camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-        camera.setTarget(0.0f, 5.4f, 0.0f);
-        float time = 0.0f;
-        for (int frame = 1; ok && !example::quitRequested(); ++frame) {
-            // 2. Per frame.
-            const bool last = frame == options.frames;
-            time += options.frames > 0 ? kFrameTime : std::fmax(KELTRA::getFPSfactor(), 0.0f);
-            animate(moving, &camera, time);
+    ok = scene != nullptr && prepare(scene, &moving);
+    KTCAMERA camera;
+    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
+    camera.setTarget(0.0f, 5.4f, 0.0f);
+    KTINPUT input;
+    KTCLOCK clock;
+    clock.setStep(options.step);
+    float time = 0.0f;
+    for (int frame = 1; ok && !input.hasQuit(); ++frame) {
+        // 2. Per frame.
+        time += clock.tick();
+        input.update(clock.getRealSeconds());
+        animate(moving, &camera, time);
 
-            // 3. Draw.
-            ok = draw(scene, &camera);
-            if (ok && last && !options.shot.empty()) ok = example::saveShot(options.shot);
-            ok = ok && KELTRA::swap() && glGetError() == GL_NO_ERROR;
-            if (!ok) std::fprintf(stderr, "02_scene: frame %d could not be drawn\n", frame);
-            if (last) break;
-        }
+        // 3. Draw.
+        ok = draw(scene, &camera);
+        if (!example::endFrame(options, frame, &ok)) break;
     }
 
     // 4. Stop: the lists that own nodes, materials and textures destroy them.
-    KELTRA::setSkybox(nullptr);
-    return KELTRA::free() && ok ? 0 : 1;
+    return example::stop(ok);
 }

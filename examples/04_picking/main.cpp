@@ -2,12 +2,9 @@
 // Picking: tap a paper lantern and it lights up, tap the lamplighter and he waves. What can be tapped has an
 // auxId of its own; a lantern and the light around it share one.
 
-#include <GLES/gl.h>
-#include <SDL.h>
 #include <keltra/keltra.h>
+#include <keltra/kit/kit.h>
 
-#include <cmath>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -15,9 +12,6 @@
 
 namespace {
 
-// Of runs with a given number of frames, which must repeat exactly.
-constexpr float kFrameTime = 1.0f / 30.0f;
-constexpr float kRate = 24.0f;          // keyframes a second
 constexpr unsigned kFigureCode = 1000;  // lanterns count from 1
 
 struct Tap {
@@ -31,28 +25,28 @@ constexpr int kScriptLength = sizeof kScript / sizeof kScript[0];
 struct Garden {
     KTNODE *stage = nullptr, *figure = nullptr;
     std::vector<KTMESH *> lanterns;  // the child of each is the light around it
-    KTANIM *wave = nullptr;          // the list of animations owns it
-    float waved = 1000.0f;           // seconds since the figure was tapped
+    KTCLIP wave;
+    KTPLAYER player;
 };
 
 KTMESH *findMesh(KTNODE *root, const std::string &name) {
     KTNODE *node = root->findByNameInHierarchy(name.c_str());
-    return node != nullptr && node->getType() == KT_MESH ? static_cast<KTMESH *>(node) : nullptr;
+    return node != nullptr && node->isOfClass(KT_MESH) ? static_cast<KTMESH *>(node) : nullptr;
 }
 
 bool load(Garden *garden) {
     garden->stage = KELTRA::load("garden.kte");
     garden->figure = KELTRA::load("figure.kte");
-    garden->wave = new KTANIM;
-    if (garden->stage == nullptr || garden->figure == nullptr || !garden->wave->load("figure_wave.kta"))
-        return false;
+    if (!garden->stage || !garden->figure || !garden->wave.load("figure_wave.kta")) return false;
     KTMESH *skin = findMesh(garden->figure, "figureSkin");
     KTNODE *sky = garden->stage->findByNameInHierarchy("sky");
     if (skin == nullptr || sky == nullptr || !sky->unlink()) return false;
     KELTRA::setSkybox(sky);
     KTOPENGL::setGlobalAmbientLight(0.36f, 0.33f, 0.48f, 1.0f);
-    garden->wave->setTranslating(true);
-    garden->wave->apply(0, garden->figure);
+    garden->player.bind(garden->figure);
+    garden->player.setTranslating(true);
+    garden->player.play(&garden->wave, false);
+    garden->player.setRate(0.0f);  // he waits in the first frame
     garden->figure->setPosition(0.0f, 0.0f, 1.9f);
     skin->setAuxId(kFigureCode);
     for (unsigned code = 1; KTMESH *lantern = findMesh(garden->stage, "lantern" + std::to_string(code));
@@ -61,8 +55,7 @@ bool load(Garden *garden) {
         lantern->getChild(0)->setAuxId(code);
         garden->lanterns.push_back(lantern);
     }
-    for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture != nullptr; texture = texture->getNext())
-        texture->setFilter(true, true, false);
+    example::smoothTextures();
     return true;
 }
 
@@ -79,49 +72,15 @@ bool draw(const Garden &garden, KTCAMERA *camera) {
            garden.figure->pass() && KELTRA::end3D();
 }
 
-// Picks in the frame just drawn and reacts. `select` counts rows from 1. Returns the code.
-unsigned handleTap(Garden *garden, const Tap &tap) {
-    const unsigned code = KELTRA::select(tap.x, tap.y + 1);
-    if (code == kFigureCode) garden->waved = 0.0f;
+// Picks in the frame just drawn and reacts. Returns the code.
+unsigned handleTap(Garden *garden, float x, float y) {
+    const unsigned code = KTVIEW::pick(R3XVECTOR2D(x, y));
+    if (code == kFigureCode) {
+        garden->player.play(&garden->wave, false);
+        garden->player.setRate(1.0f);
+    }
     if (code >= 1 && code <= garden->lanterns.size()) toggle(garden->lanterns[code - 1]);
     return code;
-}
-
-// True once the program is to end; taps are appended.
-bool handleEvents(std::vector<Tap> *taps) {
-    SDL_Event event;
-    while (SDL_PollEvent(&event)) {
-        const bool escape = event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE;
-        if (event.type == SDL_QUIT || escape) return true;
-        if (event.type == SDL_MOUSEBUTTONDOWN) taps->push_back({event.button.x, event.button.y, 0});
-    }
-    return false;
-}
-
-bool run(const example::Options &options, Garden *garden) {
-    const bool scripted = options.frames > 0;
-    KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 3.2f, 10.4f);
-    camera.setTarget(0.0f, 2.75f, 0.0f);
-    bool ok = true;
-    std::vector<Tap> taps;
-    for (int frame = 1; ok && !handleEvents(&taps); ++frame) {
-        // 2. Per frame: the figure waves once after a tap.
-        garden->waved += scripted ? kFrameTime : std::fmax(KELTRA::getFPSfactor(), 0.0f);
-        const unsigned keyframe = static_cast<unsigned>(garden->waved * kRate);
-        if (keyframe < garden->wave->getNumberOfFrames()) garden->wave->apply(keyframe, garden->figure);
-        // 3. Draw. Taps are picked in a frame that is not shown, since picking changes a pixel.
-        if (scripted) taps.assign(1, kScript[(frame - 1) % kScriptLength]);
-        if (!taps.empty()) ok = draw(*garden, &camera);
-        for (const Tap &tap : taps) ok = (handleTap(garden, tap) == tap.code || !scripted) && ok;
-        taps.clear();
-        ok = ok && draw(*garden, &camera) && KELTRA::begin2D() && KELTRA::end2D();
-        if (ok && frame == options.frames && !options.shot.empty()) ok = example::saveShot(options.shot);
-        ok = ok && KELTRA::swap() && glGetError() == GL_NO_ERROR;
-        if (frame == options.frames) break;
-    }
-    return ok;
 }
 
 }  // namespace
@@ -133,19 +92,31 @@ int main(int argc, char **argv) {
         return exitCode;
 
     // 1. Start.
-    KTSETTINGS settings;
-    settings.setKTEPath(options.data.c_str());
-    settings.setKTAPath(options.data.c_str());
-    settings.setTexturePath(options.data.c_str());
-    if (!KELTRA::init(&settings)) {
-        std::fprintf(stderr, "04_picking: the engine does not start\n");
-        return 1;
-    }
     Garden garden;
-    const bool ok = load(&garden) && run(options, &garden);
-    if (!ok) std::fprintf(stderr, "04_picking: no frame, no hit, or no files in %s\n", options.data.c_str());
+    bool ok = example::start(options) && load(&garden);
+    KTCAMERA camera;
+    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
+    camera.setPosition(0.0f, 3.2f, 10.4f);
+    camera.setTarget(0.0f, 2.75f, 0.0f);
+    KTINPUT input;
+    KTCLOCK clock;
+    clock.setStep(options.step);
+    for (int frame = 1; ok && !input.hasQuit(); ++frame) {
+        // 2. Per frame.
+        garden.player.update(clock.tick());
+        input.update(clock.getRealSeconds());
+        // 3. Draw. A tap is picked in a frame that is not shown, since picking changes a pixel.
+        const Tap &scripted = kScript[(frame - 1) % kScriptLength];
+        if (options.frames > 0)
+            ok = draw(garden, &camera) &&
+                 handleTap(&garden, float(scripted.x), float(scripted.y)) == scripted.code;
+        else if (input.hasTapped())
+            ok = draw(garden, &camera) && handleTap(&garden, input.getPoint().x, input.getPoint().y) != ~0u;
+        ok = ok && draw(garden, &camera) && KELTRA::begin2D() && KELTRA::end2D();
+        input.dispatch();
+        if (!example::endFrame(options, frame, &ok)) break;
+    }
 
     // 4. Stop: the lists that own nodes and animations destroy them.
-    KELTRA::setSkybox(nullptr);
-    return KELTRA::free() && ok ? 0 : 1;
+    return example::stop(ok);
 }

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "examples/support/example.h"
+
 template <class Node>
 bool find(KTNODE *root, const char *name, unsigned type, Node **node) {
     KTNODE *found = root->findByNameInHierarchy(name);
@@ -30,9 +32,7 @@ struct Court {
         findAll("lantern", KT_LIGHT, &lanterns);
         findAll("flame", KT_MESH, &flames);
         findAll("halo", KT_MESH, &flames);
-        for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture; texture = texture->getNext()) {
-            texture->setFilter(true, true, false);
-        }
+        example::smoothTextures();
         return !lanterns.empty();
     }
 

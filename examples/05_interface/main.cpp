@@ -2,20 +2,17 @@
 // An interface in front of a scene. One XML file describes all of it; the program finds the widgets by name,
 // hands them pen and keys, and acts on what they report.
 
-#include <GLES/gl.h>
 #include <keltra/keltra.h>
+#include <keltra/kit/kit.h>
 
 #include <cmath>
-#include <cstdio>
 
 #include "examples/05_interface/court.h"
-#include "examples/05_interface/pen.h"
+#include "examples/05_interface/script.h"
 #include "examples/support/example.h"
 
 namespace {
 
-// Of runs with a given number of frames, which must repeat exactly.
-constexpr float kFrameTime = 1.0f / 30.0f;
 constexpr float kDegree = 3.14159265f / 180.0f, kLow = 3.0f, kHigh = 12.0f;  // radians; heights of the view
 
 struct Show {
@@ -109,42 +106,29 @@ int main(int argc, char **argv) {
         return exitCode;
 
     // 1. Start.
-    KTSETTINGS settings;
-    bool ok = settings.load((options.data + "scene.cfg").c_str());
-    settings.setKTEPath(options.data.c_str());
-    settings.setTexturePath(options.data.c_str());
-    settings.setFontPath(options.data.c_str());
-    if (!ok || !KELTRA::init(&settings)) {
-        std::fprintf(stderr, "05_interface: no scene.cfg in %s, or no screen\n", options.data.c_str());
-        return 1;
-    }
     Show show;
-    ok = show.court.load() && loadInterface(&show);
-    if (!ok) std::fprintf(stderr, "05_interface: files are missing in %s\n", options.data.c_str());
-    {
-        KTCAMERA camera;
-        camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-        camera.setTarget(0.0f, 6.4f, 0.0f);
-        Pen pen;
-        for (int frame = 1; ok && readPen(&pen); ++frame) {
-            // 2. Per frame.
-            const bool last = frame == options.frames;
-            update(&show, &camera, options.frames > 0 ? kFrameTime : KELTRA::getFPSfactor());
+    bool ok = example::start(options, "scene.cfg") && show.court.load() && loadInterface(&show);
+    KTCAMERA camera;
+    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
+    camera.setTarget(0.0f, 6.4f, 0.0f);
+    KTINPUT input;
+    KTCLOCK clock;
+    clock.setStep(options.step);
+    clock.start();  // the caret of the field blinks by it
+    for (int frame = 1; ok && !input.hasQuit(); ++frame) {
+        // 2. Per frame.
+        update(&show, &camera, clock.tick());
+        if (options.frames > 0)
+            playScript(frame, &input);
+        else
+            input.update(clock.getRealSeconds());
 
-            // 3. Draw, then hand over the input: widgets are looked for in the list that was just drawn.
-            ok = draw(show, &camera);
-            if (options.frames > 0) playPen(frame, &pen);
-            unsigned int id = 0;
-            KTELEMENT::manageGUIEvents(pen.key, pen.x, pen.y, pen.pressed, 0, &id);
-            if (id) act(&show, id);
-            if (ok && last && !options.shot.empty()) ok = example::saveShot(options.shot);
-            ok = ok && KELTRA::swap() && glGetError() == GL_NO_ERROR;
-            if (!ok) std::fprintf(stderr, "05_interface: frame %d could not be drawn\n", frame);
-            if (last) break;
-        }
+        // 3. Draw, then hand over the input: widgets are looked for in the list that was just drawn.
+        ok = draw(show, &camera);
+        if (unsigned id = input.dispatch()) act(&show, id);
+        if (!example::endFrame(options, frame, &ok)) break;
     }
 
     // 4. Stop: the lists that own nodes, fonts and textures destroy them.
-    KELTRA::setSkybox(nullptr);
-    return KELTRA::free() && ok ? 0 : 1;
+    return example::stop(ok);
 }

@@ -2,19 +2,15 @@
 // Three particle emitters in a scene: a fountain, smoke and sparks, each from an XML file. A slider of the
 // interface sets the height of the fountain.
 
-#include <GLES/gl.h>
-#include <SDL.h>
 #include <keltra/keltra.h>
+#include <keltra/kit/kit.h>
 
-#include <cstdio>
 #include <string>
 
-#include "examples/05_interface/pen.h"
 #include "examples/support/example.h"
 
 namespace {
 
-constexpr unsigned kFrameTime = 33;                // milliseconds; emitters go by the real time
 constexpr float kLowest = 6.0f, kHighest = 44.0f;  // speeds of the fountain
 
 struct Show {
@@ -41,9 +37,16 @@ bool loadScene(Show *show) {
         if (node == nullptr || !node->unlink()) return false;
     }
     KELTRA::setSkybox(KTNODE::findByName("sky"));
-    KTOPENGL::setGlobalAmbientLight(0.40f, 0.35f, 0.52f, 1.0f);
-    for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture != nullptr; texture = texture->getNext())
-        texture->setFilter(true, true, false);
+    // Lamps reach as far as their light fades; without that, all of them together light the whole court.
+    for (KTNODE *node = KTNODE::getFirstNode(); node != nullptr; node = node->getNextNode()) {
+        if (!node->isOfClass(KT_LIGHT)) continue;
+        KTLIGHT *light = static_cast<KTLIGHT *>(node);
+        const bool isMoon = node == KTNODE::findByName("moonlight");
+        light->setExclusive(isMoon);
+        if (!isMoon) light->setAttenuation(0.9f, 0.0f, 0.06f);
+    }
+    KTOPENGL::setGlobalAmbientLight(0.34f, 0.29f, 0.46f, 1.0f);
+    example::smoothTextures();
     return true;
 }
 
@@ -78,45 +81,31 @@ int main(int argc, char **argv) {
     if (!example::parse(argc, argv, "Shows a fountain, smoke and sparks", &options, &exitCode))
         return exitCode;
 
-    // 1. Start.
-    KTSETTINGS settings;
-    bool ok = settings.load((options.data + "scene.cfg").c_str());
-    settings.setKTEPath(options.data.c_str());
-    settings.setTexturePath(options.data.c_str());
-    if (!ok || !KELTRA::init(&settings)) {
-        std::fprintf(stderr, "06_particles: no scene.cfg in %s, or no screen\n", options.data.c_str());
-        return 1;
-    }
+    // 1. Start. Emitters go by the engine's time, which is the clock's once it is started.
+    KTCLOCK clock;
+    clock.setStep(options.step);
+    clock.setShortest(1.0f / 30.0f);
+    clock.start();
     Show show;
-    ok = loadScene(&show) && loadEmitters(&show, options.data);
-    if (!ok) std::fprintf(stderr, "06_particles: files are missing in %s\n", options.data.c_str());
+    bool ok = example::start(options, "scene.cfg") && loadScene(&show) && loadEmitters(&show, options.data);
     if (ok) makeSlider(&show);
-    {
-        KTCAMERA camera;
-        camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-        camera.setPosition(0.0f, 6.3f, 21.0f);
-        camera.setTarget(0.0f, 5.4f, 0.0f);
-        Pen pen;
-        for (int frame = 1; ok && readPen(&pen); ++frame) {
-            // 2. Per frame. Drops that are in the air keep the speed they started with.
-            const unsigned begin = SDL_GetTicks();
-            const bool last = frame == options.frames;
-            show.fountain->setMaximumVelocity(static_cast<unsigned>(show.height->getValue()));
+    KTCAMERA camera;
+    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
+    camera.setPosition(0.0f, 6.3f, 21.0f);
+    camera.setTarget(0.0f, 5.4f, 0.0f);
+    KTINPUT input;
+    for (int frame = 1; ok && !input.hasQuit(); ++frame) {
+        // 2. Per frame. Drops that are in the air keep the speed they started with.
+        clock.tick();
+        input.update(clock.getRealSeconds());
+        show.fountain->setMaximumVelocity(static_cast<unsigned>(show.height->getValue()));
 
-            // 3. Draw, then hand over the input: the slider is looked for in the list that was just drawn.
-            ok = draw(show, &camera);
-            unsigned int id = 0;
-            KTELEMENT::manageGUIEvents(pen.key, pen.x, pen.y, pen.pressed, 0, &id);
-            if (ok && last && !options.shot.empty()) ok = example::saveShot(options.shot);
-            ok = ok && KELTRA::swap() && glGetError() == GL_NO_ERROR;
-            if (!ok) std::fprintf(stderr, "06_particles: frame %d could not be drawn\n", frame);
-            if (last) break;
-            const unsigned spent = SDL_GetTicks() - begin;
-            if (spent < kFrameTime) SDL_Delay(kFrameTime - spent);
-        }
+        // 3. Draw, then hand over the input: the slider is looked for in the list that was just drawn.
+        ok = draw(show, &camera);
+        input.dispatch();
+        if (!example::endFrame(options, frame, &ok)) break;
     }
 
     // 4. Stop: the list that owns nodes destroys the emitters, and they their textures.
-    KELTRA::setSkybox(nullptr);
-    return KELTRA::free() && ok ? 0 : 1;
+    return example::stop(ok);
 }

@@ -1,25 +1,20 @@
 // SPDX-License-Identifier: Zlib
 // A film that loops on a turning box and in a window: one texture, which the video writes into, on both.
 
-#include <GLES/gl.h>
 #include <keltra/keltra.h>
-
-#include <cstdio>
+#include <keltra/kit/kit.h>
 
 #include "examples/support/example.h"
 
 namespace {
 
-// Of runs with a given number of frames, which must repeat exactly.
-constexpr float kFrameTime = 1.0f / 30.0f;
-constexpr float kPictureTime = 1.0f / 25.0f;
 constexpr unsigned int kSide = 128;       // pixels of the film, in both directions
 constexpr unsigned int kMostSteps = 200;  // of the decoder, for one picture
 
 struct Show {
     KTNODE *scene = nullptr, *interface = nullptr, *box = nullptr;
     KTVIDEO *video = nullptr;
-    float waiting = 0.0f;  // seconds of the film that are due
+    KTPACE pictures{25.0f};  // a slow device shows the film slower, and does not fall behind more and more
 };
 
 // The texture is made before the film plays: RGB, as large as the picture, and without mipmaps, which a video
@@ -61,10 +56,7 @@ bool advance(KTVIDEO *video) {
 
 bool update(Show *show, float seconds, float time) {
     show->box->setRotation(22.0f, 40.0f * time - 30.0f, 0.0f);
-    // A slow device shows the film slower, and does not fall behind more and more.
-    show->waiting =
-        show->waiting + seconds < 3.0f * kPictureTime ? show->waiting + seconds : 3.0f * kPictureTime;
-    for (; show->waiting >= kPictureTime; show->waiting -= kPictureTime)
+    for (unsigned int due = show->pictures.advance(seconds); due > 0; --due)
         if (!advance(show->video)) return false;
     return true;
 }
@@ -83,41 +75,29 @@ int main(int argc, char **argv) {
         return exitCode;
 
     // 1. Start.
-    KTSETTINGS settings;
-    settings.setKTEPath(options.data.c_str());
-    settings.setTexturePath(options.data.c_str());
-    settings.setFontPath(options.data.c_str());
     KTVIDEO::setMPGPath(options.data.c_str());  // not taken from the settings
-    if (!KELTRA::init(&settings)) {
-        std::fprintf(stderr, "07_video: the engine does not start\n");
-        return 1;
-    }
-    KTOPENGL::setBackgroundColor(0.06f, 0.05f, 0.11f, 1.0f);
     Show show;
-    bool ok = load(&show);
-    if (!ok) std::fprintf(stderr, "07_video: files are missing in %s\n", options.data.c_str());
-    {
-        KTCAMERA camera;
-        camera.setPosition(0.0f, -1.9f, 12.0f);
-        float time = 0.0f;
-        for (int frame = 1; ok && !example::quitRequested(); ++frame) {
-            // 2. Per frame: outside of drawing, as a video binds its texture behind the engine's back.
-            const bool last = frame == options.frames;
-            const float factor = KELTRA::getFPSfactor();
-            const float seconds = options.frames > 0 ? kFrameTime : factor > 0.0f ? factor : 0.0f;
-            time += seconds;
-            ok = update(&show, seconds, time);
+    bool ok = example::start(options);
+    KTOPENGL::setBackgroundColor(0.06f, 0.05f, 0.11f, 1.0f);
+    ok = ok && load(&show);
+    KTCAMERA camera;
+    camera.setPosition(0.0f, -1.9f, 12.0f);
+    KTINPUT input;
+    KTCLOCK clock;
+    clock.setStep(options.step);
+    float time = 0.0f;
+    for (int frame = 1; ok && !input.hasQuit(); ++frame) {
+        // 2. Per frame: outside of drawing, as a video binds its texture behind the engine's back.
+        const float seconds = clock.tick();
+        input.update(clock.getRealSeconds());
+        ok = update(&show, seconds, time += seconds);
 
-            // 3. Draw.
-            ok = ok && draw(show, &camera);
-            if (ok && last && !options.shot.empty()) ok = example::saveShot(options.shot);
-            ok = ok && KELTRA::swap() && glGetError() == GL_NO_ERROR;
-            if (!ok) std::fprintf(stderr, "07_video: frame %d could not be drawn\n", frame);
-            if (last) break;
-        }
+        // 3. Draw.
+        ok = ok && draw(show, &camera);
+        if (!example::endFrame(options, frame, &ok)) break;
     }
 
     // 4. Stop. The list owns the video; the program closes the film that it opened.
     if (show.video) show.video->load(nullptr);
-    return KELTRA::free() && ok ? 0 : 1;
+    return example::stop(ok);
 }

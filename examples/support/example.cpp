@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Zlib
 #include "examples/support/example.h"
 
-#include <SDL.h>
 #include <keltra/fault.h>
 
 #include <CLI/CLI.hpp>
@@ -39,18 +38,9 @@ bool parse(int argc, char **argv, const char *description, Options *options, int
         return false;
     }
     if (!options->shot.empty() && options->frames == 0) options->frames = kShotFrames;
+    options->step = options->frames > 0 ? kFrameTime : 0.0f;
     if (options->data.empty() || options->data.back() != '/') options->data += '/';
     return true;
-}
-
-bool quitRequested() {
-    bool quit = false;
-    SDL_Event event;
-    while (SDL_PollEvent(&event)) {
-        quit = quit || event.type == SDL_QUIT || event.type == SDL_MOUSEBUTTONDOWN ||
-               (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE);
-    }
-    return quit;
 }
 
 bool saveShot(const std::string &path) {

@@ -2,14 +2,18 @@
 #ifndef KELTRA_EXAMPLES_SUPPORT_EXAMPLE_H
 #define KELTRA_EXAMPLES_SUPPORT_EXAMPLE_H
 
-// Shared by all examples: the command line, the end of a run, and a picture of the last frame.
+// Shared by all examples: the command line, start and stop, and the end of a frame with a picture of the
+// last.
 
 #include <string>
 
 namespace example {
 
+constexpr float kFrameTime = 1.0f / 30.0f;
+
 struct Options {
     int frames = 0;    // frames to draw; 0: until the window is closed
+    float step = 0;    // seconds of a frame of a run that must repeat exactly: one with a number of frames
     std::string shot;  // where to save the last frame; empty: nowhere
     std::string data;  // folder of the sample files, with a slash at its end
 };
@@ -18,11 +22,22 @@ struct Options {
 // False when the program is to end with `*exitCode`: after --help or a mistake, which has been reported.
 bool parse(int argc, char **argv, const char *description, Options *options, int *exitCode);
 
-// True once the window was closed, Escape pressed or a mouse button clicked. Needs the engine running.
-bool quitRequested();
+// Starts the engine with the folder of the sample files as that of all files, and with the settings file of
+// that name in it, null for none. False, with a message, when it does not start.
+bool start(const Options &options, const char *settingsFile = nullptr);
+
+// Lets all textures that exist be drawn smoothly.
+void smoothTextures();
+
+// Ends the frame just drawn: saves the picture of the last one, swaps, asks the GL for errors. False once the
+// run is over; then `*ok` tells whether it was a good one, and a message what was not.
+bool endFrame(const Options &options, int frame, bool *ok);
 
 // Saves the frame just drawn, before it is swapped, and prints where. False, with a message, when it cannot.
 bool saveShot(const std::string &path);
+
+// Stops the engine; the exit code of a program that was `ok`.
+int stop(bool ok);
 
 }  // namespace example
 

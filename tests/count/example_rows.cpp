@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Zlib
-// Frames of the examples. Their own programs run, with this file in the place of examples/support.
+// Frames of the examples. Their own programs run, with this file in the place of the command line.
 
 #include <keltra/keltra.h>
 
@@ -50,11 +50,10 @@ void run(const char *name, int (*example)(int, char **), bool fromSwap) {
 
 bool example::parse(int, char **, const char *, Options *options, int *) {
     options->frames = kFrames;
+    options->step = kFrameTime;
     options->data = folder;
     return true;
 }
-
-bool example::quitRequested() { return false; }
 
 bool example::saveShot(const std::string &) { return false; }
 

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Zlib
+// What examples do with the engine; their command line is in example.cpp.
+#include "examples/support/example.h"
+
+#include <GLES/gl.h>
+#include <keltra/keltra.h>
+
+#include <cstdio>
+
+namespace example {
+
+bool start(const Options &options, const char *settingsFile) {
+    const char *const folder = options.data.c_str();
+    KTSETTINGS settings;
+    if (settingsFile && !settings.load((options.data + settingsFile).c_str())) {
+        std::fprintf(stderr, "there is no %s in %s\n", settingsFile, folder);
+        return false;
+    }
+    settings.setKTEPath(folder);
+    settings.setKTAPath(folder);
+    settings.setTexturePath(folder);
+    settings.setFontPath(folder);
+    if (KELTRA::init(&settings)) return true;
+    std::fprintf(stderr, "the engine does not start\n");
+    return false;
+}
+
+void smoothTextures() {
+    for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture != nullptr; texture = texture->getNext())
+        texture->setFilter(true, true, false);
+}
+
+bool endFrame(const Options &options, int frame, bool *ok) {
+    const bool last = frame == options.frames;
+    if (*ok && last && !options.shot.empty()) *ok = saveShot(options.shot);
+    *ok = *ok && KELTRA::swap() && glGetError() == GL_NO_ERROR;
+    if (!*ok) std::fprintf(stderr, "frame %d could not be drawn\n", frame);
+    return *ok && !last;
+}
+
+int stop(bool ok) {
+    if (!ok) std::fprintf(stderr, "the example ends with an error; are its files there?\n");
+    KELTRA::setSkybox(nullptr);
+    const bool freed = KELTRA::isActive() && KELTRA::free();
+    return ok && freed ? 0 : 1;
+}
+
+}  // namespace example
