@@ -22,8 +22,12 @@ std::int64_t systemTime() {
     return duration_cast<nanoseconds>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
+// Of less than some 68 years. In two parts: a processor without floats computes in double to convert to 64
+// bits.
 std::int64_t toNanoseconds(float seconds) {
-    return static_cast<std::int64_t>(seconds * kNanosecondsPerSecond);
+    const std::int32_t whole = static_cast<std::int32_t>(seconds);
+    const float rest = (seconds - static_cast<float>(whole)) * kNanosecondsPerSecond;
+    return whole * std::int64_t{1000000000} + static_cast<std::int32_t>(rest);
 }
 
 // `low` for what is not a number.
