@@ -43,6 +43,15 @@ const float kIdentity[16] = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f,
 
 float *top() { return mirror[current * kLevels + depths[current]]; }
 
+// Matrices that do not overlap.
+inline void copyMatrix(const float *from, float *to) {
+#if defined(KELTRA_SOFT_ARM)
+    keltraCopyWords(from, to);
+#else
+    std::memcpy(to, from, sizeof mirror[0]);
+#endif
+}
+
 // top := m x top, where the last row of m is (0, 0, 0, 1) and m does not translate.
 void multiplyTopByRotation(const float *m) {
     float *t = top();
@@ -161,6 +170,16 @@ void applyRotation(const R3XVECTOR3D &degrees) {
     glRotatex(turnTop(2, degrees.z), 0, 0, kOne);
 }
 
+void copyModelView(float *to, float *also) {
+    const float *from = mirror[depths[0]];
+#if defined(KELTRA_SOFT_ARM)
+    keltraCopyTwice(from, to, also);
+#else
+    std::memcpy(to, from, sizeof mirror[0]);
+    std::memcpy(also, from, sizeof mirror[0]);
+#endif
+}
+
 void loadMatrixAgain(const float *m) {
     if (kSoftFloat)
         loadKnown(m, top());
@@ -210,14 +229,20 @@ void KT_glMatrixMode(GLenum mode) {
 }
 
 void KT_glLoadIdentity() {
-    std::memcpy(top(), kIdentity, sizeof mirror[0]);
+    copyMatrix(kIdentity, top());
     glLoadIdentity();
 }
 
 void KT_glLoadMatrixf(const float *m) {
     if (!m) return void(keltra::failNull("KT_glLoadMatrixf", "m"));
+#if defined(KELTRA_SOFT_ARM)
+    GLfixed fixed[16];
+    keltraToFixed(m, top(), fixed, 4);
+    glLoadMatrixx(fixed);
+#else
     std::memmove(top(), m, sizeof mirror[0]);
     glLoadMatrixx(Fixed16(m).v);
+#endif
 }
 
 void KT_glMultMatrixf(const float *m) {
@@ -262,14 +287,14 @@ void KT_glPushMatrix() {
     if (depths[current] >= kLevels) return void(keltra::failFull("KT_glPushMatrix", "matrix stack", kLevels));
     const float *below = top();
     ++depths[current];
-    std::memcpy(top(), below, sizeof mirror[0]);
+    copyMatrix(below, top());
     if (isInGL()) glPushMatrix();
 }
 
 void KT_glPopMatrix() {
     if (depths[current] == 0) return void(keltra::failState("KT_glPopMatrix", "the matrix stack is empty"));
     const bool wasInGL = isInGL();
-    std::memcpy(top(), kIdentity, sizeof mirror[0]);
+    copyMatrix(kIdentity, top());
     --depths[current];
     if (wasInGL)
         glPopMatrix();

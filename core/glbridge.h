@@ -17,6 +17,9 @@ void setStackSizes(unsigned int modelView, unsigned int projection);
 bool pushMatrix();
 void popMatrix();
 
+// KT_glGetFloatv for the model-view matrix, to two places.
+void copyModelView(float *to, float *also);
+
 // KT_glLoadMatrixf for a matrix that is loaded many times a frame: its 16.16 values are kept, and used while
 // it is the same.
 void loadMatrixAgain(const float *m);

@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "math/float_bits.h"
+#include "math/soft_arm.h"
 
 #if defined(__SSE2__) || defined(_M_X64)
 #include <emmintrin.h>
@@ -69,6 +70,10 @@ inline void toFixed(const float *values, std::int32_t *fixed, std::size_t count)
         __m128i four = _mm_cvttps_epi32(_mm_mul_ps(_mm_loadu_ps(values + done), scale));
         _mm_storeu_si128(reinterpret_cast<__m128i *>(fixed + done), four);
     }
+#endif
+#if defined(KELTRA_SOFT_ARM)
+    done = count & ~std::size_t{3};
+    if (done > 0) keltraToFixed(values, fixed, fixed, done / 4);
 #endif
     for (; done < count; ++done) fixed[done] = toFixed(values[done]);
 }

@@ -52,6 +52,14 @@ extern "C" __attribute__((visibility("hidden"))) bool keltraCorners(std::uint32_
 // fourth row of `t` is 0 0 0 1 and zeros are accepted; false when nothing was done.
 extern "C" __attribute__((visibility("hidden"))) bool keltraTranslate(const float *place, float *t);
 
+// `fours` times four floats to 16.16 as toFixed does, and copies them. The copy may be where the results go.
+extern "C" __attribute__((visibility("hidden"))) void keltraToFixed(const float *values, void *copy,
+                                                                    std::int32_t *fixed, unsigned int fours);
+
+// Copies 16 words, which a compiler calls memcpy for.
+extern "C" __attribute__((visibility("hidden"))) void keltraCopyWords(const void *from, void *to);
+extern "C" __attribute__((visibility("hidden"))) void keltraCopyTwice(const void *from, void *to, void *also);
+
 // Whether 16 words are the same.
 extern "C" __attribute__((visibility("hidden"))) bool keltraSameWords(const void *a, const void *b);
 

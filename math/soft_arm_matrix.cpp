@@ -44,6 +44,58 @@ function keltraCopySame
     pop {r4-r10, pc}
     .size keltraCopySame, . - keltraCopySame
 
+.macro copyEight more:vararg
+    ldmia r0!, {r3-r10}
+    stmia r1!, {r3-r10}
+    \more
+.endm
+function keltraCopyWords
+    push {r4-r10, lr}
+    copyEight
+    copyEight
+    pop {r4-r10, pc}
+    .size keltraCopyWords, . - keltraCopyWords
+
+function keltraCopyTwice
+    push {r4-r10, lr}
+    copyEight stmia r2!, {r3-r10}
+    copyEight stmia r2!, {r3-r10}
+    pop {r4-r10, pc}
+    .size keltraCopyTwice, . - keltraCopyTwice
+
+@ Float to 16.16: the mantissa with 32 bits, shifted by 142 less the exponent. By less than 1 it does not fit.
+.macro toFixed value
+    mov r12, \value, lsl #1
+    subs r12, lr, r12, lsr #24
+    ble 2\@f
+    mov r8, \value, lsl #8
+    orr r8, r8, #0x80000000
+    mov r8, r8, lsr r12
+    eor r8, r8, \value, asr #31
+    sub \value, r8, \value, asr #31
+3\@:
+    .subsection 1
+2\@:
+    mov \value, #0x80000000
+    b 3\@b
+    .subsection 0
+.endm
+function keltraToFixed
+    push {r4-r8, lr}
+    mov lr, #142
+1:
+    ldmia r0!, {r4, r5, r6, r7}
+    stmia r1!, {r4, r5, r6, r7}
+    toFixed r4
+    toFixed r5
+    toFixed r6
+    toFixed r7
+    stmia r2!, {r4, r5, r6, r7}
+    subs r3, r3, #1
+    bne 1b
+    pop {r4-r8, pc}
+    .size keltraToFixed, . - keltraToFixed
+
 @ To 1 unless `number` is zero or in the range.
 .macro zeroOrInRange number, exponent
     movs \exponent, \number, lsl #1
@@ -70,11 +122,15 @@ function keltraCopySame
     orr r1, r1, #0x80000000
     bic r2, \place, #0xff000000
     orr r2, r2, #0x00800000
+    .ifc \offset, 0
+    roundedProduct r0, r1, r2, r7, r9, r12
+    .else
     roundedProduct r3, r1, r2, r7, r9, r12
     cmp r0, #0
     moveq r0, r3
     beq 3f
     addUp r0, r3, r7, r8, r12, 1f
+    .endif
 3:
 .endm
 function keltraTranslate

@@ -194,8 +194,7 @@ void KTELEMENT::append(KTNODE *node) {
     entry.param1 = 0;
     // One by one: a loop becomes a call on ARM.
     entry.nearestLight[0] = entry.nearestLight[1] = entry.nearestLight[2] = entry.nearestLight[3] = nullptr;
-    KT_glGetFloatv(0, entry.matrix.m);
-    node->cachedMatrix = entry.matrix;
+    keltra::copyModelView(entry.matrix.m, node->cachedMatrix.m);
     bool transparent = node->type == KT_EMITTER || node->type == KT_HELPER;
     if (KTMESH *mesh = keltra::asTyped<KTMESH>(node)) {
         if (mesh->numberOfBones && mesh->bones) passSkin(mesh, entry);

@@ -91,7 +91,7 @@ bool KTMESH::render(void *data) {
     if (special) {
         beginSpecialPass();
     } else {
-        KTLIGHT::activateNearest(&element);
+        if (KTLIGHT::getLighting()) KTLIGHT::activateNearest(&element);
         renderMaterial(element);
     }
     if (isSkinned() && !animate(element.getParam1())) return false;
@@ -101,10 +101,7 @@ bool KTMESH::render(void *data) {
     const bool transparent = keltra::isTransparent(material);
     if (!element.getNearestLight(0)) KTSHADER::disable();
     KT_glLoadMatrixf(element.getMatrix()->m);
-    if (transparent)
-        KTOPENGL::twoSideOn();
-    else
-        KTOPENGL::twoSideOff();
+    if (KTOPENGL::twoSide != transparent) KTOPENGL::twoSide ? KTOPENGL::twoSideOff() : KTOPENGL::twoSideOn();
 
     const DRAWING drawing = prepareDrawing(special);
     if (transparent && drawing.primitive == GL_TRIANGLES) {
@@ -169,26 +166,27 @@ KTMESH::DRAWING KTMESH::prepareDrawing(bool special) {
     return drawing;
 }
 
+// Most meshes find the arrays switched as they need them.
 void KTMESH::draw(const DRAWING &drawing) {
     if (drawing.vertices) {
-        KTOPENGL::vertexArrayOn();
+        if (!KTOPENGL::vertexArrayStatus) KTOPENGL::vertexArrayOn();
         glVertexPointer(3, GL_FIXED, 0, drawing.vertices);
-    } else {
+    } else if (KTOPENGL::vertexArrayStatus) {
         KTOPENGL::vertexArrayOff();
     }
     if (drawing.normals) {
-        KTOPENGL::normalArrayOn();
+        if (!KTOPENGL::normalArrayStatus) KTOPENGL::normalArrayOn();
         glNormalPointer(GL_FIXED, 0, drawing.normals);
-    } else {
+    } else if (KTOPENGL::normalArrayStatus) {
         KTOPENGL::normalArrayOff();
     }
     if (drawing.uvs) {
-        KTOPENGL::textureArrayOn();
+        if (!KTOPENGL::textureArrayStatus) KTOPENGL::textureArrayOn();
         glTexCoordPointer(2, GL_FIXED, 0, drawing.uvs);
-    } else {
+    } else if (KTOPENGL::textureArrayStatus) {
         KTOPENGL::textureArrayOff();
     }
-    KTOPENGL::colorArrayOff();
+    if (KTOPENGL::colorArrayStatus) KTOPENGL::colorArrayOff();
     useCurrentValues();
     if (drawing.indexCount > 0)
         glDrawElements(drawing.primitive, drawing.indexCount, GL_UNSIGNED_SHORT, drawing.indices);

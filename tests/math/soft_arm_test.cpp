@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <random>
 
+#include "math/fixed.h"
 #include "math/float_bits.h"
 
 namespace keltra::test {
@@ -148,6 +149,22 @@ TEST(SoftArmTest, TranslationsAreThePlainOnes) {
             if (done && isZero(t[12 + k])) {
                 ASSERT_EQ(bitsOf(t[12 + k]), bitsOf(expected[k]));
             }
+        }
+    }
+}
+
+TEST(SoftArmTest, FixedNumbersAreThePlainOnes) {
+    Operand any;
+    for (int i = 0; i < kTimes; ++i) {
+        float values[8], copy[8] = {};
+        std::int32_t fixed[8] = {};
+        for (float &value : values)
+            value = i % 3 ? any() : floatOf(any.random() % 5 << 31 | any.random() % 70 << 24);
+        const unsigned int fours = 1 + i % 2;
+        keltraToFixed(values, copy, fixed, fours);
+        for (unsigned int k = 0; k < 8; ++k) {
+            ASSERT_EQ(fixed[k], k < 4 * fours ? toFixedByIntegers(values[k]) : 0) << values[k];
+            ASSERT_EQ(bitsOf(copy[k]), k < 4 * fours ? bitsOf(values[k]) : 0);
         }
     }
 }
