@@ -183,7 +183,9 @@ Conversion convertModel(const Options &options, const Progress &progress) {
     const formats::Scene built = buildScene(scene, *rig, materials, options, report, progress);
     std::vector<OutputFile> clips = convertClips(scene, *rig, options, report, progress);
     if (report.triangles == 0 && clips.empty()) throw Refusal("it has no triangles and no animation");
+    for (const OutputFile &clip : clips) report.clipBytes += clip.bytes.size();
     reportLosses(scene, report);
+    checkBudget(options.budget, report);
 
     report.sceneFile = options.name + ".kte";
     conversion.files = std::move(materials.textures);

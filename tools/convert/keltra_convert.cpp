@@ -16,6 +16,8 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <map>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -36,7 +38,7 @@ constexpr char kExamples[] =
 
 struct Arguments {
     Options options;
-    std::string folder;
+    std::string folder, budget = "default";
     unsigned seconds = 300;
     bool texture = false, dryRun = false, json = false, quiet = false;
 };
@@ -75,6 +77,21 @@ std::string checkTimeout(const std::string &text) {
     return "must be a whole number from 1 to 86400";
 }
 
+std::string checkSimplify(const std::string &text) {
+    double value = 0.0;
+    const bool good = numberOf(text, value) && value > 0.0 && (value < 1.0 || value == std::floor(value));
+    return good && value <= 1e9 ? "" : "must be a share below 1 or a whole number of triangles";
+}
+
+std::string checkBudgetText(const std::string &text) {
+    try {
+        budgetOf(text);
+        return "";
+    } catch (const std::invalid_argument &error) {
+        return error.what();
+    }
+}
+
 std::string checkNotEmpty(const std::string &text) { return text.empty() ? "must not be empty" : ""; }
 
 void describe(CLI::App &app, Arguments &arguments) {
@@ -106,6 +123,21 @@ void describe(CLI::App &app, Arguments &arguments) {
     check(app.add_option("--scale", options.scale, "Factor for all lengths; default: what the range needs"),
           checkScale)
         ->excludes(texture);
+    const std::map<std::string, BackSides> sides = {
+        {"open", BackSides::kOpen}, {"all", BackSides::kAll}, {"none", BackSides::kNone}};
+    app.add_option("--two-sided", options.backSides,
+                   "Back sides of which two-sided meshes are drawn: open, all, none")
+        ->transform(CLI::CheckedTransformer(sides))
+        ->default_str("open")
+        ->excludes(texture);
+    check(app.add_option("--simplify", options.simplify, "Share of the triangles to keep, or how many"),
+          checkSimplify)
+        ->excludes(texture);
+    check(app.add_option("--budget", arguments.budget,
+                         "default, none, or triangles=5000,vertices=5000,bones=40,textures=2M,clips=1M"),
+          checkBudgetText)
+        ->capture_default_str();
+    app.add_flag("--fit", options.fit, "Reduce triangles and pictures to the budget");
     check(app.add_option("--timeout", arguments.seconds, "Stop after that many seconds"), checkTimeout)
         ->capture_default_str();
     app.add_flag("--strict", options.strict,
@@ -202,6 +234,7 @@ int main(int argc, char **argv) {
     } catch (const CLI::ParseError &error) {
         return app.exit(error) == 0 ? kGood : kUsage;
     }
+    arguments.options.budget = budgetOf(arguments.budget);
     if (arguments.options.name.empty()) arguments.options.name = fileStem(arguments.options.model);
     try {
         return report(arguments, convert(arguments));

@@ -277,10 +277,14 @@ void Converter::add(const aiMaterial &material) {
         report.drop("additive blending", 1, "the engine blends by alpha only");
     const Layer *mapped = chosen.base ? chosen.base : chosen.opacity;
     made.uvChannel.push_back(mapped ? uvChannelOf(material, *mapped) : 0);
+    int twoSided = 0;
+    material.Get(AI_MATKEY_TWOSIDED, twoSided);
+    made.twoSided.push_back(twoSided != 0 && result.transparency == 1.0f);
     made.materials.push_back(std::move(result));
 }
 
 Materials Converter::finish() {
+    if (options.fit && options.budget.textures > 0) textures.shrinkTo(options.budget.textures);
     made.textures = textures.take();
     const bool normals = std::any_of(made.textures.begin(), made.textures.end(), [](const OutputFile &f) {
         return f.name.size() > 6 && f.name.compare(f.name.size() - 6, 6, "_n.tga") == 0;

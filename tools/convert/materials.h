@@ -15,6 +15,7 @@ namespace keltra::convert {
 struct Materials {
     std::vector<formats::Material> materials;  // in the model's order
     std::vector<unsigned> uvChannel;           // of each material's base texture
+    std::vector<bool> twoSided;                // opaque ones: the engine draws both sides of all others
     std::vector<OutputFile> textures;
 };
 

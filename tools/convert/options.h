@@ -3,6 +3,7 @@
 #define KELTRA_CONVERT_OPTIONS_H
 
 #include "formats/limits.h"
+#include "tools/convert/budget.h"
 
 #include <cstdint>
 #include <functional>
@@ -12,6 +13,13 @@
 
 namespace keltra::convert {
 
+// Which back sides of two-sided materials become triangles.
+enum class BackSides {
+    kOpen,  // those of meshes that are not closed
+    kAll,
+    kNone,
+};
+
 // The options of a conversion.
 struct Options {
     std::string model;                      // path of the model
@@ -20,6 +28,10 @@ struct Options {
     double fps = 25.0;                      // frames per second at which animations are sampled
     unsigned maxTexture = kMaxTextureSize;  // pixels, a power of two
     bool normalMaps = false;
+    BackSides backSides = BackSides::kOpen;
+    double simplify = 0.0;  // share of the triangles to keep, below 1, or how many; 0 for all
+    Budget budget;
+    bool fit = false;  // reduces triangles and pictures to the budget
     bool strict = false;  // nothing is written when anything was dropped, changed, missing or warned of
     double scale = 0.0;   // of all lengths; 0 for 1, or a power of ten that brings the model into 16.16
 };

@@ -34,6 +34,12 @@ struct Dropped {
     std::string why;
 };
 
+// What exceeds the budget.
+struct Over {
+    std::string what;  // "triangles", "vertices", "bones", "textures", "clips"
+    std::uint64_t used = 0, limit = 0;
+};
+
 // What the last line of a run counts.
 struct Tally {
     std::uint64_t dropped = 0, changed = 0, missing = 0, warnings = 0;
@@ -50,6 +56,9 @@ struct Report {
     std::vector<ClipReport> clips;
     std::vector<TextureReport> textures;
     std::uint64_t textureMemory = 0;  // bytes, four per pixel, without mipmaps
+    std::uint64_t meshBones = 0;      // the most of one mesh
+    std::uint64_t clipBytes = 0;      // of all animation files
+    std::vector<Over> over;
     std::vector<Dropped> dropped, changed;
     std::uint64_t missing = 0;          // files and pictures that the model names and that were not read
     std::vector<std::string> warnings;  // results that the user should check

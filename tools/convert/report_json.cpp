@@ -26,6 +26,11 @@ constexpr auto fieldsOf(const Dropped &) {
                            std::pair("why", &Dropped::why));
 }
 
+constexpr auto fieldsOf(const Over &) {
+    return std::make_tuple(std::pair("what", &Over::what), std::pair("used", &Over::used),
+                           std::pair("limit", &Over::limit));
+}
+
 constexpr auto fieldsOf(const Tally &) {
     return std::make_tuple(std::pair("dropped", &Tally::dropped), std::pair("changed", &Tally::changed),
                            std::pair("missing", &Tally::missing), std::pair("warnings", &Tally::warnings));
@@ -66,6 +71,9 @@ static void to_json(Json &json, const Report &report) {
     json["textures"] = report.textures;
     json["textureMemory"] = report.textureMemory;
     json["textureBudget"] = kTextureBudget;
+    json["meshBones"] = report.meshBones;
+    json["clipBytes"] = report.clipBytes;
+    json["over"] = report.over;
     json["dropped"] = report.dropped;
     json["changed"] = report.changed;
     json["missing"] = report.missing;
@@ -80,6 +88,9 @@ static void from_json(const Json &json, Report &report) {
     json.at("clips").get_to(report.clips);
     json.at("textures").get_to(report.textures);
     json.at("textureMemory").get_to(report.textureMemory);
+    json.at("meshBones").get_to(report.meshBones);
+    json.at("clipBytes").get_to(report.clipBytes);
+    json.at("over").get_to(report.over);
     json.at("dropped").get_to(report.dropped);
     json.at("changed").get_to(report.changed);
     json.at("missing").get_to(report.missing);

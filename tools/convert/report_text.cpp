@@ -7,6 +7,13 @@
 #include <vector>
 
 namespace keltra::convert {
+
+std::string withCommas(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, ",");
+    return digits;
+}
+
 namespace {
 
 constexpr double kMebibyte = 1048576.0;
@@ -28,12 +35,6 @@ std::size_t characterAt(const std::string &text, std::size_t at) {
                                           0x10000};  // control characters up to 0x9f are refused
     const bool surrogate = code >= 0xd800 && code < 0xe000;
     return code >= smallest[size] && code < 0x110000 && !surrogate ? size : 0;
-}
-
-std::string withCommas(std::uint64_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, ",");
-    return digits;
 }
 
 std::string counted(std::uint64_t number, const char *one, const char *many) {

@@ -4,17 +4,21 @@
 #include "formats/limits.h"
 #include "tools/convert/geometry.h"
 #include "tools/convert/properties.h"
+#include "tools/convert/simplify.h"
+#include "tools/convert/two_sided.h"
 
 #include <assimp/scene.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <optional>
 
 namespace keltra::convert {
 namespace {
 
-constexpr double kNoAngle = 1e-5;  // degrees
+constexpr double kNoAngle = 1e-5;    // degrees
+constexpr double kNearEnough = 1.1;  // to the number of triangles that is asked for
 
 double largest(const Vector &v) { return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)}); }
 
@@ -51,13 +55,23 @@ formats::Node lightNode(const std::string &name, const aiLight &light, const Mat
     return node;
 }
 
+// What was done to meshes after they were built.
+struct MeshPasses {
+    std::uint64_t before = 0, after = 0;  // triangles, of those that were simplified
+    double wanted = 0.0;                  // of them
+    float deviation = 0.0f;
+    std::uint64_t twoSided = 0, closed = 0, oneSided = 0;  // meshes of two-sided materials
+    std::uint64_t backs = 0;                               // triangles
+};
+
 class Builder {
    public:
-    Builder(const aiScene &scene, Rig &rig, const Materials &materials, Report &report,
-            const Progress &progress)
+    Builder(const aiScene &scene, Rig &rig, const Materials &materials, const Options &options,
+            Report &report, const Progress &progress)
         : scene(scene),
           rig(rig),
           materials(materials),
+          options(options),
           report(report),
           progress(progress),
           atJoint(rig.joints.size()),
@@ -69,12 +83,18 @@ class Builder {
             if (joint.parent != kNone) isParent[joint.parent] = true;
         for (const RigidMesh &rigid : rig.rigidMeshes) faces += scene.mMeshes[rigid.mesh]->mNumFaces;
         for (const Skin &skin : rig.skins) faces += scene.mMeshes[skin.mesh]->mNumFaces;
+        share = shareToKeep();
     }
 
     void build(formats::Node &root);
 
    private:
+    double shareToKeep() const;
     MeshBuilder newMesh();
+    std::vector<formats::MeshData> finish(MeshBuilder &builder, unsigned mesh, bool alone);
+    void simplifyAll(std::vector<formats::MeshData> &meshes, bool alone);
+    void addBacks(std::vector<formats::MeshData> &meshes);
+    void reportPasses();
     void addRigidMeshes();
     void addSkins();
     void addLights();
@@ -91,10 +111,13 @@ class Builder {
     const aiScene &scene;
     Rig &rig;
     const Materials &materials;
+    const Options &options;
     Report &report;
     const Progress &progress;
     std::size_t faces = 0, facesDone = 0;
+    double share = 1.0;  // of the triangles to keep
     Rejects rejects;
+    MeshPasses passes;
     std::vector<std::vector<formats::Node>> atJoint;    // meshes and lights of each
     std::vector<std::optional<formats::Node>> inPlace;  // the light that a joint is, instead of holding it
     std::vector<NodeProperties> properties;             // of the model's nodes
@@ -117,6 +140,7 @@ void Builder::count(const formats::MeshData &mesh) {
     ++report.meshes;
     report.vertices += mesh.vertices.size();
     report.triangles += mesh.faces.size();
+    report.meshBones = std::max<std::uint64_t>(report.meshBones, mesh.boneNames.size());
 }
 
 MeshBuilder Builder::newMesh() {
@@ -126,11 +150,71 @@ MeshBuilder Builder::newMesh() {
     });
 }
 
+double Builder::shareToKeep() const {
+    const std::uint64_t budget = options.budget.triangles;
+    if (options.simplify > 0.0 && options.simplify < 1.0) return options.simplify;
+    if (options.simplify >= 1.0) return std::min(1.0, options.simplify / double(faces));
+    return options.fit && budget > 0 && faces > budget ? double(budget) / double(faces) : 1.0;
+}
+
+std::vector<formats::MeshData> Builder::finish(MeshBuilder &builder, unsigned mesh, bool alone) {
+    std::vector<formats::MeshData> meshes = builder.finish(rig.joints);
+    if (share < 1.0) simplifyAll(meshes, alone && meshes.size() == 1);
+    if (mesh < scene.mNumMeshes && scene.mMeshes[mesh]->mMaterialIndex < materials.twoSided.size() &&
+        materials.twoSided[scene.mMeshes[mesh]->mMaterialIndex])
+        addBacks(meshes);
+    return meshes;
+}
+
+void Builder::simplifyAll(std::vector<formats::MeshData> &meshes, bool alone) {
+    for (formats::MeshData &mesh : meshes) {
+        passes.wanted += double(mesh.faces.size()) * share;
+        passes.before += mesh.faces.size();
+        passes.deviation = std::max(passes.deviation, simplify(mesh, share, !alone));
+        passes.after += mesh.faces.size();
+        setBounds(mesh);
+    }
+}
+
+void Builder::addBacks(std::vector<formats::MeshData> &meshes) {
+    for (std::size_t m = 0; m < meshes.size(); ++m) {
+        if (options.backSides == BackSides::kNone) {
+            ++passes.oneSided;
+        } else if (options.backSides == BackSides::kOpen && isClosed(meshes[m])) {
+            ++passes.closed;
+        } else {
+            const std::size_t count = meshes.size();
+            passes.backs += meshes[m].faces.size();
+            ++passes.twoSided;
+            addBackSides(meshes, m);
+            m += meshes.size() - count;
+        }
+    }
+}
+
+void Builder::reportPasses() {
+    report.change("two-sided meshes", passes.twoSided,
+                  std::to_string(passes.backs) + " triangles were added for their back sides");
+    report.change("two-sided meshes", passes.closed,
+                  "they are closed: their back sides are left out, without --two-sided all");
+    report.drop("back sides of meshes", passes.oneSided, "--two-sided none");
+    if (passes.before == 0) return;
+    char text[160];
+    std::snprintf(text, sizeof text, "now %llu of %llu; a surface moved by up to %.2g %% of its mesh's size",
+                  static_cast<unsigned long long>(passes.after),
+                  static_cast<unsigned long long>(passes.before), 100.0 * double(passes.deviation));
+    report.change("triangles", passes.before - passes.after, text);
+    if (double(passes.after) > passes.wanted * kNearEnough + 1.0)
+        report.warn("its shapes allow no fewer than " + std::to_string(passes.after) +
+                    " triangles without tearing");
+}
+
 void Builder::addRigidMeshes() {
     for (const RigidMesh &rigid : rig.rigidMeshes) {
         MeshBuilder builder = newMesh();
         builder.add(*scene.mMeshes[rigid.mesh], rigid.bake, nullptr, uvChannelOf(rigid.mesh), rejects);
-        for (formats::MeshData &mesh : builder.finish(rig.joints)) {
+        const bool alone = rig.sources[rig.joints[rigid.joint].source].node->mNumMeshes == 1;
+        for (formats::MeshData &mesh : finish(builder, rigid.mesh, alone)) {
             count(mesh);
             properties[rig.joints[rigid.joint].source].applyTo(mesh);
             atJoint[rigid.joint].push_back(meshNode("", std::move(mesh), materialOf(rigid.mesh)));
@@ -153,7 +237,8 @@ void Builder::addSkins() {
             builder.add(*scene.mMeshes[skin.mesh], skin.bake, &skin, uvChannelOf(skin.mesh), rejects);
             done[other] = true;
         }
-        for (formats::MeshData &mesh : builder.finish(rig.joints)) {
+        const bool alone = !joined && rig.sources[first.source].node->mNumMeshes == 1;
+        for (formats::MeshData &mesh : finish(builder, first.mesh, alone)) {
             count(mesh);
             properties[first.source].applyTo(mesh);
             skins.push_back(
@@ -296,6 +381,7 @@ void Builder::build(formats::Node &root) {
     addLights();
     assemble(root);
     reportRejects();
+    reportPasses();
     if (report.meshes + report.lights > kMaxElements)
         report.warn("it has " + std::to_string(report.meshes + report.lights) +
                     " meshes and lights; the engine draws " + std::to_string(kMaxElements) + " per frame");
@@ -315,7 +401,7 @@ formats::Scene buildScene(const aiScene &scene, Rig &rig, const Materials &mater
     built.materials = materials.materials;
     if (built.materials.size() > kMaxCount)
         throw Refusal("it has more than " + std::to_string(kMaxCount) + " materials");
-    Builder(scene, rig, materials, report, progress).build(built.root);
+    Builder(scene, rig, materials, options, report, progress).build(built.root);
     // Last, so that the model's own names are kept: animations find nodes by them.
     built.root.name = rig.names.take(options.name, "model");
     report.materials = static_cast<unsigned>(built.materials.size());

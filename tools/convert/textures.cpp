@@ -13,6 +13,7 @@ using formats::Image;
 using formats::Rgba;
 
 constexpr std::size_t kLongestTextureName = 160;  // leaves room for a path before it
+constexpr std::size_t kSmallestShrunk = 64;       // pixels
 constexpr char kBaseEnding[] = "_d.tga";
 
 // Alpha 0 everywhere means no alpha: some exporters write it so.
@@ -217,6 +218,28 @@ void Textures::add(const std::string &file, const std::string &from, const Image
     report.textures.push_back(line);
     report.textureMemory += std::uint64_t{image.width} * image.height * 4;
     files.push_back({file, std::move(bytes)});
+    images.push_back(image);
+}
+
+void Textures::shrinkTo(std::uint64_t bytes) {
+    std::set<std::size_t> shrunk;
+    while (report.textureMemory > bytes) {
+        const auto largest = std::max_element(
+            images.begin(), images.end(),
+            [](const Image &a, const Image &b) { return a.pixels.size() < b.pixels.size(); });
+        if (largest == images.end() || largest->pixels.size() <= kSmallestShrunk) break;
+        const std::size_t i = static_cast<std::size_t>(largest - images.begin());
+        TextureReport &line = report.textures[i];
+        const std::size_t before = largest->pixels.size();
+        *largest = resized(*largest, std::max(largest->width / 2, 1u), std::max(largest->height / 2, 1u),
+                           line.bits == 32);
+        line.width = largest->width;
+        line.height = largest->height;
+        report.textureMemory -= std::uint64_t{before - largest->pixels.size()} * 4;
+        shrunk.insert(i);
+    }
+    for (const std::size_t i : shrunk) files[i].bytes = targa(images[i], report.textures[i].bits == 32);
+    report.change("pictures", shrunk.size(), "they were halved to fit the budget");
 }
 
 std::vector<OutputFile> Textures::take() { return std::move(files); }

@@ -51,6 +51,8 @@ class Textures {
 
     // Uses a checkerboard, with a warning, if the base cannot be read. Makes no file for opaque white.
     TextureMade make(const TextureRequest &request);
+    // Halves the largest pictures until all take at most so many bytes of the engine's memory.
+    void shrinkTo(std::uint64_t bytes);
     // All files. May be called once.
     std::vector<OutputFile> take();
 
@@ -78,7 +80,8 @@ class Textures {
     std::map<std::string, TextureMade> madeBefore;                   // by request
     std::map<std::vector<std::uint8_t>, TextureMade> writtenBefore;  // by content
     std::set<std::string> reported;
-    std::vector<OutputFile> files;
+    std::vector<OutputFile> files;        // as `report.textures`
+    std::vector<formats::Image> images;  // of the files
 };
 
 }  // namespace keltra::convert

@@ -261,6 +261,9 @@ TEST_F(CommandLineTest, RefusesValuesOutOfRange) {
         {"--fps", {"0", "0.5", "1001", "-1", "nan", "inf", "x", "", "25x"}},
         {"--max-texture", {"0", "3", "100", "1024", "-2", "x", "4294967297", "2.5"}},
         {"--scale", {"0", "-1", "nan", "inf", "-inf", "1e999", "x"}},
+        {"--simplify", {"0", "-1", "1.5", "nan", "x"}},
+        {"--budget", {"", "triangles", "triangles=x", "none,default"}},
+        {"--two-sided", {"", "both", "3"}},
         {"--timeout", {"0", "-1", "86401", "x", "1.5"}},
         {"--name", {"", "a/b", "..", ".a", "a b", "caf\xc3\xa9", "con"}},
     };
@@ -275,6 +278,15 @@ TEST_F(CommandLineTest, TakesTheEndsOfTheRanges) {
         const ProgramRun result = run({"blade.obj", "--dry-run", good});
         EXPECT_EQ(result.exit, 0) << good << result.err;
     }
+}
+
+TEST_F(CommandLineTest, WarnsOfWhatExceedsTheBudget) {
+    const ProgramRun result = run({"blade.obj", "--dry-run", "--budget", "vertices=2"});
+    EXPECT_EQ(result.exit, 0);
+    EXPECT_THAT(result.out, HasSubstr("over the budget: 3 vertices, the limit is 2"));
+    EXPECT_THAT(result.out, EndsWith("0 missing, 1 warning\n"));
+    EXPECT_EQ(run({"blade.obj", "--dry-run", "--budget", "vertices=2", "--strict"}).exit, 3);
+    EXPECT_EQ(run({"blade.obj", "--dry-run", "--budget", "none", "--strict"}).exit, 0);
 }
 
 TEST_F(CommandLineTest, HelpsAndTellsItsVersion) {

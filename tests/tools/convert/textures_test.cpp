@@ -367,5 +367,28 @@ TEST_F(TexturesTest, AnOpacityMapOfOtherCoordinatesIsDropped) {
     EXPECT_EQ(dropped(scene.report, "opacity maps"), 1u);
 }
 
+TEST_F(TexturesTest, PicturesAreHalvedToFitTheBudget) {
+    put("large.png", sample(64, 64));
+    put("wide.png", sample(64, 32));
+    put("small.png", plain(8, 8, {1, 2, 3, 128}));
+    for (const char *name : {"large.png", "wide.png"}) textured(name);
+    test::setAlphaMode(textured("small.png"), "BLEND");
+    scene.options.fit = true;
+    scene.options.budget.textures = 32 * 32 * 4 + 32 * 16 * 4 + 8 * 8 * 4;
+    const Materials made = scene.convert();
+    EXPECT_EQ(read(made, 0).width, 32u);
+    EXPECT_EQ(read(made, 0).height, 32u);
+    EXPECT_EQ(read(made, 1).width, 32u);
+    EXPECT_EQ(read(made, 1).height, 16u);
+    EXPECT_EQ(read(made, 2).width, 8u);
+    EXPECT_EQ(scene.report.textures[0].width, 32u);
+    EXPECT_EQ(scene.report.textureMemory, scene.options.budget.textures);
+    scene.options.budget.textures = 1;  // not below a few pixels
+    scene.convert();
+    EXPECT_GT(scene.report.textureMemory, 0u);
+    scene.options.fit = false;
+    EXPECT_EQ(read(scene.convert(), 0).width, 64u);
+}
+
 }  // namespace
 }  // namespace keltra::convert
