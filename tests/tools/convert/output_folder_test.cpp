@@ -16,6 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::readFile;
+using test::SmallDisk;
 using test::TempFolder;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
