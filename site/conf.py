@@ -19,6 +19,9 @@ version = release
 extensions = ["myst_parser", "breathe"]
 primary_domain = "cpp"
 highlight_language = "cpp"
+# Those of Pygments in which every colour can be told from the ground.
+pygments_style = "xcode"
+pygments_dark_style = "github-dark"
 myst_heading_anchors = 4
 breathe_projects = {"keltra": str(here.parent / "build/site-work/xml")}
 breathe_default_project = "keltra"
@@ -42,13 +45,15 @@ html_theme_options = {
 }
 
 
-def name_headings(app, page, template, context, doctree):
-    """The captions of the navigation have the role of headings, which needs a level."""
+def make_accessible(app, page, template, context, doctree):
+    """Headings of the navigation need a level; what scrolls sideways has to be reached with keys."""
     tree = context.get("furo_navigation_tree", "")
     context["furo_navigation_tree"] = tree.replace('role="heading"', 'role="heading" aria-level="2"')
+    body = context.get("body", "").replace("<pre>", '<pre tabindex="0">')
+    context["body"] = body.replace('<div class="table-wrapper', '<div tabindex="0" class="table-wrapper')
 
 
 def setup(app):
-    app.connect("html-page-context", name_headings, priority=900)
+    app.connect("html-page-context", make_accessible, priority=900)
     app.add_lexer("settings", IniLexer)
     app.add_lexer("kerning", TextLexer)
