@@ -1,0 +1,371 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Zlib
+"""Writes garden.gltf and garden.bin, the evening garden, beside this file. Sizes are in the units of the
+figure, who is three high; x is to the right, z toward the viewer. The pictures are those of the examples."""
+
+import json
+import math
+import os
+import random
+import struct
+
+FOLDER = os.path.dirname(os.path.abspath(__file__))
+
+
+def linear(color):
+    return [round(c / 12.92 if c <= 0.04045 else ((c + 0.055) / 1.055) ** 2.4, 5) for c in color]
+
+
+class Mesh:
+    """Triangles with texture coordinates; corners are shared where they are equal, so that edges are round."""
+
+    def __init__(self, material):
+        self.material, self.corners, self.index, self.triangles = material, [], {}, []
+
+    def corner(self, place, uv):
+        key = tuple(round(v, 4) for v in (*place, *uv))
+        if key not in self.index:
+            self.index[key] = len(self.corners)
+            self.corners.append(key)
+        return self.index[key]
+
+    def face(self, *corners):
+        """A convex face, counterclockwise from outside, of (place, uv) pairs."""
+        numbers = [self.corner(*c) for c in corners]
+        for i in range(1, len(numbers) - 1):
+            triangle = (numbers[0], numbers[i], numbers[i + 1])
+            if len({self.corners[n][:3] for n in triangle}) == 3:  # not at the tip of a cone
+                self.triangles.append(triangle)
+
+    def grid(self, columns, rows, place, uv):
+        """Faces between `columns` x `rows` cells; place and uv are functions of (column, row)."""
+        for row in range(rows):
+            for column in range(columns):
+                around = ((column, row), (column + 1, row), (column + 1, row + 1), (column, row + 1))
+                self.face(*[(place(*c), uv(*c)) for c in around])
+
+    def turned(self, sides, profile, center=(0, 0, 0), sweep=(0, 360), across=1.0):
+        """A profile of (radius, height, v) from below, turned about y."""
+
+        def place(column, row):
+            angle = math.radians(sweep[0] + (sweep[1] - sweep[0]) * column / sides)
+            radius, height, _ = profile[row]
+            return (center[0] + radius * math.sin(angle), center[1] + height, center[2] + radius * math.cos(angle))
+
+        self.grid(sides, len(profile) - 1, place, lambda c, r: (across * c / sides, profile[r][2]))
+
+    def quad(self, size, flat=False, center=(0, 0, 0)):
+        """A square that faces +z, or lies on the ground."""
+        for_corner = ((-1, -1), (1, -1), (1, 1), (-1, 1))
+        self.face(*[((center[0] + x * size, center[1] + (0 if flat else y * size), center[2] - (y * size if flat else 0)),
+                     ((x + 1) / 2, (1 - y) / 2)) for x, y in for_corner])
+
+
+class Model:
+    def __init__(self):
+        self.nodes, self.meshes, self.materials, self.pictures = [], [], [], []
+        self.accessors, self.views, self.data = [], [], b""
+
+    def material(self, name, color=(1, 1, 1), picture=None, alpha=1.0, unlit=False, ambient=None):
+        base = {"baseColorFactor": linear(color) + [alpha], "metallicFactor": 0}
+        if picture:
+            if picture not in self.pictures:
+                self.pictures.append(picture)
+            base["baseColorTexture"] = {"index": self.pictures.index(picture)}
+        entry = {"name": name, "pbrMetallicRoughness": base}
+        if alpha < 1.0:
+            entry["alphaMode"] = "BLEND"
+            entry["extras"] = {"keltra_transparency": alpha}
+        if unlit:
+            entry["extensions"] = {"KHR_materials_unlit": {}}
+        else:
+            entry.setdefault("extras", {})["keltra_ambient"] = list(ambient or color)
+        self.materials.append(entry)
+        return len(self.materials) - 1
+
+    def append(self, values, form, kind, target, bounds=False):
+        block = struct.pack("<%d%s" % (len(values), form), *values)
+        width = {"SCALAR": 1, "VEC2": 2, "VEC3": 3}[kind]
+        accessor = {"bufferView": len(self.views), "componentType": 5126 if form == "f" else 5123,
+                    "count": len(values) // width, "type": kind}
+        if bounds:
+            accessor["min"] = [min(values[i::width]) for i in range(width)]
+            accessor["max"] = [max(values[i::width]) for i in range(width)]
+        self.views.append({"buffer": 0, "byteOffset": len(self.data), "byteLength": len(block), "target": target})
+        self.accessors.append(accessor)
+        self.data += block + b"\0" * (-len(block) % 4)
+        return len(self.accessors) - 1
+
+    def mesh(self, mesh):
+        places = [v for c in mesh.corners for v in c[:3]]
+        uvs = [v for c in mesh.corners for v in c[3:]]
+        self.meshes.append({"primitives": [{"attributes": {
+            "POSITION": self.append(places, "f", "VEC3", 34962, True),
+            "TEXCOORD_0": self.append(uvs, "f", "VEC2", 34962)},
+            "indices": self.append([i for t in mesh.triangles for i in t], "H", "SCALAR", 34963),
+            "material": mesh.material}]})
+        return len(self.meshes) - 1
+
+    def node(self, name, mesh=None, at=None, parent=None, **extras):
+        entry = {"name": name}
+        if at:
+            entry["translation"] = list(at)
+        if mesh is not None:
+            entry["mesh"] = mesh if isinstance(mesh, int) else self.mesh(mesh)
+        if extras:
+            entry["extras"] = {"keltra_" + key: value for key, value in extras.items()}
+        self.nodes.append(entry)
+        if parent is not None:
+            self.nodes[parent].setdefault("children", []).append(len(self.nodes) - 1)
+        return len(self.nodes) - 1
+
+    def save(self, name):
+        used = ["KHR_materials_unlit", "KHR_lights_punctual"]
+        text = {"asset": {"version": "2.0", "copyright": "The Keltra project; zlib licence"}, "extensionsUsed": used,
+                "scene": 0, "scenes": [{"nodes": [0]}], "nodes": self.nodes, "materials": self.materials,
+                "meshes": self.meshes, "accessors": self.accessors, "bufferViews": self.views,
+                "textures": [{"source": i} for i in range(len(self.pictures))],
+                "images": [{"uri": p + ".png"} for p in self.pictures],
+                "buffers": [{"uri": name + ".bin", "byteLength": len(self.data)}],
+                "extensions": {"KHR_lights_punctual": {"lights": [{"type": "directional", "color": [0.30, 0.32, 0.50]}]}}}
+        with open(os.path.join(FOLDER, name + ".gltf"), "w", encoding="ascii") as file:
+            json.dump(text, file, separators=(",", ":"))
+            file.write("\n")
+        with open(os.path.join(FOLDER, name + ".bin"), "wb") as file:
+            file.write(self.data)
+
+
+def along(points, steps):
+    """Points and directions of a smooth curve through (x, z) points."""
+    found = []
+    for i in range(1, len(points) - 2):
+        a, b, c, d = points[i - 1:i + 3]
+        for k in range(steps):
+            t = k / steps
+            place, direction = [], []
+            for j in range(2):
+                p, q, r = c[j] - a[j], 2 * a[j] - 5 * b[j] + 4 * c[j] - d[j], 3 * b[j] - a[j] - 3 * c[j] + d[j]
+                place.append(b[j] + 0.5 * (p * t + q * t * t + r * t ** 3))
+                direction.append(0.5 * (p + 2 * q * t + 3 * r * t * t))
+            found.append((place, direction))
+    return found
+
+
+def add_sky(model, root):
+    sky = model.node("sky", parent=root)
+    dome = Mesh(model.material("sky", picture="sky", unlit=True))
+    # From inside, so the angles run the other way; the picture goes round twice, half of it below what is seen.
+    rows = ((62, 0.98, 0.0), (62, 0.35, 0.42), (62, 0.0, 0.86), (62, -0.12, 0.99))
+
+    def place(column, row):
+        angle = math.radians(-36.0 * column)
+        radius, height, _ = rows[row]
+        flat = radius * math.sqrt(1 - height * height)
+        return (flat * math.sin(angle), radius * height, flat * math.cos(angle))
+
+    dome.grid(10, 3, lambda c, r: place(c, 3 - r), lambda c, r: (c / 5, rows[3 - r][2]))
+    model.node("dome", dome, parent=sky)
+    moon = Mesh(model.material("moon", picture="moon", alpha=0.999, unlit=True))
+    moon.quad(6.2)
+    model.node("moon", moon, (4.2, 17.2, -92.0), root)
+    hills = Mesh(model.material("hills", (0.40, 0.23, 0.43), unlit=True))
+    tops = [7.0, 10.4, 8.0, 11.5, 8.2, 6.2, 5.6, 6.8, 9.5, 12.4, 8.2, 9.5, 7.0]
+    hills.grid(12, 1, lambda c, r: (-72 + 12 * c, (-1.0, tops[c])[r], -82), lambda c, r: (0, 0))
+    model.node("hills", hills, parent=root)
+    near = Mesh(model.material("nearHills", (0.23, 0.16, 0.34), unlit=True))
+    tops = [3.5, 5.0, 4.2, 2.6, 3.4, 2.4, 3.0, 4.6, 5.2, 3.6]
+    near.grid(9, 1, lambda c, r: (-63 + 14 * c, (-1.0, tops[c])[r], -66), lambda c, r: (0, 0))
+    model.node("nearHills", near, parent=root)
+
+
+def add_ground(model, root):
+    lawn = model.material("lawn", (0.50, 0.62, 0.62), "meadow", ambient=(0.54, 0.68, 0.74))
+    for row in range(4):
+        for column in range(4):
+            x, z = -16 + 8 * column, -20 + 9.5 * row
+            tile = Mesh(lawn)
+            tile.grid(2, 2, lambda c, r: (x + 4 * c, 0, z + 9.5 - 4.75 * r),
+                      lambda c, r: ((x + 4 * c) / 6, (z + 9.5 - 4.75 * r) / 6))
+            model.node("lawn%d" % (4 * row + column + 1), tile, parent=root)
+    field = Mesh(model.material("field", (0.16, 0.17, 0.29), unlit=True))
+    for x0, x1, z0, z1 in ((-70, 70, -70, -20), (-70, -16, -20, 18), (16, 70, -20, 18)):
+        field.face(((x0, 0, z1), (0, 0)), ((x1, 0, z1), (0, 0)), ((x1, 0, z0), (0, 0)), ((x0, 0, z0), (0, 0)))
+    model.node("field", field, parent=root)
+
+
+def add_path(model, root):
+    paving = model.material("paving", (0.80, 0.78, 0.86), "paving", ambient=(0.86, 0.84, 0.94))
+    bends = [(0.5, 26), (0.4, 18), (0, 11), (-2.0, 6), (-1.0, 1), (1.2, -4), (0.5, -9), (0, -14), (0, -19), (0, -24)]
+    points = along(bends, 4)
+    for part in range(0, len(points) - 1, 7):
+        path = Mesh(paving)
+        piece = points[part:part + 8]
+
+        def place(column, row):
+            (x, z), (dx, dz) = piece[row]
+            length = math.hypot(dx, dz)
+            side = (column - 0.5) * 2.3
+            return (x - dz / length * side, 0.03, z + dx / length * side)
+
+        if len(piece) > 1:
+            path.grid(1, len(piece) - 1, place, lambda c, r: (c * 0.5, (part + r) * 0.28))
+        model.node("path%d" % (part // 7 + 1), path, parent=root)
+
+
+def add_well(model, root):
+    stone = model.material("stone", (0.78, 0.74, 0.84), "masonry", ambient=(0.84, 0.80, 0.94))
+    paved = Mesh(model.material("court", (0.72, 0.70, 0.80), "paving", ambient=(0.80, 0.78, 0.90)))
+    around = [(3.1 * math.sin(math.radians(36 * i)), 3.1 * math.cos(math.radians(36 * i))) for i in range(10)]
+    paved.face(*[((x, 0.05, z), (0.5 + x / 9, 0.5 + z / 9)) for x, z in around])
+    well = model.node("well", paved, (4.9, 0, -1.6), root)
+    basin = Mesh(stone)
+    basin.turned(8, [(1.75, 0.0, 0.5), (1.65, 0.78, 0.25), (1.8, 0.82, 0.22), (1.8, 0.98, 0.14), (1.35, 0.98, 0.0), (1.35, 0.6, 0.1)],
+                 across=3)
+    model.node("basin", basin, parent=well)
+    pillar = Mesh(stone)
+    pillar.turned(5, [(0.34, 0.4, 0.5), (0.22, 1.6, 0.1), (0.62, 1.95, 0.0), (0.62, 2.05, 0.0)], across=1)
+    model.node("pillar", pillar, parent=well)
+    water = Mesh(model.material("water", (0.62, 0.74, 0.94), "water", ambient=(0.7, 0.8, 1.0)))
+    water.face(*[((0.45 * x, 0.74, 0.45 * z), (0.5 + x / 8, 0.5 + z / 8)) for x, z in around])
+    model.node("water", water, parent=well)
+
+
+def add_gate(model, root):
+    wall = model.material("wall", (0.72, 0.66, 0.80), "masonry", ambient=(0.80, 0.74, 0.92))
+    ring = Mesh(wall)
+    profile = ((3.4, -0.6), (3.4, 0.5), (3.55, 0.6), (4.6, 0.6), (4.75, 0.45))
+    lengths = (0.0, 0.28, 0.33, 0.62, 0.68)
+
+    def place(column, row):
+        angle = math.radians(-118 + 256.0 * column / 16 - 10)
+        radius, z = profile[4 - row]
+        return (radius * math.sin(angle), 3.9 + radius * math.cos(angle), z)
+
+    ring.grid(16, 4, lambda c, r: place(16 - c, r), lambda c, r: (c * 0.42, lengths[4 - r]))
+    gate = model.node("gate", ring, (0, 0, -15), root)
+    for side in (-1, 1):
+        part = Mesh(wall)
+        across = [3.8, 8.4, 13.0]
+        outline = ((0, 0.4, 0.9), (2.5, 0.4, 0.1), (2.9, 0.0, 0.0), (2.5, -0.4, 0.1))
+        across = [side * x for x in across][::side]
+        part.grid(2, 3, lambda c, r: (across[c], outline[r][0], outline[r][1]), lambda c, r: (across[c] / 3.6, outline[r][2]))
+        model.node("wall%s" % ("Left" if side < 0 else "Right"), part, parent=gate)
+
+
+def add_green(model, root, chance):
+    leaves = model.material("hedge", (0.62, 0.86, 0.66), "cypress", ambient=(0.78, 1.0, 0.92))
+    for side in (-1, 1):
+        for i in range(4):
+            hedge = Mesh(leaves)
+            z = [12 - 6.6 * i, 12 - 6.6 * i - 3.3, 12 - 6.6 * i - 6.3]
+            x = 9.4
+            bumps = [chance.uniform(1.25, 1.75) for _ in z]
+
+            def place(column, row):
+                inner, height = ((x, 0.0), (x + 0.15, 0.8 * bumps[column]), (x + 0.7, bumps[column]), (x + 1.6, bumps[column] - 0.1))[row]
+                return (side * inner, height, z[column])
+
+            flip = (lambda c: c) if side > 0 else (lambda c: 2 - c)
+            # Seen from the path: to the right of it the columns run away from the viewer, to the left toward it.
+            hedge.grid(2, 3, lambda c, r: place(2 - flip(c), r), lambda c, r: (c * 1.6, 0.55 * r))
+            ends = [place(0, r) for r in range(4)] + [(side * (x + 1.6), 0.0, z[0])]
+            hedge.face(*[(p, (p[0] / 2, p[1] / 2)) for p in (reversed(ends) if side > 0 else ends)])
+            model.node("hedge%d" % (4 * (side > 0) + i + 1), hedge, parent=root)
+    tree = model.material("cypress", (0.46, 0.66, 0.60), "cypress", ambient=(0.66, 0.92, 0.94))
+    places = [(-6.6, -18.5, 8.5), (6.9, -18.2, 9.4), (-10.5, -17.6, 7.2), (10.8, -17.8, 7.8), (-12.6, -9, 8.2), (12.4, -7.5, 9.0),
+              (-12.8, 0.5, 7.4), (12.8, 3, 8.0), (-12.2, 8, 8.8), (12.6, 11.5, 7.6)]
+    for i, (x, z, height) in enumerate(places):
+        cypress = Mesh(tree)
+        cypress.turned(4, [(0.55, 0.0, 1.6), (1.05, 0.2 * height, 1.1), (0.78, 0.6 * height, 0.5), (0.0, height, 0.0)],
+                       sweep=(-100, 100), across=1.5)
+        model.node("cypress%d" % (i + 1), cypress, (x, 0, z), root)
+    rock = model.material("rock", (0.55, 0.52, 0.62), "paving", ambient=(0.62, 0.60, 0.74))
+    for i, (x, z, size) in enumerate([(-5.6, 8.4, 0.8), (6.8, 5.2, 1.0), (-7.6, -2.2, 1.2), (8.0, -6.4, 0.9), (-4.4, -11.2, 1.0), (2.9, -6.6, 0.6)]):
+        stone = Mesh(rock)
+        stone.turned(6, [(size * 1.1, -0.1, 0.5), (size * chance.uniform(0.7, 0.9), size * 0.55, 0.3), (0.0, size * 0.8, 0.1)],
+                     sweep=(0, 360), across=1)
+        model.node("stone%d" % (i + 1), stone, (x, 0, z), root)
+
+
+PAPERS = [(0.96, 0.36, 0.22), (1.0, 0.66, 0.20), (0.96, 0.34, 0.48), (1.0, 0.80, 0.34), (0.52, 0.78, 0.42),
+          (0.98, 0.50, 0.20), (0.66, 0.46, 0.92), (1.0, 0.72, 0.28), (0.36, 0.70, 0.90), (0.94, 0.32, 0.30)]
+
+
+def lantern_shape(material, radius, height):
+    """What hangs: a body of paper, ribbed by its picture, between two dark rims."""
+    shape = Mesh(material)
+    shape.turned(6, [(0.40 * radius, -height, 0.80), (radius, -0.36 * height, 0.52), (radius, 0.36 * height, 0.24),
+                     (0.40 * radius, height, -0.06)], across=2)
+    return shape
+
+
+def add_lanterns(model, root):
+    wood = model.material("wood", (0.42, 0.30, 0.26), ambient=(0.50, 0.38, 0.38))
+    post = Mesh(wood)
+    post.turned(3, [(0.13, 0.0, 1.0), (0.09, 3.75, 0.0)], center=(-0.85, 0, 0))
+    post.grid(2, 1, lambda c, r: (-1.1 + 0.75 * c, 3.45 + 0.14 * r + (0.10 if c == 1 else 0.0), 0.06), lambda c, r: (0, 0))
+    post_mesh = model.mesh(post)
+    for i, color in enumerate(PAPERS):
+        paper = model.material("paper%d" % (i + 1), color, "paper", ambient=[0.5 * c for c in color])
+        halo = model.material("halo%d" % (i + 1), [0.4 + 0.6 * c for c in color], "glow", 0.9, True)
+        pool = model.material("pool%d" % (i + 1), [0.5 + 0.5 * c for c in color], "glow", 0.4, True)
+        stand = model.node("post%d" % (i + 1), post_mesh, parent=root)
+        lantern = model.node("lantern%d" % (i + 1), lantern_shape(paper, 0.66, 0.72), (0.15, 2.75, 0), stand)
+        quad = Mesh(halo)
+        quad.quad(2.3)
+        model.node("halo%d" % (i + 1), quad, parent=lantern, hidden=True, radius=0)
+        quad = Mesh(pool)
+        quad.quad(3.6, True)
+        model.node("pool%d" % (i + 1), quad, (0.15, 0.07, 0.3), stand, hidden=True, radius=0)
+
+
+def add_small(model, root):
+    brass = model.material("brass", (1.0, 0.78, 0.36), "paper", ambient=(1.0, 0.8, 0.5))
+    model.node("lamp", lantern_shape(brass, 0.20, 0.26), parent=root)
+    glow = Mesh(model.material("lampGlow", (1.0, 0.82, 0.50), "glow", 0.85, True))
+    glow.quad(0.75)
+    model.node("lampGlow", glow, parent=root, radius=0)
+    shadow = Mesh(model.material("shadow", (0.05, 0.03, 0.12), "glow", 0.75, True))
+    shadow.quad(1.0, True)
+    model.node("shadow", shadow, (0, 0.09, 0), root, radius=0)
+    pool = Mesh(model.material("lampPool", (1.0, 0.74, 0.42), "glow", 0.34, True))
+    pool.quad(2.9, True)
+    model.node("lampPool", pool, (0, 0.08, 0), root, radius=0)
+    marker = Mesh(model.material("marker", (1.0, 0.92, 0.66), "glow", 0.8, True))
+    marker.quad(0.55, True)
+    model.node("marker", marker, (0, 0.10, 0), root, radius=0)
+    wing = model.material("wing", (0.90, 0.86, 1.0), unlit=True)
+    dust = model.material("dust", (0.70, 0.66, 1.0), "glow", 0.75, True)
+    for i in range(3):
+        glow = Mesh(dust)
+        glow.quad(0.75)
+        moth = model.node("moth%d" % (i + 1), glow, parent=root, radius=0)
+        for side, name in ((-1, "Left"), (1, "Right")):
+            half = Mesh(wing)
+            outline = ((0.0, -0.16), (0.42, -0.24), (0.56, 0.26), (0.0, 0.10))
+            corners = [((side * x, y, 0.02), (0, 0)) for x, y in outline]
+            half.face(*corners[::side])
+            model.node("moth%d%s" % (i + 1, name), half, parent=moth)
+
+
+def main():
+    model = Model()
+    chance = random.Random(7)
+    root = model.node("stage")
+    add_sky(model, root)
+    add_ground(model, root)
+    add_path(model, root)
+    add_well(model, root)
+    add_gate(model, root)
+    add_green(model, root, chance)
+    add_lanterns(model, root)
+    add_small(model, root)
+    moon = model.node("moonlight", parent=root)
+    model.nodes[moon]["extensions"] = {"KHR_lights_punctual": {"light": 0}}
+    model.nodes[moon]["rotation"] = [-0.40584058, 0.28988615, 0.0, 0.86675227]
+    model.save("garden")
+    print(sum(model.accessors[m["primitives"][0]["indices"]]["count"] // 3 for m in model.meshes), "triangles")
+
+
+if __name__ == "__main__":
+    main()
