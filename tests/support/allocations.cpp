@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/support/allocations.h"
 
+#include <dlfcn.h>
+
 #include <atomic>
 #include <cerrno>
+#include <cstring>
 #include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -68,6 +71,13 @@ void *allocate(const void *caller, Get get) {
     return block;
 }
 
+// Whether the code at the address is the engine's, in its library or in this program, or the test's own.
+bool isOurs(const void *caller) {
+    Dl_info of, own;
+    if (!dladdr(caller, &of) || !dladdr(reinterpret_cast<const void *>(&isOurs), &own)) return true;
+    return of.dli_fbase == own.dli_fbase || std::strstr(of.dli_fname, "libkeltra");
+}
+
 // As the standard has it: the handler of new makes room or throws.
 void *allocateOrThrow(std::size_t size, const void *caller) {
     for (;;) {
@@ -84,7 +94,8 @@ extern "C" {
 // They stay glibc's own allocator, so the rest of the family need no counterpart here.
 void *malloc(std::size_t size) {
     const bool isLarge = failingFrom > 0 && size >= failingFrom;
-    if (isLarge || (failingCountdown > 0 && size == failingSize && --failingCountdown == 0)) {
+    if (isLarge || (failingCountdown > 0 && size == failingSize && isOurs(__builtin_return_address(0)) &&
+                    --failingCountdown == 0)) {
         if (counting) ++counted;
         if (isLarge) failingFrom = 0;
         errno = ENOMEM;
