@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Zlib
 #include "core/gl_state.h"
+#include "foundation/cold.h"
 
 #include <keltra/opengl.h>
 
@@ -43,7 +44,7 @@ void OnNewContext::notify() {
     for (const OnNewContext *each = firstToNotify; each; each = each->next) each->forget();
 }
 
-void beginContext() {
+KELTRA_COLD void beginContext() {
     state = State();
     stampSurface();
     KTOPENGL::blending = KTOPENGL::scissor = KTOPENGL::culling = KTOPENGL::twoSide = false;
@@ -204,7 +205,7 @@ void forgetColor() { state.colorHolds = false; }
 void forgetNormal() { state.normalHolds = false; }
 void forgetTexCoord() { state.texCoordHolds = false; }
 
-void useInitialMaterial() {
+KELTRA_COLD void useInitialMaterial() {
     if (state.initialMaterial) return;
     const GLfixed black[4] = {0, 0, 0, kOne}, dark[4] = {kOne / 5, kOne / 5, kOne / 5, kOne};
     const GLfixed light[4] = {kOne * 4 / 5, kOne * 4 / 5, kOne * 4 / 5, kOne};

@@ -5,6 +5,7 @@
 
 #include "core/gl_state.h"
 #include "core/glbridge.h"
+#include "foundation/cold.h"
 
 #include <cmath>
 
@@ -34,7 +35,7 @@ float ratio(int width, int height) { return static_cast<float>(width) / static_c
 }  // namespace
 
 // The caches outlive the context that they were true of, so a new context starts with all of them as it is.
-bool KTOPENGL::init() {
+KELTRA_COLD bool KTOPENGL::init() {
     if (active) return false;
     glGetString(GL_EXTENSIONS);
     keltra::beginContext();
@@ -54,7 +55,7 @@ bool KTOPENGL::free() {
     return true;
 }
 
-void KTOPENGL::reset() {
+KELTRA_COLD void KTOPENGL::reset() {
     setBackgroundColor(backgroundColor);
     setGlobalAmbientLight(globalAmbientLight);
     KT_glClearDepthf(1.0f);
@@ -78,7 +79,7 @@ void KTOPENGL::reset() {
     }
 }
 
-bool KTOPENGL::resize(int x, int y, int width, int height) {
+KELTRA_COLD bool KTOPENGL::resize(int x, int y, int width, int height) {
     // An empty or negative area keeps a usable projection and gives GL an empty viewport.
     if (width < 0) width = 0;
     if (height < 0) height = 0;

@@ -5,6 +5,7 @@
 
 #include "core/gl_state.h"
 #include "core/glbridge.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
 #include "math/soft_arm.h"
@@ -132,7 +133,7 @@ void loadKnown(const float *m, float *mirrored) {
 
 namespace keltra {
 
-void resetMatrixMirror() {
+KELTRA_COLD void resetMatrixMirror() {
     for (current = kStacks - 1; current > 0; --current)
         while (depths[current])
             std::memcpy(mirror[current * kLevels + depths[current]--], kIdentity, sizeof mirror[0]);
@@ -265,7 +266,7 @@ void KT_glTranslatef(float x, float y, float z) {
     glTranslatex(toFixed(x), toFixed(y), toFixed(z));
 }
 
-void KT_glFrustum(float l, float r, float b, float t, float n, float f) {
+KELTRA_COLD void KT_glFrustum(float l, float r, float b, float t, float n, float f) {
     multiplyTop(R3XMATRIX(2.0f * n / (r - l), 0.0f, 0.0f, 0.0f,                             //
                           0.0f, 2.0f * n / (t - b), 0.0f, 0.0f,                             //
                           (r + l) / (r - l), (t + b) / (t - b), -(f + n) / (f - n), -1.0f,  //
@@ -273,7 +274,7 @@ void KT_glFrustum(float l, float r, float b, float t, float n, float f) {
     glFrustumx(toFixed(l), toFixed(r), toFixed(b), toFixed(t), toFixed(n), toFixed(f));
 }
 
-void KT_glOrtho(float l, float r, float b, float t, float n, float f) {
+KELTRA_COLD void KT_glOrtho(float l, float r, float b, float t, float n, float f) {
     multiplyTop(R3XMATRIX(2.0f / (r - l), 0.0f, 0.0f, 0.0f,   //
                           0.0f, 2.0f / (t - b), 0.0f, 0.0f,   //
                           0.0f, 0.0f, -2.0f / (f - n), 0.0f,  //

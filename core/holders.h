@@ -2,6 +2,8 @@
 #ifndef KELTRA_CORE_HOLDERS_H
 #define KELTRA_CORE_HOLDERS_H
 
+#include "foundation/cold.h"
+
 namespace keltra {
 
 // A set of addresses: filled, then sorted, then searched.
@@ -90,7 +92,7 @@ class GoneMany {
 
 // All objects from `begin` on, in the order of their class's list.
 template <class T>
-void notifyGoneFrom(T *begin) {
+KELTRA_COLD void notifyGoneFrom(T *begin) {
     unsigned int count = 0;
     for (T *object = begin; object; object = object->getNext()) ++count;
     GoneMany<T> gone(count);

@@ -17,6 +17,10 @@ void restartMemoryPeak();
 // has allocated since it was sampled last. `vnfMalloc` samples at once.
 void sampleLateBlocks();
 
+// What `new` of a listed class does without memory. Of the classes' sources only this throws: they need
+// tables that lead through their functions, but no code that cleans up.
+[[noreturn]] void throwNoMemory();
+
 }  // namespace keltra
 
 #endif

@@ -11,6 +11,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include "foundation/cold.h"
+#include "foundation/memory.h"
 #include "foundation/object_list.h"
 
 namespace keltra {
@@ -60,7 +62,7 @@ void *KTREGISTERED<T>::operator new(std::size_t size, const std::nothrow_t &) no
 template <class T>
 void *KTREGISTERED<T>::operator new(std::size_t size) {
     void *block = operator new(size, std::nothrow);
-    if (!block) throw std::bad_alloc();
+    if (!block) keltra::throwNoMemory();
     return block;
 }
 
@@ -82,7 +84,7 @@ KTREGISTERED<T>::KTREGISTERED() : registration() {
 }
 
 template <class T>
-KTREGISTERED<T>::KTREGISTERED(const KTREGISTERED &) : registration() {
+KELTRA_COLD KTREGISTERED<T>::KTREGISTERED(const KTREGISTERED &) : registration() {
     list().fresh.take(this);
 }
 
@@ -147,7 +149,7 @@ T *KTREGISTERED<T>::findRegistered(const char *name) {
 }
 
 template <class T>
-void KTREGISTERED<T>::destroy(T &object, Release release) {
+KELTRA_COLD void KTREGISTERED<T>::destroy(T &object, Release release) {
     if (static_cast<KTREGISTERED &>(object).registration.owned)
         delete &object;
     else
@@ -156,7 +158,7 @@ void KTREGISTERED<T>::destroy(T &object, Release release) {
 
 // A destructor may destroy further objects of the list, so its beginning is read again each time.
 template <class T>
-bool KTREGISTERED<T>::destroyAll(Release release) {
+KELTRA_COLD bool KTREGISTERED<T>::destroyAll(Release release) {
     if (!firstRegistered()) return false;
     while (T *object = firstRegistered()) destroy(*object, release);
     return true;

@@ -4,6 +4,7 @@
 #include <keltra/shader.h>
 #include <keltra/texture.h>
 
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "gui/events.h"
 #include "gui/geometry.h"
@@ -22,7 +23,7 @@ namespace {
 
 // The movement along one axis after clamping: `at` is the box's own place, `origin` where the limits count
 // from.
-int clampMovement(int movement, int at, int origin, int size, int start, int end) {
+KELTRA_COLD int clampMovement(int movement, int at, int origin, int size, int start, int end) {
     std::int64_t place = std::max(std::int64_t{movement} + at + origin, std::int64_t{start} + origin);
     // Last, so the far limit wins for a box that does not fit.
     if (size + place > std::int64_t{end} + origin) place = std::int64_t{end} - size + origin;
@@ -64,14 +65,14 @@ KTBOX::KTBOX()
     setIdentity(KT_BOX, "[box %d]");
 }
 
-KTBOX::KTBOX(const KTBOX &other)
+KELTRA_COLD KTBOX::KTBOX(const KTBOX &other)
     : KTNODE(other), KTLISTED<KTBOX>(), KTLISTED<KTBOX, keltra::Part>(), parts(nullptr), partOf(nullptr) {
     joinClass(KT_BOX);
     KTLISTED<KTBOX>::joinList(allBoxes);
     copyBox(other);
 }
 
-KTBOX &KTBOX::operator=(const KTBOX &other) {
+KELTRA_COLD KTBOX &KTBOX::operator=(const KTBOX &other) {
     if (this == &other) return *this;
     KTNODE::operator=(other);
     copyBox(other);
@@ -85,7 +86,7 @@ KTBOX::~KTBOX() {
     if (partOf) forgetPart();
 }
 
-void KTBOX::copyBox(const KTBOX &other) {
+KELTRA_COLD void KTBOX::copyBox(const KTBOX &other) {
     sizeX = other.sizeX;
     sizeY = other.sizeY;
     startX = other.startX;

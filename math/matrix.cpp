@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/matrix.h>
 
+#include "foundation/cold.h"
 #include "math/sine.h"
 #include "math/soft_arm.h"
 #include "math/sparse.h"
@@ -129,7 +130,7 @@ void R3XMATRIX::transpose() {
     std::swap(m[11], m[14]);
 }
 
-float R3XMATRIX::determinant() const {
+KELTRA_COLD float R3XMATRIX::determinant() const {
     return m[0] * minor(m[5], m[10], m[6], m[9]) - m[1] * minor(m[4], m[10], m[8], m[6]) +
            m[2] * minor(m[4], m[9], m[8], m[5]);
 }
@@ -226,7 +227,7 @@ R3XMATRIX R3XMATRIX::fromQuaternion(const R3XVECTOR4D &q) {
 
 // Deliberate: the first branch and the three others disagree about the sign of the vector part; callers
 // compensate for it.
-R3XVECTOR4D R3XMATRIX::toQuaterion() const {
+KELTRA_COLD R3XVECTOR4D R3XMATRIX::toQuaterion() const {
     float trace = m[0] + m[5] + m[10] + 1.0f;
     if (trace > 0.0f) {
         float s = 0.5f / keltra::squareRoot(trace);
@@ -265,7 +266,7 @@ R3XVECTOR4D R3XMATRIX::toQuaternionVelto() const {
 }
 
 // Deliberate: at the poles the right angle goes to y, elsewhere that angle goes to z; callers rely on it.
-R3XVECTOR3D R3XMATRIX::toEuler() const {
+KELTRA_COLD R3XVECTOR3D R3XMATRIX::toEuler() const {
     if (m[4] > kPole) return R3XVECTOR3D(degrees(std::atan2(double(m[2]), double(m[10]))), 90.0f, 0.0f);
     if (m[4] < -kPole) return R3XVECTOR3D(degrees(std::atan2(double(m[2]), double(m[10]))), -90.0f, 0.0f);
     return R3XVECTOR3D(degrees(std::atan2(-double(m[8]), double(m[0]))),

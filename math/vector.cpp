@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/vector.h>
 
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "math/square_root.h"
 
@@ -48,7 +49,7 @@ float R3XVECTOR2D::length() const { return keltra::squareRoot(squaredLength()); 
 
 R3XVECTOR2D R3XVECTOR2D::normalize() { return *this *= reciprocalLength(*this); }
 
-double R3XVECTOR2D::angle(const R3XVECTOR2D &other) const { return angleBetween(*this, other); }
+KELTRA_COLD double R3XVECTOR2D::angle(const R3XVECTOR2D &other) const { return angleBetween(*this, other); }
 
 float &R3XVECTOR3D::operator[](int index) {
     switch (index) {
@@ -69,7 +70,7 @@ float R3XVECTOR3D::length() const { return keltra::squareRoot(keltra::sumOfSquar
 
 R3XVECTOR3D R3XVECTOR3D::normalize() { return *this *= reciprocalLength(*this); }
 
-double R3XVECTOR3D::angle(const R3XVECTOR3D &other) const { return angleBetween(*this, other); }
+KELTRA_COLD double R3XVECTOR3D::angle(const R3XVECTOR3D &other) const { return angleBetween(*this, other); }
 
 float &R3XVECTOR4D::operator[](int index) {
     switch (index) {
@@ -98,9 +99,9 @@ float R3XVECTOR4D::distance(const R3XVECTOR3D &other) const {
     return keltra::squareRoot(dx * dx + dy * dy + dz * dz + dw * dw);
 }
 
-double R3XVECTOR4D::angle(const R3XVECTOR4D &other) const { return angleBetween(*this, other); }
+KELTRA_COLD double R3XVECTOR4D::angle(const R3XVECTOR4D &other) const { return angleBetween(*this, other); }
 
-R3XVECTOR4D R3XVECTOR4D::quaternionSetEulers(float a, float b, float c) {
+KELTRA_COLD R3XVECTOR4D R3XVECTOR4D::quaternionSetEulers(float a, float b, float c) {
     float sa = float(std::sin(a / 2.0)), ca = float(std::cos(a / 2.0));
     float sb = float(std::sin(b / 2.0)), cb = float(std::cos(b / 2.0));
     float sc = float(std::sin(c / 2.0)), cc = float(std::cos(c / 2.0));
@@ -111,7 +112,7 @@ R3XVECTOR4D R3XVECTOR4D::quaternionSetEulers(float a, float b, float c) {
     return *this;
 }
 
-R3XVECTOR4D R3XVECTOR4D::quaternionGetAxisAngles() const {
+KELTRA_COLD R3XVECTOR4D R3XVECTOR4D::quaternionGetAxisAngles() const {
     float angle = float(2.0 * std::acos(double(w)));
     if (std::fabs(double(angle)) < kNoRotation) return R3XVECTOR4D(0.0f, 1.0f, 0.0f, angle);
     R3XVECTOR3D axis = R3XVECTOR3D(x, y, z) / float(std::sin(angle / 2.0));

@@ -9,6 +9,7 @@
 #include "core/holders.h"
 #include "formats/kerning.h"
 #include "foundation/argument.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "foundation/file_bytes.h"
 #include "foundation/quiet.h"
@@ -243,18 +244,18 @@ void escape(keltra::TextToken token, const char *text, Pen &pen) {
 
 }  // namespace
 
-KTFONT::KTFONT() : texture(nullptr), kerning(), charSizeX(16), charSizeY(16), toldMissing(false) {
+KELTRA_COLD KTFONT::KTFONT() : texture(nullptr), kerning(), charSizeX(16), charSizeY(16), toldMissing(false) {
     joinList(allFonts);
     id = enlist();
     keltra::writeName(name, "[font %d]", id);
 }
 
-KTFONT::KTFONT(const KTFONT &other) : KTREGISTERED<KTFONT>(other), KTLISTED<KTFONT>() {
+KELTRA_COLD KTFONT::KTFONT(const KTFONT &other) : KTREGISTERED<KTFONT>(other), KTLISTED<KTFONT>() {
     joinList(allFonts);
     copyFields(other);
 }
 
-KTFONT &KTFONT::operator=(const KTFONT &other) {
+KELTRA_COLD KTFONT &KTFONT::operator=(const KTFONT &other) {
     if (this == &other) return *this;
     textureUse.take(texture);
     copyFields(other);
@@ -264,7 +265,7 @@ KTFONT &KTFONT::operator=(const KTFONT &other) {
 
 KTFONT::~KTFONT() { release(); }
 
-void KTFONT::copyFields(const KTFONT &other) {
+KELTRA_COLD void KTFONT::copyFields(const KTFONT &other) {
     id = other.id;
     texture = other.texture;
     std::memcpy(kerning, other.kerning, sizeof kerning);
@@ -276,7 +277,7 @@ void KTFONT::copyFields(const KTFONT &other) {
     toldMissing = other.toldMissing;
 }
 
-void KTFONT::release() {
+KELTRA_COLD void KTFONT::release() {
     keltra::OnGone<KTFONT>::notify({*this, isHeld()});
     textureUse.take(texture);
     delist();
@@ -288,7 +289,7 @@ void KTFONT::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
     });
 }
 
-bool KTFONT::init() {
+KELTRA_COLD bool KTFONT::init() {
     if (fontCachedVertex) return keltra::failState("KTFONT::init", keltra::kActive);
     fontCachedVertex = newArray<std::int32_t>(2 * kVertices);
     fontCachedTexCoord = newArray<std::int32_t>(2 * kVertices);
@@ -302,7 +303,7 @@ bool KTFONT::init() {
     return true;
 }
 
-bool KTFONT::free() {
+KELTRA_COLD bool KTFONT::free() {
     freeArray(fontCachedVertex);
     freeArray(fontCachedTexCoord);
     freeArray(fontCachedColor);
@@ -311,14 +312,14 @@ bool KTFONT::free() {
     return true;
 }
 
-bool KTFONT::setTexture(KTTEXTURE *glyphs) {
+KELTRA_COLD bool KTFONT::setTexture(KTTEXTURE *glyphs) {
     if (!glyphs) return keltra::failNull("KTFONT::setTexture", "glyphs");
     textureUse.set(texture, glyphs);
     toldMissing = false;
     return true;
 }
 
-bool KTFONT::setKerning(char c, signed char value) {
+KELTRA_COLD bool KTFONT::setKerning(char c, signed char value) {
     if (!hasKerning(c))
         return keltra::failValue("KTFONT::setKerning", "c", c, "%ld to %ld", kFirstCharacter,
                                  kFirstCharacter + kCharacters - 1);
@@ -328,7 +329,7 @@ bool KTFONT::setKerning(char c, signed char value) {
 
 signed char KTFONT::getKerning(char c) const { return hasKerning(c) ? kerning[cellOf(c)] : 0; }
 
-bool KTFONT::loadKerning(const char *filename) {
+KELTRA_COLD bool KTFONT::loadKerning(const char *filename) {
     const keltra::FilePath path(fontPath, filename);
     keltra::LoadScope scope("KTFONT::loadKerning", path.text);
     if (!filename) return scope.failNull("filename");
@@ -358,7 +359,7 @@ void KTFONT::queueGlyph(std::int64_t x, std::int64_t y, char c) const {
 }
 
 // Labels and buttons draw in each frame: reported once, until there is a texture. Always false.
-bool KTFONT::failTexture(const char *call) {
+KELTRA_COLD bool KTFONT::failTexture(const char *call) {
     if (toldMissing) return false;
     toldMissing = true;
     return keltra::failState(call, "the font has no texture");
@@ -439,13 +440,13 @@ KTFONT *KTFONT::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 unsigned int KTFONT::getNumberOfFonts() { return count(); }
 
-bool KTFONT::cleanUp() {
+KELTRA_COLD bool KTFONT::cleanUp() {
     keltra::notifyGoneFrom(firstRegistered());
     return destroyAll(&KTFONT::release);
 }
 
-void KTFONT::setPath(const char *path) { keltra::takeText(fontPath, path, "KTFONT::setPath"); }
+KELTRA_COLD void KTFONT::setPath(const char *path) { keltra::takeText(fontPath, path, "KTFONT::setPath"); }
 
-void KTFONT::setName(const char *text) {
+KELTRA_COLD void KTFONT::setName(const char *text) {
     if (keltra::takeName(name, text, "KTFONT::setName")) nameChanged();
 }

@@ -8,6 +8,7 @@
 #include "formats/tga_file.h"
 #include "foundation/argument.h"
 #include "foundation/block.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "foundation/file_bytes.h"
 #include "foundation/registry.h"
@@ -61,7 +62,7 @@ unsigned char *newImage(unsigned int sizeX, unsigned int sizeY, unsigned int bpp
 
 }  // namespace
 
-KTTEXTURE::KTTEXTURE()
+KELTRA_COLD KTTEXTURE::KTTEXTURE()
     : timeStamp(0),
       references(0),
       bitmap(nullptr),
@@ -86,13 +87,13 @@ KTTEXTURE::KTTEXTURE()
     keltra::writeName(filename, "[texture %d]", id);
 }
 
-KTTEXTURE::KTTEXTURE(const KTTEXTURE &other) : KTREGISTERED<KTTEXTURE>(other) {
+KELTRA_COLD KTTEXTURE::KTTEXTURE(const KTTEXTURE &other) : KTREGISTERED<KTTEXTURE>(other) {
     unsigned char *shared = static_cast<unsigned char *>(keltra::retainBlock(other.bitmap));
     copyFields(other);
     bitmap = shared;
 }
 
-KTTEXTURE &KTTEXTURE::operator=(const KTTEXTURE &other) {
+KELTRA_COLD KTTEXTURE &KTTEXTURE::operator=(const KTTEXTURE &other) {
     if (this == &other) return *this;
     unsigned char *shared = static_cast<unsigned char *>(keltra::retainBlock(other.bitmap));
     unload(true);
@@ -107,7 +108,7 @@ KTTEXTURE &KTTEXTURE::operator=(const KTTEXTURE &other) {
 
 KTTEXTURE::~KTTEXTURE() { release(); }
 
-void KTTEXTURE::copyFields(const KTTEXTURE &other) {
+KELTRA_COLD void KTTEXTURE::copyFields(const KTTEXTURE &other) {
     id = other.id;
     std::memcpy(filename, other.filename, sizeof filename);
     timeStamp = other.timeStamp;
@@ -134,7 +135,7 @@ void KTTEXTURE::copyFields(const KTTEXTURE &other) {
     uploadedBpp = other.uploadedBpp;
 }
 
-bool KTTEXTURE::load(const char *name) {
+KELTRA_COLD bool KTTEXTURE::load(const char *name) {
     if (name && std::strcmp(name, kDynamicName) == 0) return true;
     const keltra::FilePath path(texturePath, name);
     keltra::FaultScope scope("KTTEXTURE::load", path.text);
@@ -165,7 +166,7 @@ bool KTTEXTURE::load(const char *name) {
 
 // Reads its file again. A failure is reported once, until the file can be read, and not at all for a name
 // that is not a file's.
-bool KTTEXTURE::loadAgain() {
+KELTRA_COLD bool KTTEXTURE::loadAgain() {
     if (toldMissing || *filename == '[') {
         const keltra::FaultSilence silence;
         return load(filename);
@@ -175,7 +176,7 @@ bool KTTEXTURE::loadAgain() {
     return load(filename);
 }
 
-bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int format) {
+KELTRA_COLD bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int format) {
     const char *const call = "KTTEXTURE::create";
     if (width > maxSize) return keltra::failRange(call, "sizeX", width, maxSize);
     if (height > maxSize) return keltra::failRange(call, "sizeY", height, maxSize);
@@ -200,7 +201,7 @@ bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int for
     return true;
 }
 
-bool KTTEXTURE::modify(const char *pixels, bool keepCopy) {
+KELTRA_COLD bool KTTEXTURE::modify(const char *pixels, bool keepCopy) {
     const char *const call = "KTTEXTURE::modify";
     if (!pixels) return keltra::failNull(call, "pixels");
     if (keepCopy) {
@@ -225,7 +226,7 @@ bool KTTEXTURE::modify(const char *pixels, bool keepCopy) {
     return true;
 }
 
-bool KTTEXTURE::reload() {
+KELTRA_COLD bool KTTEXTURE::reload() {
     forgetDeletedGLTexture();
     if (isLoaded()) return false;
     if (!bitmap) loadAgain();
@@ -233,7 +234,7 @@ bool KTTEXTURE::reload() {
     return true;
 }
 
-bool KTTEXTURE::setFilter(bool linear, bool withMipmaps, bool clampedToEdge) {
+KELTRA_COLD bool KTTEXTURE::setFilter(bool linear, bool withMipmaps, bool clampedToEdge) {
     trilinear = linear;
     mipmapped = withMipmaps;
     clamped = clampedToEdge;
@@ -295,4 +296,6 @@ KTTEXTURE *KTTEXTURE::findById(unsigned int wanted) { return findRegistered(want
 
 unsigned int KTTEXTURE::getNumberOfTextures() { return count(); }
 
-void KTTEXTURE::setPath(const char *path) { keltra::takeText(texturePath, path, "KTTEXTURE::setPath"); }
+KELTRA_COLD void KTTEXTURE::setPath(const char *path) {
+    keltra::takeText(texturePath, path, "KTTEXTURE::setPath");
+}

@@ -5,6 +5,7 @@
 #include <keltra/node.h>
 
 #include "foundation/argument.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "foundation/registry.h"
 #include "foundation/text.h"
@@ -83,7 +84,7 @@ class BoneTable {
 
 }  // namespace
 
-KTANIM::KTANIM()
+KELTRA_COLD KTANIM::KTANIM()
     : id(0),
       name(),
       translating(false),
@@ -97,7 +98,7 @@ KTANIM::KTANIM()
     keltra::writeName(name, "[anim %d]", id);
 }
 
-KTANIM::KTANIM(const KTANIM &other) : KTREGISTERED<KTANIM>(other) { copyFields(other); }
+KELTRA_COLD KTANIM::KTANIM(const KTANIM &other) : KTREGISTERED<KTANIM>(other) { copyFields(other); }
 
 KTANIM &KTANIM::operator=(const KTANIM &other) {
     if (this == &other) return *this;
@@ -111,7 +112,7 @@ KTANIM::~KTANIM() { delist(); }
 // Zeros are what the constructors of its parts give.
 void KTANIM::clearGrid() { std::memset(static_cast<void *>(keyframes), 0, sizeof keyframes); }
 
-void KTANIM::copyFields(const KTANIM &other) {
+KELTRA_COLD void KTANIM::copyFields(const KTANIM &other) {
     id = other.id;
     std::memcpy(name, other.name, sizeof name);
     translating = other.translating;
@@ -123,7 +124,7 @@ void KTANIM::copyFields(const KTANIM &other) {
     next = other.next;
 }
 
-bool KTANIM::cleanUp() { return destroyAll(&KTANIM::release); }
+KELTRA_COLD bool KTANIM::cleanUp() { return destroyAll(&KTANIM::release); }
 
 unsigned int KTANIM::getNumberOfAnims() { return count(); }
 
@@ -131,14 +132,16 @@ KTANIM *KTANIM::findByFilename(const char *text) { return findRegistered(text); 
 
 KTANIM *KTANIM::findById(unsigned int wanted) { return findRegistered(wanted); }
 
-void KTANIM::setKTAPath(const char *path) { keltra::takeText(ktaPath, path, "KTANIM::setKTAPath"); }
+KELTRA_COLD void KTANIM::setKTAPath(const char *path) {
+    keltra::takeText(ktaPath, path, "KTANIM::setKTAPath");
+}
 
-void KTANIM::setNumberOfFrames(unsigned int count) {
+KELTRA_COLD void KTANIM::setNumberOfFrames(unsigned int count) {
     if (count > maxFrames) keltra::warnRange("KTANIM::setNumberOfFrames", "count", count, maxFrames);
     numberOfFrames = static_cast<std::uint16_t>(std::min(count, maxFrames));
 }
 
-void KTANIM::setNumberOfBones(unsigned int count) {
+KELTRA_COLD void KTANIM::setNumberOfBones(unsigned int count) {
     if (count > maxBones) keltra::warnRange("KTANIM::setNumberOfBones", "count", count, maxBones);
     numberOfBones = static_cast<std::uint16_t>(std::min(count, maxBones));
 }
@@ -148,7 +151,7 @@ unsigned int KTANIM::bones() const { return std::min<unsigned int>(numberOfBones
 unsigned int KTANIM::frames() const { return std::min<unsigned int>(numberOfFrames, maxFrames); }
 
 // Deliberate: false even when the name was set; applications ported from earlier versions rely on it.
-bool KTANIM::setBoneName(unsigned int index, const char *text) {
+KELTRA_COLD bool KTANIM::setBoneName(unsigned int index, const char *text) {
     const char *const call = "KTANIM::setBoneName";
     if (!text) return keltra::failNull(call, "text");
     if (index >= maxBones) return keltra::failRange(call, "index", index, maxBones - 1);
@@ -160,7 +163,7 @@ const char *KTANIM::getBoneName(unsigned int index) const {
     return index < maxBones ? boneNames[index] : nullptr;
 }
 
-int KTANIM::findBoneByName(const char *text) const {
+KELTRA_COLD int KTANIM::findBoneByName(const char *text) const {
     if (!text) return -1;
     for (unsigned int i = 0; i < bones(); ++i)
         if (std::strcmp(boneNames[i], text) == 0) return static_cast<int>(i);
@@ -176,7 +179,7 @@ R3XVECTOR3D KTANIM::getFrameRotation(unsigned int frame, unsigned int bone) {
     return keyframe ? keyframe->rotation : R3XVECTOR3D();
 }
 
-bool KTANIM::acquireStructure(KTMESH *mesh) {
+KELTRA_COLD bool KTANIM::acquireStructure(KTMESH *mesh) {
     if (!mesh) return keltra::failNull("KTANIM::acquireStructure", "mesh");
     if (!mesh->numberOfBones || !mesh->bones)
         return keltra::failState("KTANIM::acquireStructure", "the mesh has no bones");
@@ -187,39 +190,39 @@ bool KTANIM::acquireStructure(KTMESH *mesh) {
 }
 
 // Deliberate: the frame one past the last is accepted; interpolation up to the end uses it as its target.
-KTBONEFRAME *KTANIM::settable(unsigned int frame, unsigned int bone) {
+KELTRA_COLD KTBONEFRAME *KTANIM::settable(unsigned int frame, unsigned int bone) {
     return frame <= frames() && bone < bones() ? &keyframes[frame][bone] : nullptr;
 }
 
-bool KTANIM::setFrame(unsigned int frame, unsigned int bone, float x, float y, float z) {
+KELTRA_COLD bool KTANIM::setFrame(unsigned int frame, unsigned int bone, float x, float y, float z) {
     KTBONEFRAME *keyframe = settable(frame, bone);
     if (!keyframe) return failKeyframe("KTANIM::setFrame", frame, frames(), bone, bones());
     keyframe->rotation.set(x, y, z);
     return keyframe->set = true;
 }
 
-bool KTANIM::setFrameRotationX(unsigned int frame, unsigned int bone, float degrees) {
+KELTRA_COLD bool KTANIM::setFrameRotationX(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
     if (!keyframe) return failKeyframe("KTANIM::setFrameRotationX", frame, frames(), bone, bones());
     keyframe->rotation.x = degrees;
     return keyframe->set = true;
 }
 
-bool KTANIM::setFrameRotationY(unsigned int frame, unsigned int bone, float degrees) {
+KELTRA_COLD bool KTANIM::setFrameRotationY(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
     if (!keyframe) return failKeyframe("KTANIM::setFrameRotationY", frame, frames(), bone, bones());
     keyframe->rotation.y = degrees;
     return keyframe->set = true;
 }
 
-bool KTANIM::setFrameRotationZ(unsigned int frame, unsigned int bone, float degrees) {
+KELTRA_COLD bool KTANIM::setFrameRotationZ(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
     if (!keyframe) return failKeyframe("KTANIM::setFrameRotationZ", frame, frames(), bone, bones());
     keyframe->rotation.z = degrees;
     return keyframe->set = true;
 }
 
-bool KTANIM::unsetFrame(unsigned int frame, unsigned int bone) {
+KELTRA_COLD bool KTANIM::unsetFrame(unsigned int frame, unsigned int bone) {
     KTBONEFRAME *keyframe = settable(frame, bone);
     if (!keyframe) return failKeyframe("KTANIM::unsetFrame", frame, frames(), bone, bones());
     if (!keyframe->set) return false;
@@ -227,12 +230,12 @@ bool KTANIM::unsetFrame(unsigned int frame, unsigned int bone) {
     return true;
 }
 
-void KTANIM::reset() {
+KELTRA_COLD void KTANIM::reset() {
     for (unsigned int frame = 0; frame < frames(); ++frame)
         for (unsigned int bone = 0; bone < bones(); ++bone) keyframes[frame][bone] = KTBONEFRAME();
 }
 
-bool KTANIM::createKeyframes(unsigned int first, unsigned int last) {
+KELTRA_COLD bool KTANIM::createKeyframes(unsigned int first, unsigned int last) {
     const char *const call = "KTANIM::createKeyframes";
     if (last > frames()) return keltra::failRange(call, "last", last, frames());
     // With `last` in range, `first` is too.

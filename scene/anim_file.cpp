@@ -2,6 +2,7 @@
 #include <keltra/anim.h>
 
 #include "formats/anim_record.h"
+#include "foundation/cold.h"
 #include "foundation/file_bytes.h"
 #include "foundation/text.h"
 #include "platform/platform.h"
@@ -120,7 +121,7 @@ bool KTANIM::load(const char *fileName) {
     return true;
 }
 
-bool KTANIM::save(const char *path) {
+KELTRA_COLD bool KTANIM::save(const char *path) {
     if (!path) return keltra::failNull("KTANIM::save", "path");
     Writer writer(path);
     writer.bytes(keltra::kAnimMagic, std::strlen(keltra::kAnimMagic));

@@ -9,6 +9,7 @@
 #include "core/glbridge.h"
 #include "core/holders.h"
 #include "formats/limits.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
 #include "resources/transparency.h"
@@ -116,7 +117,7 @@ void KTELEMENT::setNearestLight(unsigned int i, KTELEMENT *light) {
     nearestLight[i] = light;
 }
 
-bool KTELEMENT::init(unsigned int n) {
+KELTRA_COLD bool KTELEMENT::init(unsigned int n) {
     if (active) return keltra::failState("KTELEMENT::init", keltra::kActive);
     unsigned int capacity = n >= 1 && n <= maxElements ? n : maxElements;
     void *entries = keltra::allocate(capacity * static_cast<unsigned int>(sizeof(KTELEMENT)));
@@ -136,7 +137,7 @@ bool KTELEMENT::init(unsigned int n) {
     return true;
 }
 
-bool KTELEMENT::free() {
+KELTRA_COLD bool KTELEMENT::free() {
     if (!active) return keltra::failState("KTELEMENT::free", keltra::kInactive);
     vnfFree(element);
     vnfFree(elementPointer);

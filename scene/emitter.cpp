@@ -15,6 +15,7 @@
 #include "core/holders.h"
 #include "formats/blend_factor.h"
 #include "formats/limits.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
 #include "math/fixed.h"
@@ -149,7 +150,7 @@ KTPARTICLE::KTPARTICLE()
       energy(0.0f),
       used(false) {}
 
-KTEMITTER::KTEMITTER()
+KELTRA_COLD KTEMITTER::KTEMITTER()
     : emitterType(kPoint),
       initialized(false),
       numberOfParticles(0),
@@ -174,14 +175,14 @@ KTEMITTER::KTEMITTER()
     setIdentity(KT_EMITTER, "[emitter %d]");
 }
 
-KTEMITTER::KTEMITTER(const KTEMITTER &other) : KTNODE(other), KTLISTED<KTEMITTER>() {
+KELTRA_COLD KTEMITTER::KTEMITTER(const KTEMITTER &other) : KTNODE(other), KTLISTED<KTEMITTER>() {
     joinClass(KT_EMITTER);
     KTLISTED<KTEMITTER>::joinList(allEmitters);
     std::fill(slot, slot + maxParticles, -1);
     copyEmitter(other);
 }
 
-KTEMITTER &KTEMITTER::operator=(const KTEMITTER &other) {
+KELTRA_COLD KTEMITTER &KTEMITTER::operator=(const KTEMITTER &other) {
     if (this == &other) return *this;
     KTNODE::operator=(other);
     releaseSlots(0);
@@ -196,7 +197,7 @@ KTEMITTER::~KTEMITTER() {
 }
 
 // Copies everything but the particles, which the other keeps.
-void KTEMITTER::copyEmitter(const KTEMITTER &other) {
+KELTRA_COLD void KTEMITTER::copyEmitter(const KTEMITTER &other) {
     emitterType = other.emitterType;
     initialized = false;
     numberOfParticles = other.numberOfParticles;
@@ -220,7 +221,7 @@ void KTEMITTER::copyEmitter(const KTEMITTER &other) {
     blendingDst = other.blendingDst;
 }
 
-bool KTEMITTER::init() {
+KELTRA_COLD bool KTEMITTER::init() {
     if (particle) return keltra::failState("KTEMITTER::init", keltra::kActive);
     particle = newRecords<KTPARTICLE>(poolSize);
     vertexArray = newRecords<R3XVECTOR4D>(kVertices);
@@ -241,7 +242,7 @@ bool KTEMITTER::init() {
     return true;
 }
 
-bool KTEMITTER::free() {
+KELTRA_COLD bool KTEMITTER::free() {
     if (!particle) return keltra::failState("KTEMITTER::free", keltra::kInactive);
     KTLISTED<KTEMITTER>::visitList(allEmitters, ~0u, [](KTEMITTER &emitter) {
         emitter.releaseSlots(0);
@@ -252,7 +253,7 @@ bool KTEMITTER::free() {
     return true;
 }
 
-void KTEMITTER::freeArrays() {
+KELTRA_COLD void KTEMITTER::freeArrays() {
     cleared = 0;
     freeRecords(particle);
     freeRecords(vertexArray);
@@ -261,17 +262,17 @@ void KTEMITTER::freeArrays() {
     freeRecords(colorArray);
 }
 
-void KTEMITTER::setColorStart(R3XVECTOR3D value) {
+KELTRA_COLD void KTEMITTER::setColorStart(R3XVECTOR3D value) {
     colorStart = value;
     colorDelta = colorEnd - colorStart;
 }
 
-void KTEMITTER::setColorEnd(R3XVECTOR3D value) {
+KELTRA_COLD void KTEMITTER::setColorEnd(R3XVECTOR3D value) {
     colorEnd = value;
     colorDelta = colorEnd - colorStart;
 }
 
-void KTEMITTER::setNumberOfParticles(int number) {
+KELTRA_COLD void KTEMITTER::setNumberOfParticles(int number) {
     numberOfParticles = number;
     const int wanted = clampedNumber(number);
     releaseSlots(static_cast<unsigned int>(wanted));
@@ -296,7 +297,7 @@ KTPARTICLE *KTEMITTER::heldParticle(unsigned int index) const {
     return particle && record < poolSize ? particle + record : nullptr;
 }
 
-void KTEMITTER::releaseSlots(unsigned int kept) {
+KELTRA_COLD void KTEMITTER::releaseSlots(unsigned int kept) {
     for (unsigned int i = kept; i < maxParticles; ++i) {
         KTPARTICLE *held = heldParticle(i);
         if (held && held->used) {
@@ -309,7 +310,7 @@ void KTEMITTER::releaseSlots(unsigned int kept) {
 
 // Deliberate: with too few free records the emitter keeps those that it got and does not retry; applications
 // rely on success.
-bool KTEMITTER::initialize() {
+KELTRA_COLD bool KTEMITTER::initialize() {
     if (!particle) return keltra::failState("KTEMITTER::initialize", keltra::kInactive);
     if (numberOfParticles != clampedNumber(numberOfParticles))
         keltra::warnRange("KTEMITTER::initialize", "numberOfParticles", numberOfParticles, maxParticles);

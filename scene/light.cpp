@@ -6,6 +6,7 @@
 #include <keltra/mesh.h>
 
 #include "core/gl_state.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
 #include "math/soft_arm.h"
@@ -50,7 +51,7 @@ R3XVECTOR3D directionTo(const R3XVECTOR3D &point, const R3XVECTOR3D &eye, float 
 
 }  // namespace
 
-KTLIGHT::KTLIGHT()
+KELTRA_COLD KTLIGHT::KTLIGHT()
     : lightType(KT_LIGHT_POINT),
       ambient(0.2f, 0.2f, 0.2f, 1.0f),
       diffuse(0.7f, 0.7f, 0.7f, 1.0f),
@@ -68,7 +69,7 @@ KTLIGHT::KTLIGHT()
     setIdentity(KT_LIGHT, "[light %d]");
 }
 
-KTLIGHT::KTLIGHT(const KTLIGHT &other) : KTNODE(other), parameters() {
+KELTRA_COLD KTLIGHT::KTLIGHT(const KTLIGHT &other) : KTNODE(other), parameters() {
     joinClass(KT_LIGHT);
     *this = other;
 }

@@ -12,6 +12,7 @@
 
 #include "core/gl_state.h"
 #include "foundation/block.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
 #include "resources/transparency.h"
@@ -197,7 +198,7 @@ bool KTMESH::isMadeFrom(const SOURCE &source, const void *array) const {
 }
 
 // Each edge of each triangle; edges that triangles share are drawn with both.
-bool KTMESH::makeLineIndices() {
+KELTRA_COLD bool KTMESH::makeLineIndices() {
     if (!faces || numberOfFaces == 0) return false;
     if (lineIndices && isMadeFrom(linesMadeFrom, faces)) return true;
     keltra::releaseBlock(lineIndices);
@@ -239,7 +240,7 @@ bool KTMESH::makeNormalLines(const DRAWING &drawing) {
     return true;
 }
 
-void KTMESH::drawNormals(const DRAWING &drawing) {
+KELTRA_COLD void KTMESH::drawNormals(const DRAWING &drawing) {
     if (!makeNormalLines(drawing)) return;
     KTOPENGL::vertexArrayOn();
     KTOPENGL::normalArrayOff();

@@ -4,6 +4,7 @@
 #include "core/holders.h"
 #include "foundation/argument.h"
 #include "foundation/block.h"
+#include "foundation/cold.h"
 #include "foundation/registry.h"
 
 #include <cstring>
@@ -52,7 +53,7 @@ KTNODE::KTNODE()
 
 KTNODE::KTNODE(bool) : KTNODE() {}
 
-KTNODE::KTNODE(const KTNODE &other)
+KELTRA_COLD KTNODE::KTNODE(const KTNODE &other)
     : KTREGISTERED<KTNODE>(other),
       KTLISTED<KTNODE>(),
       KTLISTED<KTNODE, keltra::Aiming>(),
@@ -68,7 +69,7 @@ KTNODE::KTNODE(const KTNODE &other)
     borrow(nullptr);
 }
 
-KTNODE &KTNODE::operator=(const KTNODE &other) {
+KELTRA_COLD KTNODE &KTNODE::operator=(const KTNODE &other) {
     if (this == &other) return *this;
     KTNODE *const listing = lister();
     if (children != other.children) abandonChildren();
@@ -93,7 +94,7 @@ KTNODE::~KTNODE() {
 
 bool KTNODE::render(void *) { return false; }
 
-void KTNODE::copyFields(const KTNODE &other) {
+KELTRA_COLD void KTNODE::copyFields(const KTNODE &other) {
     id = other.id;
     auxId = other.auxId;
     std::memcpy(name, other.name, sizeof name);
@@ -118,7 +119,7 @@ void KTNODE::copyFields(const KTNODE &other) {
     taken = other.taken;
 }
 
-void KTNODE::setIdentity(unsigned int typeCode, const char *pattern) {
+KELTRA_COLD void KTNODE::setIdentity(unsigned int typeCode, const char *pattern) {
     type = typeCode;
     keltra::writeName(name, pattern, id);
     nameChanged();
@@ -146,7 +147,7 @@ void KTNODE::forgetEverywhere() {
     }
 }
 
-bool KTNODE::cleanUp() { return destroyAll(&KTNODE::release); }
+KELTRA_COLD bool KTNODE::cleanUp() { return destroyAll(&KTNODE::release); }
 
 unsigned int KTNODE::getNumberOfNodes() { return count(); }
 
@@ -158,9 +159,9 @@ KTNODE *KTNODE::getPreviousNode() const { return isRegistered() ? registeredPrev
 
 KTNODE *KTNODE::findByName(const char *wanted) { return findRegistered(wanted); }
 
-KTNODE *KTNODE::findById(unsigned int wanted) { return findRegistered(wanted); }
+KELTRA_COLD KTNODE *KTNODE::findById(unsigned int wanted) { return findRegistered(wanted); }
 
-void KTNODE::setName(const char *text) {
+KELTRA_COLD void KTNODE::setName(const char *text) {
     if (keltra::takeName(name, text, "KTNODE::setName")) nameChanged();
 }
 
@@ -198,7 +199,7 @@ void KTNODE::rotate(R3XVECTOR3D step) { rotation += step; }
 void KTNODE::setTargetNode(KTNODE *node) { aimAt(node); }
 
 // Aiming at itself is how a node aims at its fixed target; that pointer dies with the node.
-void KTNODE::aimAt(KTNODE *node) {
+KELTRA_COLD void KTNODE::aimAt(KTNODE *node) {
     using Aimer = KTLISTED<KTNODE, keltra::Aiming>;
     targetNode = node;
     if (node && node != this)

@@ -5,6 +5,7 @@
 
 #include "core/glbridge.h"
 #include "foundation/block.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "scene/local_transform.h"
 #include "scene/tree_walk.h"
@@ -108,7 +109,7 @@ R3XMATRIX KTNODE::getFinalMatrix(const char *stopName) {
     return result;
 }
 
-void KTNODE::displayTreeRecursive(KTNODE *node, int indent) {
+KELTRA_COLD void KTNODE::displayTreeRecursive(KTNODE *node, int indent) {
     if (!node) return void(keltra::failNull("KTNODE::displayTreeRecursive", "node"));
     char blanks[kMaxIndent + 1];
     std::memset(blanks, ' ', kMaxIndent);

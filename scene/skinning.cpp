@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Zlib
 #include "scene/skinning.h"
+#include "foundation/cold.h"
 
 #include <keltra/mesh.h>
 #include <keltra/shader.h>
@@ -47,7 +48,7 @@ void fillShaderBones(unsigned int boneCount) {
 
 }  // namespace
 
-bool KTMESH::resetBones(KTNODE *root) {
+KELTRA_COLD bool KTMESH::resetBones(KTNODE *root) {
     if (!root) return keltra::failNull("KTMESH::resetBones", "root");
     keltra::BoneFinder(root).bind(*this);
     return true;
