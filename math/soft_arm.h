@@ -52,6 +52,11 @@ extern "C" __attribute__((visibility("hidden"))) bool keltraCorners(std::uint32_
 // fourth row of `t` is 0 0 0 1 and zeros are accepted; false when nothing was done.
 extern "C" __attribute__((visibility("hidden"))) bool keltraTranslate(const float *place, float *t);
 
+// The product of R3XMATRIX of two matrices whose last rows are 0 0 0 1, without other zeros. False when not
+// all of it is there; `result` is lost then.
+extern "C" __attribute__((visibility("hidden"))) bool keltraMultiply(const float *a, const float *b,
+                                                                     float *result);
+
 // `fours` times four floats to 16.16 as toFixed does, and copies them. The copy may be where the results go.
 extern "C" __attribute__((visibility("hidden"))) void keltraToFixed(const float *values, void *copy,
                                                                     std::int32_t *fixed, unsigned int fours);

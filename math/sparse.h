@@ -219,6 +219,9 @@ inline bool translateBy(float x, float y, float z, float *t) {
 
 // result := a x b in the order of R3XMATRIX, for two placements; `result` is neither of them.
 inline bool multiplyPlacements(const float *a, const float *b, float *result) {
+#if defined(KELTRA_SOFT_ARM)
+    if (keltraMultiply(a, b, result)) return true;
+#endif
     const Placement first = placementOf(a), second = placementOf(b);
     if (first == Placement::kNone || second == Placement::kNone) return false;
     const bool dense = first == Placement::kDense && second == Placement::kDense;

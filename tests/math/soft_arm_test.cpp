@@ -128,6 +128,10 @@ TEST(SoftArmTest, TranslationsAreThePlainOnes) {
             if (k % 4 < 3) t[k] = zeros >> (8 + k) & 1 ? floatOf(zeros << k & kSignBit) : any();
         t[15] = 1.0f;
         if (i % 11 == 0) t[12] = -(place[0] * t[0]);
+        if (i % 13 == 0) {
+            place[1] = -place[0];
+            t[4] = t[0];
+        }
         if (i % 1000 == 0) t[3] = floatOf(kSignBit);
         float before[16], expected[3];
         std::copy(t, t + 16, before);
@@ -149,6 +153,47 @@ TEST(SoftArmTest, TranslationsAreThePlainOnes) {
             if (done && isZero(t[12 + k])) {
                 ASSERT_EQ(bitsOf(t[12 + k]), bitsOf(expected[k]));
             }
+        }
+    }
+}
+
+TEST(SoftArmTest, ProductsOfMatricesAreThePlainOnes) {
+    Operand any;
+    std::uniform_real_distribution<float> ordinary(-40.0f, 40.0f);
+    Comparison elements[16];
+    for (int i = 0; i < kTimes / 2; ++i) {
+        float a[16] = {}, b[16] = {}, result[16] = {};
+        for (int k = 0; k < 15; ++k) {
+            if (k % 4 == 3) continue;
+            a[k] = i % 8 ? ordinary(any.random) : any();
+            b[k] = i % 8 ? ordinary(any.random) : any();
+            if (i % 4 == 1 && any.random() % 3 == 0) a[k] = floatOf(any.random() & kSignBit);
+            if (i % 4 < 2 && any.random() % 3 == 0) b[k] = floatOf(any.random() & kSignBit);
+        }
+        // Sums of two and of three products that are zero, and one that the translation makes zero.
+        if (i % 3 == 0) {
+            a[1] = -a[0];
+            b[4] = b[0];
+        }
+        if (i % 9 == 0) a[2] = b[12] = 0.0f;
+        if (i % 27 == 1) {
+            a[13] = a[14] = 0.0f;
+            b[13] = -(a[12] * b[1]);
+        }
+        a[15] = b[15] = i % 1000 ? 1.0f : 2.0f;
+        const bool done = keltraMultiply(a, b, result);
+        ASSERT_FALSE(done && i % 1000 == 0) << "the last row is another";
+        for (int k = 0; k < 16; ++k) {
+            const float *column = a + k / 4 * 4, *row = b + k % 4;
+            const volatile float x = column[0] * row[0], y = column[1] * row[4], z = column[2] * row[8];
+            const volatile float xy = x + y, xyz = xy + z;
+            if (done && k % 4 == 3) {
+                ASSERT_EQ(result[k], k == 15 ? 1.0f : 0.0f);
+            }
+            const bool first = k % 4 == 3;
+            elements[k].add(done ? bitsOf(first ? 1.0f : result[k]) : 0, first    ? 1.0f
+                                                                         : k < 12 ? xyz
+                                                                                  : xyz + row[12]);
         }
     }
 }
