@@ -49,6 +49,25 @@ R3XVECTOR3D directionTo(const R3XVECTOR3D &point, const R3XVECTOR3D &eye, float 
     return R3XVECTOR3D(way.x, way.y, way.z);
 }
 
+// In the light's own frame.
+void loadPlace(unsigned int unit, const KTLIGHT &light) {
+    static const GLfixed origin[4] = {0, 0, 0, kOne}, nowhere[4] = {0, 0, 0, 0};
+    const GLfixed *place = origin, *spot = origin;
+    GLfixed own[4] = {0, 0, 0, kOne};
+    if (light.lightType == KT_LIGHT_DIRECTIONAL) {
+        const R3XVECTOR3D toLight = -light.direction;
+        keltra::toFixed(&toLight.x, own, 3);
+        own[3] = 0;
+        place = own;
+        spot = nowhere;
+    } else if (light.lightType == KT_LIGHT_SPOT) {
+        keltra::toFixed(&light.direction.x, own, 3);
+        spot = own;
+    }
+    glLightxv(unit, GL_POSITION, place);
+    glLightxv(unit, GL_SPOT_DIRECTION, spot);
+}
+
 }  // namespace
 
 KELTRA_COLD KTLIGHT::KTLIGHT()
@@ -101,30 +120,21 @@ bool KTLIGHT::render(void *data) {
     if (element->param1 >= kGlLights)
         return keltra::failRange("KTLIGHT::render", "param1", element->param1, kGlLights - 1);
 
-    R3XVECTOR3D eye = transformMode == 1 ? matrix.getTranslation() : position;
-    // Deliberate: the fourth component differs, 0 here and 1 there. A light that aims at a node close by gets
-    // a shorter direction; scenes have been lit with it.
-    if (targetNode == this)
-        direction = directionTo(target, eye, 0.0f);
-    else if (targetNode)
-        direction = directionTo(targetNode->getFinalMatrix(nullptr).getTranslation(), eye, 1.0f);
-
+    if (targetNode) {
+        const R3XVECTOR3D eye = transformMode == 1 ? matrix.getTranslation() : position;
+        // Deliberate: the fourth component differs, 0 here and 1 there. A light that aims at a node close by
+        // gets a shorter direction; scenes have been lit with it.
+        direction = targetNode == this
+                        ? directionTo(target, eye, 0.0f)
+                        : directionTo(targetNode->getFinalMatrix(nullptr).getTranslation(), eye, 1.0f);
+    }
     if (!lighting) lightingOn();
     const GLenum unit = GL_LIGHT0 + element->param1;
     glEnable(unit);
     loadParameters(unit);
     keltra::loadMatrixAgain(element->matrix.m);
     keltra::applyRotation(rotation);
-    GLfixed place[4] = {0, 0, 0, kOne}, spot[4] = {0, 0, 0, kOne};
-    if (lightType == KT_LIGHT_DIRECTIONAL) {
-        const R3XVECTOR3D toLight = -direction;
-        keltra::toFixed(&toLight.x, place, 3);
-        place[3] = spot[3] = 0;
-    } else if (lightType == KT_LIGHT_SPOT) {
-        keltra::toFixed(&direction.x, spot, 3);
-    }
-    glLightxv(unit, GL_POSITION, place);
-    glLightxv(unit, GL_SPOT_DIRECTION, spot);
+    loadPlace(unit, *this);
     return true;
 }
 
