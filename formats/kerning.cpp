@@ -23,6 +23,7 @@ unsigned int characterKey(const char *name) {
 
 // The length of the named key at `name`, behind the prefix; 0 for another one.
 std::size_t namedKey(const char *name, unsigned int named) {
+    if (*name != *kKerningNames[named]) return 0;
     const std::size_t length = std::strlen(kKerningNames[named]);
     return std::strncmp(name, kKerningNames[named], length) == 0 ? length : 0;
 }

@@ -242,6 +242,14 @@ void escape(keltra::TextToken token, const char *text, Pen &pen) {
     if (token == TextToken::kMoveY) pen.moveY(keltra::escapeNumber(text));
 }
 
+// The format that widgets use, for which nothing is formatted.
+bool isText(const char *format) { return format[0] == '%' && format[1] == 's' && format[2] == '\0'; }
+
+// Null for a text that would be cut, and for none.
+const char *shortText(const char *text) {
+    return text && std::memchr(text, 0, KTFONT::maxCharacters) ? text : nullptr;
+}
+
 }  // namespace
 
 KELTRA_COLD KTFONT::KTFONT() : texture(nullptr), kerning(), charSizeX(16), charSizeY(16), toldMissing(false) {
@@ -416,16 +424,19 @@ bool KTFONT::putString(int x, int y, const char *format, ...) {
     markHeld();
     if (!texture) return failTexture(call);
     bind(*texture);
-    char text[maxCharacters];
+    char formatted[maxCharacters];
     std::va_list arguments;
     va_start(arguments, format);
-    const int length = std::vsnprintf(text, sizeof text, format, arguments);
+    const char *text = isText(format) ? shortText(va_arg(arguments, const char *)) : nullptr;
+    va_end(arguments);
+    va_start(arguments, format);
+    const int length = text ? 0 : std::vsnprintf(formatted, sizeof formatted, format, arguments);
     va_end(arguments);
     if (length < 0) return keltra::failFormat(call);
     setCurrentColor(255, 255, 255, 255);
     fontCachedFlushed = false;
     const unsigned int start = freeSlot();
-    queueText(x, y, text);
+    queueText(x, y, text ? text : formatted);
     if (fontCachedCurrent <= start && !fontCachedFlushed) return true;
     // Deliberate: after a full batch the number of glyphs queued before this string is subtracted again, and
     // as many glyphs at its end are not drawn; applications rely on what is shown.
