@@ -11,8 +11,10 @@
 #include "tools/convert/names.h"
 #include "tools/convert/rig.h"
 #include "tools/convert/scene_builder.h"
+#include "tools/convert/source_format.h"
 #include "tools/convert/textures.h"
 
+#include <assimp/config.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 #include <assimp/Importer.hpp>
@@ -132,6 +134,7 @@ Model::Model(const Options &options, const Progress &progress)
     importer->SetIOHandler(files);
     checkFile(options.model);
     if (isGltfFile(options.model)) prepareGltf(options.model);
+    importer->SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UP_DIRECTION, options.up != 0);
     importer->SetProgressHandler(new ImportProgress(progress));  // the importer deletes it
     read = importer->ReadFile(options.model, kSteps);
     if (!read && !files->outOfReach().empty())
@@ -162,15 +165,17 @@ Conversion convertModel(const Options &options, const Progress &progress) {
     const Model model(options, progress);
     const aiScene &scene = model.scene();
 
-    // First at its own size, which decides the scale.
-    Report unscaled;
-    auto rig = std::make_unique<Rig>(scene, 1.0, unscaled);
-    const double scale = options.scale > 0.0 ? options.scale : chooseScale(boundsOf(scene, *rig));
     Conversion conversion;
     Report &report = conversion.report;
     model.tell(report);
-    rig = std::make_unique<Rig>(scene, scale, report);
-    report.scale = scale;
+    const SourceSpace space = spaceOf(scene, options, report);
+    const Matrix metric = space.upright * scaling(space.metres);
+    // First at its own size, which decides the scale.
+    Report unscaled;
+    auto rig = std::make_unique<Rig>(scene, metric, unscaled);
+    const double scale = options.scale > 0.0 ? options.scale : chooseScale(boundsOf(scene, *rig));
+    rig = std::make_unique<Rig>(scene, metric * scaling(scale), report);
+    report.scale = space.metres * scale;
     const Box box = boundsOf(scene, *rig);
     report.size = box.diagonal();
     if (options.scale <= 0.0 && scale != 1.0)

@@ -120,7 +120,8 @@ void describe(CLI::App &app, Arguments &arguments) {
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_flag("--normal-maps", options.normalMaps, "Also write normal maps, for devices with shaders")
         ->excludes(texture);
-    check(app.add_option("--scale", options.scale, "Factor for all lengths; default: what the range needs"),
+    check(app.add_option("--scale", options.scale,
+                         "Factor for lengths in metres; default: what the range needs"),
           checkScale)
         ->excludes(texture);
     const std::map<std::string, BackSides> sides = {
@@ -138,6 +139,10 @@ void describe(CLI::App &app, Arguments &arguments) {
           checkBudgetText)
         ->capture_default_str();
     app.add_flag("--fit", options.fit, "Reduce triangles and pictures to the budget");
+    app.add_option("--up", options.up, "The model's axis that points upward; default: as its format says")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, char>{{"X", 'X'}, {"Y", 'Y'}, {"Z", 'Z'}},
+                                            CLI::ignore_case))
+        ->excludes(texture);
     check(app.add_option("--timeout", arguments.seconds, "Stop after that many seconds"), checkTimeout)
         ->capture_default_str();
     app.add_flag("--strict", options.strict,

@@ -17,10 +17,6 @@ namespace {
 constexpr double kDefaultTicks = 25.0;  // per second, for animations without a rate
 constexpr char kPostRotation[] = "_PostRotation";
 
-bool endsWith(const std::string &text, const std::string &end) {
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
 bool isFinite(const aiVector3D &v) { return std::isfinite(v.x + v.y + v.z); }
 bool isFinite(const aiQuaternion &q) { return std::isfinite(q.w + q.x + q.y + q.z); }
 
@@ -78,8 +74,7 @@ Motion::Motion(const aiAnimation &animation, const Rig &rig) : rig(rig) {
             std::max({ticks, lastTime(track.positions), lastTime(track.rotations), lastTime(track.scales)});
     }
     findReplaced();
-    // Importers that do not know the duration give 0, -1 or arbitrary values.
-    if (std::isfinite(animation.mDuration) && animation.mDuration > 0.0) ticks = animation.mDuration;
+    // The duration that importers give is arbitrary: some leave it out, some count other ticks.
     const double rate = animation.mTicksPerSecond;
     ticksPerSecond = std::isfinite(rate) && rate > 0.0 ? rate : kDefaultTicks;
     length = ticks / ticksPerSecond;

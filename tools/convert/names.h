@@ -20,6 +20,8 @@ std::string cleanText(const std::string &text);
 // become '_'. At most 64 characters; never empty, never with a dot at its beginning or end.
 std::string fileName(const std::string &text);
 
+bool endsWith(const std::string &text, const std::string &end);
+
 // The default name of a model's output files: its file name without folder and extension, as a file name.
 std::string fileStem(const std::string &path);
 

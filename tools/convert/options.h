@@ -33,7 +33,8 @@ struct Options {
     Budget budget;
     bool fit = false;  // reduces triangles and pictures to the budget
     bool strict = false;  // nothing is written when anything was dropped, changed, missing or warned of
-    double scale = 0.0;   // of all lengths; 0 for 1, or a power of ten that brings the model into 16.16
+    double scale = 0.0;   // of lengths in metres; 0 for 1, or a power of ten that brings the model into 16.16
+    char up = 0;          // the model's axis that points upward: 'X', 'Y', 'Z'; 0 for what its format says
 };
 
 // A model that cannot be converted, and why: one line, without the file's name.

@@ -63,6 +63,7 @@ struct Report {
     std::uint64_t missing = 0;          // files and pictures that the model names and that were not read
     std::vector<std::string> warnings;  // results that the user should check
     std::vector<std::string> notes;     // changes that the user may not expect
+    std::vector<std::string> source;    // what the file says of itself: its unit, its axes, named frames
     std::vector<std::string> inputs;    // paths of all files that were read
 
     void drop(const std::string &what, std::uint64_t count, const std::string &why) {
@@ -77,6 +78,7 @@ struct Report {
     }
     void warn(const std::string &text) { warnings.push_back(text); }
     void note(const std::string &text) { notes.push_back(text); }
+    void tell(const std::string &text) { source.push_back(text); }
 
     Tally tally() const {
         Tally tally;

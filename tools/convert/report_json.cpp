@@ -79,6 +79,7 @@ static void to_json(Json &json, const Report &report) {
     json["missing"] = report.missing;
     json["warnings"] = report.warnings;
     json["notes"] = report.notes;
+    json["source"] = report.source;
     json["inputs"] = report.inputs;
     json["total"] = report.tally();
 }
@@ -96,6 +97,7 @@ static void from_json(const Json &json, Report &report) {
     json.at("missing").get_to(report.missing);
     json.at("warnings").get_to(report.warnings);
     json.at("notes").get_to(report.notes);
+    json.at("source").get_to(report.source);
     json.at("inputs").get_to(report.inputs);
 }
 

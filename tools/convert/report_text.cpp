@@ -177,6 +177,7 @@ std::string textOf(const std::string &model, const std::string &folder, const Ou
     put(text, "dropped", countedLines(report.dropped));
     put(text, "changed", countedLines(report.changed));
     put(text, "warnings", printableAll(report.warnings));
+    put(text, "source", printableAll(report.source));
     put(text, "notes", printableAll(report.notes));
     put(text, "in all", {countsOf(report.tally())});
     return text;

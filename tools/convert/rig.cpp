@@ -48,7 +48,8 @@ std::vector<std::pair<const aiNode *, const aiNode *>> listNodes(const aiNode *r
 
 }  // namespace
 
-Rig::Rig(const aiScene &scene, double scale, Report &report) : scene(scene), scale(scale), report(report) {
+Rig::Rig(const aiScene &scene, const Matrix &place, Report &report)
+    : scene(scene), place(place), report(report) {
     readNodes();
     readMotion();
     bindSkins();
@@ -98,7 +99,7 @@ void Rig::readBelow(const std::map<const aiNode *, std::vector<const aiNode *>> 
         source.node = node;
         source.parent = parent;
         source.local = widened(node->mTransformation);
-        source.world = (parent == kNone ? scaling(scale) : sources[parent].world) * source.local;
+        source.world = (parent == kNone ? place : sources[parent].world) * source.local;
         sources.push_back(source);
         const auto below = children.find(node);
         if (below == children.end()) continue;
@@ -231,7 +232,7 @@ void Rig::markSkeleton() {
 void Rig::pose(const std::vector<Matrix> &locals, std::vector<Matrix> &worlds) const {
     worlds.resize(sources.size());
     for (std::size_t s = 0; s < sources.size(); ++s)
-        worlds[s] = (sources[s].parent == kNone ? scaling(scale) : worlds[sources[s].parent]) * locals[s];
+        worlds[s] = (sources[s].parent == kNone ? place : worlds[sources[s].parent]) * locals[s];
 }
 
 Matrix Rig::localFrame(unsigned joint, const std::vector<Matrix> &frames) const {

@@ -73,8 +73,8 @@ struct RigidMesh {
 
 class Rig {
    public:
-    // Lengths are multiplied by `scale`. Throws Refusal.
-    Rig(const aiScene &scene, double scale, Report &report);
+    // `place` is applied to the whole model: a rotation and a scale. Throws Refusal.
+    Rig(const aiScene &scene, const Matrix &place, Report &report);
 
     // The world matrices of all source nodes for the given local ones, in their order.
     void pose(const std::vector<Matrix> &locals, std::vector<Matrix> &worlds) const;
@@ -110,7 +110,7 @@ class Rig {
     void placeRigidMeshes();
 
     const aiScene &scene;
-    const double scale;
+    const Matrix place;
     Report &report;
     double size = 0.0;
     std::map<std::string, int> byName;

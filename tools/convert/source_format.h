@@ -2,7 +2,11 @@
 #ifndef KELTRA_CONVERT_SOURCE_FORMAT_H
 #define KELTRA_CONVERT_SOURCE_FORMAT_H
 
-// What a model's format, and its file, say about the whole of it.
+// What a model's format, and its file, say about the whole of it: its unit and which way is up.
+
+#include "tools/convert/options.h"
+#include "tools/convert/report.h"
+#include "tools/convert/transform.h"
 
 #include <string>
 
@@ -14,6 +18,14 @@ constexpr char kFbxImporter[] = "Autodesk FBX Importer";
 
 // The name of the importer that read the model, as assimp has it; empty for a scene that none has read.
 std::string importerOf(const aiScene &scene);
+
+struct SourceSpace {
+    double metres = 1.0;  // that a unit of the importer's scene has
+    Matrix upright;       // the rotation that makes Y up
+};
+
+// The options can say which axis is up. Notes what was found in the report.
+SourceSpace spaceOf(const aiScene &scene, const Options &options, Report &report);
 
 }  // namespace keltra::convert
 

@@ -66,6 +66,7 @@ class ConvertTest : public SceneTest {
         const auto has = [&word](const std::string &text) { return text.find(word) != std::string::npos; };
         return std::any_of(report.warnings.begin(), report.warnings.end(), has) ||
                std::any_of(report.notes.begin(), report.notes.end(), has) ||
+               std::any_of(report.source.begin(), report.source.end(), has) ||
                std::any_of(
                    report.dropped.begin(), report.dropped.end(),
                    [&](const convert::Dropped &dropped) { return has(dropped.what) || has(dropped.why); });

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/support/source_pose.h"
 
+#include <assimp/commonMetaData.h>
 #include <assimp/postprocess.h>
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 
@@ -88,11 +90,24 @@ Matrix localMatrix(const aiNode &node, const aiNodeAnim *channel, double ticks) 
 
 Point pointOf(const Vector &v) { return {v.x, v.y, v.z}; }
 
+// Formats whose importer leaves the axes as they are in the file.
+bool hasZUp(const aiScene &scene) {
+    aiString importer;
+    if (!scene.mMetaData || !scene.mMetaData->Get(AI_METADATA_SOURCE_FORMAT, importer)) return false;
+    const std::string name = importer.C_Str();
+    std::int32_t axis = 1;
+    if (name.find("FBX") != std::string::npos) return scene.mMetaData->Get("UpAxis", axis) && axis == 2;
+    const char *const parts[] = {"3mf", "Blender", "HMP", "Quick3D", "TrueSpace", "SMD"};
+    return std::any_of(std::begin(parts), std::end(parts),
+                       [&name](const char *part) { return name.find(part) != std::string::npos; });
+}
+
 }  // namespace
 
 SourcePose::SourcePose(const std::string &path) {
     read = importer.ReadFile(path, aiProcess_Triangulate);
     if (!read || !read->mRootNode) throw std::runtime_error(importer.GetErrorString());
+    zIsUp = hasZUp(*read);
     addInstances(*read->mRootNode);
     findSolids();
 }
@@ -104,16 +119,17 @@ bool SourcePose::isSkinned() const {
 
 double SourcePose::seconds(unsigned clip) const {
     const aiAnimation &animation = *read->mAnimations[clip];
-    double ticks = animation.mDuration;
-    // Some importers leave the duration out.
-    for (unsigned c = 0; !(animation.mDuration > 0.0) && c < animation.mNumChannels; ++c) {
+    double ticks = 0.0;
+    // The duration that importers give is arbitrary: a clip ends at its last key.
+    for (unsigned c = 0; c < animation.mNumChannels; ++c) {
         const aiNodeAnim &channel = *animation.mChannels[c];
-        if (channel.mNumPositionKeys)
-            ticks = std::max(ticks, channel.mPositionKeys[channel.mNumPositionKeys - 1].mTime);
-        if (channel.mNumRotationKeys)
-            ticks = std::max(ticks, channel.mRotationKeys[channel.mNumRotationKeys - 1].mTime);
-        if (channel.mNumScalingKeys)
-            ticks = std::max(ticks, channel.mScalingKeys[channel.mNumScalingKeys - 1].mTime);
+        if (!read->mRootNode->FindNode(channel.mNodeName)) continue;
+        for (unsigned k = 0; k < channel.mNumPositionKeys; ++k)
+            ticks = std::max(ticks, channel.mPositionKeys[k].mTime);
+        for (unsigned k = 0; k < channel.mNumRotationKeys; ++k)
+            ticks = std::max(ticks, channel.mRotationKeys[k].mTime);
+        for (unsigned k = 0; k < channel.mNumScalingKeys; ++k)
+            ticks = std::max(ticks, channel.mScalingKeys[k].mTime);
     }
     return std::max(ticks, 0.0) / ticksPerSecond(animation);
 }
@@ -233,6 +249,8 @@ class Globals {
 
 }  // namespace
 
+Point SourcePose::upright(const Point &p) const { return zIsUp ? Point{p.x, p.z, -p.y} : p; }
+
 Shape SourcePose::at(int clip, double seconds) const {
     const aiAnimation *animation = clip < 0 ? nullptr : read->mAnimations[clip];
     Globals globals(*read, animation, animation ? seconds * ticksPerSecond(*animation) : 0.0);
@@ -244,7 +262,7 @@ Shape SourcePose::at(int clip, double seconds) const {
         for (std::size_t v = 0; v < instance.vertices.size(); ++v) {
             const Vector vertex = doubled(instance.mesh->mVertices[instance.vertices[v]]);
             if (instance.influences.empty() || instance.influences[v].empty()) {
-                shape.corners.push_back(pointOf(place * vertex));
+                shape.corners.push_back(upright(pointOf(place * vertex)));
                 continue;
             }
             Vector sum;
@@ -259,7 +277,7 @@ Shape SourcePose::at(int clip, double seconds) const {
                 }
                 sum += (skin * vertex) * influence.weight;
             }
-            shape.corners.push_back(pointOf(sum));
+            shape.corners.push_back(upright(pointOf(sum)));
         }
         for (std::size_t c = 0; c < instance.corners.size(); c += 3) {
             const Point sum = shape.corners[base + instance.corners[c]] +

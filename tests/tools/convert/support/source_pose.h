@@ -2,8 +2,8 @@
 #ifndef KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_SOURCE_POSE_H
 #define KELTRA_TESTS_TOOLS_CONVERT_SUPPORT_SOURCE_POSE_H
 
-// A model as its importer gives it, posed by its own matrices in double precision, as reference for the
-// converter's result. Shares no code with the converter.
+// A model as its importer gives it, turned so that Y is up, posed by its own matrices in double precision, as
+// reference for the converter's result. Shares no code with the converter.
 
 #include "tests/tools/convert/support/points.h"
 
@@ -54,10 +54,12 @@ class SourcePose {
     Instance makeInstance(const aiNode &node, const aiMesh &mesh) const;
     void addInfluences(Instance &instance) const;
     void findSolids();
+    Point upright(const Point &point) const;
     static void normalise(std::vector<Influence> &influences);
 
     Assimp::Importer importer;
     const aiScene *read;
+    bool zIsUp = false;
     std::vector<Instance> instances;
     std::vector<bool> cornerIsSolid, middleIsSolid;
 };
