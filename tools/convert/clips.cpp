@@ -2,7 +2,6 @@
 #include "tools/convert/clips.h"
 
 #include "formats/limits.h"
-#include "tools/convert/motion.h"
 #include "tools/formats/kta_writer.h"
 
 #include <assimp/scene.h>
@@ -54,7 +53,7 @@ class Sampler {
         }
     }
 
-    Clip sample(const Motion &motion, const std::string &name, double fps, const Progress &progress);
+    Clip sample(const ClipSource &source, double fps, const Progress &progress);
     void finish();
 
     PosedJoints posed;
@@ -64,26 +63,25 @@ class Sampler {
 
     const Rig &rig;
     Report &report;
-    std::vector<Matrix> bindFrames, bindLocals, unbake, locals, worlds, frames;
+    std::vector<Matrix> bindFrames, bindLocals, unbake, worlds, frames;
     std::vector<bool> stretched = std::vector<bool>(rig.joints.size());
     bool isFar = false;
 };
 
-Clip Sampler::sample(const Motion &motion, const std::string &name, double fps, const Progress &progress) {
+Clip Sampler::sample(const ClipSource &source, double fps, const Progress &progress) {
     Clip clip;
-    clip.name = name;
-    double count = std::floor(motion.seconds() * fps + kFrameSlack) + 1.0;
+    clip.name = source.name;
+    double count = std::floor(source.seconds() * fps + kFrameSlack) + 1.0;
     if (!(count <= double(kMaxFrames * kMaxParts))) {
         count = double(kMaxFrames * kMaxParts);
         report.warn("clip " + titleOf(clip) + " has a length of " +
-                    std::to_string(static_cast<long long>(std::min(motion.seconds(), 1e15))) +
+                    std::to_string(static_cast<long long>(std::min(source.seconds(), 1e15))) +
                     " seconds; it is cut after " + std::to_string(kMaxFrames * kMaxParts) + " frames");
     }
     clip.frames.resize(static_cast<std::size_t>(count));
     frames = bindFrames;
     for (std::size_t f = 0; f < clip.frames.size(); ++f) {
-        motion.locals(double(f) / fps, locals);
-        rig.pose(locals, worlds);
+        source.worlds(double(f) / fps, worlds);
         frame(clip.frames[f], f == 0 ? posed.bind : clip.frames[f - 1]);
         if (progress && f % 64 == 0) progress("animations", double(f) / count);
     }
@@ -211,20 +209,19 @@ class Writer {
 
 }  // namespace
 
-std::vector<OutputFile> convertClips(const aiScene &scene, const Rig &rig, const Options &options,
-                                     Report &report, const Progress &progress) {
+std::vector<OutputFile> convertClips(const aiScene &scene, const ClipSources &sources, const Rig &rig,
+                                     const Options &options, Report &report, const Progress &progress) {
     Sampler sampler(rig, report);
     std::vector<Clip> clips;
     std::uint64_t morphs = 0, empty = 0;
-    for (unsigned a = 0; a < scene.mNumAnimations; ++a) {
-        const aiAnimation &animation = *scene.mAnimations[a];
-        morphs += animation.mNumMorphMeshChannels + animation.mNumMeshChannels;
-        const Motion motion(animation, rig);
-        if (sampler.posed.joints.empty() || !motion.movesNodes()) {
+    for (unsigned a = 0; a < scene.mNumAnimations; ++a)
+        morphs += scene.mAnimations[a]->mNumMorphMeshChannels + scene.mAnimations[a]->mNumMeshChannels;
+    for (const std::unique_ptr<ClipSource> &source : sources) {
+        if (sampler.posed.joints.empty() || !source->movesNodes()) {
             ++empty;
             continue;
         }
-        clips.push_back(sampler.sample(motion, animation.mName.C_Str(), options.fps, progress));
+        clips.push_back(sampler.sample(*source, options.fps, progress));
     }
     sampler.finish();
     report.drop("morph animations", morphs, "the engine's vertices follow bones only");

@@ -4,7 +4,9 @@
 #include "tools/convert/clips.h"
 #include "tools/convert/gltf_document.h"
 #include "tools/convert/gltf_extensions.h"
+#include "tools/convert/further_clips.h"
 #include "tools/convert/import_log.h"
+#include "tools/convert/iqm.h"
 #include "tools/convert/losses.h"
 #include "tools/convert/materials.h"
 #include "tools/convert/model_files.h"
@@ -17,6 +19,7 @@
 #include <assimp/config.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
+#include <assimp/IOStream.hpp>
 #include <assimp/Importer.hpp>
 #include <assimp/ProgressHandler.hpp>
 
@@ -126,7 +129,7 @@ void checkContents(const aiScene &scene) {
 
 }  // namespace
 
-Model::Model(const Options &options, const Progress &progress)
+Model::Model(const Options &options, const Progress &progress, const std::vector<std::string> &jointNames)
     : log(new ImportLog),
       files(new ModelFiles(options.model, options.folders)),
       importer(new Assimp::Importer),
@@ -136,6 +139,10 @@ Model::Model(const Options &options, const Progress &progress)
     if (isGltfFile(options.model)) prepareGltf(options.model);
     importer->SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UP_DIRECTION, options.up != 0);
     importer->SetProgressHandler(new ImportProgress(progress));  // the importer deletes it
+    if (isIqm(options.model)) {
+        readOwn(options, jointNames);
+        return;
+    }
     read = importer->ReadFile(options.model, kSteps);
     if (!read && !files->outOfReach().empty())
         throw Refusal("it needs " + cleanText(files->outOfReach()) +
@@ -155,6 +162,18 @@ void Model::prepareGltf(const std::string &path) {
     if (namePictures(document.json)) files->replaceModel(document.bytes());
 }
 
+void Model::readOwn(const Options &options, const std::vector<std::string> &names) {
+    Assimp::IOStream *stream = files->Open(options.model.c_str());
+    if (!stream) throw Refusal("it cannot be read");
+    std::vector<std::uint8_t> bytes(stream->FileSize());
+    bytes.resize(stream->Read(bytes.data(), 1, bytes.size()));
+    files->Close(stream);
+    own = readIqm(bytes, names);
+    jointNames = iqmJointNames(bytes);
+    read = own.get();
+    checkContents(*read);
+}
+
 void Model::tell(Report &report) const {
     for (const Dropped &entry : found.dropped) report.drop(entry.what, entry.count, entry.why);
     files->tell(report);
@@ -168,13 +187,14 @@ Conversion convertModel(const Options &options, const Progress &progress) {
     Conversion conversion;
     Report &report = conversion.report;
     model.tell(report);
+    FurtherClips further(options, model, report, progress);
     const SourceSpace space = spaceOf(scene, options, report);
     const Matrix metric = space.upright * scaling(space.metres);
     // First at its own size, which decides the scale.
     Report unscaled;
-    auto rig = std::make_unique<Rig>(scene, metric, unscaled);
+    auto rig = std::make_unique<Rig>(scene, metric, unscaled, further.moved());
     const double scale = options.scale > 0.0 ? options.scale : chooseScale(boundsOf(scene, *rig));
-    rig = std::make_unique<Rig>(scene, metric * scaling(scale), report);
+    rig = std::make_unique<Rig>(scene, metric * scaling(scale), report, further.moved());
     report.scale = space.metres * scale;
     const Box box = boundsOf(scene, *rig);
     report.size = box.diagonal();
@@ -186,7 +206,9 @@ Conversion convertModel(const Options &options, const Progress &progress) {
 
     Materials materials = convertMaterials(scene, options, report, progress);
     const formats::Scene built = buildScene(scene, *rig, materials, options, report, progress);
-    std::vector<OutputFile> clips = convertClips(scene, *rig, options, report, progress);
+    ClipSources sources = ownClips(scene, *rig, options, report);
+    further.addTo(sources, *rig, scale, options, report);
+    std::vector<OutputFile> clips = convertClips(scene, sources, *rig, options, report, progress);
     if (report.triangles == 0 && clips.empty()) throw Refusal("it has no triangles and no animation");
     for (const OutputFile &clip : clips) report.clipBytes += clip.bytes.size();
     reportLosses(scene, report);

@@ -2,8 +2,8 @@
 #ifndef KELTRA_CONVERT_CONVERT_H
 #define KELTRA_CONVERT_CONVERT_H
 
-// Converts a model that assimp reads into the engine's files: NAME.kte, NAME_CLIP.kta for every animation,
-// and NAME_PICTURE_d.tga for every texture.
+// Converts a model into the engine's files: NAME.kte, NAME_CLIP.kta for every animation, and
+// NAME_PICTURE_d.tga for every texture. Further files of animations become clips of the same skeleton.
 
 #include "tools/convert/options.h"
 #include "tools/convert/report.h"
@@ -26,20 +26,26 @@ class ModelFiles;
 // A model in memory, owned by its importer.
 class Model {
    public:
-    // Throws Refusal.
-    Model(const Options &options, const Progress &progress);
+    // The file `options.model`. An IQM file of animations alone has joints without names: theirs are
+    // `jointNames`. Throws Refusal.
+    Model(const Options &options, const Progress &progress, const std::vector<std::string> &jointNames = {});
     ~Model();
     const aiScene &scene() const { return *read; }
     // Which files were read, and what the importer says that it lost.
     void tell(Report &report) const;
+    // Those of an IQM file, by their index.
+    const std::vector<std::string> &joints() const { return jointNames; }
 
    private:
     void prepareGltf(const std::string &path);
+    void readOwn(const Options &options, const std::vector<std::string> &names);
 
     std::unique_ptr<ImportLog> log;
     Report found;       // by this class, before the importer
     ModelFiles *files;  // the importer's
     std::unique_ptr<Assimp::Importer> importer;
+    std::unique_ptr<aiScene> own;  // of a format that assimp does not read in whole
+    std::vector<std::string> jointNames;
     const aiScene *read;
 };
 

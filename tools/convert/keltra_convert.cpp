@@ -32,6 +32,7 @@ constexpr char kExamples[] =
     "Examples:\n"
     "  keltra-convert hero.fbx -o data\n"
     "  keltra-convert hero.glb -o data --name hero --fps 15 --max-texture 128\n"
+    "  keltra-convert hero.fbx walk.fbx run.fbx -o data\n"
     "  keltra-convert hall.obj -o data --scale 0.01\n"
     "  keltra-convert panel.png --texture -o data\n"
     "  keltra-convert hero.fbx --dry-run --json";
@@ -101,6 +102,7 @@ void describe(CLI::App &app, Arguments &arguments) {
     };
     check(app.add_option("MODEL", options.model, "Model: FBX, glTF, Collada, OBJ, X, ..."), checkNotEmpty)
         ->required();
+    app.add_option("CLIPS", options.clips, "Further files, whose animations are for the model's skeleton");
     check(app.add_option("-o,--output", arguments.folder, "Output folder; created if missing"),
           checkNotEmpty);
     check(app.add_option("--name", options.name, "Prefix of the files' names; default: the model's name"),

@@ -15,6 +15,7 @@ namespace keltra::convert {
 namespace {
 
 constexpr double kDefaultTicks = 25.0;  // per second, for animations without a rate
+constexpr double kOrderSteps = 16.0, kNoTurn = 1e-4, kAlongAxis = 0.99;
 constexpr char kPostRotation[] = "_PostRotation";
 
 bool isFinite(const aiVector3D &v) { return std::isfinite(v.x + v.y + v.z); }
@@ -52,6 +53,12 @@ Value valueAt(const std::vector<Key> &keys, double time, const Value &otherwise)
     return between(last.mValue, next->mValue, t);
 }
 
+bool scalesDiffer(const std::vector<aiVectorKey> &keys) {
+    return std::any_of(keys.begin(), keys.end(), [&keys](const aiVectorKey &key) {
+        return (key.mValue - keys[0].mValue).Length() > 1e-5f * keys[0].mValue.Length();
+    });
+}
+
 template <class Key>
 double lastTime(const std::vector<Key> &keys) {
     return keys.empty() ? 0.0 : keys.back().mTime;
@@ -59,25 +66,71 @@ double lastTime(const std::vector<Key> &keys) {
 
 }  // namespace
 
-Motion::Motion(const aiAnimation &animation, const Rig &rig) : rig(rig) {
-    std::set<int> taken;
+Motion::Motion(const std::vector<const aiAnimation *> &animations, const Rig &rig) : rig(rig) {
+    for (const aiAnimation *animation : animations) addTracks(*animation);
+    findReplaced();
+    if (animations.size() > 1) orderTracks();
+}
+
+void Motion::addTracks(const aiAnimation &animation) {
+    // The duration that importers give is arbitrary: some leave it out, some count other ticks.
     double ticks = 0.0;
+    const double rate = animation.mTicksPerSecond;
+    const double ticksPerSecond = std::isfinite(rate) && rate > 0.0 ? rate : kDefaultTicks;
+    std::set<int> taken;
     for (unsigned c = 0; c < animation.mNumChannels; ++c) {
         const aiNodeAnim &channel = *animation.mChannels[c];
         const int source = rig.findSource(channel.mNodeName.C_Str());
         if (source == kNone || !taken.insert(source).second) continue;
         tracks.push_back({source, sorted(channel.mPositionKeys, channel.mNumPositionKeys),
                           sorted(channel.mRotationKeys, channel.mNumRotationKeys),
-                          sorted(channel.mScalingKeys, channel.mNumScalingKeys), aiQuaternion()});
+                          sorted(channel.mScalingKeys, channel.mNumScalingKeys), ticksPerSecond,
+                          aiQuaternion()});
         const Track &track = tracks.back();
         ticks =
             std::max({ticks, lastTime(track.positions), lastTime(track.rotations), lastTime(track.scales)});
     }
-    findReplaced();
-    // The duration that importers give is arbitrary: some leave it out, some count other ticks.
-    const double rate = animation.mTicksPerSecond;
-    ticksPerSecond = std::isfinite(rate) && rate > 0.0 ? rate : kDefaultTicks;
-    length = ticks / ticksPerSecond;
+    length = std::max(length, ticks / ticksPerSecond);
+}
+
+// Collada has one animation for each of a node's transforms, and the importer makes a whole matrix of each,
+// with the others at rest. With the rest R = T Z Y X S, where T is the translation, then the rotations and
+// the scale, the matrix of all that move is M1 R^-1 M2 R^-1 M3, in this order. What a matrix moves is seen
+// from the first key that differs.
+void Motion::orderTracks() {
+    const auto rank = [this](const Track &track) {
+        const Matrix rest = rig.sources[track.source].local;
+        Vector turn, turnBelow;
+        for (double time = 0.0; time <= length; time += std::max(length / kOrderSteps, 1e-6)) {
+            const Matrix m = localOf(track, time);
+            const Matrix above = rigidPart(m) * inverse(rigidPart(rest));
+            const Matrix below = inverse(rigidPart(rest)) * rigidPart(m);
+            turn += Vector(std::abs(above.c2 - above.b3), std::abs(above.a3 - above.c1),
+                           std::abs(above.b1 - above.a2));
+            turnBelow += Vector(std::abs(below.c2 - below.b3), std::abs(below.a3 - below.c1),
+                                std::abs(below.b1 - below.a2));
+        }
+        if (turn.Length() < kNoTurn) return track.scales.size() > 1 && scalesDiffer(track.scales) ? 4 : 0;
+        if (turn.z > kAlongAxis * turn.Length()) return 1;
+        return turnBelow.x > kAlongAxis * turnBelow.Length() ? 3 : 2;
+    };
+    std::vector<std::pair<int, Track>> ranked;
+    for (Track &track : tracks) ranked.emplace_back(rank(track), std::move(track));
+    std::stable_sort(ranked.begin(), ranked.end(),
+                     [](const auto &a, const auto &b) { return a.first < b.first; });
+    for (std::size_t i = 0; i < ranked.size(); ++i) tracks[i] = std::move(ranked[i].second);
+}
+
+std::set<int> Motion::movedSources() const {
+    std::set<int> moved;
+    for (const Track &track : tracks) {
+        moved.insert(track.source);
+        const std::string name = rig.sources[track.source].node->mName.C_Str();
+        const std::size_t mark = name.find(kPivotMark);
+        const int pivoted = mark == std::string::npos ? kNone : rig.findSource(name.substr(0, mark));
+        if (pivoted != kNone) moved.insert(pivoted);
+    }
+    return moved;
 }
 
 // For a node with nothing but pre- and post-rotations the FBX importer makes helper nodes of its rest pose,
@@ -104,22 +157,30 @@ void Motion::findReplaced() {
     }
 }
 
+Matrix Motion::localOf(const Track &track, double seconds) const {
+    const double time = seconds * track.ticksPerSecond;
+    aiVector3D scale(1.0f, 1.0f, 1.0f), position;
+    aiQuaternion rotation;
+    rig.sources[track.source].node->mTransformation.Decompose(scale, rotation, position);
+    position = valueAt(track.positions, time, position);
+    if (!track.rotations.empty()) rotation = valueAt(track.rotations, time, rotation) * track.behind;
+    scale = valueAt(track.scales, time, scale);
+    const aiMatrix4x4 local(scale, rotation, position);
+    const Matrix wide(local.a1, local.a2, local.a3, local.a4, local.b1, local.b2, local.b3, local.b4,
+                      local.c1, local.c2, local.c3, local.c4, 0, 0, 0, 1);
+    return isFinite(wide) ? wide : rig.sources[track.source].local;
+}
+
 void Motion::locals(double seconds, std::vector<Matrix> &locals) const {
     locals.resize(rig.sources.size());
+    std::vector<bool> moved(locals.size());
     for (std::size_t s = 0; s < locals.size(); ++s) locals[s] = rig.sources[s].local;
     for (const int source : replaced) locals[source] = Matrix();
-    const double time = seconds * ticksPerSecond;
     for (const Track &track : tracks) {
-        aiVector3D scale(1.0f, 1.0f, 1.0f), position;
-        aiQuaternion rotation;
-        rig.sources[track.source].node->mTransformation.Decompose(scale, rotation, position);
-        position = valueAt(track.positions, time, position);
-        if (!track.rotations.empty()) rotation = valueAt(track.rotations, time, rotation) * track.behind;
-        scale = valueAt(track.scales, time, scale);
-        const aiMatrix4x4 local(scale, rotation, position);
-        const Matrix wide(local.a1, local.a2, local.a3, local.a4, local.b1, local.b2, local.b3, local.b4,
-                          local.c1, local.c2, local.c3, local.c4, 0, 0, 0, 1);
-        if (isFinite(wide)) locals[track.source] = wide;
+        const std::size_t s = static_cast<std::size_t>(track.source);
+        const Matrix local = localOf(track, seconds);
+        locals[s] = moved[s] ? locals[s] * inverse(rig.sources[s].local) * local : local;
+        moved[s] = true;
     }
 }
 

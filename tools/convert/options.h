@@ -23,6 +23,7 @@ enum class BackSides {
 // The options of a conversion.
 struct Options {
     std::string model;                      // path of the model
+    std::vector<std::string> clips;         // further files, whose animations are for the model's skeleton
     std::vector<std::string> folders;       // that files of the model may be in, besides its own
     std::string name;                       // prefix of the output files' names; see `fileStem`
     double fps = 25.0;                      // frames per second at which animations are sampled

@@ -13,9 +13,6 @@
 namespace keltra::convert {
 namespace {
 
-// The FBX importer makes a node for every pivot and pre-rotation; they are merged into the node below.
-constexpr char kPivotMark[] = "_$AssimpFbx$_";
-
 constexpr int kMaxDepth = 26;             // of joints: GL has 32 matrices, some for camera and roots
 constexpr std::size_t kMaxNodes = 50000;  // the engine has 65535 identifiers
 constexpr double kScaleKeysDiffer = 1e-4;
@@ -48,10 +45,10 @@ std::vector<std::pair<const aiNode *, const aiNode *>> listNodes(const aiNode *r
 
 }  // namespace
 
-Rig::Rig(const aiScene &scene, const Matrix &place, Report &report)
+Rig::Rig(const aiScene &scene, const Matrix &place, Report &report, const std::set<std::string> &moved)
     : scene(scene), place(place), report(report) {
     readNodes();
-    readMotion();
+    readMotion(moved);
     bindSkins();
     spreadBind();
     measure();
@@ -124,7 +121,11 @@ std::vector<int> Rig::helpersOf(int source) const {
     return helpers;
 }
 
-void Rig::readMotion() {
+void Rig::readMotion(const std::set<std::string> &moved) {
+    for (const std::string &name : moved) {
+        const int source = findSource(name);
+        if (source != kNone && sources[source].parent != kNone) sources[source].moves = true;
+    }
     for (unsigned a = 0; a < scene.mNumAnimations; ++a) {
         for (unsigned c = 0; c < scene.mAnimations[a]->mNumChannels; ++c) {
             const aiNodeAnim &channel = *scene.mAnimations[a]->mChannels[c];
@@ -253,6 +254,9 @@ void Rig::markPosed() {
                            ? joint.frame
                            : rigidPart(sources[joint.source].world * inverse(joint.bake), joint.frame));
     }
+    const bool hasClips =
+        scene.mNumAnimations > 0 ||
+        std::any_of(sources.begin(), sources.end(), [](const SourceNode &s) { return s.moves; });
     bool restsElsewhere = false;
     for (std::size_t j = 0; j < joints.size(); ++j) {
         Joint &joint = joints[j];
@@ -264,7 +268,7 @@ void Rig::markPosed() {
         const unsigned index = static_cast<unsigned>(j);
         const bool differs = !areAlike(localFrame(index, bound), localFrame(index, rest), size);
         restsElsewhere = restsElsewhere || differs;
-        joint.isPosed = scene.mNumAnimations > 0 && (posed || differs);
+        joint.isPosed = hasClips && (posed || differs);
     }
     if (restsElsewhere)
         report.note("the rest pose of its bones is not their bind pose; the scene shows the bind pose");

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,8 @@ struct aiScene;
 namespace keltra::convert {
 
 constexpr int kNone = -1;
+// The FBX importer makes a node for every pivot and pre-rotation; they are merged into the node below.
+constexpr char kPivotMark[] = "_$AssimpFbx$_";
 constexpr char kSkeletonRoot[] = "HumanoidRoot";  // the node in whose frame the engine moves skeletons
 
 struct SourceNode {
@@ -74,7 +77,8 @@ struct RigidMesh {
 class Rig {
    public:
     // `place` is applied to the whole model: a rotation and a scale. Throws Refusal.
-    Rig(const aiScene &scene, const Matrix &place, Report &report);
+    // `moved` names nodes that clips of other files move.
+    Rig(const aiScene &scene, const Matrix &place, Report &report, const std::set<std::string> &moved = {});
 
     // The world matrices of all source nodes for the given local ones, in their order.
     void pose(const std::vector<Matrix> &locals, std::vector<Matrix> &worlds) const;
@@ -93,7 +97,7 @@ class Rig {
    private:
     void readNodes();
     void readBelow(const std::map<const aiNode *, std::vector<const aiNode *>> &children);
-    void readMotion();
+    void readMotion(const std::set<std::string> &moved);
     void bindSkins();
     void bindSkin(Skin &skin);
     Matrix chooseBake(const Skin &skin) const;

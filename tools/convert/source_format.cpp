@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/source_format.h"
 
+#include "tools/convert/iqm.h"
 #include "tools/convert/names.h"
 
 #include <assimp/commonMetaData.h>
@@ -24,9 +25,13 @@ constexpr std::size_t kHeader = 65536;  // bytes of a file in which its unit is 
 constexpr double kSmallestUnit = 1e-12, kLargestUnit = 1e12;  // metres
 
 // Z is up in the format, and the importer keeps that.
-const char *const kZUp[] = {
-    "3D GameStudio Heightmap (HMP) Importer",         "Quick3D Importer", "TrueSpace Object Importer",
-    "Blender 3D Importer (http://www.blender3d.org)", "3mf Importer",     "Valve SMD Importer"};
+const char *const kZUp[] = {"3D GameStudio Heightmap (HMP) Importer",
+                            "Quick3D Importer",
+                            "TrueSpace Object Importer",
+                            "Blender 3D Importer (http://www.blender3d.org)",
+                            kIqmImporter,
+                            "3mf Importer",
+                            "Valve SMD Importer"};
 // Z is up in the format, and the importer turns the model.
 const char *const kTurned[] = {"Discreet 3DS Importer",
                                "ASE Importer",

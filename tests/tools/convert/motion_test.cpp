@@ -37,13 +37,13 @@ class MotionTest : public testing::Test {
         Report report;
         const Rig rig(scene, Matrix(), report);
         std::vector<Matrix> locals;
-        Motion(*animation, rig).locals(seconds, locals);
+        Motion({animation}, rig).locals(seconds, locals);
         return locals[1].a4;
     }
     double length() {
         Report report;
         const Rig rig(scene, Matrix(), report);
-        return Motion(*animation, rig).seconds();
+        return Motion({animation}, rig).seconds();
     }
 
     aiScene scene;
@@ -93,7 +93,7 @@ TEST_F(MotionTest, ChannelsOfUnknownNodesMoveNothing) {
     channel->mNodeName = "leg";
     Report report;
     const Rig rig(scene, Matrix(), report);
-    EXPECT_FALSE(Motion(*animation, rig).movesNodes());
+    EXPECT_FALSE(Motion({animation}, rig).movesNodes());
 }
 
 }  // namespace
