@@ -15,8 +15,7 @@ namespace {
 
 constexpr float kDegree = 3.14159265f / 180.0f;
 
-// The nodes that the program moves, found once.
-struct MovingNodes {
+struct MovingNodes {  // found once
     std::vector<KTNODE *> neck, tail, halos, fireflies;
     KTNODE *water = nullptr;
 };
@@ -25,9 +24,8 @@ struct MovingNodes {
 std::vector<KTNODE *> findAll(KTNODE *root, const char *prefix) {
     std::vector<KTNODE *> found;
     for (int i = 1;; ++i) {
-        KTNODE *node = root->findByNameInHierarchy((prefix + std::to_string(i)).c_str());
-        if (node == nullptr) return found;
-        found.push_back(node);
+        found.push_back(root->findByNameInHierarchy((prefix + std::to_string(i)).c_str()));
+        if (found.back() == nullptr) return found.pop_back(), found;
     }
 }
 
@@ -83,11 +81,6 @@ void animate(const MovingNodes &moving, KTCAMERA *camera, float time) {
     }
 }
 
-bool draw(KTNODE *scene, KTCAMERA *camera) {
-    return KELTRA::clear(true, true, false) && KELTRA::begin3D(camera) && scene->pass() && KELTRA::end3D() &&
-           KELTRA::begin2D() && KELTRA::end2D();
-}
-
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -114,7 +107,8 @@ int main(int argc, char **argv) {
         animate(moving, &camera, time);
 
         // 3. Draw.
-        ok = draw(scene, &camera);
+        ok = KELTRA::clear(true, true, false) && KELTRA::begin3D(&camera) && scene->pass() &&
+             KELTRA::end3D() && KELTRA::begin2D() && KELTRA::end2D();
         if (!example::endFrame(options, frame, &ok)) break;
     }
 

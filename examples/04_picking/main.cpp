@@ -14,13 +14,11 @@ namespace {
 
 constexpr unsigned kFigureCode = 1000;  // lanterns count from 1
 
-struct Tap {
-    int x, y;       // pixels, counted from 0 at the top left
-    unsigned code;  // what a scripted tap must hit
-};
 // For runs with a given number of frames: a lantern, the figure, a lantern, the sky, a lantern, and again.
-const Tap kScript[] = {{141, 92, 3}, {118, 210, kFigureCode}, {40, 245, 7}, {120, 15, 0}, {46, 145, 5}};
-constexpr int kScriptLength = sizeof kScript / sizeof kScript[0];
+const struct {
+    int x, y;       // pixels, counted from 0 at the top left
+    unsigned code;  // what must be hit
+} kScript[] = {{141, 92, 3}, {118, 210, kFigureCode}, {40, 245, 7}, {120, 15, 0}, {46, 145, 5}};
 
 struct Garden {
     KTNODE *stage = nullptr, *figure = nullptr;
@@ -88,8 +86,7 @@ unsigned handleTap(Garden *garden, float x, float y) {
 int main(int argc, char **argv) {
     example::Options options;
     int exitCode = 0;
-    if (!example::parse(argc, argv, "Lights the lantern that is tapped", &options, &exitCode))
-        return exitCode;
+    if (!example::parse(argc, argv, "Lights the tapped lantern", &options, &exitCode)) return exitCode;
 
     // 1. Start.
     Garden garden;
@@ -106,7 +103,7 @@ int main(int argc, char **argv) {
         garden.player.update(clock.tick());
         input.update(clock.getRealSeconds());
         // 3. Draw. A tap is picked in a frame that is not shown, since picking changes a pixel.
-        const Tap &scripted = kScript[(frame - 1) % kScriptLength];
+        const auto &scripted = kScript[(frame - 1) % 5];
         if (options.frames > 0)
             ok = draw(garden, &camera) &&
                  handleTap(&garden, float(scripted.x), float(scripted.y)) == scripted.code;
@@ -117,6 +114,6 @@ int main(int argc, char **argv) {
         if (!example::endFrame(options, frame, &ok)) break;
     }
 
-    // 4. Stop: the lists that own nodes and animations destroy them.
+    // 4. Stop: the list that owns nodes destroys them.
     return example::stop(ok);
 }

@@ -7,6 +7,12 @@
 
 #include <string>
 
+class KTLIGHT;
+class KTMATERIAL;
+class KTMESH;
+class KTNODE;
+class KTTEXTURE;
+
 namespace example {
 
 constexpr float kFrameTime = 1.0f / 30.0f;
@@ -28,6 +34,18 @@ bool start(const Options &options, const char *settingsFile = nullptr);
 
 // Lets all textures that exist be drawn smoothly.
 void smoothTextures();
+
+// A texture of the sample files, drawn smoothly and owned by the list of textures. Without it the program
+// ends with a message, as do the next two without memory: the lessons that call them are about something
+// else.
+KTTEXTURE *loadTexture(const char *file);
+
+// Gives a mesh its material (null for none), links it below a node, puts it at a place, and returns it.
+KTMESH *place(KTMESH *mesh, KTMATERIAL *material, KTNODE *parent, float x, float y, float z);
+
+// A new light below a node, of an RGB colour and a reach: where it has half of its strength, 0 for
+// everywhere.
+KTLIGHT *addLight(KTNODE *parent, float r, float g, float b, float reach);
 
 // Ends the frame just drawn: saves the picture of the last one, swaps, asks the GL for errors. False once the
 // run is over; then `*ok` tells whether it was a good one, and a message what was not.

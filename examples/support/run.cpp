@@ -6,6 +6,7 @@
 #include <keltra/keltra.h>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace example {
 
@@ -28,6 +29,40 @@ bool start(const Options &options, const char *settingsFile) {
 void smoothTextures() {
     for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture != nullptr; texture = texture->getNext())
         texture->setFilter(true, true, false);
+}
+
+namespace {
+
+template <class Object>
+Object *require(Object *object, const char *what) {
+    if (object) return object;
+    std::fprintf(stderr, "there is no %s\n", what);
+    std::exit(1);
+}
+
+}  // namespace
+
+KTTEXTURE *loadTexture(const char *file) {
+    KTTEXTURE *texture = new KTTEXTURE;
+    require(texture->load(file) ? texture : nullptr, file);
+    texture->setFilter(true, true, false);
+    return texture;
+}
+
+KTMESH *place(KTMESH *mesh, KTMATERIAL *material, KTNODE *parent, float x, float y, float z) {
+    require(mesh, "mesh");
+    mesh->setMaterial(material);
+    mesh->setPosition(x, y, z);
+    mesh->link(parent);
+    return mesh;
+}
+
+KTLIGHT *addLight(KTNODE *parent, float r, float g, float b, float reach) {
+    KTLIGHT *light = new KTLIGHT;
+    light->setDiffuse(r, g, b, 1.0f);
+    if (reach > 0.0f) light->setAttenuation(1.0f, 0.0f, 1.0f / (reach * reach));
+    light->link(parent);
+    return light;
 }
 
 bool endFrame(const Options &options, int frame, bool *ok) {
