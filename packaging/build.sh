@@ -17,6 +17,8 @@ cp -r packaging/debian .
 echo "package: building; the log is $folder/log"
 dpkg-buildpackage -us -uc -b >"$folder/log" 2>&1 || { tail -n 30 "$folder/log" >&2; exit 1; }
 cd ..
+library=$(find "keltra-$version" -name "libkeltra.so.$version" -path '*/lib/*' -not -path '*/debian/*')
+"$source/packaging/abi/abi.sh" check "$library" "$source/include/keltra"
 rm -rf "keltra-$version"
 # Only a package that enters the distribution closes a bug.
 lintian --allow-root --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs keltra_*.changes
