@@ -155,7 +155,7 @@ def add_sky(model, root):
     sky = model.node("sky", parent=root)
     dome = Mesh(model.material("sky", picture="sky", unlit=True))
     # From inside, so the angles run the other way; the picture goes round twice, half of it below what is seen.
-    rows = ((62, 0.98, 0.0), (62, 0.35, 0.42), (62, 0.0, 0.86), (62, -0.12, 0.99))
+    rows = ((120, 0.98, 0.0), (120, 0.35, 0.42), (120, 0.0, 0.86), (120, -0.12, 0.99))
 
     def place(column, row):
         angle = math.radians(-36.0 * column)

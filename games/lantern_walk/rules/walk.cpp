@@ -15,7 +15,7 @@ constexpr float kWalkingCost = 0.004f;
 constexpr float kFilling = 0.7f;  // of a lamp a second
 constexpr float kLitAfter = 0.7f;
 constexpr float kWellReach = kWellRadius + 1.0f;
-constexpr float kPostRadius = 0.5f;
+constexpr float kPostRadius = 0.6f, kInFront = 1.2f;
 constexpr float kStuckFor = 0.8f;
 constexpr float kDegrees = 57.29578f;
 
@@ -70,7 +70,8 @@ void Walk::goTo(Place place) { setGoal(Goal::kPlace, place); }
 void Walk::goToLantern(int lantern) {
     if (lantern < 0 || lantern >= getEvening().lanterns) return;
     goalLantern = lantern;
-    setGoal(Goal::kLantern, lanterns[lantern].at);
+    // To the viewer's side of it, where the lantern does not hide him.
+    setGoal(Goal::kLantern, {lanterns[lantern].at.x, lanterns[lantern].at.z + kInFront});
 }
 
 void Walk::goToWell() { setGoal(Goal::kWell, kWell); }
@@ -127,7 +128,7 @@ void Walk::move(float seconds) {
     }
     steered = 0.0f;
     const float away = distance(at, goalAt);
-    const float near = goal == Goal::kLantern ? kReach : goal == Goal::kWell ? kWellReach : 0.15f;
+    const float near = goal == Goal::kLantern ? 0.3f : goal == Goal::kWell ? kWellReach : 0.15f;
     if (goal == Goal::kNone) {
         speed = std::max(0.0f, speed - 2.0f * kAcceleration * seconds);
     } else if (away <= near || stuck > kStuckFor) {

@@ -13,6 +13,7 @@ constexpr float kSparklingTime = 1.1f, kGlide = 1.8f, kWaveEvery = 7.0f;
 constexpr Place kTitlePlace = {0.9f, 9.4f};
 constexpr float kTitleHeading = -14.0f;
 constexpr int kTitleEvening = 0;
+const char *const kFarNames[] = {"garden.sky", "garden.hills", "garden.nearHills", "garden.field"};
 
 }  // namespace
 
@@ -31,6 +32,11 @@ bool World::prepareStage() {
     if (!sky || !well || !water || !marker || !moon || !sky->unlink()) return false;
     KELTRA::setSkybox(sky);
     moon->setExclusive(true);
+    for (int i = 0; i < kFar; ++i) {
+        far[i] = KTMATERIAL::findByName(kFarNames[i]);
+        if (!far[i]) return false;
+        farColor[i] = far[i]->getEmission();
+    }
     well->setAuxId(kWellCode);
     for (unsigned i = 0; i < well->getNumberOfChildren(); ++i) well->getChild(i)->setAuxId(kWellCode);
     for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture; texture = texture->getNext())
@@ -124,6 +130,8 @@ void World::update(const Walk *walk, float seconds) {
 void World::setDusk(float passed) {
     const float day = 1.0f - passed;
     KTOPENGL::setGlobalAmbientLight(0.25f + 0.17f * day, 0.23f + 0.14f * day, 0.42f + 0.12f * day, 1.0f);
+    const R3XVECTOR4D tint(0.45f + 0.55f * day, 0.42f + 0.58f * day, 0.66f + 0.34f * day, 1.0f);
+    for (int i = 0; i < kFar; ++i) far[i]->setEmission(farColor[i] * tint);
     moon->setDiffuse(0.24f + 0.14f * day, 0.26f + 0.06f * day, 0.46f + 0.02f * day, 1.0f);
 }
 

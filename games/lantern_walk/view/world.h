@@ -50,6 +50,10 @@ class World {
     void passStage() const;
     void setDusk(float passed);
 
+    static constexpr int kFar = 4;
+    KTMATERIAL *far[kFar] = {};  // sky, hills, field: they show their own light
+    R3XVECTOR4D farColor[kFar];
+
     KTNODE *stage = nullptr, *water = nullptr;
     KTMESH *marker = nullptr;
     KTLIGHT *moon = nullptr;
