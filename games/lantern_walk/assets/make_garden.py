@@ -16,6 +16,9 @@ def linear(color):
     return [round(c / 12.92 if c <= 0.04045 else ((c + 0.055) / 1.055) ** 2.4, 5) for c in color]
 
 
+FRONT = (-105, 105)  # what a viewer in the south sees of a round thing
+
+
 class Mesh:
     """Triangles with texture coordinates; corners are shared where they are equal, so that edges are round."""
 
@@ -36,6 +39,11 @@ class Mesh:
             triangle = (numbers[0], numbers[i], numbers[i + 1])
             if len({self.corners[n][:3] for n in triangle}) == 3:  # not at the tip of a cone
                 self.triangles.append(triangle)
+
+    def recenter(self):
+        center = [round((min(c[i] for c in self.corners) + max(c[i] for c in self.corners)) / 2, 2) for i in range(3)]
+        self.corners = [tuple(v - m for v, m in zip(c, center)) + c[3:] for c in self.corners]
+        return center
 
     def grid(self, columns, rows, place, uv):
         """Faces between `columns` x `rows` cells; place and uv are functions of (column, row)."""
@@ -108,6 +116,8 @@ class Model:
 
     def node(self, name, mesh=None, at=None, parent=None, **extras):
         entry = {"name": name}
+        if isinstance(mesh, Mesh) and not at and parent == 0:
+            at = mesh.recenter()  # the bounding sphere, by which the game leaves things out, is about the node
         if at:
             entry["translation"] = list(at)
         if mesh is not None:
@@ -154,27 +164,27 @@ def along(points, steps):
 def add_sky(model, root):
     sky = model.node("sky", parent=root)
     dome = Mesh(model.material("sky", picture="sky", unlit=True))
-    # From inside, so the angles run the other way; the picture goes round twice, half of it below what is seen.
+    # The half that is looked at, from inside, so the angles run the other way.
     rows = ((120, 0.98, 0.0), (120, 0.35, 0.42), (120, 0.0, 0.86), (120, -0.12, 0.99))
 
     def place(column, row):
-        angle = math.radians(-36.0 * column)
+        angle = math.radians(270 - 36.0 * column)
         radius, height, _ = rows[row]
         flat = radius * math.sqrt(1 - height * height)
         return (flat * math.sin(angle), radius * height, flat * math.cos(angle))
 
-    dome.grid(10, 3, lambda c, r: place(c, 3 - r), lambda c, r: (c / 5, rows[3 - r][2]))
+    dome.grid(5, 3, lambda c, r: place(c, 3 - r), lambda c, r: (c / 5, rows[3 - r][2]))
     model.node("dome", dome, parent=sky)
     moon = Mesh(model.material("moon", picture="moon", alpha=0.999, unlit=True))
     moon.quad(6.2)
-    model.node("moon", moon, (4.2, 17.2, -92.0), root)
+    model.node("moon", moon, (-0.6, 14.8, -92.0), root)
     hills = Mesh(model.material("hills", (0.40, 0.23, 0.43), unlit=True))
-    tops = [7.0, 10.4, 8.0, 11.5, 8.2, 6.2, 5.6, 6.8, 9.5, 12.4, 8.2, 9.5, 7.0]
-    hills.grid(12, 1, lambda c, r: (-72 + 12 * c, (-1.0, tops[c])[r], -82), lambda c, r: (0, 0))
+    tops = [8.0, 10.4, 8.0, 5.6, 6.8, 11.4, 8.2, 9.5]
+    hills.grid(7, 1, lambda c, r: (-63 + 18 * c, (-1.0, tops[c])[r], -82), lambda c, r: (0, 0))
     model.node("hills", hills, parent=root)
     near = Mesh(model.material("nearHills", (0.23, 0.16, 0.34), unlit=True))
-    tops = [3.5, 5.0, 4.2, 2.6, 3.4, 2.4, 3.0, 4.6, 5.2, 3.6]
-    near.grid(9, 1, lambda c, r: (-63 + 14 * c, (-1.0, tops[c])[r], -66), lambda c, r: (0, 0))
+    tops = [4.0, 5.4, 3.2, 2.4, 3.0, 5.2, 3.6]
+    near.grid(6, 1, lambda c, r: (-54 + 18 * c, (-1.0, tops[c])[r], -66), lambda c, r: (0, 0))
     model.node("nearHills", near, parent=root)
 
 
@@ -184,8 +194,7 @@ def add_ground(model, root):
         for column in range(4):
             x, z = -16 + 8 * column, -20 + 9.5 * row
             tile = Mesh(lawn)
-            tile.grid(2, 2, lambda c, r: (x + 4 * c, 0, z + 9.5 - 4.75 * r),
-                      lambda c, r: ((x + 4 * c) / 6, (z + 9.5 - 4.75 * r) / 6))
+            tile.grid(1, 1, lambda c, r: (x + 8 * c, 0, z + 9.5 - 9.5 * r), lambda c, r: ((x + 8 * c) / 6, (z + 9.5 - 9.5 * r) / 6))
             model.node("lawn%d" % (4 * row + column + 1), tile, parent=root)
     field = Mesh(model.material("field", (0.16, 0.17, 0.29), unlit=True))
     for x0, x1, z0, z1 in ((-70, 70, -70, -20), (-70, -16, -20, 18), (16, 70, -20, 18)):
@@ -219,11 +228,12 @@ def add_well(model, root):
     paved.face(*[((x, 0.05, z), (0.5 + x / 9, 0.5 + z / 9)) for x, z in around])
     well = model.node("well", paved, (4.9, 0, -1.6), root)
     basin = Mesh(stone)
-    basin.turned(8, [(1.75, 0.0, 0.5), (1.65, 0.78, 0.25), (1.8, 0.82, 0.22), (1.8, 0.98, 0.14), (1.35, 0.98, 0.0), (1.35, 0.6, 0.1)],
-                 across=3)
+    basin.turned(5, [(1.75, 0.0, 0.5), (1.7, 0.95, 0.14)], sweep=FRONT, across=2)
+    basin.turned(8, [(1.75, 0.95, 0.12), (1.35, 1.0, 0.0)], across=3)
+    basin.turned(4, [(1.35, 1.0, 0.0), (1.4, 0.6, 0.12)], sweep=(90, 270), across=2)
     model.node("basin", basin, parent=well)
     pillar = Mesh(stone)
-    pillar.turned(5, [(0.34, 0.4, 0.5), (0.22, 1.6, 0.1), (0.62, 1.95, 0.0), (0.62, 2.05, 0.0)], across=1)
+    pillar.turned(3, [(0.34, 0.4, 0.5), (0.22, 1.6, 0.1), (0.62, 1.95, 0.0)], sweep=FRONT, across=1)
     model.node("pillar", pillar, parent=well)
     water = Mesh(model.material("water", (0.62, 0.74, 0.94), "water", ambient=(0.7, 0.8, 1.0)))
     water.face(*[((0.45 * x, 0.74, 0.45 * z), (0.5 + x / 8, 0.5 + z / 8)) for x, z in around])
@@ -233,15 +243,15 @@ def add_well(model, root):
 def add_gate(model, root):
     wall = model.material("wall", (0.72, 0.66, 0.80), "masonry", ambient=(0.80, 0.74, 0.92))
     ring = Mesh(wall)
-    profile = ((3.4, -0.6), (3.4, 0.5), (3.55, 0.6), (4.6, 0.6), (4.75, 0.45))
-    lengths = (0.0, 0.28, 0.33, 0.62, 0.68)
+    profile = ((3.4, -0.6), (3.46, 0.6), (4.7, 0.6))
+    lengths = (0.0, 0.28, 0.62)
 
     def place(column, row):
-        angle = math.radians(-118 + 256.0 * column / 16 - 10)
-        radius, z = profile[4 - row]
+        angle = math.radians(-118 + 256.0 * column / 14 - 10)
+        radius, z = profile[2 - row]
         return (radius * math.sin(angle), 3.9 + radius * math.cos(angle), z)
 
-    ring.grid(16, 4, lambda c, r: place(16 - c, r), lambda c, r: (c * 0.42, lengths[4 - r]))
+    ring.grid(14, 2, lambda c, r: place(14 - c, r), lambda c, r: (c * 0.48, lengths[2 - r]))
     gate = model.node("gate", ring, (0, 0, -15), root)
     for side in (-1, 1):
         part = Mesh(wall)
@@ -257,7 +267,7 @@ def add_green(model, root, chance):
     for side in (-1, 1):
         for i in range(4):
             hedge = Mesh(leaves)
-            z = [12 - 6.6 * i, 12 - 6.6 * i - 3.3, 12 - 6.6 * i - 6.3]
+            z = [12 - 6.6 * i, 12 - 6.6 * i - 6.3]
             x = 9.4
             bumps = [chance.uniform(1.25, 1.75) for _ in z]
 
@@ -265,9 +275,9 @@ def add_green(model, root, chance):
                 inner, height = ((x, 0.0), (x + 0.15, 0.8 * bumps[column]), (x + 0.7, bumps[column]), (x + 1.6, bumps[column] - 0.1))[row]
                 return (side * inner, height, z[column])
 
-            flip = (lambda c: c) if side > 0 else (lambda c: 2 - c)
+            flip = (lambda c: c) if side > 0 else (lambda c: 1 - c)
             # Seen from the path: to the right of it the columns run away from the viewer, to the left toward it.
-            hedge.grid(2, 3, lambda c, r: place(2 - flip(c), r), lambda c, r: (c * 1.6, 0.55 * r))
+            hedge.grid(1, 3, lambda c, r: place(1 - flip(c), r), lambda c, r: (c * 3.2, 0.55 * r))
             ends = [place(0, r) for r in range(4)] + [(side * (x + 1.6), 0.0, z[0])]
             hedge.face(*[(p, (p[0] / 2, p[1] / 2)) for p in (reversed(ends) if side > 0 else ends)])
             model.node("hedge%d" % (4 * (side > 0) + i + 1), hedge, parent=root)
@@ -276,14 +286,14 @@ def add_green(model, root, chance):
               (-12.8, 0.5, 7.4), (12.8, 3, 8.0), (-12.2, 8, 8.8), (12.6, 11.5, 7.6)]
     for i, (x, z, height) in enumerate(places):
         cypress = Mesh(tree)
-        cypress.turned(4, [(0.55, 0.0, 1.6), (1.05, 0.2 * height, 1.1), (0.78, 0.6 * height, 0.5), (0.0, height, 0.0)],
+        cypress.turned(3, [(0.6, 0.0, 1.6), (1.1, 0.22 * height, 1.1), (0.0, height, 0.0)],
                        sweep=(-100, 100), across=1.5)
         model.node("cypress%d" % (i + 1), cypress, (x, 0, z), root)
     rock = model.material("rock", (0.55, 0.52, 0.62), "paving", ambient=(0.62, 0.60, 0.74))
     for i, (x, z, size) in enumerate([(-5.6, 8.4, 0.8), (6.8, 5.2, 1.0), (-7.6, -2.2, 1.2), (8.0, -6.4, 0.9), (-4.4, -11.2, 1.0), (2.9, -6.6, 0.6)]):
         stone = Mesh(rock)
-        stone.turned(6, [(size * 1.1, -0.1, 0.5), (size * chance.uniform(0.7, 0.9), size * 0.55, 0.3), (0.0, size * 0.8, 0.1)],
-                     sweep=(0, 360), across=1)
+        stone.turned(3, [(size * 1.1, -0.1, 0.5), (size * chance.uniform(0.7, 0.9), size * 0.55, 0.3), (0.0, size * 0.8, 0.1)],
+                     sweep=FRONT, across=1)
         model.node("stone%d" % (i + 1), stone, (x, 0, z), root)
 
 
@@ -291,37 +301,44 @@ PAPERS = [(0.96, 0.36, 0.22), (1.0, 0.66, 0.20), (0.96, 0.34, 0.48), (1.0, 0.80,
           (0.98, 0.50, 0.20), (0.66, 0.46, 0.92), (1.0, 0.72, 0.28), (0.36, 0.70, 0.90), (0.94, 0.32, 0.30)]
 
 
-def lantern_shape(material, radius, height):
-    """What hangs: a body of paper, ribbed by its picture, between two dark rims."""
+def lantern_shape(material, radius, height, sides=4):
+    """What hangs: the front of a body of paper, ribbed by its picture, between two dark rims."""
     shape = Mesh(material)
-    shape.turned(6, [(0.40 * radius, -height, 0.80), (radius, -0.36 * height, 0.52), (radius, 0.36 * height, 0.24),
-                     (0.40 * radius, height, -0.06)], across=2)
+    shape.turned(sides, [(0.40 * radius, -height, 0.80), (radius, -0.36 * height, 0.52), (radius, 0.36 * height, 0.24),
+                         (0.40 * radius, height, -0.06)], sweep=FRONT, across=1.2)
     return shape
 
 
 def add_lanterns(model, root):
     wood = model.material("wood", (0.42, 0.30, 0.26), ambient=(0.50, 0.38, 0.38))
-    post = Mesh(wood)
-    post.turned(3, [(0.13, 0.0, 1.0), (0.09, 3.75, 0.0)], center=(-0.85, 0, 0))
-    post.grid(2, 1, lambda c, r: (-1.1 + 0.75 * c, 3.45 + 0.14 * r + (0.10 if c == 1 else 0.0), 0.06), lambda c, r: (0, 0))
-    post_mesh = model.mesh(post)
+    poles = []
+    for side in (-1, 1):
+        pole = Mesh(wood)
+        pole.face(*[((0.9 * side + x, y, 0.0), (0, 0)) for x, y in ((-0.12, 0.0), (0.12, 0.0), (0.08, 3.75), (-0.08, 3.75))])
+        arm = ((1.12 * side, 3.46), (-0.22 * side, 3.52), (-0.2 * side, 3.62), (1.12 * side, 3.6))
+        pole.face(*[((x, y, 0.05), (0, 0)) for x, y in arm[::-side]])
+        poles.append(model.mesh(pole))
     for i, color in enumerate(PAPERS):
         paper = model.material("paper%d" % (i + 1), color, "paper", ambient=[0.5 * c for c in color])
         halo = model.material("halo%d" % (i + 1), [0.4 + 0.6 * c for c in color], "glow", 0.9, True)
         pool = model.material("pool%d" % (i + 1), [0.5 + 0.5 * c for c in color], "glow", 0.4, True)
-        stand = model.node("post%d" % (i + 1), post_mesh, parent=root)
-        lantern = model.node("lantern%d" % (i + 1), lantern_shape(paper, 0.66, 0.72), (0.15, 2.75, 0), stand)
+        stand = model.node("post%d" % (i + 1), parent=root)
+        model.node("west%d" % (i + 1), poles[0], parent=stand)
+        model.node("east%d" % (i + 1), poles[1], parent=stand)
+        lantern = model.node("lantern%d" % (i + 1), lantern_shape(paper, 0.66, 0.72), (0, 2.75, 0), stand)
         quad = Mesh(halo)
         quad.quad(2.3)
         model.node("halo%d" % (i + 1), quad, parent=lantern, hidden=True, radius=0)
         quad = Mesh(pool)
         quad.quad(3.6, True)
-        model.node("pool%d" % (i + 1), quad, (0.15, 0.07, 0.3), stand, hidden=True, radius=0)
+        model.node("pool%d" % (i + 1), quad, (0, 0.07, 0.3), stand, hidden=True, radius=0)
 
 
 def add_small(model, root):
     brass = model.material("brass", (1.0, 0.78, 0.36), "paper", ambient=(1.0, 0.8, 0.5))
-    model.node("lamp", lantern_shape(brass, 0.20, 0.26), parent=root)
+    lamp = Mesh(brass)
+    lamp.turned(4, [(0.10, -0.26, 0.80), (0.21, 0.0, 0.4), (0.10, 0.26, -0.06)], across=2)
+    model.node("lamp", lamp, parent=root)
     glow = Mesh(model.material("lampGlow", (1.0, 0.82, 0.50), "glow", 0.85, True))
     glow.quad(0.75)
     model.node("lampGlow", glow, parent=root, radius=0)

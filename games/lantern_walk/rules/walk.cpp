@@ -167,7 +167,7 @@ void Walk::pushOut(const Obstacle &obstacle) {
         return;
     }
     const float sine = std::sin(heading / kDegrees), cosine = std::cos(heading / kDegrees);
-    const float side = sine * z - cosine * x >= 0.0f ? 0.04f : -0.04f;
+    const float side = sine * z - cosine * x >= 0.0f ? -0.04f : 0.04f;
     const float scale = obstacle.radius / away;
     at.x = obstacle.at.x + (x - side * z) * scale;
     at.z = obstacle.at.z + (z + side * x) * scale;

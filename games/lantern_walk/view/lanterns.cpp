@@ -9,7 +9,7 @@ namespace lantern_walk {
 namespace {
 
 constexpr float kFade = 2.2f;                         // of the glow in a second
-constexpr float kArm = 0.15f, kHeight = 2.75f;        // of the lantern from its post
+constexpr float kHeight = 2.75f;
 constexpr float kHalo = 0.92f, kPool = 0.62f;         // opacity when lit
 constexpr float kUnlit = 0.0f, kEmission = 0.92f;    // of the paper's colour
 constexpr float kBrightness = 1.15f, kReachQ = 0.11f;  // of the light
@@ -21,13 +21,14 @@ bool LanternView::load(KTNODE *stage) {
         const std::string number = std::to_string(i + 1);
         Parts &part = parts[i];
         part.post = stage->findByNameInHierarchy(("post" + number).c_str());
+        part.west = findMesh(stage, "west" + number);
+        part.east = findMesh(stage, "east" + number);
         part.paper = findMesh(stage, "lantern" + number);
         part.halo = findMesh(stage, "halo" + number);
         part.pool = findMesh(stage, "pool" + number);
-        if (!part.post || !part.paper || !part.halo || !part.pool) return false;
+        if (!part.post || !part.west || !part.east || !part.paper || !part.halo || !part.pool) return false;
         const unsigned code = kLanternCode + static_cast<unsigned>(i);
-        for (KTNODE *node : {part.post, static_cast<KTNODE *>(part.paper), static_cast<KTNODE *>(part.halo)})
-            node->setAuxId(code);
+        for (KTMESH *mesh : {part.west, part.east, part.paper, part.halo}) mesh->setAuxId(code);
         part.color = part.paper->getMaterial()->getDiffuse();
         part.light = new KTLIGHT;  // the list of nodes owns it
         part.light->setAmbient(0.0f, 0.0f, 0.0f, 1.0f);
@@ -43,7 +44,8 @@ void LanternView::arrange(const Evening &evening) {
         const Place at = evening.lantern[i];
         parts[i].post->setPosition(at.x, 0.0f, at.z);
         // The arm points at the path.
-        parts[i].post->setRotation(0.0f, at.x > 0.0f ? 180.0f : 0.0f, 0.0f);
+        parts[i].west->setDisplayStatus(at.x <= 0.0f);
+        parts[i].east->setDisplayStatus(at.x > 0.0f);
         parts[i].light->setPosition(getPlace(i) + R3XVECTOR3D(0.0f, -0.2f, 0.9f));
     }
     for (int i = count; i < kMostLanterns; ++i) parts[i].post->setPosition(0.0f, -50.0f, 60.0f);
@@ -62,7 +64,7 @@ void LanternView::update(float seconds, float time, float azimuth) {
         glow[i] += std::fmax(-step, std::fmin(step, wanted[i] - glow[i]));
         const float phase = static_cast<float>(i);
         show(i, 0.94f + 0.06f * std::sin(5.0f * time + 1.7f * phase) * std::sin(3.1f * time + phase));
-        parts[i].halo->setRotation(0.0f, azimuth - parts[i].post->getRotation().y, 0.0f);
+        parts[i].halo->setRotation(0.0f, azimuth, 0.0f);
         parts[i].paper->setRotation(2.0f * std::sin(0.9f * time + phase), 0.0f,
                                     3.0f * std::sin(1.3f * time + 2.0f * phase));
     }
@@ -88,9 +90,7 @@ void LanternView::passLights() const {
 }
 
 R3XVECTOR3D LanternView::getPlace(int lantern) const {
-    const KTNODE &post = *parts[lantern].post;
-    const float arm = post.getRotation().y > 90.0f ? -kArm : kArm;
-    return post.getPosition() + R3XVECTOR3D(arm, kHeight, 0.0f);
+    return parts[lantern].post->getPosition() + R3XVECTOR3D(0.0f, kHeight, 0.0f);
 }
 
 }  // namespace lantern_walk

@@ -29,6 +29,7 @@ class LanternView {
    private:
     struct Parts {
         KTNODE *post;
+        KTMESH *west, *east;  // the pole, on either side
         KTMESH *paper, *halo, *pool;
         KTLIGHT *light;
         R3XVECTOR4D color;

@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: Zlib
+// Lantern Walk as a whole: the scripted player finishes it, within the means of the devices; five of its moments
+// are compared with their pictures.
+
+#include <SDL.h>
+#include <keltra/keltra.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "games/lantern_walk/player.h"
+#include "tests/support/engine_fixture.h"
+
+namespace keltra::test {
+namespace {
+
+using lantern_walk::Game;
+using lantern_walk::GameOptions;
+using lantern_walk::MothMood;
+using lantern_walk::Player;
+using lantern_walk::Screen;
+
+constexpr float kStep = 0.1f;
+constexpr int kMostFrames = 6000;
+constexpr int kMostTriangles = 3000;
+constexpr unsigned kMostTexture = 8u << 20;
+constexpr Tolerance kTolerance = {48, 0.35};
+
+// Of one frame: those of the scene, up to the projection of the interface, and all.
+struct Triangles {
+    int scene = 0, all = 0;
+};
+
+Triangles countTriangles() {
+    Triangles count;
+    for (const Call &call : GlRecorder::calls()) {
+        if (call.name == "glOrthox") count.scene = count.all;
+        if (call.name != "glDrawElements" && call.name != "glDrawArrays") continue;
+        const int corners = static_cast<int>(call.arguments[call.name == "glDrawElements" ? 1 : 2]);
+        if (call.arguments[0] == GL_TRIANGLES) count.all += corners / 3;
+        if (call.arguments[0] == GL_TRIANGLE_STRIP) count.all += corners - 2;
+    }
+    return count;
+}
+
+class LanternWalkTest : public EngineTest {
+   protected:
+    void prepare(KTSETTINGS &wanted) override {
+        wanted.setKTEPath(KELTRA_GAME_DATA);
+        wanted.setKTAPath(KELTRA_GAME_DATA);
+        wanted.setTexturePath(KELTRA_GAME_DATA);
+        wanted.setFontPath(KELTRA_GAME_DATA);
+    }
+    void SetUp() override {
+        EngineTest::SetUp();
+        std::srand(1);  // emitters use `rand`
+        options.data = KELTRA_GAME_DATA;
+        options.step = kStep;
+        options.isFilmShown = false;
+        game.reset(new Game);
+    }
+    void TearDown() override {
+        GlRecorder::setDrawing(true);
+        game.reset();
+        KTSETTINGS::landscape = false;
+        EngineTest::TearDown();
+        KELTRA::setKTEPath(nullptr);
+        KTANIM::setKTAPath(nullptr);
+        KTTEXTURE::setPath(nullptr);
+    }
+
+    /// One frame, in which `act` may use pen and keys. Drawn for the eye, or only counted.
+    Image frame(bool isDrawn = false, const std::function<void(KTINPUT *)> &act = nullptr) {
+        GlRecorder::clear();
+        GlRecorder::setDrawing(isDrawn);
+        const bool ok = game->frame([&](const Game &shown, KTINPUT *input) {
+            if (act)
+                act(input);
+            else if (isPlayed)
+                player.play(shown, input);
+        });
+        EXPECT_TRUE(ok) << "a frame could not be drawn, or the GL has an error";
+        // What is tapped is drawn once more, into one pixel.
+        if (GlRecorder::count("glReadPixels") == 0) {
+            const Triangles count = countTriangles();
+            most = {std::max(most.scene, count.scene), std::max(most.all, count.all)};
+        }
+        const Image picture = isDrawn ? captureFrame() : Image();
+        expectNoGlError();
+        EXPECT_TRUE(KELTRA::swap());
+        mostTexture = std::max(mostTexture, KELTRA::getUsedVideoMemory());
+        return picture;
+    }
+    /// Frames until it is true; false when it never is.
+    bool playUntil(const std::function<bool()> &isThere) {
+        for (int i = 0; i < kMostFrames; ++i) {
+            if (isThere()) return true;
+            frame();
+        }
+        return false;
+    }
+    void strike(int key) {
+        frame(false, [key](KTINPUT *input) { input->putKey(key, 0, true); });
+        frame(false, [key](KTINPUT *input) { input->putKey(key, 0, false); });
+    }
+    void expectMoment(const char *name) {
+        EXPECT_TRUE(matchesGolden(frame(true), std::string("lantern_walk_") + name, kTolerance));
+    }
+    bool isWalking(int evening, float seconds) const {
+        return game->getScreen() == Screen::kWalk && game->getWalk().getEveningNumber() == evening &&
+               game->getScreenTime() > seconds;
+    }
+    bool isMothCircling() const {
+        for (int i = 0; i < game->getWalk().getMoths().getCount(); ++i) {
+            if (game->getWalk().getMoths().get(i).mood == MothMood::kCircling) return true;
+        }
+        return false;
+    }
+
+    GameOptions options;
+    std::unique_ptr<Game> game;
+    Player player;
+    bool isPlayed = true;
+    Triangles most;
+    unsigned mostTexture = 0;
+};
+
+TEST_F(LanternWalkTest, ThePlayerFinishesThreeEvenings) {
+    ASSERT_TRUE(game->start(options));
+    frame();
+    expectMoment("title");
+    ASSERT_TRUE(playUntil([this] { return isWalking(0, 3.0f) && game->getWalk().countLit() == 2; }));
+    expectMoment("first");
+    ASSERT_TRUE(playUntil([this] { return game->getScreen() == Screen::kWon; }));
+    for (int i = 0; i < 3; ++i) frame();
+    expectMoment("won");
+    ASSERT_TRUE(playUntil([this] { return isWalking(2, 1.0f) && isMothCircling(); }));
+    expectMoment("moth");
+    ASSERT_TRUE(playUntil([this] { return game->getScreen() == Screen::kEnd && game->getScreenTime() > 3.0f; }));
+    expectMoment("end");
+    for (int stars : game->getSaved().stars) EXPECT_GE(stars, 1);
+    EXPECT_GT(player.getTaps(), 20);
+    EXPECT_GT(player.getKeys(), 4);
+    EXPECT_LE(most.scene, kMostTriangles);
+    EXPECT_LE(mostTexture, kMostTexture);
+    RecordProperty("triangles", most.scene);
+    RecordProperty("textures", static_cast<int>(mostTexture));
+    std::printf("at most %d triangles and %d of the interface, %u bytes of textures; %d taps, %d keys\n", most.scene,
+                most.all - most.scene, mostTexture, player.getTaps(), player.getKeys());
+}
+
+TEST_F(LanternWalkTest, InLandscapeItIsFinishedToo) {
+    KTSETTINGS::landscape = true;
+    ASSERT_TRUE(game->start(options));
+    ASSERT_TRUE(playUntil([this] { return isWalking(1, 0.0f); })) << "the first evening is not won";
+    EXPECT_LE(most.scene, kMostTriangles);
+}
+
+TEST_F(LanternWalkTest, IsLeftAndGoneOnWith) {
+    options.save = (std::filesystem::temp_directory_path() / "lantern_walk_resume").string();
+    std::filesystem::remove(options.save);
+    ASSERT_TRUE(game->start(options));
+    ASSERT_TRUE(playUntil([this] { return game->getWalk().countLit() == 2 && !game->getWalk().hasGoal(); }));
+    isPlayed = false;
+    frame();
+    strike(SDLK_ESCAPE);
+    ASSERT_EQ(game->getScreen(), Screen::kPause);
+    const float left = game->getWalk().getTimeLeft();
+    for (int i = 0; i < 10; ++i) frame();
+    EXPECT_EQ(game->getWalk().getTimeLeft(), left) << "the dusk waits";
+    strike(SDLK_DOWN);
+    strike(SDLK_DOWN);
+    strike(SDLK_RETURN);
+    ASSERT_EQ(game->getScreen(), Screen::kTitle);
+    EXPECT_TRUE(std::filesystem::exists(options.save));
+
+    game.reset(new Game);
+    ASSERT_TRUE(game->start(options));
+    frame();
+    strike(SDLK_RIGHT);
+    strike(SDLK_RETURN);
+    ASSERT_EQ(game->getScreen(), Screen::kWalk);
+    EXPECT_EQ(game->getWalk().countLit(), 2);
+    EXPECT_NEAR(game->getWalk().getTimeLeft(), left, 1.0f);
+    std::filesystem::remove(options.save);
+}
+
+TEST_F(LanternWalkTest, ALostEveningIsTriedAgain) {
+    options.step = 0.5f;
+    ASSERT_TRUE(game->start(options));
+    frame();
+    strike(SDLK_RETURN);
+    ASSERT_EQ(game->getScreen(), Screen::kWalk);
+    isPlayed = false;
+    ASSERT_TRUE(playUntil([this] { return game->getScreen() == Screen::kLost; }));
+    frame();
+    strike(SDLK_RETURN);
+    EXPECT_EQ(game->getScreen(), Screen::kWalk);
+    EXPECT_EQ(game->getWalk().getEveningNumber(), 0);
+    EXPECT_GT(game->getWalk().getTimeLeft(), 100.0f);
+}
+
+TEST_F(LanternWalkTest, TheTitleTurnsThePictureAndEndsTheGame) {
+    ASSERT_TRUE(game->start(options));
+    isPlayed = false;
+    frame();
+    strike(SDLK_DOWN);  // past "Continue", which has nothing to go on with
+    strike(SDLK_RETURN);
+    EXPECT_TRUE(KTSETTINGS::isSDLLandscape());
+    EXPECT_TRUE(game->getSaved().isLandscape);
+    frame();
+    strike(SDLK_UP);  // around to the last
+    strike(SDLK_RETURN);
+    EXPECT_TRUE(game->isOver());
+}
+
+TEST_F(LanternWalkTest, TheFilmIsSkippedByATap) {
+    if (!std::filesystem::exists(std::string(KELTRA_GAME_DATA) + "intro.m1v")) GTEST_SKIP() << "there is no film";
+    options.isFilmShown = true;
+    ASSERT_TRUE(game->start(options));
+    isPlayed = false;
+    for (int i = 0; i < 5; ++i) frame();
+    ASSERT_EQ(game->getScreen(), Screen::kFilm);
+    frame(false, [](KTINPUT *input) { input->putPen(120, 160, true); });
+    frame(false, [](KTINPUT *input) { input->putPen(120, 160, false); });
+    frame();
+    EXPECT_EQ(game->getScreen(), Screen::kTitle);
+}
+
+TEST_F(LanternWalkTest, TheFilmEndsByItself) {
+    options.isFilmShown = true;
+    ASSERT_TRUE(game->start(options));
+    isPlayed = false;
+    EXPECT_TRUE(playUntil([this] { return game->getScreen() == Screen::kTitle; }));
+}
+
+}  // namespace
+}  // namespace keltra::test
