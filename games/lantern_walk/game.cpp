@@ -45,7 +45,8 @@ bool Game::start(const GameOptions &chosen) {
 bool Game::loadPages(const std::string &folder) {
     const bool ok = title.load(folder + "title.xml", {"new", "continue", "turn", "quit"}) &&
                     pause.load(folder + "pause.xml", {"resume", "turn", "leave"}) &&
-                    won.load(folder + "won.xml", {"next"}) && lost.load(folder + "lost.xml", {"again", "leave"}) &&
+                    won.load(folder + "won.xml", {"next"}) &&
+                    lost.load(folder + "lost.xml", {"again", "leave"}) &&
                     end.load(folder + "end.xml", {"leave"}) && hud.load(folder);
     if (!ok) return false;
     ring = new KTBOX;  // the list of nodes owns it
@@ -78,6 +79,7 @@ void Game::show(Screen next) {
     reported = 0;
     hasTap = false;
     clock.setPaused(next == Screen::kPause);
+    world.showSky(next != Screen::kFilm);
     title.setEnabled(kContinue, saved.isBegun());
     if (Page *page = const_cast<Page *>(getPage())) page->open();
     hud.open();
@@ -201,8 +203,10 @@ void Game::updateWalk(float seconds) {
 }
 
 void Game::steer() {
-    const float x = static_cast<float>(input.isHeld(KT_ACTION_RIGHT)) - static_cast<float>(input.isHeld(KT_ACTION_LEFT));
-    const float z = static_cast<float>(input.isHeld(KT_ACTION_DOWN)) - static_cast<float>(input.isHeld(KT_ACTION_UP));
+    const float x =
+        static_cast<float>(input.isHeld(KT_ACTION_RIGHT)) - static_cast<float>(input.isHeld(KT_ACTION_LEFT));
+    const float z =
+        static_cast<float>(input.isHeld(KT_ACTION_DOWN)) - static_cast<float>(input.isHeld(KT_ACTION_UP));
     walk.steer(x, z);
 }
 
@@ -217,7 +221,8 @@ void Game::finish(Phase phase) {
     saved.hasWalk = false;
     if (phase == Phase::kLost) {
         char text[64];
-        std::snprintf(text, sizeof text, "%d of %d lanterns were lit", walk.countLit(), walk.getEvening().lanterns);
+        std::snprintf(text, sizeof text, "%d of %d lanterns were lit", walk.countLit(),
+                      walk.getEvening().lanterns);
         lost.write("count", text);
         keep();
         return show(Screen::kLost);
@@ -233,7 +238,8 @@ void Game::writeWon() {
     const char *const names[] = {"star1", "star2", "star3"};
     for (int i = 0; i < 3; ++i) {
         const bool isEarned = i < walk.getStars();
-        won.getBox(names[i])->setColor(isEarned ? 1.0f : 0.25f, isEarned ? 1.0f : 0.22f, isEarned ? 1.0f : 0.45f, 0.999f);
+        won.getBox(names[i])->setColor(isEarned ? 1.0f : 0.25f, isEarned ? 1.0f : 0.22f,
+                                       isEarned ? 1.0f : 0.45f, 0.999f);
     }
     char text[64];
     std::snprintf(text, sizeof text, "%d seconds of dusk left", static_cast<int>(walk.getTimeLeft()));
@@ -242,7 +248,8 @@ void Game::writeWon() {
 }
 
 void Game::updatePause(int pressed) {
-    if (pressed == kResume || input.wasPressed(static_cast<unsigned>(pauseAction))) return show(Screen::kWalk);
+    if (pressed == kResume || input.wasPressed(static_cast<unsigned>(pauseAction)))
+        return show(Screen::kWalk);
     if (pressed == kPauseTurn) {
         turn();
         pause.open();

@@ -23,9 +23,9 @@ namespace lantern_walk {
 enum class Screen { kFilm, kTitle, kWalk, kPause, kWon, kLost, kEnd };
 
 struct GameOptions {
-    std::string data;          // folder of the files, with a slash at its end
-    std::string save;          // file of the saved game; empty: nothing is kept
-    float step = 0.0f;         // fixed seconds a frame; 0: by the clock
+    std::string data;   // folder of the files, with a slash at its end
+    std::string save;   // file of the saved game; empty: nothing is kept
+    float step = 0.0f;  // fixed seconds a frame; 0: by the clock
     bool isFilmShown = true;
 };
 

@@ -8,9 +8,9 @@
 namespace lantern_walk {
 namespace {
 
-constexpr int kPatience = 6;            // frames between two taps
-constexpr int kMostTries = 2;           // taps on one thing, before the pad is taken
-constexpr float kPageTime = 0.8f;       // seconds that a page is looked at
+constexpr int kPatience = 6;                                   // frames between two taps
+constexpr int kMostTries = 2;                                  // taps on one thing, before the pad is taken
+constexpr float kPageTime = 0.8f;                              // seconds that a page is looked at
 constexpr float kSide = 14.0f, kTop = 30.0f, kBottom = 30.0f;  // of the screen, where nothing is tapped
 const int kPad[4] = {SDLK_UP, SDLK_DOWN, SDLK_LEFT, SDLK_RIGHT};
 
@@ -54,8 +54,8 @@ void Player::playPage(const Game &game, KTINPUT *input) {
 void Player::playWalk(const Game &game, KTINPUT *input) {
     const Walk &walk = game.getWalk();
     if (chase(game, input) || walk.getDeed() != Deed::kNone) return;
-    const bool isDone = target == Target::kWell ? walk.getOil() > 0.9f
-                                                : lantern < 0 || walk.getLantern(lantern).isLit;
+    const bool isDone =
+        target == Target::kWell ? walk.getOil() > 0.9f : lantern < 0 || walk.getLantern(lantern).isLit;
     const bool isDry = target == Target::kLantern && walk.getOil() < kLightCost + 0.02f;
     if (lantern < 0 || isDone || isDry) {
         hold(input, false, false, false, false);
@@ -129,7 +129,8 @@ bool Player::touch(const Game &game, R3XVECTOR3D place, KTINPUT *input) {
     R3XVECTOR2D point;
     const R3XVECTOR2D size = getScreenSize();
     if (!game.getWorld().getView().toScreen(place, &point)) return false;
-    if (point.x < kSide || point.x > size.x - kSide || point.y < kTop || point.y > size.y - kBottom) return false;
+    if (point.x < kSide || point.x > size.x - kSide || point.y < kTop || point.y > size.y - kBottom)
+        return false;
     press(point, input);
     return true;
 }

@@ -2,8 +2,8 @@
 #ifndef KELTRA_LANTERN_WALK_PLAYER_H
 #define KELTRA_LANTERN_WALK_PLAYER_H
 
-// A player that finishes the game by what any player has: the pen, the pad and the buttons. It reads how things
-// stand from the rules and where they are on the screen from the view.
+// A player that finishes the game by what any player has: the pen, the pad and the buttons. It reads how
+// things stand from the rules and where they are on the screen from the view.
 
 #include "games/lantern_walk/game.h"
 
@@ -36,7 +36,7 @@ class Player {
     Screen shown = Screen::kFilm;
     Target target = Target::kLantern;
     int lantern = -1, tries = 0, taps = 0, keys = 0, struck = 0;
-    int waiting = 0;       // frames until it does something again
+    int waiting = 0;  // frames until it does something again
     bool isDown = false, held[4] = {};
     int penX = 0, penY = 0;
 };

@@ -11,10 +11,10 @@
 namespace lantern_walk {
 
 struct SavedGame {
-    int next = 0;                // evening that comes; kEvenings after the last
-    int stars[kEvenings] = {};   // 0 for an evening that is not won yet
+    int next = 0;               // evening that comes; kEvenings after the last
+    int stars[kEvenings] = {};  // 0 for an evening that is not won yet
     bool isLandscape = false;
-    bool hasWalk = false;        // left in the middle of an evening, which `walk` tells
+    bool hasWalk = false;  // left in the middle of an evening, which `walk` tells
     Snapshot walk;
 
     bool isBegun() const { return hasWalk || (next > 0 && next < kEvenings); }

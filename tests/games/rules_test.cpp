@@ -22,7 +22,8 @@ class RulesTest : public ::testing::Test {
         while (passed < seconds) {
             walk.advance(kStep);
             passed += kStep;
-            for (Happening happening = walk.take(); happening.event != Event::kNone; happening = walk.take()) {
+            for (Happening happening = walk.take(); happening.event != Event::kNone;
+                 happening = walk.take()) {
                 last = happening;
                 if (happening.event == until) return passed;
             }
@@ -63,7 +64,8 @@ TEST_F(RulesTest, LayoutsLeaveRoomBetweenThings) {
         const Evening &layout = getEvening(evening);
         for (int i = 0; i < layout.lanterns; ++i) {
             const Place at = layout.lantern[i];
-            EXPECT_TRUE(at.x > kWestEnd && at.x < kEastEnd && at.z > kNorthEnd && at.z + 1.2f < kSouthEnd) << i;
+            EXPECT_TRUE(at.x > kWestEnd && at.x < kEastEnd && at.z > kNorthEnd && at.z + 1.2f < kSouthEnd)
+                << i;
             for (int j = 0; j < i; ++j) EXPECT_GT(distance(at, layout.lantern[j]), 2.5f) << i << " and " << j;
             for (int j = 0; j < kObstacles; ++j)
                 EXPECT_GT(distance(at, getObstacle(j).at), getObstacle(j).radius + 0.4f)
@@ -210,7 +212,8 @@ TEST_F(RulesTest, MothsWaitForLight) {
     walk.start(2);
     pass(120.0f, Event::kPutOut);
     EXPECT_NE(last.event, Event::kPutOut);
-    for (int i = 0; i < walk.getMoths().getCount(); ++i) EXPECT_EQ(walk.getMoths().get(i).mood, MothMood::kAway);
+    for (int i = 0; i < walk.getMoths().getCount(); ++i)
+        EXPECT_EQ(walk.getMoths().get(i).mood, MothMood::kAway);
 }
 
 TEST_F(RulesTest, TheSameWishesGiveTheSameEvening) {

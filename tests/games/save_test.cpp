@@ -16,7 +16,8 @@ namespace {
 class SaveTest : public ::testing::Test {
    protected:
     void SetUp() override {
-        path = (std::filesystem::temp_directory_path() / ("lantern_walk_save_" + std::to_string(std::rand()))).string();
+        path = (std::filesystem::temp_directory_path() / ("lantern_walk_save_" + std::to_string(std::rand())))
+                   .string();
         saved.next = 1;
         saved.stars[0] = 3;
         saved.isLandscape = true;

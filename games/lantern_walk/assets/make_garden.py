@@ -17,6 +17,9 @@ def linear(color):
 
 
 FRONT = (-105, 105)  # what a viewer in the south sees of a round thing
+# What is seen through is drawn from back to front, by the places of the nodes. What lies on the ground is drawn in the order
+# of its height: pools of lanterns, whose nodes are so far behind them, then the lamp's pool, then the boy's shadow.
+FIRST = 6
 
 
 class Mesh:
@@ -165,7 +168,7 @@ def add_sky(model, root):
     sky = model.node("sky", parent=root)
     dome = Mesh(model.material("sky", picture="sky", unlit=True))
     # The half that is looked at, from inside, so the angles run the other way.
-    rows = ((120, 0.98, 0.0), (120, 0.35, 0.42), (120, 0.0, 0.86), (120, -0.12, 0.99))
+    rows = ((120, 0.62, 0.08), (120, 0.0, 0.86), (120, -0.12, 0.99))
 
     def place(column, row):
         angle = math.radians(270 - 36.0 * column)
@@ -173,18 +176,18 @@ def add_sky(model, root):
         flat = radius * math.sqrt(1 - height * height)
         return (flat * math.sin(angle), radius * height, flat * math.cos(angle))
 
-    dome.grid(5, 3, lambda c, r: place(c, 3 - r), lambda c, r: (c / 5, rows[3 - r][2]))
+    dome.grid(5, 2, lambda c, r: place(c, 2 - r), lambda c, r: (c / 5, rows[2 - r][2]))
     model.node("dome", dome, parent=sky)
     moon = Mesh(model.material("moon", picture="moon", alpha=0.999, unlit=True))
     moon.quad(6.2)
     model.node("moon", moon, (-0.6, 14.8, -92.0), root)
     hills = Mesh(model.material("hills", (0.40, 0.23, 0.43), unlit=True))
-    tops = [8.0, 10.4, 8.0, 5.6, 6.8, 11.4, 8.2, 9.5]
-    hills.grid(7, 1, lambda c, r: (-63 + 18 * c, (-1.0, tops[c])[r], -82), lambda c, r: (0, 0))
+    tops = [8.0, 10.4, 5.8, 6.6, 11.4, 8.0]
+    hills.grid(5, 1, lambda c, r: (-60 + 24 * c, (-1.0, tops[c])[r], -82), lambda c, r: (0, 0))
     model.node("hills", hills, parent=root)
     near = Mesh(model.material("nearHills", (0.23, 0.16, 0.34), unlit=True))
-    tops = [4.0, 5.4, 3.2, 2.4, 3.0, 5.2, 3.6]
-    near.grid(6, 1, lambda c, r: (-54 + 18 * c, (-1.0, tops[c])[r], -66), lambda c, r: (0, 0))
+    tops = [4.4, 5.2, 2.4, 2.8, 5.0, 3.6]
+    near.grid(5, 1, lambda c, r: (-55 + 22 * c, (-1.0, tops[c])[r], -66), lambda c, r: (0, 0))
     model.node("nearHills", near, parent=root)
 
 
@@ -205,7 +208,7 @@ def add_ground(model, root):
 def add_path(model, root):
     paving = model.material("paving", (0.80, 0.78, 0.86), "paving", ambient=(0.86, 0.84, 0.94))
     bends = [(0.5, 26), (0.4, 18), (0, 11), (-2.0, 6), (-1.0, 1), (1.2, -4), (0.5, -9), (0, -14), (0, -19), (0, -24)]
-    points = along(bends, 4)
+    points = along(bends, 3)
     for part in range(0, len(points) - 1, 7):
         path = Mesh(paving)
         piece = points[part:part + 8]
@@ -217,7 +220,7 @@ def add_path(model, root):
             return (x - dz / length * side, 0.03, z + dx / length * side)
 
         if len(piece) > 1:
-            path.grid(1, len(piece) - 1, place, lambda c, r: (c * 0.5, (part + r) * 0.28))
+            path.grid(1, len(piece) - 1, place, lambda c, r: (c * 0.5, (part + r) * 0.37))
         model.node("path%d" % (part // 7 + 1), path, parent=root)
 
 
@@ -247,18 +250,18 @@ def add_gate(model, root):
     lengths = (0.0, 0.28, 0.62)
 
     def place(column, row):
-        angle = math.radians(-118 + 256.0 * column / 14 - 10)
+        angle = math.radians(-118 + 256.0 * column / 13 - 10)
         radius, z = profile[2 - row]
         return (radius * math.sin(angle), 3.9 + radius * math.cos(angle), z)
 
-    ring.grid(14, 2, lambda c, r: place(14 - c, r), lambda c, r: (c * 0.48, lengths[2 - r]))
+    ring.grid(13, 2, lambda c, r: place(13 - c, r), lambda c, r: (c * 0.52, lengths[2 - r]))
     gate = model.node("gate", ring, (0, 0, -15), root)
     for side in (-1, 1):
         part = Mesh(wall)
-        across = [3.8, 8.4, 13.0]
-        outline = ((0, 0.4, 0.9), (2.5, 0.4, 0.1), (2.9, 0.0, 0.0), (2.5, -0.4, 0.1))
+        across = [3.8, 13.0]
+        outline = ((0, 0.4, 0.9), (2.5, 0.4, 0.1), (2.9, 0.0, 0.0))
         across = [side * x for x in across][::side]
-        part.grid(2, 3, lambda c, r: (across[c], outline[r][0], outline[r][1]), lambda c, r: (across[c] / 3.6, outline[r][2]))
+        part.grid(1, 2, lambda c, r: (across[c], outline[r][0], outline[r][1]), lambda c, r: (across[c] / 3.6, outline[r][2]))
         model.node("wall%s" % ("Left" if side < 0 else "Right"), part, parent=gate)
 
 
@@ -279,11 +282,12 @@ def add_green(model, root, chance):
             # Seen from the path: to the right of it the columns run away from the viewer, to the left toward it.
             hedge.grid(1, 3, lambda c, r: place(1 - flip(c), r), lambda c, r: (c * 3.2, 0.55 * r))
             ends = [place(0, r) for r in range(4)] + [(side * (x + 1.6), 0.0, z[0])]
-            hedge.face(*[(p, (p[0] / 2, p[1] / 2)) for p in (reversed(ends) if side > 0 else ends)])
+            if i == 0:  # of the others the ends are hidden
+                hedge.face(*[(p, (p[0] / 2, p[1] / 2)) for p in (reversed(ends) if side > 0 else ends)])
             model.node("hedge%d" % (4 * (side > 0) + i + 1), hedge, parent=root)
     tree = model.material("cypress", (0.46, 0.66, 0.60), "cypress", ambient=(0.66, 0.92, 0.94))
     places = [(-6.6, -18.5, 8.5), (6.9, -18.2, 9.4), (-10.5, -17.6, 7.2), (10.8, -17.8, 7.8), (-12.6, -9, 8.2), (12.4, -7.5, 9.0),
-              (-12.8, 0.5, 7.4), (12.8, 3, 8.0), (-12.2, 8, 8.8), (12.6, 11.5, 7.6)]
+              (-12.8, 1.5, 7.4), (12.8, 3, 8.0)]
     for i, (x, z, height) in enumerate(places):
         cypress = Mesh(tree)
         cypress.turned(3, [(0.6, 0.0, 1.6), (1.1, 0.22 * height, 1.1), (0.0, height, 0.0)],
@@ -330,8 +334,8 @@ def add_lanterns(model, root):
         quad.quad(2.3)
         model.node("halo%d" % (i + 1), quad, parent=lantern, hidden=True, radius=0)
         quad = Mesh(pool)
-        quad.quad(3.6, True)
-        model.node("pool%d" % (i + 1), quad, (0, 0.07, 0.3), stand, hidden=True, radius=0)
+        quad.quad(3.6, True, (0, 0, FIRST))
+        model.node("pool%d" % (i + 1), quad, (0, 0.07, 0.3 - FIRST), stand, hidden=True, radius=0)
 
 
 def add_small(model, root):
@@ -343,11 +347,11 @@ def add_small(model, root):
     glow.quad(0.75)
     model.node("lampGlow", glow, parent=root, radius=0)
     shadow = Mesh(model.material("shadow", (0.05, 0.03, 0.12), "glow", 0.75, True))
-    shadow.quad(1.0, True)
-    model.node("shadow", shadow, (0, 0.09, 0), root, radius=0)
+    shadow.quad(1.0, True, (0, 0, -1))
+    model.node("shadow", shadow, (0, 0.10, 1), root, radius=0)
     pool = Mesh(model.material("lampPool", (1.0, 0.74, 0.42), "glow", 0.34, True))
-    pool.quad(2.9, True)
-    model.node("lampPool", pool, (0, 0.08, 0), root, radius=0)
+    pool.quad(2.9, True, (0, 0, 3))
+    model.node("lampPool", pool, (0, 0.08, -3), root, radius=0)
     marker = Mesh(model.material("marker", (1.0, 0.92, 0.66), "glow", 0.8, True))
     marker.quad(0.55, True)
     model.node("marker", marker, (0, 0.10, 0), root, radius=0)

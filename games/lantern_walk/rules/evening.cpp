@@ -44,7 +44,7 @@ const Evening kEvening[kEvenings] = {
 };
 
 const Obstacle kObstacle[kObstacles] = {
-    {kWell, kWellRadius}, {{-5.6f, 8.4f}, 1.0f}, {{6.8f, 5.2f}, 1.2f},   {{-7.6f, -2.2f}, 1.4f},
+    {kWell, kWellRadius},  {{-5.6f, 8.4f}, 1.0f},   {{6.8f, 5.2f}, 1.2f},  {{-7.6f, -2.2f}, 1.4f},
     {{8.0f, -6.4f}, 1.1f}, {{-4.4f, -11.2f}, 1.1f}, {{2.9f, -6.6f}, 0.8f},
 };
 

@@ -35,8 +35,8 @@ bool Walk::resume(const Snapshot &kept) {
     if (kept.evening < 0 || kept.evening >= kEvenings) return false;
     const Evening &layout = lantern_walk::getEvening(kept.evening);
     const int all = (1 << layout.lanterns) - 1;
-    const bool isInside = kept.at.x >= kWestEnd && kept.at.x <= kEastEnd && kept.at.z >= kNorthEnd &&
-                          kept.at.z <= kSouthEnd;
+    const bool isInside =
+        kept.at.x >= kWestEnd && kept.at.x <= kEastEnd && kept.at.z >= kNorthEnd && kept.at.z <= kSouthEnd;
     if (kept.lit < 0 || kept.lit > all || !isInside) return false;
     if (!(kept.left > 0.0f && kept.left <= layout.dusk && kept.oil >= 0.0f && kept.oil <= 1.0f)) return false;
     start(kept.evening);

@@ -2,8 +2,8 @@
 #ifndef KELTRA_LANTERN_WALK_FILM_H
 #define KELTRA_LANTERN_WALK_FILM_H
 
-// The film before the title: on a box of the interface. Where the engine has no video, or there is no file, it
-// is left out.
+// The film before the title: on a box of the interface. Where the engine has no video, or there is no file,
+// it is left out.
 
 #include <keltra/keltra.h>
 #include <keltra/kit/clock.h>

@@ -54,7 +54,8 @@ void Hud::update(const Walk &walk, float seconds) {
     oil->setColor(1.0f, isLow ? 0.25f : 0.70f, isLow ? 0.16f : 0.22f, 1.0f);
     const float part = walk.getTimeLeft() / walk.getEvening().dusk;
     dusk->setSizes(widthOf(part, duskWidth), static_cast<int>(dusk->getSizes().y));
-    dusk->setColor(part < 0.25f ? 1.0f : 0.66f, part < 0.25f ? 0.36f : 0.60f, part < 0.25f ? 0.40f : 1.0f, 1.0f);
+    dusk->setColor(part < 0.25f ? 1.0f : 0.66f, part < 0.25f ? 0.36f : 0.60f, part < 0.25f ? 0.40f : 1.0f,
+                   1.0f);
     oil->setDisplayStatus(oil->getSizes().x > 0.0f);
     dusk->setDisplayStatus(dusk->getSizes().x > 0.0f);
     const int lit = 100 * walk.getEveningNumber() + walk.countLit();

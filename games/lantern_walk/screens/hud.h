@@ -19,7 +19,9 @@ class Hud {
     void react(const Happening &happening);
     void update(const Walk &walk, float seconds);
     /// True when the pause was asked for by the pen.
-    bool isPauseReported(unsigned reported) const { return reported && reported == page.getButton(0)->getId(); }
+    bool isPauseReported(unsigned reported) const {
+        return reported && reported == page.getButton(0)->getId();
+    }
     void pass() const { page.pass(); }
 
    private:

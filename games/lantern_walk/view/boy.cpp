@@ -15,6 +15,8 @@ constexpr float kStride = 1.36f;     // of a circle of the walk, which has two s
 constexpr float kRunFrom = 3.0f;     // units a second
 constexpr float kLongStride = 1.7f;  // of a run, which swings farther
 constexpr float kLampPool = 0.40f, kLampGlow = 0.9f;
+// The nodes of what lies on the ground stand apart from it, by which it is drawn in the right order.
+constexpr float kPoolBehind = 3.0f, kShadowBefore = 1.0f;
 
 }  // namespace
 
@@ -25,7 +27,8 @@ bool BoyView::load(KTNODE *stage) {
     pool = findMesh(stage, "lampPool");
     shadow = findMesh(stage, "shadow");
     if (!figure || !lamp || !glow || !pool || !shadow) return false;
-    if (!walk.load("figure_walk.kta") || !greeting.load("figure_wave.kta") || !player.bind(figure)) return false;
+    if (!walk.load("figure_walk.kta") || !greeting.load("figure_wave.kta") || !player.bind(figure))
+        return false;
     player.setTranslating(true);
     player.setSmooth(true);
     choose();
@@ -78,9 +81,9 @@ void BoyView::update(float seconds, float time, float azimuth) {
     glow->setPosition(place);
     glow->setRotation(0.0f, azimuth, 0.0f);
     glow->getMaterial()->setTransparency(kLampGlow * strength);
-    pool->setPosition(place.x, 0.08f, place.z);
+    pool->setPosition(place.x, 0.08f, place.z - kPoolBehind);
     pool->getMaterial()->setTransparency(kLampPool * strength);
-    shadow->setPosition(ground.x, 0.09f, ground.z);
+    shadow->setPosition(ground.x, 0.10f, ground.z + kShadowBefore);
     lamp->getMaterial()->setEmission(strength, 0.75f * strength, 0.4f * strength, 1.0f);
     light->setPosition(place + R3XVECTOR3D(0.0f, 0.3f, 0.8f));
     light->setDiffuse(1.05f * strength, 0.80f * strength, 0.50f * strength, 1.0f);

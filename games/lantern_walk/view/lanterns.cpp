@@ -8,10 +8,10 @@
 namespace lantern_walk {
 namespace {
 
-constexpr float kFade = 2.2f;                         // of the glow in a second
+constexpr float kFade = 2.2f;  // of the glow in a second
 constexpr float kHeight = 2.75f;
-constexpr float kHalo = 0.92f, kPool = 0.62f;         // opacity when lit
-constexpr float kUnlit = 0.0f, kEmission = 0.92f;    // of the paper's colour
+constexpr float kHalo = 0.92f, kPool = 0.62f;          // opacity when lit
+constexpr float kUnlit = 0.0f, kEmission = 0.92f;      // of the paper's colour
 constexpr float kBrightness = 1.15f, kReachQ = 0.11f;  // of the light
 
 }  // namespace
@@ -80,7 +80,8 @@ void LanternView::show(int lantern, float flicker) const {
     part.halo->getMaterial()->setTransparency(kHalo * strength);
     part.pool->getMaterial()->setTransparency(kPool * strength);
     // White in the middle of the spectrum: light of a saturated colour blackens what has another one.
-    part.light->setDiffuse((part.color * 0.7f + R3XVECTOR4D(0.30f, 0.24f, 0.14f, 0.0f)) * (kBrightness * strength));
+    part.light->setDiffuse((part.color * 0.7f + R3XVECTOR4D(0.30f, 0.24f, 0.14f, 0.0f)) *
+                           (kBrightness * strength));
 }
 
 void LanternView::passLights() const {

@@ -2,8 +2,8 @@
 #ifndef KELTRA_LANTERN_WALK_LANTERNS_H
 #define KELTRA_LANTERN_WALK_LANTERNS_H
 
-// The paper lanterns on their posts. A lit one glows, has a halo and a pool of light below, and lights what is
-// near; all four come and go slowly.
+// The paper lanterns on their posts. A lit one glows, has a halo and a pool of light below, and lights what
+// is near; all four come and go slowly.
 
 #include <keltra/keltra.h>
 

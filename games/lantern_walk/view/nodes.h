@@ -17,9 +17,7 @@ Node *find(KTNODE *root, const std::string &name, KT_NODE_TYPE type) {
     return node && node->isOfClass(type) ? static_cast<Node *>(node) : nullptr;
 }
 
-inline KTMESH *findMesh(KTNODE *root, const std::string &name) {
-    return find<KTMESH>(root, name, KT_MESH);
-}
+inline KTMESH *findMesh(KTNODE *root, const std::string &name) { return find<KTMESH>(root, name, KT_MESH); }
 
 /// What a tap hits, by the code that picking tells: beyond the numbers of nodes.
 constexpr unsigned kLanternCode = 2001, kMothCode = 2101, kWellCode = 2201;

@@ -8,7 +8,7 @@
 namespace lantern_walk {
 namespace {
 
-constexpr int kSparks = 36;
+constexpr int kSparks = 24;
 constexpr float kSparklingTime = 1.1f, kGlide = 1.8f, kWaveEvery = 7.0f;
 constexpr Place kTitlePlace = {0.9f, 9.4f};
 constexpr float kTitleHeading = -14.0f;
@@ -24,13 +24,13 @@ bool World::load(const std::string &data) {
 }
 
 bool World::prepareStage() {
-    KTNODE *sky = stage->findByNameInHierarchy("sky");
+    sky = stage->findByNameInHierarchy("sky");
     KTNODE *well = stage->findByNameInHierarchy("well");
     water = stage->findByNameInHierarchy("water");
     marker = findMesh(stage, "marker");
     moon = find<KTLIGHT>(stage, "moonlight", KT_LIGHT);
     if (!sky || !well || !water || !marker || !moon || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
+    showSky(true);
     moon->setExclusive(true);
     for (int i = 0; i < kFar; ++i) {
         far[i] = KTMATERIAL::findByName(kFarNames[i]);
@@ -56,6 +56,8 @@ bool World::loadEmitters(const std::string &data) {
     sparks->setNumberOfParticles(0);
     return true;
 }
+
+void World::showSky(bool status) const { KELTRA::setSkybox(status ? sky : nullptr); }
 
 void World::startWalk(const Walk &walk) {
     lanterns.arrange(walk.getEvening());

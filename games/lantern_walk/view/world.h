@@ -2,8 +2,8 @@
 #ifndef KELTRA_LANTERN_WALK_WORLD_H
 #define KELTRA_LANTERN_WALK_WORLD_H
 
-// The garden as it is seen: it puts what the rules know into nodes, lights, emitters and the camera, and draws
-// what is in view.
+// The garden as it is seen: it puts what the rules know into nodes, lights, emitters and the camera, and
+// draws what is in view.
 
 #include <keltra/keltra.h>
 #include <keltra/kit/view.h>
@@ -24,6 +24,8 @@ class World {
     /// missing.
     bool load(const std::string &data);
 
+    /// Off while the film is shown.
+    void showSky(bool status) const;
     /// Shows an evening from now on, seen from behind the boy.
     void startWalk(const Walk &walk);
     /// Shows the garden before the walk, or after the last one: the boy stands still, all lanterns are lit.
@@ -54,7 +56,7 @@ class World {
     KTMATERIAL *far[kFar] = {};  // sky, hills, field: they show their own light
     R3XVECTOR4D farColor[kFar];
 
-    KTNODE *stage = nullptr, *water = nullptr;
+    KTNODE *stage = nullptr, *sky = nullptr, *water = nullptr;
     KTMESH *marker = nullptr;
     KTLIGHT *moon = nullptr;
     KTEMITTER *sparks = nullptr, *fountain = nullptr;
