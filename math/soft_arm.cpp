@@ -90,6 +90,39 @@ function keltraSumOfSquares
     mov \low, #0
     roundedProduct \result, \x, \half, \exponent, \low, r12
 .endm
+@ r0 := r0 + x x, where r0 is 0 at first, and x may be.
+.macro addSquare x
+    movs r12, \x, lsl #1
+    beq 3f
+    checkFirst \x, lr, r12
+    bhs 1f
+    square r1, \x, r8, r9, r2
+    cmp r0, #0
+    moveq r0, r1
+    beq 3f
+    addUp r0, r1, r8, r9, r12, 1f
+3:
+.endm
+@ x := x - y, where `y` is lost and zeros are accepted.
+.macro subtract x, y
+    eor \y, \y, #0x80000000
+    movs r12, \x, lsl #1
+    moveq \x, \y
+    beq 3f
+    checkFirst \x, lr, r12
+    bhs 1f
+    movs r12, \y, lsl #1
+    beq 3f
+    checkFirst \y, lr, r12
+    bhs 1f
+    addUp \x, \y, r8, r9, r12, 4\@f
+    .subsection 1
+4\@:
+    mov \x, #0
+    b 3f
+    .subsection 0
+3:
+.endm
 function keltraSquaredDistance
     push {r4-r9, lr}
     ldmia r0, {r2, r3, r4}
@@ -101,23 +134,45 @@ function keltraSquaredDistance
     checkNext r5, lr, r12
     checkNext r6, lr, r12
     checkNext r7, lr, r12
-    bhs 1f
+    bhs 10f
     eor r2, r2, #0x80000000
-    addUp r5, r2, r8, r9, r12, 1f
+    addUp r5, r2, r8, r9, r12, 4f
+5:
     eor r3, r3, #0x80000000
-    addUp r6, r3, r8, r9, r12, 1f
+    addUp r6, r3, r8, r9, r12, 6f
+7:
     eor r4, r4, #0x80000000
-    addUp r7, r4, r8, r9, r12, 1f
-@ differences may be far smaller
+    addUp r7, r4, r8, r9, r12, 8f
+9:
+@ differences may be far smaller, or zero
     checkFirst r5, lr, r12
     checkNext r6, lr, r12
     checkNext r7, lr, r12
-    bhs 1f
+    bhs 2f
     square r0, r5, r8, r9, r2
     square r1, r6, r8, r9, r2
     addUp r0, r1, r8, r9, r12, 1f
     square r1, r7, r8, r9, r2
     addUp r0, r1, r8, r9, r12, 1f
+    pop {r4-r9, pc}
+4:
+    mov r5, #0
+    b 5b
+6:
+    mov r6, #0
+    b 7b
+8:
+    mov r7, #0
+    b 9b
+10:
+    subtract r5, r2
+    subtract r6, r3
+    subtract r7, r4
+2:
+    mov r0, #0
+    addSquare r5
+    addSquare r6
+    addSquare r7
     pop {r4-r9, pc}
 1:
     mov r0, #0

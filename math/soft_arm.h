@@ -26,7 +26,8 @@ extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfFour(c
 // The bits of v[0] v[0] + v[1] v[1] + v[2] v[2].
 extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfSquares(const float *v);
 
-// The bits of the same for the differences b[0] - a[0], b[1] - a[1] and b[2] - a[2].
+// The bits of the same for the differences b[0] - a[0], b[1] - a[1] and b[2] - a[2], of which some may be
+// zero.
 extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSquaredDistance(const float *a,
                                                                                      const float *b);
 

@@ -5,7 +5,6 @@
 #include "math/fixed.h"
 #include "math/float_bits.h"
 #include "math/soft_arm.h"
-#include "math/sparse.h"
 #include "math/square_root.h"
 #include "resources/transparency.h"
 #include "scene/element_radius.h"
@@ -78,32 +77,54 @@ float distanceBetween(const R3XMATRIX &matrix, const R3XVECTOR3D &position) {
     if (const std::uint32_t bits = keltraSquaredDistance(matrix.m + 12, &position.x))
         return keltra::squareRoot(keltra::floatOf(bits));
 #endif
-    const float *place = matrix.m + 12;
-    if (keltra::kSoftFloat && keltra::areFinite(place, 3) && keltra::areFinite(&position.x, 3)) {
-        const float way[3] = {keltra::sum(position.x, -place[0]), keltra::sum(position.y, -place[1]),
-                              keltra::sum(position.z, -place[2])};
-        return keltra::squareRoot(keltra::sumOfSquares(way));
-    }
     return matrix.getTranslation().distance(position);
+}
+
+Keyed *insertInOrder(Keyed *first, Keyed *last, unsigned int moves) {
+    for (Keyed *next = first; next != last; ++next) {
+        const Keyed inserted = *next;
+        Keyed *at = next;
+        for (; at != first && inserted.isBefore(at[-1]); --at) *at = at[-1];
+        *at = inserted;
+        const unsigned int moved = static_cast<unsigned int>(next - at);
+        if (moved > moves) return next + 1;
+        moves -= moved;
+    }
+    return last;
+}
+
+// Two runs, each in order, one behind the other.
+void merge(const Keyed *first, const Keyed *middle, const Keyed *last, Keyed *target) {
+    const Keyed *second = middle;
+    if (second == last || !second->isBefore(middle[-1])) {
+        std::copy(first, last, target);
+        return;
+    }
+    while (first != middle && second != last) *target++ = second->isBefore(*first) ? *second++ : *first++;
+    target = std::copy(first, middle, target);
+    std::copy(second, last, target);
+}
+
+// Of `keyed`, the first of which are in order.
+void mergeRuns(unsigned int count) {
+    constexpr unsigned int kRun = 8;
+    static Keyed others[KTELEMENT::maxElements];
+    for (unsigned int i = 0; i < count; i += kRun)
+        insertInOrder(keyed + i, keyed + std::min(i + kRun, count), kRun * kRun);
+    Keyed *source = keyed, *target = others;
+    for (unsigned int run = kRun; run < count; run *= 2, std::swap(source, target))
+        for (unsigned int i = 0; i < count; i += 2 * run)
+            merge(source + i, source + std::min(i + run, count), source + std::min(i + 2 * run, count),
+                  target + i);
+    if (source != keyed) std::copy(source, source + count, keyed);
 }
 
 // By keys that are computed once an entry; entries of one key by their place on the list. The order is often
 // that of the frame or the mesh before, or close to it: then each entry is compared once.
 template <class Key>
 void sortByKey(KTELEMENT **entries, unsigned int count, Key key) {
-    const unsigned int kMovesAnEntry = 8;
     for (unsigned int i = 0; i < count; ++i) keyed[i] = {key(entries[i]), entries[i]};
-    unsigned int moves = kMovesAnEntry * count;
-    for (unsigned int i = 1; i < count; ++i) {
-        const Keyed inserted = keyed[i];
-        unsigned int at = i;
-        for (; at > 0 && inserted.isBefore(keyed[at - 1]); --at) keyed[at] = keyed[at - 1];
-        keyed[at] = inserted;
-        moves -= std::min(moves, i - at);
-        if (moves != 0) continue;
-        std::sort(keyed, keyed + count, [](const Keyed &a, const Keyed &b) { return a.isBefore(b); });
-        break;
-    }
+    if (insertInOrder(keyed, keyed + count, count) != keyed + count) mergeRuns(count);
     for (unsigned int i = 0; i < count; ++i) entries[i] = keyed[i].entry;
 }
 
@@ -252,7 +273,7 @@ bool KTELEMENT::sort3D() {
     if (numberOfTransparencies < 2) return true;
     unsigned int tail = std::min(numberOfTransparencies, numberOfPassedElements);
     KTELEMENT **end = elementPointer + numberOfPassedElements;
-    sortByKey(end - tail, tail, depthKey);
+    sortByKey(end - tail, tail, [](const KTELEMENT *entry) { return depthKey(entry); });
     return true;
 }
 
@@ -264,6 +285,6 @@ bool KTELEMENT::sortLights(R3XVECTOR3D position) {
     waiting = false;
     for (unsigned int i = 0; i < lights; ++i)
         elementPointer[i]->distance = distanceBetween(elementPointer[i]->matrix, position);
-    sortByKey(elementPointer, lights, lightKey);
+    sortByKey(elementPointer, lights, [](const KTELEMENT *entry) { return lightKey(entry); });
     return true;
 }

@@ -74,6 +74,11 @@ TEST(SoftArmTest, SumsOfProductsAreThePlainOnes) {
         four.add(keltraSumOfFour(a, b), all + b[12]);
         const volatile float xx = a[0] * a[0], yy = a[1] * a[1], zz = a[2] * a[2], xxyy = xx + yy;
         squares.add(keltraSumOfSquares(a), xxyy + zz);
+        // Zeros, and places that are the same along an axis.
+        if (i % 5 == 0) a[any.random() % 3] = floatOf(any.random() & kSignBit);
+        if (i % 5 == 1) b[any.random() % 3] = floatOf(any.random() & kSignBit);
+        if (i % 5 == 2) b[any.random() % 3] = a[any.random() % 3];
+        if (i % 10 == 3) b[1] = a[1];
         const volatile float dx = b[0] - a[0], dy = b[1] - a[1], dz = b[2] - a[2];
         const volatile float dxx = dx * dx, dyy = dy * dy, dzz = dz * dz, dxy = dxx + dyy;
         distances.add(keltraSquaredDistance(a, b), dxy + dzz);
