@@ -223,8 +223,8 @@ function keltraMultiplyAdd
     orr \value, \value, #0x80000000
     roundedProduct \result, \value, r8, r9, r10, r12
 .endm
-@ r0 := r1 + r2 and r3 := r1 - r2, where r1 and r2 are lost, and r7, r9, r10, r12 and lr are used. To 1 when one of them is
-@ zero. With r2 negated when the signs differ, which exchanges the two, the sum has the sign of both numbers and the
+@ r0 := r1 + r2 and r3 := r1 - r2, where r1 and r2 are lost, and r7, r9, r10, r12 and lr are used. To 1 when one of
+@ them is zero. With r2 negated when the signs differ, which exchanges the two, the sum has the sign of both and the
 @ difference that of the larger one. The smaller one is shifted once for both.
 .macro plusMinus
     eors r12, r1, r2

@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: Zlib
-// The steps that the functions of soft_arm.h are made of, for the assembler. To be included in a source
-// before its functions, and by none else.
+#ifndef KELTRA_MATH_SOFT_ARM_MACROS_H
+#define KELTRA_MATH_SOFT_ARM_MACROS_H
+
+// The steps that the functions of soft_arm.h are made of, for the assembler: it knows them in each source that
+// includes this, behind it.
+
+#include "math/soft_arm.h"
+
 #if defined(KELTRA_SOFT_ARM)
 
 // clang-format off
@@ -112,5 +118,7 @@ asm(R"(
 .endm
 )");
 // clang-format on
+
+#endif
 
 #endif

@@ -80,6 +80,7 @@ float distanceBetween(const R3XMATRIX &matrix, const R3XVECTOR3D &position) {
     return matrix.getTranslation().distance(position);
 }
 
+// Each among those before it. Returns behind the last that it took: so many moves are made and no more.
 Keyed *insertInOrder(Keyed *first, Keyed *last, unsigned int moves) {
     for (Keyed *next = first; next != last; ++next) {
         const Keyed inserted = *next;
@@ -105,7 +106,7 @@ void merge(const Keyed *first, const Keyed *middle, const Keyed *last, Keyed *ta
     std::copy(second, last, target);
 }
 
-// Of `keyed`, the first of which are in order.
+// Sorts `keyed`.
 void mergeRuns(unsigned int count) {
     constexpr unsigned int kRun = 8;
     static Keyed others[KTELEMENT::maxElements];
