@@ -70,7 +70,7 @@ void rotateTop(float angle, float x, float y, float z) {
     multiplyTopByRotation(rotation.m);
 }
 
-[[gnu::noinline]] GLfixed turnTopByAngle(int axis, float degrees) {
+GLfixed turnTopByAngle(int axis, float degrees) {
     if (!keltra::kSoftFloat || !keltra::turnBy(keltra::rotationOf(degrees), axis, top()))
         rotateTop(degrees, axis == 0, axis == 1, axis == 2);
     return toFixed(degrees);
