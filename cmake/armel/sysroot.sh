@@ -13,41 +13,17 @@ stamp=$root/packages.txt
 if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$packages" ]; then exit 0; fi
 
 rm -rf "$root"
-apt=$root/apt
-mkdir -p "$apt/etc/sources.list.d" "$apt/etc/preferences.d" "$apt/etc/apt.conf.d" "$apt/state/lists/partial" \
-    "$apt/cache/archives/partial"
-: >"$apt/status"
-# Debian's own archives; other sources of the machine seldom have this architecture.
-for list in /etc/apt/sources.list /etc/apt/sources.list.d/*; do
-    [ -f "$list" ] || continue
-    case $list in
-        *.list) grep -hE '^deb .*debian' "$list" >"$apt/etc/sources.list.d/${list##*/}" || true ;;
-        *.sources) if grep -q '^URIs:.*/debian' "$list"; then cp "$list" "$apt/etc/sources.list.d/"; fi ;;
-    esac
-done
-cat >"$apt/apt.conf" <<CONF
-Dir::Etc "$apt/etc";
-Dir::Etc::trusted "/etc/apt/trusted.gpg";
-Dir::Etc::trustedparts "/etc/apt/trusted.gpg.d";
-Dir::State "$apt/state";
-Dir::State::status "$apt/status";
-Dir::Cache "$apt/cache";
-APT::Architecture "armel";
-APT::Architectures {"armel";};
-APT::Install-Recommends "false";
-APT::Sandbox::User "root";
-Acquire::Retries "5";
-Debug::NoLocking "true";
-CONF
+mkdir -p "$root"
+# shellcheck source=cmake/debian/private_apt.sh
+. "$(dirname "$0")/../debian/private_apt.sh"
 echo "sysroot.sh: fetching the packages of the ARM sysroot"
-export APT_CONFIG="$apt/apt.conf"
-apt-get -qq update
+private_apt "$root/apt" armel
 # shellcheck disable=SC2086  # a list of names
 apt-get -qq -y --download-only install $packages >/dev/null
-for package in "$apt"/cache/archives/*.deb; do dpkg-deb -x "$package" "$root"; done
+for package in "$root"/apt/cache/archives/*.deb; do dpkg-deb -x "$package" "$root"; done
 # Absolute links lead to this machine's own files.
 find "$root" -type l -lname '/*' | while read -r link; do
     ln -sfn "$(realpath -m --relative-to="$(dirname "$link")" "$root$(readlink "$link")")" "$link"
 done
-rm -rf "$apt"
+rm -rf "$root/apt"
 echo "$packages" >"$stamp"
