@@ -3,7 +3,9 @@
 
 #include "formats/limits.h"
 #include "tools/convert/convert.h"
+#include "tools/convert/depfile.h"
 #include "tools/convert/isolated.h"
+#include "tools/convert/many.h"
 #include "tools/convert/names.h"
 #include "tools/convert/output_folder.h"
 #include "tools/convert/report_json.h"
@@ -13,12 +15,15 @@
 #include <CLI/CLI.hpp>
 
 #include <unistd.h>
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -26,7 +31,8 @@ using namespace keltra::convert;
 
 constexpr int kGood = 0, kRefused = 1, kUsage = 2, kLossy = 3;
 constexpr double kLowestRate = 1.0, kHighestRate = 1000.0;
-constexpr unsigned kLongestTimeout = 86400;
+constexpr unsigned kLongestTimeout = 86400, kMostJobs = 256;
+constexpr unsigned kBarWidth = 30;
 constexpr auto kProgressDelay = std::chrono::seconds(1);
 constexpr char kExamples[] =
     "Examples:\n"
@@ -35,13 +41,15 @@ constexpr char kExamples[] =
     "  keltra-convert hero.fbx walk.fbx run.fbx -o data\n"
     "  keltra-convert hall.obj -o data --scale 0.01\n"
     "  keltra-convert panel.png --texture -o data\n"
+    "  keltra-convert --each models/*.glb -o data\n"
     "  keltra-convert hero.fbx --dry-run --json";
 
 struct Arguments {
     Options options;
-    std::string folder, budget = "default";
-    unsigned seconds = 300;
-    bool texture = false, dryRun = false, json = false, quiet = false;
+    std::vector<std::string> models;
+    std::string folder, depfile, budget = "default";
+    unsigned seconds = 300, jobs = std::max(std::thread::hardware_concurrency(), 1u);
+    bool each = false, texture = false, dryRun = false, json = false, quiet = false;
 };
 
 bool numberOf(const std::string &text, double &value) {
@@ -93,27 +101,76 @@ std::string checkBudgetText(const std::string &text) {
     }
 }
 
+std::string checkJobs(const std::string &text) {
+    unsigned jobs = 0;
+    if (CLI::detail::lexical_cast(text, jobs) && jobs > 0 && jobs <= kMostJobs) return "";
+    return "must be a whole number from 1 to " + std::to_string(kMostJobs);
+}
+
 std::string checkNotEmpty(const std::string &text) { return text.empty() ? "must not be empty" : ""; }
+
+CLI::Option *checked(CLI::Option *option, std::string (*rule)(const std::string &)) {
+    return option->check(CLI::Validator(rule, ""));
+}
+
+void describeReductions(CLI::App &app, Arguments &arguments, CLI::Option *texture) {
+    Options &options = arguments.options;
+    const std::map<std::string, BackSides> sides = {
+        {"open", BackSides::kOpen}, {"all", BackSides::kAll}, {"none", BackSides::kNone}};
+    app.add_option("--two-sided", options.backSides,
+                   "Back sides of which two-sided meshes are drawn: open, all, none")
+        ->transform(CLI::CheckedTransformer(sides))
+        ->default_str("open")
+        ->excludes(texture);
+    checked(app.add_option("--simplify", options.simplify, "Share of the triangles to keep, or how many"),
+            checkSimplify)
+        ->excludes(texture);
+    checked(app.add_option("--budget", arguments.budget,
+                           "default, none, or triangles=5000,vertices=5000,bones=40,textures=2M,clips=1M"),
+            checkBudgetText)
+        ->capture_default_str();
+    app.add_flag("--fit", options.fit, "Reduce triangles and pictures to the budget");
+}
+
+void describeReports(CLI::App &app, Arguments &arguments) {
+    checked(
+        app.add_option("--depfile", arguments.depfile, "Write the files that were read, as a rule of make"),
+        checkNotEmpty);
+    app.add_flag("--strict", arguments.options.strict,
+                 "Fail, and write nothing, if anything is dropped, changed or missing");
+    app.add_flag("--dry-run", arguments.dryRun, "Report what would be written, and write nothing")
+        ->excludes("--depfile");
+    CLI::Option *json = app.add_flag("--json", arguments.json, "Report as one JSON document");
+    app.add_flag("--quiet", arguments.quiet, "Report warnings only")->excludes(json);
+}
+
+void describeMany(CLI::App &app, Arguments &arguments) {
+    CLI::Option *each =
+        app.add_flag("--each", arguments.each, "Convert each of many MODELs on its own, into one folder");
+    each->excludes("--name")->excludes("--depfile");
+    checked(app.add_option("--jobs", arguments.jobs, "How many at a time; default: as many as processors"),
+            checkJobs)
+        ->needs(each);
+}
 
 void describe(CLI::App &app, Arguments &arguments) {
     Options &options = arguments.options;
-    const auto check = [](CLI::Option *option, std::string (*rule)(const std::string &)) {
-        return option->check(CLI::Validator(rule, ""));
-    };
-    check(app.add_option("MODEL", options.model, "Model: FBX, glTF, Collada, OBJ, X, ..."), checkNotEmpty)
+    checked(app.add_option(
+                "MODEL", arguments.models,
+                "Model: FBX, glTF, Collada, OBJ, X, ...; files after it have animations for its skeleton"),
+            checkNotEmpty)
         ->required();
-    app.add_option("CLIPS", options.clips, "Further files, whose animations are for the model's skeleton");
-    check(app.add_option("-o,--output", arguments.folder, "Output folder; created if missing"),
-          checkNotEmpty);
-    check(app.add_option("--name", options.name, "Prefix of the files' names; default: the model's name"),
-          checkName);
+    checked(app.add_option("-o,--output", arguments.folder, "Output folder; created if missing"),
+            checkNotEmpty);
+    checked(app.add_option("--name", options.name, "Prefix of the files' names; default: the model's name"),
+            checkName);
     CLI::Option *texture =
         app.add_flag("--texture", arguments.texture, "MODEL is a picture; it becomes the texture NAME.tga");
-    check(app.add_option("--fps", options.fps, "Frames per second of animations, 1 to 1000"), checkRate)
+    checked(app.add_option("--fps", options.fps, "Frames per second of animations, 1 to 1000"), checkRate)
         ->capture_default_str()
         ->excludes(texture);
-    check(app.add_option("--max-texture", options.maxTexture, "Longest side of textures, a power of two"),
-          checkTexture)
+    checked(app.add_option("--max-texture", options.maxTexture, "Longest side of textures, a power of two"),
+            checkTexture)
         ->capture_default_str();
     app.add_option("--textures", options.folders,
                    "Folder with pictures and other files of the model; may be repeated")
@@ -122,36 +179,19 @@ void describe(CLI::App &app, Arguments &arguments) {
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_flag("--normal-maps", options.normalMaps, "Also write normal maps, for devices with shaders")
         ->excludes(texture);
-    check(app.add_option("--scale", options.scale,
-                         "Factor for lengths in metres; default: what the range needs"),
-          checkScale)
+    checked(app.add_option("--scale", options.scale,
+                           "Factor for lengths in metres; default: what the range needs"),
+            checkScale)
         ->excludes(texture);
-    const std::map<std::string, BackSides> sides = {
-        {"open", BackSides::kOpen}, {"all", BackSides::kAll}, {"none", BackSides::kNone}};
-    app.add_option("--two-sided", options.backSides,
-                   "Back sides of which two-sided meshes are drawn: open, all, none")
-        ->transform(CLI::CheckedTransformer(sides))
-        ->default_str("open")
-        ->excludes(texture);
-    check(app.add_option("--simplify", options.simplify, "Share of the triangles to keep, or how many"),
-          checkSimplify)
-        ->excludes(texture);
-    check(app.add_option("--budget", arguments.budget,
-                         "default, none, or triangles=5000,vertices=5000,bones=40,textures=2M,clips=1M"),
-          checkBudgetText)
-        ->capture_default_str();
-    app.add_flag("--fit", options.fit, "Reduce triangles and pictures to the budget");
     app.add_option("--up", options.up, "The model's axis that points upward; default: as its format says")
         ->transform(CLI::CheckedTransformer(std::map<std::string, char>{{"X", 'X'}, {"Y", 'Y'}, {"Z", 'Z'}},
                                             CLI::ignore_case))
         ->excludes(texture);
-    check(app.add_option("--timeout", arguments.seconds, "Stop after that many seconds"), checkTimeout)
+    describeReductions(app, arguments, texture);
+    checked(app.add_option("--timeout", arguments.seconds, "Stop after that many seconds"), checkTimeout)
         ->capture_default_str();
-    app.add_flag("--strict", options.strict,
-                 "Fail, and write nothing, if anything is dropped, changed or missing");
-    app.add_flag("--dry-run", arguments.dryRun, "Report what would be written, and write nothing");
-    CLI::Option *json = app.add_flag("--json", arguments.json, "Report as one JSON document");
-    app.add_flag("--quiet", arguments.quiet, "Report warnings only")->excludes(json);
+    describeReports(app, arguments);
+    describeMany(app, arguments);
     app.set_version_flag("--version", std::string("keltra-convert ") + keltra::formats::projectVersion());
     app.footer(kExamples);
 }
@@ -178,19 +218,17 @@ class ProgressLine {
     bool written = false;
 };
 
-Outcome convertTo(const std::string &folder, const Arguments &arguments) {
-    ProgressLine line;
-    const auto progress = [&line](const char *what, double done) { line.show(what, done); };
+Outcome convertTo(const std::string &folder, const Arguments &arguments, const Progress &progress) {
     return convertIsolated(arguments.texture ? convertPicture : convertModel, arguments.options, folder,
                            progress, arguments.seconds);
 }
 
-Outcome convert(const Arguments &arguments) {
+Outcome convertWith(const Arguments &arguments, const Progress &progress) {
     const HeldSignals held;  // an interrupt acts after the folder and the terminal are cleaned up
-    if (arguments.dryRun) return convertTo("", arguments);
+    if (arguments.dryRun) return convertTo("", arguments, progress);
     try {
         OutputFolder folder(arguments.folder);
-        Outcome outcome = convertTo(arguments.folder, arguments);
+        Outcome outcome = convertTo(arguments.folder, arguments, progress);
         if (outcome.converted) folder.keep();
         return outcome;
     } catch (const Refusal &refusal) {
@@ -200,32 +238,117 @@ Outcome convert(const Arguments &arguments) {
     }
 }
 
+Outcome convertQuietly(const Arguments &arguments) {
+    return convertWith(arguments, [](const char *, double) {});
+}
+
+Outcome convert(const Arguments &arguments) {
+    ProgressLine line;
+    return convertWith(arguments, [&line](const char *what, double done) { line.show(what, done); });
+}
+
 int refuse(const std::string &model, const std::string &reason) {
     std::fprintf(stderr, "keltra-convert: %s: %s\n", printable(model).c_str(), printable(reason).c_str());
     return kRefused;
 }
 
 // Warnings, and what the last line of the whole report counts.
-std::string quietText(const Outcome &outcome) {
+std::string quietText(const std::string &owner, const Outcome &outcome) {
+    std::string text;
+    for (const std::string &warning : outcome.report.warnings)
+        text += "warning: " + owner + printable(warning) + "\n";
     const Tally tally = outcome.report.tally();
-    return warningsOf(outcome) + (tally.any() ? "warning: " + countsOf(tally) + "\n" : "");
+    return tally.any() ? text + "warning: " + owner + countsOf(tally) + "\n" : text;
+}
+
+// Prints what a model has become. False if that cannot be printed.
+bool print(const Arguments &arguments, const std::string &model, const Outcome &outcome) {
+    const std::string folder = arguments.dryRun ? "" : arguments.folder;
+    std::string text;
+    if (arguments.json)
+        text = (arguments.each ? documentLineOf : documentOf)(model, folder, outcome);
+    else if (outcome.converted || outcome.strict)
+        text = arguments.quiet ? quietText(arguments.each ? printable(model) + ": " : "", outcome)
+                               : textOf(model, folder, outcome);
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
 int report(const Arguments &arguments, const Outcome &outcome) {
     const std::string &model = arguments.options.model;
-    const std::string folder = arguments.dryRun ? "" : arguments.folder;
-    std::string text;
-    if (arguments.json)
-        text = documentOf(model, folder, outcome);
-    else if (outcome.converted || outcome.strict)
-        text = arguments.quiet ? quietText(outcome) : textOf(model, folder, outcome);
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    const bool reported = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    const bool reported = print(arguments, model, outcome);
     if (!outcome.converted) {
         const int status = refuse(model, outcome.reason);
         return outcome.strict ? kLossy : status;
     }
+    if (!arguments.depfile.empty()) writeDependencies(arguments.depfile, arguments.folder, outcome);
     return reported ? kGood : refuse(model, "converted, but the report cannot be written");
+}
+
+// A bar on the terminal; nothing elsewhere. The destructor clears it.
+class ProgressBar {
+   public:
+    explicit ProgressBar(std::size_t count) : shows(::isatty(STDERR_FILENO) == 1), count(count) {}
+    ~ProgressBar() { clear(); }
+    ProgressBar(const ProgressBar &) = delete;
+    ProgressBar &operator=(const ProgressBar &) = delete;
+
+    void show(std::size_t done) {
+        if (shows) std::fprintf(stderr, "\r%s\x1b[K", progressBar(done, count, kBarWidth).c_str());
+    }
+    void clear() {
+        if (shows) std::fputs("\r\x1b[K", stderr);
+    }
+
+   private:
+    const bool shows;
+    const std::size_t count;
+};
+
+// The model whose files would have the same names as those of one before it; empty for none.
+std::string sameName(const std::vector<std::string> &models) {
+    Names names(kLongestName, false);
+    for (const std::string &model : models)
+        if (names.take(fileStem(model), "") != fileStem(model)) return model;
+    return "";
+}
+
+int convertEach(const Arguments &arguments) {
+    const HeldSignals held;  // as in convertWith
+    ManyTotals totals;
+    ProgressBar bar(arguments.models.size());
+    bool reported = true;
+    const auto convertOne = [&](std::size_t index) {
+        Arguments one = arguments;
+        one.options.model = arguments.models[index];
+        one.options.name = fileStem(one.options.model);
+        return convertQuietly(one);
+    };
+    const auto done = [&](std::size_t index, const Outcome &outcome) {
+        const std::string &model = arguments.models[index];
+        bar.clear();
+        reported = print(arguments, model, outcome) && reported;
+        if (!outcome.converted) refuse(model, outcome.reason);
+        totals.add(outcome);
+    };
+    const auto convertAll = [&] {
+        convertMany(arguments.models.size(), arguments.jobs, convertOne, done,
+                    [&bar](std::size_t finished) { bar.show(finished); });
+    };
+    if (arguments.dryRun) {
+        convertAll();
+    } else {
+        OutputFolder folder(
+            arguments.folder);  // before the processes, which would make and remove it in turn
+        convertAll();
+        if (totals.converted > 0) folder.keep();
+    }
+    bar.clear();
+    if (!arguments.json && (!arguments.quiet || totals.tally.any()))
+        reported = std::printf("%s%s\n", arguments.quiet ? "warning: " : "", totalsOf(totals).c_str()) > 0 &&
+                   std::fflush(stdout) == 0 && reported;
+    if (totals.refused > 0 || !reported) return kRefused;
+    return totals.lossy > 0 ? kLossy : kGood;
 }
 
 }  // namespace
@@ -238,14 +361,22 @@ int main(int argc, char **argv) {
     try {
         app.parse(argc, argv);
         if (arguments.folder.empty() && !arguments.dryRun) throw CLI::RequiredError("--output");
+        if (arguments.texture && !arguments.each && arguments.models.size() > 1)
+            throw CLI::ExtrasError({arguments.models[1]});
+        const std::string same = arguments.each ? sameName(arguments.models) : "";
+        if (!same.empty())
+            throw CLI::ValidationError(same,
+                                       "another model has the same name; convert it into another folder");
     } catch (const CLI::ParseError &error) {
         return app.exit(error) == 0 ? kGood : kUsage;
     }
+    arguments.options.model = arguments.models[0];
+    if (!arguments.each) arguments.options.clips.assign(arguments.models.begin() + 1, arguments.models.end());
     arguments.options.budget = budgetOf(arguments.budget);
     if (arguments.options.name.empty()) arguments.options.name = fileStem(arguments.options.model);
     try {
-        return report(arguments, convert(arguments));
+        return arguments.each ? convertEach(arguments) : report(arguments, convert(arguments));
     } catch (const std::exception &error) {
-        return refuse(arguments.options.model, error.what());
+        return refuse(arguments.each ? arguments.folder : arguments.options.model, error.what());
     }
 }

@@ -32,7 +32,7 @@ struct Options {
     BackSides backSides = BackSides::kOpen;
     double simplify = 0.0;  // share of the triangles to keep, below 1, or how many; 0 for all
     Budget budget;
-    bool fit = false;  // reduces triangles and pictures to the budget
+    bool fit = false;     // reduces triangles and pictures to the budget
     bool strict = false;  // nothing is written when anything was dropped, changed, missing or warned of
     double scale = 0.0;   // of lengths in metres; 0 for 1, or a power of ten that brings the model into 16.16
     char up = 0;          // the model's axis that points upward: 'X', 'Y', 'Z'; 0 for what its format says

@@ -122,11 +122,23 @@ Outcome outcomeOf(const Json &json) {
     return outcome;
 }
 
-std::string documentOf(const std::string &model, const std::string &folder, const Outcome &outcome) {
+static Json documentJson(const std::string &model, const std::string &folder, const Outcome &outcome) {
     Json json = {{"model", model}};
     if (outcome.converted && !folder.empty()) json["folder"] = folder;
     json.update(outcomeJson(outcome));
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return json;
+}
+
+static std::string textOf(const Json &json, int indent) {
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string documentOf(const std::string &model, const std::string &folder, const Outcome &outcome) {
+    return textOf(documentJson(model, folder, outcome), 2) + "\n";
+}
+
+std::string documentLineOf(const std::string &model, const std::string &folder, const Outcome &outcome) {
+    return textOf(documentJson(model, folder, outcome), -1) + "\n";
 }
 
 }  // namespace keltra::convert

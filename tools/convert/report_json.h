@@ -18,6 +18,8 @@ Outcome outcomeOf(const Json &json);
 
 // The document that --json prints, with a line feed. It is always UTF-8: invalid bytes become U+FFFD.
 std::string documentOf(const std::string &model, const std::string &folder, const Outcome &outcome);
+// The same in one line, for one of many models.
+std::string documentLineOf(const std::string &model, const std::string &folder, const Outcome &outcome);
 
 }  // namespace keltra::convert
 

@@ -183,6 +183,12 @@ std::string textOf(const std::string &model, const std::string &folder, const Ou
     return text;
 }
 
+std::string totalsOf(const ManyTotals &totals) {
+    return counted(totals.converted + totals.refused + totals.lossy, "model", "models") + ": " +
+           withCommas(totals.converted) + " converted, " + withCommas(totals.refused + totals.lossy) +
+           " refused; " + countsOf(totals.tally);
+}
+
 std::string warningsOf(const Outcome &outcome) {
     std::string text;
     for (const std::string &warning : outcome.report.warnings)

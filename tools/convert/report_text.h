@@ -4,6 +4,7 @@
 
 #include "tools/convert/outcome.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -20,6 +21,21 @@ std::string countsOf(const Tally &tally);
 
 // The report as text; its last line is `countsOf`. An empty folder means a dry run.
 std::string textOf(const std::string &model, const std::string &folder, const Outcome &outcome);
+// The last line of many conversions.
+struct ManyTotals {
+    std::size_t converted = 0, refused = 0, lossy = 0;
+    Tally tally;
+
+    void add(const Outcome &outcome) {
+        ++(outcome.converted ? converted : outcome.strict ? lossy : refused);
+        const Tally more = outcome.report.tally();
+        tally.dropped += more.dropped;
+        tally.changed += more.changed;
+        tally.missing += more.missing;
+        tally.warnings += more.warnings;
+    }
+};
+std::string totalsOf(const ManyTotals &totals);
 // The warnings, one per line.
 std::string warningsOf(const Outcome &outcome);
 

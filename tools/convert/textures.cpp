@@ -71,9 +71,9 @@ bool Textures::read(const std::string &path, const std::string &consequence, Ima
     try {
         const PicturePlace place = source.find(path, ownName);
         std::string remark;
-        image = source.read(place, remark);
         const std::string file = std::filesystem::path(place.file).lexically_normal().string();
         if (!place.embedded && reported.insert(file + "\ninput").second) report.inputs.push_back(file);
+        image = source.read(place, remark);
         const bool first = reported.insert(path).second;
         if (first && !place.instead.empty())
             report.note(quoted(path) + " is read from " + cleanText(place.instead));

@@ -80,7 +80,7 @@ class Textures {
     std::map<std::string, TextureMade> madeBefore;                   // by request
     std::map<std::vector<std::uint8_t>, TextureMade> writtenBefore;  // by content
     std::set<std::string> reported;
-    std::vector<OutputFile> files;        // as `report.textures`
+    std::vector<OutputFile> files;       // as `report.textures`
     std::vector<formats::Image> images;  // of the files
 };
 

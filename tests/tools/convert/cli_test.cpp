@@ -250,7 +250,7 @@ TEST_F(CommandLineTest, RefusesWrongUsage) {
     expectUsage({"-o", "out"}, "MODEL");
     expectUsage({"", "-o", "out"}, "MODEL");
     expectUsage({"blade.obj", "-o", ""}, "--output");
-    expectUsage({"blade.obj", "other.obj", "-o", "out"}, "other.obj");
+    expectUsage({"blade.obj", "other.obj", "--texture", "-o", "out"}, "other.obj");
     expectUsage({"blade.obj", "-o", "out", "--none"}, "--none");
     expectUsage({"blade.obj", "-o", "out", "--json", "--quiet"}, "--json");
     expectUsage({"blade.obj", "-o", "out", "-o", "out2"}, "--output");
