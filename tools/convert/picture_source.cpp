@@ -203,7 +203,8 @@ const std::vector<Parts> &PictureSource::foldersBelow(const std::string &root, u
     return list;
 }
 
-// The likeliest first: as written, what the user gave, near the model.
+// The likeliest first: as written, below the folders that the user gives, near the model, and by the name
+// alone anywhere in the given folders.
 std::vector<PictureSource::Candidate> PictureSource::candidatesFor(const std::string &text) {
     const WrittenPath path = written(text);
     std::vector<Candidate> candidates;
@@ -222,10 +223,8 @@ std::vector<PictureSource::Candidate> PictureSource::candidatesFor(const std::st
         if (path.parts[from] != "..")
             ends.emplace_back(path.parts.begin() + static_cast<std::ptrdiff_t>(from), path.parts.end());
     const Parts name = {path.parts.back()};
-    for (const std::string &given : givenFolders) {
+    for (const std::string &given : givenFolders)
         for (const Parts &end : ends) add(given, {}, end, false);
-        for (const Parts &below : foldersBelow(given, kGivenDepth)) add(given, below, name, false);
-    }
     for (const Parts &end : ends) add(folder, {}, end, false);
     for (const Parts &usual : kUsualFolders) add(folder, usual, name, usual[0] == "..");
     for (const Parts &below : foldersBelow(folder, 1)) add(folder, below, name, false);
@@ -236,6 +235,9 @@ std::vector<PictureSource::Candidate> PictureSource::candidatesFor(const std::st
         if (!std::filesystem::equivalent(folder + "../" + beside[0], folder, error))
             add(folder, {"..", beside[0]}, name, true);
     }
+    // Last, since packages hold many pictures called skin.
+    for (const std::string &given : givenFolders)
+        for (const Parts &below : foldersBelow(given, kGivenDepth)) add(given, below, name, false);
     return candidates;
 }
 
