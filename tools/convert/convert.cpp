@@ -2,6 +2,7 @@
 #include "tools/convert/convert.h"
 
 #include "tools/convert/clips.h"
+#include "tools/convert/gltf_buffers.h"
 #include "tools/convert/gltf_document.h"
 #include "tools/convert/gltf_extensions.h"
 #include "tools/convert/further_clips.h"
@@ -39,6 +40,7 @@ constexpr unsigned kSteps = aiProcess_Triangulate | aiProcess_GenUVCoords | aiPr
 // compared with the steps.
 constexpr double kFarthest = 16000.0, kSmallest = 1.0 / 16.0;
 
+constexpr char kPlainBuffer[] = ".plain-vertices.bin";  // of a glTF file, in memory only
 constexpr char kUnknownFormat[] = "No suitable reader found";
 
 // Forwards the importer's progress.
@@ -159,7 +161,11 @@ void Model::prepareGltf(const std::string &path) {
     const std::string refusal = refusalOf(document.json);
     if (!refusal.empty()) throw Refusal(refusal);
     reportGltf(document.json, found);
-    if (namePictures(document.json)) files->replaceModel(document.bytes());
+    GltfBuffers buffers(document.json, document.behind(), files->where());
+    std::string plain = buffers.makePlain(kPlainBuffer);
+    const bool renamed = namePictures(document.json), changed = renamed || !plain.empty();
+    if (!plain.empty()) files->addFile(kPlainBuffer, std::move(plain));
+    if (changed) files->replaceModel(document.bytes());
 }
 
 void Model::readOwn(const Options &options, const std::vector<std::string> &names) {

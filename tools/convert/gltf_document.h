@@ -22,6 +22,8 @@ class GltfDocument {
     nlohmann::json json;
     // The whole file with the present `json`.
     std::string bytes() const;
+    // Of a binary file, what follows the JSON.
+    const std::string &behind() const { return rest; }
 
    private:
     bool binary = false;

@@ -63,8 +63,8 @@ constexpr Extension kExtensions[] = {
     {"KHR_xmp", Use::kWithout, "scene files have no metadata"},
     {"KHR_xmp_json_ld", Use::kWithout, "scene files have no metadata"},
     {"MSFT_lod", Use::kWithout, "scene files have one level of detail: the finest is used"},
-    {"KHR_mesh_quantization", Use::kRefused, "vertices as small integers"},
-    {"EXT_meshopt_compression", Use::kRefused, "compressed geometry"},
+    {"KHR_mesh_quantization", Use::kRead, ""},    // by GltfBuffers
+    {"EXT_meshopt_compression", Use::kRead, ""},  // the same
     {"KHR_meshopt_compression", Use::kRefused, "compressed geometry"},
 };
 

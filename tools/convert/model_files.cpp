@@ -75,6 +75,10 @@ bool ModelFiles::Exists(const char *file) const {
 }
 
 Assimp::IOStream *ModelFiles::Open(const char *file, const char *mode) {
+    const auto inMemory = own.find(fs::path(file).filename().string());
+    if (inMemory != own.end())
+        return new Assimp::MemoryIOStream(reinterpret_cast<const std::uint8_t *>(inMemory->second.data()),
+                                          inMemory->second.size());
     if (mode[0] != 'r' || std::string(mode).find('+') != std::string::npos) return nullptr;
     const std::string path = found(file);
     if (path.empty()) {

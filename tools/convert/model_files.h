@@ -10,6 +10,7 @@
 
 #include <assimp/DefaultIOSystem.h>
 
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,6 +28,10 @@ class ModelFiles : public Assimp::DefaultIOSystem {
     // The model is read from these bytes in place of its file.
     void replaceModel(std::string bytes) { replacement = std::move(bytes); }
 
+    // A file that is nowhere but here, beside the model.
+    void addFile(const std::string &name, std::string bytes) { own[name] = std::move(bytes); }
+    const Reach &where() const { return reach; }
+
     // What was read, and what is missing.
     void tell(Report &report) const;
     // The first file that was refused because of its place; empty for none.
@@ -40,6 +45,7 @@ class ModelFiles : public Assimp::DefaultIOSystem {
     const std::string model;
     const Reach reach;
     std::string replacement;
+    std::map<std::string, std::string> own;  // by name
     std::vector<std::string> read, missing, refused;
 };
 
