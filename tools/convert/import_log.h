@@ -11,7 +11,7 @@
 
 namespace keltra::convert {
 
-// Collects from construction to destruction. Only one may exist at a time.
+// Collects from its construction to its destruction, or to the construction of another one.
 class ImportLog {
    public:
     ImportLog();

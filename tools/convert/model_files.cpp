@@ -100,7 +100,9 @@ Assimp::IOStream *ModelFiles::Open(const char *file, const char *mode) {
 
 // Importers try names that mostly do not exist, so a missing file is told only where the model names it.
 void ModelFiles::tell(Report &report) const {
-    report.inputs.insert(report.inputs.end(), read.begin(), read.end());
+    // Also a model that no importer has read.
+    addOnce(report.inputs, fs::path(model).lexically_normal().string());
+    for (const std::string &file : read) addOnce(report.inputs, file);
     for (const std::string &file : refused)
         report.miss("file " + cleanText(file) +
                     " is not read: it lies outside of the model's folder; --textures can name its folder");
