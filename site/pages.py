@@ -133,11 +133,16 @@ def header_sections(definition):
     return [kind for kind in kinds if kind in present]
 
 
+def page_of(header):
+    """Two folders have headers of the same names."""
+    return header.removeprefix("keltra/").removesuffix(".h").replace("/", "_")
+
+
 def reference_pages(classes):
     rows = ["| Class | | Header |", "|---|---|---|"]
     for name, (brief, header, kind) in classes.items():
         write(f"reference/{name}.md", f"# {name}", f"In `<{header}>`.", f"```{{doxygen{kind}}} {name}\n```")
-        rows.append(f"| [{name}](reference/{name}.md) | {brief} | [`{header}`](headers/{pathlib.Path(header).stem}.md) |")
+        rows.append(f"| [{name}](reference/{name}.md) | {brief} | [`{header}`](headers/{page_of(header)}.md) |")
     write(
         "reference.md",
         "# Classes",
@@ -150,12 +155,12 @@ def reference_pages(classes):
 def header_pages(classes):
     rows = ["| Header | Classes | Functions and constants |", "|---|---|---|"]
     names = []
-    for name, definition in sorted(compounds("file")):
+    for _, definition in sorted(compounds("file"), key=lambda entry: entry[1].find("location").get("file")):
         path = definition.find("location").get("file").removeprefix("include/")
         own = [f"[{entry}](reference/{entry}.md)" for entry, (_, header, _) in classes.items() if header == path]
         sections = header_sections(definition)
         up = [link.replace("(", "(../", 1) for link in own]
-        page = pathlib.Path(path).stem
+        page = page_of(path)
         names.append(f"headers/{page}")
         parts = [f"# {path}", f"```cpp\n#include <{path}>\n```"]
         parts += [f"Classes: {', '.join(up)}."] if up else []
@@ -168,7 +173,7 @@ def header_pages(classes):
     write(
         "headers.md",
         "# Headers",
-        "`<keltra/keltra.h>` includes all of them. The page of a header has its functions, enumerations, constants and "
+        "`<keltra/keltra.h>` includes all of the engine's, `<keltra/kit/kit.h>` all of the kit's. The page of a header has its functions, enumerations, constants and "
         "macros; classes have pages of their own.",
         "\n".join(rows),
         toctree(names, ":hidden:"),
