@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 #include <keltra/kit/save.h>
+#include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 
@@ -16,7 +16,7 @@ namespace {
 class SaveTest : public ::testing::Test {
    protected:
     void SetUp() override {
-        path = (std::filesystem::temp_directory_path() / ("lantern_walk_save_" + std::to_string(std::rand())))
+        path = (std::filesystem::temp_directory_path() / ("lantern_walk_save_" + std::to_string(getpid())))
                    .string();
         saved.next = 1;
         saved.stars[0] = 3;
