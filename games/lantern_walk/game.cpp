@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: Zlib
 #include "games/lantern_walk/game.h"
 
-#include <GLES/gl.h>
 #include <SDL.h>
 
 #include <cmath>
 #include <cstdio>
 
-#include "games/lantern_walk/view/nodes.h"
-
 namespace lantern_walk {
 namespace {
 
 constexpr float kShortestFrame = 1.0f / 30.0f;
-constexpr float kGlide = 1.6f, kRingTime = 0.35f, kIntroduction = 5.0f;
+constexpr float kGlide = 1.6f, kIntroduction = 5.0f;
 const char *const kNumbers[kEvenings] = {"First", "Second", "Third"};
 
 // Buttons of the pages, in the order in which they are loaded.
@@ -283,48 +280,6 @@ void Game::updateLost(int pressed) {
     keep();
     world.startTitle(kGlide);
     show(Screen::kTitle);
-}
-
-bool Game::draw() {
-    bool ok = KELTRA::clear(true, true, false) && KELTRA::begin3D(world.getCamera());
-    if (screen != Screen::kFilm) world.draw();
-    ok = ok && KELTRA::end3D();
-    if (hasTap) pick();
-    ok = ok && KELTRA::begin2D();
-    drawPages();
-    ok = ok && KELTRA::end2D();
-    reported = input.dispatch();
-    return ok && glGetError() == GL_NO_ERROR;
-}
-
-void Game::drawPages() {
-    if (screen == Screen::kFilm) return film.pass();
-    if (screen == Screen::kWalk || screen == Screen::kPause) hud.pass();
-    // A ring where the ground was tapped: it covers the pixel that picking has changed.
-    if (ringTime > 0.0f && screen == Screen::kWalk) {
-        const int side = 34 - static_cast<int>(24.0f * ringTime / kRingTime);
-        ring->setSizes(side, side);
-        ring->setPosition(tap.x - static_cast<float>(side / 2), tap.y - static_cast<float>(side / 2));
-        ring->setColor(1.0f, 0.86f, 0.56f, 0.9f * ringTime / kRingTime);
-        ring->pass();
-    }
-    if (const Page *page = getPage()) page->pass();
-}
-
-// What was tapped, in what was just drawn: a moth, a lantern, the well; otherwise the ground.
-void Game::pick() {
-    hasTap = false;
-    const unsigned code = KTVIEW::pick(tap);
-    Place place;
-    if (code >= kMothCode && code < kMothCode + kMostMoths) {
-        walk.chase(static_cast<int>(code - kMothCode));
-    } else if (code >= kLanternCode && code < kLanternCode + kMostLanterns) {
-        walk.goToLantern(static_cast<int>(code - kLanternCode));
-    } else if (code == kWellCode) {
-        walk.goToWell();
-    } else if (world.toGround(tap, &place)) {
-        walk.goTo(place);
-    }
 }
 
 }  // namespace lantern_walk

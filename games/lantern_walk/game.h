@@ -80,6 +80,7 @@ class Game {
     Film film;
     Hud hud;
     Page title, pause, won, lost, end;
+    static constexpr float kRingTime = 0.35f;
     KTBOX *ring = nullptr;
     Screen screen = Screen::kTitle;
     float screenTime = 0.0f, ringTime = 0.0f;

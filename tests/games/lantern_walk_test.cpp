@@ -11,6 +11,7 @@
 
 #include "games/lantern_walk/player.h"
 #include "tests/support/engine_fixture.h"
+#include "tests/support/engine_heap.h"
 
 namespace keltra::test {
 namespace {
@@ -25,6 +26,7 @@ constexpr float kStep = 0.1f;
 constexpr int kMostFrames = 3000;
 constexpr int kMostTriangles = 3000;
 constexpr unsigned kMostTexture = 8u << 20;
+constexpr std::size_t kMostMemory = 4u << 20;  // beside them
 constexpr Tolerance kTolerance = {48, 0.35};
 
 // Of one frame: those of the scene, up to the projection of the interface, and all.
@@ -43,6 +45,31 @@ Triangles countTriangles() {
     }
     return count;
 }
+
+// Counts those of the game, the kit, the engine and the standard library; the driver and the recorder have
+// their own.
+class OwnAllocations final : public AllocationWatch {
+   public:
+    OwnAllocations() { install(this); }
+    ~OwnAllocations() { install(nullptr); }
+    bool mustFail(const void *) override { return false; }
+    void allocated(void *, const void *caller) override {
+        Dl_info info;
+        if (!dladdr(caller, &info) || !info.dli_fname) return;
+        const char *const function = info.dli_sname ? info.dli_sname : "";
+        const bool isOwn = std::strstr(info.dli_fname, "libkeltra") ||
+                           std::strstr(info.dli_fname, "libstdc++") ||
+                           std::strncmp(function, "_ZN12lantern_walk", 17) == 0 ||
+                           std::strncmp(function, "_ZNK12lantern_walk", 18) == 0;
+        if (!isOwn) return;
+        ++count;
+        last = function;
+    }
+    void released(void *) override {}
+
+    int count = 0;
+    const char *last = "";
+};
 
 class LanternWalkTest : public EngineTest {
    protected:
@@ -276,6 +303,45 @@ TEST_F(LanternWalkTest, TheFilmEndsByItself) {
     ASSERT_TRUE(game->start(options));
     isPlayed = false;
     EXPECT_TRUE(playUntil([this] { return game->getScreen() == Screen::kTitle; }));
+}
+
+TEST_F(LanternWalkTest, TakesLittleMemory) {
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    ASSERT_TRUE(KELTRA::free());
+    const auto heap = std::make_unique<EngineHeap>();
+    ASSERT_TRUE(KELTRA::init(&settings));
+    ASSERT_TRUE(game->start(options));
+    std::size_t held = 0;
+    for (int i = 0; i < 60; ++i) {
+        frame();
+        held = std::max(held, heap->held - EngineHeap::bitmaps());
+    }
+    std::printf("%zu KB beside textures\n", held / 1024);
+    EXPECT_LE(held, kMostMemory);
+    EXPECT_GT(held, kMostMemory / 16) << "too little was counted";
+    game.reset();
+    EXPECT_TRUE(KELTRA::free());
+}
+
+TEST_F(LanternWalkTest, AllocatesNothingInAFrame) {
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    lantern_walk::Snapshot walk;
+    walk.evening = 2;
+    walk.lit = 0x2db;
+    walk.left = 60.0f;
+    walk.oil = 0.55f;
+    walk.at = {0.2f, 8.0f};
+    resume(walk);
+    const GlRecorder::Pause pause;
+    OwnAllocations allocations;
+    for (int i = 0; i < 30; ++i) {
+        EXPECT_TRUE(game->frame([i](const Game &, KTINPUT *input) {
+            if (i == 4) input->putKey(SDLK_UP, 0, true);
+        }));
+        EXPECT_TRUE(KELTRA::swap());
+    }
+    EXPECT_GT(game->getWalk().getSpeed(), 0.0f);
+    EXPECT_EQ(allocations.count, 0) << allocations.last;
 }
 
 }  // namespace
