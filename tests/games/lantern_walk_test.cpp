@@ -331,9 +331,11 @@ TEST_F(LanternWalkTest, AllocatesNothingInAFrame) {
     walk.left = 60.0f;
     walk.oil = 0.55f;
     walk.at = {0.2f, 8.0f};
-    resume(walk);
-    const GlRecorder::Pause pause;
     OwnAllocations allocations;
+    resume(walk);
+    EXPECT_GT(allocations.count, 100) << "loading allocates, and is counted";
+    allocations.count = 0;
+    const GlRecorder::Pause pause;
     for (int i = 0; i < 30; ++i) {
         EXPECT_TRUE(game->frame([i](const Game &, KTINPUT *input) {
             if (i == 4) input->putKey(SDLK_UP, 0, true);
