@@ -2,6 +2,8 @@
 #ifndef KELTRA_CORE_HOLDERS_H
 #define KELTRA_CORE_HOLDERS_H
 
+#include <cstdint>
+
 #include "foundation/cold.h"
 
 namespace keltra {
@@ -20,6 +22,9 @@ class AddressTable {
     void sort();
     bool has(const void *address) const;
     bool isEmpty() const { return count == 0; }
+    // Once sorted and not empty.
+    const void *lowest() const { return addresses[0]; }
+    const void *highest() const { return addresses[count - 1]; }
 
    private:
     const void **const addresses;
@@ -33,10 +38,17 @@ class Gone {
    public:
     // No setter has stored a pointer to an object that is not held; the application may have, but then not
     // many holders are visited: this cost must not grow.
-    Gone(const T &one, bool isHeld) : one(&one), visited(isHeld ? ~0u : 64) {}
-    explicit Gone(const AddressTable &many) : many(&many), visited(~0u) {}
+    Gone(const T &one, bool isHeld) : lowest(addressOf(&one)), visited(isHeld ? ~0u : 64) {}
+    // Sorted and not empty.
+    explicit Gone(const AddressTable &many)
+        : many(&many),
+          lowest(addressOf(many.lowest())),
+          span(addressOf(many.highest()) - lowest),
+          visited(~0u) {}
 
-    bool has(const T *object) const { return many ? many->has(object) : object == one; }
+    bool has(const T *object) const {
+        return addressOf(object) - lowest <= span && (!many || many->has(object));
+    }
     void clear(T *&pointer) const {
         if (has(pointer)) pointer = nullptr;
     }
@@ -44,8 +56,10 @@ class Gone {
     unsigned int mostVisited() const { return visited; }
 
    private:
-    const T *one = nullptr;
+    static std::uintptr_t addressOf(const void *object) { return reinterpret_cast<std::uintptr_t>(object); }
+
     const AddressTable *many = nullptr;
+    std::uintptr_t lowest, span = 0;  // all lie within
     unsigned int visited;
 };
 

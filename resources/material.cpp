@@ -162,7 +162,7 @@ void KTMATERIAL::release() {
 }
 
 void KTMATERIAL::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
-    visitList(allMaterials, gone.mostVisited(), [&gone](KTMATERIAL &material) {
+    visitList(allMaterials, gone.mostVisited(), [gone](KTMATERIAL &material) {
         for (KTTEXTURE *&slot : material.texture) gone.clear(slot);
     });
 }
