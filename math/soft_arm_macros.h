@@ -3,9 +3,7 @@
 #define KELTRA_MATH_SOFT_ARM_MACROS_H
 
 // The steps that the functions of soft_arm.h are made of, for the assembler: it knows them in each source that
-// includes this, behind it.
-
-#include "math/soft_arm.h"
+// includes soft_arm.h and then this, behind it.
 
 #if defined(KELTRA_SOFT_ARM)
 
