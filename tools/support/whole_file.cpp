@@ -9,6 +9,14 @@
 #include <cstdio>
 #include <cstring>
 
+#if defined(_WIN32)
+#define O_CLOEXEC O_NOINHERIT
+#define lstat stat  // links are followed
+#define S_ISLNK(mode) false
+#else
+#define O_BINARY 0
+#endif
+
 namespace keltra::support {
 namespace {
 
@@ -33,7 +41,7 @@ bool canReplace(const std::string &path) {
 }
 
 bool writeAside(const std::string &aside, const void *bytes, std::size_t size) {
-    const int file = ::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int file = ::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_BINARY, 0666);
     if (file < 0) return false;
     const bool good = writeAll(file, static_cast<const char *>(bytes), size);
     const int fault = errno;
@@ -42,12 +50,20 @@ bool writeAside(const std::string &aside, const void *bytes, std::size_t size) {
     return good;
 }
 
+// On Windows `rename` replaces no file: the old one goes first, which is the moment that is left.
+bool replace(const std::string &aside, const std::string &path) {
+#if defined(_WIN32)
+    ::unlink(path.c_str());
+#endif
+    return std::rename(aside.c_str(), path.c_str()) == 0;
+}
+
 }  // namespace
 
 bool writeWhole(const std::string &path, const void *bytes, std::size_t size, std::string *reason) {
     const std::string aside = path + "." + std::to_string(::getpid()) + ".tmp";
     if (canReplace(path)) {
-        if (writeAside(aside, bytes, size) && std::rename(aside.c_str(), path.c_str()) == 0) return true;
+        if (writeAside(aside, bytes, size) && replace(aside, path)) return true;
         const int fault = errno;
         if (fault != EEXIST) ::unlink(aside.c_str());
         errno = fault;
