@@ -4,6 +4,7 @@
 #include "formats/limits.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 
 namespace keltra::convert {
@@ -14,6 +15,7 @@ using formats::Rgba;
 
 constexpr std::size_t kLongestTextureName = 160;  // leaves room for a path before it
 constexpr std::size_t kSmallestShrunk = 64;       // pixels
+constexpr char kNoFileName[] = "it is no name of a file, and the material has its colour only";
 constexpr char kBaseEnding[] = "_d.tga";
 
 // Alpha 0 everywhere means no alpha: some exporters write it so.
@@ -33,6 +35,17 @@ void keepOpacity(Image &image, bool inverted) {
         const unsigned opacity = byAlpha ? pixel.a : grey;
         pixel.a = static_cast<std::uint8_t>(inverted ? 255 - opacity : opacity);
     }
+}
+
+// Names of materials and shaders stand in some formats where those of pictures should: they have no
+// extension, or a number in its place.
+bool isFileName(const std::string &path) {
+    if (path[0] == '*' || path[0] == '$') return true;
+    const std::string name = path.substr(path.find_last_of("/\\") + 1);
+    const std::size_t dot = name.rfind('.');
+    return dot != std::string::npos &&
+           std::any_of(name.begin() + static_cast<std::ptrdiff_t>(dot), name.end(),
+                       [](unsigned char c) { return std::isalpha(c) != 0; });
 }
 
 std::string keyOf(const TextureRequest &request) {
@@ -108,7 +121,12 @@ void Textures::loadBase(const TextureRequest &request, Pictures &pictures) {
         base.pixels[0] = {255, 255, 255, 255};
         return;
     }
-    if (!read(request.base, "a checkerboard replaces it", base, true)) {
+    const bool named = isFileName(request.base);
+    if (!read(request.base, named ? "a checkerboard replaces it" : kNoFileName, base, true)) {
+        if (!named) {
+            pictures.plain = true;
+            return;
+        }
         base = checker();
         fit(base, false);
         pictures.missing = true;
@@ -168,6 +186,7 @@ TextureMade Textures::make(const TextureRequest &request) {
     if (before != madeBefore.end()) return before->second;
     Pictures pictures;
     loadBase(request, pictures);
+    if (pictures.plain) return madeBefore[key] = TextureMade();
     mergeOpacity(request, pictures);
     fit(pictures.base, hasAlpha(pictures.base));
     pictures.seeThrough = hasAlpha(pictures.base);

@@ -60,6 +60,7 @@ class Textures {
     struct Pictures {
         formats::Image base, normals;  // `normals` empty for none
         bool missing = false, seeThrough = false;
+        bool plain = false;  // there is no picture, and none is missing
     };
     bool read(const std::string &path, const std::string &consequence, formats::Image &image,
               bool ownName = false);

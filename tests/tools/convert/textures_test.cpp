@@ -390,5 +390,18 @@ TEST_F(TexturesTest, PicturesAreHalvedToFitTheBudget) {
     EXPECT_EQ(read(scene.convert(), 0).width, 64u);
 }
 
+TEST_F(TexturesTest, NamesThatAreNotThoseOfFilesGiveNoChecker) {
+    put("shaded.png", sample(4, 4));
+    for (const char *path : {"Material.002", "models/quadDamage", "shaded"}) textured(path);
+    const Materials made = scene.convert();
+    ASSERT_EQ(made.textures.size(), 1u);
+    EXPECT_EQ(made.materials[0].texture, formats::Material().texture);
+    EXPECT_EQ(made.materials[1].texture, formats::Material().texture);
+    EXPECT_EQ(made.materials[2].texture, "hero_shaded_d.tga");  // another extension will do
+    EXPECT_EQ(scene.report.missing, 2u);
+    EXPECT_TRUE(mentions(scene.report.warnings,
+                         "texture Material.002 is missing; it is no name of a file, and the material has"));
+}
+
 }  // namespace
 }  // namespace keltra::convert
