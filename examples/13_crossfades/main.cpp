@@ -1,24 +1,22 @@
 // SPDX-License-Identifier: Zlib
-// From one animation to another: the boy on the left fades from walking to waving and back; the one on the
-// right walks on and waves meanwhile, as a layer for his chest and arms above the walk. A tap lets both wave.
-// Next: something in their hands (14_attachments).
+// From one animation to another: the boy on the left fades from walking on the spot to waving and back; the
+// one on the right walks on and waves meanwhile, as a layer for his chest and arms above the walk. A tap lets
+// both wave. Next: something in their hands (14_attachments).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>
-
-#include <cmath>
 
 #include "examples/support/example.h"
 
 namespace {
 
-constexpr float kFade = 0.35f, kStride = 1.36f, kGroundRepeat = 4.0f;
+constexpr float kFade = 0.35f;  // seconds
 
 struct Show {
-    KTNODE *stage = nullptr, *ground = nullptr, *left = nullptr, *right = nullptr;
+    KTNODE *stage = nullptr, *left = nullptr, *right = nullptr;
     KTCLIP walk, wave;
     KTPLAYER leftPlayer, rightPlayer;
-    float sinceWave = 0.0f, walked = 0.0f;
+    float sinceWave = 0.0f;
 };
 
 bool load(Show *show) {
@@ -28,9 +26,8 @@ bool load(Show *show) {
     if (!show->stage || !show->left || !show->right || !show->walk.load("figure_walk.kta") ||
         !show->wave.load("figure_wave.kta"))
         return false;
-    show->ground = show->stage->findByNameInHierarchy("ground");
     KTNODE *sky = show->stage->findByNameInHierarchy("sky");
-    if (!show->ground || !sky || !sky->unlink()) return false;
+    if (!sky || !sky->unlink()) return false;
     KELTRA::setSkybox(sky);
     KTOPENGL::setGlobalAmbientLight(0.34f, 0.34f, 0.38f, 1.0f);
     example::smoothTextures();
@@ -60,9 +57,6 @@ bool animate(Show *show, float seconds, bool tapped) {
         ok = show->leftPlayer.play(&show->walk, true, kFade) && ok;
     show->leftPlayer.update(seconds);
     show->rightPlayer.update(seconds);
-    // The ground moves below them; he who waves walks on the spot for a moment.
-    show->walked += seconds / show->walk.getLength();
-    show->ground->setPosition(0.0f, 0.0f, -std::fmod(show->walked * kStride, kGroundRepeat));
     return ok;
 }
 
