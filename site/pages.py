@@ -48,11 +48,28 @@ def movie(name, text, link=None):
 
 
 def examples():
-    return sorted(main.parent for main in project.glob("examples/*/main.cpp"))
+    """Folders of the examples, in their order, and of the games."""
+    return [main.parent for room in ("examples", "games") for main in sorted(project.glob(f"{room}/*/main.cpp"))]
 
 
 def title(folder):
-    return folder.name.split("_", 1)[1].replace("_", " ").capitalize()
+    return re.sub(r"^[0-9]+_", "", folder.name).replace("_", " ").capitalize()
+
+
+def command(folder):
+    if folder.parent.name == "examples":
+        return f"./run example {folder.name}"
+    program = f"build/release/games/{folder.name}/{folder.name}"
+    return (
+        f"cmake --preset release && cmake --build --preset release --target {folder.name}\n"
+        f"tests/support/with_screen.sh -w 16 {program}"
+    )
+
+
+def sources(folder):
+    """main.cpp first, files of the folder itself before those of folders in it."""
+    files = [path for ending in ("cpp", "h", "xml") for path in folder.rglob(f"*.{ending}")]
+    return sorted(files, key=lambda path: (path.name != "main.cpp", path.parent != folder, path))
 
 
 def cards():
@@ -64,14 +81,15 @@ def cards():
     return "\n".join(['<div class="cards">', *rows, "</div>"])
 
 
-def block(path):
-    language = {".xml": "xml", ".cfg": "settings"}.get(path.suffix, "cpp")
-    return f"## `{path.name}`\n\n```{{literalinclude}} ../{path.relative_to(project)}\n:language: {language}\n```"
+def block(path, folder):
+    language = "xml" if path.suffix == ".xml" else "cpp"
+    listing = f"```{{literalinclude}} /{path.relative_to(project)}\n:language: {language}\n```"
+    return f"## `{path.relative_to(folder)}`\n\n{listing}"
 
 
 def example_pages(classes):
     for folder in examples():
-        files = sorted(folder.iterdir(), key=lambda path: (path.name != "main.cpp", path.name))
+        files = sources(folder)
         code = "".join(path.read_text() for path in files if path.suffix in (".cpp", ".h"))
         used = [name for name in classes if re.search(rf"\b{name}\b", code)]
         links = ", ".join(f"[{name}](../reference/{name}.md)" for name in used)
@@ -80,9 +98,9 @@ def example_pages(classes):
             f"# {title(folder)}",
             lesson(folder / "main.cpp"),
             movie(folder.name, f"The example {folder.name} runs"),
-            f"```sh\n./run example {folder.name}\n```",
+            f"```sh\n{command(folder)}\n```",
             f"It uses {links}.",
-            *map(block, files),
+            *(block(path, folder) for path in files),
         )
     names = [f"examples/{folder.name}" for folder in examples()]
     support = project / "examples/support/example.h"
@@ -94,7 +112,7 @@ def example_pages(classes):
         "`--shot FILE.png` saves the last of them. Their models and pictures are in `examples/assets`.",
         cards(),
         "What they share, their command line and the picture file, is declared so:",
-        block(support).split("\n\n", 1)[1].replace("../", ""),
+        block(support, support.parent).split("\n\n", 1)[1],
         toctree(names, ":hidden:"),
     )
 
@@ -126,6 +144,10 @@ def described_classes():
     return dict(sorted(found.items()))
 
 
+def header_page(path):
+    return path.removeprefix("keltra/").removesuffix(".h").replace("/", "-")
+
+
 def header_sections(definition):
     """The kinds of things that a header declares beside classes."""
     kinds = {"enum": "enum", "func": "func", "define": "define", "typedef": "typedef", "var": "var"}
@@ -133,16 +155,11 @@ def header_sections(definition):
     return [kind for kind in kinds if kind in present]
 
 
-def page_of(header):
-    """Two folders have headers of the same names."""
-    return header.removeprefix("keltra/").removesuffix(".h").replace("/", "_")
-
-
 def reference_pages(classes):
     rows = ["| Class | | Header |", "|---|---|---|"]
     for name, (brief, header, kind) in classes.items():
         write(f"reference/{name}.md", f"# {name}", f"In `<{header}>`.", f"```{{doxygen{kind}}} {name}\n```")
-        rows.append(f"| [{name}](reference/{name}.md) | {brief} | [`{header}`](headers/{page_of(header)}.md) |")
+        rows.append(f"| [{name}](reference/{name}.md) | {brief} | [`{header}`](headers/{header_page(header)}.md) |")
     write(
         "reference.md",
         "# Classes",
@@ -155,12 +172,12 @@ def reference_pages(classes):
 def header_pages(classes):
     rows = ["| Header | Classes | Functions and constants |", "|---|---|---|"]
     names = []
-    for _, definition in sorted(compounds("file"), key=lambda entry: entry[1].find("location").get("file")):
+    for name, definition in sorted(compounds("file"), key=lambda entry: entry[1].find("location").get("file")):
         path = definition.find("location").get("file").removeprefix("include/")
         own = [f"[{entry}](reference/{entry}.md)" for entry, (_, header, _) in classes.items() if header == path]
         sections = header_sections(definition)
         up = [link.replace("(", "(../", 1) for link in own]
-        page = page_of(path)
+        page = header_page(path)
         names.append(f"headers/{page}")
         parts = [f"# {path}", f"```cpp\n#include <{path}>\n```"]
         parts += [f"Classes: {', '.join(up)}."] if up else []
@@ -173,7 +190,7 @@ def header_pages(classes):
     write(
         "headers.md",
         "# Headers",
-        "`<keltra/keltra.h>` includes all of the engine's, `<keltra/kit/kit.h>` all of the kit's. The page of a header has its functions, enumerations, constants and "
+        "`<keltra/keltra.h>` includes all of them. The page of a header has its functions, enumerations, constants and "
         "macros; classes have pages of their own.",
         "\n".join(rows),
         toctree(names, ":hidden:"),
@@ -220,13 +237,18 @@ def main():
         (source / name).symlink_to(project / name)
     classes = described_classes()
     example_pages(classes)
-    for folder in [*examples(), project / "examples/support"]:
-        (source / "examples" / folder.name).symlink_to(folder)
+    (source / "games").symlink_to(project / "games")
+    for folder in (project / "examples").iterdir():
+        if folder.is_dir() and folder.name != "assets":
+            (source / "examples" / folder.name).symlink_to(folder)
     reference_pages(classes)
     header_pages(classes)
     manual_pages()
     format_pages()
-    write("index.md", (project / "site/index.md").read_text().replace("CARDS", cards()))
+    index = (project / "site/index.md").read_text()
+    documents = [f"docs/{path.stem}" for path in sorted(project.glob("docs/*.md"))]
+    rest = [name for name in documents if not re.search(rf"^{name}$", index, re.MULTILINE)]
+    write("index.md", index.replace("CARDS", cards()).replace("REST", "\n".join(rest)))
     print(f"site: {len(examples())} examples, {len(classes)} classes")
 
 
