@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/convert.h"
 
+#include "tools/convert/blender.h"
 #include "tools/convert/clips.h"
+#include "tools/convert/further_clips.h"
 #include "tools/convert/gltf_buffers.h"
 #include "tools/convert/gltf_document.h"
 #include "tools/convert/gltf_extensions.h"
-#include "tools/convert/further_clips.h"
 #include "tools/convert/import_log.h"
 #include "tools/convert/iqm.h"
+#include "tools/convert/key_frames.h"
 #include "tools/convert/losses.h"
 #include "tools/convert/materials.h"
 #include "tools/convert/model_files.h"
@@ -145,10 +147,15 @@ Model::Model(const Options &options, const Progress &progress, const std::vector
         readOwn(options, jointNames);
         return;
     }
+    importer->SetPropertyInteger(AI_CONFIG_IMPORT_GLOBAL_KEYFRAME, static_cast<int>(options.frame));
+    if (isBlend(options.model) && readByBlender(options.model)) return;
     read = importer->ReadFile(options.model, kSteps);
     if (!read && !files->outOfReach().empty())
         throw Refusal("it needs " + cleanText(files->outOfReach()) +
                       ", which lies outside of its folder; --textures can name the folder");
+    if (!read && isBlend(options.model))
+        throw Refusal("only Blender itself can read it, and none exported it; without: " +
+                      reasonFrom(importer->GetErrorString(), options.model));
     if (!read) throw Refusal(reasonFrom(importer->GetErrorString(), options.model));
     checkContents(*read);
 }
@@ -168,6 +175,18 @@ void Model::prepareGltf(const std::string &path) {
     if (changed) files->replaceModel(document.bytes());
 }
 
+bool Model::readByBlender(const std::string &path) {
+    const std::vector<std::uint8_t> bytes = exportedByBlender(path, found);
+    if (!bytes.empty()) read = importer->ReadFileFromMemory(bytes.data(), bytes.size(), kSteps, "glb");
+    if (!read) {
+        reportWithoutBlender(path, found);
+        return false;
+    }
+    found.inputs.push_back(path);
+    checkContents(*read);
+    return true;
+}
+
 void Model::readOwn(const Options &options, const std::vector<std::string> &names) {
     Assimp::IOStream *stream = files->Open(options.model.c_str());
     if (!stream) throw Refusal("it cannot be read");
@@ -182,16 +201,19 @@ void Model::readOwn(const Options &options, const std::vector<std::string> &name
 
 void Model::tell(Report &report) const {
     for (const Dropped &entry : found.dropped) report.drop(entry.what, entry.count, entry.why);
+    for (const std::string &text : found.warnings) report.warn(text);
+    for (const std::string &text : found.source) report.tell(text);
+    report.inputs.insert(report.inputs.end(), found.inputs.begin(), found.inputs.end());
     files->tell(report);
     log->tell(report);
 }
 
 Conversion convertModel(const Options &options, const Progress &progress) {
-    const Model model(options, progress);
-    const aiScene &scene = model.scene();
-
     Conversion conversion;
     Report &report = conversion.report;
+    reportKeyFrames(options, report);
+    const Model model(options, progress);
+    const aiScene &scene = model.scene();
     model.tell(report);
     FurtherClips further(options, model, report, progress);
     const SourceSpace space = spaceOf(scene, options, report);

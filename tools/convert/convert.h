@@ -38,6 +38,7 @@ class Model {
 
    private:
     void prepareGltf(const std::string &path);
+    bool readByBlender(const std::string &path);
     void readOwn(const Options &options, const std::vector<std::string> &names);
 
     std::unique_ptr<ImportLog> log;

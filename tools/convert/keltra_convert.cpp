@@ -183,6 +183,9 @@ void describe(CLI::App &app, Arguments &arguments) {
                            "Factor for lengths in metres; default: what the range needs"),
             checkScale)
         ->excludes(texture);
+    app.add_option("--frame", options.frame, "Key frame of an MD2 or MD3 model, from 0")
+        ->check(CLI::Range(0, 65535))
+        ->excludes(texture);
     app.add_option("--up", options.up, "The model's axis that points upward; default: as its format says")
         ->transform(CLI::CheckedTransformer(std::map<std::string, char>{{"X", 'X'}, {"Y", 'Y'}, {"Z", 'Z'}},
                                             CLI::ignore_case))

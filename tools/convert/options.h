@@ -35,6 +35,7 @@ struct Options {
     bool fit = false;     // reduces triangles and pictures to the budget
     bool strict = false;  // nothing is written when anything was dropped, changed, missing or warned of
     double scale = 0.0;   // of lengths in metres; 0 for 1, or a power of ten that brings the model into 16.16
+    unsigned frame = 0;   // of a model that moves by key frames of all vertices
     char up = 0;          // the model's axis that points upward: 'X', 'Y', 'Z'; 0 for what its format says
 };
 
