@@ -34,7 +34,8 @@ endif()
 configure_package_config_file(cmake/keltra-config.cmake.in ${PROJECT_BINARY_DIR}/keltra-config.cmake
   INSTALL_DESTINATION ${KELTRA_CMAKE_FOLDER} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/keltra-config-version.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/keltra-config.cmake ${PROJECT_BINARY_DIR}/keltra-config-version.cmake
+configure_file(cmake/keltra-assets.cmake ${PROJECT_BINARY_DIR}/keltra-assets.cmake COPYONLY)
+install(FILES ${PROJECT_BINARY_DIR}/keltra-config.cmake ${PROJECT_BINARY_DIR}/keltra-config-version.cmake cmake/keltra-assets.cmake
   DESTINATION ${KELTRA_CMAKE_FOLDER} COMPONENT development)
 
 # The prefix is found from where the file lies, so that the installed tree may be moved.

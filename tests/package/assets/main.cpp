@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: Zlib
+int main() { return 0; }
