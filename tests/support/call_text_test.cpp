@@ -37,7 +37,7 @@ class CallTextTest : public ::testing::Test {
 };
 
 TEST_F(CallTextTest, SaysValuesAndNoAddresses) {
-    const GLfixed color[4] = {1, 2, -3, 4}, direction[3] = {5, 6, 7};
+    const GLfixed color[4] = {1, 2, -3, 4}, direction[4] = {5, 6, 7, 8};  // the recorder keeps four
     EXPECT_EQ(linesOf([] { glClearColorx(65536, 0, -1, 2); }), "glClearColorx 65536 0 -1 2\n");
     EXPECT_EQ(linesOf([&] { glMaterialxv(GL_FRONT_AND_BACK, GL_AMBIENT, color); }),
               "glMaterialxv 1032 4608 * : 1 2 -3 4\n");
