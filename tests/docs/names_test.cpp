@@ -175,6 +175,8 @@ TEST(DocumentsTest, OptionsAreThoseOfTheProgram) {
     std::set<std::string> all;
     for (const char *program : {"keltra-convert", "keltra-info", "keltra-view", "keltra-font"})
         all.merge(optionsOf(program));
+    all.merge(matches(contentsOf(projectFolder() / "games/lantern_walk/main.cpp"),
+                      "add_(?:option|flag)\\(\"(--[a-z-]+)\""));
     int checked = 0;
     const auto check = [&](const std::string &place, const std::string &text,
                            const std::set<std::string> &known) {
