@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/budget.h"
 
+#include "tools/convert/plain_text.h"
 #include "tools/convert/report.h"
-#include "tools/convert/report_text.h"
 
 #include <cstdlib>
 #include <stdexcept>

@@ -3,7 +3,7 @@
 #define KELTRA_CONVERT_FURTHER_CLIPS_H
 
 #include "tools/convert/clip_sources.h"
-#include "tools/convert/convert.h"
+#include "tools/convert/model.h"
 #include "tools/convert/source_format.h"
 
 #include <memory>

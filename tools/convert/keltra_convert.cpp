@@ -9,6 +9,7 @@
 #include "tools/convert/names.h"
 #include "tools/convert/output_folder.h"
 #include "tools/convert/report_json.h"
+#include "tools/convert/plain_text.h"
 #include "tools/convert/report_text.h"
 #include "tools/formats/version.h"
 

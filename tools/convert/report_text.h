@@ -10,12 +10,6 @@
 
 namespace keltra::convert {
 
-// `text` for a terminal, in one line: control characters and bytes that are not UTF-8 become \n, \t or \xNN.
-std::string printable(const std::string &text);
-
-// "1,000,000"
-std::string withCommas(std::uint64_t number);
-
 // "3 dropped, 1 changed, 0 missing, 2 warnings", or that there is none of it.
 std::string countsOf(const Tally &tally);
 

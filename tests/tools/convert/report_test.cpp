@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Zlib
+#include "tools/convert/plain_text.h"
 #include "tools/convert/report_json.h"
 #include "tools/convert/report_text.h"
 
