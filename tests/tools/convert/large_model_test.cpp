@@ -2,6 +2,7 @@
 // Models larger than the engine's meshes, and how long they take.
 
 #include "tests/tools/convert/support/convert_fixture.h"
+#include "tools/convert/model.h"
 
 #include <gtest/gtest.h>
 
