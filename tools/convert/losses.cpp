@@ -29,7 +29,8 @@ void reportHiddenMeshes(const aiScene &scene, Report &report) {
     for (std::size_t n = 0; n < nodes.size(); ++n) {
         for (unsigned i = 0; i < nodes[n]->mNumMeshes; ++i)
             if (nodes[n]->mMeshes[i] < shown.size()) shown[nodes[n]->mMeshes[i]] = true;
-        nodes.insert(nodes.end(), nodes[n]->mChildren, nodes[n]->mChildren + nodes[n]->mNumChildren);
+        for (unsigned i = 0; i < nodes[n]->mNumChildren; ++i)  // an importer leaves some of them null
+            if (nodes[n]->mChildren[i]) nodes.push_back(nodes[n]->mChildren[i]);
     }
     report.drop("meshes", static_cast<std::uint64_t>(std::count(shown.begin(), shown.end(), false)),
                 "no node shows them");
