@@ -26,6 +26,7 @@ const char *const kHarmless[] = {
     "ignoring additional tangent",
     "ignoring additional binormal",
     "ThumbNailHdr",
+    "Ignored file of un",  // of a 3MF archive, its own parts among them
     "shading mode not recognized",
     "ScenePreprocessor",
     "UV index mismatch",

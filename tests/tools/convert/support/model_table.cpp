@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/support/model_table.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 namespace keltra::test {
@@ -32,12 +34,17 @@ std::string reasonOf(const ConverterRun &run, const std::string &file) {
 std::string countOf(std::uint64_t count) { return count ? std::to_string(count) : "-"; }
 
 std::string droppedOf(const json &report) {
-    std::string text;
+    std::vector<std::pair<std::string, std::uint64_t>> counts;  // for whatever reasons
     for (const json &dropped : report.at("dropped")) {
-        if (!text.empty()) text += ", ";
-        text += std::to_string(dropped.at("count").get<std::uint64_t>()) + " " +
-                dropped.at("what").get<std::string>();
+        const std::string what = dropped.at("what").get<std::string>();
+        const auto known =
+            std::find_if(counts.begin(), counts.end(), [&](const auto &each) { return each.first == what; });
+        (known != counts.end() ? *known : counts.emplace_back(what, 0)).second +=
+            dropped.at("count").get<std::uint64_t>();
     }
+    std::string text;
+    for (const auto &[what, count] : counts)
+        text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + what;
     unsigned missing = 0;
     for (const json &texture : report.at("textures")) missing += texture.at("missing").get<bool>();
     if (missing)
