@@ -38,13 +38,13 @@ class Gone {
    public:
     // No setter has stored a pointer to an object that is not held; the application may have, but then not
     // many holders are visited: this cost must not grow.
-    Gone(const T &one, bool isHeld) : lowest(addressOf(&one)), visited(isHeld ? ~0u : 64) {}
+    Gone(const T &one, bool isHeld) : lowest(addressOf(&one)), held(isHeld) {}
     // Sorted and not empty.
     explicit Gone(const AddressTable &many)
         : many(&many),
           lowest(addressOf(many.lowest())),
           span(addressOf(many.highest()) - lowest),
-          visited(~0u) {}
+          held(true) {}
 
     bool has(const T *object) const {
         return addressOf(object) - lowest <= span && (!many || many->has(object));
@@ -53,14 +53,14 @@ class Gone {
         if (has(pointer)) pointer = nullptr;
     }
     // How many holders are to be visited.
-    unsigned int mostVisited() const { return visited; }
+    unsigned int mostVisited() const { return held ? ~0u : 64; }
 
    private:
     static std::uintptr_t addressOf(const void *object) { return reinterpret_cast<std::uintptr_t>(object); }
 
     const AddressTable *many = nullptr;
     std::uintptr_t lowest, span = 0;  // all lie within
-    unsigned int visited;
+    bool held;
 };
 
 // A function that clears the pointers of one class to what is being destroyed. To be made at load time, as a

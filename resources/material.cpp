@@ -163,7 +163,8 @@ void KTMATERIAL::release() {
 
 void KTMATERIAL::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
     visitList(allMaterials, gone.mostVisited(), [gone](KTMATERIAL &material) {
-        for (KTTEXTURE *&slot : material.texture) gone.clear(slot);
+        for (KTTEXTURE *&slot : material.texture)
+            if (slot) gone.clear(slot);
     });
 }
 

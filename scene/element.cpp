@@ -245,5 +245,7 @@ KTELEMENT *KTELEMENT::getLight(unsigned int i) { return i < numberOfLights ? ele
 
 // Deliberate: also what is not held; the list is short, and a pass does not mark what it appends.
 void KTELEMENT::forget(const keltra::Gone<KTNODE> &gone) {
-    for (unsigned int i = 0; i < numberOfPassedElements; ++i) gone.clear(element[i].node);
+    const keltra::Gone<KTNODE> nodes = gone;  // in registers
+    for (KTELEMENT *entry = element, *end = element + numberOfPassedElements; entry != end; ++entry)
+        nodes.clear(entry->node);
 }
