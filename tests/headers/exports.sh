@@ -15,7 +15,7 @@ strangers=$(printf '%s\n' "$exported" |
     grep -Ev '^(KELTRA|KT[A-Z0-9]+(<[A-Z0-9]+>)?|R3X[A-Z0-9]+)($|::)' |
     grep -Ev '^operator[^(]*\(.*R3X' |
     grep -Ev '^(KT_gl[A-Za-z0-9]+|vnf[A-Z][A-Za-z0-9]*|releaseId)(\(|$)' |
-    grep -Ev '^(_edata|_end|__bss_start)$' |
+    grep -Ev '^(_edata|_end|__end__|__bss_start|_?_bss_(start|end)__)$' |
     grep -Ev '^__(asan|odr_asan|ubsan|sanitizer|gcov|llvm)')
 if [ -n "$strangers" ]; then
     printf 'these names must not be exported:\n%s\n' "$strangers" >&2

@@ -19,7 +19,8 @@ class HeldClock {
     HeldClock &operator=(const HeldClock &) = delete;
 
     static void passMilliseconds(long milliseconds) {
-        now.tv_nsec += milliseconds * 1000000;
+        now.tv_sec += milliseconds / 1000;  // a long holds four seconds of nanoseconds on some machines
+        now.tv_nsec += milliseconds % 1000 * 1000000;
         now.tv_sec += now.tv_nsec / 1000000000;
         now.tv_nsec %= 1000000000;
     }
