@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // Saving: a garden whose lanterns stay as they were left. Each tap is written at once to garden.sav in the
-// current folder, so that a pulled battery loses nothing. Next: sprites (19_sprites).
+// current folder, so that a pulled battery loses nothing. Next: sprites (25_sprites).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -6,7 +6,7 @@
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>
 
-#include "examples/20_measuring/meter.h"
+#include "examples/29_measuring/meter.h"
 #include "examples/support/example.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // Landscape mode: the device lies on its side. One line of the settings file turns the picture; points of the
 // 2D pass, and those of the kit, are turned with it: 320 to the right, 240 down. A tap on the meadow calls
-// the boy. Next: what stays when the battery is empty (18_saving).
+// the boy. Next: what stays when the battery is empty (24_saving).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // From one animation to another: the boy on the left fades from walking on the spot to waving and back; the
 // one on the right walks on and waves meanwhile, as a layer for his chest and arms above the walk. A tap lets
-// both wave. Next: something in their hands (14_attachments).
+// both wave. Next: something in their hands (16_attachments).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

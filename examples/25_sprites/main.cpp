@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Zlib
 // Sprites, and a 2D game on one page: catch falling stars with a basket, by pen or by the direction pad.
 // Sprites are boxes of the interface that show cells of one picture, which is painted here. Next: measuring
-// (20_measuring).
+// (29_measuring).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>
 
 #include <cmath>
 
-#include "examples/19_sprites/atlas.h"
+#include "examples/25_sprites/atlas.h"
 #include "examples/support/example.h"
 
 namespace {

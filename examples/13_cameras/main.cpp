@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // Three ways to move a camera: along a rail, behind somebody who walks, and around a point by drags. A tap
-// goes on to the next. Next: nodes that move with others (12_planets).
+// goes on to the next. Next: nodes that move with others (14_planets).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // Hierarchy: a sun, planets that circle it, and moons that circle them. A node moves with its parent: each
 // orbit is a plain node that turns, with the planet beside it and the next orbit below that. Next: from one
-// animation to another (13_crossfades).
+// animation to another (15_crossfades).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

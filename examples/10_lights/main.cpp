@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // Lights and attenuation: three lamps circle over a courtyard at night. Each lights what is near it; the four
 // nearest light an object, and vertices are lit, so ground that lamps move over is made of small squares.
-// Next: what one sees through (10_transparency).
+// Next: what one sees through (11_transparency).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

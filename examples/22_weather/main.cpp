@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Zlib
 // Particles in code: a camp fire, rain, and a burst of sparks at a tap. All emitters share 1,024 particles.
-// Next: the device on its side (17_landscape).
+// Next: the device on its side (23_landscape).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>
 
 #include <cmath>
 
-#include "examples/16_weather/emitters.h"
+#include "examples/22_weather/emitters.h"
 #include "examples/support/example.h"
 
 namespace {
