@@ -4,9 +4,9 @@
 
 /** @file
  *
- * Meshes made in code: simple bodies, billboards, sprites of an atlas, meshes from arrays, and several static
- * meshes merged into one. Each call that makes one returns a new mesh without a material, which the list of
- * nodes owns, as those of files; the application may delete it earlier. */
+ * Meshes made in code: simple bodies, billboards, sprites of an atlas, texts, meshes from arrays, and several
+ * static meshes merged into one. Each call that makes one returns a new mesh without a material, which the
+ * list of nodes owns, as those of files; the application may delete it earlier. */
 
 #include <cstdint>
 
@@ -14,6 +14,7 @@
 #include <keltra/kit/export.h>
 #include <keltra/vector.h>
 
+class KTFONT;
 class KTMATERIAL;
 class KTMESH;
 class KTNODE;
@@ -52,6 +53,16 @@ class KTKIT_API KTSHAPES {
                                 bool capped = true);
     /** From arrays, which are copied. */
     static KTMESH *makeArrays(const KTARRAYS &arrays);
+    /** A text around the origin that faces +z, of centered lines (`\n`) `height` units high: a square for
+     * each character, with its glyph in the font's texture, which the material is to have; a transparency of
+     * 0.999 lets the glyphs' alpha show. Kerning counts, escapes do not. Null, with a fault, for null and a
+     * text without anything to show. */
+    static KTMESH *makeText(const KTFONT &font, const char *text, float height);
+    /** The same in solid letters, `depth` units thick, cut along the outlines of the glyphs, with some 300
+     * faces each for cells of 16 pixels; a texture covers the whole text once. Cells may be of any size here
+     * (`KTFONT::setCharSizeX`). Null, with a fault, as above, and when the texture has no alpha channel or
+     * does not hold its picture. */
+    static KTMESH *makeSolidText(const KTFONT &font, const char *text, float height, float depth);
 
     /** Merges the rigid meshes of `material` (null for those without one) below `root`, and `root` itself,
      * into one new mesh with this material, in the coordinates of `root`: linked below it, it draws what they
