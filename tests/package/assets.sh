@@ -7,7 +7,7 @@
 set -eu
 cmake=$1
 build=$2
-source=$3
+source=$(cd "$3" && pwd)
 count=${4:-20}
 here=$(cd "$(dirname "$0")" && pwd)
 
