@@ -63,6 +63,26 @@ if(KELTRA_EXAMPLES AND UNIX)
   install(FILES packaging/keltra-demo.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT examples)
 endif()
 
+# Sections 3 and 5; the pages of section 1 belong to their programs.
+if(KELTRA_MANUAL)
+  find_program(KELTRA_DOXYGEN doxygen REQUIRED)
+  find_program(KELTRA_PANDOC pandoc REQUIRED)
+  set(KELTRA_MANUAL_FOLDER ${PROJECT_BINARY_DIR}/manual)
+  # The time of the sources where the environment names one, so that the pages are the same whenever they are made.
+  string(TIMESTAMP KELTRA_MANUAL_DATE "%Y-%m-%d" UTC)
+  file(GLOB_RECURSE KELTRA_MANUAL_SOURCES CONFIGURE_DEPENDS include/keltra/*.h docs/formats/*.md)
+  add_custom_command(OUTPUT ${KELTRA_MANUAL_FOLDER}/made
+    COMMAND ${PROJECT_SOURCE_DIR}/cmake/manual/pages.sh ${PROJECT_SOURCE_DIR} ${KELTRA_MANUAL_FOLDER} ${PROJECT_VERSION}
+      ${KELTRA_MANUAL_DATE}
+    COMMAND ${CMAKE_COMMAND} -E touch ${KELTRA_MANUAL_FOLDER}/made
+    DEPENDS ${KELTRA_MANUAL_SOURCES} docs/Doxyfile cmake/manual/pages.sh cmake/manual/page.lua cmake/manual/tidy.awk
+    COMMENT "Making manual pages of the headers and file formats"
+    VERBATIM)
+  add_custom_target(keltra_manual ALL DEPENDS ${KELTRA_MANUAL_FOLDER}/made)
+  install(DIRECTORY ${KELTRA_MANUAL_FOLDER}/man3 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT development)
+  install(DIRECTORY ${KELTRA_MANUAL_FOLDER}/man5 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT tools)
+endif()
+
 install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT docs
   PATTERN Doxyfile EXCLUDE PATTERN man EXCLUDE)

@@ -210,6 +210,8 @@ def manual_pages():
         ).stdout
         body = re.sub(r"<(/?)h1\b", r"<\1h2", re.sub(r"<(/?)h2\b", r"<\1h3", made))
         body = re.sub(r'<table class="(head|foot)">.*?</table>', "", body, flags=re.DOTALL)
+        # Section 5 is made of pages that are here already.
+        body = re.sub(r'href="keltra-([a-z]+)\.5\.html"', r'href="../docs/formats/\1.html"', body)
         summary = re.search(r"^\.Nd (.+)$", page.read_text(), re.MULTILINE).group(1)
         write(f"manual/{name}.{section}.md", f"# {name}({section})", f"```{{raw}} html\n{body}\n```")
         names.append(f"manual/{name}.{section}")

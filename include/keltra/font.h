@@ -70,7 +70,7 @@ class KT_API KTFONT : public KTREGISTERED<KTFONT>, public KTLISTED<KTFONT> {
     /** Queues one glyph with its top left corner at (x, y); a full batch is drawn at once. With `immediate`
      * the glyph is drawn at once and not queued; false without a texture. False before `KELTRA::init`. */
     bool putChar(int x, int y, char c, bool immediate);
-    /** Formats as printf does, up to 4,063 characters, and draws from (x, y) on, white at first. '\n' begins
+    /** Formats as printf does, up to 4,063 characters, and draws from (x, y) on, white at first. `\n` begins
      * a line. False for a null format, without a texture, and before `KELTRA::init`. */
     bool putString(int x, int y, const char *format, ...) KELTRA_FONT_PRINTF_LIKE;
 
