@@ -15,23 +15,29 @@ namespace {
 
 // Entries whose object has gone: a search goes on behind them.
 Registration *const kGoneObject = reinterpret_cast<Registration *>(1);
-constexpr std::uint32_t kGoneName = 0xffffffffu;
+constexpr std::uint64_t kGoneName = ~std::uint64_t{0};
 
 // An entry of the table of names: the lower bits of the key, whose upper bits say where it stands; whether
-// more objects may have the name; and the place of the oldest of them among the identifiers, counted from 1.
-// Place 0 stands for one that is not known: a search through the list finds it. There are at most 65,535
-// objects, and less than twice as many places.
-constexpr unsigned int kPlaceBits = 17;
-constexpr std::uint32_t kPlaceMask = (1u << kPlaceBits) - 1;
-constexpr std::uint32_t kMoreObjects = 1u << kPlaceBits;
-constexpr std::uint32_t kNameMask = ~(kPlaceMask | kMoreObjects);
+// more objects may have the name; and the oldest of them. A null pointer stands for one that is not known: a
+// search through the list finds it. The object's address is in the entry itself, since each further table on
+// the way to it would be another miss of the processor's cache.
+constexpr unsigned int kAddressBits = 48;
+constexpr std::uint64_t kAddressMask = (std::uint64_t{1} << kAddressBits) - 1;
+constexpr std::uint64_t kMoreObjects = std::uint64_t{1} << kAddressBits;
+constexpr std::uint64_t kNameMask = ~(kAddressMask | kMoreObjects);
 
 std::uint32_t keyOf(const char *name) {
     static const std::uint32_t seed = newNameSeed();
-    return hashName(name, seed);
+    return hashName(name, seed) * 0x9E3779B1u;  // names that differ in their last characters only lie apart
 }
 
-std::uint32_t nameBits(std::uint32_t key) { return key << (kPlaceBits + 1); }
+std::uint64_t nameBits(std::uint32_t key) { return std::uint64_t{key} << (kAddressBits + 1); }
+
+std::uint64_t addressOf(const Registration &object) { return reinterpret_cast<std::uintptr_t>(&object); }
+
+Registration *objectOf(std::uint64_t entry) {
+    return reinterpret_cast<Registration *>(static_cast<std::uintptr_t>(entry & kAddressMask));
+}
 
 }  // namespace
 
@@ -101,11 +107,12 @@ void ObjectList::rename(Registration &object) {
     if (!object.indexed) return;
     if (object.named) removeName(object);
     const std::uint32_t key = keyOf(nameOf(object));
-    std::uint32_t *entry = nameEntry(key, nameOf(object));
+    std::uint64_t *entry = nameEntry(key, nameOf(object));
     if (!*entry) return addName(object, key, 0);
-    if (!(*entry & kPlaceMask)) return;
+    Registration *const other = objectOf(*entry);
+    if (!other) return;
     // Either may be the older one.
-    objectAt(*entry).named = false;
+    other->named = false;
     *entry = nameBits(key) | kMoreObjects;
 }
 
@@ -122,11 +129,8 @@ Registration *ObjectList::propose(unsigned int id) {
 
 Registration *ObjectList::propose(const char *name) {
     if (!catchUp()) return nullptr;
-    const std::uint32_t entry = *nameEntry(keyOf(name), name);
-    return entry & kPlaceMask ? &objectAt(entry) : nullptr;
+    return objectOf(*nameEntry(keyOf(name), name));
 }
-
-Registration &ObjectList::objectAt(std::uint32_t entry) const { return *ids[(entry & kPlaceMask) - 1]; }
 
 // The entry of the object with that identifier of its own, or the free one behind the search.
 Registration **ObjectList::idEntry(unsigned int id) const {
@@ -136,15 +140,16 @@ Registration **ObjectList::idEntry(unsigned int id) const {
 
 // The entry of an object that still has this name; else one that stands for an unknown object, which may have
 // it; else the free one behind the search.
-std::uint32_t *ObjectList::nameEntry(std::uint32_t key, const char *name) const {
-    std::uint32_t *unknown = nullptr;
+std::uint64_t *ObjectList::nameEntry(std::uint32_t key, const char *name) const {
+    std::uint64_t *unknown = nullptr;
     for (unsigned int i = homeOf(key);; i = i + 1 == capacity ? 0 : i + 1) {
-        const std::uint32_t entry = names[i];
+        const std::uint64_t entry = names[i];
         if (!entry) return unknown ? unknown : names + i;
         if ((entry & kNameMask) != nameBits(key) || entry == kGoneName) continue;
-        if (!(entry & kPlaceMask))
+        Registration *const object = objectOf(entry);
+        if (!object)
             unknown = names + i;
-        else if (std::strcmp(nameOf(objectAt(entry)), name) == 0)
+        else if (std::strcmp(nameOf(*object), name) == 0)
             return names + i;
     }
 }
@@ -164,7 +169,7 @@ bool ObjectList::catchUp() {
 void ObjectList::add(Registration &object) {
     lastIndexed = &object;
     // Identifiers that are drawn anew after vnfOpenLog may be in use already.
-    if (!object.ownId || *idEntry(object.ownId)) {
+    if (!object.ownId || *idEntry(object.ownId) || (addressOf(object) & ~kAddressMask)) {
         object.skipped = true;
         ++skipped;
         return;
@@ -175,19 +180,19 @@ void ObjectList::add(Registration &object) {
     ids[i] = &object;
     object.indexed = true;
     const std::uint32_t key = keyOf(nameOf(object));
-    std::uint32_t *entry = nameEntry(key, nameOf(object));
+    std::uint64_t *entry = nameEntry(key, nameOf(object));
     if (*entry)
         *entry |= kMoreObjects;
     else
         addName(object, key, 0);
 }
 
-// Begins with empty tables, of 12 bytes for seven quarters as many entries as there are objects.
+// Begins with empty tables, of three entries for two objects.
 bool ObjectList::restart() {
     drop();
-    const unsigned int wider = count + count / 4 * 3 + 16;
+    const unsigned int wider = count + count / 2;
     ids = static_cast<Registration **>(std::calloc(wider, sizeof(Registration *)));
-    names = static_cast<std::uint32_t *>(std::calloc(wider, sizeof(std::uint32_t)));
+    names = static_cast<std::uint64_t *>(std::calloc(wider, sizeof(std::uint64_t)));
     if (!ids || !names) {
         drop();
         return false;
@@ -207,7 +212,7 @@ void ObjectList::drop() {
     capacity = usedIds = usedNames = skipped = 0;
 }
 
-void ObjectList::addName(Registration &object, std::uint32_t key, std::uint32_t more) {
+void ObjectList::addName(Registration &object, std::uint32_t key, std::uint64_t more) {
     // Renamed again and again without a new object: no search would end in a full table.
     if ((usedNames + 1) * 10 > capacity * 9) return drop();
     object.nameKey = key;
@@ -215,22 +220,17 @@ void ObjectList::addName(Registration &object, std::uint32_t key, std::uint32_t 
     unsigned int i = homeOf(key);
     while (names[i] && names[i] != kGoneName) i = i + 1 == capacity ? 0 : i + 1;
     usedNames += !names[i];
-    names[i] = nameBits(key) | more | placeOf(object);
+    names[i] = nameBits(key) | more | addressOf(object);
 }
 
 void ObjectList::removeName(Registration &object) {
-    const std::uint32_t wanted = nameBits(object.nameKey) | placeOf(object);
     unsigned int i = homeOf(object.nameKey);
-    while ((names[i] & ~kMoreObjects) != wanted) i = i + 1 == capacity ? 0 : i + 1;
-    names[i] = names[i] & kMoreObjects ? names[i] & ~kPlaceMask : kGoneName;
+    while (objectOf(names[i]) != &object) i = i + 1 == capacity ? 0 : i + 1;
+    names[i] = names[i] & kMoreObjects ? names[i] & ~kAddressMask : kGoneName;
     object.named = false;
 }
 
 void ObjectList::removeId(Registration &object) { *idEntry(object.ownId) = kGoneObject; }
-
-std::uint32_t ObjectList::placeOf(const Registration &object) const {
-    return static_cast<std::uint32_t>(idEntry(object.ownId) - ids + 1);
-}
 
 unsigned int ObjectList::idHome(unsigned int id) const { return homeOf(id * 0x9E3779B1u); }
 

@@ -34,7 +34,7 @@ class FreshBlocks {
 
 // Names and identifiers are public fields that applications write to at any time: the tables only propose an
 // object, and the caller compares. They are filled at the first search among at least `kFewest` objects; what
-// was made since is added at the next search. They hold 12 bytes an entry, 21 a node on average.
+// was made since is added at the next search. They hold two pointers an entry, at most 24 bytes an object.
 class ObjectList {
    public:
     using NameOf = const char *(*)(Registration &object);
@@ -67,13 +67,11 @@ class ObjectList {
     void add(Registration &object);
     bool restart();
     void drop();
-    void addName(Registration &object, std::uint32_t key, std::uint32_t more);
+    void addName(Registration &object, std::uint32_t key, std::uint64_t more);
     void removeName(Registration &object);
     void removeId(Registration &object);
-    Registration &objectAt(std::uint32_t entry) const;
     Registration **idEntry(unsigned int id) const;
-    std::uint32_t *nameEntry(std::uint32_t key, const char *name) const;
-    std::uint32_t placeOf(const Registration &object) const;
+    std::uint64_t *nameEntry(std::uint32_t key, const char *name) const;
     unsigned int idHome(unsigned int id) const;
     unsigned int homeOf(std::uint32_t key) const;
 
@@ -81,7 +79,7 @@ class ObjectList {
     Show show;
     Registration *lastIndexed = nullptr;  // those behind it are not in the tables yet
     Registration **ids = nullptr;         // open addressing by own identifier
-    std::uint32_t *names = nullptr;       // by the name's key; 0 for none
+    std::uint64_t *names = nullptr;       // by the name's key; 0 for none
     unsigned int capacity = 0;
     unsigned int usedIds = 0, usedNames = 0;  // with the entries of what was removed
     unsigned int skipped = 0;                 // without an identifier of their own
