@@ -21,36 +21,44 @@ namespace keltra {
 namespace {
 
 // Walks the markup exactly as the parser will, so that what it counts is what the parser meets. Processing
-// instructions and declarations are overwritten with blanks on the way: they are unused, and the parser ends
-// them elsewhere than the standard does.
+// instructions and declarations do not reach the parser: they are unused, and it ends them elsewhere than the
+// standard does. The text ends with a zero byte, and has no other.
 class MarkupScan {
    public:
-    MarkupScan(char *begin, char *end)
-        : begin(begin), cursor(begin), tag(begin), end(end), depth(0), tags(0) {}
+    // What does not reach the parser is overwritten with blanks; `kShorter` takes it out, with comments and
+    // blanks between tags, which nobody reads.
+    enum Way { kSameLength, kShorter };
+
+    // `lines` has room for the line of each element.
+    MarkupScan(char *begin, char *end, unsigned int *lines, Way way)
+        : begin(begin),
+          cursor(begin),
+          tag(begin),
+          kept(begin),
+          textBegin(begin),
+          end(end),
+          lines(lines),
+          way(way) {}
 
     bool run() {
-        while (char *next = static_cast<char *>(std::memchr(cursor, '<', left()))) {
-            measure(cursor, next);
-            tag = cursor = next;
+        for (;;) {
+            skipText();
+            if (cursor == end) break;
+            tag = cursor;
             if (++tags > kMaxXmlTags) return refused("more than %ld tags", kMaxXmlTags);
+            char *const place = kept;
             if (!skipMarkup()) return refused("does not end");
-            measure(tag, cursor);
+            measure(place);
+            if (kept != place) textBegin = kept;
         }
-        measure(cursor, end);
+        *kept = '\0';
         return true;
     }
     // Valid after a run: no name, value or text is longer.
     std::size_t longestPiece() const { return longest; }
-    // The next tag that opens an element; null behind the last.
-    const char *nextElement() {
-        while (char *next = static_cast<char *>(std::memchr(cursor, '<', left()))) {
-            tag = cursor = next;
-            const bool opens = startsName();
-            if (!skipMarkup()) return nullptr;
-            if (opens) return tag;
-        }
-        return nullptr;
-    }
+    // Valid after a run: where the text ends now, and the number of its elements.
+    char *keptEnd() const { return kept; }
+    unsigned int elementCount() const { return elements; }
     // Valid after a run that returned false; the offset is that of the tag in the text.
     Fault fault() const { return {static_cast<std::size_t>(tag - begin), faultText("tag"), reason, limit}; }
 
@@ -62,51 +70,74 @@ class MarkupScan {
         limit = most;
         return false;
     }
-    std::size_t left() const { return static_cast<std::size_t>(end - cursor); }
     template <std::size_t kSize>
     bool at(const char (&text)[kSize]) const {
-        return left() >= kSize - 1 && *cursor == *text && std::memcmp(cursor, text, kSize - 1) == 0;
+        for (std::size_t i = 0; i < kSize - 1; ++i)
+            if (cursor[i] != text[i]) return false;
+        return true;
     }
 
-    void measure(const char *from, const char *to) {
-        longest = std::max(longest, static_cast<std::size_t>(to - from));
+    void measure(const char *from) { longest = std::max(longest, static_cast<std::size_t>(kept - from)); }
+
+    // Moves behind the character, which stays.
+    void keep(char c) {
+        *kept++ = c;
+        ++cursor;
+    }
+
+    // As the parser takes it; it drops such text itself, after a call for each character.
+    static bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+    void skipText() {
+        char *const place = kept;
+        bool blank = way == kShorter;
+        for (; *cursor != '<' && cursor < end; keep(*cursor)) {
+            line += *cursor == '\n';
+            blank = blank && isBlank(*cursor);
+        }
+        if (blank)
+            kept = place;
+        else
+            measure(textBegin);
     }
 
     bool skipMarkup() {
         if (startsName()) return skipElement();
-        if (at("<?")) return blankInstruction();
-        if (at("<!--")) return skipPast("<!--", "-->");
-        if (at("<![CDATA[")) return skipPast("<![CDATA[", "]]>");
-        if (at("</")) {
+        if (cursor[1] == '/') {
             if (depth) --depth;
             return skipPast("</", ">");
         }
+        if (at("<?")) return dropPast("<?", "?>");
+        if (at("<!--")) return way == kShorter ? dropPast("<!--", "-->") : skipPast("<!--", "-->");
+        if (at("<![CDATA[")) return skipPast("<![CDATA[", "]]>");
         return skipPast("<", ">");
     }
 
     template <std::size_t kOpening, std::size_t kClosing>
     bool skipPast(const char (&opening)[kOpening], const char (&closing)[kClosing]) {
-        for (cursor += sizeof opening - 1;; ++cursor) {
-            cursor = static_cast<char *>(std::memchr(cursor, *closing, left()));
-            if (!cursor) break;
+        for (std::size_t i = 0; i < sizeof opening - 1; ++i) keep(*cursor);
+        for (; cursor < end; keep(*cursor)) {
+            line += *cursor == '\n';
             if (!at(closing)) continue;
-            cursor += sizeof closing - 1;
+            for (std::size_t i = 0; i < sizeof closing - 1; ++i) keep(*cursor);
             return true;
         }
-        cursor = end;
         return false;
     }
 
-    bool blankInstruction() {
-        char *start = cursor;
-        if (!skipPast("<?", "?>")) return false;
-        std::memset(start, ' ', static_cast<std::size_t>(cursor - start));
+    template <std::size_t kOpening, std::size_t kClosing>
+    bool dropPast(const char (&opening)[kOpening], const char (&closing)[kClosing]) {
+        char *const place = kept;
+        if (!skipPast(opening, closing)) return false;
+        if (way == kShorter)
+            kept = place;
+        else
+            std::memset(place, ' ', static_cast<std::size_t>(kept - place));
         return true;
     }
 
     // The parser takes every byte from 127 on for a letter.
     bool startsName() const {
-        if (left() < 2) return false;
         const unsigned char first = static_cast<unsigned char>(cursor[1]);
         return first >= 127 || first == '_' || (first >= 'a' && first <= 'z') ||
                (first >= 'A' && first <= 'Z');
@@ -114,27 +145,46 @@ class MarkupScan {
 
     bool skipElement() {
         unsigned attributes = 0;
-        for (++cursor; cursor < end; ++cursor) {
+        lines[elements++] = line;
+        keep('<');
+        for (;;) {
             const char c = *cursor;
+            if (cursor == end) return false;
+            keep(c);
+            if (c > '>' || (c > '\'' && c < '=')) continue;  // most are letters
             if (c == '"' || c == '\'') {
-                cursor = static_cast<char *>(std::memchr(cursor + 1, c, left() - 1));
-                if (!cursor) return refused("has a quote that is not closed");
+                if (!skipQuoted(c)) return refused("has a quote that is not closed");
             } else if (c == '=') {
                 if (++attributes > kMaxXmlAttributes)
                     return refused("has more than %ld attributes", kMaxXmlAttributes);
             } else if (c == '>') {
-                const bool closed = cursor[-1] == '/';
-                ++cursor;
-                return closed || ++depth <= kMaxXmlNesting ||
+                return kept[-2] == '/' || ++depth <= kMaxXmlNesting ||
                        refused("nests deeper than %ld elements", kMaxXmlNesting);
+            } else {
+                line += c == '\n';
             }
         }
-        return false;
     }
 
-    char *begin, *cursor, *tag;
-    char *end;
-    unsigned depth, tags;
+    bool skipQuoted(char quote) {
+        for (char c; (c = *cursor) != quote; keep(c)) {
+            if (c > '\n') continue;
+            if (cursor == end) return false;
+            line += c == '\n';
+        }
+        keep(quote);
+        return true;
+    }
+
+    char *const begin;
+    char *cursor, *tag;
+    char *kept;       // behind what was kept so far, at `cursor` or before it
+    char *textBegin;  // behind the last markup that was kept
+    char *const end;
+    unsigned int *const lines;
+    const Way way;
+    unsigned int line = 1, elements = 0;
+    unsigned depth = 0, tags = 0;
     std::size_t longest = 0;
     const char *reason = nullptr;
     long limit = 0;
@@ -142,7 +192,12 @@ class MarkupScan {
 
 // Copies the text with one line feed for every kind of line end, as XML requires; returns its end.
 char *copyLines(char *target, const char *bytes, std::size_t size) {
-    for (std::size_t i = 0; i < size; ++i) {
+    const void *const firstReturn = std::memchr(bytes, '\r', size);
+    std::size_t i =
+        firstReturn ? static_cast<std::size_t>(static_cast<const char *>(firstReturn) - bytes) : size;
+    std::memcpy(target, bytes, i);
+    target += i;
+    for (; i < size; ++i) {
         if (bytes[i] == '\r' && i + 1 < size && bytes[i + 1] == '\n') continue;
         *target++ = bytes[i] == '\r' ? '\n' : bytes[i];
     }
@@ -275,21 +330,12 @@ Fault findError(const XmlText &text, int error) {
     return fault;
 }
 
-// Walks tags and elements side by side, and gives each element its line.
-void noteLines(char *text, char *end, TiXmlDocument &document) {
-    MarkupScan scan(text, end);
-    const char *counted = text;
-    unsigned int line = 1;
+// Gives each element its line.
+void noteLines(const unsigned int *lines, unsigned int count, TiXmlDocument &document) {
     for (TiXmlNode *node = document.FirstChild(); node;) {
         if (TiXmlElement *element = node->ToElement()) {
-            const char *tag = scan.nextElement();
-            if (!tag) return;
-            while (const void *feed = std::memchr(counted, '\n', static_cast<std::size_t>(tag - counted))) {
-                counted = static_cast<const char *>(feed) + 1;
-                ++line;
-            }
-            counted = tag;
-            element->SetUserData(reinterpret_cast<void *>(std::uintptr_t{line}));
+            if (count-- == 0) return;
+            element->SetUserData(reinterpret_cast<void *>(std::uintptr_t{*lines++}));
         }
         if (node->FirstChild()) {
             node = node->FirstChild();
@@ -300,23 +346,50 @@ void noteLines(char *text, char *end, TiXmlDocument &document) {
     }
 }
 
-bool parseCopy(char *text, char *end, TiXmlDocument &document, Fault *fault) {
-    MarkupScan scan(text, end);
-    if (!scan.run()) {
-        if (fault) *fault = scan.fault();
-        return false;
-    }
-    // Without tab stops the parser tracks no row and column: that code loops without end on some byte
-    // sequences. Parsed as bytes, no character can claim a length beyond the end of the text.
-    const XmlText measured = {text, end, scan.longestPiece()};
-    const int error = parseText(measured, document, 0);
-    if (error == 0) {
-        noteLines(text, end, document);
-        return true;
-    }
-    document.Clear();
-    if (fault) *fault = findError(measured, error);
+// A text of `size` bytes, with room for its copy and for the line of each element.
+struct XmlSource {
+    const char *bytes;
+    std::size_t size;
+    char *copy;
+    unsigned int *lines;
+};
+
+std::size_t mostElements(std::size_t size) {
+    return std::min<std::size_t>(size / (sizeof "<a>" - 1) + 1, kMaxXmlTags);
+}
+
+// Without tab stops the parser tracks no row and column: that code loops without end on some byte sequences.
+// Parsed as bytes, no character can claim a length beyond the end of the text.
+int parseScanned(const XmlSource &source, const MarkupScan &scan, TiXmlDocument &document) {
+    const int error = parseText({source.copy, scan.keptEnd(), scan.longestPiece()}, document, 0);
+    if (error == 0)
+        noteLines(source.lines, scan.elementCount(), document);
+    else
+        document.Clear();
+    return error;
+}
+
+bool parseWhole(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
+    char *const end = copyLines(source.copy, source.bytes, source.size);
+    MarkupScan scan(source.copy, end, source.lines, MarkupScan::kSameLength);
+    const bool isMeasured = scan.run();
+    const int error = isMeasured ? parseScanned(source, scan, document) : 0;
+    if (isMeasured && error == 0) return true;
+    if (fault) *fault = isMeasured ? findError({source.copy, end, scan.longestPiece()}, error) : scan.fault();
     return false;
+}
+
+// The parser takes some hundred instructions for a character, so it is given no more than is read. What is
+// wrong with a text can only be told from the whole of it, and without an element the parser has to say it.
+bool parseSource(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
+    char *const end = copyLines(source.copy, source.bytes, source.size);
+    MarkupScan scan(source.copy, end, source.lines, MarkupScan::kShorter);
+    if (scan.run() && scan.elementCount() > 0) {
+        const int error = parseScanned(source, scan, document);
+        if (error == 0) return true;
+        if (error == kNoMemory) return refuseMemory(fault);
+    }
+    return parseWhole(source, document, fault);
 }
 
 }  // namespace
@@ -340,12 +413,14 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
                       "holds a zero byte");
     static const char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
-    char *text = static_cast<char *>(allocate(static_cast<unsigned int>(size - mark + 1)));
-    if (!text) return refuseMemory(fault);
-    char *end = copyLines(text, bytes + mark, size - mark);
-    const bool parsed = parseCopy(text, end, document, fault);
-    if (!parsed && fault) fault->offset = mark + offsetInBytes(bytes + mark, size - mark, fault->offset);
-    vnfFree(text);
+    const std::size_t textSize = size - mark, linesSize = mostElements(textSize) * sizeof(unsigned int);
+    void *const block = allocate(static_cast<unsigned int>(linesSize + textSize + 1));
+    if (!block) return refuseMemory(fault);
+    const XmlSource source = {bytes + mark, textSize, static_cast<char *>(block) + linesSize,
+                              static_cast<unsigned int *>(block)};
+    const bool parsed = parseSource(source, document, fault);
+    if (!parsed && fault) fault->offset = mark + offsetInBytes(bytes + mark, textSize, fault->offset);
+    vnfFree(block);
     return parsed;
 }
 

@@ -10,6 +10,7 @@
 #include <random>
 #include <string>
 
+#include "formats/xml_check.h"
 #include "foundation/file_bytes.h"
 #include "tests/support/allocations.h"
 #include "tests/support/same_verdict.h"
@@ -59,6 +60,41 @@ TEST(XmlDocument, BytesBeyondAsciiStayAsTheyAre) {
     TiXmlDocument document;
     ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document));
     EXPECT_STREQ(document.FirstChildElement()->Attribute("v"), "\xC3\xA9\xFF");
+}
+
+// What nobody reads does not reach the parser: comments, instructions and blanks between tags.
+TEST(XmlDocument, HoldsElementsAndTheirTextOnly) {
+    const std::string text =
+        "<!-- one -->\n<a>\n <?skip it?> <b/> two <!-- three --> words <c>\t<!----></c>\r\n<![CDATA[ ]]></a>";
+    TiXmlDocument document;
+    ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document));
+    TiXmlPrinter printer;
+    printer.SetStreamPrinting();
+    document.Accept(&printer);
+    EXPECT_EQ(printer.Str(), "<a><b />two words<c /><![CDATA[ ]]></a>");
+}
+
+TEST(XmlDocument, ElementsKnowTheirLines) {
+    const std::string text =
+        "\n<!-- a\r\n<b> -->\r<root at='\n\n'>\r\n\r\n<?x\n?> text\n<item\n/>\n<item/></root>\n<last/>";
+    TiXmlDocument document;
+    ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document));
+    const TiXmlElement *root = document.FirstChildElement("root");
+    ASSERT_NE(root, nullptr);
+    const TiXmlElement *item = root->FirstChildElement();
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(xmlLine(*root), 4u);
+    EXPECT_EQ(xmlLine(*item), 10u);
+    EXPECT_EQ(xmlLine(*item->NextSiblingElement()), 12u);
+    EXPECT_EQ(xmlLine(*root->NextSiblingElement()), 13u);
+}
+
+// Only comments and text: the parser is given all of it, and takes it.
+TEST(XmlDocument, WithoutElementsIsReadAsItIs) {
+    TiXmlDocument document;
+    ASSERT_TRUE(parseXmlDocument("<!-- a -->", 10, document));
+    ASSERT_NE(document.FirstChild(), nullptr);
+    EXPECT_NE(document.FirstChild()->ToComment(), nullptr);
 }
 
 TEST(XmlDocument, LineEndsBecomeLineFeeds) {
@@ -150,6 +186,7 @@ TEST(XmlDocument, NothingIsLostWhenMemoryRunsOut) {
     const std::string text =
         "<?xml version='1.0'?><!-- a comment that is no short text --><root><a_rather_long_element_name "
         "an_attribute_name_beyond_small_strings='a value that is longer than small strings are'/>"
+        "<another_element_with_a_long_name with='a value that is longer than small strings are'/>"
         "<box><name value='b'/>text that is longer than small strings are<![CDATA[and some more of such]]>"
         "</box></root>";
     const std::string wrong = text + "<one></other>";
