@@ -17,6 +17,7 @@
 
 #include "core/holders.h"
 #include "core/paths.h"
+#include "formats/limits.h"
 #include "foundation/argument.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
@@ -40,8 +41,6 @@ char KELTRA::ktePath[256];
 bool KELTRA::timerUpdated = false;
 
 namespace {
-
-const unsigned int kVideoMemory = 8388608;
 
 const keltra::OnGone<KTNODE> forgetSkybox([](const keltra::Gone<KTNODE> &gone) {
     gone.clear(KELTRA::skybox);
@@ -131,7 +130,7 @@ bool KELTRA::init(KTSETTINGS *settings) {
     const keltra::FaultOptional optional;  // without a timer only the frame rate is missing
     timer = vnfNewTimer(1.0f);
     timerUpdated = false;
-    videoMemoryTotal = kVideoMemory;
+    videoMemoryTotal = keltra::kVideoMemory;
     active = true;
     return true;
 }

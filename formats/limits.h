@@ -31,7 +31,8 @@ constexpr unsigned int kMaxAnimBones = 128;
 constexpr unsigned int kMaxAnimFrames = 1024;
 
 // Textures and films.
-constexpr unsigned int kMaxTextureSize = 512;  // pixels in either direction
+constexpr unsigned int kMaxTextureSize = 512;    // pixels in either direction
+constexpr unsigned int kVideoMemory = 8u << 20;  // bytes of all textures that are loaded at a time
 
 // Emitters.
 constexpr unsigned int kMaxParticles = 512;

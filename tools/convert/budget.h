@@ -11,6 +11,8 @@ namespace keltra::convert {
 
 struct Report;
 
+constexpr unsigned kMaxInfluences = 4;  // of a vertex; each one more costs as much per frame as the first
+
 // 0 is no limit. The defaults are for one model among others on a processor without a floating-point unit:
 // a skinned vertex takes about 400 instructions a frame and a bone of a skin 3,000, so that 5,000 and 40 of
 // them leave more than half of a frame; mipmapped textures are charged four times, which makes 2 MiB all of

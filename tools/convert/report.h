@@ -4,13 +4,15 @@
 
 // What a conversion did and dropped, and its warnings; printed as text or as JSON.
 
+#include "formats/limits.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace keltra::convert {
 
-constexpr std::uint64_t kTextureBudget = 8u << 20;  // the engine's texture memory, in bytes
+constexpr std::uint64_t kTextureBudget = kVideoMemory;
 
 struct ClipReport {
     std::string name;  // the model's name of the clip

@@ -7,6 +7,7 @@
 // is applied to the vertices. Frames of bones are those of the bind pose, because the engine takes the pose
 // in the file as bind pose.
 
+#include "tools/convert/budget.h"
 #include "tools/convert/names.h"
 #include "tools/convert/report.h"
 #include "tools/convert/transform.h"
@@ -50,8 +51,6 @@ struct Joint {
     bool isPosed = false;    // clips can move it
     bool underRoot = false;  // part of a skeleton, below HumanoidRoot
 };
-
-constexpr unsigned kMaxInfluences = 4;  // each one more costs as much per frame as the first
 
 // The joints that a vertex follows, by decreasing weight. The weights are multiples of 1/65536, as in the
 // engine, and their sum is exactly 1; unused ones are 0.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // keltra-info FILE...: describes files of the engine and their faults.
 
+#include "tools/info/limits.h"
 #include "tools/info/print.h"
 #include "tools/info/read_file.h"
 
@@ -18,7 +19,7 @@ namespace info = keltra::info;
 struct Arguments {
     std::vector<std::string> files;
     std::string kind;
-    bool json = false, check = false, strict = false;
+    bool json = false, check = false, strict = false, limits = false;
 };
 
 const char kExamples[] =
@@ -27,14 +28,14 @@ const char kExamples[] =
     "  keltra-info --check data/*            which files the engine takes\n"
     "  keltra-info --check --strict data/*   and which of them lack something\n"
     "  keltra-info --json hero.kte hero.kta  for another program\n"
-    "  keltra-info --as settings user.txt    the keys as the engine reads them\n";
+    "  keltra-info --as settings user.txt    the keys as the engine reads them\n"
+    "  keltra-info --limits                  what files of the engine can hold\n";
 
 void describe(CLI::App &app, Arguments &arguments) {
-    app.add_option(
-           "FILE", arguments.files,
-           "Scenes (KTE), animations (KTA), textures (TGA), kerning and settings files, interface and "
-           "emitter descriptions (XML), films (MPEG-1)")
-        ->required();
+    CLI::Option *files = app.add_option(
+        "FILE", arguments.files,
+        "Scenes (KTE), animations (KTA), textures (TGA), kerning and settings files, interface and "
+        "emitter descriptions (XML), films (MPEG-1)");
     app.add_option("--as", arguments.kind, "Takes the files for this kind, whatever is in them")
         ->check(CLI::IsMember(info::kindNames()));
     app.add_flag("--json", arguments.json, "Prints one JSON document");
@@ -43,6 +44,9 @@ void describe(CLI::App &app, Arguments &arguments) {
     app.add_flag("--strict", arguments.strict,
                  "With --check: a file is also bad when something in it is missing or not known")
         ->needs(check);
+    app.add_flag("--limits", arguments.limits,
+                 "Prints the engine's limits and the converter's default budget as JSON")
+        ->excludes(files);
     app.set_version_flag("--version", "keltra-info " KELTRA_VERSION);
     app.footer(kExamples);
 }
@@ -80,6 +84,7 @@ int run(const Arguments &arguments) {
         else
             print(report, arguments);
     }
+    if (arguments.limits) std::fputs(info::limitsText().c_str(), stdout);
     if (arguments.json) std::fputs(info::jsonText(reports, arguments.check).c_str(), stdout);
     if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return allGood ? 0 : 1;
     std::fputs("keltra-info: cannot write the output\n", stderr);
@@ -94,6 +99,7 @@ int main(int argc, char **argv) {
     describe(app, arguments);
     try {
         app.parse(argc, argv);
+        if (arguments.files.empty() && !arguments.limits) throw CLI::RequiredError("FILE");
     } catch (const CLI::ParseError &error) {
         return app.exit(error) == 0 ? 0 : 2;
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Zlib
 // The program as it is called: exit codes, streams, kinds of files, and what is no file.
 
+#include <keltra/anim.h>
+#include <keltra/mesh.h>
 #include "tests/formats/tga_bytes.h"
 #include "tests/support/temp_file.h"
 #include "tests/support/unprivileged.h"
@@ -66,6 +68,21 @@ TEST_F(KeltraInfoTest, UsageIsTwoAndHelpIsZero) {
     EXPECT_THAT(help.output, HasSubstr("Examples:"));
     EXPECT_EQ(run("--version").status, 0);
     EXPECT_THAT(run("--version").output, StartsWith("keltra-info 1."));
+}
+
+TEST_F(KeltraInfoTest, LimitsAreThoseOfTheEngine) {
+    const Result result = run("--limits");
+    EXPECT_EQ(result.status, 0);
+    const nlohmann::json limits = nlohmann::json::parse(result.output, nullptr, false);
+    ASSERT_TRUE(limits.is_object());
+    EXPECT_EQ(limits["nameBytes"], 255);
+    EXPECT_EQ(limits["skinBones"], unsigned{KTMESH::maxBones});
+    EXPECT_EQ(limits["skins"], unsigned{KTMESH::maxSkins});
+    EXPECT_EQ(limits["clipBones"], unsigned{KTANIM::maxBones});
+    EXPECT_EQ(limits["clipFrames"], unsigned{KTANIM::maxFrames});
+    EXPECT_EQ(limits["textureBytes"], 8388608);
+    EXPECT_EQ(limits["budget"]["triangles"], 5000);
+    EXPECT_EQ(run("--limits good.tga").status, 2);
 }
 
 TEST_F(KeltraInfoTest, CheckPrintsALineForEachFile) {
