@@ -19,7 +19,8 @@ dpkg-buildpackage -us -uc -b >"$folder/log" 2>&1 || { tail -n 30 "$folder/log" >
 cd ..
 library=$(find "keltra-$version" -name "libkeltra.so.$version" -path '*/lib/*' -not -path '*/debian/*')
 "$source/packaging/abi/abi.sh" check "$library" "$source/include/keltra"
+find "keltra-$version" -maxdepth 2 -name keltra-blender.zip -exec mv {} "keltra-blender-$version.zip" \;
 rm -rf "keltra-$version"
 # Only a package that enters the distribution closes a bug.
 lintian --allow-root --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs keltra_*.changes
-wc -c ./*.deb ./*.tar.gz | sed 's/^/package: /'
+wc -c ./*.deb ./*.tar.gz ./*.zip | sed 's/^/package: /'
