@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/xml_check.h"
 
+#include "formats/plain_integer.h"
 #include "formats/xml_document.h"
 
 #include <tinyxml.h>
@@ -97,6 +98,8 @@ void XmlCheck::unknownValue(const TiXmlElement &element, const char *found, cons
 void XmlCheck::integer(const TiXmlElement &element, const char *attribute, long least, long most) {
     const char *text = element.Attribute(attribute);
     if (!text) return missing(element, attribute);
+    long plain;
+    if (plainInteger(text, plain) && plain >= least && plain <= most) return;
     char *end = nullptr;
     errno = 0;
     const long number = std::strtol(text, &end, 10);

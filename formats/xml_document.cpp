@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/xml_document.h"
 
+#include "formats/plain_integer.h"
+#include "formats/xml_scan.h"
 #include "foundation/file_bytes.h"
 #include "foundation/quiet.h"
 
@@ -19,176 +21,6 @@
 namespace keltra {
 
 namespace {
-
-// Walks the markup exactly as the parser will, so that what it counts is what the parser meets. Processing
-// instructions and declarations do not reach the parser: they are unused, and it ends them elsewhere than the
-// standard does. The text ends with a zero byte, and has no other.
-class MarkupScan {
-   public:
-    // What does not reach the parser is overwritten with blanks; `kShorter` takes it out, with comments and
-    // blanks between tags, which nobody reads.
-    enum Way { kSameLength, kShorter };
-
-    // `lines` has room for the line of each element.
-    MarkupScan(char *begin, char *end, unsigned int *lines, Way way)
-        : begin(begin),
-          cursor(begin),
-          tag(begin),
-          kept(begin),
-          textBegin(begin),
-          end(end),
-          lines(lines),
-          way(way) {}
-
-    bool run() {
-        for (;;) {
-            skipText();
-            if (cursor == end) break;
-            tag = cursor;
-            if (++tags > kMaxXmlTags) return refused("more than %ld tags", kMaxXmlTags);
-            char *const place = kept;
-            if (!skipMarkup()) return refused("does not end");
-            measure(place);
-            if (kept != place) textBegin = kept;
-        }
-        *kept = '\0';
-        return true;
-    }
-    // Valid after a run: no name, value or text is longer.
-    std::size_t longestPiece() const { return longest; }
-    // Valid after a run: where the text ends now, and the number of its elements.
-    char *keptEnd() const { return kept; }
-    unsigned int elementCount() const { return elements; }
-    // Valid after a run that returned false; the offset is that of the tag in the text.
-    Fault fault() const { return {static_cast<std::size_t>(tag - begin), faultText("tag"), reason, limit}; }
-
-   private:
-    // Notes the first reason; always false.
-    bool refused(const char *why, long most = 0) {
-        if (reason) return false;
-        reason = faultText(why);
-        limit = most;
-        return false;
-    }
-    template <std::size_t kSize>
-    bool at(const char (&text)[kSize]) const {
-        for (std::size_t i = 0; i < kSize - 1; ++i)
-            if (cursor[i] != text[i]) return false;
-        return true;
-    }
-
-    void measure(const char *from) { longest = std::max(longest, static_cast<std::size_t>(kept - from)); }
-
-    // Moves behind the character, which stays.
-    void keep(char c) {
-        *kept++ = c;
-        ++cursor;
-    }
-
-    // As the parser takes it; it drops such text itself, after a call for each character.
-    static bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-    void skipText() {
-        char *const place = kept;
-        bool blank = way == kShorter;
-        for (; *cursor != '<' && cursor < end; keep(*cursor)) {
-            line += *cursor == '\n';
-            blank = blank && isBlank(*cursor);
-        }
-        if (blank)
-            kept = place;
-        else
-            measure(textBegin);
-    }
-
-    bool skipMarkup() {
-        if (startsName()) return skipElement();
-        if (cursor[1] == '/') {
-            if (depth) --depth;
-            return skipPast("</", ">");
-        }
-        if (at("<?")) return dropPast("<?", "?>");
-        if (at("<!--")) return way == kShorter ? dropPast("<!--", "-->") : skipPast("<!--", "-->");
-        if (at("<![CDATA[")) return skipPast("<![CDATA[", "]]>");
-        return skipPast("<", ">");
-    }
-
-    template <std::size_t kOpening, std::size_t kClosing>
-    bool skipPast(const char (&opening)[kOpening], const char (&closing)[kClosing]) {
-        for (std::size_t i = 0; i < sizeof opening - 1; ++i) keep(*cursor);
-        for (; cursor < end; keep(*cursor)) {
-            line += *cursor == '\n';
-            if (!at(closing)) continue;
-            for (std::size_t i = 0; i < sizeof closing - 1; ++i) keep(*cursor);
-            return true;
-        }
-        return false;
-    }
-
-    template <std::size_t kOpening, std::size_t kClosing>
-    bool dropPast(const char (&opening)[kOpening], const char (&closing)[kClosing]) {
-        char *const place = kept;
-        if (!skipPast(opening, closing)) return false;
-        if (way == kShorter)
-            kept = place;
-        else
-            std::memset(place, ' ', static_cast<std::size_t>(kept - place));
-        return true;
-    }
-
-    // The parser takes every byte from 127 on for a letter.
-    bool startsName() const {
-        const unsigned char first = static_cast<unsigned char>(cursor[1]);
-        return first >= 127 || first == '_' || (first >= 'a' && first <= 'z') ||
-               (first >= 'A' && first <= 'Z');
-    }
-
-    bool skipElement() {
-        unsigned attributes = 0;
-        lines[elements++] = line;
-        keep('<');
-        for (;;) {
-            const char c = *cursor;
-            if (cursor == end) return false;
-            keep(c);
-            if (c > '>' || (c > '\'' && c < '=')) continue;  // most are letters
-            if (c == '"' || c == '\'') {
-                if (!skipQuoted(c)) return refused("has a quote that is not closed");
-            } else if (c == '=') {
-                if (++attributes > kMaxXmlAttributes)
-                    return refused("has more than %ld attributes", kMaxXmlAttributes);
-            } else if (c == '>') {
-                return kept[-2] == '/' || ++depth <= kMaxXmlNesting ||
-                       refused("nests deeper than %ld elements", kMaxXmlNesting);
-            } else {
-                line += c == '\n';
-            }
-        }
-    }
-
-    bool skipQuoted(char quote) {
-        for (char c; (c = *cursor) != quote; keep(c)) {
-            if (c > '\n') continue;
-            if (cursor == end) return false;
-            line += c == '\n';
-        }
-        keep(quote);
-        return true;
-    }
-
-    char *const begin;
-    char *cursor, *tag;
-    char *kept;       // behind what was kept so far, at `cursor` or before it
-    char *textBegin;  // behind the last markup that was kept
-    char *const end;
-    unsigned int *const lines;
-    const Way way;
-    unsigned int line = 1, elements = 0;
-    unsigned depth = 0, tags = 0;
-    std::size_t longest = 0;
-    const char *reason = nullptr;
-    long limit = 0;
-};
 
 // Copies the text with one line feed for every kind of line end, as XML requires; returns its end.
 char *copyLines(char *target, const char *bytes, std::size_t size) {
@@ -426,7 +258,9 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
 
 int xmlInteger(const char *text) {
     if (!text) return 0;
-    const long value = std::strtol(text, nullptr, 10);
+    long value;
+    if (plainInteger(text, value)) return static_cast<int>(value);
+    value = std::strtol(text, nullptr, 10);
     if (value > INT_MAX) return INT_MAX;
     return value < INT_MIN ? INT_MIN : static_cast<int>(value);
 }

@@ -12,10 +12,10 @@ class TiXmlDocument;
 namespace keltra {
 
 // The one way in which documents reach the parser: both measure the text first and are false, with the
-// document empty, for a file that cannot be read, text beyond a limit, and text that is not XML. Declarations
-// are skipped, and text is taken as bytes whatever encoding they name. `fault`, which may be null, receives
-// where in `bytes` the text is wrong; `scope` reports why a file cannot be read. The elements of a document
-// that is parsed know their lines (`xmlLine`).
+// document empty, for a file that cannot be read, text beyond a limit, and text that is not XML.
+// Declarations, comments and blanks between tags are skipped, and text is taken as bytes whatever encoding
+// they name. `fault`, which may be null, receives where in `bytes` the text is wrong; `scope` reports why a
+// file cannot be read. The elements of a document that is parsed know their lines (`xmlLine`).
 bool loadXmlDocument(const char *path, TiXmlDocument &document, FaultScope *scope = nullptr);
 bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document, Fault *fault = nullptr);
 
