@@ -2,6 +2,7 @@
 #include "formats/kerning.h"
 
 #include "formats/key_lines.h"
+#include "formats/plain_integer.h"
 
 #include <algorithm>
 #include <climits>
@@ -14,6 +15,12 @@ namespace {
 constexpr std::size_t kPrefixLength = sizeof kKerningPrefix - 1;
 
 constexpr unsigned int kNoKey = kKerningKeys;
+
+bool hasPrefix(const char *line) {
+    for (const char *c = kKerningPrefix; *c; ++c, ++line)
+        if (*line != *c) return false;
+    return true;
+}
 
 // The key of the single character at `name`.
 unsigned int characterKey(const char *name) {
@@ -31,7 +38,9 @@ std::size_t namedKey(const char *name, unsigned int named) {
 // Keys match inside longer words, so the first place of each one counts.
 void takeValue(KerningValues &values, unsigned int key, const char *separator) {
     if (values.isThere[key]) return;
-    const long number = std::strtol(*separator ? separator + 1 : separator, nullptr, 10);
+    const char *const text = *separator ? separator + 1 : separator;
+    long number;
+    if (!plainInteger(text, number)) number = std::strtol(text, nullptr, 10);
     values.isThere[key] = true;
     values.value[key] = static_cast<signed char>(std::clamp<long>(number, INT_MIN, INT_MAX));
 }
@@ -58,7 +67,7 @@ class KerningCheck {
    private:
     void checkLine() {
         if (lines.isCut()) faults.cut();
-        if (std::strncmp(lines.text(), kKerningPrefix, kPrefixLength) != 0) return checkStranger();
+        if (!hasPrefix(lines.text())) return checkStranger();
         const char *name = lines.text() + kPrefixLength;
         for (unsigned int i = kKerningKeys - kKerningCharacters; i-- > 0;) {
             const std::size_t length = namedKey(name, i);
@@ -70,6 +79,9 @@ class KerningCheck {
     }
 
     void checkValue(unsigned int key, const char *value) {
+        long number;
+        const bool isGood = plainInteger(value, number) && number >= SCHAR_MIN && number <= SCHAR_MAX;
+        if (isGood && !met[key]) return void(met[key] = true);
         char text[kKerningKeySize];
         kerningKey(key, text);
         if (met[key]) return faults.repeated(text);

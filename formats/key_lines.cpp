@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/key_lines.h"
 
+#include "formats/plain_integer.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -18,17 +20,19 @@ bool KeyLines::next() {
         std::int32_t end = std::min(parser.position, parser.size);
         if (end > begin && (parser.buffer[end - 1] == '\n' || parser.buffer[end - 1] == '\r')) --end;
         cut = end - begin >= static_cast<std::int32_t>(kLineSize);
-        const char *first = std::strchr(raw, '"'), *last = std::strrchr(raw, '"');
         lostBlanks = false;
         wordLength = 0;
+        bool isQuoted = false, hasBlank = false;  // since the first quote
         char *kept = squeezed;
         for (const char *c = raw; *c; ++c) {
             const bool isBlank = *c == ' ' || *c == '\t';
             if (isBlank && wordLength == 0) wordLength = static_cast<std::size_t>(kept - squeezed);
-            if (isBlank)
-                lostBlanks = lostBlanks || (first && c > first && c < last);
-            else if (*c != '\r')
-                *kept++ = *c;
+            hasBlank = hasBlank || (isBlank && isQuoted);
+            if (*c == '"') {
+                isQuoted = true;
+                lostBlanks = hasBlank;
+            }
+            if (!isBlank && *c != '\r') *kept++ = *c;
         }
         *kept = '\0';
         if (wordLength == 0) wordLength = static_cast<std::size_t>(kept - squeezed);
@@ -47,6 +51,8 @@ void KeyLineFaults::tell(KT_FAULT_CODE code, const char *field, const char *foun
 }
 
 bool KeyLineFaults::integer(const char *key, const char *found, long least, long most) {
+    long plain;
+    if (plainInteger(found, plain) && plain >= least && plain <= most) return true;
     char *end = nullptr;
     errno = 0;
     const long number = std::strtol(found, &end, 10);

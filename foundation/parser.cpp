@@ -160,11 +160,8 @@ bool vnfRemoveComments(vnfParser *parser, char mark) {
     if (!isText(parser, "vnfRemoveComments")) return false;
     bool found = false;
     char *end = parser->buffer + parser->size;
-    for (char *byte = parser->buffer; byte != end;) {
-        if (*byte != mark) {
-            ++byte;
-            continue;
-        }
+    for (char *byte = parser->buffer;
+         (byte = static_cast<char *>(std::memchr(byte, mark, std::size_t(end - byte))));) {
         found = true;
         do {
             *byte++ = ' ';
