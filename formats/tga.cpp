@@ -131,8 +131,25 @@ void repeat3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
     }
 }
 
+#if defined(__arm__) && !defined(__thumb__)
+// One instruction stores four registers; compilers use it only for structures.
+std::uint8_t *storeFours(std::uint8_t *target, std::uint32_t pixel, std::size_t &pixels) {
+    register std::uint32_t first asm("r4") = pixel, second asm("r5") = pixel, third asm("r6") = pixel,
+                                 fourth asm("r7") = pixel;
+    for (; pixels >= 8; pixels -= 8)
+        asm("stmia %0!, {%1, %2, %3, %4}\n\tstmia %0!, {%1, %2, %3, %4}"
+            : "+r"(target)
+            : "r"(first), "r"(second), "r"(third), "r"(fourth)
+            : "memory");
+    return target;
+}
+#endif
+
 void repeat4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
     const std::uint32_t pixel = exchanged(kAnyAddress ? loadPixel<4>(source) : loadPixel<1>(source));
+#if defined(__arm__) && !defined(__thumb__)
+    target = storeFours(target, pixel, pixels);
+#endif
     for (; pixels >= kTurn; pixels -= kTurn, target += 4 * kTurn)
         for (std::size_t i = 0; i < 4 * kTurn; i += 4) storePixel(target + i, pixel);
     for (; kTurn > 1 && pixels; --pixels, target += 4) storePixel(target, pixel);
