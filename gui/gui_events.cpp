@@ -105,15 +105,16 @@ class HitTest {
     KTWINDOW *window = nullptr;
 };
 
-// The foremost box under the pointer. A folded window is found by its title bar only.
+// The foremost box under the pointer, of several the first one in the list. A folded window is found by its
+// title bar only. The list ends with what is in front, so most boxes are behind one that was found.
 KTBOX *pick(const Pointer &pointer) {
     KTBOX *best = nullptr;
-    long foremost = 0;
+    long foremost = 1;
     HitTest test(pointer);
-    KTELEMENT *const *const end = KTELEMENT::elementPointer + KTELEMENT::numberOfPassedElements;
-    for (KTELEMENT *const *element = KTELEMENT::elementPointer; element != end; ++element) {
-        KTBOX *box = keltra::asBox((*element)->getNode());
-        if (!box || box->foremostTimeStamp <= foremost || !box->displayStatus) continue;
+    KTELEMENT *const *const begin = KTELEMENT::elementPointer;
+    for (KTELEMENT *const *element = begin + KTELEMENT::numberOfPassedElements; element != begin;) {
+        KTBOX *box = keltra::asBox((*--element)->getNode());
+        if (!box || box->foremostTimeStamp < foremost || !box->displayStatus) continue;
         if (!test.isUnder(*box)) continue;
         const KTWINDOW *window = keltra::asWindow(box);
         if (window && window->isMinimized()) continue;

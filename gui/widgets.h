@@ -20,9 +20,17 @@ inline KTBOX *asBox(KTNODE *node) { return as<KTBOX>(node); }
 // Whether the point lies on the box, whose position counts from `origin`. Deliberate: both edges belong to
 // the box, so 64 pixels react to 65 columns; applications rely on it.
 inline bool isInside(const KTBOX &box, const Origin &origin, float x, float y) {
+#if defined(__SOFTFP__)
     return x >= box.position.x + origin.x && y >= box.position.y + origin.y &&
            x <= static_cast<float>(box.sizeX) + box.position.x + origin.x &&
            y <= static_cast<float>(box.sizeY) + box.position.y + origin.y;
+#else
+    // A branch that is guessed wrong costs more than all four comparisons.
+    const bool isRight = x >= box.position.x + origin.x, isBelow = y >= box.position.y + origin.y;
+    const bool isLeft = x <= static_cast<float>(box.sizeX) + box.position.x + origin.x;
+    const bool isAbove = y <= static_cast<float>(box.sizeY) + box.position.y + origin.y;
+    return isRight & isBelow & isLeft & isAbove;
+#endif
 }
 
 // Switches lighting off while it exists, so that widgets keep their colours in a lit 3D pass.
