@@ -9,13 +9,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     KTSETTINGS settings;
     const bool loaded = settings.load(fileOf(data, size));
     compareVerdict("settings", data, size, loaded);
+    if (size % 4) return 0;  // a start takes twenty times as long as reading
     begin();
     KELTRA::free();
     if (KELTRA::init(&settings)) {
         draw(nullptr, nullptr);
         KELTRA::free();
     }
-    begin();
     finish(size);
     return 0;
 }

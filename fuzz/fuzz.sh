@@ -1,0 +1,93 @@
+#!/bin/sh
+# SPDX-License-Identifier: Zlib
+# Runs fuzz targets that are built: fuzz.sh FOLDER [TARGET [SECONDS]], or all in turn, 60 seconds each.
+# fuzz.sh FOLDER --nightly [MINUTES [SECONDS]] goes round all targets until the minutes are over (480), SECONDS each (300), keeps
+# what reached something new, looks for leaks at the end, and prints the sums of all nights.
+#
+# FOLDER, that of the build, has bin/fuzz_TARGET. In it: corpus/ (inputs that reached something new), found/ (those that
+# failed), TARGET.txt (what the last run printed), history.txt (a line for each run) and figures.txt (the sums).
+set -eu
+cd "$(dirname "$0")/.."
+build=$1
+shift
+all_targets=$(ls fuzz/inputs)
+history=$build/history.txt
+
+# The allocator keeps little for later and short stacks, which halves the time of a run; an input that fails is looked at with
+# the defaults. Leaks are looked for in the end, not after each input.
+fast="malloc_context_size=3:quarantine_size_mb=8:max_malloc_fill_size=0"
+export LSAN_OPTIONS="suppressions=tests/support/lsan.supp"
+
+value() { sed -n "s/^stat::$1: *//p" "$2"; }
+
+# run_target TARGET SECONDS
+run_target() {
+    mkdir -p "$build/corpus/$1" "$build/found/$1"
+    log=$build/$1.txt
+    result=ok
+    ASAN_OPTIONS=$fast "$build/bin/fuzz_$1" -max_total_time="$2" -rss_limit_mb=2048 -timeout=600 -print_final_stats=1 \
+        -entropic=0 -detect_leaks=0 -artifact_prefix="$build/found/$1/" \
+        "$build/corpus/$1" "fuzz/inputs/$1" >"$log" 2>&1 || result=failed
+    executions=$(value number_of_executed_units "$log")
+    edges=$(sed -n 's/.* cov: \([0-9]*\) .*/\1/p' "$log" | tail -n 1)
+    echo "$(date -u +%Y-%m-%dT%H:%M) $(git rev-parse --short HEAD) $1 ${executions:-0} ${edges:-0} $result" >>"$history"
+    echo "run: $1: ${executions:-0} executions, ${edges:-0} edges"
+    ! grep -E '^fuzz: |ERROR: |SUMMARY: |runtime error: |Test unit written' "$log" || true
+    [ $result = ok ]
+}
+
+# check_leaks TARGET: replays the corpus, with leak checking after each input that did not release what it allocated.
+check_leaks() {
+    "$build/bin/fuzz_$1" -runs=0 -timeout=600 -artifact_prefix="$build/found/$1/" "$build/corpus/$1" \
+        >"$build/$1.leaks.txt" 2>&1 && return
+    echo "run: $1: fails when it is replayed, see $build/$1.leaks.txt"
+    return 1
+}
+
+# minimise TARGET: keeps of the corpus what all of it reaches.
+minimise() {
+    rm -rf "$build/corpus/$1.new"
+    mkdir "$build/corpus/$1.new"
+    ASAN_OPTIONS=$fast "$build/bin/fuzz_$1" -merge=1 -timeout=600 -detect_leaks=0 "$build/corpus/$1.new" "$build/corpus/$1" \
+        >"$build/$1.merge.txt" 2>&1 || return 0
+    rm -rf "$build/corpus/$1"
+    mv "$build/corpus/$1.new" "$build/corpus/$1"
+}
+
+# For each target: executions, edges in the end, edges when nine tenths of the executions were done, runs that failed.
+sum_up() {
+    awk '{ total[$3] += $4; edges[$3, ++runs[$3]] = $5; sum[$3, runs[$3]] = total[$3]; failed[$3] += $6 != "ok" }
+         END {
+             printf "%-12s %12s %8s %14s %7s\n", "target", "executions", "edges", "at nine tenths", "failed"
+             for (name in total) {
+                 for (i = 1; i < runs[name] && sum[name, i] < 0.9 * total[name]; ++i) {}
+                 before = edges[name, i]; all += total[name]; bad += failed[name]
+                 printf "%-12s %12d %8d %14d %7d\n", name, total[name], edges[name, runs[name]], before, failed[name] | "sort"
+             }
+             close("sort")
+             printf "%-12s %12d %31d\n", "all", all, bad
+         }' "$history" | tee "$build/figures.txt"
+}
+
+status=0
+if [ "${1:-}" != --nightly ]; then
+    for target in ${1:-$all_targets}; do run_target "$target" "${2:-60}" || status=1; done
+    for target in ${1:-$all_targets}; do check_leaks "$target" || status=1; done
+    exit $status
+fi
+end=$(($(date +%s) + 60 * ${2:-480}))
+while [ "$(date +%s)" -lt $end ]; do
+    for target in $all_targets; do
+        left=$((end - $(date +%s)))
+        [ $left -gt 0 ] || break
+        seconds=${3:-300}
+        run_target "$target" $((left < seconds ? left : seconds)) || status=1
+    done
+    sum_up >/dev/null
+done
+for target in $all_targets; do
+    minimise "$target"
+    check_leaks "$target" || status=1
+done
+sum_up
+exit $status
