@@ -50,7 +50,8 @@ struct KTFAULT {
     unsigned int neededByLine;  ///< the line there; 0 when that is not known
     char field[96];             ///< argument, record field, element, attribute or key
     char found[96];             ///< what was found
-    char expected[96];  ///< what would have been right; of KT_FAULT_DATA the broken rule: "more than 128"
+    char expected[96];  ///< what would have been right; of KT_FAULT_DATA the rule that is broken, such
+                        ///< as "more than 128"
 };
 
 /** Receives each fault, which is good until the handler returns. It may call the engine; faults that it makes
