@@ -20,7 +20,8 @@ folder=$(mktemp -d) || exit 125
 server=
 command=
 stop() {
-    [ -z "$command" ] || kill "$command" 2>/dev/null
+    # The command first: without the server it could not clean up.
+    [ -z "$command" ] || { kill "$command" && wait "$command"; } 2>/dev/null
     [ -z "$server" ] || { kill "$server" && wait "$server"; } 2>/dev/null
     rm -rf "$folder"
 }

@@ -2,6 +2,7 @@
 // keltra-view FILE: shows a scene or a model in the engine, with its frame time, triangles and memory.
 
 #include "tools/formats/version.h"
+#include "tools/support/own_screen.h"
 #include "tools/support/shot.h"
 #include "tools/view/failure.h"
 #include "tools/view/gl_calls.h"
@@ -147,13 +148,19 @@ void printWarning(const KTFAULT *fault, void *) {
     std::fprintf(stderr, "keltra-view: %s\n", sentence);
 }
 
-void run(Arguments arguments) {
+// Pictures need nobody who looks at the screen, so one in memory does.
+void run(Arguments arguments, char **argv) {
+    arguments.viewer.repeatable =
+        arguments.frames > 0 || !arguments.shot.empty() || !arguments.turntable.empty();
+    if (keltra::support::isWithoutDisplay()) {
+        if (!arguments.viewer.repeatable)
+            throw failure("no display", "only pictures are drawn without one, see --shot and --turntable");
+        throw failure("no display", keltra::support::restartOnOwnScreen(argv));
+    }
     KTFAULTS::setHandler(printWarning, nullptr);
     arguments.viewer.data = dataFolder();
     if (arguments.viewer.panel.empty()) arguments.viewer.panel = arguments.viewer.data + "panel.xml";
     arguments.viewer.glCalls = keltra::view::glCallsMade;
-    arguments.viewer.repeatable =
-        arguments.frames > 0 || !arguments.shot.empty() || !arguments.turntable.empty();
     if (!arguments.turntable.empty())
         makeTurntable(arguments);
     else if (arguments.viewer.repeatable)
@@ -175,7 +182,7 @@ int main(int argc, char **argv) {
     }
     catchSignals();
     try {
-        run(arguments);
+        run(arguments, argv);
     } catch (const std::exception &error) {
         if (!stopSignal) std::fprintf(stderr, "keltra-view: %s\n", error.what());
         if (!stopSignal) return kFailed;

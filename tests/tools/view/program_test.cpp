@@ -85,6 +85,18 @@ class Program : public ::testing::Test {
     TempFolder folder;
 };
 
+// The environment names no display meanwhile.
+class WithoutDisplay {
+   public:
+    WithoutDisplay() : display(getenv("DISPLAY") ? getenv("DISPLAY") : "") { unsetenv("DISPLAY"); }
+    ~WithoutDisplay() { setenv("DISPLAY", display.c_str(), 1); }
+    WithoutDisplay(const WithoutDisplay &) = delete;
+    WithoutDisplay &operator=(const WithoutDisplay &) = delete;
+
+   private:
+    std::string display;
+};
+
 int colorsOf(const Image &image) {
     std::set<std::array<int, 3>> colors;
     for (int y = 0; y < image.height; ++y)
@@ -200,6 +212,38 @@ TEST_F(Program, NeedsADisplay) {
     expectRefused(run, "no display");
 }
 
+TEST_F(Program, DrawsPicturesInMemoryWithoutADisplay) {
+    const WithoutDisplay without;
+    const Ended run = view({kData + "figure.kte", "--frames", "3", "--shot", folder.path("own screen.png")});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.err, "");
+    const Image image = loadPng(folder.path("own screen.png"));
+    EXPECT_EQ(image.width, 240);
+    EXPECT_EQ(image.height, 320);
+    EXPECT_GT(colorsOf(image), 100);
+    expectRefused(view({folder.path("none.kte"), "--frames", "1"}),
+                  folder.path("none.kte") + ": No such file");
+}
+
+TEST_F(Program, ShowsNothingWithoutADisplay) {
+    const WithoutDisplay without;
+    expectRefused(view({kData + "figure.kte"}), "no display: only pictures");
+}
+
+TEST_F(Program, SaysThatItsOwnScreenDoesNotStart) {
+    const WithoutDisplay without;
+    const std::string path = getenv("PATH");
+    const std::string tools = folder.path("tools");
+    fs::create_directory(tools);
+    for (const char *tool : {"sh", "mktemp", "mkfifo", "rm", "cat", "env"})
+        fs::create_symlink(fs::canonical(fs::path("/bin") / tool), fs::path(tools) / tool);
+    setenv("PATH", tools.c_str(), 1);  // no Xvfb
+    const Ended run = view({kData + "figure.kte", "--frames", "1"});
+    setenv("PATH", path.c_str(), 1);
+    EXPECT_EQ(run.status, 125);
+    EXPECT_NE(run.err.find("keltra-screen: the screen does not start"), std::string::npos) << run.err;
+}
+
 TEST_F(Program, LeavesNothingBehindWhenItIsStopped) {
     for (int signal : {SIGINT, SIGTERM}) {
         const pid_t child = launch({kData + "figure.kte"});
@@ -213,4 +257,19 @@ TEST_F(Program, LeavesNothingBehindWhenItIsStopped) {
         EXPECT_EQ(run.err, "");
         EXPECT_TRUE(fs::is_empty(folder.path("tmp")));
     }
+}
+
+TEST_F(Program, LeavesNothingBehindWhenItIsStoppedOnItsOwnScreen) {
+    const WithoutDisplay without;
+    const pid_t child = launch({kData + "figure.kte", "--frames", "1000000"});
+    // The screen's temporary folder comes first, then the viewer's.
+    const auto entries = [this] {
+        return std::distance(fs::directory_iterator(folder.path("tmp")), fs::directory_iterator());
+    };
+    for (int i = 0; i < 800 && entries() < 2; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(25));
+    EXPECT_EQ(entries(), 2);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    kill(child, SIGTERM);
+    EXPECT_EQ(finish(child).status, 128 + SIGTERM);
+    EXPECT_TRUE(fs::is_empty(folder.path("tmp")));
 }
