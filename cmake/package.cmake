@@ -12,6 +12,16 @@ add_library(keltra::gles ALIAS keltra_gles)
 target_include_directories(keltra_gles SYSTEM INTERFACE ${GLES_INCLUDE_DIRS})
 target_link_libraries(keltra_gles INTERFACE ${GLES_LINK_LIBRARIES})
 
+# cpack --config CPackSourceConfig.cmake: an archive of the sources, without what is built in them.
+if(PROJECT_IS_TOP_LEVEL)
+  string(REGEX REPLACE "([][+.*?()^$])" "\\\\\\1" folder ${PROJECT_SOURCE_DIR})
+  set(CPACK_SOURCE_GENERATOR TGZ)
+  set(CPACK_SOURCE_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION})
+  set(CPACK_SOURCE_IGNORE_FILES "^${folder}/build/" "^${folder}/\\\\.git$" "^${folder}/\\\\.git/" "^${folder}/\\\\.cache/")
+  set(CPACK_VERBATIM_VARIABLES ON)
+  include(CPack)
+endif()
+
 if(NOT KELTRA_INSTALL)
   return()
 endif()

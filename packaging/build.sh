@@ -9,16 +9,22 @@ version=$(sed -n 's/.*KELTRA_VERSION_STRING "\(.*\)"/\1/p' "$source/include/kelt
 rm -rf "$folder"
 mkdir -p "$folder"
 echo "package: keltra-$version.tar.gz"
-git -C "$source" archive --prefix="keltra-$version/" -o "$folder/keltra-$version.tar.gz" HEAD
-cp "$folder/keltra-$version.tar.gz" "$folder/keltra_$version.orig.tar.gz"
-tar -C "$folder" -xf "$folder/keltra-$version.tar.gz"
-cd "$folder/keltra-$version"
+mkdir "$folder/keltra-$version"
+git -C "$source" archive HEAD | tar -C "$folder/keltra-$version" -xf -
+cd "$folder"
+cmake -S "keltra-$version" -B configured -DKELTRA_TESTS=OFF -DKELTRA_EXAMPLES=OFF -DKELTRA_TOOLS=OFF -DKELTRA_BENCHMARKS=OFF >log
+cpack --config configured/CPackSourceConfig.cmake >>log
+rm -rf configured
+ln "keltra-$version.tar.gz" "keltra_$version.orig.tar.gz"
+cd "keltra-$version"
 cp -r packaging/debian .
 echo "package: building; the log is $folder/log"
 dpkg-buildpackage -us -uc -b >"$folder/log" 2>&1 || { tail -n 30 "$folder/log" >&2; exit 1; }
 cd ..
-library=$(find "keltra-$version" -name "libkeltra.so.$version" -path '*/lib/*' -not -path '*/debian/*')
-"$source/packaging/abi/abi.sh" check "$library" "$source/include/keltra"
+for library in libkeltra:include/keltra libkeltra-kit:include/keltra/kit; do
+    file=$(find "keltra-$version" -name "${library%:*}.so.$version" -path '*/lib/*' -not -path '*/debian/*')
+    "$source/packaging/abi/abi.sh" check "$file" "$source/${library#*:}"
+done
 find "keltra-$version" -maxdepth 2 -name keltra-blender.zip -exec mv {} "keltra-blender-$version.zip" \;
 rm -rf "keltra-$version"
 # Only a package that enters the distribution closes a bug.
