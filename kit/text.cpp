@@ -9,6 +9,8 @@
 #include "kit/fault.h"
 #include "kit/mesh_builder.h"
 
+#include <algorithm>
+
 using keltra::kit::MeshBuilder;
 
 namespace {
@@ -32,7 +34,7 @@ int widthOf(const KTFONT &font, const char *line) {
     return width;
 }
 
-// Calls visit(cell, left, top) for each character that shows something, in the font's pixels, y upward; the
+// Calls visit(c, left, top) for each character that shows something, in the font's pixels, y upward; the
 // block is around the origin, its lines are centered.
 template <class Visit>
 void layOut(const KTFONT &font, const char *text, Visit visit) {
@@ -47,7 +49,7 @@ void layOut(const KTFONT &font, const char *text, Visit visit) {
             top -= line;
             continue;
         }
-        if (const unsigned int cell = cellOf(*text)) visit(cell, left, top);
+        if (cellOf(*text)) visit(*text, left, top);
         left += static_cast<float>(advanceOf(font, *text));
     }
 }
@@ -154,8 +156,8 @@ struct Solid {
         }
     }
     void addText(const KTFONT &font, const char *text) {
-        layOut(font, text, [this, &font](unsigned int cell, float left, float top) {
-            const Glyph glyph(*font.getTexture(), cell);
+        layOut(font, text, [this, &font](char c, float left, float top) {
+            const Glyph glyph(*font.getTexture(), cellOf(c));
             scaleX = static_cast<float>(font.getCharSizeX()) / static_cast<float>(glyph.columns);
             scaleY = static_cast<float>(font.getCharSizeY()) / static_cast<float>(glyph.rows);
             const float low = top - static_cast<float>(font.getCharSizeY());
@@ -168,7 +170,7 @@ struct Solid {
 
 unsigned int countGlyphs(const KTFONT &font, const char *text) {
     unsigned int count = 0;
-    layOut(font, text, [&count](unsigned int, float, float) { ++count; });
+    layOut(font, text, [&count](char, float, float) { ++count; });
     return count;
 }
 
@@ -202,15 +204,17 @@ KTMESH *KTSHAPES::makeText(const KTFONT &font, const char *text, float height) {
     MeshBuilder mesh(call, 4 * glyphs, 2 * glyphs);
     if (!mesh.isGood()) return nullptr;
     const float unit = height / static_cast<float>(font.getCharSizeY());
-    const float across = static_cast<float>(font.getCharSizeX()) * unit;
-    layOut(font, text, [&mesh, unit, across, height](unsigned int cell, float left, float top) {
-        const unsigned int first = mesh.vertexCount();
-        const float x = left * unit, y = top * unit - height, u = leftOf(cell), v = topOf(cell);
-        const float part = 1.0f / kCells;
+    // As wide as its advance: squares that overlapped would hide one another by their depth.
+    layOut(font, text, [&mesh, &font, unit, height](char c, float left, float top) {
+        const unsigned int first = mesh.vertexCount(), cell = cellOf(c);
+        const int pixels = std::max(0, std::min(advanceOf(font, c), static_cast<int>(font.getCharSizeX())));
+        const float across = static_cast<float>(pixels) * unit, x = left * unit, y = top * unit - height;
+        const float u = leftOf(cell), v = topOf(cell), low = v - 1.0f / kCells;
+        const float right = u + static_cast<float>(pixels) / static_cast<float>(font.getCharSizeX() * kCells);
         const R3XVECTOR3D normal(0.0f, 0.0f, 1.0f);
-        mesh.vertex(R3XVECTOR3D(x, y, 0.0f), normal, u, v - part);
-        mesh.vertex(R3XVECTOR3D(x + across, y, 0.0f), normal, u + part, v - part);
-        mesh.vertex(R3XVECTOR3D(x + across, y + height, 0.0f), normal, u + part, v);
+        mesh.vertex(R3XVECTOR3D(x, y, 0.0f), normal, u, low);
+        mesh.vertex(R3XVECTOR3D(x + across, y, 0.0f), normal, right, low);
+        mesh.vertex(R3XVECTOR3D(x + across, y + height, 0.0f), normal, right, v);
         mesh.vertex(R3XVECTOR3D(x, y + height, 0.0f), normal, u, v);
         mesh.square(first, first + 1, first + 2, first + 3);
     });
