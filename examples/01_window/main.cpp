@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Zlib
-// The smallest program: start the engine, clear the screen, stop. Next: a triangle (08_triangle).
+// The smallest program: start the engine, clear the screen, stop. Next: a scene from files
+// (02_scene).
 
 #include <GLES/gl.h>
 #include <keltra/keltra.h>

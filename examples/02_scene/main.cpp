@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // A scene from files: textured, with more lights than the GL has, opaque and transparent meshes, two skinned
-// ones, and a camera that moves slowly from side to side.
+// ones, and a camera that moves slowly from side to side. Next: a character (03_character).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // A skinned character and its animations: twenty figures march, and wave at a tap or after a while. A frame
-// skins sixteen meshes; the four figures passed last are not drawn.
+// skins sixteen meshes; the four figures passed last are not drawn. Next: what a tap hits (04_picking).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

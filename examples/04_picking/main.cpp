@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // Picking: tap a paper lantern and it lights up, tap the lamplighter and he waves. What can be tapped has an
-// auxId of its own; a lantern and the light around it share one.
+// auxId of its own; a lantern and the light around it share one. Next: an interface (05_interface).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // An interface in front of a scene. One XML file describes all of it; the program finds the widgets by name,
-// hands them pen and keys, and acts on what they report.
+// hands them pen and keys, and acts on what they report. Next: particles
+// (06_particles).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // Three particle emitters in a scene: a fountain, smoke and sparks, each from an XML file. A slider of the
-// interface sets the height of the fountain.
+// interface sets the height of the fountain. Next: a film (07_video).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Zlib
-// A film that loops on a turning box and in a window: one texture, which the video writes into, on both.
+// A film that loops on a turning box and in a window: one texture, which the video writes into, on both. Next:
+// the same things one by one, beginning with a triangle (08_triangle).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

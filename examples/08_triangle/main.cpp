@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // A mesh from arrays: one triangle. It is white; three coloured lamps near its corners light each of them in
-// another colour, and the GL mixes between them. Next: more about lights (10_lights).
+// another colour, and the GL mixes between them. Next: pictures on a mesh (09_textures).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // Transparency and order: panes of coloured glass turn around a lamp. What is transparent is drawn after all
 // else, from back to front, so that each pane tints what is behind it; the far ends of their bounding spheres
-// count. Next: ways to move a camera (13_cameras).
+// count. Next: sky and fog (12_distance).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

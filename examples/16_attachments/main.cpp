@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // Attachments: the lamplighter's boy walks through the evening garden with a lantern in his hand. It hangs
 // below the bone of the hand and moves with it, its light and its glow too; a tap lets him change hands.
-// Next: windows and text that scrolls (20_scrolling).
+// Next: a board game (17_board).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

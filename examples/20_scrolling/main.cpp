@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // Windows: drag them by their titles, click a title to fold its window, scroll by the bar, and let a program
-// write and scroll to the end. Next: particles made in code (22_weather).
+// write and scroll to the end. Next: what is wrong with a file (21_faults).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

@@ -7,6 +7,7 @@
 
 #include <string>
 
+class KTFONT;
 class KTLIGHT;
 class KTMATERIAL;
 class KTMESH;
@@ -36,9 +37,12 @@ bool start(const Options &options, const char *settingsFile = nullptr);
 void smoothTextures();
 
 // A texture of the sample files, drawn smoothly and owned by the list of textures. Without it the program
-// ends with a message, as do the next two without memory: the lessons that call them are about something
+// ends with a message, as do the next ones without memory: the lessons that call them are about something
 // else.
 KTTEXTURE *loadTexture(const char *file);
+
+// A font of the sample files, NAME.tga with the kerning file NAME.txt, owned by the list of fonts.
+KTFONT *loadFont(const char *name = "font");
 
 // Gives a mesh its material (null for none), links it below a node, puts it at a place, and returns it.
 KTMESH *place(KTMESH *mesh, KTMATERIAL *material, KTNODE *parent, float x, float y, float z);
@@ -46,6 +50,9 @@ KTMESH *place(KTMESH *mesh, KTMATERIAL *material, KTNODE *parent, float x, float
 // A new light below a node, of an RGB colour and a reach: where it has half of its strength, 0 for
 // everywhere.
 KTLIGHT *addLight(KTNODE *parent, float r, float g, float b, float reach);
+
+// Destroys a node with all below it: destroying one alone leaves its children without a parent.
+void destroyTree(KTNODE *root);
 
 // Ends the frame just drawn: saves the picture of the last one, swaps, asks the GL for errors. False once the
 // run is over; then `*ok` tells whether it was a good one, and a message what was not.

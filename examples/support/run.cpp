@@ -49,6 +49,14 @@ KTTEXTURE *loadTexture(const char *file) {
     return texture;
 }
 
+KTFONT *loadFont(const char *name) {
+    KTTEXTURE *glyphs = loadTexture((std::string(name) + ".tga").c_str());
+    glyphs->setFilter(false, false, true);
+    KTFONT *font = new KTFONT;
+    font->setTexture(glyphs);
+    return require(font->loadKerning((std::string(name) + ".txt").c_str()) ? font : nullptr, name);
+}
+
 KTMESH *place(KTMESH *mesh, KTMATERIAL *material, KTNODE *parent, float x, float y, float z) {
     require(mesh, "mesh");
     mesh->setMaterial(material);
@@ -63,6 +71,17 @@ KTLIGHT *addLight(KTNODE *parent, float r, float g, float b, float reach) {
     if (reach > 0.0f) light->setAttenuation(1.0f, 0.0f, 1.0f / (reach * reach));
     light->link(parent);
     return light;
+}
+
+void destroyTree(KTNODE *root) {
+    if (!root) return;
+    for (unsigned int i = root->getNumberOfChildren(); i-- > 0;) {
+        KTNODE *child = root->getChild(i);
+        if (!child) continue;
+        child->unlink();
+        destroyTree(child);
+    }
+    delete root;
 }
 
 bool endFrame(const Options &options, int frame, bool *ok) {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Zlib
-// The GL calls of the examples over some seconds, from start to end: the same on every machine.
+// The GL calls of the examples over some seconds, from start to end: the same on every machine; and the
+// picture that stands at the end.
 
 #include <time.h>
+#include <unistd.h>
 #ifdef KELTRA_TEST_VIDEO
 #include <inttypes.h>
 extern "C" {
@@ -9,7 +11,9 @@ extern "C" {
 }
 #endif
 
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include <example_list.h>  // made by CMake
 
@@ -64,18 +68,59 @@ class ExampleCallsTest : public EngineTest, public ::testing::WithParamInterface
         CallHash::stop();
         EngineTest::TearDown();
     }
+    static int runExample(std::vector<std::string> &words) {
+        std::vector<char *> arguments;
+        for (std::string &word : words) arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        return GetParam().main(static_cast<int>(words.size()), arguments.data());
+    }
 };
 
 TEST_P(ExampleCallsTest, AreTheSameOnEveryMachine) {
     std::vector<std::string> words = {GetParam().name, "--frames", "40", "--data", KELTRA_EXAMPLE_DATA};
-    std::vector<char *> arguments;
-    for (std::string &word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
     GlRecorder::setDrawing(false);
-    EXPECT_EQ(GetParam().main(static_cast<int>(words.size()), arguments.data()), 0);
+    EXPECT_EQ(runExample(words), 0);
     EXPECT_TRUE(CallHash::matches("example_" + words[0]));
 }
 
+// Only the last frame is drawn: frames do not depend on what was drawn before them, but for what is picked,
+// which is drawn in any case.
+class ExamplePictureTest : public ExampleCallsTest {
+   protected:
+    static constexpr int kFrames = 40;
+    static constexpr Tolerance kTolerance = {8, 0.05};
+
+    static void drawTheLast(const Call &, unsigned) {
+        GlRecorder::setDrawing(StartupFaults::count("eglSwapBuffers") >= kFrames - 1);
+    }
+    void SetUp() override {
+        ExampleCallsTest::SetUp();
+        CallHash::stop();
+        if (CallHash::withoutPictures()) GTEST_SKIP() << "only calls are compared on this machine";
+        GlRecorder::setListener(drawTheLast);
+    }
+    void TearDown() override {
+        GlRecorder::setListener(nullptr);
+        GlRecorder::setDrawing(true);
+        std::remove(shot.c_str());
+        ExampleCallsTest::TearDown();
+    }
+    std::string shot =
+        (std::filesystem::temp_directory_path() / ("keltra_example_" + std::to_string(getpid()) + ".png"))
+            .string();
+};
+
+TEST_P(ExamplePictureTest, IsTheGoldenOne) {
+    std::vector<std::string> words = {
+        GetParam().name, "--frames", std::to_string(kFrames), "--data", KELTRA_EXAMPLE_DATA, "--shot", shot};
+    ASSERT_EQ(runExample(words), 0);
+    const Image picture = loadPng(shot);
+    ASSERT_FALSE(picture.empty());
+    EXPECT_TRUE(matchesGolden(picture, "example_" + words[0], kTolerance));
+}
+
+INSTANTIATE_TEST_SUITE_P(, ExamplePictureTest, ::testing::ValuesIn(kExamples),
+                         [](const auto &info) { return std::string(info.param.name); });
 INSTANTIATE_TEST_SUITE_P(, ExampleCallsTest, ::testing::ValuesIn(kExamples),
                          [](const auto &info) { return std::string(info.param.name); });
 
