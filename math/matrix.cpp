@@ -21,23 +21,26 @@ using keltra::sineCosine;
 
 float degrees(double radians) { return float(radians * kInversePi) * 180.0f; }
 
+#if defined(KELTRA_SOFT_ARM)
+__attribute__((noinline)) float dotWithZeros(const float *v, const float *m) {
+    const bool finite = keltra::areFinite(v, 3) && keltra::isFinite(m[0]) && keltra::isFinite(m[4]);
+    if (finite && keltra::isFinite(m[8])) return keltra::sumOfNonZero(v, m, -0.0f);
+    return m[0] * v[0] + m[4] * v[1] + m[8] * v[2];
+}
+#endif
+
 // v[0] m[0] + v[1] m[4] + v[2] m[8]
 inline float dot(const float *v, const float *m) {
 #if defined(KELTRA_SOFT_ARM)
-    if (const std::uint32_t bits = keltraSumOfThree(v, m)) return keltra::floatOf(bits);
-    const bool finite = keltra::areFinite(v, 3) && keltra::isFinite(m[0]) && keltra::isFinite(m[4]);
-    if (finite && keltra::isFinite(m[8])) return keltra::sumOfNonZero(v, m, -0.0f);
-#endif
+    const std::uint32_t bits = keltraSumOfThree(v, m);
+    return bits ? keltra::floatOf(bits) : dotWithZeros(v, m);
+#else
     return m[0] * v[0] + m[4] * v[1] + m[8] * v[2];
+#endif
 }
 
 // The same with m[12].
-inline float place(const float *v, const float *m) {
-#if defined(KELTRA_SOFT_ARM)
-    if (const std::uint32_t bits = keltraSumOfFour(v, m)) return keltra::floatOf(bits);
-#endif
-    return keltra::sum(dot(v, m), m[12]);
-}
+inline float place(const float *v, const float *m) { return keltra::sum(dot(v, m), m[12]); }
 
 // a d - b c
 inline float minor(float a, float d, float b, float c) {
@@ -93,8 +96,11 @@ R3XMATRIX R3XMATRIX::operator*(const R3XMATRIX &other) const {
 }
 
 R3XVECTOR4D R3XMATRIX::transform(const R3XVECTOR3D &v) const {
+#if defined(KELTRA_SOFT_ARM)
+    R3XVECTOR4D result;  // with 1, which the last row of a placement gives
+    if (keltra::hasPlainLastRow(m) && keltraTransform(&v.x, m, &result.x)) return result;
+#endif
     const float vector[3] = {v.x, v.y, v.z};
-    // The last row of a placement gives 1.
     const bool last = keltra::kSoftFloat && keltra::areFinite(vector, 3) && keltra::hasPlainLastRow(m);
     return R3XVECTOR4D(place(vector, m), place(vector, m + 1), place(vector, m + 2),
                        last ? 1.0f : place(vector, m + 3));

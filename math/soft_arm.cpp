@@ -37,29 +37,76 @@ function keltraSumOfThree
     pop {r4-r9, pc}
     .size keltraSumOfThree, . - keltraSumOfThree
 
-function keltraSumOfFour
-    push {r4-r10, lr}
+@ The product with an element, whose mantissa gets 32 bits.
+.macro elementProduct result, element, mantissa, exponent, low
+    mov \low, \element, lsl #8
+    orr \low, \low, #0x80000000
+    add \element, \exponent, \element, lsr #23
+    umull \low, \result, \mantissa, \low
+    cmp \result, #0x00800000
+    movlo \result, \result, lsl #1
+    orrlo \result, \result, \low, lsr #31
+    movlo \low, \low, lsl #1
+    sbc \element, \element, #0
+    cmp \low, #0x80000000
+    adc \result, \result, \element, lsl #23
+    biceq \result, \result, #1
+.endm
+.macro unpackFactor number, exponent
+    mov \exponent, \number, lsr #23
+    sub \exponent, \exponent, #127
+    bic \number, \number, #0xff000000
+    orr \number, \number, #0x00800000
+.endm
+@ The factors' mantissas are in r2 to r4, their exponents in r5 to r7; a row is looked at before anything is computed.
+function keltraTransform
+    push {r2, r4-r11, lr}
+    sub sp, sp, #12
     ldmia r0, {r2, r3, r4}
-    ldr r5, [r1]
-    ldr r6, [r1, #16]
-    ldr r7, [r1, #32]
-    ldr r10, [r1, #48]
     mov lr, #0x4d000000
     checkFirst r2, lr, r12
     checkNext r3, lr, r12
     checkNext r4, lr, r12
-    checkNext r5, lr, r12
-    checkNext r6, lr, r12
-    checkNext r7, lr, r12
-    checkNext r10, lr, r12
     bhs 1f
-    sumOfThree
-    addUp r0, r10, r8, r9, r12, 1f
-    pop {r4-r10, pc}
+    unpackFactor r2, r5
+    unpackFactor r3, r6
+    unpackFactor r4, r7
+    mov r11, #0
+6:
+    ldr r8, [r1]
+    ldr r9, [r1, #16]
+    ldr r10, [r1, #32]
+    ldr r0, [r1, #48]
+    mov lr, #0x4d000000
+    checkFirst r8, lr, r12
+    checkNext r9, lr, r12
+    checkNext r10, lr, r12
+    checkNext r0, lr, r12
+    bhs 1f
+    mov lr, #0x80000000
+    elementProduct r0, r8, r2, r5, r12
+    elementProduct r8, r9, r3, r6, r12
+    addUp r0, r8, r9, r10, r12, 1f, lr
+    ldr r10, [r1, #32]
+    elementProduct r8, r10, r4, r7, r12
+    addUp r0, r8, r9, r10, r12, 1f, lr
+    ldr r8, [r1, #48]
+    addUp r0, r8, r9, r10, r12, 1f, lr
+    str r0, [sp, r11]
+    add r1, r1, #4
+    add r11, r11, #4
+    cmp r11, #12
+    bne 6b
+    pop {r2, r3, r4}
+    pop {r1}
+    stmia r1, {r2, r3, r4}
+    mov r0, #1
+    pop {r4-r11, pc}
 1:
     mov r0, #0
-    pop {r4-r10, pc}
-    .size keltraSumOfFour, . - keltraSumOfFour
+    add sp, sp, #16
+    pop {r4-r11, pc}
+    .size keltraTransform, . - keltraTransform
 
 function keltraSumOfSquares
     push {r4-r9, lr}
@@ -213,134 +260,6 @@ function keltraMultiplyAdd
     mov r0, #0
     pop {r4, r5, pc}
     .size keltraMultiplyAdd, . - keltraMultiplyAdd
-
-@ The exponent of the scale is in r7, its mantissa in r8.
-.macro scaled result, value
-    mov r9, \value, lsl #1
-    add r9, r7, r9, lsr #24
-    eor r10, \value, r3
-    mov \value, \value, lsl #8
-    orr \value, \value, #0x80000000
-    roundedProduct \result, \value, r8, r9, r10, r12
-.endm
-@ r0 := r1 + r2 and r3 := r1 - r2, where r1 and r2 are lost, and r7, r9, r10, r12 and lr are used. To 1 when one of
-@ them is zero. With r2 negated when the signs differ, which exchanges the two, the sum has the sign of both and the
-@ difference that of the larger one. The smaller one is shifted once for both.
-.macro plusMinus
-    eors r12, r1, r2
-    eormi r2, r2, #0x80000000
-    subs r10, r1, r2
-    beq 1f
-    sbc lr, lr, lr
-    sublo r1, r1, r10
-    addlo r2, r2, r10
-    mov r9, r1, lsr #23
-    sub r10, r9, r2, lsr #23
-    align r1, r2, r10, r7
-    sub r3, r1, r2
-    clz r7, r3
-    mov r3, r3, lsl r7
-    sub r10, r9, r7
-    adds r0, r1, r2
-    bcs 6\@f
-7\@:
-    mov r7, r0, lsl #24
-    sub r9, r9, #1
-    mov r0, r0, lsr #8
-    cmp r7, #0x80000000
-    adc r0, r0, r9, lsl #23
-    biceq r0, r0, #1
-    mov r7, r3, lsl #24
-    sub r10, r10, #1
-    mov r3, r3, lsr #8
-    cmp r7, #0x80000000
-    adc r3, r3, r10, lsl #23
-    biceq r3, r3, #1
-    eor r3, r3, lr, lsl #31
-    teq r12, #0
-    movmi r7, r0
-    movmi r0, r3
-    movmi r3, r7
-    .subsection 1
-6\@:
-    movs r0, r0, rrx
-    orrcs r0, r0, #1
-    add r9, r9, #1
-    b 7\@b
-    .subsection 0
-.endm
-function keltraCorners
-    push {r4-r11, lr}
-    mov lr, #0x4d000000
-    checkFirst r0, lr, r12
-    checkNext r3, lr, r12
-    bhs 1f
-    mov r7, r3, lsl #1
-    mov r7, r7, lsr #24
-    bic r8, r3, #0xff000000
-    orr r8, r8, #0x00800000
-    ldr r11, [sp, #36]
-    scaled r4, r0
-    movs r5, r1, lsl #1
-    beq 3f
-    checkFirst r1, lr, r12
-    bhs 1f
-    scaled r5, r1
-    movs r6, r2, lsl #1
-    beq 2f
-    checkFirst r2, lr, r12
-    bhs 1f
-    scaled r6, r2
-    mov r1, r5
-    mov r2, r6
-    plusMinus
-    mov r1, r4
-    mov r2, r0
-    mov r5, r3
-    plusMinus
-    str r3, [r11]
-    str r0, [r11, #32]
-    mov r1, r4
-    mov r2, r5
-    plusMinus
-    str r0, [r11, #16]
-    str r3, [r11, #48]
-    mov r0, #1
-    pop {r4-r11, pc}
-@ a zero on its way up
-2:
-    mov r1, r4
-    mov r2, r5
-    plusMinus
-    str r3, [r11]
-    str r0, [r11, #16]
-    str r0, [r11, #32]
-    str r3, [r11, #48]
-    mov r0, #1
-    pop {r4-r11, pc}
-@ a zero to the right
-3:
-    movs r6, r2, lsl #1
-    moveq r0, r4
-    moveq r3, r4
-    beq 4f
-    checkFirst r2, lr, r12
-    bhs 1f
-    scaled r6, r2
-    mov r1, r4
-    mov r2, r6
-    plusMinus
-4:
-    str r3, [r11]
-    str r3, [r11, #16]
-    str r0, [r11, #32]
-    str r0, [r11, #48]
-    mov r0, #1
-    pop {r4-r11, pc}
-1:
-    mov r0, #0
-    pop {r4-r11, pc}
-    .size keltraCorners, . - keltraCorners
 
 @ The mantissas of x and y get 32 bits, those of c and p 24; each serves two products.
 function keltraTurn

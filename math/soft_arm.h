@@ -19,9 +19,10 @@
 extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfThree(const float *a,
                                                                                 const float *b);
 
-// The bits of a[0] b[0] + a[1] b[4] + a[2] b[8] + b[12].
-extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfFour(const float *a,
-                                                                               const float *b);
+// result[j] := v[0] m[j] + v[1] m[4 + j] + v[2] m[8 + j] + m[12 + j] for j from 0 to 2; `result` may be part
+// of `m`. False when nothing was done.
+extern "C" __attribute__((visibility("hidden"))) bool keltraTransform(const float *v, const float *m,
+                                                                      float *result);
 
 // The bits of v[0] v[0] + v[1] v[1] + v[2] v[2].
 extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraSumOfSquares(const float *v);
@@ -41,13 +42,6 @@ extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraDifference(
 extern "C" __attribute__((visibility("hidden"))) std::uint32_t keltraMultiplyAdd(std::uint32_t a,
                                                                                  std::uint32_t b,
                                                                                  std::uint32_t c);
-
-// One coordinate of a square's corners, four floats apart, of bits: with p, r and u for the products by
-// `scale`, p - (r + u), p + (r - u), p + (r + u) and p - (r - u). Zeros of `right` and `up` are accepted.
-// False when not all are there.
-extern "C" __attribute__((visibility("hidden"))) bool keltraCorners(std::uint32_t place, std::uint32_t right,
-                                                                    std::uint32_t up, std::uint32_t scale,
-                                                                    float *corners);
 
 // t[12 + j] := place[0] t[j] + place[1] t[4 + j] + place[2] t[8 + j] + t[12 + j] for j from 0 to 2, where the
 // fourth row of `t` is 0 0 0 1 and zeros are accepted; false when nothing was done.

@@ -2,8 +2,8 @@
 #ifndef KELTRA_MATH_SOFT_ARM_MACROS_H
 #define KELTRA_MATH_SOFT_ARM_MACROS_H
 
-// The steps that the functions of soft_arm.h are made of, for the assembler: it knows them in each source that
-// includes soft_arm.h and then this, behind it.
+// The steps that the functions of soft_arm.h are made of, for the assembler: it knows them in each source
+// that includes soft_arm.h and then this, behind it.
 
 #if defined(KELTRA_SOFT_ARM)
 
@@ -63,29 +63,22 @@ asm(R"(
     orrne \other, \other, #1
 .endm
 
-@ sum := sum + other, where `other` is lost. To `zero` when the sum is zero. `exponent` has the sign above it. The
-@ seldom parts are apart: a carry, and different signs.
-.macro addUp sum, other, exponent, difference, work, zero
-    eors \work, \sum, \other
-    bmi 5\@f
-    subs \difference, \sum, \other
-    sublo \sum, \sum, \difference
-    addlo \other, \other, \difference
-    mov \exponent, \sum, lsr #23
-    sub \difference, \exponent, \other, lsr #23
-    align \sum, \other, \difference, \work
-    adds \sum, \sum, \other
-    bcs 6\@f
-8\@:
+@ Rounds the mantissa with 32 bits in `sum` and sets the exponent. `half` may be a register that holds 0x80000000.
+.macro roundMantissa sum, exponent, work, half
+    .ifb \half
     mov \work, \sum, lsl #24
+    cmp \work, #0x80000000
+    .else
+    cmn \half, \sum, lsl #24
+    .endif
     sub \exponent, \exponent, #1
     mov \sum, \sum, lsr #8
-    cmp \work, #0x80000000
     adc \sum, \sum, \exponent, lsl #23
     biceq \sum, \sum, #1
-    .subsection 1
-5\@:
-    eor \other, \other, #0x80000000
+.endm
+
+@ sum := sum - other, of the same signs, up to the rounding. To `zero` when it is zero.
+.macro difference sum, other, exponent, difference, work, zero
     subs \difference, \sum, \other
     beq \zero
     sublo \sum, \sum, \difference
@@ -98,6 +91,27 @@ asm(R"(
     clz \work, \sum
     mov \sum, \sum, lsl \work
     sub \exponent, \exponent, \work
+.endm
+
+@ sum := sum + other, where `other` is lost. To `zero` when the sum is zero. `exponent` has the sign above it. The
+@ seldom parts are apart: a carry, and different signs.
+.macro addUp sum, other, exponent, difference, work, zero, half
+    eors \work, \sum, \other
+    bmi 5\@f
+    subs \difference, \sum, \other
+    sublo \sum, \sum, \difference
+    addlo \other, \other, \difference
+    mov \exponent, \sum, lsr #23
+    sub \difference, \exponent, \other, lsr #23
+    align \sum, \other, \difference, \work
+    adds \sum, \sum, \other
+    bcs 6\@f
+8\@:
+    roundMantissa \sum, \exponent, \work, \half
+    .subsection 1
+5\@:
+    eor \other, \other, #0x80000000
+    difference \sum, \other, \exponent, \difference, \work, \zero
     b 8\@b
 6\@:
     movs \sum, \sum, rrx

@@ -139,7 +139,31 @@ function keltraToFixed
 3:
 .endm
 function keltraTranslate
-    push {r4-r11, lr}
+    ldr r2, [r1, #12]
+    ldr r3, [r1, #28]
+    ldr r12, [r1, #44]
+    orr r2, r2, r3
+    orr r2, r2, r12
+    ldr r3, [r1, #60]
+    eor r3, r3, #0x3f800000
+    orrs r2, r2, r3
+    movne r0, #0
+    bxne lr
+    push {r0, r1, r4-r11, lr}
+    ldr r2, [r0, #8]
+    ldr r3, [r1, #4]
+    movs r2, r2, lsl #1
+    movsne r3, r3, lsl #1
+    beq 2f
+    add r2, r1, #48
+    bl keltraTransform
+    cmp r0, #0
+    movne r0, #1
+    addne sp, sp, #8
+    ldmiane sp!, {r4-r11, pc}
+@ with zeros
+2:
+    ldmia sp!, {r0, r1}
     sub sp, sp, #12
     mov lr, #0x4d000000
     ldmia r0, {r4, r5, r6}
@@ -147,15 +171,6 @@ function keltraTranslate
     zeroOrInRange r4, r7
     zeroOrInRange r5, r7
     zeroOrInRange r6, r7
-    ldr r7, [r1, #12]
-    ldr r8, [r1, #28]
-    ldr r9, [r1, #44]
-    ldr r12, [r1, #60]
-    orr r7, r7, r8
-    orr r7, r7, r9
-    eor r12, r12, #0x3f800000
-    orrs r7, r7, r12
-    bne 1f
     mov r11, #0
 4:
     mov r0, #0

@@ -96,19 +96,12 @@ inline float sumOfNonZero(const float *a, const float *b, float w) {
 // a[0] b[0] + a[1] b[4] + a[2] b[8] + 0 w; all of them finite. `dense` when none is zero.
 inline float sumOfThree(const float *a, const float *b, float w, bool dense) {
     if (!dense) return sumOfNonZero(a, b, w);
-#if defined(KELTRA_SOFT_ARM)
-    if (const std::uint32_t bits = keltraSumOfThree(a, b)) return floatOf(bits);
-#endif
     const float sum = a[0] * b[0] + a[1] * b[4] + a[2] * b[8];
     return isZero(sum) ? sum + 0.0f * w : sum;
 }
 
 // The same with b[12] in the place of 0 w.
 inline float sumOfFour(const float *a, const float *b, bool dense) {
-#if defined(KELTRA_SOFT_ARM)
-    if (dense)
-        if (const std::uint32_t bits = keltraSumOfFour(a, b)) return floatOf(bits);
-#endif
     return keltra::sum(sumOfThree(a, b, floatOf(kSignBit), dense), b[12]);
 }
 
@@ -201,12 +194,32 @@ inline bool turnBy(const Rotation &turn, int axis, float *t) {
     return true;
 }
 
-// t := a translation x t.
-inline bool translateBy(float x, float y, float z, float *t) {
 #if defined(KELTRA_SOFT_ARM)
+
+// What the kernels leave is seldom: no product is worth leaving out.
+inline bool translateBy(float x, float y, float z, float *t) {
     const float by[3] = {x, y, z};
     if (keltraTranslate(by, t)) return true;
-#endif
+    if (placementOf(t) == Placement::kNone || !areFinite(by, 3)) return false;
+    for (int j = 0; j < 3; ++j) t[12 + j] = x * t[j] + y * t[4 + j] + z * t[8 + j] + t[12 + j];
+    return true;
+}
+
+inline bool multiplyPlacements(const float *a, const float *b, float *result) {
+    if (keltraMultiply(a, b, result)) return true;
+    if (placementOf(a) == Placement::kNone || placementOf(b) == Placement::kNone) return false;
+    for (int column = 0; column < 16; column += 4) {
+        const float *v = a + column;
+        for (int j = 0; j < 4; ++j)
+            result[column + j] = v[0] * b[j] + v[1] * b[4 + j] + v[2] * b[8 + j] + v[3] * b[12 + j];
+    }
+    return true;
+}
+
+#else
+
+// t := a translation x t.
+inline bool translateBy(float x, float y, float z, float *t) {
     const Placement placement = placementOf(t);
     if (placement == Placement::kNone || !isFinite(x) || !isFinite(y) || !isFinite(z)) return false;
     const float place[3] = {x, y, z};
@@ -219,9 +232,6 @@ inline bool translateBy(float x, float y, float z, float *t) {
 
 // result := a x b in the order of R3XMATRIX, for two placements; `result` is neither of them.
 inline bool multiplyPlacements(const float *a, const float *b, float *result) {
-#if defined(KELTRA_SOFT_ARM)
-    if (keltraMultiply(a, b, result)) return true;
-#endif
     const Placement first = placementOf(a), second = placementOf(b);
     if (first == Placement::kNone || second == Placement::kNone) return false;
     const bool dense = first == Placement::kDense && second == Placement::kDense;
@@ -235,6 +245,8 @@ inline bool multiplyPlacements(const float *a, const float *b, float *result) {
     result[15] = 1.0f;
     return true;
 }
+
+#endif
 
 }  // namespace keltra
 

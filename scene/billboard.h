@@ -11,8 +11,6 @@
 #include <cstring>
 
 #include "math/fixed.h"
-#include "math/soft_arm.h"
-#include "math/sparse.h"
 
 namespace keltra {
 
@@ -39,32 +37,9 @@ inline void writeColor(const R3XVECTOR4D &color, unsigned char *bytes) {
     for (unsigned int i = 0; i < kCorners; ++i) std::memcpy(corners + i * kColorBytes, &all, sizeof all);
 }
 
-// -a - b, where `sum` is a + b: its negative has the same bits unless it is zero or not finite.
-inline float negated(float sum, float a, float b) { return isOrdinary(sum) ? -sum : -a - b; }
-
-// One coordinate of all corners, without a floating-point unit.
-inline void writeCoordinate(float place, float right, float up, float scale, float *corners) {
-#if defined(KELTRA_SOFT_ARM)
-    if (keltraCorners(bitsOf(place), bitsOf(right), bitsOf(up), bitsOf(scale), corners)) return;
-#endif
-    const float middle = place * scale, r = right * scale, u = up * scale;
-    const float both = sum(u, r), difference = sum(-u, r);
-    corners[0] = middle + negated(both, r, u);
-    corners[4] = middle + difference;
-    corners[8] = middle + both;
-    corners[12] = middle + negated(difference, r, -u);
-}
-
 // Deliberate: the position is scaled like the square; emitter files rely on it.
 inline void writeCorners(const R3XVECTOR3D &position, float scale, R3XVECTOR3D right, R3XVECTOR3D up,
                          R3XVECTOR4D *corners) {
-    if (kSoftFloat) {
-        writeCoordinate(position.x, right.x, up.x, scale, &corners->x);
-        writeCoordinate(position.y, right.y, up.y, scale, &corners->y);
-        writeCoordinate(position.z, right.z, up.z, scale, &corners->z);
-        for (unsigned int i = 0; i < kCorners; ++i) corners[i].w = 1.0f;
-        return;
-    }
     const R3XVECTOR3D middle = position * scale;
     right *= scale;
     up *= scale;

@@ -2,7 +2,6 @@
 #include <keltra/emitter.h>
 
 #include <keltra/element.h>
-#include <keltra/engine_state.h>
 #include <keltra/foundation.h>
 #include <keltra/glbridge.h>
 #include <keltra/light.h>
@@ -18,20 +17,13 @@
 #include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
-#include "math/fixed.h"
-#include "math/float_bits.h"
-#include "math/quotient.h"
-#include "math/sparse.h"
 #include "math/square_root.h"
 #include "scene/billboard.h"
 
 #include <GLES/gl.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 
 static_assert(KTEMITTER::maxParticles == keltra::kMaxParticles, "as the check of emitter files says");
@@ -47,14 +39,6 @@ unsigned char *KTEMITTER::colorArray = nullptr;
 KTLISTED<KTEMITTER> *KTEMITTER::allEmitters = nullptr;
 const keltra::OnGone<KTTEXTURE> KTEMITTER::onTextureGone(&KTEMITTER::forgetTexture);
 
-// What all particles of one draw have in common.
-struct KTEMITTER::BILLBOARD {
-    R3XVECTOR3D right, up, axis;
-    R3XVECTOR3D gravityStep;
-    float time;
-    float energyLoss;
-};
-
 namespace {
 
 using keltra::kColorBytes;
@@ -63,7 +47,6 @@ using keltra::kCorners;
 enum EmitterType { kPoint, kRectangle, kDisc };
 
 constexpr unsigned int kVertices = KTEMITTER::maxParticles * kCorners;
-constexpr float kEnergyLoss = 0.5f;  // a second
 constexpr float kAlphaLimit = 0.2f;
 
 template <class T>
@@ -109,32 +92,6 @@ R3XVECTOR3D randomAlong(const R3XVECTOR3D &direction, unsigned int maximum) {
 GLenum blendFactor(unsigned int factor, bool isSource) {
     if (keltra::isBlendFactor(static_cast<int>(factor), isSource)) return factor;
     return isSource ? GL_SRC_ALPHA : GL_ONE_MINUS_SRC_ALPHA;
-}
-
-// An index outside the pool holds nothing.
-bool holdsAny(const int *slots, unsigned int count) {
-    bool any = false;
-    for (unsigned int i = 0; i < count; ++i) any |= static_cast<unsigned int>(slots[i]) < KTEMITTER::poolSize;
-    return any;
-}
-
-// So many particles of the arrays were cleared by the last emitter that was drawn.
-unsigned int cleared = 0;
-
-bool isClear(unsigned int corner) {
-    const R3XVECTOR4D origin;
-    std::uint32_t color;
-    std::memcpy(&color, KTEMITTER::colorArray + corner * kColorBytes, sizeof color);
-    return KTEMITTER::vertexArray[corner] == origin && color == 0;
-}
-
-// An emitter that found the pool empty draws its particles with no area, all of them at the origin. The next
-// such emitter finds the arrays as they are to be: the ends are looked at, since the arrays are public.
-void clearParticles(unsigned int count) {
-    if (count == 0 || (cleared >= count && isClear(0) && isClear(count * kCorners - 1))) return;
-    std::fill_n(KTEMITTER::vertexArray, count * kCorners, R3XVECTOR4D());
-    std::memset(KTEMITTER::colorArray, 0, count * kCorners * kColorBytes);
-    cleared = count;
 }
 
 int clampedNumber(int number) { return std::clamp(number, 0, static_cast<int>(KTEMITTER::maxParticles)); }
@@ -254,7 +211,6 @@ KELTRA_COLD bool KTEMITTER::free() {
 }
 
 KELTRA_COLD void KTEMITTER::freeArrays() {
-    cleared = 0;
     freeRecords(particle);
     freeRecords(vertexArray);
     freeRecords(uvArray);
@@ -394,57 +350,6 @@ bool KTEMITTER::render(void *data) {
     keltra::resumeCulling(keltra::kByEmitter);
     KTMATERIAL::reset();
     return true;
-}
-
-void KTEMITTER::updateParticles() {
-    const unsigned int count = static_cast<unsigned int>(clampedNumber(numberOfParticles));
-    if (!holdsAny(slot, count)) return clearParticles(count);
-    cleared = 0;
-    float m[16];
-    KT_glGetFloatv(0, m);
-    BILLBOARD billboard;
-    billboard.right.set(m[0], m[4], m[8]);
-    billboard.up.set(m[1], m[5], m[9]);
-    billboard.axis = billboard.right ^ billboard.up;
-    billboard.axis.normalize();
-    billboard.time = KTENGINESTATE::getFPSfactor();
-    billboard.gravityStep = gravity * billboard.time;
-    billboard.energyLoss = kEnergyLoss * billboard.time;
-    R3XVECTOR4D *corners = vertexArray;
-    unsigned char *colors = colorArray;
-    for (unsigned int i = 0; i < count; ++i, corners += kCorners, colors += kCorners * kColorBytes) {
-        if (KTPARTICLE *moved = heldParticle(i)) {
-            advance(*moved, billboard, corners, colors);
-            continue;
-        }
-        // Drawn with no area: all of it at the last corner before it.
-        std::fill(corners, corners + kCorners, i ? corners[-1] : R3XVECTOR4D());
-        std::memset(colors, 0, kCorners * kColorBytes);
-    }
-}
-
-void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR4D *corners,
-                        unsigned char *colors) {
-    moved.velocity = keltra::sum(moved.velocity, billboard.gravityStep);
-    moved.position = keltra::multiplyAdd(moved.velocity, billboard.time, moved.position);
-    const float scale = std::fabs(moved.size - moved.energy);
-    if (keltra::isZero(moved.spinAngle)) {
-        keltra::writeCorners(moved.position, scale, billboard.right, billboard.up, corners);
-    } else {
-        R3XMATRIX turn;
-        turn.setRotation(moved.spinAngle, billboard.axis.x, billboard.axis.y, billboard.axis.z);
-        keltra::writeCorners(moved.position, scale, turn.rotate(billboard.right), turn.rotate(billboard.up),
-                             corners);
-    }
-    const float ratio =
-        keltra::isZero(moved.initialEnergy) ? 0.0f : keltra::quotient(moved.energy, moved.initialEnergy);
-    const R3XVECTOR3D rgb = keltra::multiplyAdd(colorDelta, -ratio, colorEnd);
-    // Deliberate: alpha is the energy itself, not its ratio; emitter files rely on it.
-    moved.color.set(rgb.x, rgb.y, rgb.z, moved.energy);
-    moved.spinAngle = keltra::multiplyAdd(moved.spinSpeed, billboard.time, moved.spinAngle);
-    keltra::writeColor(moved.color, colors);
-    moved.energy -= billboard.energyLoss;
-    if (!keltra::isPositive(moved.energy)) updateParticle(&moved);
 }
 
 // Deliberate: four vertices a particle as a list of triangles; textures of emitters are made for it, see the

@@ -59,7 +59,7 @@ class Comparison {
 
 TEST(SoftArmTest, SumsOfProductsAreThePlainOnes) {
     Operand any;
-    Comparison three, four, squares, differences, distances;
+    Comparison three, squares, differences, distances;
     for (int i = 0; i < kTimes; ++i) {
         float a[3], b[13];
         for (float &value : a) value = any();
@@ -71,7 +71,6 @@ TEST(SoftArmTest, SumsOfProductsAreThePlainOnes) {
         const volatile float x = a[0] * b[0], y = a[1] * b[4], z = a[2] * b[8];
         const volatile float sum = x + y, all = sum + z;
         three.add(keltraSumOfThree(a, b), all);
-        four.add(keltraSumOfFour(a, b), all + b[12]);
         const volatile float xx = a[0] * a[0], yy = a[1] * a[1], zz = a[2] * a[2], xxyy = xx + yy;
         squares.add(keltraSumOfSquares(a), xxyy + zz);
         // Zeros, and places that are the same along an axis.
@@ -87,20 +86,13 @@ TEST(SoftArmTest, SumsOfProductsAreThePlainOnes) {
     }
 }
 
-TEST(SoftArmTest, CornersAndScaledSumsAreThePlainOnes) {
+TEST(SoftArmTest, ScaledSumsAreThePlainOnes) {
     Operand any;
-    Comparison sums, all[4];
+    Comparison sums;
     for (int i = 0; i < kTimes; ++i) {
-        const float place = any(), scale = any();
-        const float right = i % 7 ? any() : floatOf(any.random() & kSignBit);
-        const float up = i % 6 == 0 ? floatOf(any.random() & kSignBit) : i % 5 ? any() : right;
-        const volatile float p = place * scale, r = right * scale, u = up * scale, sum = r + u,
-                             difference = r - u;
-        float corners[16] = {};
-        const bool done = keltraCorners(bitsOf(place), bitsOf(right), bitsOf(up), bitsOf(scale), corners);
-        const float expected[4] = {p + (-r - u), p + difference, p + sum, p + (-r + u)};
-        for (int k = 0; k < 4; ++k) all[k].add(done ? bitsOf(corners[4 * k]) : 0, expected[k]);
-        sums.add(keltraMultiplyAdd(bitsOf(right), bitsOf(scale), bitsOf(place)), r + place);
+        const float a = any(), b = any(), c = i % 7 ? any() : -(a * b);
+        const volatile float product = a * b;
+        sums.add(keltraMultiplyAdd(bitsOf(a), bitsOf(b), bitsOf(c)), product + c);
     }
 }
 
@@ -119,6 +111,35 @@ TEST(SoftArmTest, TurnedPairsAreThePlainOnes) {
         const volatile float cx = c * x, py = p * y, cy = c * y, px = p * x;
         first.add(done ? bitsOf(newX) : 0, cx + py);
         second.add(done ? bitsOf(newY) : 0, cy - px);
+    }
+}
+
+TEST(SoftArmTest, TransformedPointsAreThePlainOnes) {
+    Operand any;
+    std::uniform_real_distribution<float> ordinary(-40.0f, 40.0f);
+    Comparison rows[3];
+    for (int i = 0; i < kTimes; ++i) {
+        float v[3], m[16], before[16];
+        for (float &value : v) value = i % 8 ? ordinary(any.random) : any();
+        for (float &value : m) value = i % 8 ? ordinary(any.random) : any();
+        if (i % 11 == 0) m[12] = -(v[0] * m[0]);
+        if (i % 13 == 0) {
+            v[1] = -v[0];
+            m[4] = m[0];
+        }
+        std::copy(m, m + 16, before);
+        float apart[3] = {};
+        const bool done = keltraTransform(v, m, i % 2 ? m + 12 : apart);
+        for (int k = 0; k < 16; ++k) {
+            if (!done || i % 2 == 0 || k < 12 || k == 15) {
+                ASSERT_EQ(bitsOf(m[k]), bitsOf(before[k]));
+            }
+        }
+        for (int k = 0; k < 3; ++k) {
+            const volatile float x = v[0] * before[k], y = v[1] * before[4 + k], z = v[2] * before[8 + k];
+            const volatile float xy = x + y, xyz = xy + z;
+            rows[k].add(done ? bitsOf(i % 2 ? m[12 + k] : apart[k]) : 0, xyz + before[12 + k]);
+        }
     }
 }
 
