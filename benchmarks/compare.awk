@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Zlib
 # awk -f compare.awk OLD.json NEW.json: two files of Google Benchmark side by side, row by row: the least CPU time of the
-# repetitions of each, their ratio, and the spread, by how much the slowest repetition exceeds the least.
+# repetitions of each, their ratio, and the spread, by how much the slowest repetition exceeds the least. The columns are headed
+# `old` and `new`, unless these variables say otherwise; the first file may hold several, one behind the other.
 function value(line) {
     sub(/^[^:]*: */, "", line)
     sub(/,?[ \r]*$/, "", line)
@@ -36,15 +37,16 @@ END {
         print "compare.awk: there are no rows to compare" >"/dev/stderr"
         exit 1
     }
-    printf "%-44s %12s %12s %8s %14s\n", "row", "old", "new", "old/new", "spread, %"
+    if (old == "") { old = "old"; new = "new" }
+    printf "%-44s %12s %12s %12s %14s\n", "row", old, new, old "/" new, "spread, %"
     for (i = 1; i <= rows; ++i) {
         row = order[i]
         if ((1, row) in least) {
             ratio = least[2, row] > 0 ? sprintf("%.2f", least[1, row] / least[2, row]) : "-"
-            printf "%-44s %12s %12s %8s %6.0f %6.0f\n", row, shown(least[1, row]), shown(least[2, row]), ratio, spread(1, row),
+            printf "%-44s %12s %12s %12s %6.0f %6.0f\n", row, shown(least[1, row]), shown(least[2, row]), ratio, spread(1, row),
                 spread(2, row)
         } else {
-            printf "%-44s %12s %12s %8s %6s %6.0f\n", row, "-", shown(least[2, row]), "-", "-", spread(2, row)
+            printf "%-44s %12s %12s %12s %6s %6.0f\n", row, "-", shown(least[2, row]), "-", "-", spread(2, row)
         }
     }
 }

@@ -34,3 +34,24 @@ if awk -f "$here/compare.awk" "$folder/old.json" /dev/null >/dev/null 2>&1; then
     echo 'an empty file passes' >&2
     exit 1
 fi
+header=$(awk -v old=peer -v new=ours -f "$here/compare.awk" "$folder/old.json" "$folder/new.json" | tr -s ' ' | head -n 1)
+[ "$header" = 'row peer ours peer/ours spread, %' ] || { echo "headed: $header" >&2; exit 1; }
+
+# plot: a block of three numbers, the least time of each, by the item where there are items.
+{
+    entry find/100 iteration 2.0e+02 ns
+    entry find/100 iteration 3.0e+02 ns
+    entry find/1000 iteration 1.0e+00 us
+    printf '      "items_per_second": 1.0e+08\n'
+    entry find/10000 iteration 2.0e+01 ns
+    entry other/100 iteration 2.0e+01 ns
+} >"$folder/growth.json"
+blocks=$(awk -f "$here/growth.awk" "$folder/growth.json" | sed '/^$/d')
+expected='"find"
+100 200
+1000 10
+10000 20'
+if [ "$blocks" != "$expected" ]; then
+    printf 'printed:\n%s\nexpected:\n%s\n' "$blocks" "$expected" >&2
+    exit 1
+fi

@@ -1,0 +1,14 @@
+# SPDX-License-Identifier: Zlib
+# gnuplot -e "data='FILE'; picture='FILE.svg'" growth.gp: what an item costs among how many, a line for each row.
+set terminal svg size 900,560 font "sans-serif,13" background "white"
+set output picture
+set logscale xy
+set xlabel "objects that exist"
+set ylabel "nanoseconds an item"
+set format y "%g"
+set grid xtics ytics linecolor rgb "#dddddd"
+set key outside right top noenhanced samplen 2
+set style data linespoints
+set xrange [80:80000]
+stats data using 1 nooutput
+plot for [i=0:STATS_blocks-1] data index i using 1:2 linewidth 1.6 pointtype 7 pointsize 0.5 title columnheader(1)
