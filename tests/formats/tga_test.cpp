@@ -79,6 +79,24 @@ TEST(TgaTest, ConvertsEveryPixelOfLongerRows) {
         }
 }
 
+// Kernels take several pixels at a time, and what is left over one by one.
+TEST(TgaTest, ConvertsRowsOfEveryLength) {
+    for (unsigned bits : {24u, 32u}) {
+        for (unsigned width = 1; width <= 70; ++width) {
+            const Bytes file = uncompressedTga(width, 1, bits);
+            const Bytes expected = exchanged(Bytes(file.begin() + 18, file.end()), bits / 8);
+            const Decoded read = decode(file);
+            EXPECT_EQ(read.pixels, expected) << bits << " bits, width " << width;
+            Bytes inPlace(file.begin() + 18, file.end());
+            inPlace.resize(inPlace.size() + 16, kGuard);
+            decodeTgaInPlace(read.image, inPlace.data());
+            EXPECT_THAT(Bytes(inPlace.end() - 16, inPlace.end()), Each(kGuard));
+            inPlace.resize(inPlace.size() - 16);
+            EXPECT_EQ(inPlace, expected) << bits << " bits, width " << width;
+        }
+    }
+}
+
 TEST(TgaTest, MixesRunsAndRawPackets24Bits) {
     const Decoded read = decode(
         joined(tgaHeader(kRunLength, 3, 2, 24), {0x82, 1, 2, 3, 0x01, 4, 5, 6, 7, 8, 9, 0x80, 10, 11, 12}));
