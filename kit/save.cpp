@@ -65,6 +65,7 @@ bool KTSAVE::set(const char *call, const char *name, unsigned int kind, const vo
     entry[1] = static_cast<unsigned char>(length);
     entry[2] = static_cast<unsigned char>(size & 0xff);
     entry[3] = static_cast<unsigned char>(size >> 8);
+    // Without its end: the length is before it. NOLINTNEXTLINE(bugprone-not-null-terminated-result)
     std::memcpy(entry + kHead, name, length);
     std::memcpy(entry + needed, copy, size);
     used += needed + size;

@@ -37,7 +37,7 @@ class KTLISTED {
    protected:
     KTLISTED() : listLink(nullptr), listAfter(nullptr) {}
     KTLISTED(const KTLISTED &) : KTLISTED() {}
-    KTLISTED &operator=(const KTLISTED &) { return *this; }
+    KTLISTED &operator=(const KTLISTED &) { return *this; }  // NOLINT(bugprone-unhandled-self-assignment)
     ~KTLISTED() { leaveList(); }
 
     /** Becomes the first of the list that begins at `first`. */
