@@ -1,0 +1,204 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Zlib
+"""Changes one operator, constant or condition of the library at a time and runs the tests of that file's room.
+
+    mutate.py BUILD [--sample N] [--first N] [--seed N] [FILE...]
+
+BUILD is a built debug tree, which stays as it is: one object is compiled anew, and the library and the programs that are linked
+to its objects are linked into BUILD/mutants. Of all places in all files a fixed sample is drawn (400, or all of the FILEs); --first
+takes only its beginning. Prints what survives, and the share that is found. Returns 1 when that is below nine tenths."""
+
+import argparse
+import json
+import os
+import random
+import re
+import shlex
+import subprocess
+import sys
+
+ROOMS = {
+    "platform": ["foundation", "core_unit", "core", "resources"],
+    "foundation": ["foundation", "core_unit", "core", "scene_unit"],
+    "math": ["math", "scene_unit"],
+    "formats": ["formats", "foundation", "core_unit", "resources_unit", "scene_unit", "gui_unit", "gui_file", "engine"],
+    "core": ["core_unit", "core", "state", "engine"],
+    "resources": ["resources_unit", "resources", "video", "engine"],
+    "scene": ["scene_unit", "scene", "engine", "state"],
+    "gui": ["gui_unit", "gui_draw", "gui_file", "interface", "engine"],
+    "engine": ["engine", "core", "scene"],
+}
+LONGEST = 300  # seconds that a test program may take; more is a hang, which is found
+
+BINARY = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "+": "-", "-": "+", "*": "/", "/": "*", "%": "*",
+          "&&": "||", "||": "&&", "+=": "-=", "-=": "+=", "*=": "/=", "<<": ">>", ">>": "<<", "&": "|", "|": "&", "|=": "&=",
+          "&=": "|=", "^": "&"}
+SKIPPED = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])*\'|^[ \t]*#(?:\\\n|[^\n])*'
+                     r'|\b(?:static_assert|assert|KT_ASSERT|alignas)\s*\([^;]*;|template\s*<[^\n]*|\boperator\S+'
+                     r'|\b(?!return|delete)[\w:>]+[ &*]+\w+\[\w+\](?=[;,){]| [={])', re.S | re.M)
+TOKEN = re.compile(r'(?P<binary>(?<=[^\s(,={] )(?:<<|>>|<=|>=|==|!=|&&|\|\||[-+*|&]=|[-+*/%<>&|^])(?= ))'
+                   r'|(?P<step>\+\+|--)'
+                   r'|(?P<condition>\b(?:if|while) \()'
+                   r'|(?P<float>\b\d+\.\d*f?\b)'
+                   r'|(?P<hex>\b0x[0-9a-fA-F]+[uU]?\b)'
+                   r'|(?P<integer>(?<![\w.])\d+(?=[uUlL]*\b(?![.\w])))'
+                   r'|(?P<truth>\b(?:true|false)\b)')
+
+
+def sites(text):
+    """(offset, length, replacement) of each mutation of a source."""
+    code = SKIPPED.sub(lambda match: re.sub(r"[^\n]", " ", match.group()), text)
+    for match in TOKEN.finditer(code):
+        token, kind = match.group(), match.lastgroup
+        if kind == "binary":
+            change = BINARY[token]
+        elif kind == "step":
+            change = "--" if token == "++" else "++"
+        elif kind == "condition":
+            end = closing(code, match.end())
+            if end is None or ";" in code[match.end():end]:
+                continue
+            inner = text[match.end():end]
+            yield match.start(), end - match.start(), token + "!(" + inner + ")"
+            continue
+        elif kind == "truth":
+            change = "false" if token == "true" else "true"
+        elif kind == "float":
+            change = "2.0f" if token.startswith("1.") else "1.0f"
+        elif kind == "hex":
+            change = token[:-1] + ("1" if token[-1] != "1" else "3") if token[-1] not in "uU" else token[:-1] + "1u"
+        else:
+            change = str(int(token) + 1)
+        yield match.start(), len(token), change
+
+
+def closing(code, at):
+    depth = 1
+    while at < len(code):
+        depth += {"(": 1, ")": -1}.get(code[at], 0)
+        if depth == 0:
+            return at
+        at += 1
+    return None
+
+
+class Tree:
+    def __init__(self, build):
+        self.build = os.path.abspath(build)
+        self.work = os.path.join(self.build, "mutants")
+        os.makedirs(self.work, exist_ok=True)
+        root = os.path.realpath(os.path.join(os.path.dirname(__file__), "../.."))
+        with open(os.path.join(self.build, "CMakeCache.txt"), encoding="utf-8") as cache:
+            self.source = re.search(r"^CMAKE_HOME_DIRECTORY:INTERNAL=(.*)$", cache.read(), re.M).group(1)
+        self.screen = os.path.join(root, "tests/support/with_screen.sh")
+        self.compile, self.objects = {}, {}
+        with open(os.path.join(self.build, "compile_commands.json"), encoding="utf-8") as commands:
+            for entry in json.load(commands):
+                words = shlex.split(entry["command"])
+                target = words[words.index("-o") + 1]
+                if target.startswith("CMakeFiles/keltra.dir/"):
+                    name = os.path.relpath(entry["file"], self.source)
+                    self.compile[name], self.objects[name] = words, target
+        self.links = {}
+
+    def files(self):
+        return sorted(name for name in self.compile if name.split("/")[0] in ROOMS)
+
+    def text(self, name):
+        with open(os.path.join(self.source, name), encoding="utf-8") as file:
+            return file.read()
+
+    def run(self, words, **how):
+        return subprocess.run(words, cwd=self.build, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False, **how).returncode
+
+    def compiled(self, name, text):
+        """The object of a changed text; None when it does not compile."""
+        source = os.path.join(self.work, os.path.basename(name))
+        with open(source, "w", encoding="utf-8") as file:
+            file.write(text)
+        target = os.path.join(self.work, "mutant.o")
+        words = list(self.compile[name])
+        words[words.index("-o") + 1] = target
+        words[words.index("-c") + 1] = source
+        words += ["-w", "-g0", "-I", os.path.join(self.source, os.path.dirname(name))]
+        return target if self.run(words) == 0 else None
+
+    def link_command(self, target):
+        if target not in self.links:
+            commands = subprocess.run(["ninja", "-t", "commands", "-s", target], cwd=self.build, check=True,
+                                      capture_output=True, text=True).stdout
+            line = [line for line in commands.splitlines() if " -o " + target in line][-1]
+            self.links[target] = line.split("&&")[1].strip()
+        return self.links[target]
+
+    def linked(self, target, name, mutant):
+        out = os.path.join(self.work, os.path.basename(target))
+        command = self.link_command(target).replace(self.objects[name], mutant).replace("-o " + target, "-o " + out)
+        if self.run(["sh", "-c", command]) != 0:
+            raise SystemExit("mutate: cannot link " + target)
+        return out
+
+
+class Runner:
+    def __init__(self, tree):
+        self.tree = tree
+        library = [name for name in os.listdir(os.path.join(tree.build, "lib")) if re.match(r"libkeltra\.so\.\d+\.\d+", name)]
+        self.library = "lib/" + library[0]
+        soname = os.path.join(tree.work, "libkeltra.so.1")
+        if not os.path.islink(soname):
+            os.symlink(library[0], soname)
+
+    def finds(self, name, mutant):
+        """The test program that fails with the mutant; None when all pass."""
+        library = None
+        for test in ROOMS[name.split("/")[0]]:
+            program = "bin/" + test + "_test"
+            environment = dict(os.environ)
+            if self.tree.objects[name] in self.tree.link_command(program):
+                command = [self.tree.linked(program, name, mutant)]
+            else:
+                library = library or self.tree.linked(self.library, name, mutant)
+                environment["LD_LIBRARY_PATH"] = self.tree.work + ":" + os.path.join(self.tree.build, "lib")
+                command = [self.tree.screen, "16", os.path.join(self.tree.build, program)]
+            command += ["--gtest_fail_fast", "--gtest_brief=1"]
+            try:
+                if self.tree.run(command, env=environment, timeout=LONGEST) != 0:
+                    return test
+            except subprocess.TimeoutExpired:
+                return test + " (does not end)"
+        return None
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("build")
+    parser.add_argument("files", nargs="*")
+    parser.add_argument("--sample", type=int)
+    parser.add_argument("--first", type=int)
+    parser.add_argument("--skip", type=int, default=0)
+    parser.add_argument("--seed", type=int, default=20261122)
+    options = parser.parse_args()
+    tree = Tree(options.build)
+    files = options.files or tree.files()
+    places = [(name, site) for name in files for site in sites(tree.text(name))]
+    random.Random(options.seed).shuffle(places)
+    places = places[:options.sample or (len(places) if options.files else 400)][options.skip:]
+    print(f"mutate: {len(places)} changes in {len(files)} files", flush=True)
+    runner, found, tried = Runner(tree), 0, 0
+    for name, (offset, length, change) in places[:options.first]:
+        text = tree.text(name)
+        mutant = tree.compiled(name, text[:offset] + change + text[offset + length:])
+        if mutant is None:
+            continue
+        line = text.count("\n", 0, offset) + 1
+        by = runner.finds(name, mutant)
+        tried += 1
+        found += by is not None
+        shown = text.splitlines()[line - 1].strip()
+        print(f"{'found by ' + by if by else 'SURVIVES'}: {name}:{line}: {text[offset:offset + length]!r} -> {change!r} in: {shown}", flush=True)
+    print(f"mutate: {found} of {tried} are found")
+    return 0 if tried and found >= 0.9 * tried else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
