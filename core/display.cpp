@@ -156,11 +156,7 @@ bool KTSETTINGS::free() {
 }
 
 bool KTSETTINGS::resize(int x, int y, int width, int height) {
-    int oldX = windowX, oldY = windowY;
     windowX = width;
     windowY = height;
-    if (KTOPENGL::resize(x, y, width, height)) return true;
-    windowX = oldX;
-    windowY = oldY;
-    return false;
+    return KTOPENGL::resize(x, y, width, height);
 }

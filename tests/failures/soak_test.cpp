@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Zlib
 // A whole program over and over in one process: nothing that it takes from the system may grow.
-// KELTRA_SOAK_MINUTES goes on for so long; otherwise some runs are made.
+// KELTRA_SOAK_MINUTES goes on for so long, KELTRA_SOAK_CYCLES for so many starts; otherwise some runs are
+// made.
 
+#include <GLES/gl.h>
 #include <gtest/gtest.h>
+#include <keltra/keltra.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -38,6 +41,20 @@ Held held() {
     return now;
 }
 
+// `kOfDriver` kilobytes of each run lie in no block of the engine.
+void expectNotGrown(const Held &before, const Held &after, long runs) {
+    constexpr long kOfDriver = 32;
+    std::printf("%ld runs: mappings %ld to %ld, files %ld to %ld, memory %ld to %ld KB\n", runs,
+                before.mappings, after.mappings, before.files, after.files, before.kilobytes,
+                after.kilobytes);
+    EXPECT_EQ(after.blocks, before.blocks);
+    EXPECT_LE(after.files, before.files);
+    if (!Allocations::canFail()) return;  // a sanitizer keeps what was released
+    // The C library's arenas come and go.
+    EXPECT_LE(after.mappings, before.mappings + 4 + runs / 100);
+    EXPECT_LE(after.kilobytes, before.kilobytes + 4096 + kOfDriver * runs);
+}
+
 TEST(SoakTest, NothingGrows) {
     constexpr long kFirst = 5;  // until the driver has what it keeps
     const char *given = std::getenv("KELTRA_SOAK_MINUTES");
@@ -58,17 +75,40 @@ TEST(SoakTest, NothingGrows) {
         ASSERT_TRUE(run.picture.pixels == picture.pixels) << "run " << runs;
     }
     const Held after = held();
-    std::printf("%ld runs: mappings %ld to %ld, files %ld to %ld, memory %ld to %ld KB\n", runs,
-                before.mappings, after.mappings, before.files, after.files, before.kilobytes,
-                after.kilobytes);
-    EXPECT_EQ(after.blocks, before.blocks);
-    EXPECT_LE(after.files, before.files);
-    if (Allocations::canFail()) {  // a sanitizer keeps what was released
-        // The C library's arenas come and go.
-        EXPECT_LE(after.mappings, before.mappings + 4 + runs / 100);
-        constexpr long kOfDriver = 32;  // kilobytes of each run that lie in no block of the engine
-        EXPECT_LE(after.kilobytes, before.kilobytes + 4096 + kOfDriver * runs);
+    expectNotGrown(before, after, runs);
+    AllocationWatch::install(nullptr);
+    GlRecorder::setRecording(true);
+}
+
+// KELTRA_SOAK_CYCLES of them; a frame and a texture each.
+TEST(SoakTest, ManyStartsAndStopsTakeNothing) {
+    constexpr long kFirst = 5;
+    const char *given = std::getenv("KELTRA_SOAK_CYCLES");
+    const long cycles = given ? std::atol(given) : 3 * kFirst;
+    if (Allocations::canFail()) Injector::start(Failing::kNothing, 0);
+    GlRecorder::setRecording(false);
+    Held before;
+    GLuint name = 0;
+    for (long cycle = 0; cycle < cycles; ++cycle) {
+        if (cycle == kFirst) before = held();
+        KTSETTINGS settings;
+        ASSERT_TRUE(KELTRA::init(&settings));
+        KTTEXTURE texture;
+        ASSERT_TRUE(texture.create(16, 16, 3));
+        ASSERT_TRUE(texture.render(nullptr));
+        GLuint next = 0;
+        glGenTextures(1, &next);
+        if (cycle == 0) name = next;
+        ASSERT_EQ(next, name) << "the context of cycle " << cycle << " is not new";
+        KELTRA::clear(true, true, false);
+        KELTRA::begin3D(nullptr);
+        KELTRA::end3D();
+        KELTRA::swap();
+        ASSERT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << cycle;
+        ASSERT_TRUE(KELTRA::free());
+        if (cycle % 1000 == 999) expectNotGrown(before, held(), cycle + 1);
     }
+    expectNotGrown(before, held(), cycles);
     AllocationWatch::install(nullptr);
     GlRecorder::setRecording(true);
 }

@@ -130,6 +130,13 @@ TEST_F(FaultTest, WhatALoadCanDoWithoutIsAWarning) {
     EXPECT_EQ(last(), "KELTRA::loadXML: desk.xml, line 7: out of memory");
 }
 
+TEST_F(FaultTest, AFileThatCannotBeReadSaysWhy) {
+    FaultScope("KTTEXTURE::load", "wood.tga").fail(KT_FAULT_FILE_ACCESS);
+    EXPECT_EQ(last(), "KTTEXTURE::load: wood.tga: the file cannot be opened: no permission, or it is locked");
+    FaultScope("KTTEXTURE::load", "wood.tga").fail(KT_FAULT_FILE_READ);
+    EXPECT_EQ(last(), "KTTEXTURE::load: wood.tga: the file cannot be read to its end");
+}
+
 TEST_F(FaultTest, AnUnknownNameComesWithTheNearest) {
     KTFAULT fault = unknown();
     fault.line = 3;

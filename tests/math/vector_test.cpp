@@ -140,7 +140,11 @@ TEST(VectorTest, IndexesReachEveryComponent) {
     expectVector(two, 1, 7);
     expectVector(three, 1, 2, 8);
     expectVector(four, 1, 2, 3, 9);
+    const R3XVECTOR2D fixedTwo = two;
+    const R3XVECTOR3D fixedThree = three;
     const R3XVECTOR4D fixed = four;
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(&fixedTwo[i], &fixedTwo.x + i);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(&fixedThree[i], &fixedThree.x + i);
     for (int i = 0; i < 4; ++i) EXPECT_EQ(&fixed[i], &fixed.x + i);
 }
 
