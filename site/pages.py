@@ -59,11 +59,7 @@ def title(folder):
 def command(folder):
     if folder.parent.name == "examples":
         return f"./run example {folder.name}"
-    program = f"build/release/games/{folder.name}/{folder.name}"
-    return (
-        f"cmake --preset release && cmake --build --preset release --target {folder.name}\n"
-        f"tests/support/with_screen.sh -w 16 {program}"
-    )
+    return "./run game"  # there is one
 
 
 def sources(folder):
