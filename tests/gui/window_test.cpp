@@ -4,6 +4,7 @@
 #include <climits>
 #include <string>
 
+#include "core/glbridge.h"
 #include "tests/gui/gui_fixture.h"
 #include "tests/support/allocations.h"
 
@@ -217,6 +218,20 @@ TEST_F(WindowTest, ClippingKeepsTheMatrixEvenOnAFullStack) {
     KT_glGetFloatv(0, top);
     EXPECT_EQ(top[12], 3.0f);
     for (int i = 0; i < 40; ++i) KT_glPopMatrix();
+    KT_glLoadIdentity();
+}
+
+TEST_F(WindowTest, ClippingKeepsTheMatrixWhenNoLevelIsLeft) {
+    KT_glMatrixMode(GL_MODELVIEW);
+    KT_glLoadIdentity();
+    KT_glTranslatef(3.0f, 4.0f, 0.0f);
+    int levels = 0;
+    while (pushMatrix()) ++levels;
+    window.enableScissor();
+    float top[16];
+    KT_glGetFloatv(0, top);
+    EXPECT_EQ(top[12], 3.0f);
+    for (; levels > 0; --levels) popMatrix();
     KT_glLoadIdentity();
 }
 

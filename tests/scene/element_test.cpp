@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "core/glbridge.h"
 #include "tests/scene/render_list.h"
 #include "tests/support/allocations.h"
 #include "tests/support/small_stack.h"
@@ -457,6 +458,20 @@ TEST_F(RenderListTest, ACycleIsPassedOnce) {
     second.pass();
     EXPECT_EQ(passed(), 4u);
     EXPECT_EQ(depth(), 0);
+}
+
+TEST_F(RenderListTest, ASkinIsPassedWhenNoMatrixLevelIsLeft) {
+    KTNODE bone;
+    SkinnedMesh skin({&bone});
+    KT_glTranslatef(5.0f, 0.0f, 0.0f);
+    int levels = 0;
+    while (pushMatrix()) ++levels;
+    EXPECT_TRUE(KTELEMENT::pass(&skin));
+    float top[16];
+    KT_glGetFloatv(0, top);
+    EXPECT_EQ(top[12], 5.0f);
+    for (; levels > 0; --levels) popMatrix();
+    KT_glLoadIdentity();
 }
 
 TEST_F(RenderListTest, APassAtAFullMatrixStackLeavesItFull) {

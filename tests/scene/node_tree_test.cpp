@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "core/glbridge.h"
 #include "tests/support/allocations.h"
 #include "tests/support/gl_recorder.h"
 #include "tests/support/small_stack.h"
@@ -277,6 +278,18 @@ TEST_F(NodeTreeTest, TheModelViewMatrixIsLeftAsItWas) {
     node.setPosition(3.0f, 0.0f, 0.0f);
     KT_glTranslatef(7.0f, 0.0f, 0.0f);
     EXPECT_EQ(node.getFinalMatrix(nullptr).m[12], 3.0f);
+    EXPECT_EQ(viewX(), 7.0f);
+}
+
+TEST_F(NodeTreeTest, TheCallersMatrixStaysWhenNoLevelIsLeft) {
+    KTNODE node;
+    node.setPosition(3.0f, 0.0f, 0.0f);
+    KT_glTranslatef(7.0f, 0.0f, 0.0f);
+    int levels = 0;
+    while (pushMatrix()) ++levels;
+    EXPECT_EQ(node.getFinalMatrix(nullptr).m[12], 3.0f);
+    EXPECT_EQ(viewX(), 7.0f);
+    for (; levels > 0; --levels) popMatrix();
     EXPECT_EQ(viewX(), 7.0f);
 }
 
