@@ -235,6 +235,16 @@ TEST(TgaTest, RefusesDataThatCannotHoldTheImage) {
     EXPECT_TRUE(parses(joined(tgaHeader(kRunLength, 1, 1, 32), Bytes(5))));
 }
 
+TEST(TgaTest, DecodesNothingOfDataThatHasBecomeTooShort) {
+    const Bytes bytes = joined(tgaHeader(kUncompressed, 2, 1, 24), {1, 2, 3, 4, 5, 6});
+    TgaImage image;
+    ASSERT_TRUE(parseTga(bytes.data(), bytes.size(), image));
+    --image.dataSize;
+    Bytes target(image.bytes(), kGuard);
+    EXPECT_FALSE(decodeTga(image, target.data()));
+    EXPECT_THAT(target, Each(kGuard));
+}
+
 TEST(TgaTest, AnyOtherTemplateHasNoPixels) {
     for (unsigned offset = 0; offset < 12; ++offset)
         for (std::uint8_t kind : {kUncompressed, kRunLength}) {

@@ -143,6 +143,11 @@ TEST_F(WindowTest, FoldingMarksTheTitle) {
     EXPECT_STREQ(window.getTitleBar()->getCaption(), "[+] ab");
     EXPECT_TRUE(window.minmaximize());
     EXPECT_STREQ(window.getTitleBar()->getCaption(), "ab");
+    window.setCaption("");
+    window.minmaximize();
+    EXPECT_STREQ(window.getTitleBar()->getCaption(), "[+] ");
+    window.minmaximize();
+    EXPECT_STREQ(window.getTitleBar()->getCaption(), "");
 }
 
 TEST_F(WindowTest, UnfoldingTakesFourCharactersWhateverTheyAre) {
