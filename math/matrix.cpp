@@ -22,7 +22,7 @@ using keltra::sineCosine;
 float degrees(double radians) { return float(radians * kInversePi) * 180.0f; }
 
 #if defined(KELTRA_SOFT_ARM)
-__attribute__((noinline)) float dotWithZeros(const float *v, const float *m) {
+[[gnu::noinline]] float dotWithZeros(const float *v, const float *m) {
     const bool finite = keltra::areFinite(v, 3) && keltra::isFinite(m[0]) && keltra::isFinite(m[4]);
     if (finite && keltra::isFinite(m[8])) return keltra::sumOfNonZero(v, m, -0.0f);
     return m[0] * v[0] + m[4] * v[1] + m[8] * v[2];
@@ -43,15 +43,26 @@ inline float dot(const float *v, const float *m) {
 inline float place(const float *v, const float *m) { return keltra::sum(dot(v, m), m[12]); }
 
 // a d - b c
-inline float minor(float a, float d, float b, float c) {
 #if defined(KELTRA_SOFT_ARM)
-    if (const std::uint32_t bits =
-            keltraDifference(keltra::bitsOf(a), keltra::bitsOf(d), keltra::bitsOf(b), keltra::bitsOf(c)))
-        return keltra::floatOf(bits);
-#endif
-    return a * d - b * c;
-}
+[[gnu::noinline]] float minorWithZeros(float a, float d, float b, float c) { return a * d - b * c; }
 
+inline float minor(float a, float d, float b, float c) {
+    const std::uint32_t bits =
+        keltraDifference(keltra::bitsOf(a), keltra::bitsOf(d), keltra::bitsOf(b), keltra::bitsOf(c));
+    return bits ? keltra::floatOf(bits) : minorWithZeros(a, d, b, c);
+}
+#else
+inline float minor(float a, float d, float b, float c) { return a * d - b * c; }
+#endif
+
+#if defined(KELTRA_SOFT_ARM)
+KELTRA_COLD void multiplyPlainly(const float *a, const float *b, float *result) {
+    for (int i = 0; i < 16; ++i) {
+        const float *column = a + i / 4 * 4, *row = b + i % 4;
+        result[i] = column[0] * row[0] + column[1] * row[4] + column[2] * row[8] + column[3] * row[12];
+    }
+}
+#else
 // One column of a product: the sums run over k from 0 to 3.
 inline void productColumn(const float *a, const float *b, float *result) {
     result[0] = a[0] * b[0] + a[1] * b[4] + a[2] * b[8] + a[3] * b[12];
@@ -59,6 +70,7 @@ inline void productColumn(const float *a, const float *b, float *result) {
     result[2] = a[0] * b[2] + a[1] * b[6] + a[2] * b[10] + a[3] * b[14];
     result[3] = a[0] * b[3] + a[1] * b[7] + a[2] * b[11] + a[3] * b[15];
 }
+#endif
 
 }  // namespace
 
@@ -87,11 +99,15 @@ R3XVECTOR4D R3XMATRIX::getColumn(int column) const {
 
 R3XMATRIX R3XMATRIX::operator*(const R3XMATRIX &other) const {
     R3XMATRIX result(*this);
+#if defined(KELTRA_SOFT_ARM)
+    if (!keltraMultiply(m, other.m, result.m)) multiplyPlainly(m, other.m, result.m);
+#else
     if (keltra::kSoftFloat && keltra::multiplyPlacements(m, other.m, result.m)) return result;
     productColumn(m, other.m, result.m);
     productColumn(m + 4, other.m, result.m + 4);
     productColumn(m + 8, other.m, result.m + 8);
     productColumn(m + 12, other.m, result.m + 12);
+#endif
     return result;
 }
 

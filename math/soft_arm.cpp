@@ -8,11 +8,12 @@
 // clang-format off
 asm(R"(
 .macro sumOfThree
+    mov lr, #0x80000000
     multiply r0, r2, r5, r8, r9, r12
     multiply r1, r3, r6, r8, r9, r12
-    addUp r0, r1, r8, r9, r12, 1f
+    addUp r0, r1, r8, r9, r12, 1f, lr
     multiply r1, r4, r7, r8, r9, r12
-    addUp r0, r1, r8, r9, r12, 1f
+    addUp r0, r1, r8, r9, r12, 1f, lr
 .endm
 
     .text
@@ -47,43 +48,40 @@ function keltraSumOfThree
     movlo \result, \result, lsl #1
     orrlo \result, \result, \low, lsr #31
     movlo \low, \low, lsl #1
-    sbc \element, \element, #0
+    sbc \element, \element, #127
     cmp \low, #0x80000000
     adc \result, \result, \element, lsl #23
     biceq \result, \result, #1
 .endm
 .macro unpackFactor number, exponent
     mov \exponent, \number, lsr #23
-    sub \exponent, \exponent, #127
     bic \number, \number, #0xff000000
     orr \number, \number, #0x00800000
 .endm
-@ The factors' mantissas are in r2 to r4, their exponents in r5 to r7; a row is looked at before anything is computed.
+@ The factors' mantissas are in r2 to r4, their exponents in r5 to r7; all numbers are looked at first.
 function keltraTransform
-    push {r2, r4-r11, lr}
-    sub sp, sp, #12
+    push {r0-r2, r4-r11, lr}
     ldmia r0, {r2, r3, r4}
     mov lr, #0x4d000000
     checkFirst r2, lr, r12
     checkNext r3, lr, r12
     checkNext r4, lr, r12
+    mov r0, r1
+    .rept 4
+    ldmia r0!, {r8, r9, r10, r11}
+    checkNext r8, lr, r12
+    checkNext r9, lr, r12
+    checkNext r10, lr, r12
+    .endr
     bhs 1f
     unpackFactor r2, r5
     unpackFactor r3, r6
     unpackFactor r4, r7
+    mov lr, #0x80000000
     mov r11, #0
 6:
     ldr r8, [r1]
     ldr r9, [r1, #16]
-    ldr r10, [r1, #32]
-    ldr r0, [r1, #48]
-    mov lr, #0x4d000000
-    checkFirst r8, lr, r12
-    checkNext r9, lr, r12
-    checkNext r10, lr, r12
-    checkNext r0, lr, r12
-    bhs 1f
-    mov lr, #0x80000000
     elementProduct r0, r8, r2, r5, r12
     elementProduct r8, r9, r3, r6, r12
     addUp r0, r8, r9, r10, r12, 1f, lr
@@ -92,19 +90,19 @@ function keltraTransform
     addUp r0, r8, r9, r10, r12, 1f, lr
     ldr r8, [r1, #48]
     addUp r0, r8, r9, r10, r12, 1f, lr
-    str r0, [sp, r11]
+    cmp r11, #8
+    strne r0, [sp, r11]
     add r1, r1, #4
     add r11, r11, #4
-    cmp r11, #12
     bne 6b
-    pop {r2, r3, r4}
-    pop {r1}
-    stmia r1, {r2, r3, r4}
+    pop {r1, r2, r3}
+    mov r4, r0
+    stmia r3, {r1, r2, r4}
     mov r0, #1
     pop {r4-r11, pc}
 1:
     mov r0, #0
-    add sp, sp, #16
+    add sp, sp, #12
     pop {r4-r11, pc}
     .size keltraTransform, . - keltraTransform
 

@@ -372,7 +372,7 @@ function keltraMultiply
     checkNext r6, lr, r12
     bhs 8f
     ldr r11, [sp, #80]
-    mov lr, #4
+    mov lr, #0x80000000
 9:
     ldr r0, [sp, #72]
     ldmia r0!, {r4, r5, r6, r7}
@@ -384,9 +384,9 @@ function keltraMultiply
 6:
     nextProduct r0, r4, r7
     nextProduct r1, r5, r8
-    addUp r0, r1, r2, r3, r12, 10f
+    addUp r0, r1, r2, r3, r12, 10f, lr
     nextProduct r1, r6, r9
-    addUp r0, r1, r2, r3, r12, 11f
+    addUp r0, r1, r2, r3, r12, 11f, lr
 12:
     add r2, sp, #72
     str r0, [r11], #4
@@ -394,7 +394,9 @@ function keltraMultiply
     bne 6b
     mov r0, #0
     str r0, [r11], #4
-    subs lr, lr, #1
+    ldr r2, [sp, #80]
+    sub r2, r11, r2
+    cmp r2, #64
     bne 9b
 @ the translation of the second one, and the last element
     mov r0, #0x3f800000
@@ -402,17 +404,17 @@ function keltraMultiply
     ldr r10, [sp, #76]
     add r10, r10, #48
     sub r11, r11, #12
-    mov lr, #3
+    mov r4, #3
 7:
     ldr r0, [r11]
     ldr r1, [r10], #4
     cmp r0, #0
     moveq r0, r1
     beq 6f
-    addUp r0, r1, r2, r3, r12, 5f
+    addUp r0, r1, r2, r3, r12, 5f, lr
 6:
     str r0, [r11], #4
-    subs lr, lr, #1
+    subs r4, r4, #1
     bne 7b
     add sp, sp, #84
     mov r0, #1

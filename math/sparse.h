@@ -33,13 +33,16 @@ inline R3XVECTOR3D sum(const R3XVECTOR3D &a, const R3XVECTOR3D &b) {
 }
 
 // a b + c
-inline float multiplyAdd(float a, float b, float c) {
 #if defined(KELTRA_SOFT_ARM)
-    if (const std::uint32_t bits = keltraMultiplyAdd(bitsOf(a), bitsOf(b), bitsOf(c))) return floatOf(bits);
-    if ((isZero(a) && isFinite(b)) || (isZero(b) && isFinite(a))) return isOrdinary(c) ? c : a * b + c;
-#endif
-    return sum(a * b, c);
+float multiplyAddWithZeros(float a, float b, float c);
+
+inline float multiplyAdd(float a, float b, float c) {
+    const std::uint32_t bits = keltraMultiplyAdd(bitsOf(a), bitsOf(b), bitsOf(c));
+    return bits ? floatOf(bits) : multiplyAddWithZeros(a, b, c);
 }
+#else
+inline float multiplyAdd(float a, float b, float c) { return sum(a * b, c); }
+#endif
 
 inline R3XVECTOR3D multiplyAdd(const R3XVECTOR3D &a, float b, const R3XVECTOR3D &c) {
     return R3XVECTOR3D(multiplyAdd(a.x, b, c.x), multiplyAdd(a.y, b, c.y), multiplyAdd(a.z, b, c.z));
