@@ -11,6 +11,7 @@
 #include "gui/widgets.h"
 #include "gui/window_around.h"
 #include "math/fixed.h"
+#include "math/float_bits.h"
 
 #include <GLES/gl.h>
 
@@ -30,7 +31,8 @@ struct FixedColor {
 
 // Saturated like the conversion of floats, without any: this runs for each edge of each border.
 GLfixed pixelsToFixed(std::int64_t pixels) {
-    return pixels >= -32768 && pixels < 32768 ? static_cast<GLfixed>(pixels * 65536) : INT32_MIN;
+    const bool fits = static_cast<std::uint64_t>(pixels + 32768) < 65536;
+    return fits ? static_cast<GLfixed>(static_cast<std::uint32_t>(pixels) << 16) : INT32_MIN;
 }
 
 FixedColor shade(const R3XVECTOR4D &color, float factor, float alpha) {
@@ -40,8 +42,12 @@ FixedColor shade(const R3XVECTOR4D &color, float factor, float alpha) {
     return fixed;
 }
 
+// Most boxes have the same coordinates, and a box has its border behind it.
+std::uint32_t coordBits[8];
+
 void beginQuads(const KTBOX &box) {
-    keltra::toFixed(box.boxCoord.coord, quadTexCoords, 8);
+    if (keltra::updateBits<8>(coordBits, box.boxCoord.coord))
+        keltra::toFixed(box.boxCoord.coord, quadTexCoords, 8);
     keltra::useFlatArrays();
     keltra::useTexture();
     glVertexPointer(2, GL_FIXED, 0, quadVertices);
@@ -82,6 +88,25 @@ struct BorderColors {
     FixedColor upper, lower, upperCorner, lowerCorner, middle;
 };
 
+// Those of the last border, raised and sunken: the boxes of an interface have few colours.
+struct KnownBorder {
+    std::uint32_t rgb[3];
+    BorderColors colors;
+};
+KnownBorder knownBorders[2];
+
+const BorderColors &borderColors(const R3XVECTOR4D &color, bool sunken) {
+    KnownBorder &known = knownBorders[sunken];
+    BorderColors &colors = known.colors;
+    const float alpha = 0.5f;
+    // Alpha is 0 until they are computed first.
+    if (keltra::updateBits<3>(known.rgb, &color.x) == 0 && colors.middle.rgba[3] != 0) return colors;
+    colors = {shade(color, sunken ? 0.7f : 1.3f, alpha), shade(color, sunken ? 1.3f : 0.7f, alpha),
+              shade(color, sunken ? 0.4f : 1.6f, alpha), shade(color, sunken ? 1.6f : 0.4f, alpha),
+              shade(color, 1.0f, alpha)};
+    return colors;
+}
+
 void drawRing(const RingLines &x, const RingLines &y, const BorderColors &colors) {
     setQuadColor(colors.upper);
     drawQuad(x.inner, y.outer, x.farInner, y.inner);
@@ -117,11 +142,7 @@ void drawBorder(const KTBOX &box, std::int64_t width, std::int64_t height, bool 
     if (box.thickness == 0) return;
     KTTEXTURE::texturingOff(KTTEXTURE::channels);
     KTOPENGL::blendingOn();
-    const float alpha = 0.5f;
-    const BorderColors colors = {
-        shade(box.color, sunken ? 0.7f : 1.3f, alpha), shade(box.color, sunken ? 1.3f : 0.7f, alpha),
-        shade(box.color, sunken ? 0.4f : 1.6f, alpha), shade(box.color, sunken ? 1.6f : 0.4f, alpha),
-        shade(box.color, 1.0f, alpha)};
+    const BorderColors &colors = borderColors(box.color, sunken);
     const unsigned int rings = std::min(box.thickness, kMaxRings);
     beginQuads(box);
     for (unsigned int i = 0; i < rings; ++i) drawRing(RingLines(i, width), RingLines(i, height), colors);

@@ -35,7 +35,7 @@ KTTEXTURE *KTTEXTURE::firstTexture = nullptr;
 unsigned long KTTEXTURE::usedMemory = 0;
 char KTTEXTURE::texturePath[256] = "";
 KTTEXTURE *KTTEXTURE::channelCache[KTTEXTURE::channels] = {};
-bool KTTEXTURE::channelActive[KTTEXTURE::channels] = {};
+alignas(std::uint32_t) bool KTTEXTURE::channelActive[KTTEXTURE::channels] = {};
 
 namespace {
 
@@ -279,10 +279,12 @@ bool KTTEXTURE::texturingOn(unsigned int channel) {
 // The switch is that of all channels: it is on again at once while another one is active.
 bool KTTEXTURE::texturingOff(unsigned int channel) {
     if (channel >= channels) {
-        for (channel = 0; channel < channels; ++channel) {
-            deactivate(channelActive[channel]);
-            channelCache[channel] = nullptr;
-        }
+        // Most often all of them are off.
+        std::uint32_t active[channels / 4];
+        std::memcpy(active, channelActive, sizeof active);
+        if (active[0] | active[1] | active[2] | active[3])
+            for (bool &on : channelActive) deactivate(on);
+        std::fill(channelCache, channelCache + channels, nullptr);
     } else if (deactivate(channelActive[channel])) {
         bool *const end = channelActive + channels;
         if (std::find(channelActive, end, true) != end) keltra::setTexturing(true);
