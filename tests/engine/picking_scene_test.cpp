@@ -6,6 +6,7 @@
 #include <random>
 
 #include "tests/scene/scene_parts.h"
+#include "tests/support/emulated.h"
 #include "tests/support/engine_fixture.h"
 #include "tests/support/shapes.h"
 
@@ -100,8 +101,9 @@ class PickingSceneTest : public EngineTest {
         ASSERT_NE(root, nullptr);
         const std::vector<unsigned> codes = codesOf(root);
         const Image picture = drawScene(root);
+        const int points = kPoints / sampled(8);
         int hits = 0;
-        for (int i = 0; i < kPoints; ++i) {
+        for (int i = 0; i < points; ++i) {
             const int column = static_cast<int>(random() % 240),
                       row = static_cast<int>(random() % 320);  // from the top
             // The point whose pixel this is: rows count from 1, and landscape points are turned.
@@ -111,8 +113,8 @@ class PickingSceneTest : public EngineTest {
             ASSERT_EQ(KELTRA::select(x, y), expected) << "column " << column << ", row " << row;
             hits += expected != 0;
         }
-        EXPECT_GT(hits, kPoints / 3) << "the test sees too little";
-        EXPECT_LT(hits, kPoints);
+        EXPECT_GT(hits, points / 3) << "the test sees too little";
+        EXPECT_LT(hits, points);
     }
 
     TempFolder folder;
@@ -195,7 +197,7 @@ TEST_F(PickingFigureTest, TheNextFrameLooksAsIfNothingHadHappened) {
     ASSERT_NE(addFigure(), nullptr);
     static_cast<KTMESH *>(garden->findByNameInHierarchy("halo3"))->setDisplayStatus(true);
     const Image before = drawScene(garden, &camera);
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20 / sampled(4); ++i)
         KELTRA::select(static_cast<int>(random() % 240), static_cast<int>(random() % 320));
     EXPECT_EQ(drawScene(garden, &camera).pixels, before.pixels);
 }

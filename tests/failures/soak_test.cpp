@@ -7,6 +7,12 @@
 #include <gtest/gtest.h>
 #include <keltra/keltra.h>
 
+#ifdef _WIN32
+#include <windows.h>
+
+#include <psapi.h>
+#endif
+
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -15,6 +21,7 @@
 #include "tests/failures/injector.h"
 #include "tests/failures/program.h"
 #include "tests/support/allocations.h"
+#include "tests/support/emulated.h"
 #include "tests/support/gl_recorder.h"
 
 namespace keltra::test {
@@ -28,6 +35,14 @@ struct Held {
 
 Held held() {
     Held now;
+#ifdef _WIN32
+    DWORD handles = 0;
+    PROCESS_MEMORY_COUNTERS memory = {};
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+    now.files = static_cast<long>(handles);
+    now.kilobytes = static_cast<long>(memory.WorkingSetSize / 1024);
+#else
     std::ifstream maps("/proc/self/maps");
     // Not the driver's pages of code: Mesa reserves 10 MB more at each start, with SDL and EGL alone too, and
     // the system joins neighbours to one mapping or not.
@@ -37,6 +52,7 @@ Held held() {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;)
         if (word == "VmRSS:") status >> now.kilobytes;
+#endif
     now.blocks = Injector::live();
     return now;
 }
@@ -56,7 +72,7 @@ void expectNotGrown(const Held &before, const Held &after, long runs) {
 }
 
 TEST(SoakTest, NothingGrows) {
-    constexpr long kFirst = 5;  // until the driver has what it keeps
+    constexpr long kFirst = sampled(2) == 1 ? 5 : 2;  // until the driver has what it keeps
     const char *given = std::getenv("KELTRA_SOAK_MINUTES");
     const auto end =
         std::chrono::steady_clock::now() + std::chrono::seconds(given ? 60 * std::atol(given) : 0);

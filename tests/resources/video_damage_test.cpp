@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/resources/video_fixture.h"
 #include "tests/support/allocations.h"
+#include "tests/support/emulated.h"
 #include "tests/support/same_verdict.h"
 
 #include <random>
@@ -220,7 +221,7 @@ TEST_F(VideoDamageTest, AnEmptySequenceShowsNothing) {
 
 TEST_F(VideoDamageTest, TruncatedFilmsEnd) {
     const Bytes whole = film("wide.m1v");
-    const std::size_t positions = 500;
+    const std::size_t positions = 500 / sampled(20);
     for (std::size_t i = 0; i < positions; ++i)
         survive(
             Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * i / positions)));
@@ -229,7 +230,7 @@ TEST_F(VideoDamageTest, TruncatedFilmsEnd) {
 TEST_F(VideoDamageTest, RandomBytesSplicedInDoNoHarm) {
     const Bytes whole = film("wide.m1v"), other = film("small.m1v");
     std::mt19937 random(19);
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 200 / sampled(20); ++round) {
         Bytes bytes = whole;
         for (unsigned splices = 1 + random() % 20; splices; --splices) {
             const auto at = bytes.begin() + static_cast<std::ptrdiff_t>(random() % bytes.size());
@@ -250,7 +251,7 @@ TEST_F(VideoDamageTest, RandomBytesSplicedInDoNoHarm) {
 TEST_F(VideoDamageTest, SingleBitsMayBeWrong) {
     const Bytes whole = film("wide.m1v");
     std::mt19937 random(5);
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 200 / sampled(20); ++round) {
         Bytes bytes = whole;
         for (unsigned flips = 1 + random() % 30; flips; --flips)
             bytes[random() % bytes.size()] ^= static_cast<std::uint8_t>(1u << random() % 8);
