@@ -119,6 +119,7 @@ KTHSCROLLBAR::KTHSCROLLBAR(const KTHSCROLLBAR &other) : KTBOX(other) {
     copyBar(*this, other);
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): members are copied one by one
 KTHSCROLLBAR &KTHSCROLLBAR::operator=(const KTHSCROLLBAR &other) {
     KTBOX::operator=(other);
     copyBar(*this, other);
@@ -160,6 +161,7 @@ KTVSCROLLBAR::KTVSCROLLBAR(const KTVSCROLLBAR &other) : KTBOX(other) {
     copyBar(*this, other);
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): members are copied one by one
 KTVSCROLLBAR &KTVSCROLLBAR::operator=(const KTVSCROLLBAR &other) {
     KTBOX::operator=(other);
     copyBar(*this, other);

@@ -147,6 +147,7 @@ bool KTPLAYER::playRange(const KTCLIP *clip, unsigned int first, unsigned int la
     base.last = last;
     startTrack(&base, clip, root, loop);
     fadeLength = fadeLeft = notNegative(fade);
+    // Not null: `accept` refuses that. NOLINTNEXTLINE(clang-analyzer-core.NullDereference)
     for (unsigned int bone = 0; bone < clip->bones; ++bone) {
         const int earlier = boneOf(former, base.nodes[bone]);
         fadedBone[bone] = earlier >= 0 && !wasFading ? static_cast<std::uint8_t>(earlier) : kNoBone;
@@ -202,6 +203,7 @@ bool KTPLAYER::playLayer(unsigned int index, const KTCLIP *clip, KT_LAYER kind, 
     resetResting(layer);
     std::memset(layer.isResting, 0, room * sizeof *layer.isResting);
     layer.track.first = 0;
+    // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): `accept` refuses null
     layer.track.last = clip->frames - 1;
     layer.track.rate = 1.0f;
     startTrack(&layer.track, clip, from, loop);
