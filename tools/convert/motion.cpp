@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/motion.h"
 
+#include "tools/convert/composed.h"
+
 #include <assimp/anim.h>
 #include <assimp/scene.h>
 #include <assimp/matrix3x3.inl>
@@ -165,7 +167,7 @@ Matrix Motion::localOf(const Track &track, double seconds) const {
     position = valueAt(track.positions, time, position);
     if (!track.rotations.empty()) rotation = valueAt(track.rotations, time, rotation) * track.behind;
     scale = valueAt(track.scales, time, scale);
-    const aiMatrix4x4 local(scale, rotation, position);
+    const aiMatrix4x4 local = composed(scale, rotation, position);
     const Matrix wide(local.a1, local.a2, local.a3, local.a4, local.b1, local.b2, local.b3, local.b4,
                       local.c1, local.c2, local.c3, local.c4, 0, 0, 0, 1);
     return isFinite(wide) ? wide : rig.sources[track.source].local;

@@ -87,8 +87,8 @@ def armature(name, bones=None):
     return obj
 
 
-def limb(rig, bone, width):
-    """A box along the bone, cut in four, whose ends follow the bones around too."""
+def limb(rig, bone, width, cuts=3):
+    """A box along the bone, cut into pieces, whose lower half follows the bone above too."""
     from mathutils import Matrix, Vector
     data = rig.data.bones[bone]
     length = data.length
@@ -96,7 +96,7 @@ def limb(rig, bone, width):
     place = data.matrix_local @ Matrix.Translation(Vector((0, length / 2, 0)))
     bpy.context.view_layer.objects.active = obj
     bpy.ops.object.mode_set(mode="EDIT")
-    bpy.ops.mesh.subdivide(number_cuts=3)
+    bpy.ops.mesh.subdivide(number_cuts=cuts)
     bpy.ops.object.mode_set(mode="OBJECT")
     own = obj.vertex_groups.new(name=bone)
     above = data.parent and data.parent.use_deform and obj.vertex_groups.new(name=data.parent.name)
@@ -143,7 +143,8 @@ def machine():
     pillar = box("pillar", (0.2, 0.2, 1.0), (0, 0, 0.6), base)
     pillar.scale = (1.0, 1.0, 1.5)
     jib = box("jib", (1.4, 0.1, 0.1), (0.5, 0, 0.8), base, cuts=2)
-    eye = box("eye", (0.2, 0.2, 0.2), (-0.8, 0, 1.0), base)
+    eye = box("eye", (0.2, 0.3, 0.4), (-0.8, 0, 1.0), base)
+    eye.scale = (-1.0, 1.0, 1.5)
     ball = box("ball", (0.3, 0.3, 0.3), (2, 0, 1))
     look = eye.constraints.new("TRACK_TO")
     look.target, look.track_axis, look.up_axis = ball, "TRACK_X", "UP_Z"

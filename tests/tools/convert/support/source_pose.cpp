@@ -85,7 +85,10 @@ Matrix localMatrix(const aiNode &node, const aiNodeAnim *channel, double ticks) 
     if (channel->mNumPositionKeys)
         position = valueAt(channel->mPositionKeys, channel->mNumPositionKeys, ticks);
     rotation.Normalize();
-    return Matrix(scaling, rotation, position);
+    // The library's constructor of all three scales last.
+    Matrix scaled;
+    Matrix::Scaling(scaling, scaled);
+    return Matrix(Vector(1.0, 1.0, 1.0), rotation, position) * scaled;
 }
 
 Point pointOf(const Vector &v) { return {v.x, v.y, v.z}; }
