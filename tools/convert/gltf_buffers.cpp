@@ -66,6 +66,7 @@ std::size_t componentsOf(const std::string &type) {
 std::size_t sizeOf(std::uint64_t componentType) {
     return componentType == 5120 || componentType == 5121   ? 1
            : componentType == 5122 || componentType == 5123 ? 2
+           : componentType == kFloat                        ? 4
                                                             : 0;
 }
 
@@ -73,11 +74,12 @@ float valueAt(const std::uint8_t *at, std::uint64_t type, bool normalized) {
     std::int16_t wide;
     std::uint16_t unsignedWide;
     float value = 0.0f, most = 1.0f;
+    if (type == kFloat) std::memcpy(&value, at, 4);
     if (type == 5120) value = static_cast<std::int8_t>(*at), most = 127.0f;
     if (type == 5121) value = *at, most = 255.0f;
     if (type == 5122) std::memcpy(&wide, at, 2), value = wide, most = 32767.0f;
     if (type == 5123) std::memcpy(&unsignedWide, at, 2), value = unsignedWide, most = 65535.0f;
-    return normalized ? std::max(value / most, -1.0f) : value;
+    return normalized && type != kFloat ? std::max(value / most, -1.0f) : value;
 }
 
 // The importer reads joints as integers and does not use colours.
@@ -209,26 +211,39 @@ void GltfBuffers::decompress(std::size_t index, Json &view, const Json &compress
     decompressed[index] = std::move(result);
 }
 
-// False for what is not made of small integers, and for what is damaged.
-bool GltfBuffers::makeFloats(Json &accessor) {
+std::vector<float> GltfBuffers::valuesOf(const Json &accessor) {
     const std::uint64_t type = number(accessor, "componentType"), count = number(accessor, "count");
     const std::size_t size = sizeOf(type), components = componentsOf(word(accessor, "type"));
     if (size == 0 || components == 0 || count == 0 || accessor.contains("sparse") ||
         !accessor.contains("bufferView"))
-        return false;
+        return {};
     const std::size_t index = number(accessor, "bufferView");
     const std::optional<Range> range = view(index);
-    if (!range) return false;
+    if (!range) return {};
     const Json *described = element(document, "bufferViews", index);
     const std::uint64_t stride = number(*described, "byteStride", size * components);
     const std::uint64_t offset = number(accessor, "byteOffset");
-    if (offset + stride * (count - 1) + size * components > range->size) return false;
+    if (stride == 0 || offset + stride * (count - 1) + size * components > range->size) return {};
     const bool normalized = accessor.value("normalized", Json(false)) == Json(true);
     std::vector<float> values;
     values.reserve(count * components);
     for (std::uint64_t i = 0; i < count; ++i)
         for (std::size_t c = 0; c < components; ++c)
             values.push_back(valueAt(range->bytes + offset + stride * i + size * c, type, normalized));
+    return values;
+}
+
+std::vector<float> GltfBuffers::numbers(std::uint64_t index, std::size_t components) {
+    const Json *accessor = element(document, "accessors", index);
+    if (!accessor || componentsOf(word(*accessor, "type")) != components) return {};
+    return valuesOf(*accessor);
+}
+
+// False for what is not made of small integers, and for what is damaged.
+bool GltfBuffers::makeFloats(Json &accessor) {
+    if (number(accessor, "componentType") == kFloat) return false;
+    const std::vector<float> values = valuesOf(accessor);
+    if (values.empty()) return false;
     accessor["bufferView"] = append(values.data(), values.size() * sizeof(float), 0);
     accessor["byteOffset"] = 0;
     accessor["componentType"] = kFloat;

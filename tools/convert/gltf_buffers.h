@@ -26,6 +26,8 @@ class GltfBuffers {
     // nothing to do. What is damaged stays as it is, for the importer to refuse. Throws Refusal for geometry
     // that cannot be decompressed.
     std::string makePlain(const std::string &name);
+    // The values of an accessor with that many components an element; empty if they cannot be read.
+    std::vector<float> numbers(std::uint64_t accessor, std::size_t components);
 
    private:
     using Json = nlohmann::json;
@@ -37,6 +39,7 @@ class GltfBuffers {
     const std::vector<std::uint8_t> &buffer(std::size_t index);
     std::optional<Range> view(std::size_t index);
     void decompress(std::size_t index, Json &view, const Json &compression);
+    std::vector<float> valuesOf(const Json &accessor);
     bool makeFloats(Json &accessor);
     std::size_t append(const void *bytes, std::size_t size, unsigned stride);
 

@@ -5,8 +5,10 @@
 #include "tools/convert/gltf_buffers.h"
 #include "tools/convert/gltf_document.h"
 #include "tools/convert/gltf_extensions.h"
+#include "tools/convert/gltf_instances.h"
 #include "tools/convert/import_log.h"
 #include "tools/convert/iqm.h"
+#include "tools/convert/md3_file.h"
 #include "tools/convert/model_files.h"
 #include "tools/convert/names.h"
 #include "tools/convert/source_format.h"
@@ -20,7 +22,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <new>
 
 namespace keltra::convert {
@@ -89,6 +94,7 @@ Model::Model(const Options &options, const Progress &progress, const std::vector
     importer->SetIOHandler(files);
     checkFile(options.model);
     if (isGltfFile(options.model)) prepareGltf(options.model);
+    prepareMd3(options);
     importer->SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UP_DIRECTION, options.up != 0);
     importer->SetProgressHandler(new ImportProgress(progress));  // the importer deletes it
     if (isIqm(options.model)) {
@@ -115,12 +121,24 @@ void Model::prepareGltf(const std::string &path) {
     GltfDocument document(path);
     const std::string refusal = refusalOf(document.json);
     if (!refusal.empty()) throw Refusal(refusal);
-    reportGltf(document.json, found);
     GltfBuffers buffers(document.json, document.behind(), files->where());
     std::string plain = buffers.makePlain(kPlainBuffer);
-    const bool renamed = namePictures(document.json), changed = renamed || !plain.empty();
+    const bool expanded = expandInstances(document.json, buffers, found);
+    reportGltf(document.json, found);
+    const bool renamed = namePictures(document.json), changed = renamed || expanded || !plain.empty();
     if (!plain.empty()) files->addFile(kPlainBuffer, std::move(plain));
     if (changed) files->replaceModel(document.bytes());
+}
+
+void Model::prepareMd3(const Options &options) {
+    char magic[4] = {};
+    std::ifstream file(options.model, std::ios::binary);
+    file.read(magic, sizeof magic);
+    if (std::memcmp(magic, "IDP3", sizeof magic) != 0) return;
+    file.seekg(0);
+    std::string whole =
+        readableMd3({std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()}, options.frame);
+    if (!whole.empty()) files->replaceModel(std::move(whole));
 }
 
 bool Model::readByBlender(const std::string &path) {
@@ -149,6 +167,7 @@ void Model::readOwn(const Options &options, const std::vector<std::string> &name
 
 void Model::tell(Report &report) const {
     for (const Dropped &entry : found.dropped) report.drop(entry.what, entry.count, entry.why);
+    for (const Dropped &entry : found.changed) report.change(entry.what, entry.count, entry.why);
     for (const std::string &text : found.warnings) report.warn(text);
     for (const std::string &text : found.source) report.tell(text);
     report.inputs.insert(report.inputs.end(), found.inputs.begin(), found.inputs.end());

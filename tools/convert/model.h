@@ -38,6 +38,7 @@ class Model {
 
    private:
     void prepareGltf(const std::string &path);
+    void prepareMd3(const Options &options);
     bool readByBlender(const std::string &path);
     void readOwn(const Options &options, const std::vector<std::string> &names);
 

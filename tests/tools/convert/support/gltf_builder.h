@@ -41,6 +41,8 @@ class GltfBuilder {
     /// `inverseBinds` holds 16 floats a joint; without them the joints' frames are those of the mesh.
     int skin(const std::vector<int> &joints, const Floats &inverseBinds = {});
     int clip(const std::string &name, const std::vector<GltfChannel> &channels);
+    /// An accessor of the type "SCALAR", "VEC3" and so on.
+    int floats(const Floats &values, const char *type, std::size_t components);
 
     nlohmann::json &document() { return root; }
     /// The file, as text and as binary.
@@ -49,7 +51,6 @@ class GltfBuilder {
 
    private:
     int accessor(const void *bytes, std::size_t size, int componentType, const char *type, std::size_t count);
-    int floats(const Floats &values, const char *type, std::size_t components);
     int vectors(const Floats &values);
     template <class T>
     int add(const char *list, T value) {
