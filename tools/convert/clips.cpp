@@ -2,6 +2,7 @@
 #include "tools/convert/clips.h"
 
 #include "formats/limits.h"
+#include "tools/convert/sampled_clip.h"
 #include "tools/formats/kta_writer.h"
 
 #include <assimp/scene.h>
@@ -20,20 +21,7 @@ constexpr double kMoved = 1e-5;        // of the model's size
 constexpr double kRotated = 1e-3;      // degrees
 constexpr double kFarthest = 32000.0;  // almost the limit of 16.16
 
-struct Pose {
-    Vector angles, position;
-};
-
-// The joints that the files hold, with their poses in the scene file.
-struct PosedJoints {
-    std::vector<unsigned> joints;
-    std::vector<Pose> bind;
-};
-
-struct Clip {
-    std::string name;
-    std::vector<std::vector<Pose>> frames;  // one pose per posed joint
-};
+using Clip = SampledClip;
 
 std::string titleOf(const Clip &clip) { return clip.name.empty() ? "without a name" : cleanText(clip.name); }
 
@@ -124,10 +112,11 @@ double difference(const Vector &a, const Vector &b) {
 }
 
 // Indices of the posed joints that the files hold: all, or if these are too many, those that some clip moves.
-std::vector<std::size_t> chooseRows(const PosedJoints &posed, const std::vector<Clip> &clips, double size) {
+std::vector<std::size_t> chooseRows(const PosedJoints &posed, const std::vector<Clip> &clips, double size,
+                                    bool movingOnly) {
     std::vector<std::size_t> rows;
     for (std::size_t i = 0; i < posed.joints.size(); ++i) {
-        bool kept = posed.joints.size() <= kMaxBones;
+        bool kept = posed.joints.size() <= kMaxBones && !movingOnly;
         for (const Clip &clip : clips) {
             for (const std::vector<Pose> &frame : clip.frames) {
                 if (kept) break;
@@ -143,8 +132,8 @@ std::vector<std::size_t> chooseRows(const PosedJoints &posed, const std::vector<
 // The files of a model's clips, split where they are too large for one.
 class Writer {
    public:
-    Writer(const Rig &rig, const PosedJoints &posed, const Options &options, Report &report)
-        : rig(rig), posed(posed), options(options), report(report), names(kLongestName, false) {}
+    Writer(const Rig &rig, const PosedJoints &posed, const Options &options, double rate, Report &report)
+        : rig(rig), posed(posed), options(options), rate(rate), report(report), names(kLongestName, false) {}
 
     void write(const Clip &clip, const std::vector<std::size_t> &rows) {
         const std::size_t parts = (clip.frames.size() + kMaxFrames - 1) / kMaxFrames;
@@ -195,7 +184,7 @@ class Writer {
         entry.file = names.take(stem, "clip", ".kta");
         entry.frames = static_cast<unsigned>(end - first);
         entry.bones = static_cast<unsigned>(rows.size());
-        entry.seconds = double(end - first - 1) / options.fps;
+        entry.seconds = double(end - first - 1) / rate;
         report.clips.push_back(entry);
         files.push_back({entry.file, formats::writeKta(animation)});
     }
@@ -203,9 +192,16 @@ class Writer {
     const Rig &rig;
     const PosedJoints &posed;
     const Options &options;
+    const double rate;  // frames per second
     Report &report;
     Names names;
 };
+
+std::uint64_t bytesOf(const std::vector<Clip> &clips, std::size_t bones) {
+    std::uint64_t frames = 0;
+    for (const Clip &clip : clips) frames += clip.frames.size();
+    return frames * bones * formats::kKtaKeyframeSize;
+}
 
 }  // namespace
 
@@ -226,8 +222,11 @@ std::vector<OutputFile> convertClips(const aiScene &scene, const ClipSources &so
     sampler.finish();
     report.drop("morph animations", morphs, "the engine's vertices follow bones only");
     report.drop("animations", empty, "they move no node");
-    const std::vector<std::size_t> rows = chooseRows(sampler.posed, clips, std::max(report.size, 1e-9));
-    Writer writer(rig, sampler.posed, options, report);
+    const std::uint64_t most = options.fit ? options.budget.clips : 0;
+    const bool over = most > 0 && bytesOf(clips, sampler.posed.joints.size()) > most;
+    const std::vector<std::size_t> rows = chooseRows(sampler.posed, clips, std::max(report.size, 1e-9), over);
+    const unsigned step = keepFewerFrames(clips, sampler.posed, rig, rows.size(), options, report);
+    Writer writer(rig, sampler.posed, options, options.fps / step, report);
     for (const Clip &clip : clips) writer.write(clip, rows);
     return std::move(writer.files);
 }

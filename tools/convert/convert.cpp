@@ -99,7 +99,7 @@ Conversion convertModel(const Options &options, const Progress &progress) {
     std::vector<OutputFile> clips = convertClips(scene, sources, *rig, options, report, progress);
     if (report.triangles == 0 && clips.empty()) throw Refusal("it has no triangles and no animation");
     for (const OutputFile &clip : clips) report.clipBytes += clip.bytes.size();
-    reportLosses(scene, report);
+    reportLosses(scene, options, report);
     checkBudget(options.budget, report);
 
     report.sceneFile = options.name + ".kte";

@@ -4,7 +4,6 @@
 #include "tools/convert/output_folder.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace keltra::convert {
 namespace {
@@ -37,10 +36,7 @@ std::string dependenciesOf(const std::string &folder, const Outcome &outcome) {
 }
 
 void writeDependencies(const std::string &path, const std::string &folder, const Outcome &outcome) {
-    const std::string text = dependenciesOf(folder, outcome);
-    const std::filesystem::path file(path);
-    const std::string in = file.parent_path().empty() ? "." : file.parent_path().string();
-    commitFiles(in, {{file.filename().string(), {text.begin(), text.end()}}});
+    writeTextFile(path, dependenciesOf(folder, outcome));
 }
 
 }  // namespace keltra::convert

@@ -36,11 +36,13 @@ bool isFlat(const formats::Vec3 &a, const formats::Vec3 &b, const formats::Vec3 
 
 // The corners of a mesh's triangles, baked.
 struct BakedCorners {
-    BakedCorners(const aiMesh &mesh, const Matrix &bake, const Skin *skin, unsigned uvChannel)
+    BakedCorners(const aiMesh &mesh, const Matrix &bake, const Skin *skin, unsigned uvChannel,
+                 const UvPlace &place)
         : mesh(mesh),
           bake(bake),
           normalMatrix(forNormals(bake)),
           skin(skin),
+          place(place),
           uvs(uvChannel < AI_MAX_NUMBER_OF_TEXTURECOORDS ? mesh.mTextureCoords[uvChannel] : nullptr),
           normals(cornerNormals(mesh)),
           facing(facingOf(mesh, normals)),
@@ -59,6 +61,7 @@ struct BakedCorners {
             const Vector normal = rotated(normalMatrix, normals[std::size_t{face} * 3 + i] * outward);
             corner.normal = formats::normalized(narrowed(normal * (1.0 / normal.Length())));
             if (uvs) corner.uv = {usableUV(uvs[v].x), usableUV(uvs[v].y)};
+            if (uvs && !place.isWhole()) corner.uv = {place.u(corner.uv.x), place.v(corner.uv.y)};
             if (skin) corner.skin = skin->vertices[v];
         }
         return true;
@@ -78,6 +81,7 @@ struct BakedCorners {
     const Matrix &bake;
     const Matrix normalMatrix;
     const Skin *const skin;
+    const UvPlace place;
     const aiVector3D *const uvs;
     const std::vector<Vector> normals;
     const Facing facing;
@@ -106,8 +110,8 @@ std::size_t MeshBuilder::Hash::operator()(const Corner &corner) const {
 }
 
 void MeshBuilder::add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, unsigned uvChannel,
-                      Rejects &rejects) {
-    const BakedCorners baked(mesh, bake, skin, uvChannel);
+                      Rejects &rejects, const UvPlace &place) {
+    const BakedCorners baked(mesh, bake, skin, uvChannel, place);
     hasUVs = hasUVs || baked.uvs;
     if (baked.facing != Facing::kAgrees) ++rejects.insideOut;
     for (unsigned f = 0; f < mesh.mNumFaces; ++f) {

@@ -7,6 +7,7 @@
 
 #include "formats/limits.h"
 #include "tools/convert/rig.h"
+#include "tools/convert/uv_place.h"
 #include "tools/formats/kte_writer.h"
 
 #include <cstdint>
@@ -44,8 +45,9 @@ class MeshBuilder {
         : onTriangles(std::move(onTriangles)) {}
 
     // Adds the triangles of a mesh, transformed by `bake`. `skin` holds the mesh's influences, null for a
-    // rigid mesh. `uvChannel` may be one that the mesh does not have.
-    void add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, unsigned uvChannel, Rejects &rejects);
+    // rigid mesh. `uvChannel` may be one that the mesh does not have; `place` is where its picture stands.
+    void add(const aiMesh &mesh, const Matrix &bake, const Skin *skin, unsigned uvChannel, Rejects &rejects,
+             const UvPlace &place = {});
 
     // The meshes, complete except for rotation and material, with the names of the joints as bone names.
     std::vector<formats::MeshData> finish(const std::vector<Joint> &joints);

@@ -8,9 +8,10 @@
 #include "tools/convert/many.h"
 #include "tools/convert/names.h"
 #include "tools/convert/output_folder.h"
-#include "tools/convert/report_json.h"
 #include "tools/convert/plain_text.h"
+#include "tools/convert/report_json.h"
 #include "tools/convert/report_text.h"
+#include "tools/convert/setup_code.h"
 #include "tools/formats/version.h"
 
 #include <CLI/CLI.hpp>
@@ -48,7 +49,7 @@ constexpr char kExamples[] =
 struct Arguments {
     Options options;
     std::vector<std::string> models;
-    std::string folder, depfile, budget = "default";
+    std::string folder, depfile, setup, budget = "default";
     unsigned seconds = 300, jobs = std::max(std::thread::hardware_concurrency(), 1u);
     bool each = false, texture = false, dryRun = false, json = false, quiet = false;
 };
@@ -93,6 +94,11 @@ std::string checkSimplify(const std::string &text) {
     return good && value <= 1e9 ? "" : "must be a share below 1 or a whole number of triangles";
 }
 
+std::string checkShare(const std::string &text) {
+    double value = 0.0;
+    return numberOf(text, value) && value >= 0.0 && value <= 1.0 ? "" : "must be a number from 0 to 1";
+}
+
 std::string checkBudgetText(const std::string &text) {
     try {
         budgetOf(text);
@@ -130,17 +136,28 @@ void describeReductions(CLI::App &app, Arguments &arguments, CLI::Option *textur
                            "default, none, or triangles=5000,vertices=5000,bones=40,textures=2M,clips=1M"),
             checkBudgetText)
         ->capture_default_str();
-    app.add_flag("--fit", options.fit, "Reduce triangles and pictures to the budget");
+    CLI::Option *fit =
+        app.add_flag("--fit", options.fit, "Reduce triangles, pictures and clips to the budget");
+    checked(app.add_option("--clip-error", options.clipError,
+                           "How far --fit may move a point of a clip: a share of the model's size"),
+            checkShare)
+        ->capture_default_str()
+        ->needs(fit);
 }
 
 void describeReports(CLI::App &app, Arguments &arguments) {
     checked(
         app.add_option("--depfile", arguments.depfile, "Write the files that were read, as a rule of make"),
         checkNotEmpty);
+    checked(
+        app.add_option("--setup", arguments.setup,
+                       "Write C++ for what scene files have no place for: ids, helpers, reaches, filters"),
+        checkNotEmpty);
     app.add_flag("--strict", arguments.options.strict,
                  "Fail, and write nothing, if anything is dropped, changed or missing");
     app.add_flag("--dry-run", arguments.dryRun, "Report what would be written, and write nothing")
-        ->excludes("--depfile");
+        ->excludes("--depfile")
+        ->excludes("--setup");
     CLI::Option *json = app.add_flag("--json", arguments.json, "Report as one JSON document");
     app.add_flag("--quiet", arguments.quiet, "Report warnings only")->excludes(json);
 }
@@ -148,7 +165,7 @@ void describeReports(CLI::App &app, Arguments &arguments) {
 void describeMany(CLI::App &app, Arguments &arguments) {
     CLI::Option *each =
         app.add_flag("--each", arguments.each, "Convert each of many MODELs on its own, into one folder");
-    each->excludes("--name")->excludes("--depfile");
+    each->excludes("--name")->excludes("--depfile")->excludes("--setup");
     checked(app.add_option("--jobs", arguments.jobs, "How many at a time; default: as many as processors"),
             checkJobs)
         ->needs(each);
@@ -286,6 +303,8 @@ int report(const Arguments &arguments, const Outcome &outcome) {
         return outcome.strict ? kLossy : status;
     }
     if (!arguments.depfile.empty()) writeDependencies(arguments.depfile, arguments.folder, outcome);
+    if (!arguments.setup.empty())
+        writeTextFile(arguments.setup, setupHeader(arguments.options.name, outcome.report));
     return reported ? kGood : refuse(model, "converted, but the report cannot be written");
 }
 
@@ -377,6 +396,7 @@ int main(int argc, char **argv) {
     arguments.options.model = arguments.models[0];
     if (!arguments.each) arguments.options.clips.assign(arguments.models.begin() + 1, arguments.models.end());
     arguments.options.budget = budgetOf(arguments.budget);
+    arguments.options.setup = !arguments.setup.empty();
     if (arguments.options.name.empty()) arguments.options.name = fileStem(arguments.options.model);
     try {
         return arguments.each ? convertEach(arguments) : report(arguments, convert(arguments));

@@ -36,27 +36,23 @@ void reportHiddenMeshes(const aiScene &scene, Report &report) {
                 "no node shows them");
 }
 
-// The importers' values for a light that has no attenuation of its own.
-bool isPlain(const aiLight &light) {
-    return light.mAttenuationQuadratic == 0.0f &&
-           (light.mAttenuationConstant == 0.0f || light.mAttenuationLinear == 0.0f);
-}
-
-void reportLights(const aiScene &scene, Report &report) {
+void reportLights(const aiScene &scene, const Options &options, Report &report) {
     std::uint64_t reaches = 0, bright = 0, cones = 0, wrong = 0;
     for (unsigned i = 0; i < scene.mNumLights; ++i) {
         const aiLight &light = *scene.mLights[i];
         const aiColor3D &color = light.mColorDiffuse;
         const bool spot = light.mType == aiLightSource_SPOT;
         if (!spot && light.mType != aiLightSource_POINT && light.mType != aiLightSource_DIRECTIONAL) continue;
-        if (light.mType != aiLightSource_DIRECTIONAL && !isPlain(light)) ++reaches;
+        if (light.mType != aiLightSource_DIRECTIONAL && !isUnattenuated(light)) ++reaches;
         if (!std::isfinite(color.r + color.g + color.b))
             ++wrong;
         else if (std::max({color.r, color.g, color.b}) > 1.0f)
             ++bright;
         if (spot && light.mAngleInnerCone > 0.0f && light.mAngleInnerCone < light.mAngleOuterCone) ++cones;
     }
-    report.drop("reaches of lights", reaches, "scene files have none: an application calls setAttenuation");
+    if (!options.setup)
+        report.drop("reaches of lights", reaches,
+                    "scene files have none: an application calls setAttenuation");
     report.drop("inner cones", cones, "a spot light of the engine has one cone");
     report.change("lights", bright, "they were brighter than 1");
     report.change("lights", wrong, "their colours were not finite numbers");
@@ -64,10 +60,16 @@ void reportLights(const aiScene &scene, Report &report) {
 
 }  // namespace
 
-void reportLosses(const aiScene &scene, Report &report) {
+// The importers' values for a light that has none.
+bool isUnattenuated(const aiLight &light) {
+    return light.mAttenuationQuadratic == 0.0f &&
+           (light.mAttenuationConstant == 0.0f || light.mAttenuationLinear == 0.0f);
+}
+
+void reportLosses(const aiScene &scene, const Options &options, Report &report) {
     reportMeshes(scene, report);
     reportHiddenMeshes(scene, report);
-    reportLights(scene, report);
+    reportLights(scene, options, report);
     report.drop("cameras", scene.mNumCameras, "scene files have none; their nodes are kept");
     if (scene.mFlags & AI_SCENE_FLAGS_INCOMPLETE) report.warn("its importer could read it in part only");
 }

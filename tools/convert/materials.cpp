@@ -3,10 +3,12 @@
 
 #include "tools/convert/names.h"
 #include "tools/convert/properties.h"
+#include "tools/convert/setup_code.h"
 #include "tools/convert/surface.h"
 #include "tools/convert/textures.h"
 
 #include <assimp/material.h>
+#include <assimp/mesh.h>
 #include <assimp/scene.h>
 
 #include <algorithm>
@@ -18,6 +20,7 @@
 namespace keltra::convert {
 namespace {
 
+constexpr float kOutside = 1e-3f;  // of a picture's width, that texture coordinates may leave it by
 constexpr char kOneTexture[] = "a surface has one texture";
 constexpr char kUnused[] = "the engine's lighting does not use them";
 
@@ -121,6 +124,22 @@ const char *mapsOf(aiTextureType type) {
     }
 }
 
+// Whether some mesh of the material shows its picture more than once.
+bool repeatsPicture(const aiScene &scene, unsigned material, unsigned channel) {
+    for (unsigned i = 0; i < scene.mNumMeshes; ++i) {
+        const aiMesh &mesh = *scene.mMeshes[i];
+        if (mesh.mMaterialIndex != material) continue;
+        const aiVector3D *uvs =
+            channel < AI_MAX_NUMBER_OF_TEXTURECOORDS ? mesh.mTextureCoords[channel] : nullptr;
+        if (!uvs) return true;
+        for (unsigned v = 0; v < mesh.mNumVertices; ++v)
+            if (!(uvs[v].x >= -kOutside && uvs[v].x <= 1.0f + kOutside && uvs[v].y >= -kOutside &&
+                  uvs[v].y <= 1.0f + kOutside))
+                return true;
+    }
+    return false;
+}
+
 class Converter {
    public:
     Converter(const aiScene &scene, const Options &options, Report &report)
@@ -130,7 +149,7 @@ class Converter {
           properties(materialProperties(scene, options.model, report)) {}
 
     void add(const aiMaterial &material);
-    Materials finish();
+    Materials finish(const aiScene &scene);
 
    private:
     struct Chosen {
@@ -143,6 +162,8 @@ class Converter {
     void applyTexture(const aiMaterial &material, const Chosen &chosen, float opacity,
                       formats::Material &result);
     void dropRest(const std::vector<Layer> &layers, const Chosen &chosen);
+    void joinTextures(const aiScene &scene);
+    void setFilter(const std::string &filter, const std::string &texture, bool clamped);
 
     const Options &options;
     Report &report;
@@ -150,6 +171,7 @@ class Converter {
     const std::map<std::string, MaterialProperties> properties;
     Names names;
     Materials made;
+    std::vector<bool> joinable;  // materials whose picture may become part of a larger texture
 };
 
 // An emission map becomes the base texture only of a material that is otherwise black: a grey wall with a map
@@ -247,6 +269,23 @@ void Converter::dropRest(const std::vector<Layer> &layers, const Chosen &chosen)
             report.drop(mapsOf(layer.type), 1, kUnused);
 }
 
+// A texture has one filter, whatever materials show it.
+void Converter::setFilter(const std::string &filter, const std::string &texture, bool clamped) {
+    if (!options.setup) {
+        report.drop("texture filters", 1, "scene files have none: an application calls setFilter");
+        return;
+    }
+    const bool mipmapped = filter == "mipmapped";
+    const SetupCall entry = filterCall(texture, mipmapped || filter == "linear", mipmapped, clamped);
+    for (const SetupCall &known : report.setup) {
+        if (known.name != entry.name || known.kind != entry.kind) continue;
+        if (known.call != entry.call)
+            report.warn("materials want two filters of the texture " + texture + "; the first one counts");
+        return;
+    }
+    report.setup.push_back(entry);
+}
+
 void Converter::add(const aiMaterial &material) {
     const std::string ownName = material.GetName().C_Str();
     formats::Material result;
@@ -270,7 +309,12 @@ void Converter::add(const aiMaterial &material) {
     use.metalMaps = firstOf(layers, {aiTextureType_METALNESS, aiTextureType_DIFFUSE_ROUGHNESS}) != nullptr;
     setColours(material, use, result, report);
     const auto own = properties.find(ownName);
-    if (own != properties.end()) own->second.applyTo(result);
+    if (own != properties.end()) {
+        own->second.applyTo(result);
+        const Layer *shown = chosen.base ? chosen.base : chosen.opacity;
+        if (!own->second.filter.empty() && shown)
+            setFilter(own->second.filter, result.texture, !repeats(material, *shown));
+    }
 
     int blend = aiBlendMode_Default;
     if (material.Get(AI_MATKEY_BLEND_FUNC, blend) == aiReturn_SUCCESS && blend == aiBlendMode_Additive)
@@ -280,10 +324,32 @@ void Converter::add(const aiMaterial &material) {
     int twoSided = 0;
     material.Get(AI_MATKEY_TWOSIDED, twoSided);
     made.twoSided.push_back(twoSided != 0 && result.transparency == 1.0f);
+    made.uvPlace.emplace_back();
+    // A picture with normals has a partner, and a filter is that of the whole texture.
+    joinable.push_back(mapped && !chosen.normals && (own == properties.end() || own->second.filter.empty()));
     made.materials.push_back(std::move(result));
 }
 
-Materials Converter::finish() {
+// Of all textures whose pictures nothing repeats.
+void Converter::joinTextures(const aiScene &scene) {
+    std::set<std::string> wanted, repeated;
+    for (std::size_t m = 0; m < made.materials.size(); ++m) {
+        const bool single =
+            joinable[m] && !repeatsPicture(scene, static_cast<unsigned>(m), made.uvChannel[m]);
+        (single ? wanted : repeated).insert(made.materials[m].texture);
+    }
+    for (const std::string &file : repeated) wanted.erase(file);
+    const std::map<std::string, Textures::Joined> joined = textures.join(wanted, options.budget.textures);
+    for (std::size_t m = 0; m < made.materials.size(); ++m) {
+        const auto found = joined.find(made.materials[m].texture);
+        if (found == joined.end()) continue;
+        made.materials[m].texture = found->second.file;
+        made.uvPlace[m] = found->second.place;
+    }
+}
+
+Materials Converter::finish(const aiScene &scene) {
+    if (options.fit) joinTextures(scene);
     if (options.fit && options.budget.textures > 0) textures.shrinkTo(options.budget.textures);
     made.textures = textures.take();
     const bool normals = std::any_of(made.textures.begin(), made.textures.end(), [](const OutputFile &f) {
@@ -316,7 +382,7 @@ Materials convertMaterials(const aiScene &scene, const Options &options, Report 
         converter.add(*scene.mMaterials[i]);
         if (progress) progress("textures", static_cast<double>(i + 1) / scene.mNumMaterials);
     }
-    Materials made = converter.finish();
+    Materials made = converter.finish(scene);
     report.materials = static_cast<unsigned>(made.materials.size());
     return made;
 }

@@ -4,6 +4,7 @@
 
 #include "tools/convert/options.h"
 #include "tools/convert/report.h"
+#include "tools/convert/uv_place.h"
 #include "tools/formats/kte_writer.h"
 
 #include <vector>
@@ -15,6 +16,7 @@ namespace keltra::convert {
 struct Materials {
     std::vector<formats::Material> materials;  // in the model's order
     std::vector<unsigned> uvChannel;           // of each material's base texture
+    std::vector<UvPlace> uvPlace;              // of its picture in its texture
     std::vector<bool> twoSided;                // opaque ones: the engine draws both sides of all others
     std::vector<OutputFile> textures;
 };

@@ -29,14 +29,16 @@ struct Options {
     double fps = 25.0;                      // frames per second at which animations are sampled
     unsigned maxTexture = kMaxTextureSize;  // pixels, a power of two
     bool normalMaps = false;
+    bool setup = false;  // what scene files have no place for is not dropped: the application gets it as code
     BackSides backSides = BackSides::kOpen;
     double simplify = 0.0;  // share of the triangles to keep, below 1, or how many; 0 for all
     Budget budget;
-    bool fit = false;     // reduces triangles and pictures to the budget
-    bool strict = false;  // nothing is written when anything was dropped, changed, missing or warned of
-    double scale = 0.0;   // of lengths in metres; 0 for 1, or a power of ten that brings the model into 16.16
-    unsigned frame = 0;   // of a model that moves by key frames of all vertices
-    char up = 0;          // the model's axis that points upward: 'X', 'Y', 'Z'; 0 for what its format says
+    bool fit = false;          // reduces triangles, pictures and clips to the budget
+    double clipError = 0.005;  // how far `fit` may move a point of a clip, as a share of the model's size
+    bool strict = false;       // nothing is written when anything was dropped, changed, missing or warned of
+    double scale = 0.0;  // of lengths in metres; 0 for 1, or a power of ten that brings the model into 16.16
+    unsigned frame = 0;  // of a model that moves by key frames of all vertices
+    char up = 0;         // the model's axis that points upward: 'X', 'Y', 'Z'; 0 for what its format says
 };
 
 // A model that cannot be converted, and why: one line, without the file's name.

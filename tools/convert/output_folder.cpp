@@ -154,4 +154,10 @@ void commitFiles(const std::string &folder, const std::vector<OutputFile> &files
     commit.rename();
 }
 
+void writeTextFile(const std::string &path, const std::string &text) {
+    const fs::path file(path);
+    const std::string in = file.parent_path().empty() ? "." : file.parent_path().string();
+    commitFiles(in, {{file.filename().string(), {text.begin(), text.end()}}});
+}
+
 }  // namespace keltra::convert

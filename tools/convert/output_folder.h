@@ -47,6 +47,8 @@ class HeldSignals {
 // Writes all files or none: first under temporary names, then all are renamed in order. Existing files are
 // replaced. Signals that ask the process to stop are blocked meanwhile. Throws Refusal.
 void commitFiles(const std::string &folder, const std::vector<OutputFile> &files);
+// The same with one file of text, whose folder exists.
+void writeTextFile(const std::string &path, const std::string &text);
 
 }  // namespace keltra::convert
 

@@ -20,7 +20,8 @@ using Json = nlohmann::json;
 
 constexpr char kPrefix[] = "keltra_";
 constexpr char kGltf[] = "glTF2 Importer";
-constexpr double kLargestRadius = 32767.0, kGreatestShininess = 128.0;
+constexpr char kReach[] = "PBR_LightRange";  // what the importer of glTF calls it
+constexpr double kLargestRadius = 32767.0, kGreatestShininess = 128.0, kLargestId = 4294967295.0;
 
 // The name behind the prefix; empty for a property that is not meant for the converter.
 std::string ownName(const std::string &key) {
@@ -86,6 +87,11 @@ MaterialProperties readMaterial(const std::string &owner, const Json &extras, Re
         } else if (name == "shininess") {
             result.shininess = numberOf(value, kGreatestShininess);
             if (!result.shininess) refuse(report, key, owner, "is not a number from 0 to 128");
+        } else if (name == "filter") {
+            if (value == "nearest" || value == "linear" || value == "mipmapped")
+                result.filter = value.get<std::string>();
+            else
+                refuse(report, key, owner, "is none of nearest, linear and mipmapped");
         } else {
             refuse(report, key, owner, "is not a property of materials");
         }
@@ -99,30 +105,43 @@ bool isGltf(const aiScene &scene) {
            std::strcmp(format.C_Str(), kGltf) == 0;
 }
 
+// Why the value is not taken; empty when it is.
+std::string setProperty(NodeProperties &result, const std::string &name, std::optional<double> value,
+                        bool hasMesh) {
+    const bool isNumber = value && isWithin(*value, kLargestRadius);
+    if (name == "aux_id") {
+        if (!value || !isWithin(*value, kLargestId) || *value != std::floor(*value))
+            return "is not a whole number from 0 to 4294967295";
+        result.auxId = static_cast<std::uint32_t>(*value);
+    } else if (name == "helper") {
+        if (!isNumber) return "is neither true nor a number from 0 to 32767";
+        if (*value > 0.0) result.helper = *value;
+    } else if (!hasMesh) {
+        return "has no mesh to act on";
+    } else if (name == "hidden") {
+        if (!value) return "is neither true nor false";
+        result.hidden = *value != 0.0;
+    } else if (name == "radius") {
+        if (!isNumber) return "is not a number from 0 to 32767";
+        result.radius = static_cast<float>(*value);
+    } else {
+        return "is not a property of nodes";
+    }
+    return "";
+}
+
 }  // namespace
 
 NodeProperties nodeProperties(const aiNode &node, Report &report) {
     NodeProperties result;
     const aiMetadata *metadata = node.mMetaData;
     for (unsigned i = 0; metadata && i < metadata->mNumProperties; ++i) {
-        const std::string key = metadata->mKeys[i].C_Str(), name = ownName(key), owner = node.mName.C_Str();
-        if (name.empty()) continue;
+        const std::string key = metadata->mKeys[i].C_Str(), name = ownName(key);
         const std::optional<double> value = numberOf(metadata->mValues[i]);
-        if (node.mNumMeshes == 0) {
-            refuse(report, key, owner, "has no mesh to act on");
-        } else if (name == "hidden") {
-            if (value)
-                result.hidden = *value != 0.0;
-            else
-                refuse(report, key, owner, "is neither true nor false");
-        } else if (name == "radius") {
-            if (value && isWithin(*value, kLargestRadius))
-                result.radius = static_cast<float>(*value);
-            else
-                refuse(report, key, owner, "is not a number from 0 to 32767");
-        } else {
-            refuse(report, key, owner, "is not a property of nodes");
-        }
+        if (key == kReach && value && *value > 0.0 && isWithin(*value, kLargestRadius)) result.reach = value;
+        if (name.empty()) continue;
+        const std::string fault = setProperty(result, name, value, node.mNumMeshes > 0);
+        if (!fault.empty()) refuse(report, key, node.mName.C_Str(), fault);
     }
     return result;
 }

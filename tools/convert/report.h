@@ -42,6 +42,13 @@ struct Over {
     std::uint64_t used = 0, limit = 0;
 };
 
+// A call that an application makes once the scene is loaded, for what scene files have no place for.
+struct SetupCall {
+    std::string kind;  // "node", "light", "helper" or "texture"
+    std::string name;  // of the node, or the texture's file
+    std::string call;  // "setAuxId(7u)"; of a helper, what is set of the one that stands at the node
+};
+
 // What the last line of a run counts.
 struct Tally {
     std::uint64_t dropped = 0, changed = 0, missing = 0, warnings = 0;
@@ -66,7 +73,8 @@ struct Report {
     std::vector<std::string> warnings;  // results that the user should check
     std::vector<std::string> notes;     // changes that the user may not expect
     std::vector<std::string> source;    // what the file says of itself: its unit, its axes, named frames
-    std::vector<std::string> inputs;    // paths of all files that were read
+    std::vector<SetupCall> setup;
+    std::vector<std::string> inputs;  // paths of all files that were read
 
     void drop(const std::string &what, std::uint64_t count, const std::string &why) {
         add(dropped, what, count, why);

@@ -26,6 +26,11 @@ constexpr auto fieldsOf(const Dropped &) {
                            std::pair("why", &Dropped::why));
 }
 
+constexpr auto fieldsOf(const SetupCall &) {
+    return std::make_tuple(std::pair("kind", &SetupCall::kind), std::pair("name", &SetupCall::name),
+                           std::pair("call", &SetupCall::call));
+}
+
 constexpr auto fieldsOf(const Over &) {
     return std::make_tuple(std::pair("what", &Over::what), std::pair("used", &Over::used),
                            std::pair("limit", &Over::limit));
@@ -80,6 +85,7 @@ static void to_json(Json &json, const Report &report) {
     json["warnings"] = report.warnings;
     json["notes"] = report.notes;
     json["source"] = report.source;
+    json["setup"] = report.setup;
     json["inputs"] = report.inputs;
     json["total"] = report.tally();
 }
@@ -98,6 +104,7 @@ static void from_json(const Json &json, Report &report) {
     json.at("warnings").get_to(report.warnings);
     json.at("notes").get_to(report.notes);
     json.at("source").get_to(report.source);
+    json.at("setup").get_to(report.setup);
     json.at("inputs").get_to(report.inputs);
 }
 

@@ -107,6 +107,15 @@ std::vector<std::string> countedLines(const std::vector<Dropped> &entries) {
     return lines;
 }
 
+std::vector<std::string> setupLines(const std::vector<SetupCall> &calls) {
+    std::vector<std::string> lines;
+    for (const SetupCall &entry : calls) {
+        const std::string made = entry.kind == "helper" ? "(helper) " : "";
+        lines.push_back(made + printable(entry.name) + ": " + entry.call);
+    }
+    return lines;
+}
+
 std::vector<std::string> printableAll(std::vector<std::string> lines) {
     for (std::string &line : lines) line = printable(line);
     return lines;
@@ -136,6 +145,7 @@ std::string textOf(const std::string &model, const std::string &folder, const Ou
     if (!report.textures.empty())
         put(text, "memory",
             {formatted("%.2f of 8 MiB of textures", static_cast<double>(report.textureMemory) / kMebibyte)});
+    put(text, "setup", setupLines(report.setup));
     put(text, "dropped", countedLines(report.dropped));
     put(text, "changed", countedLines(report.changed));
     put(text, "warnings", printableAll(report.warnings));

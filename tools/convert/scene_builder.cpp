@@ -3,6 +3,7 @@
 
 #include "formats/limits.h"
 #include "tools/convert/geometry.h"
+#include "tools/convert/node_setup.h"
 #include "tools/convert/properties.h"
 #include "tools/convert/simplify.h"
 #include "tools/convert/two_sided.h"
@@ -74,6 +75,7 @@ class Builder {
           options(options),
           report(report),
           progress(progress),
+          setup(options, report),
           atJoint(rig.joints.size()),
           inPlace(rig.joints.size()),
           isParent(rig.joints.size()) {
@@ -106,6 +108,7 @@ class Builder {
     void count(const formats::MeshData &mesh);
     const std::string &materialOf(unsigned mesh) const;
     unsigned uvChannelOf(unsigned mesh) const;
+    UvPlace uvPlaceOf(unsigned mesh) const;
     void reportRejects();
 
     const aiScene &scene;
@@ -118,6 +121,7 @@ class Builder {
     double share = 1.0;  // of the triangles to keep
     Rejects rejects;
     MeshPasses passes;
+    NodeSetup setup;
     std::vector<std::vector<formats::Node>> atJoint;    // meshes and lights of each
     std::vector<std::optional<formats::Node>> inPlace;  // the light that a joint is, instead of holding it
     std::vector<NodeProperties> properties;             // of the model's nodes
@@ -134,6 +138,11 @@ const std::string &Builder::materialOf(unsigned mesh) const {
 unsigned Builder::uvChannelOf(unsigned mesh) const {
     const unsigned index = scene.mMeshes[mesh]->mMaterialIndex;
     return index < materials.uvChannel.size() ? materials.uvChannel[index] : 0;
+}
+
+UvPlace Builder::uvPlaceOf(unsigned mesh) const {
+    const unsigned index = scene.mMeshes[mesh]->mMaterialIndex;
+    return index < materials.uvPlace.size() ? materials.uvPlace[index] : UvPlace();
 }
 
 void Builder::count(const formats::MeshData &mesh) {
@@ -212,9 +221,15 @@ void Builder::reportPasses() {
 void Builder::addRigidMeshes() {
     for (const RigidMesh &rigid : rig.rigidMeshes) {
         MeshBuilder builder = newMesh();
-        builder.add(*scene.mMeshes[rigid.mesh], rigid.bake, nullptr, uvChannelOf(rigid.mesh), rejects);
+        builder.add(*scene.mMeshes[rigid.mesh], rigid.bake, nullptr, uvChannelOf(rigid.mesh), rejects,
+                    uvPlaceOf(rigid.mesh));
         const bool alone = rig.sources[rig.joints[rigid.joint].source].node->mNumMeshes == 1;
+        const bool isHelper = properties[rig.joints[rigid.joint].source].helper.has_value();
         for (formats::MeshData &mesh : finish(builder, rigid.mesh, alone)) {
+            if (isHelper) {
+                setup.addHelperMesh(rigid.joint, mesh);
+                continue;
+            }
             count(mesh);
             properties[rig.joints[rigid.joint].source].applyTo(mesh);
             atJoint[rigid.joint].push_back(meshNode("", std::move(mesh), materialOf(rigid.mesh)));
@@ -234,7 +249,8 @@ void Builder::addSkins() {
         for (std::size_t other = s; other < (joined ? rig.skins.size() : s + 1); ++other) {
             const Skin &skin = rig.skins[other];
             if (done[other] || materialOf(skin.mesh) != materialOf(first.mesh)) continue;
-            builder.add(*scene.mMeshes[skin.mesh], skin.bake, &skin, uvChannelOf(skin.mesh), rejects);
+            builder.add(*scene.mMeshes[skin.mesh], skin.bake, &skin, uvChannelOf(skin.mesh), rejects,
+                        uvPlaceOf(skin.mesh));
             done[other] = true;
         }
         const bool alone = !joined && rig.sources[first.source].node->mNumMeshes == 1;
@@ -243,6 +259,7 @@ void Builder::addSkins() {
             properties[first.source].applyTo(mesh);
             skins.push_back(
                 meshNode(rig.names.take(first.name, "skin"), std::move(mesh), materialOf(first.mesh)));
+            setup.applySkin(properties[first.source], skins.back().name);
         }
     }
     report.skins = static_cast<unsigned>(skins.size());
@@ -268,21 +285,26 @@ void Builder::addLight(const aiLight &light) {
     const std::string name = light.mName.C_Str();
     const int source = rig.findSource(name);
     const int joint = source == kNone ? kNone : rig.sources[source].joint;
+    const NodeProperties *own = source == kNone ? nullptr : &properties[source];
     if (joint == kNone) {
         const Matrix place = source == kNone ? Matrix() : rig.sources[source].bind;
         atRoot.push_back(lightNode(rig.names.take(name, "light"), light, place));
+        setup.applyLight(light, own, atRoot.back().name);
         return;
     }
     const Matrix bake = inverse(rig.joints[joint].frame) * rig.sources[source].bind;
     const Matrix local = localOf(joint);
     const int above = rig.joints[joint].parent;
-    if (inPlace[joint])
-        (above == kNone ? atRoot : atJoint[above])
-            .push_back(lightNode(rig.names.take(name, "light"), light, local * bake));
-    else if (rig.joints[joint].source == source && canBeLight(static_cast<unsigned>(joint), local, light))
+    std::vector<formats::Node> &beside =
+        inPlace[joint] ? (above == kNone ? atRoot : atJoint[above]) : atJoint[joint];
+    if (!inPlace[joint] && rig.joints[joint].source == source &&
+        canBeLight(static_cast<unsigned>(joint), local, light)) {
         inPlace[joint] = lightNode(rig.joints[joint].name, light, local * bake);
-    else
-        atJoint[joint].push_back(lightNode(rig.names.take(name, "light"), light, bake));
+        setup.applyLight(light, own, rig.joints[joint].name);
+        return;
+    }
+    beside.push_back(lightNode(rig.names.take(name, "light"), light, inPlace[joint] ? local * bake : bake));
+    setup.applyLight(light, own, beside.back().name);
 }
 
 void Builder::addLights() {
@@ -343,6 +365,7 @@ void Builder::assemble(formats::Node &root) {
             node.mesh.rotation = rotation;
             taken = 1;
         }
+        if (joint.source != kNone) setup.apply(static_cast<unsigned>(j), properties[joint.source], node);
         for (std::size_t i = taken; i < attached.size(); ++i) {
             if (attached[i].name.empty()) attached[i].name = rig.names.take(joint.name, "mesh");
             node.children.push_back(std::move(attached[i]));
@@ -380,6 +403,7 @@ void Builder::build(formats::Node &root) {
     addSkins();
     addLights();
     assemble(root);
+    setup.finish();
     reportRejects();
     reportPasses();
     if (report.meshes + report.lights > kMaxElements)

@@ -2,6 +2,7 @@
 #include "tools/convert/textures.h"
 
 #include "formats/limits.h"
+#include "tools/convert/atlas.h"
 
 #include <algorithm>
 #include <cctype>
@@ -15,6 +16,7 @@ using formats::Rgba;
 
 constexpr std::size_t kLongestTextureName = 160;  // leaves room for a path before it
 constexpr std::size_t kSmallestShrunk = 64;       // pixels
+constexpr unsigned kLargestJoined = 128;          // pixels of a side
 constexpr char kNoFileName[] = "it is no name of a file, and the material has its colour only";
 constexpr char kBaseEnding[] = "_d.tga";
 
@@ -259,6 +261,40 @@ void Textures::shrinkTo(std::uint64_t bytes) {
     }
     for (const std::size_t i : shrunk) files[i].bytes = targa(images[i], report.textures[i].bits == 32);
     report.change("pictures", shrunk.size(), "they were halved to fit the budget");
+}
+
+void Textures::remove(std::size_t index) {
+    const auto at = static_cast<std::ptrdiff_t>(index);
+    report.textureMemory -= std::uint64_t{images[index].pixels.size()} * 4;
+    report.textures.erase(report.textures.begin() + at);
+    files.erase(files.begin() + at);
+    images.erase(images.begin() + at);
+}
+
+std::map<std::string, Textures::Joined> Textures::join(const std::set<std::string> &wanted,
+                                                       std::uint64_t most) {
+    std::vector<std::size_t> small;
+    for (std::size_t i = 0; i < images.size(); ++i)
+        if (wanted.count(files[i].name) && !report.textures[i].missing &&
+            std::max(images[i].width, images[i].height) <= kLargestJoined)
+            small.push_back(i);
+    std::vector<const Image *> pictures;
+    std::uint64_t before = 0;
+    for (const std::size_t i : small) pictures.push_back(&images[i]);
+    const Atlas atlas = packAtlas(pictures, largest);
+    small.resize(atlas.places.size());
+    for (const std::size_t i : small) before += images[i].pixels.size();
+    const std::uint64_t after = atlas.image.pixels.size();
+    if (small.size() < 2 || after > 2 * before) return {};
+    if (most > 0 && report.textureMemory + 4 * after > most + 4 * before) return {};
+    const std::string file = names.take(name + "_atlas", name + "_texture", kBaseEnding);
+    std::map<std::string, Joined> joined;
+    for (std::size_t i = 0; i < small.size(); ++i) joined[files[small[i]].name] = {file, atlas.places[i]};
+    for (std::size_t i = small.size(); i-- > 0;) remove(small[i]);
+    add(file, std::to_string(small.size()) + " pictures", atlas.image, false,
+        targa(atlas.image, hasAlpha(atlas.image)));
+    report.change("pictures", small.size(), "they are small, and share the texture " + file);
+    return joined;
 }
 
 std::vector<OutputFile> Textures::take() { return std::move(files); }

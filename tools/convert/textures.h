@@ -8,6 +8,7 @@
 #include "tools/convert/options.h"
 #include "tools/convert/picture_source.h"
 #include "tools/convert/report.h"
+#include "tools/convert/uv_place.h"
 
 #include <map>
 #include <set>
@@ -51,6 +52,14 @@ class Textures {
 
     // Uses a checkerboard, with a warning, if the base cannot be read. Makes no file for opaque white.
     TextureMade make(const TextureRequest &request);
+    // Where a texture went: the file, and its place in it.
+    struct Joined {
+        std::string file;
+        UvPlace place;
+    };
+    // Puts small pictures of these files into one, by their files' names; those that do not fit stay. Empty
+    // when fewer than two are small, when they would take twice the memory, or more than the budget.
+    std::map<std::string, Joined> join(const std::set<std::string> &wanted, std::uint64_t most);
     // Halves the largest pictures until all take at most so many bytes of the engine's memory.
     void shrinkTo(std::uint64_t bytes);
     // All files. May be called once.
@@ -72,6 +81,7 @@ class Textures {
     void add(const std::string &name, const std::string &source, const formats::Image &image, bool missing,
              std::vector<std::uint8_t> bytes);
     TextureMade write(const TextureRequest &request, const Pictures &pictures);
+    void remove(std::size_t index);
 
     const std::string name;
     unsigned largest;  // side, a power of two

@@ -24,7 +24,13 @@ class PropertiesTest : public ConvertTest {
         const auto file = formats::readKte(made.conversion.files.back().bytes);
         ASSERT_TRUE(file);
         scene = file->scene;
-        warnings = made.report().warnings;
+        report = made.report();
+        warnings = report.warnings;
+    }
+    std::uint64_t dropped(const std::string &what) const {
+        for (const convert::Dropped &entry : report.dropped)
+            if (entry.what == what) return entry.count;
+        return 0;
     }
     /// One box of a material with these extras.
     Material materialWith(const json &extras, const std::string &fileName = "model.gltf") {
@@ -53,6 +59,7 @@ class PropertiesTest : public ConvertTest {
 
     GltfBuilder model;
     formats::Scene scene;
+    convert::Report report;
     std::vector<std::string> warnings;
 };
 
@@ -126,6 +133,37 @@ TEST_F(PropertiesTest, ValuesOutOfRangeAreLeftOutWithAWarning) {
     EXPECT_TRUE(warned("keltra_shininess of stone is not a number from 0 to 128"));
     EXPECT_EQ(materialWith({{"keltra_transparency", -0.1}}).transparency, plain.transparency);
     EXPECT_TRUE(warned("keltra_transparency of stone is not a number from 0 to 1"));
+}
+
+TEST_F(PropertiesTest, NumbersOfPlainNodesAreInTheFile) {
+    model = GltfBuilder();
+    model.node({{"name", "door"}, {"mesh", model.mesh(boxMesh())}, {"extras", {{"keltra_aux_id", 7}}}});
+    model.node({{"name", "place"}, {"extras", {{"keltra_aux_id", 4000000000.0}}}});
+    convertIt();
+    EXPECT_EQ(scene.root.children.at(0).auxId, 0u);
+    EXPECT_EQ(scene.root.children.at(1).auxId, 4000000000u);
+    EXPECT_EQ(dropped("auxiliary ids"), 1u);
+    for (const json &bad : {json(-1), json(1.5), json("seven")}) {
+        nodeWith({{"keltra_aux_id", bad}});
+        EXPECT_TRUE(warned("keltra_aux_id of box is not a whole number")) << bad;
+    }
+}
+
+TEST_F(PropertiesTest, HelpersArePlainNodes) {
+    model = GltfBuilder();
+    model.node({{"name", "zone"}, {"mesh", model.mesh(boxMesh())}, {"extras", {{"keltra_helper", true}}}});
+    model.node({{"name", "wall"}, {"mesh", model.mesh(boxMesh())}});
+    convertIt();
+    EXPECT_EQ(scene.root.children.at(0).name, "zone");
+    EXPECT_EQ(scene.root.children.at(0).kind, formats::NodeKind::kPlain);
+    EXPECT_EQ(scene.root.children.at(1).kind, formats::NodeKind::kMesh);
+    EXPECT_EQ(dropped("helpers"), 1u);
+    EXPECT_TRUE(warnings.empty());
+}
+
+TEST_F(PropertiesTest, AFilterIsOneOfThree) {
+    materialWith({{"keltra_filter", "blurred"}});
+    EXPECT_TRUE(warned("keltra_filter of stone is none of nearest, linear and mipmapped"));
 }
 
 TEST_F(PropertiesTest, MistypedNamesAreSaid) {
