@@ -25,6 +25,7 @@ def show_report(text):
     found = bpy.data.texts.get(REPORT) or bpy.data.texts.new(REPORT)
     found.clear()
     found.write(text)
+    found.cursor_set(0)
 
 
 def stem_of(path):
@@ -47,8 +48,11 @@ def write(context, options, folder, stem):
         model = os.path.join(scratch, stem + ".glb")
         still = gltf.write(model, options, clips.of_scene(scene, objects, options.clips), rate)
         arguments = [model, "-o", folder, "--name", stem, "--fps", f"{rate:.9g}", "--max-texture", options.max_texture]
-        report = programs.convert(arguments + (["--fit"] if options.fit else []))
-    report = report.replace(scratch + os.sep, "")
+        if options.fit:
+            arguments.append("--fit")
+        if options.setup_code:
+            arguments += ["--setup", os.path.join(folder, stem + "_setup.h")]
+        report = programs.convert(arguments, scratch + os.sep)
     return report + "".join(f"\nnothing moves in the clip {name}: it is left out\n" for name in still)
 
 

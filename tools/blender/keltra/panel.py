@@ -113,15 +113,16 @@ class KELTRA_PT_budget(Part, bpy.types.Panel):
         if not Figures.costs:
             Figures.want()
             return
-        labels = {"triangles": "Triangles", "vertices": "Vertices, about", "bones": "Bones a mesh",
+        labels = {"triangles": "Triangles", "vertices": "Vertices", "bones": "Bones a mesh",
                   "textures": "Textures, KiB"}
         over = checks.over_budget(Figures.costs, limits) if limits else ()
         for name, label in labels.items():
             row = layout.split(factor=0.47)
             row.alert = name in over
             most = f" of {amount(name, limits['budget'][name])}" if limits else ""
+            about = "~" if name == "vertices" else ""
             row.label(text=label)
-            row.label(text=amount(name, Figures.costs[name]) + most)
+            row.label(text=about + amount(name, Figures.costs[name]) + most)
 
 
 class KELTRA_PT_checks(Part, bpy.types.Panel):

@@ -32,13 +32,13 @@ def require(name):
     return path
 
 
-def convert(arguments):
-    """The report of keltra-convert."""
+def convert(arguments, folder):
+    """The report of keltra-convert, without the name of the scratch folder."""
     run = subprocess.run([require("keltra-convert"), *arguments], capture_output=True, text=True,
                          encoding="utf-8", errors="replace", stdin=subprocess.DEVNULL)
     if run.returncode != 0:
-        raise Failure(run.stderr.strip() or f"keltra-convert ended with {run.returncode}")
-    return run.stdout
+        raise Failure(run.stderr.strip().replace(folder, "") or f"keltra-convert ended with {run.returncode}")
+    return run.stdout.replace(folder, "")
 
 
 @functools.lru_cache(maxsize=None)

@@ -15,7 +15,13 @@ class KeltraObject(bpy.types.PropertyGroup):
         name="Helper", description="Marks a place or a volume for the application; its shape is not drawn")
 
     def extras(self):
-        return {PREFIX + key: getattr(self, key) for key in ("aux_id", "hidden", "helper") if getattr(self, key)}
+        obj = self.id_data
+        extras = {PREFIX + "aux_id": self.aux_id} if self.aux_id else {}
+        if self.hidden and obj.type == "MESH":
+            extras[PREFIX + "hidden"] = True
+        if self.helper:  # a number is half the width of its box
+            extras[PREFIX + "helper"] = obj.empty_display_size if obj.type == "EMPTY" else True
+        return extras
 
 
 class KeltraMaterial(bpy.types.PropertyGroup):
@@ -59,7 +65,11 @@ class ExportOptions:
         items=tuple((str(size), f"{size} pixels", "") for size in (64, 128, 256, 512)))
     fit: bpy.props.BoolProperty(name="Fit the Budget", description="Reduce triangles and pictures to the budget")
 
-    names = ("selection", "clips", "deform_only", "max_texture", "fit")
+    setup_code: bpy.props.BoolProperty(
+        name="Setup Code", default=True,
+        description="Also write a C++ header with ids, helpers, reaches and filters, which scene files cannot hold")
+
+    names = ("selection", "clips", "deform_only", "max_texture", "fit", "setup_code")
 
     def copy_to(self, other):
         for name in ExportOptions.names:
