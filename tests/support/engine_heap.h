@@ -32,7 +32,7 @@ class EngineHeap final : public AllocationWatch {
         Entry &entry = entryOf(block, false);
         if (entry.block != block) return;
         held -= entry.size;
-        entry = {&released_, 0};
+        entry = {&freed, 0};
     }
 
     /// Those of textures, which are not counted among the memory beside them.
@@ -62,12 +62,12 @@ class EngineHeap final : public AllocationWatch {
     // The block's entry, or the one that it gets.
     Entry &entryOf(const void *block, bool isNew) {
         std::size_t i = reinterpret_cast<std::uintptr_t>(block) / 8 * 0x9E3779B1u % kEntries;
-        while (entries[i].block && entries[i].block != block && !(isNew && entries[i].block == &released_))
+        while (entries[i].block && entries[i].block != block && !(isNew && entries[i].block == &freed))
             i = (i + 1) % kEntries;
         return entries[i];
     }
 
-    char released_ = 0;
+    char freed = 0;
     std::array<Entry, kEntries> entries = {};
 };
 

@@ -276,9 +276,9 @@ TEST_F(PictureSourceTest, RefusesDamagedPicturesThatTheModelCarries) {
     aiTexture &huge = scene.addTexture("");
     huge.mWidth = huge.mHeight = 4000000000u;
     huge.pcData = new aiTexel[1];
-    aiTexture &long_ = scene.addTexture("");
-    long_.mWidth = (256u << 20) + 1;
-    long_.pcData = new aiTexel[1];
+    aiTexture &wide = scene.addTexture("");
+    wide.mWidth = (256u << 20) + 1;
+    wide.pcData = new aiTexel[1];
     scene.embed({1, 2, 3, 4}, "png");
     aiTexture &hollow = scene.addTexture("");
     hollow.mWidth = hollow.mHeight = 2;

@@ -14,21 +14,21 @@ using Bytes = std::vector<std::uint8_t>;
 class Expected {
    public:
     Expected &text(const char *value) {
-        bytes_.insert(bytes_.end(), value, value + std::strlen(value) + 1);
+        written.insert(written.end(), value, value + std::strlen(value) + 1);
         return *this;
     }
     Expected &raw(std::initializer_list<int> values) {
-        for (int value : values) bytes_.push_back(static_cast<std::uint8_t>(value));
+        for (int value : values) written.push_back(static_cast<std::uint8_t>(value));
         return *this;
     }
     Expected &zeros(std::size_t count) {
-        bytes_.insert(bytes_.end(), count, 0);
+        written.insert(written.end(), count, 0);
         return *this;
     }
-    const Bytes &bytes() const { return bytes_; }
+    const Bytes &bytes() const { return written; }
 
    private:
-    Bytes bytes_;
+    Bytes written;
 };
 
 // 1.0, 2.0, -1.0 and 0.5 as little-endian floats.
