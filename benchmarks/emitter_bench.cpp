@@ -113,7 +113,7 @@ void twentyEmitters(benchmark::State &state) {
 }
 BENCHMARK(twentyEmitters);
 
-// The least cost of one motion and four corners: the same sums, without colours, lives and the pool.
+// The least cost of one motion and four corners: the same sums, without colours, lifetimes and the pool.
 void plainMotion(benchmark::State &state) {
     std::vector<KTPARTICLE> records(kMost);
     std::vector<R3XVECTOR4D> corners(4 * kMost);

@@ -12,7 +12,7 @@ std::uint32_t highProduct(std::uint32_t a, std::uint32_t b) {
 
 // For d in [1/2, 1), 2.9142 - 2 d is 1 / d with an error of 1/11 at most; each step of Newton's method, x (2
 // - d x), squares it: 2^-28 after three. The quotient in [1, 2) is then known with 25 bits and at most 1
-// wrong in the last; the remainder tells. The last bit rounds: no quotient of two floats is halfway between
+// wrong in the last; the remainder shows. The last bit rounds: no quotient of two floats is halfway between
 // two floats.
 float quotientByIntegers(std::uint32_t a, std::uint32_t b) {
     const std::uint32_t mantissaOfB = (b & 0x7fffff) | 0x800000;

@@ -19,7 +19,7 @@ std::uint32_t highProduct(std::uint32_t a, std::uint32_t b) {
 }  // namespace
 
 // With x in [1/4, 1) two steps of Newton's method, y (3 - x y y) / 2, lead from the table to x y, which is
-// the root with 25 bits and at most 1 wrong in the last; the remainder tells. The last bit rounds: no float
+// the root with 25 bits and at most 1 wrong in the last; the remainder shows. The last bit rounds: no float
 // has a root halfway between two floats.
 float squareRootByIntegers(std::uint32_t bits) {
     const std::uint32_t exponent = bits >> 23, odd = exponent & 1;

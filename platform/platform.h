@@ -40,7 +40,7 @@ enum class PathKind { kNothing, kFile, kOther };
 // What is at the path, without opening it: a folder, a device or a pipe is kOther.
 PathKind platformPathKind(const char *path);
 
-// Opens a regular file for reading, and tells its size. Null for anything else: opening a pipe may wait for
+// Opens a regular file for reading, and gives its size. Null for anything else: opening a pipe may wait for
 // ever, and a device may have no end; with errno ENOMEM when out of memory.
 std::FILE *platformOpenFile(const char *path, std::int64_t &size);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
 // Every widget, in code: boxes and labels, buttons of three kinds, a text field, both scroll bars, a window.
-// Each line says when a widget tells of itself: by the identifier that `KTINPUT::dispatch` returns, or by
+// Each line says when a widget reports itself: by the identifier that `KTINPUT::dispatch` returns, or by
 // being asked. Next: windows and text that scrolls (20_scrolling).
 
 #include <keltra/keltra.h>

@@ -46,7 +46,7 @@ void build(Show *show) {
     KTOPENGL::setBackgroundColor(0.07f, 0.08f, 0.15f, 1.0f);
 }
 
-// Particles are born again when they have died: a burst is taken away before that.
+// Particles start anew at their end: a burst is taken away before that.
 void update(Show *show, float seconds, bool tapped) {
     show->time += seconds;
     show->sinceBurst += seconds;

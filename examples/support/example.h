@@ -55,7 +55,7 @@ KTLIGHT *addLight(KTNODE *parent, float r, float g, float b, float reach);
 void destroyTree(KTNODE *root);
 
 // Ends the frame just drawn: saves the picture of the last one, swaps, asks the GL for errors. False once the
-// run is over; then `*ok` tells whether it was a good one, and a message what was not.
+// run is over; then `*ok` is whether it succeeded; a message says what failed.
 bool endFrame(const Options &options, int frame, bool *ok);
 
 // Saves the frame just drawn, before it is swapped, and prints where. False, with a message, when it cannot.

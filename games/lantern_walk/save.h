@@ -14,7 +14,7 @@ struct SavedGame {
     int next = 0;               // evening that comes; kEvenings after the last
     int stars[kEvenings] = {};  // 0 for an evening that is not won yet
     bool isLandscape = false;
-    bool hasWalk = false;  // left in the middle of an evening, which `walk` tells
+    bool hasWalk = false;  // left in the middle of an evening, which `walk` holds
     Snapshot walk;
 
     bool isBegun() const { return hasWalk || (next > 0 && next < kEvenings); }

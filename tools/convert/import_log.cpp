@@ -31,7 +31,7 @@ const char *const kHarmless[] = {
     "ScenePreprocessor",
     "UV index mismatch",
     "mesh is empty or invalid",
-    "aterial file",  // ModelFiles tells which is missing
+    "aterial file",  // ModelFiles says which is missing
 };
 
 bool isHarmless(const std::string &text) {

@@ -38,7 +38,7 @@ class ModelFiles : public Assimp::DefaultIOSystem {
     std::string outOfReach() const { return refused.empty() ? "" : refused.front(); }
 
    private:
-    // The file that is meant: names are compared without regard to case. Empty for none.
+    // The file of that name: names are compared without regard to case. Empty for none.
     std::string found(const std::string &file) const;
     bool mayRead(const std::string &file) const;
 

@@ -23,7 +23,7 @@ constexpr char kGltf[] = "glTF2 Importer";
 constexpr char kReach[] = "PBR_LightRange";  // what the importer of glTF calls it
 constexpr double kLargestRadius = 32767.0, kGreatestShininess = 128.0, kLargestId = 4294967295.0;
 
-// The name behind the prefix; empty for a property that is not meant for the converter.
+// The name behind the prefix; empty for a property that is not for the converter.
 std::string ownName(const std::string &key) {
     constexpr std::size_t length = sizeof kPrefix - 1;
     return key.compare(0, length, kPrefix) == 0 ? key.substr(length) : "";

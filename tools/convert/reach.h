@@ -2,7 +2,7 @@
 #ifndef KELTRA_CONVERT_REACH_H
 #define KELTRA_CONVERT_REACH_H
 
-// Which files a model may have read for it. A model comes from a stranger: a path in it must not bring any
+// Which files a model may have read for it. Models come from anywhere: a path in one must not bring any
 // other file of the user into the output.
 
 #include <string>

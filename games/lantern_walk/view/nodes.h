@@ -19,7 +19,7 @@ Node *find(KTNODE *root, const std::string &name, KT_NODE_TYPE type) {
 
 inline KTMESH *findMesh(KTNODE *root, const std::string &name) { return find<KTMESH>(root, name, KT_MESH); }
 
-/// What a tap hits, by the code that picking tells: beyond the numbers of nodes.
+/// What a tap hits, by the code that picking returns: beyond the numbers of nodes.
 constexpr unsigned kLanternCode = 2001, kMothCode = 2101, kWellCode = 2201;
 
 }  // namespace lantern_walk
