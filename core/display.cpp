@@ -50,18 +50,20 @@ EGLint chooseConfig(EGLDisplay display, int depthBits, EGLConfig *config) {
 }
 
 [[gnu::noinline]] bool failMode(keltra::FaultScope &scope, const KTSETTINGS::RECORD &record) {
-    KTFAULT fault = keltra::newFault(KT_FAULT_DISPLAY);
-    if (keltra::kFaultTexts)
-        std::snprintf(fault.found, sizeof fault.found, "no mode of %d x %d pixels and %d bits",
-                      record.windowX, record.windowY, record.colorDepth);
+    KTFAULT &fault = keltra::newFault(KT_FAULT_DISPLAY);
+    keltra::writeFaultText(fault.found, KT_TEXT("no mode of %d x %d pixels and %d bits"), record.windowX,
+                           record.windowY, record.colorDepth);
     return scope.fail(fault);
 }
 
 // Names the step of start-up that failed; the reason may be empty.
-[[gnu::noinline]] bool failStep(const char *step, const char *reason) {
-    return keltra::failWith("KTSETTINGS::init", KT_FAULT_START, step, reason, "");
+[[gnu::noinline]] bool failStep(keltra::FaultText step, const char *reason) {
+    KTFAULT &fault = keltra::newFault(KT_FAULT_START);
+    keltra::writeFaultText(fault.field, step);
+    keltra::setFaultText(fault.found, reason);
+    return keltra::tellFault(KT_CALL("KTSETTINGS::init"), fault);
 }
-[[gnu::noinline]] bool failEGL(const char *step) {
+[[gnu::noinline]] bool failEGL(keltra::FaultText step) {
     char reason[32];
     std::snprintf(reason, sizeof reason, "EGL error 0x%x", static_cast<unsigned int>(eglGetError()));
     return failStep(step, reason);
@@ -78,9 +80,9 @@ int glInteger(GLenum name) {
 bool KTSETTINGS::isOk() { return modeAvailable(record); }
 
 bool KTSETTINGS::init(KTSETTINGS *settings) {
-    if (!settings) return keltra::failNull("KTSETTINGS::init", "settings");
-    if (active) return keltra::failState("KTSETTINGS::init", keltra::kActive);
-    keltra::FaultScope scope("KTSETTINGS::init");
+    if (!settings) return keltra::failNull(KT_CALL("KTSETTINGS::init"), KT_TEXT("settings"));
+    if (active) return keltra::failState(KT_CALL("KTSETTINGS::init"), keltra::kActive);
+    keltra::FaultScope scope(KT_CALL("KTSETTINGS::init"));
     const RECORD &record = settings->record;
     if (!modeAvailable(record)) return failMode(scope, record);
     keltra::setPaths(record);
@@ -107,7 +109,7 @@ bool KTSETTINGS::init(KTSETTINGS *settings) {
 bool KTSETTINGS::openWindow(const RECORD &record) {
     SDL_WM_SetCaption(nullptr, nullptr);
     if (!SDL_SetVideoMode(record.windowX, record.windowY, record.colorDepth, kWindowMode))
-        return failStep("SDL_SetVideoMode", SDL_GetError());
+        return failStep(KT_TEXT("SDL_SetVideoMode"), SDL_GetError());
     SDL_SysWMinfo info = {};
     info.version.major = 1;
     info.version.minor = 2;
@@ -122,19 +124,23 @@ bool KTSETTINGS::openWindow(const RECORD &record) {
 
 bool KTSETTINGS::openContext(const RECORD &record) {
     glesDisplay = eglGetDisplay(EGL_DEFAULT_DISPLAY);
-    if (!eglInitialize(glesDisplay, nullptr, nullptr)) return failEGL("eglInitialize");
+    if (!eglInitialize(glesDisplay, nullptr, nullptr)) return failEGL(KT_TEXT("eglInitialize"));
     EGLConfig config = nullptr;
     EGLint count = chooseConfig(glesDisplay, record.zetaDepth, &config);
-    if (count < 0) return failEGL("eglChooseConfig");
+    if (count < 0) return failEGL(KT_TEXT("eglChooseConfig"));
     vnfLog("      Number of available configs: %d\n", count);
-    if (count < 1)
-        return failStep("eglChooseConfig", keltra::faultText("no configuration has that depth buffer"));
+    if (count < 1) {
+        char reason[96];
+        keltra::writeFaultText(reason, KT_TEXT("no configuration has that depth buffer"));
+        return failStep(KT_TEXT("eglChooseConfig"), reason);
+    }
     EGLNativeWindowType native = (EGLNativeWindowType)(std::uintptr_t)window;
     glesSurface = eglCreateWindowSurface(glesDisplay, config, native, nullptr);
-    if (!glesSurface) return failEGL("eglCreateWindowSurface");
+    if (!glesSurface) return failEGL(KT_TEXT("eglCreateWindowSurface"));
     glesContext = eglCreateContext(glesDisplay, config, EGL_NO_CONTEXT, nullptr);
-    if (!glesContext) return failEGL("eglCreateContext");
-    return eglMakeCurrent(glesDisplay, glesSurface, glesSurface, glesContext) || failEGL("eglMakeCurrent");
+    if (!glesContext) return failEGL(KT_TEXT("eglCreateContext"));
+    return eglMakeCurrent(glesDisplay, glesSurface, glesSurface, glesContext) ||
+           failEGL(KT_TEXT("eglMakeCurrent"));
 }
 
 void KTSETTINGS::closeContext() {
@@ -149,7 +155,7 @@ void KTSETTINGS::closeContext() {
 }
 
 bool KTSETTINGS::free() {
-    if (!active) return keltra::failState("KTSETTINGS::free", keltra::kInactive);
+    if (!active) return keltra::failState(KT_CALL("KTSETTINGS::free"), keltra::kInactive);
     closeContext();
     active = false;
     return true;

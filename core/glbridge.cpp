@@ -194,7 +194,7 @@ void loadMatrixAgain(const float *m) {
 void KT_glLightModelf(GLenum pname, float param) { glLightModelx(pname, toFixed(param)); }
 
 void KT_glLightModelfv(GLenum pname, const float *params) {
-    if (!params) return void(keltra::failNull("KT_glLightModelfv", "params"));
+    if (!params) return void(keltra::failNull(KT_CALL("KT_glLightModelfv"), KT_TEXT("params")));
     glLightModelxv(pname, Fixed4(params).v);
 }
 
@@ -209,14 +209,14 @@ void KT_glClearColor(float r, float g, float b, float a) {
 void KT_glLightf(GLenum light, GLenum pname, float param) { glLightx(light, pname, toFixed(param)); }
 
 void KT_glLightfv(GLenum light, GLenum pname, const float *params) {
-    if (!params) return void(keltra::failNull("KT_glLightfv", "params"));
+    if (!params) return void(keltra::failNull(KT_CALL("KT_glLightfv"), KT_TEXT("params")));
     glLightxv(light, pname, Fixed4(params).v);
 }
 
 void KT_glMaterialf(GLenum face, GLenum pname, float param) { glMaterialx(face, pname, toFixed(param)); }
 
 void KT_glMaterialfv(GLenum face, GLenum pname, const float *params) {
-    if (!params) return void(keltra::failNull("KT_glMaterialfv", "params"));
+    if (!params) return void(keltra::failNull(KT_CALL("KT_glMaterialfv"), KT_TEXT("params")));
     glMaterialxv(face, pname, Fixed4(params).v);
 }
 
@@ -236,7 +236,7 @@ void KT_glLoadIdentity() {
 }
 
 void KT_glLoadMatrixf(const float *m) {
-    if (!m) return void(keltra::failNull("KT_glLoadMatrixf", "m"));
+    if (!m) return void(keltra::failNull(KT_CALL("KT_glLoadMatrixf"), KT_TEXT("m")));
 #if defined(KELTRA_SOFT_ARM)
     GLfixed fixed[16];
     keltraToFixed(m, top(), fixed, 4);
@@ -248,7 +248,7 @@ void KT_glLoadMatrixf(const float *m) {
 }
 
 void KT_glMultMatrixf(const float *m) {
-    if (!m) return void(keltra::failNull("KT_glMultMatrixf", "m"));
+    if (!m) return void(keltra::failNull(KT_CALL("KT_glMultMatrixf"), KT_TEXT("m")));
     multiplyTop(R3XMATRIX(m));
     glMultMatrixx(Fixed16(m).v);
 }
@@ -286,7 +286,8 @@ KELTRA_COLD void KT_glOrtho(float l, float r, float b, float t, float n, float f
 // Nothing is pushed onto a full stack of the GL: the levels above are in the mirror only, and the GL's own
 // top is loaded again when one of them is popped.
 void KT_glPushMatrix() {
-    if (depths[current] >= kLevels) return void(keltra::failFull("KT_glPushMatrix", "matrix stack", kLevels));
+    if (depths[current] >= kLevels)
+        return void(keltra::failFull(KT_CALL("KT_glPushMatrix"), KT_TEXT("matrix stack"), kLevels));
     const float *below = top();
     ++depths[current];
     copyMatrix(below, top());
@@ -294,7 +295,8 @@ void KT_glPushMatrix() {
 }
 
 void KT_glPopMatrix() {
-    if (depths[current] == 0) return void(keltra::failState("KT_glPopMatrix", "the matrix stack is empty"));
+    if (depths[current] == 0)
+        return void(keltra::failState(KT_CALL("KT_glPopMatrix"), KT_TEXT("the matrix stack is empty")));
     const bool wasInGL = isInGL();
     copyMatrix(kIdentity, top());
     --depths[current];
@@ -305,8 +307,8 @@ void KT_glPopMatrix() {
 }
 
 void KT_glGetFloatv(int which, float *out) {
-    if (!out) return void(keltra::failNull("KT_glGetFloatv", "out"));
+    if (!out) return void(keltra::failNull(KT_CALL("KT_glGetFloatv"), KT_TEXT("out")));
     if (which < 0 || which >= kStacks)
-        return void(keltra::failRange("KT_glGetFloatv", "which", which, kStacks - 1));
+        return void(keltra::failRange(KT_CALL("KT_glGetFloatv"), KT_TEXT("which"), which, kStacks - 1));
     std::memcpy(out, mirror[which * kLevels + depths[which]], sizeof mirror[0]);
 }

@@ -49,14 +49,24 @@ void KTSETTINGS::constructor() {
     record.waterSize = 256;
 }
 
-void KTSETTINGS::setTitle(const char *text) { takeText(record.title, text, "KTSETTINGS::setTitle", "text"); }
-void KTSETTINGS::setKTEPath(const char *path) { takeText(record.ktePath, path, "KTSETTINGS::setKTEPath"); }
-void KTSETTINGS::setKTAPath(const char *path) { takeText(record.ktaPath, path, "KTSETTINGS::setKTAPath"); }
-void KTSETTINGS::setMPGPath(const char *path) { takeText(record.mpgPath, path, "KTSETTINGS::setMPGPath"); }
+void KTSETTINGS::setTitle(const char *text) {
+    takeText(record.title, text, KT_CALL("KTSETTINGS::setTitle"), KT_TEXT("text"));
+}
+void KTSETTINGS::setKTEPath(const char *path) {
+    takeText(record.ktePath, path, KT_CALL("KTSETTINGS::setKTEPath"));
+}
+void KTSETTINGS::setKTAPath(const char *path) {
+    takeText(record.ktaPath, path, KT_CALL("KTSETTINGS::setKTAPath"));
+}
+void KTSETTINGS::setMPGPath(const char *path) {
+    takeText(record.mpgPath, path, KT_CALL("KTSETTINGS::setMPGPath"));
+}
 void KTSETTINGS::setTexturePath(const char *path) {
-    takeText(record.texturePath, path, "KTSETTINGS::setTexturePath");
+    takeText(record.texturePath, path, KT_CALL("KTSETTINGS::setTexturePath"));
 }
 void KTSETTINGS::setShaderPath(const char *path) {
-    takeText(record.shaderPath, path, "KTSETTINGS::setShaderPath");
+    takeText(record.shaderPath, path, KT_CALL("KTSETTINGS::setShaderPath"));
 }
-void KTSETTINGS::setFontPath(const char *path) { takeText(record.fontPath, path, "KTSETTINGS::setFontPath"); }
+void KTSETTINGS::setFontPath(const char *path) {
+    takeText(record.fontPath, path, KT_CALL("KTSETTINGS::setFontPath"));
+}

@@ -2,8 +2,9 @@
 #include <keltra/foundation.h>
 
 #include "core/settings_members.h"
-#include "formats/fault.h"
+#include "formats/key_check.h"
 #include "formats/settings.h"
+#include "foundation/fault.h"
 #include "foundation/quiet.h"
 
 namespace keltra {
@@ -59,8 +60,8 @@ SettingMember settingMember(std::size_t key) { return kMembers[key]; }
 
 // Each key is looked up by itself from the beginning of the file, so the order of the keys does not matter.
 bool KTSETTINGS::load(const char *path) {
-    keltra::LoadScope scope("KTSETTINGS::load", path);
-    if (!path) return scope.failNull("path");
+    keltra::FaultScope scope(KT_CALL("KTSETTINGS::load"), path);
+    if (!path) return scope.failNull(KT_TEXT("path"));
     if (!vnfFileExists(path)) return scope.failFile();
     vnfParser parser;
     const KT_FAULT_CODE fault = keltra::readParser(parser, path);
@@ -78,7 +79,7 @@ bool KTSETTINGS::load(const char *path) {
         if (member.boolean) keltra::readSetting(parser, key, record.*member.boolean);
         if (member.text) keltra::readSetting(parser, key, record.*member.text);
     }
-    keltra::checkSettings(parser, scope);
+    keltra::checkSettings(parser);
     vnfCloseParser(&parser);
     return true;
 }

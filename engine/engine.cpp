@@ -51,7 +51,7 @@ const keltra::OnGone<KTNODE> forgetSkybox([](const keltra::Gone<KTNODE> &gone) {
 // Start-up in steps. A nested class: some steps are accessible to the facade only.
 struct KELTRA::STARTUP {
     struct Step {
-        const char *name;
+        keltra::FaultText name;
         bool (*start)(KTSETTINGS &settings);
         bool (*stop)();
     };
@@ -64,7 +64,9 @@ struct KELTRA::STARTUP {
     static bool startSdl(KTSETTINGS &) {
         const keltra::WindowDriverOnly windowDriverOnly;
         if (SDL_Init(SDL_INIT_VIDEO) != -1) return true;
-        return keltra::failWith("KELTRA::init", KT_FAULT_DISPLAY, "", SDL_GetError(), "");
+        KTFAULT &fault = keltra::newFault(KT_FAULT_DISPLAY);
+        keltra::setFaultText(fault.found, SDL_GetError());
+        return keltra::tellFault(KT_CALL("KELTRA::init"), fault);
     }
     static bool stopSdl() {
         SDL_Quit();
@@ -88,8 +90,8 @@ struct KELTRA::STARTUP {
     static bool startAll(KTSETTINGS &settings, keltra::FaultScope &scope) {
         for (int started = 0; started < kCount; ++started) {
             if (steps[started].start(settings)) continue;
-            KTFAULT fault = keltra::newFault(KT_FAULT_START);
-            keltra::setFaultText(fault.field, keltra::faultText(steps[started].name));
+            KTFAULT &fault = keltra::newFault(KT_FAULT_START);
+            keltra::writeFaultText(fault.field, steps[started].name);
             scope.fail(fault);
             while (started-- > 0) steps[started].stop();
             return false;
@@ -103,14 +105,14 @@ struct KELTRA::STARTUP {
 };
 
 const KELTRA::STARTUP::Step KELTRA::STARTUP::steps[kCount] = {
-    {"SDL", startSdl, stopSdl},
-    {"window and GL context", startWindow, KTSETTINGS::free},
-    {"GL state", startGlState, KTOPENGL::free},
-    {"shaders", startShaders, KTSHADER::free},
-    {"render list", startRenderList, KTELEMENT::free},
-    {"fonts", startFonts, KTFONT::free},
-    {"meshes", startMeshes, KTMESH::free},
-    {"emitters", startEmitters, KTEMITTER::free},
+    {KT_TEXT("SDL"), startSdl, stopSdl},
+    {KT_TEXT("window and GL context"), startWindow, KTSETTINGS::free},
+    {KT_TEXT("GL state"), startGlState, KTOPENGL::free},
+    {KT_TEXT("shaders"), startShaders, KTSHADER::free},
+    {KT_TEXT("render list"), startRenderList, KTELEMENT::free},
+    {KT_TEXT("fonts"), startFonts, KTFONT::free},
+    {KT_TEXT("meshes"), startMeshes, KTMESH::free},
+    {KT_TEXT("emitters"), startEmitters, KTEMITTER::free},
 };
 
 // Every class takes its directory before the window opens, and keeps it when that fails.
@@ -123,8 +125,8 @@ void keltra::setPaths(const KTSETTINGS::RECORD &record) {
 }
 
 bool KELTRA::init(KTSETTINGS *settings) {
-    if (active) return keltra::failState("KELTRA::init", keltra::kActive);
-    keltra::FaultScope scope("KELTRA::init");
+    if (active) return keltra::failState(KT_CALL("KELTRA::init"), keltra::kActive);
+    keltra::FaultScope scope(KT_CALL("KELTRA::init"));
     KTSETTINGS defaults;
     if (!STARTUP::startAll(settings ? *settings : defaults, scope)) return false;
     const keltra::FaultOptional optional;  // without a timer only the frame rate is missing
@@ -138,9 +140,10 @@ bool KELTRA::init(KTSETTINGS *settings) {
 // The order is fixed: fonts, then nodes, then what nodes refer to, videos after the animations; then the
 // subsystems.
 bool KELTRA::free() {
-    if (!active) return keltra::failState("KELTRA::free", keltra::kInactive);
+    if (!active) return keltra::failState(KT_CALL("KELTRA::free"), keltra::kInactive);
     // The call that made the fault continues.
-    if (keltra::isInFaultHandler()) return keltra::failState("KELTRA::free", "a fault handler is running");
+    if (keltra::isInFaultHandler())
+        return keltra::failState(KT_CALL("KELTRA::free"), KT_TEXT("a fault handler is running"));
     keltra::returnTimer(timer);
     timer = -1;
     KTELEMENT::reset();
@@ -163,7 +166,7 @@ void KELTRA::updateTimer() {
     timerUpdated = true;
 }
 
-void KELTRA::setKTEPath(const char *path) { keltra::takeText(ktePath, path, "KELTRA::setKTEPath"); }
+void KELTRA::setKTEPath(const char *path) { keltra::takeText(ktePath, path, KT_CALL("KELTRA::setKTEPath")); }
 
 void KELTRA::setSkybox(KTNODE *node) { skybox = node; }
 

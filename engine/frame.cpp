@@ -162,8 +162,9 @@ bool KELTRA::end2D() {
 // A device that was switched off may return without the context and all that is in it.
 [[gnu::cold]] static bool failSwap() {
     const bool isLost = eglGetError() == EGL_CONTEXT_LOST;
-    return keltra::failState("KELTRA::swap", isLost ? "the GL context is lost; start the engine again"
-                                                    : "the frame cannot be shown");
+    return keltra::failState(KT_CALL("KELTRA::swap"),
+                             isLost ? KT_TEXT("the GL context is lost; start the engine again")
+                                    : KT_TEXT("the frame cannot be shown"));
 }
 
 bool KELTRA::swap() {

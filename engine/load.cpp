@@ -19,17 +19,17 @@ namespace {
 bool isInterface(const char *path) { return std::strstr(path, ".xml") || std::strstr(path, ".XML"); }
 
 // A public fault is large: it has no place in the frames below which a scene is built.
-[[gnu::noinline]] KTNODE *refuse(keltra::LoadScope &scope, const keltra::SceneFault &fault) {
+[[gnu::noinline]] KTNODE *refuse(keltra::FaultScope &scope, const keltra::SceneFault &fault) {
     scope.fail(keltra::toPublic(fault));
     return nullptr;
 }
 
-[[gnu::noinline]] KTNODE *refuseWithoutRoot(keltra::LoadScope &scope) {
+[[gnu::noinline]] KTNODE *refuseWithoutRoot(keltra::FaultScope &scope) {
     scope.fail(keltra::toPublic(keltra::guiRootMissing(), "", 0));
     return nullptr;
 }
 
-[[gnu::noinline]] KTNODE *loadScene(const char *path, keltra::LoadScope &scope) {
+[[gnu::noinline]] KTNODE *loadScene(const char *path, keltra::FaultScope &scope) {
     const keltra::FileBytes file(path);
     if (!file.data()) return scope.failFile(file.isOutOfMemory()), nullptr;
     keltra::SceneContents contents;
@@ -45,8 +45,8 @@ bool isInterface(const char *path) { return std::strstr(path, ".xml") || std::st
 
 KTNODE *KELTRA::load(const char *fileName) {
     const keltra::FilePath path(ktePath, fileName);
-    keltra::LoadScope scope("KELTRA::load", path.text);
-    if (!fileName) return scope.failNull("fileName"), nullptr;
+    keltra::FaultScope scope(KT_CALL("KELTRA::load"), path.text);
+    if (!fileName) return scope.failNull(KT_TEXT("fileName")), nullptr;
     if (!vnfFileExists(path.text)) return scope.failFile(), nullptr;
     if (isInterface(path.text)) return loadXML(path.text);
     return loadScene(path.text, scope);
@@ -57,14 +57,16 @@ KTNODE *KELTRA::recursiveLoad(const char *buffer, long *cursor, KTNODE *parent) 
 }
 
 bool KELTRA::recursiveInitBones(KTNODE *root, KTNODE *node) {
-    if (!root || !node) return !keltra::failNull("KELTRA::recursiveInitBones", root ? "node" : "root");
+    if (!root || !node)
+        return !keltra::failNull(KT_CALL("KELTRA::recursiveInitBones"),
+                                 root ? KT_TEXT("node") : KT_TEXT("root"));
     keltra::bindSkins(root, node);
     return true;
 }
 
 KTNODE *KELTRA::loadXML(const char *fileName) {
-    keltra::LoadScope scope("KELTRA::loadXML", fileName);
-    if (!fileName) return scope.failNull("fileName"), nullptr;
+    keltra::FaultScope scope(KT_CALL("KELTRA::loadXML"), fileName);
+    if (!fileName) return scope.failNull(KT_TEXT("fileName")), nullptr;
     TiXmlDocument document;
     if (!keltra::loadXmlDocument(fileName, document, &scope)) return nullptr;
     const TiXmlElement *description = keltra::guiRoot(document);

@@ -12,19 +12,21 @@ namespace {
 const std::size_t kMagicSize = sizeof kAnimMagic - 1;
 
 bool readCounts(FieldReader &reader, AnimRecord &record) {
-    const unsigned char *magic = reader.array("magic", kMagicSize, 1);
+    const unsigned char *magic = reader.array(KT_TEXT("magic"), kMagicSize, 1);
     if (!reader.isWhole()) return false;
     if (std::memcmp(magic, kAnimMagic, kMagicSize) != 0)
-        return reader.refuse(0, "magic", "not an animation file of version 1.6a");
-    reader.u8("end of text");
+        return reader.refuse(0, KT_TEXT("magic"), KT_TEXT("not an animation file of version 1.6a"));
+    reader.u8(KT_TEXT("end of text"));
     const std::size_t offset = reader.position();
-    record.bones = reader.u16("bone count");
-    record.frames = reader.u16("frame count");
+    record.bones = reader.u16(KT_TEXT("bone count"));
+    record.frames = reader.u16(KT_TEXT("frame count"));
     if (!reader.isWhole()) return false;
     if (record.bones > kMaxAnimBones)
-        return reader.refuseValue(offset, "bone count", record.bones, "more than %ld", kMaxAnimBones);
+        return reader.refuseValue(offset, KT_TEXT("bone count"), record.bones, KT_TEXT("more than %ld"),
+                                  kMaxAnimBones);
     if (record.frames > kMaxAnimFrames)
-        return reader.refuseValue(offset + 2, "frame count", record.frames, "more than %ld", kMaxAnimFrames);
+        return reader.refuseValue(offset + 2, KT_TEXT("frame count"), record.frames, KT_TEXT("more than %ld"),
+                                  kMaxAnimFrames);
     return true;
 }
 
@@ -33,8 +35,10 @@ bool readContents(FieldReader &reader, AnimRecord &record) {
         record.bones = record.frames = 0;
         return false;
     }
-    for (unsigned int bone = 0; bone < record.bones; ++bone) record.names[bone] = reader.string("name");
-    record.keyframes = reader.array("keyframes", std::uint64_t{record.frames} * record.bones, kKeyframeSize);
+    for (unsigned int bone = 0; bone < record.bones; ++bone)
+        record.names[bone] = reader.string(KT_TEXT("name"));
+    record.keyframes =
+        reader.array(KT_TEXT("keyframes"), std::uint64_t{record.frames} * record.bones, kKeyframeSize);
     record.size = reader.position();
     return reader.isWhole();
 }

@@ -7,44 +7,55 @@
 #include <cstddef>
 
 #include "formats/blend_factor.h"
-#include "formats/fault.h"
+#include "formats/xml_value.h"
 
 class TiXmlDocument;
 class TiXmlElement;
 
 namespace keltra {
 
-// Attributes: `x` and `y` for a size, and `z` too for a vector, otherwise `value`.
-enum class EmitterValue {
-    kInteger,
-    kNumber,   // an integer from 0 to the most particles of an emitter, clamped
-    kMaximum,  // an integer of which a negative one counts as 0
-    kReal,
-    kSize,
-    kVector,
-    kText,
-    kSourceFactor,
-    kDestinationFactor,
-};
+using EmitterValue = XmlValue;
+
+constexpr char kEmitterRoot[] = "emitter";
 
 struct EmitterSetting {
-    const char *name;
+    char name[16];
     EmitterValue kind;
 };
 
+enum EmitterKey {
+    kEmitterType,
+    kEmitterTexture,
+    kEmitterParticles,
+    kEmitterMaxEnergy,
+    kEmitterMaxVelocity,
+    kEmitterMaxAngle,
+    kEmitterSize,
+    kEmitterRadius,
+    kEmitterMaxParticleSize,
+    kEmitterMaxSpin,
+    kEmitterSpinning,
+    kEmitterCenter,
+    kEmitterRotation,
+    kEmitterGravity,
+    kEmitterUpVector,
+    kEmitterColorStart,
+    kEmitterColorEnd,
+    kEmitterBlendingSrc,
+    kEmitterBlendingDst,
+};
 constexpr std::size_t kEmitterSettingCount = 19;
+// By the key.
 extern const EmitterSetting kEmitterSettings[kEmitterSettingCount];
 
 // Null for another name.
 const EmitterSetting *findEmitterSetting(const char *name);
-// Names of the attributes, null behind the last.
+// Names of the attributes, `x` and `y` for a size, and `z` too for a vector, otherwise `value`; null behind
+// the last.
 const char *const *emitterAttributes(EmitterValue kind);
 
 // Null for a document of another root, which changes no setting.
 const TiXmlElement *emitterRoot(const TiXmlDocument &document);
-
-// Warns of what has no effect in a document with lines, whatever its root is.
-void checkEmitter(const TiXmlDocument &document, FaultSink &sink);
 
 }  // namespace keltra
 

@@ -1,44 +1,90 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/fault.h"
 
+#include "formats/plain_integer.h"
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace keltra {
 
 namespace {
 
-KTFAULT withReason(const Fault &fault) {
-    KTFAULT result = newFault(fault.code);
-    setFaultText(result.field, fault.field);
-    if (fault.hasFound) std::snprintf(result.found, sizeof result.found, "%ld", fault.found);
-    std::snprintf(result.expected, sizeof result.expected, fault.reason ? fault.reason : "", fault.first,
-                  fault.second);
-    return result;
+constexpr unsigned int kLongestName = 64;
+
+// The edit distance, from the table of all prefixes. Of `wanted` a row each, of `known` a column.
+unsigned int distanceOf(const char *wanted, unsigned int rows, const char *known, unsigned int columns) {
+    unsigned char table[kLongestName][kLongestName];
+    for (unsigned int w = 0; w <= rows; ++w)
+        for (unsigned int k = 0; k <= columns; ++k) {
+            unsigned char *const cell = &table[w][k];
+            *cell = static_cast<unsigned char>(w + k);
+            if (w == 0 || k == 0) continue;
+            int steps = std::min(cell[-int{kLongestName}], cell[-1]) + 1;
+            steps = std::min(steps, cell[-int{kLongestName} - 1] + (wanted[w - 1] != known[k - 1]));
+            if (w > 1 && k > 1 && wanted[w - 1] == known[k - 2] && wanted[w - 2] == known[k - 1])
+                steps = std::min(steps, cell[-2 * int{kLongestName} - 2] + 1);
+            *cell = static_cast<unsigned char>(steps);
+        }
+    return table[rows][columns];
 }
 
 }  // namespace
 
-bool noteFault(Fault *fault, const Fault &noted) {
-    if (fault) *fault = noted;
+bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason, long limit) {
+    if (!fault) return false;
+    *fault = {};
+    fault->offset = offset;
+    fault->field = field;
+    fault->reason = reason;
+    fault->limit = limit;
+    fault->code = KT_FAULT_DATA;
+    return false;
+}
+
+bool refuseValue(Fault *fault, std::size_t offset, FaultText field, long found, FaultText reason,
+                 long limit) {
+    refuse(fault, offset, field, reason, limit);
+    if (fault) {
+        fault->found = found;
+        fault->hasFound = true;
+    }
     return false;
 }
 
 bool refuseMemory(Fault *fault) {
-    return noteFault(fault, {0, "", faultText("out of memory"), 0, 0, false, 0, KT_FAULT_OUT_OF_MEMORY});
+    refuse(fault, 0, {}, KT_TEXT("out of memory"));
+    if (fault) fault->code = KT_FAULT_OUT_OF_MEMORY;
+    return false;
 }
 
-KTFAULT toPublic(const Fault &fault) {
-    KTFAULT result = withReason(fault);
+KTFAULT &toPublic(const Fault &fault) {
+    KTFAULT &result = newFault(static_cast<KT_FAULT_CODE>(fault.code));
+    writeFaultText(result.field, fault.field);
+    if (fault.hasFound) std::snprintf(result.found, sizeof result.found, "%ld", fault.found);
+    writeFaultText(result.expected, fault.reason, fault.limit);
     result.byte = static_cast<long>(fault.offset);
     return result;
 }
 
-KTFAULT toPublic(const Fault &fault, const char *text, std::size_t size) {
-    KTFAULT result = withReason(fault);
+KTFAULT &toPublic(const Fault &fault, const char *text, std::size_t size) {
+    KTFAULT &result = toPublic(fault);
+    result.byte = -1;
     result.line = lineAt(text, size, fault.offset);
     return result;
+}
+
+FaultText integerFlaw(const char *text, long least, long most) {
+    long plain;
+    if (plainInteger(text, plain) && plain >= least && plain <= most) return {};
+    char *end = nullptr;
+    errno = 0;
+    const long number = std::strtol(text, &end, 10);
+    if (end == text || *end) return KT_TEXT("a whole number");
+    return errno == 0 && number >= least && number <= most ? FaultText() : KT_TEXT("%ld to %ld");
 }
 
 unsigned int lineAt(const char *text, std::size_t size, std::size_t offset) {
@@ -49,34 +95,17 @@ unsigned int lineAt(const char *text, std::size_t size, std::size_t offset) {
 }
 
 NearestName::NearestName(const char *wanted)
-    : wanted(wanted), nearest(""), wantedLength(std::strlen(wanted)), least(wantedLength / 3 + 1) {}
+    : wanted(wanted), nearest(""), least(static_cast<unsigned int>(std::strlen(wanted) / 3 + 1)) {}
 
 void NearestName::offer(const char *known) {
-    const std::size_t length = std::strlen(known);
-    const std::size_t difference = length > wantedLength ? length - wantedLength : wantedLength - length;
-    if (wantedLength >= kLongest || length >= kLongest || difference >= least) return;
-    const std::size_t distance = distanceTo(known, length);
+    const std::size_t length = std::strlen(wanted), knownLength = std::strlen(known);
+    const std::size_t difference = knownLength > length ? knownLength - length : length - knownLength;
+    if (length >= kLongestName || knownLength >= kLongestName || difference >= least) return;
+    const unsigned int distance =
+        distanceOf(wanted, static_cast<unsigned int>(length), known, static_cast<unsigned int>(knownLength));
     if (distance >= least) return;
     least = distance;
     nearest = known;
-}
-
-// The edit distance, computed one row of the table of prefixes at a time.
-std::size_t NearestName::distanceTo(const char *known, std::size_t length) const {
-    unsigned char rows[3][kLongest];
-    for (std::size_t k = 0; k <= length; ++k) rows[0][k] = static_cast<unsigned char>(k);
-    for (std::size_t w = 1; w <= wantedLength; ++w) {
-        unsigned char *row = rows[w % 3], *above = rows[(w + 2) % 3], *second = rows[(w + 1) % 3];
-        row[0] = static_cast<unsigned char>(w);
-        for (std::size_t k = 1; k <= length; ++k) {
-            int steps = std::min(above[k], row[k - 1]) + 1;
-            steps = std::min(steps, above[k - 1] + (wanted[w - 1] != known[k - 1]));
-            if (w > 1 && k > 1 && wanted[w - 1] == known[k - 2] && wanted[w - 2] == known[k - 1])
-                steps = std::min(steps, second[k - 2] + 1);
-            row[k] = static_cast<unsigned char>(steps);
-        }
-    }
-    return rows[wantedLength % 3][length];
 }
 
 }  // namespace keltra

@@ -14,19 +14,18 @@ namespace keltra {
 // Reads fields by name, for the reports of faults. After an overrun everything reads as zero.
 class FieldReader {
    public:
-    FieldReader(const void *bytes, std::size_t size)
-        : reader(bytes, size), fieldOffset(0), field(""), found{0, "", nullptr} {}
+    FieldReader(const void *bytes, std::size_t size) : reader(bytes, size), fieldOffset(0), field() {}
 
-    std::uint8_t u8(const char *name) { return at(name).u8(); }
-    std::uint16_t u16(const char *name) { return at(name).u16(); }
-    std::uint32_t u32(const char *name) { return at(name).u32(); }
-    float f32(const char *name) { return at(name).f32(); }
-    void floats(const char *name, float *values, int count) {
+    std::uint8_t u8(FaultText name) { return at(name).u8(); }
+    std::uint16_t u16(FaultText name) { return at(name).u16(); }
+    std::uint32_t u32(FaultText name) { return at(name).u32(); }
+    float f32(FaultText name) { return at(name).f32(); }
+    void floats(FaultText name, float *values, int count) {
         at(name);
         for (int i = 0; i < count; ++i) values[i] = reader.f32();
     }
-    const char *string(const char *name) { return at(name).string(kNameSize); }
-    const unsigned char *array(const char *name, std::uint64_t elements, std::size_t elementSize) {
+    const char *string(FaultText name) { return at(name).string(kNameSize); }
+    const unsigned char *array(FaultText name, std::uint64_t elements, std::size_t elementSize) {
         const std::uint64_t bytes = elements * elementSize;
         return at(name).take(bytes > SIZE_MAX ? SIZE_MAX : static_cast<std::size_t>(bytes));
     }
@@ -35,33 +34,33 @@ class FieldReader {
     std::size_t position() const { return reader.position(); }
     // False when a field reached past the end or a name is too long; the fault says which.
     bool isWhole() {
-        if (!reader.ok() && !found.reason)
-            keltra::refuse(&found, fieldOffset, field, "ends early or is too long");
+        if (!reader.ok() && !found.code)
+            keltra::refuse(&found, fieldOffset, field, KT_TEXT("ends early or is too long"));
         return reader.ok();
     }
     // Notes the first fault; always false.
-    bool refuse(std::size_t offset, const char *name, const char *reason, long limit = 0) {
-        if (!found.reason) keltra::refuse(&found, offset, name, reason, limit);
+    bool refuse(std::size_t offset, FaultText name, FaultText reason, long limit = 0) {
+        if (!found.code) keltra::refuse(&found, offset, name, reason, limit);
         return false;
     }
-    bool refuseValue(std::size_t offset, const char *name, long value, const char *reason, long limit = 0) {
-        if (!found.reason) keltra::refuseValue(&found, offset, name, value, reason, limit);
+    bool refuseValue(std::size_t offset, FaultText name, long value, FaultText reason, long limit = 0) {
+        if (!found.code) keltra::refuseValue(&found, offset, name, value, reason, limit);
         return false;
     }
     const Fault &fault() const { return found; }
 
    private:
-    ByteReader &at(const char *name) {
+    ByteReader &at(FaultText name) {
         if (reader.ok()) {
             fieldOffset = reader.position();
-            field = faultText(name);
+            field = name;
         }
         return reader;
     }
 
     ByteReader reader;
     std::size_t fieldOffset;
-    const char *field;
+    FaultText field;
     Fault found;
 };
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "formats/fault.h"
+#include "formats/xml_value.h"
 
 class TiXmlDocument;
 class TiXmlElement;
@@ -34,6 +35,7 @@ constexpr int kGuiPropertyCount = 10, kGuiAttributes = 4;
 
 struct GuiProperty {
     const char *name;
+    XmlValue kind;
     const char *attributes[kGuiAttributes + 1];  // null behind the last; without all of them it is skipped
 };
 extern const GuiProperty kGuiProperties[kGuiPropertyCount];
@@ -49,13 +51,6 @@ int guiProperty(const char *element);
 const TiXmlElement *guiRoot(const TiXmlDocument &document);
 // The reason why a document without it is refused.
 Fault guiRootMissing();
-
-// The warning for the first object beyond the limit.
-KTFAULT tooManyObjects(const TiXmlElement &element, bool hasLines = true);
-
-// Warns of what has no effect in the elements nested in `top` and, unless it is the root, in `top` itself.
-// With `hasLines`, the elements know their lines.
-void checkGui(const TiXmlNode &top, FaultSink &sink, bool hasLines);
 
 }  // namespace keltra
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/kerning.h"
 
-#include "formats/key_lines.h"
+#include "formats/limits.h"
 #include "formats/plain_integer.h"
 
 #include <algorithm>
@@ -15,12 +15,6 @@ namespace {
 constexpr std::size_t kPrefixLength = sizeof kKerningPrefix - 1;
 
 constexpr unsigned int kNoKey = kKerningKeys;
-
-bool hasPrefix(const char *line) {
-    for (const char *c = kKerningPrefix; *c; ++c, ++line)
-        if (*line != *c) return false;
-    return true;
-}
 
 // The key of the single character at `name`.
 unsigned int characterKey(const char *name) {
@@ -56,79 +50,6 @@ void takeLine(KerningValues &values, const char *line) {
     }
 }
 
-class KerningCheck {
-   public:
-    KerningCheck(const vnfParser &text, FaultSink &sink) : lines(text), faults(lines, sink), met() {}
-
-    void run() {
-        while (lines.next()) checkLine();
-    }
-
-   private:
-    void checkLine() {
-        if (lines.isCut()) faults.cut();
-        if (!hasPrefix(lines.text())) return checkStranger();
-        const char *name = lines.text() + kPrefixLength;
-        for (unsigned int i = kKerningKeys - kKerningCharacters; i-- > 0;) {
-            const std::size_t length = namedKey(name, i);
-            if (length && name[length] == '=') return checkValue(kKerningCharacters + i, name + length + 1);
-        }
-        const unsigned int key = characterKey(name);
-        if (key != kNoKey && name[1] == '=') return checkValue(key, name + 2);
-        checkName();
-    }
-
-    void checkValue(unsigned int key, const char *value) {
-        long number;
-        const bool isGood = plainInteger(value, number) && number >= SCHAR_MIN && number <= SCHAR_MAX;
-        if (isGood && !met[key]) return void(met[key] = true);
-        char text[kKerningKeySize];
-        kerningKey(key, text);
-        if (met[key]) return faults.repeated(text);
-        met[key] = true;
-        faults.integer(text, value, SCHAR_MIN, SCHAR_MAX);
-    }
-
-    // The name is unknown, or nothing separates it from its value.
-    void checkName() {
-        char word[kLineSize];
-        std::strcpy(word, lines.text());
-        char *equals = std::strchr(word, '=');
-        if (!equals) return faults.unread();
-        *equals = '\0';
-        NearestName nearest(word);
-        char keys[kKerningKeys - kKerningCharacters][kKerningKeySize];
-        for (unsigned int i = 0; i < kKerningKeys - kKerningCharacters; ++i)
-            nearest.offer(kerningKey(kKerningCharacters + i, keys[i]));
-        faults.unknown(word, nearest.name());
-    }
-
-    // A line that does not begin like a key may still be one that is misspelt.
-    void checkStranger() {
-        char word[kLineSize];
-        std::strcpy(word, lines.text());
-        if (char *equals = std::strchr(word, '=')) {
-            *equals = '\0';
-            char nearestKey[kKerningKeySize] = "";
-            const std::size_t length = std::strlen(word);
-            if (length > 0) {
-                // The last character is the one that the key is for.
-                std::strcpy(nearestKey, kKerningPrefix);
-                nearestKey[kPrefixLength] = word[length - 1];
-                nearestKey[kPrefixLength + 1] = '\0';
-            }
-            NearestName nearest(word);
-            nearest.offer(nearestKey);
-            if (*nearest.name()) return faults.unknown(word, nearest.name());
-        }
-        faults.unread();
-    }
-
-    KeyLines lines;
-    KeyLineFaults faults;
-    bool met[kKerningKeys];
-};
-
 }  // namespace
 
 void readKernings(const vnfParser &text, KerningValues &values) {
@@ -144,7 +65,5 @@ void readKernings(const vnfParser &text, KerningValues &values) {
         takeLine(values, line);
     }
 }
-
-void checkKerning(const vnfParser &text, FaultSink &sink) { KerningCheck(text, sink).run(); }
 
 }  // namespace keltra

@@ -11,8 +11,6 @@
 #include <cstddef>
 #include <cstring>
 
-#include "formats/fault.h"
-
 namespace keltra {
 
 constexpr char kKerningComment = '#';
@@ -43,9 +41,6 @@ struct KerningValues {
 
 // Looks all keys up at once, each as `vnfParseInt` does: the first line that contains it.
 void readKernings(const vnfParser &text, KerningValues &values);
-
-// Warns of each line of a text without comments that has no effect, or not the one that it seems to have.
-void checkKerning(const vnfParser &text, FaultSink &sink);
 
 }  // namespace keltra
 

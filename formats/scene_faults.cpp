@@ -3,34 +3,33 @@
 
 #include "formats/limits.h"
 
-#include <cstdio>
-
 namespace keltra {
 
 namespace {
 
-KTFAULT unknown(const char *what, const char *mesh, const char *name) {
-    KTFAULT fault = newFault(KT_FAULT_UNKNOWN);
+KTFAULT &unknown(FaultText what, const char *mesh, const char *name, const char *nearest) {
+    KTFAULT &fault = newFault(KT_FAULT_UNKNOWN);
     fault.severity = KT_FAULT_WARNING;
-    if (kFaultTexts) std::snprintf(fault.field, sizeof fault.field, "%s of mesh `%s`", what, mesh);
+    writeFaultText(fault.field, what, mesh);
     setFaultText(fault.found, name);
+    setFaultText(fault.expected, nearest);
     return fault;
 }
 
 }  // namespace
 
-KTFAULT unknownMaterial(const char *mesh, const char *material, const char *nearest) {
-    KTFAULT fault = unknown("material", mesh, material);
-    setFaultText(fault.expected, nearest);
-    return fault;
+KTFAULT &unknownMaterial(const char *mesh, const char *material, const char *nearest) {
+    return unknown(KT_TEXT("material of mesh `%s`"), mesh, material, nearest);
 }
 
-KTFAULT unknownBone(const char *mesh, const char *bone) { return unknown("bone", mesh, bone); }
+KTFAULT &unknownBone(const char *mesh, const char *bone) {
+    return unknown(KT_TEXT("bone of mesh `%s`"), mesh, bone, "");
+}
 
-KTFAULT treeTooDeep() {
-    KTFAULT fault = newFault(KT_FAULT_LIMIT);
-    setFaultText(fault.field, faultText("tree"));
-    if (kFaultTexts) std::snprintf(fault.found, sizeof fault.found, "more than %u levels", kMaxTreeDepth);
+KTFAULT &treeTooDeep() {
+    KTFAULT &fault = newFault(KT_FAULT_LIMIT);
+    writeFaultText(fault.field, KT_TEXT("tree"));
+    writeFaultText(fault.found, KT_TEXT("more than %u levels"), kMaxTreeDepth);
     return fault;
 }
 

@@ -9,10 +9,10 @@
 
 namespace keltra {
 
-KTFAULT unknownMaterial(const char *mesh, const char *material, const char *nearest);
-KTFAULT unknownBone(const char *mesh, const char *bone);
+KTFAULT &unknownMaterial(const char *mesh, const char *material, const char *nearest);
+KTFAULT &unknownBone(const char *mesh, const char *bone);
 // An error.
-KTFAULT treeTooDeep();
+KTFAULT &treeTooDeep();
 
 }  // namespace keltra
 

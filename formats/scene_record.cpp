@@ -18,8 +18,8 @@ const std::size_t kOldVertexSize = 12, kOldFaceSize = 16;
 
 bool acceptChildren(FieldReader &reader, std::size_t offset, unsigned int children) {
     if (children <= reader.remaining() / kSmallestNode) return true;
-    return reader.refuseValue(offset, "children", static_cast<long>(children),
-                              "more than the rest of the file can hold");
+    return reader.refuseValue(offset, KT_TEXT("children"), static_cast<long>(children),
+                              KT_TEXT("more than the rest of the file can hold"));
 }
 
 // Only the largest index matters.
@@ -31,7 +31,8 @@ bool acceptFaces(FieldReader &reader, const MeshRecord &record, std::size_t offs
         if (index > largest) largest = index;
     }
     if (record.faceCount == 0 || largest < record.vertexCount) return true;
-    return reader.refuseValue(offset, "faces", static_cast<long>(largest), "vertex index out of range");
+    return reader.refuseValue(offset, KT_TEXT("faces"), static_cast<long>(largest),
+                              KT_TEXT("vertex index out of range"));
 }
 
 // Skinning skips influences whose weight is 0 or less in 16.16.
@@ -53,19 +54,20 @@ bool acceptInfluences(FieldReader &reader, const MeshRecord &record, std::size_t
         if (bone > largest) largest = bone;
     }
     if (good) return true;
-    return reader.refuseValue(offset, "bone indices", static_cast<long>(largest), "bone index out of range");
+    return reader.refuseValue(offset, KT_TEXT("bone indices"), static_cast<long>(largest),
+                              KT_TEXT("bone index out of range"));
 }
 
 void readGeometry(FieldReader &reader, bool oldVersion, MeshRecord &record, std::size_t &facesOffset) {
-    record.vertices = reader.array("vertices", record.vertexCount, kVectorSize);
-    record.normals = reader.array("vertex normals", record.vertexCount, kVectorSize);
+    record.vertices = reader.array(KT_TEXT("vertices"), record.vertexCount, kVectorSize);
+    record.normals = reader.array(KT_TEXT("vertex normals"), record.vertexCount, kVectorSize);
     // Version 1.5a has an unused vector per vertex and an unused plane per face.
-    if (oldVersion) reader.array("old vertex data", record.vertexCount, kOldVertexSize);
-    record.uvs = reader.array("texture coordinates", record.uvCount, kUVSize);
+    if (oldVersion) reader.array(KT_TEXT("old vertex data"), record.vertexCount, kOldVertexSize);
+    record.uvs = reader.array(KT_TEXT("texture coordinates"), record.uvCount, kUVSize);
     facesOffset = reader.position();
-    record.faces = reader.array("faces", record.faceCount, kFaceSize);
-    record.faceNormals = reader.array("face normals", record.faceCount, kVectorSize);
-    if (oldVersion) reader.array("old face data", record.faceCount, kOldFaceSize);
+    record.faces = reader.array(KT_TEXT("faces"), record.faceCount, kFaceSize);
+    record.faceNormals = reader.array(KT_TEXT("face normals"), record.faceCount, kVectorSize);
+    if (oldVersion) reader.array(KT_TEXT("old face data"), record.faceCount, kOldFaceSize);
 }
 
 void readSkin(FieldReader &reader, MeshRecord &record, std::size_t &influencesOffset) {
@@ -75,11 +77,11 @@ void readSkin(FieldReader &reader, MeshRecord &record, std::size_t &influencesOf
     if (record.influenceCount == 0) return;
     const std::uint64_t influences = std::uint64_t(record.vertexCount) * record.influenceCount;
     influencesOffset = reader.position();
-    record.influenceBones = reader.array("bone indices", influences, 1);
-    record.influenceWeights = reader.array("weights", influences, sizeof(float));
-    record.boneCount = reader.u16("bone count");
+    record.influenceBones = reader.array(KT_TEXT("bone indices"), influences, 1);
+    record.influenceWeights = reader.array(KT_TEXT("weights"), influences, sizeof(float));
+    record.boneCount = reader.u16(KT_TEXT("bone count"));
     for (unsigned int b = 0; b < record.boneCount; ++b) {
-        const char *name = reader.string("bone name");
+        const char *name = reader.string(KT_TEXT("bone name"));
         if (b == 0) record.boneNames = name;
         if (!name) return;
     }
@@ -89,7 +91,7 @@ void readSkin(FieldReader &reader, MeshRecord &record, std::size_t &influencesOf
 bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int level, unsigned int &children,
                  std::size_t &bonesLeft, SceneVisitor *visitor) {
     const std::size_t offset = reader.position();
-    const unsigned int type = reader.u8("type");
+    const unsigned int type = reader.u8(KT_TEXT("type"));
     if (!reader.isWhole()) return false;
     if (type == kPlainRecord) {
         PlainRecord record;
@@ -105,13 +107,14 @@ bool readAnyNode(FieldReader &reader, bool oldVersion, unsigned int level, unsig
         MeshRecord record;
         if (!readMesh(reader, oldVersion, record)) return false;
         if (record.boneCount > bonesLeft)
-            return reader.refuseValue(offset, "bone count", static_cast<long>(record.boneCount),
-                                      "more bones than a file of this size may list");
+            return reader.refuseValue(offset, KT_TEXT("bone count"), static_cast<long>(record.boneCount),
+                                      KT_TEXT("more bones than a file of this size may list"));
         bonesLeft -= record.boneCount;
         children = record.children;
         if (visitor) visitor->mesh(record, level);
     } else {
-        return reader.refuseValue(offset, "type", static_cast<long>(type), "unknown node type");
+        return reader.refuseValue(offset, KT_TEXT("type"), static_cast<long>(type),
+                                  KT_TEXT("unknown node type"));
     }
     return true;
 }
@@ -136,7 +139,8 @@ bool checkTree(FieldReader &reader, bool oldVersion, std::size_t bonesLeft, Scen
         unsigned int children = 0;
         if (!readAnyNode(reader, oldVersion, level, children, bonesLeft, visitor)) return false;
         if (children == 0) continue;
-        if (++level == kMaxTreeDepth) return reader.refuse(reader.position(), "type", "nodes nest too deep");
+        if (++level == kMaxTreeDepth)
+            return reader.refuse(reader.position(), KT_TEXT("type"), KT_TEXT("nodes nest too deep"));
         pending[level] = static_cast<std::uint16_t>(children);
     }
 }
@@ -144,76 +148,77 @@ bool checkTree(FieldReader &reader, bool oldVersion, std::size_t bonesLeft, Scen
 }  // namespace
 
 bool readHeader(FieldReader &reader, SceneHeader &header) {
-    const unsigned char *magic = reader.array("magic", kMagicSize, 1);
-    header.materials = reader.u16("material count");
+    const unsigned char *magic = reader.array(KT_TEXT("magic"), kMagicSize, 1);
+    header.materials = reader.u16(KT_TEXT("material count"));
     if (!reader.isWhole()) return false;
     header.oldVersion = std::memcmp(magic, kOldMagic, kComparedMagic) == 0;
     if (!header.oldVersion && std::memcmp(magic, kMagic, kComparedMagic) != 0)
-        return reader.refuse(0, "magic", "not a scene file of version 1.5a or 1.6a");
+        return reader.refuse(0, KT_TEXT("magic"), KT_TEXT("not a scene file of version 1.5a or 1.6a"));
     if (header.materials > reader.remaining() / kSmallestMaterial)
-        return reader.refuseValue(kMagicSize, "material count", static_cast<long>(header.materials),
-                                  "more than the rest of the file can hold");
+        return reader.refuseValue(kMagicSize, KT_TEXT("material count"), static_cast<long>(header.materials),
+                                  KT_TEXT("more than the rest of the file can hold"));
     return true;
 }
 
 bool readMaterial(FieldReader &reader, MaterialRecord &record) {
-    record.name = reader.string("name");
-    record.texture = reader.string("texture");
-    record.shader = reader.string("shader");
-    reader.floats("ambient", record.ambient, 4);
-    reader.floats("diffuse", record.diffuse, 4);
-    reader.floats("specular", record.specular, 4);
-    reader.floats("emission", record.emission, 4);
-    record.transparency = reader.f32("transparency");
-    record.shininess = reader.f32("shininess");
+    record.name = reader.string(KT_TEXT("name"));
+    record.texture = reader.string(KT_TEXT("texture"));
+    record.shader = reader.string(KT_TEXT("shader"));
+    reader.floats(KT_TEXT("ambient"), record.ambient, 4);
+    reader.floats(KT_TEXT("diffuse"), record.diffuse, 4);
+    reader.floats(KT_TEXT("specular"), record.specular, 4);
+    reader.floats(KT_TEXT("emission"), record.emission, 4);
+    record.transparency = reader.f32(KT_TEXT("transparency"));
+    record.shininess = reader.f32(KT_TEXT("shininess"));
     return reader.isWhole();
 }
 
 bool readPlain(FieldReader &reader, PlainRecord &record) {
-    record.auxId = reader.u32("auxId");
-    record.name = reader.string("name");
-    reader.floats("position", record.position, 3);
-    reader.floats("origin", record.origin, 3);
+    record.auxId = reader.u32(KT_TEXT("auxId"));
+    record.name = reader.string(KT_TEXT("name"));
+    reader.floats(KT_TEXT("position"), record.position, 3);
+    reader.floats(KT_TEXT("origin"), record.origin, 3);
     const std::size_t childrenOffset = reader.position();
-    record.children = reader.u16("children");
+    record.children = reader.u16(KT_TEXT("children"));
     return reader.isWhole() && acceptChildren(reader, childrenOffset, record.children);
 }
 
 bool readLight(FieldReader &reader, LightRecord &record) {
-    reader.u32("unused");
-    record.lightType = reader.u8("lightType");
-    record.name = reader.string("name");
-    reader.floats("position", record.position, 3);
-    reader.floats("direction", record.direction, 3);
-    record.cutOff = reader.f32("cutOff");
-    reader.floats("colour", record.color, 3);
+    reader.u32(KT_TEXT("unused"));
+    record.lightType = reader.u8(KT_TEXT("lightType"));
+    record.name = reader.string(KT_TEXT("name"));
+    reader.floats(KT_TEXT("position"), record.position, 3);
+    reader.floats(KT_TEXT("direction"), record.direction, 3);
+    record.cutOff = reader.f32(KT_TEXT("cutOff"));
+    reader.floats(KT_TEXT("colour"), record.color, 3);
     const std::size_t childrenOffset = reader.position();
-    record.children = reader.u16("children");
+    record.children = reader.u16(KT_TEXT("children"));
     return reader.isWhole() && acceptChildren(reader, childrenOffset, record.children);
 }
 
 bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record) {
-    reader.u32("unused");
-    record.name = reader.string("name");
-    reader.floats("position", record.position, 3);
-    reader.floats("rotation", record.rotation, 3);
-    reader.floats("origin", record.origin, 3);
-    record.material = reader.string("material");
-    record.radius = reader.f32("radius");
-    reader.floats("minimum", record.minimum, 3);
-    reader.floats("maximum", record.maximum, 3);
-    record.hidden = reader.u8("hidden") != 0;
-    record.vertexCount = reader.u16("vertex count");
+    reader.u32(KT_TEXT("unused"));
+    record.name = reader.string(KT_TEXT("name"));
+    reader.floats(KT_TEXT("position"), record.position, 3);
+    reader.floats(KT_TEXT("rotation"), record.rotation, 3);
+    reader.floats(KT_TEXT("origin"), record.origin, 3);
+    record.material = reader.string(KT_TEXT("material"));
+    record.radius = reader.f32(KT_TEXT("radius"));
+    reader.floats(KT_TEXT("minimum"), record.minimum, 3);
+    reader.floats(KT_TEXT("maximum"), record.maximum, 3);
+    record.hidden = reader.u8(KT_TEXT("hidden")) != 0;
+    record.vertexCount = reader.u16(KT_TEXT("vertex count"));
     const std::size_t uvCountOffset = reader.position();
-    record.uvCount = reader.u16("texture coordinate count");
-    record.faceCount = reader.u16("face count");
+    record.uvCount = reader.u16(KT_TEXT("texture coordinate count"));
+    record.faceCount = reader.u16(KT_TEXT("face count"));
     const std::size_t childrenOffset = reader.position();
-    record.children = reader.u16("children");
-    record.influenceCount = reader.u16("influence count");
+    record.children = reader.u16(KT_TEXT("children"));
+    record.influenceCount = reader.u16(KT_TEXT("influence count"));
     // Checked here, since everything after a wrong count is read from the wrong offset.
     if (reader.isWhole() && record.uvCount != 0 && record.uvCount < record.vertexCount)
-        return reader.refuseValue(uvCountOffset, "texture coordinate count",
-                                  static_cast<long>(record.uvCount), "neither 0 nor one for each vertex");
+        return reader.refuseValue(uvCountOffset, KT_TEXT("texture coordinate count"),
+                                  static_cast<long>(record.uvCount),
+                                  KT_TEXT("neither 0 nor one for each vertex"));
     std::size_t facesOffset = 0, influencesOffset = 0;
     readGeometry(reader, oldVersion, record, facesOffset);
     readSkin(reader, record, influencesOffset);

@@ -2,13 +2,11 @@
 #ifndef KELTRA_FORMATS_SETTINGS_H
 #define KELTRA_FORMATS_SETTINGS_H
 
-// The keys of settings files, and what their lines get wrong.
+// The keys of settings files.
 
 #include <keltra/foundation.h>
 
 #include <cstddef>
-
-#include "formats/fault.h"
 
 namespace keltra {
 
@@ -30,10 +28,6 @@ extern const SettingKey kSettingsKeys[kSettingsKeyCount];
 bool readSetting(const vnfParser &text, const char *key, int &value);
 bool readSetting(const vnfParser &text, const char *key, bool &value);
 bool readSetting(const vnfParser &text, const char *key, char (&value)[256]);
-
-// Warns of each line of a text without comments that has no effect, or not the one that it seems to have.
-// Keys that do not begin like the engine's belong to another program.
-void checkSettings(const vnfParser &text, FaultSink &sink);
 
 }  // namespace keltra
 

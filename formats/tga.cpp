@@ -243,16 +243,20 @@ void flipRows(const TgaImage &image, std::uint8_t *pixels) {
 }  // namespace
 
 bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault) {
-    if (size < kHeaderSize) return refuse(fault, size, "header", "ends before its 18 bytes");
+    if (size < kHeaderSize)
+        return refuse(fault, size, KT_TEXT("header"), KT_TEXT("ends before its 18 bytes"));
     const std::uint8_t *header = static_cast<const std::uint8_t *>(file);
     const unsigned int bits = header[16];
-    if (bits != 24 && bits != 32) return refuseValue(fault, 16, "bits a pixel", bits, "neither 24 nor 32");
+    if (bits != 24 && bits != 32)
+        return refuseValue(fault, 16, KT_TEXT("bits a pixel"), bits, KT_TEXT("neither 24 nor 32"));
     image.sizeX = header[12] | header[13] << 8;
     image.sizeY = header[14] | header[15] << 8;
     if (!isSize(image.sizeX))
-        return refuseValue(fault, 12, "width", image.sizeX, "outside 1 to %ld", kMaxTextureSize);
+        return refuseValue(fault, 12, KT_TEXT("width"), image.sizeX, KT_TEXT("outside 1 to %ld"),
+                           kMaxTextureSize);
     if (!isSize(image.sizeY))
-        return refuseValue(fault, 14, "height", image.sizeY, "outside 1 to %ld", kMaxTextureSize);
+        return refuseValue(fault, 14, KT_TEXT("height"), image.sizeY, KT_TEXT("outside 1 to %ld"),
+                           kMaxTextureSize);
     image.kind = kindOf(header);
     image.bytesPerPixel = bits / 8;
     // Bit 5 says that the top row comes first, but any of bits 4 to 7 turns the picture: files rely on it.
@@ -260,12 +264,13 @@ bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault)
     image.data = header + kHeaderSize;
     image.dataSize = size - kHeaderSize;
     if (image.dataSize >= leastData(image)) return true;
-    return refuse(fault, size, "pixels", "the file is too short for its image");
+    return refuse(fault, size, KT_TEXT("pixels"), KT_TEXT("the file is too short for its image"));
 }
 
 Fault otherTgaKind() {
     Fault fault;
-    refuse(&fault, 2, "kind", "neither uncompressed nor run-length true-colour: no pixels are loaded");
+    refuse(&fault, 2, KT_TEXT("kind"),
+           KT_TEXT("neither uncompressed nor run-length true-colour: no pixels are loaded"));
     return fault;
 }
 
@@ -313,14 +318,16 @@ bool TgaUnpacker::finish(const TgaImage &image, std::uint8_t *pixels, std::size_
     }
     // Of a packet that began, its pixels are missing.
     const std::size_t offset = kHeaderSize + taken + (taken < size);
-    return refuse(fault, offset, taken < size ? "pixels of a packet" : "packet",
-                  "the file ends before the image is full");
+    return refuse(fault, offset, taken < size ? KT_TEXT("pixels of a packet") : KT_TEXT("packet"),
+                  KT_TEXT("the file ends before the image is full"));
 }
 
 bool decodeTga(const TgaImage &image, std::uint8_t *target, Fault *fault) {
-    if (image.kind == TgaKind::kOther) return refuse(fault, 0, "kind", "has no pixels that are read");
+    if (image.kind == TgaKind::kOther)
+        return refuse(fault, 0, KT_TEXT("kind"), KT_TEXT("has no pixels that are read"));
     if (image.dataSize < leastData(image))
-        return refuse(fault, kHeaderSize + image.dataSize, "pixels", "the file is too short for its image");
+        return refuse(fault, kHeaderSize + image.dataSize, KT_TEXT("pixels"),
+                      KT_TEXT("the file is too short for its image"));
     if (image.kind == TgaKind::kRunLength) {
         TgaUnpacker unpacker(image, target);
         const std::size_t taken = unpacker.unpack(image.data, image.dataSize, true);

@@ -61,7 +61,7 @@ bool readPicture(FaultScope &scope, std::FILE *file, std::size_t size, TgaImage 
     if (!parseTga(header, size, image, &fault)) return scope.fail(toPublic(fault));
     image.data = nullptr;
     if (image.kind == TgaKind::kOther) {
-        scope.warn(toPublic(otherTgaKind()));
+        warnFault({}, toPublic(otherTgaKind()));
         return true;
     }
     pixels = static_cast<std::uint8_t *>(newBlock(image.bytes()));

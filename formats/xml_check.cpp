@@ -1,39 +1,188 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/xml_check.h"
 
-#include "formats/plain_integer.h"
+#include "formats/emitter.h"
+#include "formats/fault.h"
+#include "formats/gui.h"
+#include "formats/limits.h"
 #include "formats/xml_document.h"
 
 #include <tinyxml.h>
 
-#include <cerrno>
+#include <climits>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace keltra {
 
 namespace {
 
-KTFAULT warning(KT_FAULT_CODE code, const char *found, const char *expected) {
-    KTFAULT fault = newFault(code);
-    fault.severity = KT_FAULT_WARNING;
-    setFaultText(fault.found, found);
-    setFaultText(fault.expected, expected);
-    return fault;
-}
-
-// "attribute of `box`".
-template <std::size_t kSize>
-void setMember(char (&field)[kSize], const char *what, const char *whole) {
-    if (kFaultTexts) std::snprintf(field, sizeof field, "%s of `%s`", what, whole);
-}
-
 bool isOneOf(const char *const *names, const char *wanted) {
     for (; *names; ++names)
-        if (**names == *wanted && std::strcmp(*names, wanted) == 0) return true;
+        if (std::strcmp(*names, wanted) == 0) return true;
     return false;
+}
+
+bool isReal(const char *text) {
+    float number;
+    if (xmlPlainFloat(text, number)) return true;
+    int length = 0;
+    return std::sscanf(text, "%f%n", &number, &length) == 1 && number - number == 0.0f && !text[length];
+}
+
+// What is wrong with the value; nothing when it is of the kind. The range is one of integers.
+FaultText flawOf(const char *text, XmlValue kind, long least, long most) {
+    switch (kind) {
+        case XmlValue::kReal:
+        case XmlValue::kSize:
+        case XmlValue::kVector:
+            return isReal(text) ? FaultText() : KT_TEXT("a number");
+        case XmlValue::kShortText:
+            return std::strlen(text) < kNameSize ? FaultText() : KT_TEXT("at most 255 characters");
+        case XmlValue::kText:
+            return {};
+        default:
+            break;
+    }
+    const FaultText flaw = integerFlaw(text, least, most);
+    const bool isSource = kind == XmlValue::kSourceFactor;
+    if (flaw != FaultText() || (!isSource && kind != XmlValue::kDestinationFactor)) return flaw;
+    return isBlendFactor(xmlInteger(text), isSource) ? flaw : KT_TEXT("a blend factor of that side");
+}
+
+// With `hasLines`, the elements know their lines.
+class XmlCheck {
+   public:
+    explicit XmlCheck(bool hasLines) : hasLines(hasLines) {}
+
+    void unknown(const TiXmlElement &element, const char *found, const char *nearest, FaultText what,
+                 const char *whole) const;
+    void unknownElement(const TiXmlElement &element, const char *nearest) const;
+    // Warns of each attribute that is not one of the names, a list with null behind the last, of those that
+    // are missing, and of values that are not of the kind.
+    void attributes(const TiXmlElement &element, const char *const *names, XmlValue kind) const;
+
+    void tell(const TiXmlElement &element, KTFAULT &fault) const;
+
+   private:
+    void value(const TiXmlElement &element, const char *attribute, const char *text, XmlValue kind) const;
+
+    const bool hasLines;
+};
+
+void XmlCheck::tell(const TiXmlElement &element, KTFAULT &fault) const {
+    if (hasLines) fault.line = xmlLine(element);
+    warnFault({}, fault);
+}
+
+void XmlCheck::unknown(const TiXmlElement &element, const char *found, const char *nearest, FaultText what,
+                       const char *whole) const {
+    KTFAULT &fault = newFault(KT_FAULT_UNKNOWN);
+    writeFaultText(fault.field, what, whole);
+    setFaultText(fault.found, found);
+    setFaultText(fault.expected, nearest);
+    tell(element, fault);
+}
+
+void XmlCheck::unknownElement(const TiXmlElement &element, const char *nearest) const {
+    const TiXmlNode *parent = element.Parent();
+    const bool isInside = parent && parent->ToElement();
+    unknown(element, element.Value(), nearest,
+            isInside ? KT_TEXT("element of `%s`") : KT_TEXT("root element"), isInside ? parent->Value() : "");
+}
+
+void XmlCheck::attributes(const TiXmlElement &element, const char *const *names, XmlValue kind) const {
+    for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
+         attribute = attribute->Next()) {
+        if (isOneOf(names, attribute->Name())) continue;
+        NearestName nearest(attribute->Name());
+        for (const char *const *name = names; *name; ++name) nearest.offer(*name);
+        unknown(element, attribute->Name(), nearest.name(), KT_TEXT("attribute of `%s`"), element.Value());
+    }
+    for (; *names; ++names) {
+        const char *text = element.Attribute(*names);
+        if (text) {
+            value(element, *names, text, kind);
+            continue;
+        }
+        KTFAULT &fault = newFault(KT_FAULT_MISSING);
+        setFaultText(fault.field, element.Value());
+        writeFaultText(fault.expected, KT_TEXT("attribute `%s`"), *names);
+        tell(element, fault);
+    }
+}
+
+void XmlCheck::value(const TiXmlElement &element, const char *attribute, const char *text,
+                     XmlValue kind) const {
+    const bool isNumber = kind == XmlValue::kNumber, isMaximum = kind == XmlValue::kMaximum;
+    const long least = isNumber || isMaximum ? 0 : INT_MIN, most = isNumber ? long{kMaxParticles} : INT_MAX;
+    const FaultText expected = flawOf(text, kind, least, most);
+    if (expected == FaultText()) return;
+    KTFAULT &fault = newFault(KT_FAULT_VALUE);
+    std::snprintf(fault.field, sizeof fault.field, "%s %s", element.Value(), attribute);
+    setFaultText(fault.found, text);
+    writeFaultText(fault.expected, expected, least, most);
+    tell(element, fault);
+}
+
+class GuiCheck {
+   public:
+    explicit GuiCheck(bool hasLines) : check(hasLines) {}
+
+    void element(const TiXmlElement &element) const {
+        const int property = guiProperty(element.Value());
+        if (property >= 0) {
+            check.attributes(element, kGuiProperties[property].attributes, kGuiProperties[property].kind);
+            const char *kind = property == kGuiKind ? element.Attribute("value") : nullptr;
+            if (kind) checkKind(element, kind);
+        } else if (guiObject(element.Value()) >= 0) {
+            checkObject(element);
+        } else {
+            checkUnknown(element);
+        }
+    }
+
+   private:
+    // Objects have no attributes: nested elements hold their values.
+    void checkObject(const TiXmlElement &element) const {
+        for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
+             attribute = attribute->Next()) {
+            NearestName nearest(attribute->Name());
+            for (const GuiProperty &property : kGuiProperties) nearest.offer(property.name);
+            char tag[32];
+            std::snprintf(tag, sizeof tag, "<%s>", nearest.name());
+            const bool isElement = std::strcmp(nearest.name(), attribute->Name()) == 0;
+            check.unknown(element, attribute->Name(), isElement ? tag : nearest.name(),
+                          KT_TEXT("attribute of `%s`"), element.Value());
+        }
+    }
+
+    void checkUnknown(const TiXmlElement &element) const {
+        NearestName nearest(element.Value());
+        for (const char *name : kGuiObjectNames) nearest.offer(name);
+        for (const GuiProperty &property : kGuiProperties) nearest.offer(property.name);
+        check.unknownElement(element, nearest.name());
+    }
+
+    void checkKind(const TiXmlElement &element, const char *text) const {
+        NearestName nearest(text);
+        for (const char *kind : kGuiKinds) {
+            if (std::strcmp(kind, text) == 0) return;
+            nearest.offer(kind);
+        }
+        check.unknown(element, text, nearest.name(), KT_TEXT("kind"), "");
+    }
+
+    const XmlCheck check;
+};
+
+void checkElement(const XmlCheck &check, const TiXmlElement &element) {
+    if (const EmitterSetting *setting = findEmitterSetting(element.Value()))
+        return check.attributes(element, emitterAttributes(setting->kind), setting->kind);
+    NearestName nearest(element.Value());
+    for (const EmitterSetting &known : kEmitterSettings) nearest.offer(known.name);
+    check.unknownElement(element, nearest.name());
 }
 
 }  // namespace
@@ -42,82 +191,39 @@ unsigned int xmlLine(const TiXmlElement &element) {
     return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(element.GetUserData()));
 }
 
-void XmlCheck::tell(const TiXmlElement &element, KTFAULT &fault) {
-    if (hasLines) fault.line = xmlLine(element);
-    sink.warn(fault);
+void warnOfObjects(const TiXmlElement &element, bool hasLines) {
+    KTFAULT &fault = newFault(KT_FAULT_LIMIT);
+    writeFaultText(fault.field, KT_TEXT("objects"));
+    writeFaultText(fault.found, KT_TEXT("more than %u"), kGuiObjects);
+    writeFaultText(fault.expected, KT_TEXT("the others are left out"));
+    XmlCheck(hasLines).tell(element, fault);
 }
 
-void XmlCheck::unknownElement(const TiXmlElement &element, const char *nearest) {
-    KTFAULT fault = warning(KT_FAULT_UNKNOWN, element.Value(), nearest);
-    const TiXmlNode *parent = element.Parent();
-    const bool isInside = parent && parent->ToElement();
-    if (isInside)
-        setMember(fault.field, "element", parent->Value());
-    else
-        setFaultText(fault.field, faultText("root element"));
-    tell(element, fault);
-}
-
-void XmlCheck::unknownAttribute(const TiXmlElement &element, const char *attribute, const char *nearest) {
-    KTFAULT fault = warning(KT_FAULT_UNKNOWN, attribute, nearest);
-    setMember(fault.field, "attribute", element.Value());
-    tell(element, fault);
-}
-
-void XmlCheck::attributes(const TiXmlElement &element, const char *const *names) {
-    for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
-         attribute = attribute->Next()) {
-        if (isOneOf(names, attribute->Name())) continue;
-        NearestName nearest(attribute->Name());
-        for (const char *const *name = names; *name; ++name) nearest.offer(*name);
-        unknownAttribute(element, attribute->Name(), nearest.name());
+// Follows the links of the document instead of recursing: the device's stack is small.
+void checkGui(const TiXmlNode &top, bool hasLines) {
+    const GuiCheck check(hasLines);
+    for (const TiXmlNode *node = &top; node;) {
+        const TiXmlElement *element = node->ToElement();
+        const bool isRoot = element && node == &top && std::strcmp(element->Value(), "root") == 0;
+        if (element && !isRoot) check.element(*element);
+        if (node->FirstChild()) {
+            node = node->FirstChild();
+            continue;
+        }
+        while (node != &top && !node->NextSibling()) node = node->Parent();
+        node = node == &top ? nullptr : node->NextSibling();
     }
 }
 
-void XmlCheck::missing(const TiXmlElement &element, const char *attribute) {
-    KTFAULT fault = warning(KT_FAULT_MISSING, "", "");
-    setFaultText(fault.field, element.Value());
-    setExpected(fault, kFaultTexts ? "attribute `%s`" : "%s", attribute);
-    tell(element, fault);
-}
-
-void XmlCheck::value(const TiXmlElement &element, const char *attribute, const char *found,
-                     const char *expected) {
-    KTFAULT fault = warning(KT_FAULT_VALUE, found, expected);
-    std::snprintf(fault.field, sizeof fault.field, "%s %s", element.Value(), attribute);
-    tell(element, fault);
-}
-
-void XmlCheck::unknownValue(const TiXmlElement &element, const char *found, const char *what,
-                            const char *nearest) {
-    KTFAULT fault = warning(KT_FAULT_UNKNOWN, found, nearest);
-    setFaultText(fault.field, faultText(what));
-    tell(element, fault);
-}
-
-void XmlCheck::integer(const TiXmlElement &element, const char *attribute, long least, long most) {
-    const char *text = element.Attribute(attribute);
-    if (!text) return missing(element, attribute);
-    long plain;
-    if (plainInteger(text, plain) && plain >= least && plain <= most) return;
-    char *end = nullptr;
-    errno = 0;
-    const long number = std::strtol(text, &end, 10);
-    if (end == text || *end) return value(element, attribute, text, faultText("a whole number"));
-    if (errno == 0 && number >= least && number <= most) return;
-    char range[64];
-    std::snprintf(range, sizeof range, "%ld to %ld", least, most);
-    value(element, attribute, text, range);
-}
-
-void XmlCheck::real(const TiXmlElement &element, const char *attribute) {
-    const char *text = element.Attribute(attribute);
-    if (!text) return missing(element, attribute);
-    float number;
-    if (xmlPlainFloat(text, number)) return;
-    int length = 0;
-    const bool isNumber = std::sscanf(text, "%f%n", &number, &length) == 1 && number - number == 0.0f;
-    if (!isNumber || text[length]) value(element, attribute, text, faultText("a number"));
+void checkEmitter(const TiXmlDocument &document) {
+    const XmlCheck check(true);
+    const TiXmlElement *root = emitterRoot(document);
+    if (!root) {
+        if (document.RootElement()) check.unknownElement(*document.RootElement(), kEmitterRoot);
+        return;
+    }
+    for (const TiXmlElement *child = root->FirstChildElement(); child; child = child->NextSiblingElement())
+        checkElement(check, *child);
 }
 
 }  // namespace keltra

@@ -116,31 +116,33 @@ int parseText(const XmlText &text, TiXmlDocument &document, int tabSize) {
 }
 
 Fault faultOf(int error) {
-    Fault noMemory;
-    refuseMemory(&noMemory);
-    const auto fault = [](const char *field, const char *reason) {
-        return Fault{0, faultText(field), faultText(reason)};
+    static const struct {
+        unsigned char error;
+        FaultText field, reason;
+    } kErrors[] = {
+        {TiXmlBase::TIXML_ERROR_READING_ELEMENT_VALUE, KT_TEXT("element"),
+         KT_TEXT("is not closed, or its contents are wrong")},
+        {TiXmlBase::TIXML_ERROR_PARSING_ELEMENT, KT_TEXT("element"),
+         KT_TEXT("has no name, or an attribute twice")},
+        {TiXmlBase::TIXML_ERROR_FAILED_TO_READ_ELEMENT_NAME, KT_TEXT("element"), KT_TEXT("has no name")},
+        {TiXmlBase::TIXML_ERROR_READING_ATTRIBUTES, KT_TEXT("attribute"),
+         KT_TEXT("is no name with a quoted value")},
+        {TiXmlBase::TIXML_ERROR_PARSING_EMPTY, KT_TEXT("tag"),
+         KT_TEXT("ends in a slash without its bracket")},
+        {TiXmlBase::TIXML_ERROR_READING_END_TAG, KT_TEXT("end tag"),
+         KT_TEXT("is not that of the element it ends")},
+        {TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY, KT_TEXT("document"), KT_TEXT("holds no markup")},
+        {0, KT_TEXT("document"), KT_TEXT("is no XML")},
     };
-    switch (error) {
-        case TiXmlBase::TIXML_ERROR_READING_ELEMENT_VALUE:
-            return fault("element", "is not closed, or its contents are wrong");
-        case TiXmlBase::TIXML_ERROR_PARSING_ELEMENT:
-            return fault("element", "has no name, or an attribute twice");
-        case TiXmlBase::TIXML_ERROR_FAILED_TO_READ_ELEMENT_NAME:
-            return fault("element", "has no name");
-        case TiXmlBase::TIXML_ERROR_READING_ATTRIBUTES:
-            return fault("attribute", "is no name with a quoted value");
-        case TiXmlBase::TIXML_ERROR_PARSING_EMPTY:
-            return fault("tag", "ends in a slash without its bracket");
-        case TiXmlBase::TIXML_ERROR_READING_END_TAG:
-            return fault("end tag", "is not that of the element it ends");
-        case TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY:
-            return fault("document", "holds no markup");
-        case kNoMemory:
-            return noMemory;
-        default:
-            return fault("document", "is no XML");
+    Fault fault;
+    if (error == kNoMemory) {
+        refuseMemory(&fault);
+        return fault;
     }
+    const auto *known = kErrors;
+    while (known->error && known->error != error) ++known;
+    refuse(&fault, 0, known->field, known->reason);
+    return fault;
 }
 
 // The parser reports the position of an error only when it tracks row and column, and then loops without end
@@ -236,13 +238,13 @@ bool loadXmlDocument(const char *path, TiXmlDocument &document, FaultScope *scop
 
 bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document, Fault *fault) {
     document.Clear();
-    if (!bytes) return refuse(fault, 0, "document", "is empty or cannot be read");
+    if (!bytes) return refuse(fault, 0, KT_TEXT("document"), KT_TEXT("is empty or cannot be read"));
     if (size > static_cast<std::size_t>(kMaxXmlBytes))
-        return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), "document", "is larger than %ld MiB",
-                      kMaxXmlBytes >> 20);
+        return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), KT_TEXT("document"),
+                      KT_TEXT("is larger than %ld MiB"), kMaxXmlBytes >> 20);
     if (const void *zero = std::memchr(bytes, '\0', size))
-        return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - bytes), "document",
-                      "holds a zero byte");
+        return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - bytes),
+                      KT_TEXT("document"), KT_TEXT("holds a zero byte"));
     static const char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
     const std::size_t textSize = size - mark, linesSize = mostElements(textSize) * sizeof(unsigned int);

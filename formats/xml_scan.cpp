@@ -15,9 +15,9 @@ bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 }  // namespace
 
 // Notes the first reason; always false.
-bool MarkupScan::refused(const char *why, long most) {
-    if (reason) return false;
-    reason = faultText(why);
+bool MarkupScan::refused(FaultText why, long most) {
+    if (reason != FaultText()) return false;
+    reason = why;
     limit = most;
     return false;
 }
@@ -98,13 +98,13 @@ bool MarkupScan::skipElement() {
     for (;;) {
         const char c = skipNames();
         if (c == '"' || c == '\'') {
-            if (!skipQuoted(c)) return refused("has a quote that is not closed");
+            if (!skipQuoted(c)) return refused(KT_TEXT("has a quote that is not closed"));
         } else if (c == '=') {
             if (++attributes > kMaxXmlAttributes)
-                return refused("has more than %ld attributes", kMaxXmlAttributes);
+                return refused(KT_TEXT("has more than %ld attributes"), kMaxXmlAttributes);
         } else if (c == '>') {
             return kept[-2] == '/' || ++depth <= kMaxXmlNesting ||
-                   refused("nests deeper than %ld elements", kMaxXmlNesting);
+                   refused(KT_TEXT("nests deeper than %ld elements"), kMaxXmlNesting);
         } else if (cursor > end) {
             return false;
         } else {
@@ -145,9 +145,9 @@ bool MarkupScan::run() {
         skipText();
         if (cursor == end) break;
         tag = cursor;
-        if (++tags > kMaxXmlTags) return refused("more than %ld tags", kMaxXmlTags);
+        if (++tags > kMaxXmlTags) return refused(KT_TEXT("more than %ld tags"), kMaxXmlTags);
         char *const place = kept;
-        if (!skipMarkup()) return refused("does not end");
+        if (!skipMarkup()) return refused(KT_TEXT("does not end"));
         measure(place);
         if (kept != place) textBegin = kept;
     }

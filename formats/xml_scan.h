@@ -37,10 +37,14 @@ class MarkupScan {
     char *keptEnd() const { return kept; }
     unsigned int elementCount() const { return elements; }
     // Valid after a run that returned false; the offset is that of the tag in the text.
-    Fault fault() const { return {static_cast<std::size_t>(tag - begin), faultText("tag"), reason, limit}; }
+    Fault fault() const {
+        Fault noted;
+        refuse(&noted, static_cast<std::size_t>(tag - begin), KT_TEXT("tag"), reason, limit);
+        return noted;
+    }
 
    private:
-    bool refused(const char *why, long most = 0);
+    bool refused(FaultText why, long most = 0);
     template <std::size_t kSize>
     bool at(const char (&text)[kSize]) const;
     void measure(const char *from) { longest = std::max(longest, static_cast<std::size_t>(kept - from)); }
@@ -69,7 +73,7 @@ class MarkupScan {
     unsigned int line = 1, elements = 0;
     unsigned depth = 0, tags = 0;
     std::size_t longest = 0;
-    const char *reason = nullptr;
+    FaultText reason = {};
     long limit = 0;
 };
 

@@ -8,16 +8,16 @@
 #include <cstdio>
 #include <cstring>
 
-void keltra::takeText(char (&target)[256], const char *text, const char *call, const char *argument) {
+void keltra::takeText(char (&target)[256], const char *text, FaultCall call, FaultText argument) {
     // Checked first: the text may be the target itself.
     const bool cut = text && !std::memchr(text, '\0', sizeof target);
     copyText(target, text);
     if (cut) warnLong(call, argument);
 }
 
-bool keltra::takeName(char (&target)[256], const char *text, const char *call) {
-    if (!text) return failNull(call, "text");
-    if (!std::memchr(text, '\0', sizeof target)) return failLong(call, "text");
+bool keltra::takeName(char (&target)[256], const char *text, FaultCall call) {
+    if (!text) return failNull(call, KT_TEXT("text"));
+    if (!std::memchr(text, '\0', sizeof target)) return failLong(call, KT_TEXT("text"));
     copyName(target, text);
     return true;
 }

@@ -4,7 +4,6 @@
 #include "platform/platform.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace keltra {
@@ -18,17 +17,16 @@ struct Channel {
     unsigned int reported;  // since the outermost scope began
     bool inHandler;
 };
-Channel channel = {nullptr, 0, 0, 0, 0, false};
 
-KTFAULT last;
-unsigned int faults = 0;
-KTFAULTHANDLER handler = nullptr;
-void *handlerUser = nullptr;
-
-bool isPrinting() {
-    static const bool printing = platformHasSwitch("KELTRA_FAULTS");
-    return printing;
-}
+struct Faults {
+    Channel channel;
+    unsigned int count;
+    bool isEnvironmentRead, isPrinting;
+    KTFAULTHANDLER handler;
+    void *user;
+    KTFAULT last, handed;  // the second stays as it is while the handler makes faults
+};
+Faults faults;
 
 void print(const KTFAULT &fault) {
     char sentence[1024];
@@ -39,20 +37,19 @@ void print(const KTFAULT &fault) {
 
 // Calls of the handler belong to no scope that is open.
 void handOver(const KTFAULT &fault) {
-    static KTFAULT handed;  // stays as it is while the handler makes faults
-    handed = fault;
-    const Channel before = channel;
-    channel = {nullptr, 0, 0, 0, 0, true};
-    handler(&handed, handlerUser);
-    const unsigned int errors = channel.errors;
-    channel = before;
-    channel.errors += errors;
+    faults.handed = fault;
+    const Channel before = faults.channel;
+    faults.channel = {nullptr, 0, 0, 0, 0, true};
+    faults.handler(&faults.handed, faults.user);
+    const unsigned int errors = faults.channel.errors;
+    faults.channel = before;
+    faults.channel.errors += errors;
 }
 
 // Names the call, the file and the file that named it by the scopes that are open.
 void addScopes(KTFAULT &fault) {
-    for (FaultScope *scope = channel.scope; scope; scope = scope->outer) {
-        fault.call = scope->call;
+    for (const FaultScope *scope = faults.channel.scope; scope; scope = scope->outer) {
+        if (!scope->outer) fault.call = faultCallName(scope->call);
         if (!scope->file) continue;
         if (!*fault.file) {
             setFaultPath(fault.file, scope->file);
@@ -64,16 +61,29 @@ void addScopes(KTFAULT &fault) {
     }
 }
 
-void tell(KTFAULT &fault) {
-    if (channel.silent) return;
-    if (channel.optional) fault.severity = KT_FAULT_WARNING;
-    if (fault.severity == KT_FAULT_ERROR) ++channel.errors;
-    ++channel.reported;
+// Always false.
+bool tell(KTFAULT &fault) {
+    if (faults.channel.silent) return false;
+    if (faults.channel.optional) fault.severity = KT_FAULT_WARNING;
+    if (fault.severity == KT_FAULT_ERROR) ++faults.channel.errors;
+    ++faults.channel.reported;
     addScopes(fault);
-    last = fault;
-    ++faults;
-    if (isPrinting()) print(fault);
-    if (handler && !channel.inHandler) handOver(fault);
+    faults.last = fault;
+    ++faults.count;
+    if (!faults.isEnvironmentRead) {
+        faults.isEnvironmentRead = true;
+        faults.isPrinting = platformHasSwitch("KELTRA_FAULTS");
+    }
+    if (faults.isPrinting) print(fault);
+    if (faults.handler && !faults.channel.inHandler) handOver(fault);
+    return false;
+}
+
+bool tellFound(FaultCall call, KT_FAULT_CODE code, FaultText field, FaultText found) {
+    KTFAULT &fault = newFault(code);
+    writeFaultText(fault.field, field);
+    writeFaultText(fault.found, found);
+    return tellFault(call, fault);
 }
 
 KT_FAULT_CODE problemOf(const char *path, long largest) {
@@ -87,157 +97,119 @@ KT_FAULT_CODE problemOf(const char *path, long largest) {
     return size > largest ? KT_FAULT_FILE_SIZE : KT_FAULT_FILE_READ;
 }
 
-void fillFileFault(KTFAULT &fault, const char *path, bool isOutOfMemory, long largest) {
-    fault.code = isOutOfMemory ? KT_FAULT_OUT_OF_MEMORY : problemOf(path, largest);
+KTFAULT &fileFault(const char *path, bool isOutOfMemory, long largest) {
+    KTFAULT &fault = newFault(isOutOfMemory ? KT_FAULT_OUT_OF_MEMORY : problemOf(path, largest));
     setFaultPath(fault.file, path);
-    if (kFaultTexts && fault.code == KT_FAULT_FILE_SIZE) setExpected(fault, "%ld bytes", largest);
+    if (fault.code == KT_FAULT_FILE_SIZE) writeFaultText(fault.expected, KT_TEXT("%ld bytes"), largest);
+    return fault;
 }
 
 }  // namespace
 
-FaultScope::FaultScope(const char *call, const char *file)
-    : call(call), file(file), line(0), outer(channel.scope), errorsBefore(channel.errors) {
-    if (!outer) channel.reported = 0;
-    channel.scope = this;
+FaultScope::FaultScope(FaultCall call, const char *file)
+    : file(file), line(0), outer(faults.channel.scope), call(call), errorsBefore(faults.channel.errors) {
+    if (!outer) faults.channel.reported = 0;
+    faults.channel.scope = this;
 }
 
-FaultScope::~FaultScope() { channel.scope = outer; }
+FaultScope::~FaultScope() { faults.channel.scope = outer; }
 
-bool FaultScope::fail(KTFAULT fault) {
-    fault.severity = KT_FAULT_ERROR;
-    if (channel.errors == errorsBefore) tell(fault);
-    return false;
-}
+bool FaultScope::fail(KTFAULT &fault) { return faults.channel.errors == errorsBefore && tell(fault); }
 
-bool FaultScope::fail(KT_FAULT_CODE code) {
-    KTFAULT fault = newFault(code);
-    return fail(fault);
-}
+bool FaultScope::fail(KT_FAULT_CODE code) { return fail(newFault(code)); }
 
-bool FaultScope::failNull(const char *argument) {
-    return channel.errors == errorsBefore && keltra::failNull(call, argument);
+bool FaultScope::failNull(FaultText argument) {
+    return faults.channel.errors == errorsBefore && keltra::failNull(call, argument);
 }
 
 bool FaultScope::failFile(bool isOutOfMemory, long largest) {
-    if (!file) return failNull("name");
-    KTFAULT fault = newFault(KT_FAULT_NONE);
-    fillFileFault(fault, file, isOutOfMemory, largest);
-    return fail(fault);
+    if (!file) return failNull(KT_TEXT("name"));
+    return fail(fileFault(file, isOutOfMemory, largest));
 }
 
-void FaultScope::warn(KTFAULT fault) {
-    fault.severity = KT_FAULT_WARNING;
-    tell(fault);
+FaultOptional::FaultOptional() { ++faults.channel.optional; }
+FaultOptional::~FaultOptional() { --faults.channel.optional; }
+FaultSilence::FaultSilence() { ++faults.channel.silent; }
+FaultSilence::~FaultSilence() { --faults.channel.silent; }
+
+bool tellFault(FaultCall call, KTFAULT &fault) {
+    fault.call = faultCallName(call);
+    return tell(fault);
 }
 
-FaultOptional::FaultOptional() { ++channel.optional; }
-FaultOptional::~FaultOptional() { --channel.optional; }
-FaultSilence::FaultSilence() { ++channel.silent; }
-FaultSilence::~FaultSilence() { --channel.silent; }
-
-bool tellFault(const char *call, KTFAULT &fault) {
-    fault.call = call;
-    tell(fault);
-    return false;
-}
-
-void warnFault(const char *call, KTFAULT fault) {
+void warnFault(FaultCall call, KTFAULT &fault) {
     fault.severity = KT_FAULT_WARNING;
     tellFault(call, fault);
 }
 
-bool failWith(const char *call, KT_FAULT_CODE code, const char *field, const char *found,
-              const char *expected) {
-    KTFAULT fault = newFault(code);
-    setFaultText(fault.field, field);
-    setFaultText(fault.found, found);
-    setFaultText(fault.expected, expected);
-    return tellFault(call, fault);
-}
+bool failNull(FaultCall call, FaultText argument) { return tellFound(call, KT_FAULT_NULL, argument, {}); }
 
-bool failValueFrom(const char *call, const char *argument, long found, const char *format, long first,
-                   long second) {
-    KTFAULT fault = newFault(KT_FAULT_ARGUMENT);
-    setFaultText(fault.field, argument);
+bool failValue(FaultCall call, FaultText argument, long found, FaultText format, long first, long second) {
+    KTFAULT &fault = newFault(KT_FAULT_ARGUMENT);
+    writeFaultText(fault.field, argument);
     std::snprintf(fault.found, sizeof fault.found, "%ld", found);
-    std::snprintf(fault.expected, sizeof fault.expected, format, first, second);
+    writeFaultText(fault.expected, format, first, second);
     return tellFault(call, fault);
 }
 
-bool failNullOf(const char *call, const char *argument) {
-    return failWith(call, KT_FAULT_NULL, argument, "", "");
-}
+bool failState(FaultCall call, FaultText state) { return tellFound(call, KT_FAULT_STATE, {}, state); }
 
-bool failStateOf(const char *call, const char *state) {
-    return failWith(call, KT_FAULT_STATE, "", state, "");
-}
+bool failMemory(FaultCall call) { return tellFound(call, KT_FAULT_OUT_OF_MEMORY, {}, {}); }
 
-bool failMemory(const char *call) { return failWith(call, KT_FAULT_OUT_OF_MEMORY, "", "", ""); }
-
-void warnMemory(const char *call) { warnFault(call, newFault(KT_FAULT_OUT_OF_MEMORY)); }
-
-bool failRangeOf(const char *call, const char *argument, long found, long last) {
-    return failValueFrom(call, argument, found, faultText(last < 0 ? "none" : "0 to %ld"), last, 0);
-}
-
-void warnRangeOf(const char *call, const char *argument, long found, long last) {
+void warnMemory(FaultCall call) {
     const FaultOptional optional;
-    failRangeOf(call, argument, found, last);
+    failMemory(call);
 }
 
-bool failFullOf(const char *call, const char *what, unsigned int most) {
-    KTFAULT fault = newFault(KT_FAULT_FULL);
-    setFaultText(fault.field, what);
-    setExpected(fault, "%u", most);
-    return tellFault(call, fault);
+bool failRange(FaultCall call, FaultText argument, long found, long last) {
+    return failValue(call, argument, found, last < 0 ? KT_TEXT("none") : KT_TEXT("0 to %ld"), last);
 }
 
-void warnFullOf(const char *call, const char *what, unsigned int most) {
+void warnRange(FaultCall call, FaultText argument, long found, long last) {
     const FaultOptional optional;
-    failFullOf(call, what, most);
+    failRange(call, argument, found, last);
 }
 
-bool failLongOf(const char *call, const char *argument) {
-    return failWith(call, KT_FAULT_ARGUMENT, argument, faultText("longer than 255 characters"), "");
+bool failFull(FaultCall call, FaultText what, unsigned int most) {
+    KTFAULT &fault = newFault(KT_FAULT_FULL);
+    writeFaultText(fault.field, what);
+    std::snprintf(fault.expected, sizeof fault.expected, kFaultTexts ? "%u" : "", most);
+    return tellFault(call, fault);
 }
 
-void warnLongOf(const char *call, const char *argument) {
+void warnFull(FaultCall call, FaultText what, unsigned int most) {
     const FaultOptional optional;
-    failLongOf(call, argument);
+    failFull(call, what, most);
 }
 
-bool failFormat(const char *call) {
-    return failWith(call, KT_FAULT_ARGUMENT, faultText("format"), faultText("not to be written"), "");
+bool failLong(FaultCall call, FaultText argument) {
+    return tellFound(call, KT_FAULT_ARGUMENT, argument, KT_TEXT("longer than 255 characters"));
 }
 
-bool failWrite(const char *call, const char *path) {
-    KTFAULT fault = newFault(KT_FAULT_FILE_WRITE);
-    setFaultPath(fault.file, path);
-    return tellFault(call, fault);
+void warnLong(FaultCall call, FaultText argument) {
+    const FaultOptional optional;
+    failLong(call, argument);
 }
 
-bool failFile(const char *call, const char *path) {
-    if (!path) return failNull(call, "path");
-    KTFAULT fault = newFault(KT_FAULT_NONE);
-    fillFileFault(fault, path, false, 0x7fffffff);
-    return tellFault(call, fault);
+bool failFormat(FaultCall call) {
+    return tellFound(call, KT_FAULT_ARGUMENT, KT_TEXT("format"), KT_TEXT("not to be written"));
 }
 
-bool mayCompareNames() { return !channel.scope || channel.reported < 64; }
+bool mayCompareNames() { return !faults.channel.scope || faults.channel.reported < 64; }
 
-bool isInFaultHandler() { return channel.inHandler; }
+bool isInFaultHandler() { return faults.channel.inHandler; }
 
 }  // namespace keltra
 
-const KTFAULT *KTFAULTS::getLast() { return keltra::faults ? &keltra::last : nullptr; }
+const KTFAULT *KTFAULTS::getLast() { return keltra::faults.count ? &keltra::faults.last : nullptr; }
 
-unsigned int KTFAULTS::getNumberOfFaults() { return keltra::faults; }
+unsigned int KTFAULTS::getNumberOfFaults() { return keltra::faults.count; }
 
-void KTFAULTS::clear() { keltra::faults = 0; }
+void KTFAULTS::clear() { keltra::faults.count = 0; }
 
 void KTFAULTS::setHandler(KTFAULTHANDLER receiver, void *user) {
-    keltra::handler = receiver;
-    keltra::handlerUser = user;
+    keltra::faults.handler = receiver;
+    keltra::faults.user = user;
 }
 
 void KTFAULTS::report(const KTFAULT *fault) {

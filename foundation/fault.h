@@ -5,9 +5,9 @@
 // How the engine makes faults (see keltra/fault.h). To add one:
 //
 // - A public call refuses an argument, or is not possible now. One line; all of these return false:
-//       if (!node) return keltra::failNull("KTNODE::link", "parent");
-//       if (!active) return keltra::failState("KELTRA::free", keltra::kInactive);
-//       if (!block) return keltra::failMemory("KTNODE::link");
+//       if (!node) return keltra::failNull(KT_CALL("KTNODE::link"), KT_TEXT("parent"));
+//       if (!active) return keltra::failState(KT_CALL("KELTRA::free"), keltra::kInactive);
+//       if (!block) return keltra::failMemory(KT_CALL("KTNODE::link"));
 //   For another result: `return keltra::failNull(...), nullptr;`.
 // - A public call that uses others which may fail: a FaultScope at its top. All faults below it are then
 //   reported under its name, and `scope.fail(...)` reports nothing after another fault. Without a scope each
@@ -17,53 +17,45 @@
 // - What would repeat in every frame is reported once: keep a flag in the object, and test it first.
 //
 // Never make a fault on a path that every frame takes. A search without a result and the query of a state are
-// not faults. Each fault has a row in tests/engine/fault_table*.cpp; texts are literals, since all of them
-// together may take 12 KiB.
+// not faults. Each fault has a row in tests/engine/fault_table*.cpp. ./run count holds the bytes that all of
+// them take together, so names of calls and texts are numbers here: KT_CALL and KT_TEXT look a literal up in
+// the lists of foundation/fault_texts.h while the source is compiled; one that is new is added there, and
+// compiling fails before.
 
 #include <keltra/fault.h>
 
 #include <cstddef>
+#include <type_traits>
 
-#ifndef KELTRA_FAULT_TEXTS
-#define KELTRA_FAULT_TEXTS 1
-#endif
+#include "foundation/fault_texts.h"
+
+// The number of a name or text.
+#define KT_CALL(literal) (std::integral_constant<keltra::FaultCall, keltra::faultCall(literal)>::value)
+#define KT_TEXT(literal) (std::integral_constant<keltra::FaultText, keltra::faultText(literal)>::value)
 
 namespace keltra {
 
-// When false, faults keep only codes and found values: the literals of the calls below are dropped.
-constexpr bool kFaultTexts = KELTRA_FAULT_TEXTS != 0;
-
-template <class Text>
-constexpr const char *faultText(Text text) {
-    return kFaultTexts ? text : "";
-}
-
 // --- filling a fault
 
-KTFAULT newFault(KT_FAULT_CODE code);  // an error without texts and place
+// Begins the next fault: an error without texts and place. There is one, which the next call of this one or
+// of another function below overwrites.
+KTFAULT &newFault(KT_FAULT_CODE code);
 
 // Copies what fits; of a path the end, after three dots.
-void setFaultText(char *target, std::size_t size, const char *text);
-template <std::size_t kSize>
-void setFaultText(char (&target)[kSize], const char *text) {
-    setFaultText(target, kSize, text);
-}
+void setFaultText(char (&target)[96], const char *text);
 void setFaultPath(char (&target)[256], const char *path);
-// Writes `expected` with printf's rules.
-#if defined(__GNUC__)
-__attribute__((format(printf, 2, 3)))
-#endif
-void setExpected(KTFAULT &fault, const char *format, ...);
+// Writes a text, with printf's rules.
+void writeFaultText(char (&target)[96], FaultText text, ...);
 
 unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size);
 
 // --- reporting
 
 // The outermost scope names the call. Its file, or that of the scope next below, is the one that names the
-// file of a fault. Both texts outlive the scope.
+// file of a fault. The file's name outlives the scope.
 class FaultScope {
    public:
-    explicit FaultScope(const char *call, const char *file = nullptr);
+    explicit FaultScope(FaultCall call, const char *file = nullptr);
     ~FaultScope();
     FaultScope(const FaultScope &) = delete;
     FaultScope &operator=(const FaultScope &) = delete;
@@ -72,17 +64,16 @@ class FaultScope {
     void setLine(unsigned int at) { line = at; }
 
     // An error of this call, unless one was reported since it began. Always false.
-    bool fail(KTFAULT fault);
+    bool fail(KTFAULT &fault);
     bool fail(KT_FAULT_CODE code);
-    bool failNull(const char *argument);
+    bool failNull(FaultText argument);
     // The file cannot be read: finds out why.
     bool failFile(bool isOutOfMemory = false, long largest = 0x7fffffff);
-    void warn(KTFAULT fault);
 
-    const char *const call;
     const char *file;
     unsigned int line;
     FaultScope *const outer;
+    const FaultCall call;
 
    private:
     const unsigned int errorsBefore;
@@ -107,61 +98,32 @@ class FaultSilence {
 };
 
 // Each reports an error of `call`, or of the scope around it. Always false.
-[[gnu::cold]] bool tellFault(const char *call, KTFAULT &fault);
+[[gnu::cold]] bool tellFault(FaultCall call, KTFAULT &fault);
 // The same of a warning.
-[[gnu::cold]] void warnFault(const char *call, KTFAULT fault);
-[[gnu::cold]] bool failWith(const char *call, KT_FAULT_CODE code, const char *field, const char *found,
-                            const char *expected);
-[[gnu::cold]] bool failValueFrom(const char *call, const char *argument, long found, const char *format,
-                                 long first, long second);
-
-[[gnu::cold]] bool failNullOf(const char *call, const char *argument);
-[[gnu::cold]] bool failStateOf(const char *call, const char *state);
-[[gnu::cold]] bool failRangeOf(const char *call, const char *argument, long found, long last);
-[[gnu::cold]] void warnRangeOf(const char *call, const char *argument, long found, long last);
-[[gnu::cold]] bool failFullOf(const char *call, const char *what, unsigned int most);
-[[gnu::cold]] void warnFullOf(const char *call, const char *what, unsigned int most);
-[[gnu::cold]] bool failLongOf(const char *call, const char *argument);
-[[gnu::cold]] void warnLongOf(const char *call, const char *argument);
-
-inline bool failNull(const char *call, const char *argument) { return failNullOf(call, faultText(argument)); }
+[[gnu::cold]] void warnFault(FaultCall call, KTFAULT &fault);
+[[gnu::cold]] bool failNull(FaultCall call, FaultText argument);
 // `format` is printf's, with up to two %ld.
-inline bool failValue(const char *call, const char *argument, long found, const char *format, long first = 0,
-                      long second = 0) {
-    return failValueFrom(call, faultText(argument), found, faultText(format), first, second);
-}
+[[gnu::cold]] bool failValue(FaultCall call, FaultText argument, long found, FaultText format, long first = 0,
+                             long second = 0);
 // An argument from 0 to `last`; no value is valid when that is negative. The warning: another value was used.
-inline bool failRange(const char *call, const char *argument, long found, long last) {
-    return failRangeOf(call, faultText(argument), found, last);
-}
-inline void warnRange(const char *call, const char *argument, long found, long last) {
-    warnRangeOf(call, faultText(argument), found, last);
-}
+[[gnu::cold]] bool failRange(FaultCall call, FaultText argument, long found, long last);
+[[gnu::cold]] void warnRange(FaultCall call, FaultText argument, long found, long last);
 // A text of more than 255 characters. The warning: it was cut.
-inline bool failLong(const char *call, const char *argument) { return failLongOf(call, faultText(argument)); }
-inline void warnLong(const char *call, const char *argument) { warnLongOf(call, faultText(argument)); }
+[[gnu::cold]] bool failLong(FaultCall call, FaultText argument);
+[[gnu::cold]] void warnLong(FaultCall call, FaultText argument);
 // `state` describes the present state: "the engine is not active".
-inline bool failState(const char *call, const char *state) { return failStateOf(call, faultText(state)); }
+[[gnu::cold]] bool failState(FaultCall call, FaultText state);
 // States of many calls.
-constexpr const char *kActive = "the engine is active already";
-constexpr const char *kInactive = "the engine is not active";
+constexpr FaultText kActive = KT_TEXT("the engine is active already");
+constexpr FaultText kInactive = KT_TEXT("the engine is not active");
 // A table is full: `most` is its capacity.
-inline bool failFull(const char *call, const char *what, unsigned int most) {
-    return failFullOf(call, faultText(what), most);
-}
-inline void warnFull(const char *call, const char *what, unsigned int most) {
-    warnFullOf(call, faultText(what), most);
-}
-[[gnu::cold]] bool failMemory(const char *call);
+[[gnu::cold]] bool failFull(FaultCall call, FaultText what, unsigned int most);
+[[gnu::cold]] void warnFull(FaultCall call, FaultText what, unsigned int most);
+[[gnu::cold]] bool failMemory(FaultCall call);
 // Something is left out for lack of memory.
-[[gnu::cold]] void warnMemory(const char *call);
+[[gnu::cold]] void warnMemory(FaultCall call);
 // vsnprintf was negative.
-[[gnu::cold]] bool failFormat(const char *call);
-// The file cannot be created or not be written.
-[[gnu::cold]] bool failWrite(const char *call, const char *path);
-// The file cannot be read: finds out why. Null is reported as null.
-[[gnu::cold]] bool failFile(const char *call, const char *path);
-
+[[gnu::cold]] bool failFormat(FaultCall call);
 // True while the application's handler runs.
 bool isInFaultHandler();
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include "foundation/fault.h"
 
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -8,144 +9,124 @@
 namespace keltra {
 namespace {
 
-// What follows the place, by code: $f is the field, $g what was found, $e what was expected; a part in
-// brackets is dropped when its text is empty.
-#if KELTRA_FAULT_TEXTS
-const char *bodyOf(KT_FAULT_CODE code) {
-    switch (code) {
-        case KT_FAULT_NULL:
-            return "`$f` is null";
-        case KT_FAULT_ARGUMENT:
-            return "`$f` is $g[, expected $e]";
-        case KT_FAULT_STATE:
-            return "$g";
-        case KT_FAULT_FULL:
-            return "$f[, $e at most]: full";
-        case KT_FAULT_OUT_OF_MEMORY:
-            return "out of memory";
-        case KT_FAULT_FILE_NAME:
-            return "the file name is empty or too long";
-        case KT_FAULT_FILE_MISSING:
-            return "the file does not exist";
-        case KT_FAULT_FILE_ACCESS:
-            return "the file cannot be opened: no permission, or it is locked";
-        case KT_FAULT_FILE_KIND:
-            return "not a regular file";
-        case KT_FAULT_FILE_EMPTY:
-            return "the file is empty";
-        case KT_FAULT_FILE_SIZE:
-            return "the file is too large[: $e at most]";
-        case KT_FAULT_FILE_READ:
-            return "the file cannot be read to its end";
-        case KT_FAULT_FILE_WRITE:
-            return "the file cannot be written";
-        case KT_FAULT_DATA:
-            return "[$f: ]$e[ (found $g)]";
-        case KT_FAULT_UNKNOWN:
-            return "`$g`: unknown $f[; did you mean `$e`?]";
-        case KT_FAULT_MISSING:
-            return "[`$f`: ]$e is missing";
-        case KT_FAULT_VALUE:
-            return "`$f`: found `$g`[, expected $e]";
-        case KT_FAULT_REPEATED:
-            return "`$g` is there again: the first one counts";
-        case KT_FAULT_LINE:
-            return "`$g`: the line cannot be read[, expected $e]";
-        case KT_FAULT_LIMIT:
-            return "$f: $g[, $e]";
-        case KT_FAULT_DISPLAY:
-            return "no display[: $g]";
-        case KT_FAULT_START:
-            return "the step `$f` of start-up failed[: $g]";
-        default:
-            return "";
-    }
-}
-#endif
+// The parts, names and texts of foundation/fault_texts.h, one behind the other, each with its zero. A byte
+// from 128 on stands for a part.
+constexpr unsigned char kFirstPart = 128;
+constexpr std::size_t kParts = countOf(kFaultParts), kCalls = countOf(kFaultCalls),
+                      kTexts = kFaultTexts ? countOf(kFaultTextList) : 0;
+static_assert(kParts <= 128, "a part is a byte");
 
-// Writes what fits and counts everything.
-class Sentence {
-   public:
-    Sentence(char *text, std::size_t size) : target(text), room(size), length(0) {
-        if (room) *target = '\0';
-    }
-
-    void add(char c) {
-        if (length + 1 < room) {
-            target[length] = static_cast<unsigned char>(c) < ' ' || c == 127 ? '?' : c;
-            target[length + 1] = '\0';
-        }
-        ++length;
-    }
-    void add(const char *text) {
-        for (; *text; ++text) add(*text);
-    }
-    void addNumber(const char *before, long number) {
-        char digits[24];
-        std::snprintf(digits, sizeof digits, "%ld", number);
-        add(before);
-        add(digits);
-    }
-    std::size_t size() const { return length; }
-
-   private:
-    char *target;
-    std::size_t room, length;
+// For each first character the parts that begin with it, longest first, as kFaultParts has them.
+struct PartIndex {
+    unsigned char first[128], behind[128];
 };
 
-void addPlace(const KTFAULT &fault, Sentence &sentence) {
-    if (fault.call && *fault.call) {
-        sentence.add(fault.call);
-        sentence.add(": ");
+constexpr PartIndex indexOfParts() {
+    PartIndex index = {};
+    for (std::size_t i = 0; i < kParts; ++i) {
+        const std::size_t c = static_cast<unsigned char>(*kFaultParts[i]);
+        if (index.behind[c] == 0) index.first[c] = static_cast<unsigned char>(i);
+        index.behind[c] = static_cast<unsigned char>(i + 1);
     }
-    const bool hasPlace = *fault.file || fault.line || fault.byte >= 0;
-    sentence.add(fault.file);
-    const char *comma = *fault.file ? ", " : "";
-    if (fault.line || fault.byte >= 0) sentence.add(comma);
-    if (fault.line)
-        sentence.addNumber("line ", static_cast<long>(fault.line));
-    else if (fault.byte >= 0)
-        sentence.addNumber("byte ", fault.byte);
-    if (*fault.neededBy) {
-        sentence.add(" (needed by ");
-        sentence.add(fault.neededBy);
-        if (fault.neededByLine) sentence.addNumber(", line ", static_cast<long>(fault.neededByLine));
-        sentence.add(")");
-    }
-    if (hasPlace) sentence.add(": ");
+    return index;
 }
+constexpr PartIndex kPartIndex = indexOfParts();
 
-#if KELTRA_FAULT_TEXTS
-const char *partOf(const KTFAULT &fault, char letter) {
-    if (letter == 'f') return fault.field;
-    return letter == 'g' ? fault.found : fault.expected;
-}
-
-void addBody(const KTFAULT &fault, Sentence &sentence) {
-    for (const char *c = bodyOf(fault.code); *c; ++c) {
-        if (*c == '[') {
-            const char *part = std::strchr(c, '$');
-            if (!*partOf(fault, part[1])) c = std::strchr(c, ']');
-        } else if (*c == '$') {
-            sentence.add(partOf(fault, *++c));
-        } else if (*c != ']') {
-            sentence.add(*c);
+// Packs the text behind `used` bytes and returns how many are used then. Null counts only. A part may hold
+// others.
+constexpr std::size_t pack(const char *text, bool isPart, unsigned char *packed, std::size_t used) {
+    const char *const begin = text;
+    while (*text) {
+        const std::size_t c = static_cast<unsigned char>(*text);
+        unsigned char byte = static_cast<unsigned char>(c);
+        std::size_t length = 1;
+        for (std::size_t i = kPartIndex.first[c]; i < kPartIndex.behind[c]; ++i) {
+            const std::size_t shared = sharedLength(kFaultParts[i], text);
+            const bool isItself = isPart && text == begin && !text[shared];
+            if (kFaultParts[i][shared] || isItself) continue;
+            byte = static_cast<unsigned char>(kFirstPart + i);
+            length = shared;
+            break;
         }
+        if (packed) packed[used] = byte;
+        ++used;
+        text += length;
     }
+    if (packed) packed[used] = 0;
+    return used + 1;
 }
-#else
-void addBody(const KTFAULT &fault, Sentence &sentence) {
-    sentence.addNumber("fault ", fault.code);
-    if (!*fault.found) return;
-    sentence.add(": ");
-    sentence.add(fault.found);
+
+constexpr std::size_t packAll(unsigned char *packed) {
+    std::size_t used = 0;
+    for (std::size_t i = 0; i < kParts; ++i) used = pack(kFaultParts[i], true, packed, used);
+    for (std::size_t i = 0; i < kCalls; ++i) used = pack(kFaultCalls[i], false, packed, used);
+    for (std::size_t i = 0; i < kTexts; ++i) used = pack(kFaultTextList[i], false, packed, used);
+    return used;
 }
-#endif
+
+struct Packed {
+    unsigned char bytes[packAll(nullptr)];
+};
+
+constexpr Packed packed() {
+    Packed result = {};
+    packAll(result.bytes);
+    return result;
+}
+constexpr Packed kPacked = packed();
+
+// Writes entry `number` of what is packed, without a zero, and returns the end.
+char *unpack(char *target, std::size_t number) {
+    const unsigned char *byte = kPacked.bytes;
+    while (number)
+        if (!*byte++) --number;
+    for (; *byte; ++byte)
+        if (*byte < kFirstPart)
+            *target++ = static_cast<char>(*byte);
+        else
+            target = unpack(target, *byte - kFirstPart);
+    return target;
+}
+
+void unpackText(char (&target)[96], FaultText text) {
+    *(kFaultTexts ? unpack(target, kParts + kCalls + static_cast<std::size_t>(text)) : target) = '\0';
+}
+
+// What comes before the text of the code.
+constexpr char kPlace[] = "[$c: ]$p$,$l[ (needed by $n$m)]$:";
+constexpr char kCodeOnly[] = "fault $k[: $g]";
+
+// A pattern: a letter behind `$` stands for a piece, and a part in brackets is dropped when its first piece
+// is empty.
+constexpr char kLetters[] = "cp,lnm:fgek";
+struct Pieces {
+    const char *texts[sizeof kLetters - 1];
+    const char *of(const char *letter) const { return texts[std::strchr(kLetters, *letter) - kLetters]; }
+};
+
+// Writes what fits and returns the length of everything.
+std::size_t writePattern(const char *pattern, const Pieces &pieces, char *text, std::size_t size) {
+    std::size_t length = 0;
+    for (const char *c = pattern; *c; ++c) {
+        if (*c == ']') continue;
+        if (*c == '[') {
+            if (!*pieces.of(std::strchr(c, '$') + 1)) c = std::strchr(c, ']');
+            continue;
+        }
+        const char letter[] = {*c, '\0'};
+        for (const char *piece = *c == '$' ? pieces.of(++c) : letter; *piece; ++piece)
+            if (++length < size)
+                text[length - 1] = static_cast<unsigned char>(*piece) < ' ' || *piece == 127 ? '?' : *piece;
+    }
+    if (size) text[length < size ? length : size - 1] = '\0';
+    return length;
+}
 
 }  // namespace
 
-KTFAULT newFault(KT_FAULT_CODE code) {
-    KTFAULT fault = {};
+KTFAULT &newFault(KT_FAULT_CODE code) {
+    static KTFAULT fault;
+    fault = {};
     fault.severity = KT_FAULT_ERROR;
     fault.code = code;
     fault.call = "";
@@ -153,33 +134,51 @@ KTFAULT newFault(KT_FAULT_CODE code) {
     return fault;
 }
 
-void setFaultText(char *target, std::size_t size, const char *text) {
-    std::size_t length = 0;
-    if (text)
-        while (length < size - 1 && text[length]) ++length;
-    if (length) std::memmove(target, text, length);
-    target[length] = '\0';
+void setFaultText(char (&target)[96], const char *text) {
+    std::snprintf(target, sizeof target, "%s", text ? text : "");
 }
 
 void setFaultPath(char (&target)[256], const char *path) {
     const std::size_t length = path ? std::strlen(path) : 0;
-    if (length < sizeof target) return setFaultText(target, path);
-    std::memcpy(target, "...", 3);
-    std::memcpy(target + 3, path + length - (sizeof target - 4), sizeof target - 3);
+    const bool isCut = length >= sizeof target;
+    std::snprintf(target, sizeof target, "%s%s", isCut ? "..." : "",
+                  path ? path + (isCut ? length - (sizeof target - 4) : 0) : "");
 }
 
-void setExpected(KTFAULT &fault, const char *format, ...) {
+void writeFaultText(char (&target)[96], FaultText text, ...) {
+    char format[96];
+    unpackText(format, text);
     std::va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(fault.expected, sizeof fault.expected, format, arguments);
+    va_start(arguments, text);
+    std::vsnprintf(target, sizeof target, format, arguments);
     va_end(arguments);
 }
 
+const char *faultCallName(FaultCall call) {
+    static char names[kCalls][32];
+    char(&name)[32] = names[static_cast<std::size_t>(call)];
+    if (!*name) *unpack(name, kParts + static_cast<std::size_t>(call)) = '\0';
+    return name;
+}
+
 unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size) {
-    Sentence sentence(text, size);
-    addPlace(fault, sentence);
-    addBody(fault, sentence);
-    return static_cast<unsigned int>(sentence.size());
+    char place[32] = "", needLine[32] = "", code[16], pattern[160];
+    const long at = fault.line ? static_cast<long>(fault.line) : fault.byte;
+    if (at >= 0) std::snprintf(place, sizeof place, fault.line ? "line %ld" : "byte %ld", at);
+    if (fault.neededByLine) std::snprintf(needLine, sizeof needLine, ", line %u", fault.neededByLine);
+    std::strcpy(pattern, kPlace);
+    char *const body = pattern + sizeof kPlace - 1;
+    if (!kFaultTexts) {
+        std::snprintf(code, sizeof code, "%d", fault.code);
+        std::strcpy(body, kCodeOnly);
+    } else if (fault.code <= KT_FAULT_START) {
+        *unpack(body, kParts + kCalls + fault.code) = '\0';
+    }
+    const bool hasFile = *fault.file, hasPlace = *place;
+    const Pieces pieces = {{fault.call ? fault.call : "", fault.file, hasFile && hasPlace ? ", " : "", place,
+                            fault.neededBy, needLine, hasFile || hasPlace ? ": " : "", fault.field,
+                            fault.found, fault.expected, code}};
+    return static_cast<unsigned int>(writePattern(pattern, pieces, text, size));
 }
 
 }  // namespace keltra

@@ -80,12 +80,12 @@ void dropIdentifierTable() {
 unsigned int vnfNewId() {
     if (!table) {
         vnfLog("vnfNewId: ID table not initialized\n");
-        return keltra::failState("vnfNewId", "the foundation is not started"), 0;
+        return keltra::failState(KT_CALL("vnfNewId"), KT_TEXT("the foundation is not started")), 0;
     }
     const unsigned int id = lowestFree();
     if (!id) {
         vnfLog("vnfNewId: all ID are used\n");
-        return keltra::failFull("vnfNewId", "identifiers", kLargestId), 0;
+        return keltra::failFull(KT_CALL("vnfNewId"), KT_TEXT("identifiers"), kLargestId), 0;
     }
     table[id] = 1;
     setTaken(id);
@@ -110,6 +110,8 @@ bool keltra::returnId(unsigned int id) {
 
 bool releaseId(unsigned int id) {
     if (keltra::returnId(id)) return true;
-    if (id - 1 >= kLargestId) return keltra::failValue("releaseId", "id", long(id), "1 to %ld", kLargestId);
-    return keltra::failState("releaseId", "the identifier is free already");
+    if (id - 1 >= kLargestId)
+        return keltra::failValue(KT_CALL("releaseId"), KT_TEXT("id"), long(id), KT_TEXT("1 to %ld"),
+                                 kLargestId);
+    return keltra::failState(KT_CALL("releaseId"), KT_TEXT("the identifier is free already"));
 }

@@ -81,9 +81,9 @@ void translateToHtml(const char *text, char (&result)[kTextSize]) {
 }  // namespace
 
 bool keltra::openLogFile(const char *path) {
-    if (logFile) return failState("vnfOpenLog", "a log is open already");
+    if (logFile) return failState(KT_CALL("vnfOpenLog"), KT_TEXT("a log is open already"));
     logFile = platformCreateFile(path, "wt");
-    if (!logFile) return failWrite("vnfOpenLog", path);
+    if (!logFile) return FaultScope(KT_CALL("vnfOpenLog"), path).fail(KT_FAULT_FILE_WRITE);
     // Never cleared again: applications get every later log of the process as HTML as well.
     if (std::strstr(path, ".html")) html = true;
     if (html) write("<HTML><BODY>");
@@ -110,7 +110,7 @@ void keltra::endLog() {
 }
 
 bool vnfLog(const char *format, ...) {
-    if (!format) return keltra::failNull("vnfLog", "format");
+    if (!format) return keltra::failNull(KT_CALL("vnfLog"), KT_TEXT("format"));
     if (!logFile) return false;
     keltra::sampleLateBlocks();
     char text[kTextSize];
@@ -118,7 +118,7 @@ bool vnfLog(const char *format, ...) {
     va_start(arguments, format);
     int length = std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    if (length < 0) return keltra::failFormat("vnfLog");
+    if (length < 0) return keltra::failFormat(KT_CALL("vnfLog"));
     if (echoing) std::fputs(text, stdout);
     if (!html) {
         write(text);

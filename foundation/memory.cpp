@@ -82,7 +82,7 @@ void *allocate(unsigned int size) {
 void *vnfMalloc(unsigned int size) {
     void *block = keltra::countedBlock(size);
     keltra::samplePeak();
-    if (!block) keltra::failMemory("vnfMalloc");
+    if (!block) keltra::failMemory(KT_CALL("vnfMalloc"));
     return block;
 }
 

@@ -26,14 +26,15 @@ const char *find(const char *begin, const char *end, char wanted) {
     return static_cast<const char *>(std::memchr(begin, wanted, std::size_t(end - begin)));
 }
 
-bool isText(const vnfParser *parser, const char *caller) {
-    if (!parser) return keltra::failNull(caller, "parser");
-    return (parser->buffer && parser->size > 0) || keltra::failState(caller, "the parser holds no text");
+bool isText(const vnfParser *parser, keltra::FaultCall caller) {
+    if (!parser) return keltra::failNull(caller, KT_TEXT("parser"));
+    return (parser->buffer && parser->size > 0) ||
+           keltra::failState(caller, KT_TEXT("the parser holds no text"));
 }
 
-bool isLookup(const vnfParser *parser, const char *key, const void *value, const char *caller) {
+bool isLookup(const vnfParser *parser, const char *key, const void *value, keltra::FaultCall caller) {
     if (!isText(parser, caller)) return false;
-    return (key && value) || keltra::failNull(caller, key ? "value" : "key");
+    return (key && value) || keltra::failNull(caller, key ? KT_TEXT("value") : KT_TEXT("key"));
 }
 
 // Copies the line at `position` into `line` (kLineSize characters) and moves the position behind it.
@@ -133,10 +134,10 @@ KT_FAULT_CODE keltra::readParser(vnfParser &parser, const char *path) {
 }
 
 bool vnfOpenParser(vnfParser *parser, const char *path) {
-    keltra::FaultScope scope("vnfOpenParser", path);
+    keltra::FaultScope scope(KT_CALL("vnfOpenParser"), path);
     if (!parser || !path) {
         vnfLog("vnfOpenParser: invalid params\n");
-        return scope.failNull(path ? "parser" : "path");
+        return scope.failNull(path ? KT_TEXT("parser") : KT_TEXT("path"));
     }
     const KT_FAULT_CODE fault = keltra::readParser(*parser, path);
     return fault == KT_FAULT_NONE || scope.failFile(fault == KT_FAULT_OUT_OF_MEMORY, keltra::kLargestText);
@@ -145,11 +146,11 @@ bool vnfOpenParser(vnfParser *parser, const char *path) {
 bool vnfCloseParser(vnfParser *parser) {
     if (!parser) {
         vnfLog("vnfCloseParser: invalid params\n");
-        return keltra::failNull("vnfCloseParser", "parser");
+        return keltra::failNull(KT_CALL("vnfCloseParser"), KT_TEXT("parser"));
     }
     if (!parser->buffer) {
         vnfLog("vnfCloseParser: parser already free\n");
-        return keltra::failState("vnfCloseParser", "the parser holds no text");
+        return keltra::failState(KT_CALL("vnfCloseParser"), KT_TEXT("the parser holds no text"));
     }
     vnfFree(parser->buffer);
     *parser = vnfParser();
@@ -157,7 +158,7 @@ bool vnfCloseParser(vnfParser *parser) {
 }
 
 bool vnfRemoveComments(vnfParser *parser, char mark) {
-    if (!isText(parser, "vnfRemoveComments")) return false;
+    if (!isText(parser, KT_CALL("vnfRemoveComments"))) return false;
     bool found = false;
     char *end = parser->buffer + parser->size;
     for (char *byte = parser->buffer;
@@ -171,13 +172,13 @@ bool vnfRemoveComments(vnfParser *parser, char mark) {
 }
 
 bool vnfReadLine(vnfParser *parser, char *line) {
-    if (!isText(parser, "vnfReadLine")) return false;
-    if (!line) return keltra::failNull("vnfReadLine", "line");
+    if (!isText(parser, KT_CALL("vnfReadLine"))) return false;
+    if (!line) return keltra::failNull(KT_CALL("vnfReadLine"), KT_TEXT("line"));
     return readLine(*parser, parser->position, line);
 }
 
 bool vnfParseInt(vnfParser *parser, const char *key, int *value) {
-    if (!isLookup(parser, key, value, "vnfParseInt")) return false;
+    if (!isLookup(parser, key, value, KT_CALL("vnfParseInt"))) return false;
     char line[kLineSize];
     const char *text = findValue(*parser, key, line);
     if (!text) return false;
@@ -186,7 +187,7 @@ bool vnfParseInt(vnfParser *parser, const char *key, int *value) {
 }
 
 bool vnfParseString(vnfParser *parser, const char *key, char *value) {
-    if (!isLookup(parser, key, value, "vnfParseString")) return false;
+    if (!isLookup(parser, key, value, KT_CALL("vnfParseString"))) return false;
     char line[kLineSize];
     const char *text = findValue(*parser, key, line);
     if (!text) return false;

@@ -35,16 +35,17 @@ void restart(Timer &timer) {
 }
 
 // Null, with a line in the log, for a bad index or a free timer.
-Timer *findTimer(int index, const char *caller) {
+Timer *findTimer(int index, keltra::FaultCall caller) {
     if (static_cast<unsigned int>(index) < kTimers && timers[index].base != 0.0f) return &timers[index];
-    vnfLog("%s: wrong params\n", caller);
+    vnfLog("%s: wrong params\n", keltra::faultCallName(caller));
     return nullptr;
 }
 
 // Always false.
-bool refuse(int index, const char *caller) {
-    if (static_cast<unsigned int>(index) < kTimers) return keltra::failState(caller, "the timer is free");
-    return keltra::failRange(caller, "timer", index, kTimers - 1);
+bool refuse(int index, keltra::FaultCall caller) {
+    if (static_cast<unsigned int>(index) < kTimers)
+        return keltra::failState(caller, KT_TEXT("the timer is free"));
+    return keltra::failRange(caller, KT_TEXT("timer"), index, kTimers - 1);
 }
 
 }  // namespace
@@ -62,20 +63,20 @@ int vnfNewTimer(float base) {
         return int(index);
     }
     vnfLog("vnfNewTimer: no more timers\n");
-    return keltra::failFull("vnfNewTimer", "timers", kTimers), -1;
+    return keltra::failFull(KT_CALL("vnfNewTimer"), KT_TEXT("timers"), kTimers), -1;
 }
 
 bool keltra::returnTimer(int index) {
-    Timer *timer = findTimer(index, "vnfFreeTimer");
+    Timer *timer = findTimer(index, KT_CALL("vnfFreeTimer"));
     if (!timer) return false;
     timer->base = 0.0f;
     return true;
 }
 
-bool vnfFreeTimer(int index) { return keltra::returnTimer(index) || refuse(index, "vnfFreeTimer"); }
+bool vnfFreeTimer(int index) { return keltra::returnTimer(index) || refuse(index, KT_CALL("vnfFreeTimer")); }
 
 bool keltra::adjournTimer(int index) {
-    Timer *timer = findTimer(index, "vnfAdjournTimer");
+    Timer *timer = findTimer(index, KT_CALL("vnfAdjournTimer"));
     if (!timer) return false;
     timer->now = source.read ? source.read(source.user) : keltra::platformCounter();
     if (source.read && timer->now == timer->last) {
@@ -90,15 +91,17 @@ bool keltra::adjournTimer(int index) {
     return true;
 }
 
-bool vnfAdjournTimer(int index) { return keltra::adjournTimer(index) || refuse(index, "vnfAdjournTimer"); }
+bool vnfAdjournTimer(int index) {
+    return keltra::adjournTimer(index) || refuse(index, KT_CALL("vnfAdjournTimer"));
+}
 
 float vnfGetTimerFactor(int index) {
-    const Timer *timer = findTimer(index, "vnfGetTimerFactor");
+    const Timer *timer = findTimer(index, KT_CALL("vnfGetTimerFactor"));
     return timer ? timer->factor : -1.0f;
 }
 
 float vnfGetTimerFps(int index) {
-    const Timer *timer = findTimer(index, "vnfGetTimerFps");
+    const Timer *timer = findTimer(index, KT_CALL("vnfGetTimerFps"));
     return timer ? timer->fps : -1.0f;
 }
 

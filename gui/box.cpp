@@ -148,7 +148,8 @@ bool KTBOX::setShader(KTSHADER *newShader) {
 }
 
 bool KTBOX::checkLimits(int *dx, int *dy) {
-    if (!dx || !dy) return keltra::failNull("KTBOX::checkLimits", dx ? "dy" : "dx");
+    if (!dx || !dy)
+        return keltra::failNull(KT_CALL("KTBOX::checkLimits"), dx ? KT_TEXT("dy") : KT_TEXT("dx"));
     if (!limitStatus) return false;
     keltra::Origin origin = keltra::originOf(*this);
     *dx = clampMovement(*dx, keltra::toInt(position.x), keltra::toInt(origin.x), sizeX, startX, endX);

@@ -22,7 +22,7 @@ bool fits(const KTFONT &font, const char *text, int width) {
 }  // namespace
 
 // A caption that is refused is a warning: the widget keeps the one that it has.
-void keltra::takeCaption(KTBUTTON &button, const char *text, const char *call) {
+void keltra::takeCaption(KTBUTTON &button, const char *text, keltra::FaultCall call) {
     const FaultOptional optional;
     takeName(button.caption, text, call);
 }
@@ -47,7 +47,9 @@ void KTBUTTON::setFont(KTFONT *newFont) {
     if (font) font->markHeld();
 }
 
-void KTBUTTON::setCaption(const char *text) { keltra::takeCaption(*this, text, "KTBUTTON::setCaption"); }
+void KTBUTTON::setCaption(const char *text) {
+    keltra::takeCaption(*this, text, KT_CALL("KTBUTTON::setCaption"));
+}
 
 bool KTBUTTON::render(void *data) {
     if (!displayStatus) return true;

@@ -109,14 +109,14 @@ void readSize(const TiXmlElement &property, const Target &target) {
 }
 
 void tellUnknownFont(const char *name) {
-    KTFAULT fault = keltra::newFault(KT_FAULT_UNKNOWN);
-    keltra::setFaultText(fault.field, keltra::faultText("font"));
+    KTFAULT &fault = keltra::newFault(KT_FAULT_UNKNOWN);
+    keltra::writeFaultText(fault.field, KT_TEXT("font"));
     keltra::setFaultText(fault.found, name);
     keltra::NearestName nearest(name);
     KTFONT *font = keltra::mayCompareNames() ? KTFONT::getFirst() : nullptr;
     for (; font; font = font->getNext()) nearest.offer(font->getName());
     keltra::setFaultText(fault.expected, nearest.name());
-    keltra::warnFault("KELTRA::loadXML", fault);
+    keltra::warnFault(KT_CALL("KELTRA::loadXML"), fault);
 }
 
 void readFontReference(const TiXmlElement &property, const Target &target) {
@@ -139,7 +139,7 @@ void readTexture(const TiXmlElement &property, const Target &target) {
     KTTEXTURE *texture = target.resources->textures.find(file);
     if (!texture) {
         texture = new (std::nothrow) KTTEXTURE;
-        if (!texture) return keltra::warnMemory("KELTRA::loadXML");
+        if (!texture) return keltra::warnMemory(KT_CALL("KELTRA::loadXML"));
         // Glyphs are drawn pixel by pixel.
         if (target.font) texture->setFilter(false, false, false);
         const keltra::FaultOptional optional;
@@ -192,7 +192,7 @@ void readText(const TiXmlElement &property, const Target &target) {
     KTWINDOW *window = target.as<KTWINDOW>(KT_WINDOW);
     if (!value || (!label && !window)) return;
     const LiteralText text(value);
-    if (!text.get()) return void(keltra::failMemory("KELTRA::loadXML"));
+    if (!text.get()) return void(keltra::failMemory(KT_CALL("KELTRA::loadXML")));
     if (label) {
         label->write("%s", text.get());
     } else {
@@ -278,12 +278,12 @@ class InterfaceReader {
 
     bool hasRoom(const TiXmlElement &element) {
         if (objects++ < keltra::kGuiObjects) return true;
-        if (objects == keltra::kGuiObjects + 1) scope.warn(keltra::tooManyObjects(element, hasLines));
+        if (objects == keltra::kGuiObjects + 1) keltra::warnOfObjects(element, hasLines);
         return false;
     }
 
     KTNODE *outOfMemory() {
-        scope.warn(keltra::newFault(KT_FAULT_OUT_OF_MEMORY));
+        keltra::warnFault({}, keltra::newFault(KT_FAULT_OUT_OF_MEMORY));
         return nullptr;
     }
 
@@ -314,14 +314,14 @@ class InterfaceReader {
 namespace keltra {
 
 // Named first: properties at the top of the description apply to the root.
-KTNODE *buildInterface(const TiXmlElement &description, const char *name, LoadScope &scope) {
+KTNODE *buildInterface(const TiXmlElement &description, const char *name, FaultScope &scope) {
     KTNODE *root = new (std::nothrow) KTNODE;
     if (!root) return scope.fail(KT_FAULT_OUT_OF_MEMORY), nullptr;
     {
         const FaultOptional optional;
         root->setName(name);
     }
-    checkGui(description, scope, true);
+    checkGui(description, true);
     InterfaceReader reader(scope, true);
     for (const TiXmlNode *node = description.FirstChild(); node; node = node->NextSibling())
         reader.read(root, node);
@@ -329,12 +329,12 @@ KTNODE *buildInterface(const TiXmlElement &description, const char *name, LoadSc
 }
 
 void buildWidgets(KTNODE *parent, const TiXmlNode *node) {
-    LoadScope scope("KELTRA::recursiveLoadXML");
+    FaultScope scope(KT_CALL("KELTRA::recursiveLoadXML"));
     if (!parent || !node) {
-        scope.failNull(parent ? "node" : "parent");
+        scope.failNull(parent ? KT_TEXT("node") : KT_TEXT("parent"));
         return;
     }
-    checkGui(*node, scope, false);
+    checkGui(*node, false);
     InterfaceReader(scope, false).read(parent, node);
 }
 

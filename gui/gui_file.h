@@ -14,7 +14,7 @@ namespace keltra {
 
 // A new node of that name with the widgets of the description below it; null when out of memory. The
 // elements know their lines; the scope is that of the load.
-KTNODE *buildInterface(const TiXmlElement &description, const char *name, LoadScope &scope);
+KTNODE *buildInterface(const TiXmlElement &description, const char *name, FaultScope &scope);
 // Makes the object of an element, and all that is nested in it, below `parent`. Ignores null and nodes that
 // are not elements.
 void buildWidgets(KTNODE *parent, const TiXmlNode *node);

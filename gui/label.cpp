@@ -36,9 +36,9 @@ void KTLABEL::setFont(KTFONT *newFont) {
 }
 
 bool KTLABEL::write(const char *format, ...) {
-    const char *const call = "KTLABEL::write";
-    if (!format) return keltra::failNull(call, "format");
-    if (!font) return keltra::failState(call, "the label has no font");
+    constexpr keltra::FaultCall call = KT_CALL("KTLABEL::write");
+    if (!format) return keltra::failNull(call, KT_TEXT("format"));
+    if (!font) return keltra::failState(call, KT_TEXT("the label has no font"));
     char line[sizeof text];
     va_list arguments;
     va_start(arguments, format);
@@ -48,7 +48,7 @@ bool KTLABEL::write(const char *format, ...) {
     // Each character may get a line break of its own.
     char wrapped[2 * sizeof line];
     font->format(line, wrapped, kWidthLimit);
-    if (length >= static_cast<int>(sizeof line)) keltra::warnLong(call, "text");
+    if (length >= static_cast<int>(sizeof line)) keltra::warnLong(call, KT_TEXT("text"));
     keltra::copyText(text, wrapped);
     return true;
 }

@@ -12,7 +12,7 @@ namespace {
 
 // The horizontal and the vertical bar differ only in their axes.
 struct Horizontal {
-    static constexpr const char *kMaker = "KTHSCROLLBAR::KTHSCROLLBAR";
+    static constexpr keltra::FaultCall kMaker = KT_CALL("KTHSCROLLBAR::KTHSCROLLBAR");
     static int &length(KTBOX &box) { return box.sizeX; }
     static int &width(KTBOX &box) { return box.sizeY; }
     static float &place(KTBOX &box) { return box.position.x; }
@@ -23,7 +23,7 @@ struct Horizontal {
 };
 
 struct Vertical {
-    static constexpr const char *kMaker = "KTVSCROLLBAR::KTVSCROLLBAR";
+    static constexpr keltra::FaultCall kMaker = KT_CALL("KTVSCROLLBAR::KTVSCROLLBAR");
     static int &length(KTBOX &box) { return box.sizeY; }
     static int &width(KTBOX &box) { return box.sizeX; }
     static float &place(KTBOX &box) { return box.position.y; }

@@ -40,7 +40,9 @@ KTTEXTFIELD::~KTTEXTFIELD() {}
 // the right margin; applications rely on how much text fits.
 bool KTTEXTFIELD::manageKey(char key) {
     // Key 0 means no key, and is passed in each frame.
-    if (!font) return key && keltra::failState("KTTEXTFIELD::manageKey", "the text field has no font");
+    if (!font)
+        return key &&
+               keltra::failState(KT_CALL("KTTEXTFIELD::manageKey"), KT_TEXT("the text field has no font"));
     focused = true;
     std::size_t length = std::strlen(caption);
     unsigned char code = static_cast<unsigned char>(key);

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "foundation/fault.h"
 #include "gui/geometry.h"
 #include "scene/node_class.h"
 
@@ -54,7 +55,7 @@ void loadEntryMatrix(void *entry);
 void drawBorder(const KTBOX &box, std::int64_t width, std::int64_t height, bool sunken);
 
 // setCaption of buttons and windows; reports faults of `call`.
-void takeCaption(KTBUTTON &button, const char *text, const char *call);
+void takeCaption(KTBUTTON &button, const char *text, keltra::FaultCall call);
 
 }  // namespace keltra
 

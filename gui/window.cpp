@@ -78,7 +78,7 @@ KTWINDOW::KTWINDOW()
       lineCount(0) {
     joinClass(KT_WINDOW);
     setIdentity(KT_WINDOW, "[window %d]");
-    if (!titleBar || !scrollBar) keltra::warnMemory("KTWINDOW::KTWINDOW");
+    if (!titleBar || !scrollBar) keltra::warnMemory(KT_CALL("KTWINDOW::KTWINDOW"));
     caption[0] = '\0';
     setPosition(0.0f, static_cast<float>(kTitleHeight));
     setColor(0.0f, 0.0f, 0.6f, 0.9f);
@@ -130,7 +130,7 @@ void KTWINDOW::copyWindow(const KTWINDOW &other) {
 }
 
 void KTWINDOW::setCaption(const char *title) {
-    if (titleBar) keltra::takeCaption(*titleBar, title, "KTWINDOW::setCaption");
+    if (titleBar) keltra::takeCaption(*titleBar, title, KT_CALL("KTWINDOW::setCaption"));
 }
 
 void KTWINDOW::setFont(KTFONT *newFont) {
@@ -154,8 +154,8 @@ void KTWINDOW::clear() {
 }
 
 bool KTWINDOW::write(const char *format, ...) {
-    const char *const call = "KTWINDOW::write";
-    if (!format) return keltra::failNull(call, "format");
+    constexpr keltra::FaultCall call = KT_CALL("KTWINDOW::write");
+    if (!format) return keltra::failNull(call, KT_TEXT("format"));
     // Not on the stack, which is small.
     static_assert(sizeof wrapped >= kWriteBuffer, "it has room");
     va_list arguments;
@@ -164,13 +164,13 @@ bool KTWINDOW::write(const char *format, ...) {
     va_end(arguments);
     if (length < 0) return keltra::failFormat(call);
     std::size_t present = std::strlen(text), count = static_cast<std::size_t>(length);
-    if (count + present >= sizeof text) return keltra::failFull(call, "text", sizeof text - 1);
+    if (count + present >= sizeof text) return keltra::failFull(call, KT_TEXT("text"), sizeof text - 1);
     std::memcpy(text + present, wrapped, count + 1);
     return true;
 }
 
 bool KTWINDOW::format() {
-    if (!font) return keltra::failState("KTWINDOW::format", "the window has no font");
+    if (!font) return keltra::failState(KT_CALL("KTWINDOW::format"), KT_TEXT("the window has no font"));
     lineCount = font->format(text, wrapped, static_cast<unsigned int>(std::max(sizeX, 0)));
     std::size_t kept = std::min(std::strlen(wrapped), sizeof formattedText - 1);
     std::memcpy(formattedText, wrapped, kept);

@@ -10,8 +10,8 @@
 
 namespace {
 
-[[noreturn, gnu::cold]] void endProcess(const char *call, int index, long last) {
-    keltra::failRange(call, "index", index, last);
+[[noreturn, gnu::cold]] void endProcess(keltra::FaultCall call, int index, long last) {
+    keltra::failRange(call, KT_TEXT("index"), index, last);
     std::exit(1);
 }
 
@@ -39,7 +39,7 @@ float &R3XVECTOR2D::operator[](int index) {
         case 1:
             return y;
         default:
-            endProcess("R3XVECTOR2D::operator[]", index, 1);
+            endProcess(KT_CALL("R3XVECTOR2D::operator[]"), index, 1);
     }
 }
 
@@ -60,7 +60,7 @@ float &R3XVECTOR3D::operator[](int index) {
         case 2:
             return z;
         default:
-            endProcess("R3XVECTOR3D::operator[]", index, 2);
+            endProcess(KT_CALL("R3XVECTOR3D::operator[]"), index, 2);
     }
 }
 
@@ -83,7 +83,7 @@ float &R3XVECTOR4D::operator[](int index) {
         case 3:
             return w;
         default:
-            endProcess("R3XVECTOR4D::operator[]", index, 3);
+            endProcess(KT_CALL("R3XVECTOR4D::operator[]"), index, 3);
     }
 }
 

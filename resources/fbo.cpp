@@ -72,7 +72,7 @@ void KTFBO::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
 bool KTFBO::isOk() const { return KTOPENGL::FBOFlag; }
 
 bool KTFBO::bindTexture(int, KTTEXTURE *target) {
-    if (!target) return keltra::failNull("KTFBO::bindTexture", "target");
+    if (!target) return keltra::failNull(KT_CALL("KTFBO::bindTexture"), KT_TEXT("target"));
     if (!KTOPENGL::FBOFlag) return false;
     texture = target;
     texture->markHeld();

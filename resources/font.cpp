@@ -8,6 +8,7 @@
 #include "core/gl_state.h"
 #include "core/holders.h"
 #include "formats/kerning.h"
+#include "formats/key_check.h"
 #include "foundation/argument.h"
 #include "foundation/cold.h"
 #include "foundation/fault.h"
@@ -298,14 +299,14 @@ void KTFONT::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
 }
 
 KELTRA_COLD bool KTFONT::init() {
-    if (fontCachedVertex) return keltra::failState("KTFONT::init", keltra::kActive);
+    if (fontCachedVertex) return keltra::failState(KT_CALL("KTFONT::init"), keltra::kActive);
     fontCachedVertex = newArray<std::int32_t>(2 * kVertices);
     fontCachedTexCoord = newArray<std::int32_t>(2 * kVertices);
     fontCachedColor = newArray<unsigned char>(4 * kVertices);
     fontCachedIndex = newArray<std::uint16_t>(kVertices);
     if (!fontCachedVertex || !fontCachedTexCoord || !fontCachedColor || !fontCachedIndex) {
         free();
-        return keltra::failMemory("KTFONT::init");
+        return keltra::failMemory(KT_CALL("KTFONT::init"));
     }
     for (unsigned int i = 0; i < kVertices; ++i) fontCachedIndex[i] = static_cast<std::uint16_t>(i);
     return true;
@@ -321,7 +322,7 @@ KELTRA_COLD bool KTFONT::free() {
 }
 
 KELTRA_COLD bool KTFONT::setTexture(KTTEXTURE *glyphs) {
-    if (!glyphs) return keltra::failNull("KTFONT::setTexture", "glyphs");
+    if (!glyphs) return keltra::failNull(KT_CALL("KTFONT::setTexture"), KT_TEXT("glyphs"));
     textureUse.set(texture, glyphs);
     toldMissing = false;
     return true;
@@ -329,8 +330,8 @@ KELTRA_COLD bool KTFONT::setTexture(KTTEXTURE *glyphs) {
 
 KELTRA_COLD bool KTFONT::setKerning(char c, signed char value) {
     if (!hasKerning(c))
-        return keltra::failValue("KTFONT::setKerning", "c", c, "%ld to %ld", kFirstCharacter,
-                                 kFirstCharacter + kCharacters - 1);
+        return keltra::failValue(KT_CALL("KTFONT::setKerning"), KT_TEXT("c"), c, KT_TEXT("%ld to %ld"),
+                                 kFirstCharacter, kFirstCharacter + kCharacters - 1);
     kerning[cellOf(c)] = value;
     return true;
 }
@@ -339,8 +340,8 @@ signed char KTFONT::getKerning(char c) const { return hasKerning(c) ? kerning[ce
 
 KELTRA_COLD bool KTFONT::loadKerning(const char *filename) {
     const keltra::FilePath path(fontPath, filename);
-    keltra::LoadScope scope("KTFONT::loadKerning", path.text);
-    if (!filename) return scope.failNull("filename");
+    keltra::FaultScope scope(KT_CALL("KTFONT::loadKerning"), path.text);
+    if (!filename) return scope.failNull(KT_TEXT("filename"));
     vnfParser file;
     // The parser would log a missing file.
     if (!vnfFileExists(path.text)) return scope.failFile();
@@ -350,7 +351,7 @@ KELTRA_COLD bool KTFONT::loadKerning(const char *filename) {
     keltra::readKernings(file, values);
     for (unsigned int i = 0; i < keltra::kKerningKeys; ++i)
         if (values.isThere[i]) kerning[cellOf(keltra::kerningCharacter(i))] = values.value[i];
-    keltra::checkKerning(file, scope);
+    keltra::checkKerning(file);
     vnfCloseParser(&file);
     return true;
 }
@@ -370,16 +371,20 @@ void KTFONT::queueGlyph(std::int64_t x, std::int64_t y, char c) const {
 KELTRA_COLD bool KTFONT::failTexture(const char *call) {
     if (toldMissing) return false;
     toldMissing = true;
-    return keltra::failState(call, "the font has no texture");
+    KTFAULT &fault = keltra::newFault(KT_FAULT_STATE);
+    keltra::writeFaultText(fault.found, KT_TEXT("the font has no texture"));
+    fault.call = call;
+    KTFAULTS::report(&fault);
+    return false;
 }
 
 bool KTFONT::putChar(int x, int y, char c, bool immediate) {
-    if (!fontCachedVertex) return keltra::failState("KTFONT::putChar", keltra::kInactive);
+    if (!fontCachedVertex) return keltra::failState(KT_CALL("KTFONT::putChar"), keltra::kInactive);
     if (!immediate) {
         queueGlyph(x, y, c);
         return true;
     }
-    if (!texture) return failTexture("KTFONT::putChar");
+    if (!texture) return failTexture(keltra::faultCallName(KT_CALL("KTFONT::putChar")));
     writeGlyph(x, y, c);
     bind(*texture);
     setPointers(fontCachedCurrent);
@@ -418,11 +423,11 @@ void KTFONT::queueText(std::int64_t left, std::int64_t top, const char *text) co
 }
 
 bool KTFONT::putString(int x, int y, const char *format, ...) {
-    const char *const call = "KTFONT::putString";
-    if (!format) return keltra::failNull(call, "format");
+    constexpr keltra::FaultCall call = KT_CALL("KTFONT::putString");
+    if (!format) return keltra::failNull(call, KT_TEXT("format"));
     if (!fontCachedVertex) return keltra::failState(call, keltra::kInactive);
     markHeld();
-    if (!texture) return failTexture(call);
+    if (!texture) return failTexture(keltra::faultCallName(call));
     bind(*texture);
     char formatted[maxCharacters];
     std::va_list arguments;
@@ -456,8 +461,10 @@ KELTRA_COLD bool KTFONT::cleanUp() {
     return destroyAll(&KTFONT::release);
 }
 
-KELTRA_COLD void KTFONT::setPath(const char *path) { keltra::takeText(fontPath, path, "KTFONT::setPath"); }
+KELTRA_COLD void KTFONT::setPath(const char *path) {
+    keltra::takeText(fontPath, path, KT_CALL("KTFONT::setPath"));
+}
 
 KELTRA_COLD void KTFONT::setName(const char *text) {
-    if (keltra::takeName(name, text, "KTFONT::setName")) nameChanged();
+    if (keltra::takeName(name, text, KT_CALL("KTFONT::setName"))) nameChanged();
 }

@@ -146,6 +146,8 @@ unsigned int KTFONT::stringLength(const char *text) const {
 
 int KTFONT::format(const char *source, char *destination, unsigned int width, unsigned int) const {
     if (!source || !destination)
-        return keltra::failNull("KTFONT::format", source ? "destination" : "source"), 0;
+        return keltra::failNull(KT_CALL("KTFONT::format"),
+                                source ? KT_TEXT("destination") : KT_TEXT("source")),
+               0;
     return keltra::formatText(*this, source, destination, SIZE_MAX, width);
 }

@@ -146,7 +146,7 @@ void KTMATERIAL::copySurface(const KTMATERIAL &other) {
 }
 
 void KTMATERIAL::clone(const KTMATERIAL *source) {
-    if (!source) return void(keltra::failNull("KTMATERIAL::clone", "source"));
+    if (!source) return void(keltra::failNull(KT_CALL("KTMATERIAL::clone"), KT_TEXT("source")));
     char text[sizeof name + 16];
     std::snprintf(text, sizeof text, "%s%u", source->name, id);
     keltra::copyText(name, text);
@@ -179,7 +179,8 @@ void KTMATERIAL::setShader(KTSHADER *value) {
 }
 
 bool KTMATERIAL::setTexture(unsigned int level, KTTEXTURE *value) {
-    if (level >= levels) return keltra::failRange("KTMATERIAL::setTexture", "level", level, levels - 1);
+    if (level >= levels)
+        return keltra::failRange(KT_CALL("KTMATERIAL::setTexture"), KT_TEXT("level"), level, levels - 1);
     KTUSE::exchange(texture[level], value);
     return true;
 }
@@ -237,5 +238,5 @@ bool KTMATERIAL::cleanUp() {
 }
 
 void KTMATERIAL::setName(const char *text) {
-    if (keltra::takeName(name, text, "KTMATERIAL::setName")) nameChanged();
+    if (keltra::takeName(name, text, KT_CALL("KTMATERIAL::setName"))) nameChanged();
 }

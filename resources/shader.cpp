@@ -179,8 +179,8 @@ KTSHADER *KTSHADER::findById(unsigned int wanted) { return findRegistered(wanted
 
 unsigned int KTSHADER::getNumberOfShaders() { return count(); }
 
-void KTSHADER::setPath(const char *path) { keltra::takeText(shaderPath, path, "KTSHADER::setPath"); }
+void KTSHADER::setPath(const char *path) { keltra::takeText(shaderPath, path, KT_CALL("KTSHADER::setPath")); }
 
 void KTSHADER::setName(const char *text) {
-    if (keltra::takeName(name, text, "KTSHADER::setName")) nameChanged();
+    if (keltra::takeName(name, text, KT_CALL("KTSHADER::setName"))) nameChanged();
 }

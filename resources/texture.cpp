@@ -138,8 +138,8 @@ KELTRA_COLD void KTTEXTURE::copyFields(const KTTEXTURE &other) {
 KELTRA_COLD bool KTTEXTURE::load(const char *name) {
     if (name && std::strcmp(name, kDynamicName) == 0) return true;
     const keltra::FilePath path(texturePath, name);
-    keltra::FaultScope scope("KTTEXTURE::load", path.text);
-    if (!name) return scope.failNull("name");
+    keltra::FaultScope scope(KT_CALL("KTTEXTURE::load"), path.text);
+    if (!name) return scope.failNull(KT_TEXT("name"));
     if (std::strlen(name) >= sizeof filename) return scope.fail(KT_FAULT_FILE_NAME);
     keltra::TgaImage image;
     unsigned char *pixels = nullptr;
@@ -171,16 +171,17 @@ KELTRA_COLD bool KTTEXTURE::loadAgain() {
         const keltra::FaultSilence silence;
         return load(filename);
     }
-    const keltra::FaultScope scope("KTTEXTURE::render");
+    const keltra::FaultScope scope(KT_CALL("KTTEXTURE::render"));
     const keltra::FaultOptional optional;
     return load(filename);
 }
 
 KELTRA_COLD bool KTTEXTURE::create(unsigned int width, unsigned int height, unsigned int format) {
-    const char *const call = "KTTEXTURE::create";
-    if (width > maxSize) return keltra::failRange(call, "sizeX", width, maxSize);
-    if (height > maxSize) return keltra::failRange(call, "sizeY", height, maxSize);
-    if (format < 3 || format > 6) return keltra::failValue(call, "bpp", long(format), "3 to 6");
+    constexpr keltra::FaultCall call = KT_CALL("KTTEXTURE::create");
+    if (width > maxSize) return keltra::failRange(call, KT_TEXT("sizeX"), width, maxSize);
+    if (height > maxSize) return keltra::failRange(call, KT_TEXT("sizeY"), height, maxSize);
+    if (format < 3 || format > 6)
+        return keltra::failValue(call, KT_TEXT("bpp"), long(format), KT_TEXT("3 to 6"));
     unsigned char *pixels = nullptr;
     if (format <= 4) {
         pixels = newImage(width, height, format);
@@ -202,14 +203,14 @@ KELTRA_COLD bool KTTEXTURE::create(unsigned int width, unsigned int height, unsi
 }
 
 KELTRA_COLD bool KTTEXTURE::modify(const char *pixels, bool keepCopy) {
-    const char *const call = "KTTEXTURE::modify";
-    if (!pixels) return keltra::failNull(call, "pixels");
+    constexpr keltra::FaultCall call = KT_CALL("KTTEXTURE::modify");
+    if (!pixels) return keltra::failNull(call, KT_TEXT("pixels"));
     if (keepCopy) {
         if (!bitmap) {
             bitmap = newImage(sizeX, sizeY, bpp);
             ownsBitmap = bitmap != nullptr;
             if (!bitmap) return keltra::failMemory(call);
-            return keltra::failState(call, "there was no bitmap: made without the pixels");
+            return keltra::failState(call, KT_TEXT("there was no bitmap: made without the pixels"));
         }
         std::memmove(bitmap, pixels, std::size_t{sizeX} * sizeY * bpp);
     }
@@ -245,7 +246,8 @@ KELTRA_COLD bool KTTEXTURE::setFilter(bool linear, bool withMipmaps, bool clampe
 
 bool KTTEXTURE::render(void *data) {
     const unsigned int channel = data ? *static_cast<const unsigned int *>(data) : 0;
-    if (channel >= channels) return keltra::failRange("KTTEXTURE::render", "data", channel, channels - 1);
+    if (channel >= channels)
+        return keltra::failRange(KT_CALL("KTTEXTURE::render"), KT_TEXT("data"), channel, channels - 1);
     timeStamp = static_cast<std::int32_t>(KTENGINESTATE::timeStamp);
     markHeld();
     forgetDeletedGLTexture();
@@ -299,5 +301,5 @@ KTTEXTURE *KTTEXTURE::findById(unsigned int wanted) { return findRegistered(want
 unsigned int KTTEXTURE::getNumberOfTextures() { return count(); }
 
 KELTRA_COLD void KTTEXTURE::setPath(const char *path) {
-    keltra::takeText(texturePath, path, "KTTEXTURE::setPath");
+    keltra::takeText(texturePath, path, KT_CALL("KTTEXTURE::setPath"));
 }

@@ -35,8 +35,8 @@ void uploadLevel(unsigned int level, unsigned int sizeX, unsigned int sizeY, uns
 
 bool KTTEXTURE::update() {
     if (upload()) return true;
-    return keltra::failState("KTTEXTURE::update",
-                             bitmap ? "there is no GL context" : "the texture has no bitmap");
+    return keltra::failState(KT_CALL("KTTEXTURE::update"), bitmap ? KT_TEXT("there is no GL context")
+                                                                  : KT_TEXT("the texture has no bitmap"));
 }
 
 // Without a fault: a texture is rendered even without its file.
@@ -63,7 +63,7 @@ bool KTTEXTURE::upload() {
     setParameters();
     if (bpp == 3 || bpp == 4) uploadImage();
     // The GL texture stays as it is: a new upload in each frame would charge more each time.
-    if (glGetError() == GL_OUT_OF_MEMORY) keltra::warnMemory("KTTEXTURE::update");
+    if (glGetError() == GL_OUT_OF_MEMORY) keltra::warnMemory(KT_CALL("KTTEXTURE::update"));
     mipmapResident = mipmapped;
     KTENGINESTATE::pushVideoMemory(mipmapped ? 2 * memory : memory);
     return true;
@@ -157,7 +157,7 @@ bool KTTEXTURE::garbageCollect(unsigned long limit) {
     if (!total) return false;
     Candidate *candidates =
         static_cast<Candidate *>(keltra::allocate(total * static_cast<unsigned int>(sizeof(Candidate))));
-    if (!candidates) return keltra::failMemory("KTTEXTURE::garbageCollect");
+    if (!candidates) return keltra::failMemory(KT_CALL("KTTEXTURE::garbageCollect"));
     unsigned int order = 0;
     for (KTTEXTURE *texture = firstRegistered(); texture; texture = texture->registeredNext(), ++order)
         candidates[order] = {texture, order};

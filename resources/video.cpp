@@ -92,7 +92,9 @@ KTVIDEO *KTVIDEO::findByFilename(const char *name) { return findRegistered(name)
 
 KTVIDEO *KTVIDEO::findById(unsigned int wanted) { return findRegistered(wanted); }
 
-void KTVIDEO::setMPGPath(const char *path) { keltra::takeText(mpgPath, path, "KTVIDEO::setMPGPath"); }
+void KTVIDEO::setMPGPath(const char *path) {
+    keltra::takeText(mpgPath, path, KT_CALL("KTVIDEO::setMPGPath"));
+}
 
 void KTVIDEO::setTexture(KTTEXTURE *target) { textureUse.set(texture, target); }
 
@@ -105,13 +107,14 @@ void KTVIDEO::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
 bool KTVIDEO::load(const char *name) {
     status = KT_VIDEO_STOPPED;
     const keltra::FilePath path(mpgPath, name);
-    keltra::FaultScope scope("KTVIDEO::load", path.text);
+    keltra::FaultScope scope(KT_CALL("KTVIDEO::load"), path.text);
     if (!stream) return scope.fail(KT_FAULT_OUT_OF_MEMORY);
     keltra::closeStream(*stream);
     if (!name) return false;  // only closes the film
     if (std::strlen(name) >= sizeof filename) return scope.fail(KT_FAULT_FILE_NAME);
     if (!vnfFileExists(path.text)) return scope.failFile();
-    if (!keltra::hasVideo()) return keltra::failState("KTVIDEO::load", "the library is built without video");
+    if (!keltra::hasVideo())
+        return keltra::failState(KT_CALL("KTVIDEO::load"), KT_TEXT("the library is built without video"));
     if (!keltra::openStream(*stream, path.text)) return scope.fail(KT_FAULT_OUT_OF_MEMORY);
     keltra::copyText(filename, name);
     nameChanged();
@@ -121,7 +124,7 @@ bool KTVIDEO::load(const char *name) {
 // Back to the beginning, where only a looping film continues.
 bool KTVIDEO::startAgain() {
     const bool loops = status == KT_VIDEO_LOOPING;
-    const keltra::FaultScope scope("KTVIDEO::update");
+    const keltra::FaultScope scope(KT_CALL("KTVIDEO::update"));
     const bool opened = load(filename);
     if (loops) status = KT_VIDEO_LOOPING;
     return opened;
@@ -142,7 +145,7 @@ bool KTVIDEO::update(unsigned int steps) {
         if (keltra::stepStream(*stream, picture)) show(picture.width, picture.height, picture.pixels);
         if (!stream->file) {
             status = KT_VIDEO_STOPPED;
-            return keltra::failMemory("KTVIDEO::update");
+            return keltra::failMemory(KT_CALL("KTVIDEO::update"));
         }
         if (stream->lastRead == 0 && !startAgain()) return false;
     }

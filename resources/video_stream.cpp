@@ -129,15 +129,15 @@ void beginSequence(KTVIDEOSTREAM &stream) {
     if (!sequence || sequence->width > kMaxTextureSize || sequence->height > kMaxTextureSize)
         return skipSequence(stream);
     if (!hasRoomFor(*sequence)) {
-        warnMemory("KTVIDEO::update");
+        warnMemory(KT_CALL("KTVIDEO::update"));
         return skipSequence(stream);
     }
     stream.converted = mpeg2_convert(stream.decoder, mpeg2convert_rgb24, nullptr) == 0;
     if (stream.converted) return;
-    KTFAULT fault = newFault(KT_FAULT_DATA);
-    setFaultText(fault.field, faultText("sequence header"));
-    setFaultText(fault.expected, faultText("its pictures cannot be shown in RGB"));
-    warnFault("KTVIDEO::update", fault);
+    KTFAULT &fault = newFault(KT_FAULT_DATA);
+    writeFaultText(fault.field, KT_TEXT("sequence header"));
+    writeFaultText(fault.expected, KT_TEXT("its pictures cannot be shown in RGB"));
+    warnFault(KT_CALL("KTVIDEO::update"), fault);
 }
 
 void readOn(KTVIDEOSTREAM &stream) {

@@ -33,10 +33,12 @@ char KTANIM::ktaPath[256];
 
 namespace {
 
-[[gnu::noinline]] bool failKeyframe(const char *call, unsigned int frame, unsigned int frames,
-                                    unsigned int bone, unsigned int bones) {
-    if (frame > frames) return keltra::failRange(call, "frame", frame, frames);
-    return keltra::failRange(call, "bone", bone, long(bones) - 1);
+[[gnu::noinline]] bool failKeyframe(keltra::FaultCall call, const KTANIM &anim, unsigned int frame,
+                                    unsigned int bone) {
+    const unsigned int frames = std::min(anim.getNumberOfFrames(), KTANIM::maxFrames + 0);
+    if (frame > frames) return keltra::failRange(call, KT_TEXT("frame"), frame, frames);
+    const unsigned int bones = std::min(anim.getNumberOfBones(), KTANIM::maxBones + 0);
+    return keltra::failRange(call, KT_TEXT("bone"), bone, long(bones) - 1);
 }
 
 // Bones by their names, for one walk of a tree. Names may change between two walks, so it is made anew for
@@ -133,16 +135,18 @@ KTANIM *KTANIM::findByFilename(const char *text) { return findRegistered(text); 
 KTANIM *KTANIM::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 KELTRA_COLD void KTANIM::setKTAPath(const char *path) {
-    keltra::takeText(ktaPath, path, "KTANIM::setKTAPath");
+    keltra::takeText(ktaPath, path, KT_CALL("KTANIM::setKTAPath"));
 }
 
 KELTRA_COLD void KTANIM::setNumberOfFrames(unsigned int count) {
-    if (count > maxFrames) keltra::warnRange("KTANIM::setNumberOfFrames", "count", count, maxFrames);
+    if (count > maxFrames)
+        keltra::warnRange(KT_CALL("KTANIM::setNumberOfFrames"), KT_TEXT("count"), count, maxFrames);
     numberOfFrames = static_cast<std::uint16_t>(std::min(count, maxFrames));
 }
 
 KELTRA_COLD void KTANIM::setNumberOfBones(unsigned int count) {
-    if (count > maxBones) keltra::warnRange("KTANIM::setNumberOfBones", "count", count, maxBones);
+    if (count > maxBones)
+        keltra::warnRange(KT_CALL("KTANIM::setNumberOfBones"), KT_TEXT("count"), count, maxBones);
     numberOfBones = static_cast<std::uint16_t>(std::min(count, maxBones));
 }
 
@@ -152,10 +156,10 @@ unsigned int KTANIM::frames() const { return std::min<unsigned int>(numberOfFram
 
 // Deliberate: false even when the name was set; applications ported from earlier versions rely on it.
 KELTRA_COLD bool KTANIM::setBoneName(unsigned int index, const char *text) {
-    const char *const call = "KTANIM::setBoneName";
-    if (!text) return keltra::failNull(call, "text");
-    if (index >= maxBones) return keltra::failRange(call, "index", index, maxBones - 1);
-    keltra::takeText(boneNames[index], text, call, "text");
+    constexpr keltra::FaultCall call = KT_CALL("KTANIM::setBoneName");
+    if (!text) return keltra::failNull(call, KT_TEXT("text"));
+    if (index >= maxBones) return keltra::failRange(call, KT_TEXT("index"), index, maxBones - 1);
+    keltra::takeText(boneNames[index], text, call, KT_TEXT("text"));
     return false;
 }
 
@@ -180,10 +184,10 @@ R3XVECTOR3D KTANIM::getFrameRotation(unsigned int frame, unsigned int bone) {
 }
 
 KELTRA_COLD bool KTANIM::acquireStructure(KTMESH *mesh) {
-    if (!mesh) return keltra::failNull("KTANIM::acquireStructure", "mesh");
+    if (!mesh) return keltra::failNull(KT_CALL("KTANIM::acquireStructure"), KT_TEXT("mesh"));
     if (!mesh->numberOfBones || !mesh->bones)
-        return keltra::failState("KTANIM::acquireStructure", "the mesh has no bones");
-    const keltra::FaultScope scope("KTANIM::acquireStructure");
+        return keltra::failState(KT_CALL("KTANIM::acquireStructure"), KT_TEXT("the mesh has no bones"));
+    const keltra::FaultScope scope(KT_CALL("KTANIM::acquireStructure"));
     setNumberOfBones(mesh->numberOfBones);
     for (unsigned int i = 0; i < bones(); ++i) keltra::copyText(boneNames[i], mesh->bones[i].name);
     return true;
@@ -196,35 +200,35 @@ KELTRA_COLD KTBONEFRAME *KTANIM::settable(unsigned int frame, unsigned int bone)
 
 KELTRA_COLD bool KTANIM::setFrame(unsigned int frame, unsigned int bone, float x, float y, float z) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return failKeyframe("KTANIM::setFrame", frame, frames(), bone, bones());
+    if (!keyframe) return failKeyframe(KT_CALL("KTANIM::setFrame"), *this, frame, bone);
     keyframe->rotation.set(x, y, z);
     return keyframe->set = true;
 }
 
 KELTRA_COLD bool KTANIM::setFrameRotationX(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return failKeyframe("KTANIM::setFrameRotationX", frame, frames(), bone, bones());
+    if (!keyframe) return failKeyframe(KT_CALL("KTANIM::setFrameRotationX"), *this, frame, bone);
     keyframe->rotation.x = degrees;
     return keyframe->set = true;
 }
 
 KELTRA_COLD bool KTANIM::setFrameRotationY(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return failKeyframe("KTANIM::setFrameRotationY", frame, frames(), bone, bones());
+    if (!keyframe) return failKeyframe(KT_CALL("KTANIM::setFrameRotationY"), *this, frame, bone);
     keyframe->rotation.y = degrees;
     return keyframe->set = true;
 }
 
 KELTRA_COLD bool KTANIM::setFrameRotationZ(unsigned int frame, unsigned int bone, float degrees) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return failKeyframe("KTANIM::setFrameRotationZ", frame, frames(), bone, bones());
+    if (!keyframe) return failKeyframe(KT_CALL("KTANIM::setFrameRotationZ"), *this, frame, bone);
     keyframe->rotation.z = degrees;
     return keyframe->set = true;
 }
 
 KELTRA_COLD bool KTANIM::unsetFrame(unsigned int frame, unsigned int bone) {
     KTBONEFRAME *keyframe = settable(frame, bone);
-    if (!keyframe) return failKeyframe("KTANIM::unsetFrame", frame, frames(), bone, bones());
+    if (!keyframe) return failKeyframe(KT_CALL("KTANIM::unsetFrame"), *this, frame, bone);
     if (!keyframe->set) return false;
     keyframe->set = false;
     return true;
@@ -236,10 +240,10 @@ KELTRA_COLD void KTANIM::reset() {
 }
 
 KELTRA_COLD bool KTANIM::createKeyframes(unsigned int first, unsigned int last) {
-    const char *const call = "KTANIM::createKeyframes";
-    if (last > frames()) return keltra::failRange(call, "last", last, frames());
+    constexpr keltra::FaultCall call = KT_CALL("KTANIM::createKeyframes");
+    if (last > frames()) return keltra::failRange(call, KT_TEXT("last"), last, frames());
     // With `last` in range, `first` is too.
-    if (first >= last) return keltra::failRange(call, "first", first, long(last) - 1);
+    if (first >= last) return keltra::failRange(call, KT_TEXT("first"), first, long(last) - 1);
     for (unsigned int bone = 0; bone < bones(); ++bone) {
         unsigned int from = first;
         while (from < last) {
@@ -269,8 +273,9 @@ void KTANIM::interpolate(unsigned int bone, unsigned int from, unsigned int to) 
 // One walk of the tree for all bones: the first node of a name counts, and of several bones of one name the
 // last.
 bool KTANIM::apply(unsigned int frame, KTNODE *root) {
-    if (!root) return keltra::failNull("KTANIM::apply", "root");
-    if (frame >= frames()) return keltra::failRange("KTANIM::apply", "frame", frame, long(frames()) - 1);
+    if (!root) return keltra::failNull(KT_CALL("KTANIM::apply"), KT_TEXT("root"));
+    if (frame >= frames())
+        return keltra::failRange(KT_CALL("KTANIM::apply"), KT_TEXT("frame"), frame, long(frames()) - 1);
     BoneTable table;
     for (unsigned int bone = 0; bone < bones(); ++bone) table.add(boneNames, bone);
     keltra::walkTree(root, [&](KTNODE *node, unsigned int) {

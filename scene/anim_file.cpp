@@ -101,8 +101,8 @@ static_assert(KTANIM::maxBones == keltra::kMaxAnimBones && KTANIM::maxFrames == 
 
 bool KTANIM::load(const char *fileName) {
     const keltra::FilePath path(ktaPath, fileName);
-    keltra::FaultScope scope("KTANIM::load", path.text);
-    if (!fileName) return scope.failNull("fileName");
+    keltra::FaultScope scope(KT_CALL("KTANIM::load"), path.text);
+    if (!fileName) return scope.failNull(KT_TEXT("fileName"));
     if (std::strlen(fileName) >= sizeof name) return scope.fail(KT_FAULT_FILE_NAME);
     keltra::FileBytes file(path.text);
     if (!file.data()) return scope.failFile(file.isOutOfMemory());
@@ -122,7 +122,7 @@ bool KTANIM::load(const char *fileName) {
 }
 
 KELTRA_COLD bool KTANIM::save(const char *path) {
-    if (!path) return keltra::failNull("KTANIM::save", "path");
+    if (!path) return keltra::failNull(KT_CALL("KTANIM::save"), KT_TEXT("path"));
     Writer writer(path);
     writer.bytes(keltra::kAnimMagic, std::strlen(keltra::kAnimMagic));
     writer.u8(kEndOfText);
@@ -142,6 +142,6 @@ KELTRA_COLD bool KTANIM::save(const char *path) {
         }
     }
     if (writer.close()) return true;
-    keltra::FaultScope scope("KTANIM::save", path);
+    keltra::FaultScope scope(KT_CALL("KTANIM::save"), path);
     return scope.fail(KT_FAULT_FILE_WRITE);
 }

@@ -44,7 +44,7 @@ void BoneFinder::bind(KTMESH &mesh) {
     for (unsigned int b = 0; b < mesh.numberOfBones; ++b) {
         KTBONE &bone = mesh.bones[b];
         bind(bone);
-        if (!bone.node) warnFault("KTMESH::resetBones", unknownBone(mesh.name, bone.name));
+        if (!bone.node) warnFault(KT_CALL("KTMESH::resetBones"), unknownBone(mesh.name, bone.name));
     }
 }
 

@@ -44,16 +44,16 @@ unsigned int starts = 0;
 // An overflow repeats in every frame: reported once, until the list is restarted.
 bool listReported = false, skinsReported = false;
 
-[[gnu::noinline]] void warnOnce(bool &reported, const char *what, unsigned int most) {
+[[gnu::noinline]] void warnOnce(bool &reported, keltra::FaultText what, unsigned int most) {
     if (reported) return;
     reported = true;
-    keltra::warnFull("KTELEMENT::pass", what, most);
+    keltra::warnFull(KT_CALL("KTELEMENT::pass"), what, most);
 }
 
 // Always false.
 [[gnu::noinline]] bool noteFullList() {
-    if (!KTELEMENT::active) return keltra::failState("KTELEMENT::pass", keltra::kInactive);
-    warnOnce(listReported, "render list", KTELEMENT::numberOfElements);
+    if (!KTELEMENT::active) return keltra::failState(KT_CALL("KTELEMENT::pass"), keltra::kInactive);
+    warnOnce(listReported, KT_TEXT("render list"), KTELEMENT::numberOfElements);
     return false;
 }
 
@@ -113,19 +113,20 @@ KTELEMENT::KTELEMENT() : node(nullptr), auxId(0), distance(0.0f), nearestLight()
 
 void KTELEMENT::setNearestLight(unsigned int i, KTELEMENT *light) {
     if (i >= nearestLights)
-        return void(keltra::failRange("KTELEMENT::setNearestLight", "i", i, nearestLights - 1));
+        return void(
+            keltra::failRange(KT_CALL("KTELEMENT::setNearestLight"), KT_TEXT("i"), i, nearestLights - 1));
     nearestLight[i] = light;
 }
 
 KELTRA_COLD bool KTELEMENT::init(unsigned int n) {
-    if (active) return keltra::failState("KTELEMENT::init", keltra::kActive);
+    if (active) return keltra::failState(KT_CALL("KTELEMENT::init"), keltra::kActive);
     unsigned int capacity = n >= 1 && n <= maxElements ? n : maxElements;
     void *entries = keltra::allocate(capacity * static_cast<unsigned int>(sizeof(KTELEMENT)));
     void *order = keltra::allocate(capacity * static_cast<unsigned int>(sizeof(KTELEMENT *)));
     if (!entries || !order) {
         if (entries) vnfFree(entries);
         if (order) vnfFree(order);
-        return keltra::failMemory("KTELEMENT::init");
+        return keltra::failMemory(KT_CALL("KTELEMENT::init"));
     }
     element = static_cast<KTELEMENT *>(entries);
     elementPointer = static_cast<KTELEMENT **>(order);
@@ -138,7 +139,7 @@ KELTRA_COLD bool KTELEMENT::init(unsigned int n) {
 }
 
 KELTRA_COLD bool KTELEMENT::free() {
-    if (!active) return keltra::failState("KTELEMENT::free", keltra::kInactive);
+    if (!active) return keltra::failState(KT_CALL("KTELEMENT::free"), keltra::kInactive);
     vnfFree(element);
     vnfFree(elementPointer);
     element = nullptr;
@@ -159,7 +160,7 @@ bool KTNODE::pass(bool flag) {
 
 // Children go through the same steps as KTNODE::pass, which stamps a node before it is queued here.
 bool KTELEMENT::pass(KTNODE *root, bool) {
-    if (!root) return keltra::failNull("KTELEMENT::pass", "node");
+    if (!root) return keltra::failNull(KT_CALL("KTELEMENT::pass"), KT_TEXT("node"));
     if (numberOfPassedElements >= numberOfElements) return noteFullList();
     Levels levels;
     // Did not fit on the list: it has no level, and its children are not passed.
@@ -210,7 +211,7 @@ void KTELEMENT::append(KTNODE *node) {
 void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
     if (KTMESH::usedSlots >= KTMESH::maxSkins || !KTMESH::boneMatrices) {
         entry.param1 = KTMESH::maxSkins;
-        warnOnce(skinsReported, "skinned meshes of a frame", KTMESH::maxSkins);
+        warnOnce(skinsReported, KT_TEXT("skinned meshes of a frame"), KTMESH::maxSkins);
         return;
     }
     bool pushed = keltra::pushMatrix();
@@ -228,7 +229,7 @@ void KTELEMENT::passSkin(KTMESH *mesh, KTELEMENT &entry) {
 }
 
 bool KTELEMENT::passSkeleton(KTNODE *bone, KTMESH *mesh) {
-    if (!bone) return keltra::failNull("KTELEMENT::passSkeleton", "bone");
+    if (!bone) return keltra::failNull(KT_CALL("KTELEMENT::passSkeleton"), KT_TEXT("bone"));
     if (!mesh || !mesh->bones || !KTMESH::boneMatrices || KTMESH::usedSlots >= KTMESH::maxSkins) return true;
     Levels levels;
     auto enter = [&](KTNODE *node, unsigned int depth) {

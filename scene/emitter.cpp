@@ -179,7 +179,7 @@ KELTRA_COLD void KTEMITTER::copyEmitter(const KTEMITTER &other) {
 }
 
 KELTRA_COLD bool KTEMITTER::init() {
-    if (particle) return keltra::failState("KTEMITTER::init", keltra::kActive);
+    if (particle) return keltra::failState(KT_CALL("KTEMITTER::init"), keltra::kActive);
     particle = newRecords<KTPARTICLE>(poolSize);
     vertexArray = newRecords<R3XVECTOR4D>(kVertices);
     uvArray = newRecords<R3XVECTOR2D>(kVertices);
@@ -187,7 +187,7 @@ KELTRA_COLD bool KTEMITTER::init() {
     colorArray = newRecords<unsigned char>(kVertices * kColorBytes);
     if (!particle || !vertexArray || !uvArray || !uvSecondaryArray || !colorArray) {
         freeArrays();
-        return keltra::failMemory("KTEMITTER::init");
+        return keltra::failMemory(KT_CALL("KTEMITTER::init"));
     }
     const R3XVECTOR2D square[kCorners] = {{0.0f, 0.0f}, {1.0f, 0.0f}, {1.0f, 1.0f}, {0.0f, 1.0f}};
     for (unsigned int i = 0; i < kVertices; ++i) {
@@ -200,7 +200,7 @@ KELTRA_COLD bool KTEMITTER::init() {
 }
 
 KELTRA_COLD bool KTEMITTER::free() {
-    if (!particle) return keltra::failState("KTEMITTER::free", keltra::kInactive);
+    if (!particle) return keltra::failState(KT_CALL("KTEMITTER::free"), keltra::kInactive);
     KTLISTED<KTEMITTER>::visitList(allEmitters, ~0u, [](KTEMITTER &emitter) {
         emitter.releaseSlots(0);
         emitter.initialized = false;
@@ -267,9 +267,10 @@ KELTRA_COLD void KTEMITTER::releaseSlots(unsigned int kept) {
 // Deliberate: with too few free records the emitter keeps those that it got and does not retry; applications
 // rely on success.
 KELTRA_COLD bool KTEMITTER::initialize() {
-    if (!particle) return keltra::failState("KTEMITTER::initialize", keltra::kInactive);
+    if (!particle) return keltra::failState(KT_CALL("KTEMITTER::initialize"), keltra::kInactive);
     if (numberOfParticles != clampedNumber(numberOfParticles))
-        keltra::warnRange("KTEMITTER::initialize", "numberOfParticles", numberOfParticles, maxParticles);
+        keltra::warnRange(KT_CALL("KTEMITTER::initialize"), KT_TEXT("numberOfParticles"), numberOfParticles,
+                          maxParticles);
     numberOfParticles = clampedNumber(numberOfParticles);
     const unsigned int wanted = static_cast<unsigned int>(numberOfParticles);
     releaseSlots(wanted);
@@ -283,7 +284,7 @@ KELTRA_COLD bool KTEMITTER::initialize() {
         slot[next] = static_cast<int>(record);
     }
     if (wanted > 0 && slot[wanted - 1] < 0)
-        keltra::warnFull("KTEMITTER::initialize", "particles of all emitters", poolSize);
+        keltra::warnFull(KT_CALL("KTEMITTER::initialize"), KT_TEXT("particles of all emitters"), poolSize);
     for (unsigned int i = 0; i < wanted; ++i) updateParticle(heldParticle(i));
     initialized = true;
     return true;
@@ -324,8 +325,8 @@ void KTEMITTER::placeOnDisc(KTPARTICLE &spawned) const {
 }
 
 bool KTEMITTER::render(void *data) {
-    if (!data) return keltra::failNull("KTEMITTER::render", "data");
-    if (!particle) return keltra::failState("KTEMITTER::render", keltra::kInactive);
+    if (!data) return keltra::failNull(KT_CALL("KTEMITTER::render"), KT_TEXT("data"));
+    if (!particle) return keltra::failState(KT_CALL("KTEMITTER::render"), keltra::kInactive);
     if (!initialized && !initialize()) return false;
     KT_glLoadMatrixf(static_cast<KTELEMENT *>(data)->getMatrix()->m);
     const bool wasLit = KTLIGHT::getLighting();

@@ -42,58 +42,10 @@ void readFactor(const TiXmlElement &element, bool isSource, unsigned int &factor
     if (keltra::isBlendFactor(code, isSource)) factor = static_cast<unsigned int>(code);
 }
 
-bool readMaxima(KTEMITTER &emitter, const char *key, const TiXmlElement &element) {
-    const struct {
-        const char *key;
-        unsigned int &value;
-    } maxima[] = {
-        {"maxEnergy", emitter.maximumEnergy},
-        {"maxVelocity", emitter.maxVelocity},
-        {"maxParticleSize", emitter.maximumParticuleSize},
-        {"maxSpin", emitter.maximumSpin},
-    };
-    for (const auto &maximum : maxima) {
-        if (std::strcmp(maximum.key, key) != 0) continue;
-        readMaximum(element, maximum.value);
-        return true;
-    }
-    return false;
-}
-
-bool readReals(KTEMITTER &emitter, const char *key, const TiXmlElement &element) {
-    const struct {
-        const char *key, *attribute;
-        float &value;
-    } reals[] = {
-        {"maxAngle", "value", emitter.maximumAngle}, {"radius", "value", emitter.radius},
-        {"spinning", "value", emitter.spinning},     {"emitterSize", "x", emitter.sizeX},
-        {"emitterSize", "y", emitter.sizeY},
-    };
-    bool found = false;
-    for (const auto &real : reals) {
-        if (std::strcmp(real.key, key) != 0) continue;
-        readReal(element, real.attribute, real.value);
-        found = true;
-    }
-    return found;
-}
-
-// Deliberate: the "center" of a file is the node's position, not the centre of the new particles; emitter
-// files rely on it.
-bool readVectors(KTEMITTER &emitter, const char *key, const TiXmlElement &element) {
-    const struct {
-        const char *key;
-        R3XVECTOR3D &value;
-    } vectors[] = {
-        {"center", emitter.position},   {"gravity", emitter.gravity},       {"rotation", emitter.rotation},
-        {"upVector", emitter.upVector}, {"colorStart", emitter.colorStart}, {"colorEnd", emitter.colorEnd},
-    };
-    for (const auto &vector : vectors) {
-        if (std::strcmp(vector.key, key) != 0) continue;
-        readVector(element, vector.value);
-        return true;
-    }
-    return false;
+void readParticles(KTEMITTER &emitter, const TiXmlElement &element) {
+    int number = emitter.getNumberOfParticles();
+    readInteger(element, number);
+    emitter.setNumberOfParticles(number);
 }
 
 void readTexture(KTEMITTER &emitter, const TiXmlElement &element) {
@@ -103,23 +55,50 @@ void readTexture(KTEMITTER &emitter, const TiXmlElement &element) {
     if (KTTEXTURE *texture = emitter.getTexture()) texture->load(file);
 }
 
+// Deliberate: the "center" of a file is the node's position, not the centre of the new particles; emitter
+// files rely on it.
 void readSetting(KTEMITTER &emitter, const TiXmlElement &element) {
-    const char *key = element.Value();
-    if (readMaxima(emitter, key, element) || readReals(emitter, key, element) ||
-        readVectors(emitter, key, element))
-        return;
-    if (std::strcmp(key, "type") == 0) {
-        readInteger(element, emitter.emitterType);
-    } else if (std::strcmp(key, "nbOfParticles") == 0) {
-        int number = emitter.getNumberOfParticles();
-        readInteger(element, number);
-        emitter.setNumberOfParticles(number);
-    } else if (std::strcmp(key, "texture") == 0) {
-        readTexture(emitter, element);
-    } else if (std::strcmp(key, "blendingSrc") == 0) {
-        readFactor(element, true, emitter.blendingSrc);
-    } else if (std::strcmp(key, "blendingDst") == 0) {
-        readFactor(element, false, emitter.blendingDst);
+    const keltra::EmitterSetting *setting = keltra::findEmitterSetting(element.Value());
+    if (!setting) return;
+    switch (setting - keltra::kEmitterSettings) {
+        case keltra::kEmitterType:
+            return readInteger(element, emitter.emitterType);
+        case keltra::kEmitterTexture:
+            return readTexture(emitter, element);
+        case keltra::kEmitterParticles:
+            return readParticles(emitter, element);
+        case keltra::kEmitterMaxEnergy:
+            return readMaximum(element, emitter.maximumEnergy);
+        case keltra::kEmitterMaxVelocity:
+            return readMaximum(element, emitter.maxVelocity);
+        case keltra::kEmitterMaxAngle:
+            return readReal(element, "value", emitter.maximumAngle);
+        case keltra::kEmitterSize:
+            readReal(element, "x", emitter.sizeX);
+            return readReal(element, "y", emitter.sizeY);
+        case keltra::kEmitterRadius:
+            return readReal(element, "value", emitter.radius);
+        case keltra::kEmitterMaxParticleSize:
+            return readMaximum(element, emitter.maximumParticuleSize);
+        case keltra::kEmitterMaxSpin:
+            return readMaximum(element, emitter.maximumSpin);
+        case keltra::kEmitterSpinning:
+            return readReal(element, "value", emitter.spinning);
+        case keltra::kEmitterCenter:
+            return readVector(element, emitter.position);
+        case keltra::kEmitterRotation:
+            return readVector(element, emitter.rotation);
+        case keltra::kEmitterGravity:
+            return readVector(element, emitter.gravity);
+        case keltra::kEmitterUpVector:
+            return readVector(element, emitter.upVector);
+        case keltra::kEmitterColorStart:
+            return readVector(element, emitter.colorStart);
+        case keltra::kEmitterColorEnd:
+            return readVector(element, emitter.colorEnd);
+        default:
+            const bool isSource = setting->kind == keltra::EmitterValue::kSourceFactor;
+            return readFactor(element, isSource, isSource ? emitter.blendingSrc : emitter.blendingDst);
     }
 }
 
@@ -129,12 +108,12 @@ bool KTEMITTER::load(const char *filename) {
     setNumberOfParticles(0);
     setTexture(nullptr);
     setTexture(new (std::nothrow) KTTEXTURE);
-    keltra::LoadScope scope("KTEMITTER::load", filename);
-    if (!filename) return scope.failNull("filename");
-    if (!getTexture()) keltra::warnMemory("KTEMITTER::load");
+    keltra::FaultScope scope(KT_CALL("KTEMITTER::load"), filename);
+    if (!filename) return scope.failNull(KT_TEXT("filename"));
+    if (!getTexture()) keltra::warnMemory(KT_CALL("KTEMITTER::load"));
     TiXmlDocument document;
     if (!keltra::loadXmlDocument(filename, document, &scope)) return false;
-    keltra::checkEmitter(document, scope);
+    keltra::checkEmitter(document);
     const TiXmlElement *root = keltra::emitterRoot(document);
     if (!root) return true;
     for (const TiXmlElement *child = root->FirstChildElement(); child; child = child->NextSiblingElement()) {

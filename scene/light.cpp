@@ -100,7 +100,7 @@ void KTLIGHT::lightingOn() { keltra::setCapability(lighting, GL_LIGHTING, true);
 void KTLIGHT::lightingOff() { keltra::setCapability(lighting, GL_LIGHTING, false); }
 
 bool KTLIGHT::activateNearest(KTELEMENT *element) {
-    if (!element) return keltra::failNull("KTLIGHT::activateNearest", "element");
+    if (!element) return keltra::failNull(KT_CALL("KTLIGHT::activateNearest"), KT_TEXT("element"));
     if (!lighting) return false;
     keltra::sortNearestLights(element->matrix.getTranslation());
     for (unsigned int i = 0; i < KTELEMENT::nearestLights && i < KTELEMENT::numberOfLights; ++i) {
@@ -116,9 +116,10 @@ bool KTLIGHT::activateNearest(KTELEMENT *element) {
 
 bool KTLIGHT::render(void *data) {
     KTELEMENT *element = static_cast<KTELEMENT *>(data);
-    if (!element) return keltra::failNull("KTLIGHT::render", "data");
+    if (!element) return keltra::failNull(KT_CALL("KTLIGHT::render"), KT_TEXT("data"));
     if (element->param1 >= kGlLights)
-        return keltra::failRange("KTLIGHT::render", "param1", element->param1, kGlLights - 1);
+        return keltra::failRange(KT_CALL("KTLIGHT::render"), KT_TEXT("param1"), element->param1,
+                                 kGlLights - 1);
 
     if (targetNode) {
         const R3XVECTOR3D eye = transformMode == 1 ? matrix.getTranslation() : position;

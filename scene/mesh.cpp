@@ -148,10 +148,10 @@ void KTMESH::forgetMaterial(const keltra::Gone<KTMATERIAL> &gone) {
 }
 
 bool KTMESH::init() {
-    if (boneMatrices) return keltra::failState("KTMESH::init", keltra::kActive);
+    if (boneMatrices) return keltra::failState(KT_CALL("KTMESH::init"), keltra::kActive);
     const unsigned int matrices = maxSkins * maxBones;
     void *pool = keltra::allocate(matrices * static_cast<unsigned int>(sizeof(R3XMATRIX)));
-    if (!pool) return keltra::failMemory("KTMESH::init");
+    if (!pool) return keltra::failMemory(KT_CALL("KTMESH::init"));
     boneMatrices = static_cast<R3XMATRIX *>(pool);
     for (unsigned int i = 0; i < matrices; ++i) new (boneMatrices + i) R3XMATRIX;
     return true;

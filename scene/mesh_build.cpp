@@ -55,7 +55,8 @@ void warnOfMaterial(const keltra::MeshRecord &record) {
     keltra::NearestName nearest(record.material);
     KTMATERIAL *known = keltra::mayCompareNames() ? KTMATERIAL::getFirst() : nullptr;
     for (; known; known = known->getNext()) nearest.offer(known->getName());
-    keltra::warnFault("KTMESH::load", keltra::unknownMaterial(record.name, record.material, nearest.name()));
+    keltra::warnFault(KT_CALL("KTMESH::load"),
+                      keltra::unknownMaterial(record.name, record.material, nearest.name()));
 }
 
 bool buildGeometry(KTMESH &mesh, const keltra::MeshRecord &record) {
@@ -143,7 +144,7 @@ KTNODE *keltra::buildMesh(const MeshRecord &record, KTMATERIAL *material) {
 }
 
 KTNODE *KTMESH::load(const char *buffer, long *cursor, bool oldVersion) {
-    keltra::FaultScope scope("KTMESH::load");
+    keltra::FaultScope scope(KT_CALL("KTMESH::load"));
     keltra::MeshRecord record;
     const auto read = [&record, oldVersion](keltra::FieldReader &reader) {
         return readMesh(reader, oldVersion, record);

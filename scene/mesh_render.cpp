@@ -85,7 +85,7 @@ std::int32_t farEnd(std::int32_t vertex, std::int32_t normal, std::int32_t lengt
 }  // namespace
 
 bool KTMESH::render(void *data) {
-    if (!data) return keltra::failNull("KTMESH::render", "data");
+    if (!data) return keltra::failNull(KT_CALL("KTMESH::render"), KT_TEXT("data"));
     if (hidden) return true;
     KTELEMENT &element = *static_cast<KTELEMENT *>(data);
     const bool special = KTOPENGL::currentProfile >= KT_PROFILE_PICKING;

@@ -162,7 +162,7 @@ KTNODE *KTNODE::findByName(const char *wanted) { return findRegistered(wanted); 
 KELTRA_COLD KTNODE *KTNODE::findById(unsigned int wanted) { return findRegistered(wanted); }
 
 KELTRA_COLD void KTNODE::setName(const char *text) {
-    if (keltra::takeName(name, text, "KTNODE::setName")) nameChanged();
+    if (keltra::takeName(name, text, KT_CALL("KTNODE::setName"))) nameChanged();
 }
 
 const char *KTNODE::getTypeName() const { return type < kTypeNames ? typeNames[type] : "unknown"; }
@@ -198,7 +198,7 @@ void KTNODE::rotate(R3XVECTOR3D step) { rotation += step; }
 
 void KTNODE::setTargetNode(KTNODE *node) { aimAt(node); }
 
-// Aiming at itself is how a node aims at its fixed target; that pointer dies with the node.
+// Aiming at itself is how a node aims at its fixed target; that pointer ends with the node.
 KELTRA_COLD void KTNODE::aimAt(KTNODE *node) {
     using Aimer = KTLISTED<KTNODE, keltra::Aiming>;
     targetNode = node;

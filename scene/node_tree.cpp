@@ -18,17 +18,17 @@ KTNODE *KTNODE::ancestors[64];
 namespace {
 
 const unsigned int kMaxAncestors = 64;
-constexpr const char *kNotListed = "the parent does not list the node";
+constexpr keltra::FaultText kNotListed = KT_TEXT("the parent does not list the node");
 const int kMaxIndent = 512;  // with the longest name the line still fits the log's 1,023 characters
 
 }  // namespace
 
 bool KTNODE::link(KTNODE *newParent) {
-    const char *const call = "KTNODE::link";
-    if (!newParent) return keltra::failNull(call, "parent");
+    constexpr keltra::FaultCall call = KT_CALL("KTNODE::link");
+    if (!newParent) return keltra::failNull(call, KT_TEXT("parent"));
     if (newParent == this || parent)
-        return keltra::failState(call,
-                                 parent ? "the node has a parent already" : "the node is its own parent");
+        return keltra::failState(
+            call, parent ? KT_TEXT("the node has a parent already") : KT_TEXT("the node is its own parent"));
     if (!newParent->makeRoomForChild()) return keltra::failMemory(call);
     if (borrows) {
         leaveLister();
@@ -46,8 +46,8 @@ bool KTNODE::link(KTNODE *newParent) {
 
 bool KTNODE::unlink() {
     KTNODE *from = parent;
-    const char *const call = "KTNODE::unlink";
-    if (!from) return keltra::failState(call, "the node has no parent");
+    constexpr keltra::FaultCall call = KT_CALL("KTNODE::unlink");
+    if (!from) return keltra::failState(call, KT_TEXT("the node has no parent"));
     if (from->numberOfChildren == 0) return keltra::failState(call, kNotListed);
     const unsigned int count = from->numberOfChildren;
     if (count == 1) {
@@ -66,11 +66,11 @@ bool KTNODE::unlink() {
 
 // Unlinking the children changes the array, so they are read from a copy of it.
 bool KTNODE::remove() {
-    if (!parent) return keltra::failState("KTNODE::remove", "the node has no parent");
+    if (!parent) return keltra::failState(KT_CALL("KTNODE::remove"), KT_TEXT("the node has no parent"));
     KTNODE *heir = parent;
     const unsigned int count = children ? numberOfChildren : 0;
     KTNODE **handed = static_cast<KTNODE **>(count ? keltra::newBlock(count * sizeof(KTNODE *)) : nullptr);
-    if (count && !handed) return keltra::failMemory("KTNODE::remove");
+    if (count && !handed) return keltra::failMemory(KT_CALL("KTNODE::remove"));
     std::copy_n(children, count, handed);
     bool complete = true;
     {
@@ -84,7 +84,7 @@ bool KTNODE::remove() {
         complete = unlink() && complete;
     }
     keltra::releaseBlock(handed);
-    return complete || keltra::failState("KTNODE::remove", "not everything could be moved");
+    return complete || keltra::failState(KT_CALL("KTNODE::remove"), KT_TEXT("not everything could be moved"));
 }
 
 R3XMATRIX KTNODE::getFinalMatrix(const char *stopName) {
@@ -110,7 +110,7 @@ R3XMATRIX KTNODE::getFinalMatrix(const char *stopName) {
 }
 
 KELTRA_COLD void KTNODE::displayTreeRecursive(KTNODE *node, int indent) {
-    if (!node) return void(keltra::failNull("KTNODE::displayTreeRecursive", "node"));
+    if (!node) return void(keltra::failNull(KT_CALL("KTNODE::displayTreeRecursive"), KT_TEXT("node")));
     char blanks[kMaxIndent + 1];
     std::memset(blanks, ' ', kMaxIndent);
     blanks[kMaxIndent] = '\0';

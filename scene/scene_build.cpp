@@ -44,7 +44,7 @@ struct Resources {
 KTTEXTURE *acquireTexture(Resources &resources, const char *name) {
     if (KTTEXTURE *known = resources.textures.find(name)) return known;
     KTTEXTURE *texture = new (std::nothrow) KTTEXTURE;
-    if (!texture) return keltra::warnMemory("KELTRA::load"), nullptr;
+    if (!texture) return keltra::warnMemory(KT_CALL("KELTRA::load")), nullptr;
     const keltra::FaultOptional optional;
     if (!texture->load(name)) {
         delete texture;
@@ -69,7 +69,7 @@ KTTEXTURE *acquireNormalMap(Resources &resources, const char *textureName) {
 KTSHADER *acquireShader(Resources &resources, const char *name) {
     if (KTSHADER *known = resources.shaders.find(name)) return known;
     KTSHADER *shader = new (std::nothrow) KTSHADER;
-    if (!shader) return keltra::warnMemory("KELTRA::load"), nullptr;
+    if (!shader) return keltra::warnMemory(KT_CALL("KELTRA::load")), nullptr;
     char vertexProgram[keltra::kNameSize + 8], pixelProgram[sizeof vertexProgram];
     std::snprintf(vertexProgram, sizeof vertexProgram, "%sVS.glsl", name);
     std::snprintf(pixelProgram, sizeof pixelProgram, "%sPS.glsl", name);
@@ -215,8 +215,8 @@ KTNODE *buildTrustedNode(keltra::FaultScope &scope, const char *buffer, long *cu
             break;
         default:
             keltra::Fault fault;
-            keltra::refuseValue(&fault, static_cast<std::size_t>(*cursor), "type",
-                                static_cast<unsigned char>(buffer[*cursor]), "unknown node type");
+            keltra::refuseValue(&fault, static_cast<std::size_t>(*cursor), KT_TEXT("type"),
+                                static_cast<unsigned char>(buffer[*cursor]), KT_TEXT("unknown node type"));
             scope.fail(keltra::toPublic(fault));
     }
     if (node) *cursor = body;
@@ -284,7 +284,7 @@ KTNODE *buildScene(const SceneContents &contents) {
 }
 
 KTNODE *buildTrustedTree(const char *buffer, long *cursor, KTNODE *parent) {
-    FaultScope scope("KELTRA::recursiveLoad");
+    FaultScope scope(KT_CALL("KELTRA::recursiveLoad"));
     bool isTooDeep;
     KTNODE *root =
         TreeBuilder::build(parent, isTooDeep, [&] { return buildTrustedNode(scope, buffer, cursor); });
@@ -304,7 +304,7 @@ void bindSkins(KTNODE *root, KTNODE *node) {
 }  // namespace keltra
 
 KTNODE *KTNODE::load(const char *buffer, long *cursor) {
-    keltra::FaultScope scope("KTNODE::load");
+    keltra::FaultScope scope(KT_CALL("KTNODE::load"));
     keltra::PlainRecord record;
     const auto read = [&record](keltra::FieldReader &reader) { return readPlain(reader, record); };
     if (!keltra::readTrusted(scope, buffer, cursor, read)) return nullptr;
@@ -314,7 +314,7 @@ KTNODE *KTNODE::load(const char *buffer, long *cursor) {
 }
 
 KTNODE *KTLIGHT::load(const char *buffer, long *cursor) {
-    keltra::FaultScope scope("KTLIGHT::load");
+    keltra::FaultScope scope(KT_CALL("KTLIGHT::load"));
     keltra::LightRecord record;
     const auto read = [&record](keltra::FieldReader &reader) { return readLight(reader, record); };
     if (!keltra::readTrusted(scope, buffer, cursor, read)) return nullptr;

@@ -20,8 +20,8 @@ const char kReferenceFrame[] = "HumanoidRoot";
 
 // `KTELEMENT::pass` has reported a mesh without a slot. Always false.
 bool refuseSlot(unsigned int slot) {
-    const char *const call = "KTMESH::animate";
-    if (slot > KTMESH::maxSkins) return keltra::failRange(call, "slot", slot, KTMESH::maxSkins - 1);
+    constexpr keltra::FaultCall call = KT_CALL("KTMESH::animate");
+    if (slot > KTMESH::maxSkins) return keltra::failRange(call, KT_TEXT("slot"), slot, KTMESH::maxSkins - 1);
     return slot < KTMESH::maxSkins && keltra::failState(call, keltra::kInactive);
 }
 
@@ -49,7 +49,7 @@ void fillShaderBones(unsigned int boneCount) {
 }  // namespace
 
 KELTRA_COLD bool KTMESH::resetBones(KTNODE *root) {
-    if (!root) return keltra::failNull("KTMESH::resetBones", "root");
+    if (!root) return keltra::failNull(KT_CALL("KTMESH::resetBones"), KT_TEXT("root"));
     keltra::BoneFinder(root).bind(*this);
     return true;
 }
@@ -105,7 +105,7 @@ bool keltra::makeSkinnedArrays(KTMESH &mesh) {
 bool KTMESH::skinVertices(unsigned int boneCount) {
     if (numberOfVertices == 0 || !vertices || !vertexNormals || !influenceBones || !influenceWeights)
         return true;
-    if (!keltra::makeSkinnedArrays(*this)) return keltra::failMemory("KTMESH::animate");
+    if (!keltra::makeSkinnedArrays(*this)) return keltra::failMemory(KT_CALL("KTMESH::animate"));
     const keltra::SkinJob job = {numberOfVertices, numberOfInfluences, vertices,        vertexNormals,
                                  influenceBones,   influenceWeights,   skinnedVertices, skinnedNormals};
 #if defined(KELTRA_SKIN_AVX2)

@@ -105,8 +105,8 @@ TEST(SceneContentsTest, RefusesWhatTheCheckRefuses) {
         EXPECT_FALSE(contents.read(bytes.data(), size, fault)) << size;
         EXPECT_FALSE(checkScene(bytes.data(), size, wanted));
         EXPECT_EQ(fault.offset, wanted.offset);
-        EXPECT_STREQ(fault.field, wanted.field);
-        EXPECT_STREQ(fault.reason, wanted.reason);
+        EXPECT_EQ(fault.field, wanted.field);
+        EXPECT_EQ(fault.reason, wanted.reason);
     }
     SceneContents contents;
     SceneFault fault;
@@ -125,7 +125,7 @@ TEST(SceneContentsTest, TellsThatItIsOutOfMemory) {
         Allocations::failNext(Arena::kChunkSize, nth);
         EXPECT_FALSE(contents.read(bytes.data(), bytes.size(), fault));
         Allocations::clear();
-        EXPECT_STREQ(fault.reason, kFaultTexts ? "out of memory" : "");
+        EXPECT_STREQ(toPublic(fault).expected, kFaultTexts ? "out of memory" : "");
     }
     // A failed vnfMalloc counts as an allocation that is held.
     EXPECT_EQ(memoryCounters().live, live + 3);

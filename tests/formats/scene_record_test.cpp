@@ -54,8 +54,8 @@ class SceneRecordTest : public testing::Test {
         SceneFault fault = {};
         EXPECT_FALSE(checkScene(bytes.data(), bytes.size(), fault));
         EXPECT_EQ(fault.offset, offset);
-        EXPECT_STREQ(fault.field, faultText(field));
-        EXPECT_STREQ(fault.reason, faultText(reason));
+        EXPECT_STREQ(toPublic(fault).field, kFaultTexts ? field : "");
+        EXPECT_STREQ(toPublic(fault).expected, kFaultTexts ? reason : "");
         expectSameVerdict("kte", bytes, false);
     }
 
@@ -66,7 +66,7 @@ class SceneRecordTest : public testing::Test {
 TEST_F(SceneRecordTest, AWholeSceneHasNoFault) {
     SceneFault fault = {};
     EXPECT_TRUE(checkScene(bytes.data(), bytes.size(), fault));
-    EXPECT_EQ(fault.reason, nullptr);
+    EXPECT_EQ(fault.code, KT_FAULT_NONE);
 }
 
 TEST_F(SceneRecordTest, WhatFollowsTheTreeIsNotLookedAt) {
@@ -136,7 +136,7 @@ TEST_F(SceneRecordTest, ChecksWithoutAllocationAndOnTheDevicesStack) {
 TEST_F(SceneRecordTest, ArraysStayInTheFile) {
     FieldReader reader(bytes.data(), bytes.size());
     const std::size_t offset = offsetOf("node[1].type") + 1;
-    ASSERT_NE(reader.array("skipped", offset, 1), nullptr);
+    ASSERT_NE(reader.array({}, offset, 1), nullptr);
     MeshRecord record;
     ASSERT_TRUE(readMesh(reader, false, record));
     EXPECT_EQ(record.vertices, bytes.data() + offsetOf("node[1].vertices"));
@@ -149,7 +149,7 @@ TEST_F(SceneRecordTest, NothingIsNoScene) {
     SceneFault fault = {};
     EXPECT_FALSE(checkScene(nullptr, 0, fault));
     EXPECT_FALSE(checkScene(nullptr, 1000, fault));
-    EXPECT_STREQ(fault.field, faultText("magic"));
+    EXPECT_STREQ(toPublic(fault).field, kFaultTexts ? "magic" : "");
 }
 
 }  // namespace

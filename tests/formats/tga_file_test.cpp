@@ -39,7 +39,7 @@ class TgaFileTest : public testing::Test {
         std::uint8_t *pixels = nullptr;
         told = {};
         {
-            FaultScope scope("test", path.c_str());
+            FaultScope scope(KT_CALL("KTTEXTURE::load"), path.c_str());
             result.isRead = readTga(scope, image, pixels);
         }
         result.fault = told;

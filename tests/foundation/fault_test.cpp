@@ -65,15 +65,16 @@ TEST_F(FaultTest, AnApplicationReportsItsOwn) {
 }
 
 TEST_F(FaultTest, ArgumentsAreNamed) {
-    EXPECT_FALSE(failNull("KTNODE::link", "parent"));
+    EXPECT_FALSE(failNull(KT_CALL("KTNODE::link"), KT_TEXT("parent")));
     EXPECT_EQ(last(), "KTNODE::link: `parent` is null");
     EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_NULL);
     EXPECT_EQ(KTFAULTS::getLast()->severity, KT_FAULT_ERROR);
-    EXPECT_FALSE(failValue("KTMATERIAL::setTexture", "level", 9, "%ld to %ld", 0, 7));
+    EXPECT_FALSE(
+        failValue(KT_CALL("KTMATERIAL::setTexture"), KT_TEXT("level"), 9, KT_TEXT("%ld to %ld"), 0, 7));
     EXPECT_EQ(last(), "KTMATERIAL::setTexture: `level` is 9, expected 0 to 7");
-    EXPECT_FALSE(failState("KELTRA::free", "the engine is not active"));
+    EXPECT_FALSE(failState(KT_CALL("KELTRA::free"), KT_TEXT("the engine is not active")));
     EXPECT_EQ(last(), "KELTRA::free: the engine is not active");
-    EXPECT_FALSE(failMemory("KTNODE::link"));
+    EXPECT_FALSE(failMemory(KT_CALL("KTNODE::link")));
     EXPECT_EQ(last(), "KTNODE::link: out of memory");
     EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 4u);
 }
@@ -83,32 +84,32 @@ TEST_F(FaultTest, TheReasonOfAFileIsFound) {
     const std::string empty = folder.write("empty", "");
     const std::string pipe = folder.path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    failFile("call", folder.path("none").c_str());
-    EXPECT_EQ(last(), "call: " + folder.path("none") + ": the file does not exist");
-    failFile("call", folder.prefix().c_str());
-    EXPECT_EQ(last(), "call: " + folder.prefix() + ": not a regular file");
-    failFile("call", pipe.c_str());
-    EXPECT_EQ(last(), "call: " + pipe + ": not a regular file");
-    failFile("call", empty.c_str());
-    EXPECT_EQ(last(), "call: " + empty + ": the file is empty");
-    failFile("call", "");
-    EXPECT_EQ(last(), "call: the file name is empty or too long");
-    failFile("call", nullptr);
-    EXPECT_EQ(last(), "call: `path` is null");
+    FaultScope(KT_CALL("KELTRA::load"), folder.path("none").c_str()).failFile();
+    EXPECT_EQ(last(), "KELTRA::load: " + folder.path("none") + ": the file does not exist");
+    FaultScope(KT_CALL("KELTRA::load"), folder.prefix().c_str()).failFile();
+    EXPECT_EQ(last(), "KELTRA::load: " + folder.prefix() + ": not a regular file");
+    FaultScope(KT_CALL("KELTRA::load"), pipe.c_str()).failFile();
+    EXPECT_EQ(last(), "KELTRA::load: " + pipe + ": not a regular file");
+    FaultScope(KT_CALL("KELTRA::load"), empty.c_str()).failFile();
+    EXPECT_EQ(last(), "KELTRA::load: " + empty + ": the file is empty");
+    FaultScope(KT_CALL("KELTRA::load"), "").failFile();
+    EXPECT_EQ(last(), "KELTRA::load: the file name is empty or too long");
+    FaultScope(KT_CALL("KELTRA::load")).failFile();
+    EXPECT_EQ(last(), "KELTRA::load: `name` is null");
 }
 
 TEST_F(FaultTest, AFileThatIsTooLargeNamesTheLimit) {
     const TempFolder folder;
     const std::string file = folder.write("file", "12345");
-    FaultScope scope("call", file.c_str());
+    FaultScope scope(KT_CALL("KELTRA::load"), file.c_str());
     EXPECT_FALSE(scope.failFile(false, 4));
-    EXPECT_EQ(last(), "call: " + file + ": the file is too large: 4 bytes at most");
+    EXPECT_EQ(last(), "KELTRA::load: " + file + ": the file is too large: 4 bytes at most");
 }
 
 TEST_F(FaultTest, TheOutermostScopeSpeaksAndOnce) {
-    FaultScope outer("KELTRA::load", "castle.kte");
+    FaultScope outer(KT_CALL("KELTRA::load"), "castle.kte");
     {
-        FaultScope inner("KTTEXTURE::load", "stone.tga");
+        FaultScope inner(KT_CALL("KTTEXTURE::load"), "stone.tga");
         EXPECT_FALSE(inner.fail(KT_FAULT_FILE_EMPTY));
         EXPECT_FALSE(inner.fail(KT_FAULT_OUT_OF_MEMORY));
     }
@@ -118,11 +119,11 @@ TEST_F(FaultTest, TheOutermostScopeSpeaksAndOnce) {
 }
 
 TEST_F(FaultTest, WhatALoadCanDoWithoutIsAWarning) {
-    FaultScope outer("KELTRA::loadXML", "desk.xml");
+    FaultScope outer(KT_CALL("KELTRA::loadXML"), "desk.xml");
     outer.setLine(7);
     {
         const FaultOptional optional;
-        FaultScope("KTTEXTURE::load", "wood.tga").fail(KT_FAULT_FILE_MISSING);
+        FaultScope(KT_CALL("KTTEXTURE::load"), "wood.tga").fail(KT_FAULT_FILE_MISSING);
     }
     EXPECT_EQ(KTFAULTS::getLast()->severity, KT_FAULT_WARNING);
     EXPECT_EQ(last(), "KELTRA::loadXML: wood.tga (needed by desk.xml, line 7): the file does not exist");
@@ -140,7 +141,8 @@ TEST_F(FaultTest, AFileThatCannotBeReadSaysWhy) {
 TEST_F(FaultTest, AnUnknownNameComesWithTheNearest) {
     KTFAULT fault = unknown();
     fault.line = 3;
-    FaultScope("KELTRA::loadXML", "desk.xml").warn(fault);
+    const FaultScope scope(KT_CALL("KELTRA::loadXML"), "desk.xml");
+    warnFault({}, fault);
     EXPECT_EQ(last(),
               "KELTRA::loadXML: desk.xml, line 3: `colour`: unknown attribute of `box`; did you mean "
               "`color`?");
@@ -148,7 +150,7 @@ TEST_F(FaultTest, AnUnknownNameComesWithTheNearest) {
 
 TEST_F(FaultTest, SilenceTellsNothing) {
     const FaultSilence silence;
-    EXPECT_FALSE(failNull("call", "argument"));
+    EXPECT_FALSE(failNull(KT_CALL("KELTRA::load"), KT_TEXT("name")));
     EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 0u);
 }
 
@@ -169,7 +171,7 @@ TEST_F(FaultTest, ControlCharactersOfAFileAreNotPassedOn) {
 
 TEST_F(FaultTest, OfALongPathTheEndIsKept) {
     const std::string path = std::string(300, 'd') + "/castle.kte";
-    failFile("call", path.c_str());
+    FaultScope(KT_CALL("KELTRA::load"), path.c_str()).failFile();
     const std::string file = KTFAULTS::getLast()->file;
     EXPECT_EQ(file.size(), 255u);
     EXPECT_EQ(file.substr(0, 4), "...d");
@@ -187,9 +189,10 @@ TEST_F(FaultTest, TheHandlerReceivesEach) {
             static_cast<Received *>(user)->sentences.push_back(sentenceOf(fault));
         },
         &received);
-    failNull("call", "one");
-    failNull("call", "two");
-    EXPECT_THAT(received.sentences, testing::ElementsAre("call: `one` is null", "call: `two` is null"));
+    failNull(KT_CALL("KELTRA::load"), KT_TEXT("first"));
+    failNull(KT_CALL("KELTRA::load"), KT_TEXT("last"));
+    EXPECT_THAT(received.sentences,
+                testing::ElementsAre("KELTRA::load: `first` is null", "KELTRA::load: `last` is null"));
 }
 
 TEST_F(FaultTest, AHandlerMayFailItselfWithoutBeingCalledAgain) {
@@ -199,13 +202,13 @@ TEST_F(FaultTest, AHandlerMayFailItselfWithoutBeingCalledAgain) {
         [](const KTFAULT *fault, void *) {
             ++calls;
             EXPECT_TRUE(isInFaultHandler());
-            FaultScope inner("KTTEXTURE::load", "other.tga");
+            FaultScope inner(KT_CALL("KTTEXTURE::load"), "other.tga");
             inner.fail(KT_FAULT_FILE_MISSING);
             EXPECT_EQ(last(), "KTTEXTURE::load: other.tga: the file does not exist");
             EXPECT_EQ(sentenceOf(fault), "KELTRA::load: castle.kte: out of memory");
         },
         nullptr);
-    FaultScope outer("KELTRA::load", "castle.kte");
+    FaultScope outer(KT_CALL("KELTRA::load"), "castle.kte");
     outer.fail(KT_FAULT_OUT_OF_MEMORY);
     EXPECT_EQ(calls, 1);
     EXPECT_FALSE(isInFaultHandler());
@@ -218,7 +221,7 @@ TEST_F(FaultTest, TheEnvironmentPrintsThem) {
     EXPECT_EXIT(
         {
             setenv("KELTRA_FAULTS", "1", 1);
-            failNull("KTNODE::link", "parent");
+            failNull(KT_CALL("KTNODE::link"), KT_TEXT("parent"));
             std::exit(0);
         },
         testing::ExitedWithCode(0), "keltra: error: KTNODE::link: `parent` is null");
@@ -227,14 +230,14 @@ TEST_F(FaultTest, TheEnvironmentPrintsThem) {
 TEST_F(FaultTest, WithoutHandlerAndEnvironmentNothingIsPrinted) {
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
-    failNull("KTNODE::link", "parent");
+    failNull(KT_CALL("KTNODE::link"), KT_TEXT("parent"));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
 TEST(FaultCodesTest, ACodeAndWhatWasFoundAreThereInAnyBuild) {
     KTFAULTS::clear();
-    failNull("KTNODE::link", "parent");
+    failNull(KT_CALL("KTNODE::link"), KT_TEXT("parent"));
     char text[256];
     KTFAULTS::format(KTFAULTS::getLast(), text, sizeof text);
     EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_NULL);

@@ -11,7 +11,8 @@ namespace keltra::formats {
 inline std::string reasonOf(const Fault &fault) { return toPublic(fault).expected; }
 
 inline std::string textOf(const Fault &fault) {
-    return "byte " + std::to_string(fault.offset) + ", " + fault.field + ": " + reasonOf(fault);
+    const KTFAULT &stored = toPublic(fault);
+    return "byte " + std::to_string(fault.offset) + ", " + stored.field + ": " + stored.expected;
 }
 
 }  // namespace keltra::formats

@@ -63,7 +63,7 @@ class KteReader {
 
     Node node() {
         Node n;
-        n.kind = static_cast<NodeKind>(fields.u8("type"));
+        n.kind = static_cast<NodeKind>(fields.u8(KT_TEXT("type")));
         // The engine skips this word in lights and meshes.
         n.auxId = ByteReader(bytes.data() + fields.position(), sizeof n.auxId).u32();
         unsigned children = 0;

@@ -55,8 +55,8 @@ void inspectEmitter(const Source &source, Inspection &result) {
         return setTextFlaw(result, source, fault);
     result.good = true;
     result.fields["bytes"] = source.size;
-    Faults faults(result);
-    checkEmitter(document, faults);
+    const Faults faults(result);
+    checkEmitter(document);
     const TiXmlElement *root = emitterRoot(document);
     if (!root) return;
     Fields settings = Fields::array();

@@ -34,7 +34,7 @@ void inspectKind(FileKind kind, const Source &source, Inspection &result) {
         case FileKind::kVideo:
             return inspectVideo(source, result);
         case FileKind::kUnknown:
-            return setFlaw(result, {0, "kind", source.size ? "not a file of the engine" : "an empty file"});
+            return setFlaw(result, "kind", source.size ? "not a file of the engine" : "an empty file");
     }
 }
 
@@ -85,21 +85,48 @@ void addMissing(Inspection &result, const Source &source, const std::string &nam
     addFault(result, fault);
 }
 
-void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix) {
+Faults::Faults(Inspection &result) {
+    const auto add = [](const KTFAULT *fault, void *user) {
+        addFault(*static_cast<Inspection *>(user), *fault);
+    };
+    KTFAULTS::setHandler(add, &result);
+}
+Faults::~Faults() { KTFAULTS::setHandler(nullptr, nullptr); }
+
+namespace {
+
+void setFlaw(Inspection &result, KTFAULT &fault, const std::string &field) {
     result.good = false;
-    KTFAULT stored = toPublic(fault);
-    result.flaw = {fault.offset, 0, 0, prefix + fault.field, stored.expected};
-    setFaultText(stored.field, result.flaw.field.c_str());
-    addFault(result, stored);
+    result.flaw = {static_cast<std::size_t>(fault.byte), 0, 0, field, fault.expected};
+    setFaultText(fault.field, field.c_str());
+    addFault(result, fault);
+}
+
+}  // namespace
+
+void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix) {
+    KTFAULT &stored = toPublic(fault);
+    setFlaw(result, stored, prefix + stored.field);
+}
+
+void setFlaw(Inspection &result, const std::string &field, const std::string &reason, std::size_t offset) {
+    KTFAULT &stored = newFault(KT_FAULT_DATA);
+    stored.byte = static_cast<long>(offset);
+    setFaultText(stored.expected, reason.c_str());
+    setFlaw(result, stored, field);
 }
 
 void setTextFlaw(Inspection &result, const Source &source, const Fault &fault) {
     setFlaw(result, fault);
-    result.faults.back().byte = -1;
-    result.faults.back().line = lineAt(source.bytes, source.size, fault.offset);
+    setFlawPlace(result, source);
+}
+
+void setFlawPlace(Inspection &result, const Source &source) {
     Flaw &flaw = result.flaw;
+    result.faults.back().byte = -1;
+    result.faults.back().line = lineAt(source.bytes, source.size, flaw.offset);
     flaw.line = flaw.column = 1;
-    for (std::size_t i = 0; i < fault.offset && i < source.size; ++i) {
+    for (std::size_t i = 0; i < flaw.offset && i < source.size; ++i) {
         const bool ends = source.bytes[i] == '\n' ||
                           (source.bytes[i] == '\r' && (i + 1 >= source.size || source.bytes[i + 1] != '\n'));
         flaw.line += ends;
@@ -127,7 +154,7 @@ Inspection inspect(FileKind kind, const void *bytes, std::size_t size, const std
     } catch (const std::bad_alloc &) {
         result = Inspection();
         result.kind = kind;
-        setFlaw(result, {0, "file", "out of memory"});
+        setFlaw(result, "file", "out of memory");
     }
     tellEmpty(size, result);
     return result;

@@ -37,7 +37,10 @@ class Description {
             attributes[attribute->Name()] = attribute->Value();
         const bool isProperty = guiProperty(element.Value()) >= 0;
         const bool isObject = guiObject(element.Value()) >= 0;
-        if (isObject && ++objects == kGuiObjects + 1) addFault(result, tooManyObjects(element));
+        if (isObject && ++objects == kGuiObjects + 1) {
+            const Faults faults(result);
+            warnOfObjects(element, true);
+        }
         properties += isProperty;
         if (isProperty) addFiles(element);
         elements.push_back({{"level", level},
@@ -71,8 +74,8 @@ void inspectInterface(const Source &source, Inspection &result) {
     const TiXmlElement *root = guiRoot(document);
     if (!root) return setTextFlaw(result, source, guiRootMissing());
     result.good = true;
-    Faults faults(result);
-    checkGui(*root, faults, true);
+    const Faults faults(result);
+    checkGui(*root, true);
     Description description(source, result);
     description.read(root, 0);
     description.finish();

@@ -45,17 +45,20 @@ std::string quoted(const std::string &name);
 void addFault(Inspection &result, const KTFAULT &fault);
 // Adds a fault for a file that is named, in that line, but is not there.
 void addMissing(Inspection &result, const Source &source, const std::string &name, unsigned int line = 0);
-// Adds the parsers' warnings.
-class Faults final : public FaultSink {
+// While one exists, the parsers' warnings are added.
+class Faults {
    public:
-    explicit Faults(Inspection &result) : result(result) {}
-    void warn(KTFAULT &fault) override { addFault(result, fault); }
-
-   private:
-    Inspection &result;
+    explicit Faults(Inspection &result);
+    ~Faults();
+    Faults(const Faults &) = delete;
+    Faults &operator=(const Faults &) = delete;
 };
 void setFlaw(Inspection &result, const Fault &fault, const std::string &prefix = "");
-// The same with line and column.
+// The same of what no parser reports.
+void setFlaw(Inspection &result, const std::string &field, const std::string &reason, std::size_t offset = 0);
+// Gives the flaw its line and column.
+void setFlawPlace(Inspection &result, const Source &source);
+// A flaw with line and column.
 void setTextFlaw(Inspection &result, const Source &source, const Fault &fault);
 
 }  // namespace keltra::info

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/kerning.h"
+#include "formats/key_check.h"
 #include "formats/settings.h"
 #include "tools/info/kinds.h"
 
@@ -65,14 +66,17 @@ void inspectSettings(const Source &source, Inspection &result) {
         if (!value.is_null()) found.push_back({{"key", key.name}, {"value", value}});
     }
     result.fields["settings"] = found;
-    Faults faults(result);
-    checkSettings(text.get(), faults);
+    const Faults faults(result);
+    checkSettings(text.get());
 }
 
 // A font takes any text but an empty one.
 void inspectKerning(const Source &source, Inspection &result) {
     result.fields["bytes"] = source.size;
-    if (source.size == 0) return setTextFlaw(result, source, {0, "text", "is empty"});
+    if (source.size == 0) {
+        setFlaw(result, "text", "is empty");
+        return setFlawPlace(result, source);
+    }
     result.good = true;
     if (isTooLarge(source, result)) return;
     Text text(source, kKerningComment);
@@ -86,8 +90,8 @@ void inspectKerning(const Source &source, Inspection &result) {
     for (const auto &[character, kerning] : found.items())
         characters.push_back({{"character", character}, {"kerning", kerning}});
     result.fields["characters"] = characters;
-    Faults faults(result);
-    checkKerning(text.get(), faults);
+    const Faults faults(result);
+    checkKerning(text.get());
 }
 
 }  // namespace keltra::info

@@ -62,32 +62,34 @@ void describe(const Source &source, const VideoSequence &sequence, Inspection &r
     if (countCodes(bytes, '\xB7') == 0) note(result, "without an end code the last pictures are not shown");
 }
 
-Fault faultOf(const Source &source) {
+void setFlawOf(const Source &source, Inspection &result) {
     const std::string_view bytes(source.bytes, source.size);
     if (bytes.substr(0, 4) == std::string_view("\0\0\1\xBA", 4))
-        return {0, "start code", "a stream of packets; films are elementary streams of video"};
+        return setFlaw(result, "start code", "a stream of packets; films are elementary streams of video");
     const std::size_t header = bytes.find(std::string_view("\0\0\1\xB3", 4));
-    if (header == std::string_view::npos) return {0, "sequence header", "there is none"};
+    if (header == std::string_view::npos) return setFlaw(result, "sequence header", "there is none");
     // The decoder does not keep what it skips, so the header itself is read: two sizes of 12 bits.
     const auto byte = [&](std::size_t at) {
         return header + at < bytes.size() ? static_cast<unsigned char>(bytes[header + at]) : 0u;
     };
     const unsigned int width = byte(4) << 4 | byte(5) >> 4, height = (byte(5) & 15) << 8 | byte(6);
     if (width > kMaxTextureSize || height > kMaxTextureSize)
-        return {header, "sequence header", "pictures larger than %ld x %ld are skipped", kMaxTextureSize,
-                kMaxTextureSize};
-    return {header, "pictures", "the decoder finds none that is whole"};
+        return setFlaw(result, "sequence header",
+                       "pictures larger than " + std::to_string(kMaxTextureSize) + " x " +
+                           std::to_string(kMaxTextureSize) + " are skipped",
+                       header);
+    setFlaw(result, "pictures", "the decoder finds none that is whole", header);
 }
 
 }  // namespace
 
 void inspectVideo(const Source &source, Inspection &result) {
-    if (!hasVideo()) return setFlaw(result, {0, "film", "this program is built without video"});
-    if (source.size == 0) return setFlaw(result, {0, "sequence header", "there is none"});
+    if (!hasVideo()) return setFlaw(result, "film", "this program is built without video");
+    if (source.size == 0) return setFlaw(result, "sequence header", "there is none");
     const Found found = decode(source);
     result.good = found.hasPicture;
     if (found.sequence.width) describe(source, found.sequence, result);
-    if (!result.good) setFlaw(result, faultOf(source));
+    if (!result.good) setFlawOf(source, result);
 }
 
 }  // namespace keltra::info

@@ -4,6 +4,7 @@
 #include "formats/scene_record.h"
 #include "tests/tools/convert/support/convert_fixture.h"
 #include "tests/tools/convert/support/source_pose.h"
+#include "tools/formats/fault_text.h"
 
 #include <gtest/gtest.h>
 
@@ -305,7 +306,7 @@ TEST_F(HardModelsTest, TheFilesAreWhatTheReportSays) {
     EXPECT_EQ(made.conversion.files.back().name, made.report().sceneFile) << "the scene comes last";
     SceneFault fault{};
     const std::vector<std::uint8_t> &scene = made.conversion.files.back().bytes;
-    EXPECT_TRUE(checkScene(scene.data(), scene.size(), fault)) << fault.field << ": " << fault.reason;
+    EXPECT_TRUE(checkScene(scene.data(), scene.size(), fault)) << formats::textOf(fault);
 }
 
 }  // namespace

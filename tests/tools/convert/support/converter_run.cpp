@@ -5,6 +5,7 @@
 #include "formats/scene_record.h"
 #include "formats/tga.h"
 #include "tests/support/temp_file.h"
+#include "tools/formats/fault_text.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -82,8 +83,7 @@ bool endsWith(const std::string &text, const std::string &ending) {
 
 std::string judgeScene(const std::string &name, const std::vector<std::uint8_t> &bytes) {
     SceneFault fault{};
-    if (!checkScene(bytes.data(), bytes.size(), fault))
-        return name + ": " + std::to_string(fault.offset) + ": " + fault.field + ": " + fault.reason;
+    if (!checkScene(bytes.data(), bytes.size(), fault)) return name + ": " + formats::textOf(fault);
     KTNODE *root = KELTRA::load(name.c_str());
     KTNODE::cleanUp();
     KTMATERIAL::cleanUp();
