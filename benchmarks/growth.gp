@@ -11,4 +11,6 @@ set key outside right top noenhanced samplen 2
 set style data linespoints
 set xrange [80:80000]
 stats data using 1 nooutput
-plot for [i=0:STATS_blocks-1] data index i using 1:2 linewidth 1.6 pointtype 7 pointsize 0.5 title columnheader(1)
+# Eight colours; what comes after them is dashed.
+plot for [i=0:STATS_blocks-1] data index i using 1:2 linetype i % 8 + 1 dashtype i / 8 + 1 linewidth 1.6 pointtype i % 8 + 4 pointsize 0.6 \
+  title columnheader(1)

@@ -134,12 +134,8 @@ void convert3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixe
     source += 3 * done;
     target += 3 * done;
     pixels -= done;
-    for (; pixels >= 4; pixels -= 4, source += 12, target += 12) {
-        convertPixel3(source, target);
-        convertPixel3(source + 3, target + 3);
-        convertPixel3(source + 6, target + 6);
-        convertPixel3(source + 9, target + 9);
-    }
+    for (; pixels >= 8; pixels -= 8, source += 24, target += 24)
+        for (unsigned int i = 0; i < 24; i += 3) convertPixel3(source + i, target + i);
     for (; pixels; --pixels, source += 3, target += 3) convertPixel3(source, target);
 }
 
