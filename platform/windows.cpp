@@ -11,6 +11,16 @@ namespace {
 
 constexpr int kLargestWindow = 32767;
 
+// The size is that of a file. Asked of the system: the C library's positions end at 2 GiB there.
+PathKind kindAndSize(const char *path, std::int64_t &size) {
+    WCHAR wide[MAX_PATH];
+    WIN32_FILE_ATTRIBUTE_DATA found;
+    if (!MultiByteToWideChar(CP_ACP, 0, path, -1, wide, MAX_PATH)) return PathKind::kNothing;
+    if (!GetFileAttributesExW(wide, GetFileExInfoStandard, &found)) return PathKind::kNothing;
+    size = static_cast<std::int64_t>(found.nFileSizeHigh) << 32 | found.nFileSizeLow;
+    return found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY ? PathKind::kOther : PathKind::kFile;
+}
+
 }  // namespace
 
 std::int64_t platformCounter() {
@@ -44,23 +54,12 @@ LocalTime platformLocalTime() {
 }
 
 PathKind platformPathKind(const char *path) {
-    WCHAR wide[MAX_PATH];
-    if (!MultiByteToWideChar(CP_ACP, 0, path, -1, wide, MAX_PATH)) return PathKind::kNothing;
-    const DWORD attributes = GetFileAttributesW(wide);
-    if (attributes == DWORD(-1)) return PathKind::kNothing;
-    return attributes & FILE_ATTRIBUTE_DIRECTORY ? PathKind::kOther : PathKind::kFile;
+    std::int64_t size;
+    return kindAndSize(path, size);
 }
 
 std::FILE *platformOpenFile(const char *path, std::int64_t &size) {
-    std::FILE *file = platformPathKind(path) == PathKind::kFile ? std::fopen(path, "rb") : nullptr;
-    if (!file) return nullptr;
-    const long end = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
-    if (end >= 0 && std::fseek(file, 0, SEEK_SET) == 0) {
-        size = end;
-        return file;
-    }
-    std::fclose(file);
-    return nullptr;
+    return kindAndSize(path, size) == PathKind::kFile ? std::fopen(path, "rb") : nullptr;
 }
 
 std::int64_t platformFileSize(const char *path) {

@@ -3,17 +3,16 @@
 #include <keltra/fault.h>
 #include <keltra/foundation.h>
 #include <keltra/settings.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <string>
 
 #include "tests/support/allocations.h"
 #include "tests/support/same_verdict.h"
-#include "tests/support/temp_file.h"
+#include "tests/support/special_files.h"
 
 namespace keltra::test {
 namespace {
@@ -248,8 +247,7 @@ TEST_F(SettingsFileTest, BytesThatAreNoTextDoNoHarm) {
 // What is not a regular file, of any name, is refused by the engine as by keltra-info, and never waited
 // for.
 TEST_F(SettingsFileTest, FoldersDevicesAndPipesAreNotRead) {
-    ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
-    for (const std::string &path : {folder.path("pipe"), std::string("/dev/zero"), folder.path(".")}) {
+    for (const std::string &path : specialFiles(folder)) {
         KTFAULTS::clear();
         EXPECT_FALSE(settings.load(path.c_str())) << path;
         ASSERT_NE(KTFAULTS::getLast(), nullptr) << path;
@@ -261,7 +259,7 @@ TEST_F(SettingsFileTest, FoldersDevicesAndPipesAreNotRead) {
 
 TEST_F(SettingsFileTest, TwoGibibytesAreTooMany) {
     const std::string path = folder.write("large", "KELTRA_windowX=1\n");
-    ASSERT_EQ(truncate64(path.c_str(), off64_t{1} << 31), 0);
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 31);
     EXPECT_FALSE(settings.load(path.c_str()));
     EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_FILE_SIZE);
     EXPECT_EQ(settings.getWindowX(), 240);

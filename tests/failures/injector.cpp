@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/failures/injector.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <fcntl.h>
 #include <link.h>
+#endif
 #include <stdarg.h>
 #include <stdint.h>
 
@@ -17,12 +21,24 @@ extern "C" {
 #include <unordered_set>
 
 #include "tests/support/allocations.h"
+#include "tests/support/code_file.h"
 #include "tests/support/gl_recorder.h"
 #include "tests/support/startup_faults.h"
 #include "tools/support/interpose.h"
 
 namespace keltra::test {
 namespace {
+
+#ifdef _WIN32
+
+// TinyXML and libmpeg2 are inside the library there.
+bool isEngine(const void *caller) {
+    const char *file = fileOfCode(caller);
+    return file && !std::strcmp(file, "keltra.dll");
+}
+void engineCode() {}
+
+#else
 
 struct Range {
     std::uintptr_t begin, end;
@@ -55,6 +71,8 @@ bool isEngine(const void *caller) {
         if (address >= range.begin && address < range.end) return true;
     return false;
 }
+
+#endif
 
 struct State {
     Failing kind = Failing::kNothing;
@@ -134,9 +152,20 @@ using keltra::nextFunction;
 using keltra::test::Failing;
 using keltra::test::Injector;
 
-#define KELTRA_EXPORT extern "C" __attribute__((visibility("default")))
+#ifdef _WIN32
 
-KELTRA_EXPORT int open(const char *path, int flags, ...) {
+KELTRA_INTERPOSE(FILE *, , fopen, (const char *path, const char *mode)) {
+    static auto *const next = nextFunction<FILE *(const char *, const char *)>("fopen");
+    const void *caller = __builtin_return_address(0);
+    if (!Injector::mustFail(Failing::kOpen, caller) && !Injector::mustFail(Failing::kMemory, caller))
+        return next(path, mode);
+    errno = ENOMEM;
+    return nullptr;
+}
+
+#else
+
+KELTRA_INTERPOSE(int, , open, (const char *path, int flags, ...)) {
     mode_t mode = 0;
     if (flags & O_CREAT) {
         va_list rest;
@@ -150,7 +179,7 @@ KELTRA_EXPORT int open(const char *path, int flags, ...) {
     return -1;
 }
 
-KELTRA_EXPORT FILE *fdopen(int file, const char *mode) noexcept {
+KELTRA_INTERPOSE(FILE *, , fdopen, (int file, const char *mode) noexcept) {
     static auto *const next = nextFunction<FILE *(int, const char *)>("fdopen");
     const void *caller = __builtin_return_address(0);
     if (!Injector::mustFail(Failing::kOpen, caller) && !Injector::mustFail(Failing::kMemory, caller))
@@ -159,7 +188,9 @@ KELTRA_EXPORT FILE *fdopen(int file, const char *mode) noexcept {
     return nullptr;
 }
 
-KELTRA_EXPORT size_t fread(void *target, size_t size, size_t count, FILE *file) {
+#endif
+
+KELTRA_INTERPOSE(size_t, , fread, (void *target, size_t size, size_t count, FILE *file)) {
     static auto *const next = nextFunction<size_t(void *, size_t, size_t, FILE *)>("fread");
     const void *caller = __builtin_return_address(0);
     if (Injector::mustFail(Failing::kRead, caller)) return 0;
@@ -173,19 +204,23 @@ KELTRA_EXPORT size_t fread(void *target, size_t size, size_t count, FILE *file) 
     return done;
 }
 
-KELTRA_EXPORT mpeg2dec_t *mpeg2_init(void) {
+#ifndef _WIN32
+
+KELTRA_INTERPOSE(mpeg2dec_t *, , mpeg2_init, ()) {
     static auto *const next = nextFunction<mpeg2dec_t *()>("mpeg2_init");
     return Injector::mustFail(Failing::kDecoder, __builtin_return_address(0)) ? nullptr : next();
 }
 
-KELTRA_EXPORT int mpeg2_convert(mpeg2dec_t *decoder, mpeg2_convert_t convert, void *argument) {
+KELTRA_INTERPOSE(int, , mpeg2_convert, (mpeg2dec_t * decoder, mpeg2_convert_t convert, void *argument)) {
     static auto *const next = nextFunction<int(mpeg2dec_t *, mpeg2_convert_t, void *)>("mpeg2_convert");
     if (Injector::mustFail(Failing::kDecoder, __builtin_return_address(0))) return 1;
     return next(decoder, convert, argument);
 }
 
-KELTRA_EXPORT mpeg2_state_t mpeg2_parse(mpeg2dec_t *decoder) {
+KELTRA_INTERPOSE(mpeg2_state_t, , mpeg2_parse, (mpeg2dec_t * decoder)) {
     static auto *const next = nextFunction<mpeg2_state_t(mpeg2dec_t *)>("mpeg2_parse");
     const bool fails = Injector::mustFail(Failing::kDecoder, __builtin_return_address(0));
     return fails ? STATE_INVALID : next(decoder);
 }
+
+#endif

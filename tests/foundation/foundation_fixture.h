@@ -8,13 +8,13 @@
 #include <string>
 
 #include "tests/support/temp_file.h"
+#include "tests/support/text_file.h"
 
 namespace keltra::test {
 
 /// The file as text, with every time stamp replaced by TIME.
 inline std::string timelessText(const std::string &path) {
-    const std::vector<std::uint8_t> bytes = readFile(path);
-    std::string text(bytes.begin(), bytes.end());
+    std::string text = readText(path);
     for (const std::string before : {" started at ", " terminated at "}) {
         for (std::size_t at = 0; (at = text.find(before, at)) != std::string::npos;) {
             at += before.size();

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <regex>
 #include <string>
 
 #include "tests/foundation/foundation_fixture.h"
@@ -24,6 +25,22 @@ const std::string kSummary =
     "Max\\. physical memory usage: [0-9]+\\.[0-9]{2} mb \\([0-9]+ bytes\\)\n"
     "Total allocated memory \\(vnfMalloc\\): [0-9]+\\.[0-9]{2} mb \\([0-9]+ bytes\\)\n"
     "\\[Vontal foundation 0\\.4 terminated at TIME\\]\n";
+
+// GoogleTest's own expressions are smaller on some systems.
+bool matches(const std::string &text, const std::string &pattern) {
+    return std::regex_match(text, std::regex(pattern));
+}
+
+// A child process runs its test from the start on some systems: it takes the folder of its parent.
+std::string sharedPath(const TempFolder &folder, const char *name) {
+#ifdef _WIN32
+    constexpr char kParent[] = "KELTRA_PARENT_FOLDER";
+    if (!testing::internal::InDeathTestChild()) _putenv_s(kParent, folder.prefix().c_str());
+    return std::getenv(kParent) + std::string(name);
+#else
+    return folder.path(name);
+#endif
+}
 
 // HTML stays switched on for the rest of a process, so code that switches it on runs in a child process.
 template <class Work>
@@ -70,7 +87,7 @@ TEST_F(LogTest, TextIsWrittenAtOnce) {
 TEST_F(LogTest, TextLogClosesWithTheSummary) {
     startLog();
     EXPECT_TRUE(vnfCloseLog());
-    EXPECT_THAT(messages(), testing::MatchesRegex("\n" + kRule + "\n" + kSummary));
+    EXPECT_TRUE(matches(messages(), "\n" + kRule + "\n" + kSummary)) << messages();
 }
 
 TEST_F(LogTest, ASecondLogIsRefusedAndTheFirstGoesOn) {
@@ -149,7 +166,7 @@ TEST_F(LogTest, NullsAreHarmless) {
 }
 
 TEST_F(LogTest, HtmlTranslatesBlanksAndLineFeeds) {
-    const std::string path = folder.path("run.html");
+    const std::string path = sharedPath(folder, "run.html");
     inChild([&] {
         vnfOpenLog(path.c_str());
         vnfLog("a  b\n");
@@ -158,7 +175,7 @@ TEST_F(LogTest, HtmlTranslatesBlanksAndLineFeeds) {
 }
 
 TEST_F(LogTest, HtmlKeepsSingleBlanksAndMarkup) {
-    const std::string path = folder.path("run.html.old");
+    const std::string path = sharedPath(folder, "run.html.old");
     inChild([&] {
         vnfOpenLog(path.c_str());
         vnfLog(" a b   <i>&");
@@ -167,7 +184,7 @@ TEST_F(LogTest, HtmlKeepsSingleBlanksAndMarkup) {
 }
 
 TEST_F(LogTest, HtmlEchoIsNotTranslated) {
-    const std::string path = folder.path("run.html"), printed = folder.path("printed.txt");
+    const std::string path = sharedPath(folder, "run.html"), printed = sharedPath(folder, "printed.txt");
     inChild([&] {
         if (!std::freopen(printed.c_str(), "w", stdout)) std::_Exit(2);
         vnfOpenLog(path.c_str());
@@ -179,21 +196,22 @@ TEST_F(LogTest, HtmlEchoIsNotTranslated) {
 }
 
 TEST_F(LogTest, HtmlClosesItsMarkup) {
-    const std::string path = folder.path("run.html");
+    const std::string path = sharedPath(folder, "run.html");
     inChild([&] {
         vnfOpenLog(path.c_str());
         vnfCloseLog();
     });
     const std::string text = timelessText(path);
     ASSERT_EQ(text.substr(0, kHtmlBanner.size()), kHtmlBanner);
-    EXPECT_THAT(text.substr(kHtmlBanner.size()),
-                testing::MatchesRegex("<H4>\n" + kHtmlRule + kSummary + "</H4></BODY></HTML>"));
+    EXPECT_TRUE(
+        matches(text.substr(kHtmlBanner.size()), "<H4>\n" + kHtmlRule + kSummary + "</H4></BODY></HTML>"))
+        << text;
 }
 
 TEST_F(LogTest, HtmlStaysOnForLaterLogs) {
-    const std::string path = folder.path("later.txt");
+    const std::string path = sharedPath(folder, "later.txt");
     inChild([&] {
-        vnfOpenLog(folder.path("run.html").c_str());
+        vnfOpenLog(sharedPath(folder, "run.html").c_str());
         vnfCloseLog();
         vnfOpenLog(path.c_str());
     });
@@ -201,7 +219,7 @@ TEST_F(LogTest, HtmlStaysOnForLaterLogs) {
 }
 
 TEST_F(LogTest, HtmlTranslationIsCutBetweenEntities) {
-    const std::string path = folder.path("run.html");
+    const std::string path = sharedPath(folder, "run.html");
     inChild([&] {
         vnfOpenLog(path.c_str());
         vnfLog("%s", std::string(1023, '\n').c_str());
@@ -229,22 +247,23 @@ TEST(LogSummaryDeathTest, CountsFromTheLoadStepOn) {
                 text = timelessText(folder.path("run.txt"));
             }
             std::fputs(text.c_str(), stderr);
-            std::_Exit(0);
+            const std::regex summary(
+                "Final memory ratio: 1 \\(3/2\\)\n(.*\n)*"
+                "Total allocated memory \\(vnfMalloc\\): 0\\.50 mb \\(525288 bytes\\)");
+            std::_Exit(std::regex_search(text, summary) ? 0 : 1);
         },
-        testing::ExitedWithCode(0),
-        "Final memory ratio: 1 \\(3/2\\)\n(.*\n)*"
-        "Total allocated memory \\(vnfMalloc\\): 0\\.50 mb \\(525288 bytes\\)");
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(LogTest, TheUnloadStepClosesTheLog) {
-    const std::string path = logPath();
+    const std::string path = sharedPath(folder, "run.txt");
     EXPECT_EXIT(
         {
             vnfOpenLog(path.c_str());
             std::exit(0);
         },
         testing::ExitedWithCode(0), "");
-    EXPECT_THAT(messages(), testing::MatchesRegex("\n" + kRule + "\n" + kSummary));
+    EXPECT_TRUE(matches(messages(), "\n" + kRule + "\n" + kSummary)) << messages();
 }
 
 }  // namespace

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include <gtest/gtest.h>
 #include <keltra/foundation.h>
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/sysinfo.h>
+#endif
 
 #include <cstdint>
 #include <cstdlib>
@@ -23,7 +27,17 @@ constexpr unsigned int kPage = 4096;
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int sysinfo(struct sysinfo *info) noexcept {
+#ifdef _WIN32
+KELTRA_INTERPOSE(void, WINAPI, GlobalMemoryStatus, (MEMORYSTATUS * status)) {
+    static auto *const next = keltra::nextFunction<void WINAPI(MEMORYSTATUS *)>("GlobalMemoryStatus");
+    if (!memoryIsFaked) return next(status);
+    status->dwTotalPhys = status->dwAvailPhys = 0;
+    if (memoryFails) return;
+    status->dwTotalPhys = SIZE_T(totalPages) * kPage;
+    status->dwAvailPhys = SIZE_T(freePages) * kPage;
+}
+#else
+KELTRA_INTERPOSE(int, , sysinfo, (struct sysinfo * info) noexcept) {
     if (!memoryIsFaked) return keltra::nextFunction<int(struct sysinfo *)>("sysinfo")(info);
     if (memoryFails) return -1;
     *info = {};
@@ -32,6 +46,7 @@ extern "C" __attribute__((visibility("default"))) int sysinfo(struct sysinfo *in
     info->mem_unit = kPage;
     return 0;
 }
+#endif
 
 namespace keltra::test {
 namespace {

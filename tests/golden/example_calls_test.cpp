@@ -2,6 +2,9 @@
 // The GL calls of the examples over some seconds, from start to end: the same on every machine; and the
 // picture that stands at the end.
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
 #include <time.h>
 #include <unistd.h>
 #ifdef KELTRA_TEST_VIDEO
@@ -22,7 +25,11 @@ extern "C" {
 #include "tools/support/interpose.h"
 
 // Each is the main function of an example.
+#ifdef _WIN32  // SDL's name for it has no C++ in it
+#define KELTRA_DECLARE(name) extern "C" int example_##name(int argc, char **argv);
+#else
 #define KELTRA_DECLARE(name) int example_##name(int argc, char **argv);
+#endif
 KELTRA_EXAMPLE_LIST(KELTRA_DECLARE)
 #undef KELTRA_DECLARE
 
@@ -127,9 +134,21 @@ INSTANTIATE_TEST_SUITE_P(, ExampleCallsTest, ::testing::ValuesIn(kExamples),
 }  // namespace
 }  // namespace keltra::test
 
-extern "C" __attribute__((visibility("default"))) int clock_gettime(clockid_t clock, timespec *now) noexcept {
+#ifdef _WIN32
+KELTRA_INTERPOSE(BOOL, WINAPI, QueryPerformanceCounter, (LARGE_INTEGER * ticks)) {
+    static auto *const next = keltra::nextFunction<BOOL WINAPI(LARGE_INTEGER *)>("QueryPerformanceCounter");
+    if (!keltra::test::clockIsHeld) return next(ticks);
+    const timespec now = keltra::test::heldTime();
+    LARGE_INTEGER second;
+    QueryPerformanceFrequency(&second);
+    ticks->QuadPart = now.tv_sec * second.QuadPart + now.tv_nsec * second.QuadPart / 1000000000;
+    return TRUE;
+}
+#else
+KELTRA_INTERPOSE(int, , clock_gettime, (clockid_t clock, timespec *now) noexcept) {
     if (!keltra::test::clockIsHeld || clock != CLOCK_MONOTONIC)
         return keltra::nextFunction<int(clockid_t, timespec *)>("clock_gettime")(clock, now);
     *now = keltra::test::heldTime();
     return 0;
 }
+#endif

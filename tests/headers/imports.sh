@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Zlib
 # imports.sh NM OBJDUMP LIBRARY DOCUMENT OBJECT...
 # What the engine's own OBJECTs call of Win32 is what the table of DOCUMENT lists: a call too many is one that Windows CE may
-# lack, one too few is a line that is no longer true. And the library needs the libraries that it should, no others.
+# lack, one too few is a line that is no longer true. They are made in one place, and the library needs the libraries that it should, no others.
 set -eu
 nm=$1
 objdump=$2
@@ -26,6 +26,19 @@ if ! cmp -s "$folder/called" "$folder/listed"; then
     echo "called by the engine (<) and listed in $document (>) differ" >&2
     exit 1
 fi
+# Of the engine's rooms only platform/ calls the system, whose names of files are UTF-16; and no variable is one of a thread.
+for object in "$@"; do
+    "$nm" "$object" | sed -n 's/^.* \([UTtDdBbRr]\) \(__imp_\)\{0,1\}/\1 /p' | sort -u >"$folder/names"
+    if grep -q ' __emutls' "$folder/names"; then
+        echo "$object has variables of threads" >&2
+        exit 1
+    fi
+    case $object in *platform/windows*) continue ;; esac
+    if strangers=$(sed -n 's/^U //p' "$folder/names" | sort -u | comm -12 - "$folder/system" | grep .); then
+        printf '%s calls the system, which only platform/ does:\n%s\n' "$object" "$strangers" >&2
+        exit 1
+    fi
+done
 "$objdump" -p "$library" | sed -n 's/.*DLL Name: //p' | sort >"$folder/libraries"
 if strangers=$(grep -Eivx '(KERNEL32|USER32|msvcrt|SDL|libEGL|libGLESv1_CM)\.dll' "$folder/libraries"); then
     printf 'these libraries must not be needed:\n%s\n' "$strangers" >&2

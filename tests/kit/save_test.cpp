@@ -3,7 +3,11 @@
 #include <keltra/kit/save.h>
 
 #include <gtest/gtest.h>
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <unistd.h>
+#endif
 
 #include <cerrno>
 #include <cmath>
@@ -36,12 +40,25 @@ bool passes(char step) {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int fsync(int file) {
+#ifdef _WIN32
+constexpr char kSteps[] = "SR";  // with a flag that its name is brought to the disk too
+KELTRA_INTERPOSE(BOOL, WINAPI, FlushFileBuffers, (HANDLE file)) {
+    return passes('S') && keltra::nextFunction<BOOL WINAPI(HANDLE)>("FlushFileBuffers")(file);
+}
+KELTRA_INTERPOSE(BOOL, WINAPI, MoveFileExA, (const char *from, const char *to, DWORD flags)) {
+    using Move = BOOL WINAPI(const char *, const char *, DWORD);
+    return (flags & MOVEFILE_WRITE_THROUGH) && passes('R') &&
+           keltra::nextFunction<Move>("MoveFileExA")(from, to, flags);
+}
+#else
+constexpr char kSteps[] = "SRS";
+KELTRA_INTERPOSE(int, , fsync, (int file)) {
     return passes('S') ? keltra::nextFunction<int(int)>("fsync")(file) : -1;
 }
-extern "C" __attribute__((visibility("default"))) int rename(const char *from, const char *to) noexcept {
+KELTRA_INTERPOSE(int, , rename, (const char *from, const char *to) noexcept) {
     return passes('R') ? keltra::nextFunction<int(const char *, const char *)>("rename")(from, to) : -1;
 }
+#endif
 
 namespace keltra::test {
 namespace {
@@ -198,7 +215,7 @@ TEST_F(KitSaveTest, WhatCannotBeReadIsRefused) {
 TEST_F(KitSaveTest, TheNewFileIsOnTheDiskBeforeItTakesThePlace) {
     isListening = true;
     ASSERT_TRUE(sample().write(path.c_str()));
-    EXPECT_EQ(steps, "SRS") << "the file, its name, and the folder with the name";
+    EXPECT_EQ(steps, kSteps) << "the file, its name, and the folder with the name";
     EXPECT_FALSE(std::filesystem::exists(path + ".new"));
 }
 

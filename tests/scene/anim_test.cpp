@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/anim.h>
 
+#ifdef _WIN32
+#include <windows.h>
+
+#include <psapi.h>
+#else
 #include <unistd.h>
+#endif
 
 #include <cstdio>
 #include <cstring>
@@ -33,12 +39,18 @@ TEST_F(AnimTest, IsEmptyAtFirst) {
 
 // Bytes of this process that are in memory.
 long residentBytes() {
+#ifdef _WIN32
+    PROCESS_MEMORY_COUNTERS memory;
+    const BOOL read = GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+    return read ? static_cast<long>(memory.WorkingSetSize) : 0;
+#else
     long pages = 0, resident = 0;
     std::FILE *file = std::fopen("/proc/self/statm", "r");
     if (!file) return 0;
     const int read = std::fscanf(file, "%ld %ld", &pages, &resident);
     std::fclose(file);
     return read == 2 ? resident * sysconf(_SC_PAGESIZE) : 0;
+#endif
 }
 
 TEST_F(AnimTest, RowsThatAreNotUsedTakeNoMemory) {

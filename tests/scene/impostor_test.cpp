@@ -2,8 +2,12 @@
 // Nodes whose type code is not that of their class: `*node = *mesh` copies the code, and applications may set
 // it.
 
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/mman.h>
 #include <unistd.h>
+#endif
 
 #include <new>
 
@@ -16,17 +20,25 @@ namespace {
 class NodeAtTheEdge {
    public:
     NodeAtTheEdge() {
-        const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-        const std::size_t room = (sizeof(KTNODE) + page - 1) / page * page;
-        size = room + page;
+        size = kRoom + kPage;
+#ifdef _WIN32
+        DWORD before;
+        start = static_cast<char *>(VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+        VirtualProtect(start + kRoom, kPage, PAGE_NOACCESS, &before);
+#else
         start = static_cast<char *>(
             mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        mprotect(start + room, page, PROT_NONE);
-        node = new (start + room - sizeof(KTNODE)) KTNODE;
+        mprotect(start + kRoom, kPage, PROT_NONE);
+#endif
+        node = new (start + kRoom - sizeof(KTNODE)) KTNODE;
     }
     ~NodeAtTheEdge() {
         node->~KTNODE();
+#ifdef _WIN32
+        VirtualFree(start, 0, MEM_RELEASE);
+#else
         munmap(start, size);
+#endif
     }
     NodeAtTheEdge(const NodeAtTheEdge &) = delete;
     NodeAtTheEdge &operator=(const NodeAtTheEdge &) = delete;
@@ -34,6 +46,9 @@ class NodeAtTheEdge {
     KTNODE *node;
 
    private:
+    static constexpr std::size_t kPage = 65536;  // a multiple of those of all machines
+    static constexpr std::size_t kRoom = (sizeof(KTNODE) + kPage - 1) / kPage * kPage;
+
     char *start;
     std::size_t size;
 };

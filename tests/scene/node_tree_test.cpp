@@ -20,6 +20,7 @@
 #include "tests/support/gl_recorder.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/temp_file.h"
+#include "tests/support/text_file.h"
 
 namespace keltra::test {
 namespace {
@@ -380,8 +381,7 @@ class NodeLogTest : public NodeTreeTest {
 
     /// The lines written since the log's opening banner.
     std::string logged() const {
-        const std::vector<std::uint8_t> bytes = readFile(path);
-        const std::string text(bytes.begin(), bytes.end());
+        const std::string text = readText(path);
         const std::size_t banner = text.find("\n\n");
         return banner == std::string::npos ? text : text.substr(banner + 2);
     }

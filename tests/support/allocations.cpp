@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/support/allocations.h"
 
-#include <dlfcn.h>
-
 #include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <new>
+
+#include "tests/support/code_file.h"
+#include "tools/support/interpose.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 // The compiler does not install the header that declares it.
@@ -17,12 +18,18 @@ extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onAllocation)(co
 
 namespace {
 
-thread_local bool counting = false;
-thread_local long counted = 0;
+#ifdef _WIN32
+#define KELTRA_PER_THREAD  // MinGW's variables of threads are blocks of malloc
+#else
+#define KELTRA_PER_THREAD thread_local
+#endif
+
+KELTRA_PER_THREAD bool counting = false;
+KELTRA_PER_THREAD long counted = 0;
 [[maybe_unused]] std::atomic<std::size_t> failingSize{0};
 [[maybe_unused]] std::atomic<std::size_t> failingFrom{0};
 std::atomic<int> failingCountdown{0};
-[[maybe_unused]] thread_local keltra::test::AllocationWatch *watch = nullptr;
+[[maybe_unused]] KELTRA_PER_THREAD keltra::test::AllocationWatch *watch = nullptr;
 
 // For failNth.
 class NthFailure final : public keltra::test::AllocationWatch {
@@ -34,7 +41,7 @@ class NthFailure final : public keltra::test::AllocationWatch {
     long countdown = 0, live = 0;
     bool failed = false;
 };
-thread_local NthFailure nthFailure;
+KELTRA_PER_THREAD NthFailure nthFailure;
 
 }  // namespace
 
@@ -50,14 +57,37 @@ void onRelease(const volatile void *) {}
 
 #else
 
+#ifndef _WIN32
 extern "C" {
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
 void *__libc_realloc(void *block, std::size_t size);
 void __libc_free(void *block);
 }
+#endif
 
 namespace {
+
+#ifdef _WIN32
+template <class F>
+F *ofLibrary(F *&known, const char *name) {
+    if (!known) known = keltra::nextFunction<F>(name);
+    return known;
+}
+// Constants at the start: functions of this file are called before its statics are constructed.
+void *(*libraryMalloc)(std::size_t) = nullptr;
+void *(*libraryCalloc)(std::size_t, std::size_t) = nullptr;
+void *(*libraryRealloc)(void *, std::size_t) = nullptr;
+void (*libraryFree)(void *) = nullptr;
+void *__libc_malloc(std::size_t size) { return ofLibrary(libraryMalloc, "malloc")(size); }
+void *__libc_calloc(std::size_t count, std::size_t size) {
+    return ofLibrary(libraryCalloc, "calloc")(count, size);
+}
+void *__libc_realloc(void *block, std::size_t size) {
+    return ofLibrary(libraryRealloc, "realloc")(block, size);
+}
+void __libc_free(void *block) { ofLibrary(libraryFree, "free")(block); }
+#endif
 
 template <class Get>
 void *allocate(const void *caller, Get get) {
@@ -73,9 +103,8 @@ void *allocate(const void *caller, Get get) {
 
 // Whether the code at the address is the engine's, in its library or in this program, or the test's own.
 bool isOurs(const void *caller) {
-    Dl_info of, own;
-    if (!dladdr(caller, &of) || !dladdr(reinterpret_cast<const void *>(&isOurs), &own)) return true;
-    return of.dli_fbase == own.dli_fbase || std::strstr(of.dli_fname, "libkeltra");
+    const char *file = keltra::test::fileOfCode(caller);
+    return !file || std::strstr(file, "keltra") || keltra::test::isOfProgram(caller);
 }
 
 // As the standard has it: the handler of new makes room or throws.
@@ -90,9 +119,8 @@ void *allocateOrThrow(std::size_t size, const void *caller) {
 
 }  // namespace
 
-extern "C" {
-// They stay glibc's own allocator, so the rest of the family need no counterpart here.
-void *malloc(std::size_t size) {
+// They stay the C library's own allocator, so the rest of the family need no counterpart here.
+KELTRA_INTERPOSE(void *, , malloc, (std::size_t size)) {
     const bool isLarge = failingFrom > 0 && size >= failingFrom;
     if (isLarge || (failingCountdown > 0 && size == failingSize && isOurs(__builtin_return_address(0)) &&
                     --failingCountdown == 0)) {
@@ -103,19 +131,18 @@ void *malloc(std::size_t size) {
     }
     return allocate(__builtin_return_address(0), [size] { return __libc_malloc(size); });
 }
-void *calloc(std::size_t count, std::size_t size) {
+KELTRA_INTERPOSE(void *, , calloc, (std::size_t count, std::size_t size)) {
     return allocate(__builtin_return_address(0), [count, size] { return __libc_calloc(count, size); });
 }
-void *realloc(void *block, std::size_t size) {
+KELTRA_INTERPOSE(void *, , realloc, (void *block, std::size_t size)) {
     void *moved =
         allocate(__builtin_return_address(0), [block, size] { return __libc_realloc(block, size); });
     if (watch && moved && block) watch->released(block);
     return moved;
 }
-void free(void *block) {
+KELTRA_INTERPOSE(void, , free, (void *block)) {
     if (watch && block) watch->released(block);
     __libc_free(block);
-}
 }
 
 // The C++ library's own are malloc's callers: these tell who asks.

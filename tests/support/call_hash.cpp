@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/support/call_hash.h"
 
+#ifndef _WIN32
 #include <sys/file.h>
 #include <unistd.h>
+#endif
 
 #include <cstdlib>
 #include <cstring>
@@ -59,6 +61,9 @@ Hashes readHashes() {
 
 // Programs of both depths may write at once.
 bool writeHash(const std::string &key, const std::string &value) {
+#ifdef _WIN32  // which takes the file as it is
+    return (void)key, (void)value, false;
+#else
     const int lock = open(KELTRA_GOLDEN_FOLDER, O_RDONLY | O_DIRECTORY);
     if (lock < 0 || flock(lock, LOCK_EX) != 0) return false;
     Hashes hashes = readHashes();
@@ -68,6 +73,7 @@ bool writeHash(const std::string &key, const std::string &value) {
     file.close();
     close(lock);
     return file.good();
+#endif
 }
 
 std::string leave(const std::string &lines, const std::string &name) {

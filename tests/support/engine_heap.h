@@ -2,7 +2,6 @@
 #ifndef KELTRA_TESTS_ENGINE_HEAP_H
 #define KELTRA_TESTS_ENGINE_HEAP_H
 
-#include <dlfcn.h>
 #include <keltra/texture.h>
 #include <malloc.h>
 
@@ -11,8 +10,15 @@
 #include <cstring>
 
 #include "tests/support/allocations.h"
+#include "tests/support/code_file.h"
 
 namespace keltra::test {
+
+#ifdef _WIN32
+inline std::size_t sizeOfBlock(void *block) { return _msize(block); }
+#else
+inline std::size_t sizeOfBlock(void *block) { return malloc_usable_size(block); }
+#endif
 
 // What the engine and the libraries inside it hold of the heap; blocks of the driver and of SDL are not
 // counted.
@@ -24,7 +30,7 @@ class EngineHeap final : public AllocationWatch {
     void allocated(void *block, const void *caller) override {
         if (!isOurs(caller)) return;
         Entry &entry = entryOf(block, true);
-        entry = {block, malloc_usable_size(block)};
+        entry = {block, sizeOfBlock(block)};
         held += entry.size;
         peak = std::max(peak, held);
     }
@@ -39,7 +45,7 @@ class EngineHeap final : public AllocationWatch {
     static std::size_t bitmaps() {
         std::size_t bytes = 0;
         for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture; texture = texture->getNext())
-            if (texture->getBitmap()) bytes += malloc_usable_size(texture->getBitmap());
+            if (texture->getBitmap()) bytes += sizeOfBlock(texture->getBitmap());
         return bytes;
     }
 
@@ -53,10 +59,10 @@ class EngineHeap final : public AllocationWatch {
     static constexpr std::size_t kEntries = 1u << 16;
 
     static bool isOurs(const void *caller) {
-        Dl_info info;
-        if (!dladdr(caller, &info) || !info.dli_fname) return false;
-        for (const char *library : {"libkeltra", "libtinyxml", "libmpeg2"})
-            if (std::strstr(info.dli_fname, library)) return true;
+        const char *file = fileOfCode(caller);
+        if (!file) return false;
+        for (const char *library : {"libkeltra.", "keltra.dll", "libtinyxml", "libmpeg2"})
+            if (std::strstr(file, library)) return true;
         return false;
     }
     // The block's entry, or the one that it gets.

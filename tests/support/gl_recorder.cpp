@@ -159,7 +159,7 @@ R stub(A... arguments) {
 template <GlFunction f, bool isFloat, class F>
 struct Wrapper;
 template <GlFunction f, bool isFloat, class R, class... A>
-struct Wrapper<f, isFloat, R(A...)> {
+struct Wrapper<f, isFloat, R GL_APIENTRY(A...)> {
     static R call(const char *name, A... arguments) {
         State &now = state();
         if constexpr (f == GlFunction::glPixelStorei) noteAlignment(arguments...);
@@ -223,7 +223,7 @@ struct Wrapper<f, isFloat, R(A...)> {
         if (state().stubbed) return stub<f, R>(arguments...);
         if constexpr (f == GlFunction::glDrawArrays || f == GlFunction::glDrawElements)
             if (!state().drawing && !state().scissored) return;
-        static auto *const driver = nextFunction<R(A...)>(name);
+        static auto *const driver = nextFunction<R GL_APIENTRY(A...)>(name);
         return driver(arguments...);
     }
 };
@@ -274,10 +274,9 @@ using keltra::Signature;
 using keltra::test::GlFunction;
 using keltra::test::Wrapper;
 
-#define KELTRA_WRAP(n, f, isFloat)                                                                  \
-    extern "C" __attribute__((visibility("default"))) Signature<decltype(f)>::Result GL_APIENTRY f( \
-        KELTRA_PARAMETERS_##n(f)) {                                                                 \
-        return Wrapper<GlFunction::f, isFloat, decltype(f)>::call(#f KELTRA_ARGUMENTS_##n);         \
+#define KELTRA_WRAP(n, f, isFloat)                                                                 \
+    KELTRA_INTERPOSE(Signature<decltype(f)>::Result, GL_APIENTRY, f, (KELTRA_PARAMETERS_##n(f))) { \
+        return Wrapper<GlFunction::f, isFloat, decltype(f)>::call(#f KELTRA_ARGUMENTS_##n);        \
     }
 #define KELTRA_WRAP_FLOAT(n, f) KELTRA_WRAP(n, f, true)
 #define KELTRA_WRAP_FIXED(n, f) KELTRA_WRAP(n, f, false)

@@ -5,6 +5,9 @@
 // The steady clock while a test holds it: it advances only on request. To be included in one source file of a
 // test program.
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
 #include <time.h>
 
 #include "tools/support/interpose.h"
@@ -31,12 +34,25 @@ class HeldClock {
 
 }  // namespace keltra::test
 
-extern "C" __attribute__((visibility("default"))) int clock_gettime(clockid_t clock, timespec *now) noexcept {
+#ifdef _WIN32
+KELTRA_INTERPOSE(BOOL, WINAPI, QueryPerformanceCounter, (LARGE_INTEGER * ticks)) {
+    using keltra::test::HeldClock;
+    static auto *const next = keltra::nextFunction<BOOL WINAPI(LARGE_INTEGER *)>("QueryPerformanceCounter");
+    if (!HeldClock::held) return next(ticks);
+    LARGE_INTEGER second;
+    QueryPerformanceFrequency(&second);
+    ticks->QuadPart =
+        HeldClock::now.tv_sec * second.QuadPart + HeldClock::now.tv_nsec * second.QuadPart / 1000000000;
+    return TRUE;
+}
+#else
+KELTRA_INTERPOSE(int, , clock_gettime, (clockid_t clock, timespec *now) noexcept) {
     using keltra::test::HeldClock;
     if (!HeldClock::held || clock != CLOCK_MONOTONIC)
         return keltra::nextFunction<int(clockid_t, timespec *)>("clock_gettime")(clock, now);
     *now = HeldClock::now;
     return 0;
 }
+#endif
 
 #endif

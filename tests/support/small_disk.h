@@ -2,6 +2,8 @@
 #ifndef KELTRA_TESTS_SMALL_DISK_H
 #define KELTRA_TESTS_SMALL_DISK_H
 
+#ifndef _WIN32  // where no such limit is
+
 #include <sys/resource.h>
 
 #include <csignal>
@@ -29,5 +31,7 @@ class SmallDisk {
 };
 
 }  // namespace keltra::test
+
+#endif
 
 #endif

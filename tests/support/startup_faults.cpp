@@ -46,32 +46,34 @@ void keep(const char *name, A... arguments) {
     state().log.add({name, {asNumber(arguments)...}, {}, {}});
 }
 
-template <class R, class... A>
-R pass(const char *name, A... arguments) {
+template <class F, class... A>
+auto pass(F *next, A... arguments) {
     struct Nested {
         Nested() { ++state().nesting; }
         ~Nested() { --state().nesting; }
     } nested;
-    return nextFunction<R(A...)>(name)(arguments...);
+    return next(arguments...);
 }
 
 // `failure` is what the function returns when it fails.
-template <class R, class... A>
-R intercept(const char *name, R failure, A... arguments) {
-    if (state().nesting > 0) return pass<R>(name, arguments...);
+template <class F, class R, class... A>
+auto intercept(const char *name, F *next, R failed, A... arguments) {
+    using Result = decltype(next(arguments...));
+    const Result failure = static_cast<Result>(failed);
+    if (state().nesting > 0) return pass(next, arguments...);
     keep(name, arguments...);
     if (mustFail(name)) return failure;
-    const R result = pass<R>(name, arguments...);
+    const Result result = pass(next, arguments...);
     if (result != failure) ++state().successes[name];
     return result;
 }
 
-template <class... A>
-void interceptVoid(const char *name, A... arguments) {
-    if (state().nesting > 0) return pass<void>(name, arguments...);
+template <class F, class... A>
+void interceptVoid(const char *name, F *next, A... arguments) {
+    if (state().nesting > 0) return pass(next, arguments...);
     keep(name, arguments...);
     if (mustFail(name)) return;
-    pass<void>(name, arguments...);
+    pass(next, arguments...);
     ++state().successes[name];
 }
 
@@ -113,45 +115,47 @@ std::vector<Call> StartupFaults::all(std::string_view name) { return state().log
 
 using keltra::Signature;
 
-#define KELTRA_WRAP(n, f, failure)                                                                        \
-    extern "C" __attribute__((visibility("default"))) Signature<decltype(f)>::Result f(                   \
-        KELTRA_PARAMETERS_##n(f)) {                                                                       \
-        return keltra::test::intercept<Signature<decltype(f)>::Result>(#f, failure KELTRA_ARGUMENTS_##n); \
+#define KELTRA_WRAP(n, convention, f, failure)                                                    \
+    KELTRA_INTERPOSE(Signature<decltype(f)>::Result, convention, f, (KELTRA_PARAMETERS_##n(f))) { \
+        static auto *const next = keltra::nextFunction<decltype(f)>(#f);                          \
+        return keltra::test::intercept(#f, next, failure KELTRA_ARGUMENTS_##n);                   \
     }
-#define KELTRA_WRAP_VOID(n, f)                                                           \
-    extern "C" __attribute__((visibility("default"))) void f(KELTRA_PARAMETERS_##n(f)) { \
-        keltra::test::interceptVoid(#f KELTRA_ARGUMENTS_##n);                            \
+#define KELTRA_WRAP_VOID(n, convention, f)                               \
+    KELTRA_INTERPOSE(void, convention, f, (KELTRA_PARAMETERS_##n(f))) {  \
+        static auto *const next = keltra::nextFunction<decltype(f)>(#f); \
+        keltra::test::interceptVoid(#f, next KELTRA_ARGUMENTS_##n);      \
     }
 
-KELTRA_WRAP(1, SDL_Init, -1)
-KELTRA_WRAP(4, SDL_VideoModeOK, 0)
-KELTRA_WRAP_VOID(2, SDL_WM_SetCaption)
-KELTRA_WRAP(4, SDL_SetVideoMode, nullptr)
-KELTRA_WRAP(1, SDL_GetWMInfo, 0)
-KELTRA_WRAP_VOID(0, SDL_Quit)
-KELTRA_WRAP(1, eglGetDisplay, EGL_NO_DISPLAY)
-KELTRA_WRAP(3, eglInitialize, EGL_FALSE)
-KELTRA_WRAP(4, eglCreateWindowSurface, EGL_NO_SURFACE)
-KELTRA_WRAP(4, eglCreateContext, EGL_NO_CONTEXT)
-KELTRA_WRAP(4, eglMakeCurrent, EGL_FALSE)
-KELTRA_WRAP(2, eglSwapBuffers, EGL_FALSE)
-KELTRA_WRAP(2, eglDestroyContext, EGL_FALSE)
-KELTRA_WRAP(2, eglDestroySurface, EGL_FALSE)
-KELTRA_WRAP(1, eglTerminate, EGL_FALSE)
+KELTRA_WRAP(1, SDLCALL, SDL_Init, -1)
+KELTRA_WRAP(4, SDLCALL, SDL_VideoModeOK, 0)
+KELTRA_WRAP_VOID(2, SDLCALL, SDL_WM_SetCaption)
+KELTRA_WRAP(4, SDLCALL, SDL_SetVideoMode, nullptr)
+KELTRA_WRAP(1, SDLCALL, SDL_GetWMInfo, 0)
+KELTRA_WRAP_VOID(0, SDLCALL, SDL_Quit)
+KELTRA_WRAP(1, EGLAPIENTRY, eglGetDisplay, EGL_NO_DISPLAY)
+KELTRA_WRAP(3, EGLAPIENTRY, eglInitialize, EGL_FALSE)
+KELTRA_WRAP(4, EGLAPIENTRY, eglCreateWindowSurface, EGL_NO_SURFACE)
+KELTRA_WRAP(4, EGLAPIENTRY, eglCreateContext, EGL_NO_CONTEXT)
+KELTRA_WRAP(4, EGLAPIENTRY, eglMakeCurrent, EGL_FALSE)
+KELTRA_WRAP(2, EGLAPIENTRY, eglSwapBuffers, EGL_FALSE)
+KELTRA_WRAP(2, EGLAPIENTRY, eglDestroyContext, EGL_FALSE)
+KELTRA_WRAP(2, EGLAPIENTRY, eglDestroySurface, EGL_FALSE)
+KELTRA_WRAP(1, EGLAPIENTRY, eglTerminate, EGL_FALSE)
 
-extern "C" __attribute__((visibility("default"))) EGLint eglGetError() {
+KELTRA_INTERPOSE(EGLint, EGLAPIENTRY, eglGetError, ()) {
     using namespace keltra::test;
+    static auto *const next = keltra::nextFunction<decltype(eglGetError)>("eglGetError");
     if (std::exchange(state().isContextLost, false)) return EGL_CONTEXT_LOST;
-    return pass<EGLint>("eglGetError");
+    return pass(next);
 }
 
-extern "C" __attribute__((visibility("default"))) EGLBoolean eglChooseConfig(EGLDisplay display,
-                                                                             const EGLint *attributes,
-                                                                             EGLConfig *configs, EGLint room,
-                                                                             EGLint *count) {
+KELTRA_INTERPOSE(EGLBoolean, EGLAPIENTRY, eglChooseConfig,
+                 (EGLDisplay display, const EGLint *attributes, EGLConfig *configs, EGLint room,
+                  EGLint *count)) {
     using namespace keltra::test;
-    const EGLBoolean result = intercept<EGLBoolean>("eglChooseConfig", EGLBoolean(EGL_FALSE), display,
-                                                    attributes, configs, room, count);
+    static auto *const next = keltra::nextFunction<decltype(eglChooseConfig)>("eglChooseConfig");
+    const EGLBoolean result =
+        intercept("eglChooseConfig", next, EGL_FALSE, display, attributes, configs, room, count);
     if (state().nesting == 0) keepAttributes(attributes);
     if (result && state().emptyChoices > 0) {
         --state().emptyChoices;

@@ -4,12 +4,11 @@
 
 // A folder for a test's files, removed with the object.
 
-#include <stdlib.h>
-
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -20,9 +19,10 @@ namespace keltra::test {
 class TempFolder {
    public:
     TempFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "keltra-XXXXXX").string();
-        if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder: " + pattern);
-        folder = pattern;
+        std::random_device random;
+        do {
+            folder = std::filesystem::temp_directory_path() / ("keltra-" + std::to_string(random()));
+        } while (!std::filesystem::create_directory(folder));
     }
     ~TempFolder() {
         std::error_code ignored;
@@ -32,9 +32,9 @@ class TempFolder {
     TempFolder &operator=(const TempFolder &) = delete;
 
     /// The path of a file in the folder, which need not exist.
-    std::string path(std::string_view name) const { return (folder / name).string(); }
+    std::string path(std::string_view name) const { return (folder / name).generic_string(); }
     /// The folder with a closing slash, as the engine's directory prefixes want it.
-    std::string prefix() const { return folder.string() + "/"; }
+    std::string prefix() const { return folder.generic_string() + "/"; }
 
     /// Writes the file and returns its path.
     std::string write(std::string_view name, const void *bytes, std::size_t size) const {

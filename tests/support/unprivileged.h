@@ -2,6 +2,8 @@
 #ifndef KELTRA_TESTS_UNPRIVILEGED_H
 #define KELTRA_TESTS_UNPRIVILEGED_H
 
+#ifndef _WIN32  // where there is no root
+
 #include <unistd.h>
 
 #include <stdexcept>
@@ -27,5 +29,7 @@ class Unprivileged {
 };
 
 }  // namespace keltra::test
+
+#endif
 
 #endif

@@ -2,11 +2,14 @@
 #ifndef KELTRA_TOOLS_INTERPOSE_H
 #define KELTRA_TOOLS_INTERPOSE_H
 
-// Helpers to define, in a program, a function that a shared library also defines. The dynamic linker binds
-// the engine's calls to the program's definition, which records them and calls the library's. The parameters
-// come from the function's declaration, so that a table of names and counts is enough.
+// Helpers to define, in a program, a function that a shared library also defines. The engine's calls are
+// bound to the program's definition, which records them and calls the library's. The parameters come from the
+// function's declaration, so that a table of names and counts is enough.
 
+#ifndef _WIN32
 #include <dlfcn.h>
+#endif
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -25,10 +28,27 @@ struct Signature<R(A...)> {
     using Argument = std::tuple_element_t<i, std::tuple<A...>>;
 };
 
+#ifdef _WIN32
+// No linker does it there: while it is constructed, the imports of the program and of the engine's libraries
+// are bound to the function.
+class BoundImport {
+   public:
+    BoundImport(const char *name, void *function);
+};
+void *findInLibraries(const char *name);
+#else
+inline void *findInLibraries(const char *name) { return dlsym(RTLD_NEXT, name); }
+#endif
+
+#if defined(_WIN32) && !defined(_WIN64)
+template <class R, class... A>
+struct Signature<R __attribute__((stdcall)) (A...)> : Signature<R(A...)> {};
+#endif
+
 // The library's definition. Ends the program if there is none.
 template <class F>
 F *nextFunction(const char *name) {
-    void *found = dlsym(RTLD_NEXT, name);
+    void *found = findInLibraries(name);
     if (!found) {
         std::fprintf(stderr, "no library defines %s\n", name);
         std::abort();
@@ -48,6 +68,19 @@ std::int64_t asNumber(T value) {
 }
 
 }  // namespace keltra
+
+// Begins the program's definition of a function: KELTRA_INTERPOSE(int, , rename, (const char *a, const char
+// *b)) { The convention is that of calls, as GL_APIENTRY.
+#ifdef _WIN32
+#define KELTRA_INTERPOSE(result, convention, name, parameters)                                               \
+    static result convention keltra_program_##name parameters;                                               \
+    static const ::keltra::BoundImport keltra_bound_##name(#name,                                            \
+                                                           reinterpret_cast<void *>(keltra_program_##name)); \
+    static result convention keltra_program_##name parameters
+#else
+#define KELTRA_INTERPOSE(result, convention, name, parameters) \
+    extern "C" __attribute__((visibility("default"))) result convention name parameters
+#endif
 
 // clang-format off
 // The arguments come with a leading comma, to follow the function's name.
