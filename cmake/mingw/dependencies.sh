@@ -110,6 +110,9 @@ build_mpeg2() {
     source_of mpeg2dec
     autoconf mpeg2 mpeg2dec --disable-sdl --without-x --disable-shared --enable-static
     sed -i '/^#define inline/d' "$work/build-mpeg2/include/config.h"  # the compiler's own headers use the word
+    # What configure does not find out for another machine: without it blocks are not aligned as their instructions want them.
+    sed -i '/ATTRIBUTE_ALIGNED_MAX/d' "$work/build-mpeg2/include/config.h"
+    echo '#define ATTRIBUTE_ALIGNED_MAX 64' >>"$work/build-mpeg2/include/config.h"
     for folder in libmpeg2 include; do
         quietly "make-$folder" make -C "$work/build-mpeg2/$folder" -j"$jobs"
         quietly "install-$folder" make -C "$work/build-mpeg2/$folder" install
@@ -118,6 +121,9 @@ build_mpeg2() {
 
 build_mesa() {
     source_of mesa
+    # A display that was ended keeps the address of what is freed here: its next start uses it.
+    sed -i 's/^   free(wgl_dpy);$/&\n   disp->DriverData = NULL;/' "$work/mesa/src/egl/drivers/wgl/egl_wgl.c"
+    grep -q 'disp->DriverData = NULL' "$work/mesa/src/egl/drivers/wgl/egl_wgl.c"
     cat >"$work/mesa.cross" <<CROSS
 [binaries]
 c = '$host-gcc-posix'
