@@ -14,7 +14,7 @@ git -C "$source" archive HEAD | tar -C "$folder/keltra-$version" -xf -
 cd "$folder"
 cmake -S "keltra-$version" -B configured -DKELTRA_TESTS=OFF -DKELTRA_EXAMPLES=OFF -DKELTRA_TOOLS=OFF -DKELTRA_BENCHMARKS=OFF >log
 cpack --config configured/CPackSourceConfig.cmake >>log
-rm -rf configured
+rm -rf configured _CPack_Packages
 ln "keltra-$version.tar.gz" "keltra_$version.orig.tar.gz"
 cd "keltra-$version"
 cp -r packaging/debian .
