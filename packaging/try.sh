@@ -55,7 +55,7 @@ quiet inside sh -ec 'cd /work
     done
     keltra-screen 16 /usr/lib/*/keltra/games/lantern_walk/lantern_walk --play --no-film --save /work/saved --frames 60 --shot game.png
     programs=$(find /usr/lib/*/keltra/examples -maxdepth 1 -name "[0-9]*" | wc -l)
-    [ "$programs" -gt 1 ] && [ "$(find . -maxdepth 1 -name "[0-9g]*.png" -size +1k | wc -l)" -eq $((programs + 1)) ]'
+    [ "$programs" -gt 1 ] && [ "$(find . -maxdepth 1 -name "[0-9g]*.png" -size +99c | wc -l)" -eq $((programs + 1)) ]'
 say "$(inside sh -c 'ls /work/[0-9]*.png | wc -l') examples and the game ran"
 
 say "the consumer, by CMake's package and by pkg-config"

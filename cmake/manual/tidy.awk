@@ -26,6 +26,14 @@ function wrapped(line,  i) {
     sub(/[ \t]+"$/, "\"")
     sub(/[ \t]+$/, "")
 }
+# The name as it is looked for, and what man -k prints of a header that says nothing of itself.
+/^\.SH NAME/ { inName = 1 }
+inName && /^[^.]/ {
+    inName = 0
+    header = $1
+    description = match($0, / \\?- /) ? substr($0, RSTART) : " \\- what <" header "> declares"
+    $0 = title description
+}
 /^\.nf/ { verbatim = 1 }
 /^\.fi/ { verbatim = 0 }
 /^$/ && !verbatim { next }

@@ -27,6 +27,12 @@ done
 has() {
     mandoc -T utf8 "$folder/$1" | col -bx | tr -s ' \n' ' ' | grep -qF -- "$2" || fail "$1 does not say: $2"
 }
+# What man -k prints: the page's own name and a description.
+for page in "$folder"/man[35]/*; do
+    name=$(basename "${page%.[35]}")
+    mandoc -T utf8 "$page" | col -bx | sed -n '/^NAME$/{n;p;}' | grep -qE "^ +$name - ." || fail "${page##*/} has no name or no description"
+done
+has man3/keltra_mesh.h.3 'what <keltra/mesh.h> declares'
 has man3/KTNODE.3 'bool KTNODE::link (KTNODE * parent) Appends this node to the children of parent.'
 has man3/keltra_foundation.h.3 'void * vnfMalloc (unsigned int size)'
 has man5/keltra-kte.5 'keltra-kte - scene files (KTE)'
