@@ -64,7 +64,11 @@ def open_browser():
                      "--host-resolver-rules=MAP * ~NOTFOUND"):  # fmt: skip
         options.add_argument(argument)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
-    return webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
+    browser = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
+    # A large page on a busy machine takes axe minutes.
+    browser.set_script_timeout(600)
+    browser.set_page_load_timeout(600)
+    return browser
 
 
 def set_width(browser, width):
