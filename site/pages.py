@@ -71,7 +71,7 @@ def sources(folder):
 def cards():
     rows = [
         f'<a href="examples/{folder.name}.html">{movie(folder.name, "", "card")}'
-        f"<strong>{title(folder)}</strong><span>{lesson(folder / 'main.cpp')}</span></a>"
+        f"<strong>{title(folder)}</strong><span>{lesson(folder / 'main.cpp').split(' Next: ')[0]}</span></a>"
         for folder in examples()
     ]
     return "\n".join(['<div class="cards">', *rows, "</div>"])
@@ -92,7 +92,7 @@ def example_pages(classes):
         write(
             f"examples/{folder.name}.md",
             f"# {title(folder)}",
-            lesson(folder / "main.cpp"),
+            re.sub(r"\b([0-9]{2}_[a-z]+)\b", r"[\1](\1.md)", lesson(folder / "main.cpp")),
             movie(folder.name, f"The example {folder.name} runs"),
             f"```sh\n{command(folder)}\n```",
             f"It uses {links}.",
@@ -208,6 +208,8 @@ def manual_pages():
         body = re.sub(r'<table class="(head|foot)">.*?</table>', "", body, flags=re.DOTALL)
         # Section 5 is made of pages that are here already.
         body = re.sub(r'href="keltra-([a-z]+)\.5\.html"', r'href="../docs/formats/\1.html"', body)
+        # Manual pages of others are not here.
+        body = re.sub(r'<a class="Xr" href="(?!keltra-|\.\./)[^"]*">(.*?)</a>', r"\1", body)
         summary = re.search(r"^\.Nd (.+)$", page.read_text(), re.MULTILINE).group(1)
         write(f"manual/{name}.{section}.md", f"# {name}({section})", f"```{{raw}} html\n{body}\n```")
         names.append(f"manual/{name}.{section}")
