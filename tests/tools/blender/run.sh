@@ -24,7 +24,7 @@ in_window() {
     shift 2
     log=$out/$script.log
     xvfb-run -a -s "-screen 0 ${size}x24" env LIBGL_ALWAYS_SOFTWARE=1 GALLIUM_DRIVER=llvmpipe \
-        timeout 600 blender --factory-startup --enable-event-simulate --window-geometry 0 0 "${size%x*}" "${size#*x}" \
+        timeout 1800 blender --factory-startup --enable-event-simulate --window-geometry 0 0 "${size%x*}" "${size#*x}" \
         --python "$here/$script.py" -- "$build/bin" "$@" >"$log" 2>&1 || true
     grep '^panel: ' "$log" || true
     if ! grep -q '^panel: done' "$log" || grep -qE 'Traceback|panel: FAILED' "$log"; then fail "$log"; fi
