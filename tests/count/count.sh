@@ -1,13 +1,14 @@
 #!/bin/sh
 # SPDX-License-Identifier: Zlib
-# count.sh BUILD DATA [--update | --profile [ROW]]: counts the instructions of BUILD/bin/keltra_count and compares them with
-# the budgets. DATA, with a slash at its end, holds the files of the examples.
+# count.sh BUILD DATA GAME [--update | --profile [ROW]]: counts the instructions of BUILD/bin/keltra_count and compares them with
+# the budgets. DATA and GAME, with a slash at their ends, hold the files of the examples and of the game.
 set -eu
 here=$(dirname "$0")
 build=$1
 data=$2
-option=${3:-}
-row=${4:-all}
+game=$3
+option=${4:-}
+row=${5:-all}
 budgets=$here/budgets.txt
 
 cc -O2 -Wall -Wextra -Werror -fPIC -shared -o "$build/count.so" "$here/plugin.c"
@@ -18,9 +19,10 @@ folder=$(mktemp -d /tmp/keltra.XXXXXX)
 trap 'rm -rf "$folder"' EXIT
 cp "$build/bin/keltra_count" "$folder"
 ln -s "$data" "$folder/data"
+ln -s "$game" "$folder/game"
 for run in 1 2; do
     env -i "$(command -v qemu-arm)" -cpu pxa250 -plugin "$build/count.so,out=$build/counts.$run" \
-        "$folder/keltra_count" "$folder/data/" >"$build/rows.$run"
+        "$folder/keltra_count" "$folder/data/" "$folder/game/" >"$build/rows.$run"
 done
 if ! cmp "$build/counts.1" "$build/counts.2"; then
     echo "count.sh: two runs differ" >&2

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
-// keltra_count FOLDER: does each operation of the table a number of times, under qemu-arm with
-// tests/count/plugin.c. FOLDER, with a slash at its end, holds the files of the examples.
+// keltra_count FOLDER GAME: does each operation of the table a number of times, under qemu-arm with
+// tests/count/plugin.c. FOLDER and GAME, with a slash at their ends, hold the files of the examples and of
+// the game.
 
 #include <keltra/keltra.h>
 
@@ -23,10 +24,11 @@ void count::require(bool right, const char *what) {
 }
 
 int main(int argc, char **argv) {
-    if (argc != 2) return 2;
+    if (argc != 3) return 2;
     const char *data = argv[1];
     // The examples start the engine themselves.
     count::countExamples(data);
+    count::countGame(argv[2]);
     KTSETTINGS settings;
     settings.setKTEPath(data);
     settings.setKTAPath(data);

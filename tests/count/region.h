@@ -39,6 +39,7 @@ void countLists();
 void countAnimation(const char *data);
 void countLoading(const char *data);
 void countExamples(const char *data);
+void countGame(const char *data);
 
 }  // namespace count
 
