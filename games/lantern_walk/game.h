@@ -69,6 +69,7 @@ class Game {
     void writeWon();
     bool draw();
     void drawPages();
+    int findDarkLantern() const;
     void pick();
 
     GameOptions options;

@@ -7,6 +7,11 @@
 #include "games/lantern_walk/view/nodes.h"
 
 namespace lantern_walk {
+namespace {
+
+constexpr float kTapRadius = 16.0f;  // pixels
+
+}  // namespace
 
 bool Game::draw() {
     bool ok = KELTRA::clear(true, true, false) && KELTRA::begin3D(world.getCamera());
@@ -34,15 +39,37 @@ void Game::drawPages() {
     if (const Page *page = getPage()) page->pass();
 }
 
-// What was tapped, in what was just drawn: a moth, a lantern, the well; otherwise the ground.
+// A dark lantern that is shown near the tap, though something may be before it: the halo of a lit one is
+// large. -1 for none.
+int Game::findDarkLantern() const {
+    int nearest = -1;
+    float within = kTapRadius;
+    for (int i = 0; i < walk.getEvening().lanterns; ++i) {
+        R3XVECTOR2D point;
+        if (walk.getLantern(i).isLit || !world.getView().toScreen(world.getLanternPlace(i), &point)) continue;
+        const float away = (point - tap).length();
+        if (away >= within) continue;
+        within = away;
+        nearest = i;
+    }
+    return nearest;
+}
+
+// What was tapped, in what was just drawn: a moth, a lantern, the well; otherwise the ground. Lit lanterns
+// have nothing to be tapped for.
 void Game::pick() {
     hasTap = false;
     const unsigned code = KTVIEW::pick(tap);
+    const int lantern = code >= kLanternCode && code < kLanternCode + kMostLanterns
+                            ? static_cast<int>(code - kLanternCode)
+                            : -1;
+    const bool isDark = lantern >= 0 && !walk.getLantern(lantern).isLit;
+    const int dark = isDark ? lantern : findDarkLantern();
     Place place;
     if (code >= kMothCode && code < kMothCode + kMostMoths) {
         walk.chase(static_cast<int>(code - kMothCode));
-    } else if (code >= kLanternCode && code < kLanternCode + kMostLanterns) {
-        walk.goToLantern(static_cast<int>(code - kLanternCode));
+    } else if (isDark || (dark >= 0 && code != kWellCode)) {
+        walk.goToLantern(dark);
     } else if (code == kWellCode) {
         walk.goToWell();
     } else if (world.toGround(tap, &place)) {

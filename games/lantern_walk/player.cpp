@@ -9,7 +9,9 @@ namespace lantern_walk {
 namespace {
 
 constexpr int kPatience = 6;                                   // frames between two taps
-constexpr int kMostTries = 2;                                  // taps on one thing, before the pad is taken
+constexpr int kMostTries = 3;                                  // taps on one thing, before the pad is taken
+constexpr float kBelow = 1.6f;                                 // units below a lantern: at its post
+constexpr int kMostRounds = 12;                                // of looking at it from somewhere else
 constexpr float kPageTime = 0.8f;                              // seconds that a page is looked at
 constexpr float kSide = 14.0f, kTop = 30.0f, kBottom = 30.0f;  // of the screen, where nothing is tapped
 const int kPad[4] = {SDLK_UP, SDLK_DOWN, SDLK_LEFT, SDLK_RIGHT};
@@ -41,14 +43,16 @@ void Player::lift(KTINPUT *input) {
     struck = 0;
 }
 
-// The title by pen, the others by the first button. The last page stays.
+// The title by pen, the others by the first button, where both may be used. The last page stays; the film
+// goes by.
 void Player::playPage(const Game &game, KTINPUT *input) {
     waiting = kPatience;
-    if (shown == Screen::kTitle) {
+    const bool isByPen = means == Means::kPen || (means == Means::kBoth && shown == Screen::kTitle);
+    if (shown == Screen::kEnd || !game.getPage()) return;
+    if (isByPen)
         press(game.getPage()->getMiddle(0), input);
-    } else if (shown != Screen::kEnd) {
+    else
         strike(input, SDLK_RETURN);
-    }
 }
 
 void Player::playWalk(const Game &game, KTINPUT *input) {
@@ -62,23 +66,23 @@ void Player::playWalk(const Game &game, KTINPUT *input) {
         choose(walk);
     }
     if (lantern < 0 && target == Target::kLantern) return;
-    if (tries < kMostTries) {
-        if (!walk.hasGoal()) goByPen(game, input);
-    } else {
+    const bool isByPen = means == Means::kPen || (means == Means::kBoth && tries < kMostTries);
+    if (isByPen ? walk.hasGoal() : means == Means::kBoth && walk.hasGoal()) return;
+    if (!isByPen)
         goByPad(walk, input);
-    }
+    else
+        tries < kMostTries || tries % 2 ? goByPen(game, input) : goAlongByPen(game, input);
 }
 
-// A moth that is seen is tapped; of one that is near, the second button is enough.
+// A moth that is seen is tapped; for one that is near, the second button is enough.
 bool Player::chase(const Game &game, KTINPUT *input) {
     const Moths &moths = game.getWalk().getMoths();
     for (int i = 0; i < moths.getCount(); ++i) {
         if (moths.get(i).mood != MothMood::kCircling) continue;
-        if (distance(moths.get(i).at, game.getWalk().getPlace()) < kMothReach) {
-            strike(input, SDLK_SPACE);
-        } else if (!touch(game, game.getWorld().getMothPlace(i), input)) {
-            continue;
-        }
+        const bool isNear = distance(moths.get(i).at, game.getWalk().getPlace()) < kMothReach;
+        const bool isTouched = means != Means::kKeys && touch(game, game.getWorld().getMothPlace(i), input);
+        if (!isTouched && (!isNear || means == Means::kPen)) continue;
+        if (!isTouched) strike(input, SDLK_SPACE);
         waiting = kPatience;
         return true;
     }
@@ -104,10 +108,29 @@ Place Player::getTargetPlace(const Walk &walk) const {
 }
 
 void Player::goByPen(const Game &game, KTINPUT *input) {
-    const R3XVECTOR3D place = target == Target::kWell ? R3XVECTOR3D(kWell.x, 0.6f, kWell.z + 1.5f)
-                                                      : game.getWorld().getLanternPlace(lantern);
+    const R3XVECTOR3D place = target == Target::kWell
+                                  ? R3XVECTOR3D(kWell.x, 0.6f, kWell.z + 1.5f)
+                                  : game.getWorld().getLanternPlace(lantern) -
+                                        R3XVECTOR3D(0.0f, tries % 4 == 1 ? kBelow : 0.0f, 0.0f);
     waiting = kPatience;
-    tries = touch(game, place, input) ? tries + 1 : kMostTries;
+    const bool isShown = touch(game, place, input);
+    tries = isShown || tries >= kMostTries ? (tries + 1) % kMostRounds : kMostTries;
+    if (!isShown && means == Means::kBoth) goAlongByPen(game, input);  // the pad does the rest
+}
+
+// Toward what is not in view, or has something before it: to a place on the ground, now to one side, now to
+// the other, and each time farther; then it is tapped again.
+void Player::goAlongByPen(const Game &game, KTINPUT *input) {
+    const Place goal = getTargetPlace(game.getWalk()), at = game.getWalk().getPlace();
+    const float way = 1.0f + 0.5f * static_cast<float>(tries - kMostTries);
+    const float side = tries % 4 < 2 ? way : -way;
+    waiting = kPatience;
+    ++tries;
+    for (float part = 1.0f; part > 0.05f; part -= 0.1f) {
+        const R3XVECTOR3D ground(at.x + part * (goal.x - at.x) + side, 0.0f,
+                                 at.z + part * (goal.z + 1.5f - at.z));
+        if (touch(game, ground, input)) return;
+    }
 }
 
 void Player::goByPad(const Walk &walk, KTINPUT *input) {

@@ -9,8 +9,12 @@
 
 namespace lantern_walk {
 
+/// What the player uses.
+enum class Means { kBoth, kPen, kKeys };
+
 class Player {
    public:
+    explicit Player(Means chosen = Means::kBoth) : means(chosen) {}
     /// Once a frame, after the events were read.
     void play(const Game &game, KTINPUT *input);
     /// How often it used the pen and keys.
@@ -33,6 +37,9 @@ class Player {
     void strike(KTINPUT *input, int key);
     Place getTargetPlace(const Walk &walk) const;
 
+    void goAlongByPen(const Game &game, KTINPUT *input);
+
+    Means means;
     Screen shown = Screen::kFilm;
     Target target = Target::kLantern;
     int lantern = -1, tries = 0, taps = 0, keys = 0, struck = 0;

@@ -84,6 +84,19 @@ TEST_F(RulesTest, GoesWhereItIsSentAndStops) {
     EXPECT_NEAR(walk.getHeading(), -118.0f, 8.0f) << "he looks along his way";
 }
 
+// A stone stood between him and the place, a little aside: he walked on the spot.
+TEST_F(RulesTest, StopsWhereHeComesNoNearer) {
+    lantern_walk::Snapshot kept;
+    kept.left = 100.0f;
+    kept.oil = 1.0f;
+    kept.at = {-7.3f, -0.6f};
+    ASSERT_TRUE(walk.resume(kept));
+    walk.goTo({-7.6f, -2.2f});  // the middle of the stone
+    pass(3.0f);
+    EXPECT_FALSE(walk.hasGoal());
+    EXPECT_EQ(walk.getSpeed(), 0.0f);
+}
+
 TEST_F(RulesTest, StaysInTheGarden) {
     walk.goTo({500.0f, -500.0f});
     pass(60.0f);

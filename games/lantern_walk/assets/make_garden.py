@@ -9,9 +9,10 @@ import random
 from gltf import Mesh, Model
 
 FRONT = (-105, 105)  # what a viewer in the south sees of a round thing
-# What is seen through is drawn from back to front, by the places of the nodes. What lies on the ground is drawn in the order
-# of its height: pools of lanterns, whose nodes are so far behind them, then the lamp's pool, then the boy's shadow.
-FIRST = 6
+# What is seen through is drawn from back to front, by the places of the nodes, and hides what is drawn behind it later. So
+# what lies on the ground is drawn in the order of its height, wherever it lies: the nodes of the lanterns' pools are behind
+# them, each by more than the garden is long, then come the lamp's pool and the boy's shadow.
+BEHIND, APART = 40, 26
 
 
 def along(points, steps):
@@ -45,8 +46,8 @@ def add_sky(model, root):
     dome.grid(5, 2, lambda c, r: place(c, 2 - r), lambda c, r: (c / 5, rows[2 - r][2]))
     model.node("dome", dome, parent=sky)
     moon = Mesh(model.material("moon", picture="moon", alpha=0.999, unlit=True))
-    moon.quad(6.2)
-    model.node("moon", moon, (-0.6, 14.8, -92.0), root)
+    moon.quad(4.3)
+    model.node("moon", moon, (-0.4, 8.7, -84.0), root)  # behind the hills, before the dome
     hills = Mesh(model.material("hills", (0.40, 0.23, 0.43), unlit=True))
     tops = [8.0, 10.4, 5.8, 6.6, 11.4, 8.0]
     hills.grid(5, 1, lambda c, r: (-60 + 24 * c, (-1.0, tops[c])[r], -82), lambda c, r: (0, 0))
@@ -59,12 +60,12 @@ def add_sky(model, root):
 
 def add_ground(model, root):
     lawn = model.material("lawn", (0.50, 0.62, 0.62), "meadow", ambient=(0.54, 0.68, 0.74))
-    for row in range(4):
-        for column in range(4):
-            x, z = -16 + 8 * column, -20 + 9.5 * row
+    for row in range(2):
+        for column in range(2):
+            x, z = -16 + 16 * column, -20 + 19 * row
             tile = Mesh(lawn)
-            tile.grid(1, 1, lambda c, r: (x + 8 * c, 0, z + 9.5 - 9.5 * r), lambda c, r: ((x + 8 * c) / 6, (z + 9.5 - 9.5 * r) / 6))
-            model.node("lawn%d" % (4 * row + column + 1), tile, parent=root)
+            tile.grid(1, 1, lambda c, r: (x + 16 * c, 0, z + 19 - 19 * r), lambda c, r: ((x + 16 * c) / 6, (z + 19 - 19 * r) / 6))
+            model.node("lawn%d" % (2 * row + column + 1), tile, parent=root)
     field = Mesh(model.material("field", (0.16, 0.17, 0.29), unlit=True))
     for x0, x1, z0, z1 in ((-70, 70, -70, -20), (-70, -16, -20, 18), (16, 70, -20, 18)):
         field.face(((x0, 0, z1), (0, 0)), ((x1, 0, z1), (0, 0)), ((x1, 0, z0), (0, 0)), ((x0, 0, z0), (0, 0)))
@@ -98,8 +99,8 @@ def add_well(model, root):
     well = model.node("well", paved, (4.9, 0, -1.6), root)
     basin = Mesh(stone)
     basin.turned(5, [(1.75, 0.0, 0.5), (1.7, 0.95, 0.14)], sweep=FRONT, across=2)
-    basin.turned(8, [(1.75, 0.95, 0.12), (1.35, 1.0, 0.0)], across=3)
-    basin.turned(4, [(1.35, 1.0, 0.0), (1.4, 0.6, 0.12)], sweep=(90, 270), across=2)
+    basin.turned(6, [(1.75, 0.95, 0.12), (1.35, 1.0, 0.0)], across=3)
+    basin.turned(3, [(1.35, 1.0, 0.0), (1.4, 0.6, 0.12)], sweep=(90, 270), across=2)
     model.node("basin", basin, parent=well)
     pillar = Mesh(stone)
     pillar.turned(3, [(0.34, 0.4, 0.5), (0.22, 1.6, 0.1), (0.62, 1.95, 0.0)], sweep=FRONT, across=1)
@@ -116,18 +117,20 @@ def add_gate(model, root):
     lengths = (0.0, 0.28, 0.62)
 
     def place(column, row):
-        angle = math.radians(-118 + 256.0 * column / 13 - 10)
+        angle = math.radians(-150 + 300.0 * column / 11)
         radius, z = profile[2 - row]
         return (radius * math.sin(angle), 3.9 + radius * math.cos(angle), z)
 
-    ring.grid(13, 2, lambda c, r: place(13 - c, r), lambda c, r: (c * 0.52, lengths[2 - r]))
+    ring.grid(11, 2, lambda c, r: place(11 - c, r), lambda c, r: (c * 0.52, lengths[2 - r]))
     gate = model.node("gate", ring, (0, 0, -15), root)
     for side in (-1, 1):
         part = Mesh(wall)
-        across = [3.8, 13.0]
-        outline = ((0, 0.4, 0.9), (2.5, 0.4, 0.1), (2.9, 0.0, 0.0))
-        across = [side * x for x in across][::side]
-        part.grid(1, 2, lambda c, r: (across[c], outline[r][0], outline[r][1]), lambda c, r: (across[c] / 3.6, outline[r][2]))
+        outline = ((0, 0.4, 0.9, 2.3), (2.5, 0.4, 0.1, 3.8), (2.9, 0.0, 0.0, 3.8))  # height, z, v, where it begins
+
+        def across(column, row):
+            return side * (outline[row][3], 13.0)[::side][column]
+
+        part.grid(1, 2, lambda c, r: (across(c, r), outline[r][0], outline[r][1]), lambda c, r: (across(c, r) / 3.6, outline[r][2]))
         model.node("wall%s" % ("Left" if side < 0 else "Right"), part, parent=gate)
 
 
@@ -200,8 +203,9 @@ def add_lanterns(model, root):
         quad.quad(2.3)
         model.node("halo%d" % (i + 1), quad, parent=lantern, hidden=True, radius=0)
         quad = Mesh(pool)
-        quad.quad(3.6, True, (0, 0, FIRST))
-        model.node("pool%d" % (i + 1), quad, (0, 0.07, 0.3 - FIRST), stand, hidden=True, radius=0)
+        behind = BEHIND + APART * (len(PAPERS) - 1 - i)
+        quad.quad(3.9, True, (0, 0, behind))
+        model.node("pool%d" % (i + 1), quad, (0, 0.05 + 0.004 * i, 0.3 - behind), stand, hidden=True, radius=0)
 
 
 def add_small(model, root):
@@ -214,14 +218,14 @@ def add_small(model, root):
     model.node("lampGlow", glow, parent=root, radius=0)
     shadow = Mesh(model.material("shadow", (0.05, 0.03, 0.12), "glow", 0.75, True))
     shadow.quad(1.0, True, (0, 0, -1))
-    model.node("shadow", shadow, (0, 0.10, 1), root, radius=0)
+    model.node("shadow", shadow, (0, 0.11, 1), root, radius=0)
     pool = Mesh(model.material("lampPool", (1.0, 0.74, 0.42), "glow", 0.34, True))
     pool.quad(2.9, True, (0, 0, 3))
-    model.node("lampPool", pool, (0, 0.08, -3), root, radius=0)
+    model.node("lampPool", pool, (0, 0.10, -3), root, radius=0)
     marker = Mesh(model.material("marker", (1.0, 0.92, 0.66), "glow", 0.8, True))
     marker.quad(0.55, True)
-    model.node("marker", marker, (0, 0.10, 0), root, radius=0)
-    wing = model.material("wing", (0.90, 0.86, 1.0), unlit=True)
+    model.node("marker", marker, (0, 0.12, 0), root, radius=0)
+    wing = model.material("wing", (0.94, 0.90, 0.92), "wing", 0.999, True)
     dust = model.material("dust", (0.70, 0.66, 1.0), "glow", 0.75, True)
     for i in range(3):
         glow = Mesh(dust)
@@ -229,8 +233,8 @@ def add_small(model, root):
         moth = model.node("moth%d" % (i + 1), glow, parent=root, radius=0)
         for side, name in ((-1, "Left"), (1, "Right")):
             half = Mesh(wing)
-            outline = ((0.0, -0.16), (0.42, -0.24), (0.56, 0.26), (0.0, 0.10))
-            corners = [((side * x, y, 0.02), (0, 0)) for x, y in outline]
+            outline = ((0.0, -0.36), (0.6, -0.36), (0.6, 0.36), (0.0, 0.36))
+            corners = [((side * x, y, 0.02), (x / 0.6, 0.5 - y / 0.72)) for x, y in outline]
             half.face(*corners[::side])
             model.node("moth%d%s" % (i + 1, name), half, parent=moth)
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Zlib
-"""Writes the small pictures of the interface, flame.png, lantern.png and star.png, beside this file."""
+"""Writes the small pictures of the interface, flame.png, lantern.png and star.png, and wing.png, beside this file."""
 
 import math
 import os
@@ -68,6 +68,25 @@ def star(x, y):
     return (1, 0.93 - 0.25 * radius, 0.5 - 0.2 * radius, 1) if side > 0 else (0, 0, 0, 0)
 
 
+def wing(x, y):
+    """The right wings of a moth, whose body is at the left edge."""
+    u = (x + 1) / 2
+    fore = math.hypot((u - 0.52) / 0.50, (y - 0.34 - 0.34 * u) / 0.42)
+    hind = math.hypot((u - 0.36) / 0.38, (y + 0.42) / 0.44)
+    if u < 0.07 and abs(y) < 0.62:
+        return (0.42, 0.34, 0.36, 1)
+    if min(fore, hind) > 1:
+        return (0.8, 0.76, 0.8, 0)
+    spot = math.hypot((u - 0.58) / 0.12, (y - 0.56) / 0.2)
+    if fore <= 1 and spot < 1:
+        return (0.30, 0.22, 0.34, 1) if spot > 0.5 else (0.98, 0.86, 0.56, 1)
+    edge = fore if fore <= 1 else hind
+    if edge > 0.84:
+        return (0.60, 0.50, 0.58, 1)
+    shade = 1.0 - 0.18 * edge - (0.10 if fore <= 1 and round(6 * fore) % 2 else 0)
+    return (shade, 0.95 * shade, 0.93 * shade, 1)
+
+
 if __name__ == "__main__":
-    for icon in (flame, lantern, star):
+    for icon in (flame, lantern, star, wing):
         save(icon.__name__, icon)

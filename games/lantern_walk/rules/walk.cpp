@@ -16,7 +16,7 @@ constexpr float kFilling = 0.7f;  // of a lamp a second
 constexpr float kLitAfter = 0.7f;
 constexpr float kWellReach = kWellRadius + 1.0f;
 constexpr float kPostRadius = 0.6f, kInFront = 1.2f;
-constexpr float kStuckFor = 0.8f;
+constexpr float kStuckFor = 0.8f, kProgress = 0.1f;
 constexpr float kDegrees = 57.29578f;
 
 }  // namespace
@@ -62,6 +62,7 @@ void Walk::setGoal(Goal kind, Place place) {
     goal = kind;
     goalAt.x = std::clamp(place.x, kWestEnd, kEastEnd);
     goalAt.z = std::clamp(place.z, kNorthEnd, kSouthEnd);
+    nearest = distance(at, goalAt) + 2.0f * kProgress;
     stuck = 0.0f;
 }
 
@@ -134,11 +135,15 @@ void Walk::move(float seconds) {
     } else if (away <= near || stuck > kStuckFor) {
         arrive();
     } else {
-        const Place before = at;
         const float wanted = std::min(seconds, (away - 0.5f * near) / kWalkingSpeed);
         moveBy(goalAt.x - at.x, goalAt.z - at.z, wanted, away > kRunFrom);
-        // Something stands where he was sent to: he stops in front of it.
-        stuck = distance(before, at) < 0.2f * speed * wanted ? stuck + seconds : 0.0f;
+        // Something stands where he was sent to, or in the way, and he comes no nearer: he stops in front of
+        // it.
+        stuck += seconds;
+        if (away < nearest - kProgress) {
+            nearest = away;
+            stuck = 0.0f;
+        }
     }
 }
 

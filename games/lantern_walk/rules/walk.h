@@ -98,6 +98,7 @@ class Walk {
     Place goalAt;
     int goalLantern = 0;
     float steerX = 0.0f, steerZ = 0.0f, steered = 0.0f, stuck = 0.0f;
+    float nearest = 0.0f;  // to the goal, so far
     Deed deed = Deed::kNone;
     float deedTime = 0.0f;
     int deedLantern = 0;

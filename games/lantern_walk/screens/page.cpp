@@ -10,6 +10,7 @@ namespace lantern_walk {
 namespace {
 
 constexpr int kWidth = 240;  // of a page
+constexpr int kLineHeight = 16;
 const R3XVECTOR4D kResting(0.20f, 0.15f, 0.34f, 0.92f), kDisabled(0.14f, 0.12f, 0.20f, 0.70f);
 const R3XVECTOR4D kFocused(0.66f, 0.36f, 0.14f, 0.96f);
 
@@ -96,8 +97,9 @@ void Page::setCaption(int button, const char *text) {
     KTBUTTON *const shown = buttons[button];
     const unsigned width = shown->font ? shown->font->stringLength(text) : 0;
     char caption[64];
-    std::snprintf(caption, sizeof caption, "^x%04d%s",
-                  (static_cast<int>(shown->getSizes().x) - static_cast<int>(width)) / 2, text);
+    std::snprintf(caption, sizeof caption, "^x%04d^y%04d%s",
+                  (static_cast<int>(shown->getSizes().x) - static_cast<int>(width)) / 2,
+                  (shown->getSizeY() - kLineHeight) / 2, text);
     shown->setCaption(caption);
 }
 

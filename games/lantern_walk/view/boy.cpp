@@ -81,9 +81,9 @@ void BoyView::update(float seconds, float time, float azimuth) {
     glow->setPosition(place);
     glow->setRotation(0.0f, azimuth, 0.0f);
     glow->getMaterial()->setTransparency(kLampGlow * strength);
-    pool->setPosition(place.x, 0.08f, place.z - kPoolBehind);
+    pool->setPosition(place.x, 0.10f, place.z - kPoolBehind);
     pool->getMaterial()->setTransparency(kLampPool * strength);
-    shadow->setPosition(ground.x, 0.10f, ground.z + kShadowBefore);
+    shadow->setPosition(ground.x, 0.11f, ground.z + kShadowBefore);
     lamp->getMaterial()->setEmission(strength, 0.75f * strength, 0.4f * strength, 1.0f);
     light->setPosition(place + R3XVECTOR3D(0.0f, 0.3f, 0.8f));
     light->setDiffuse(1.05f * strength, 0.80f * strength, 0.50f * strength, 1.0f);

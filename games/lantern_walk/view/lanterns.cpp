@@ -10,6 +10,7 @@ namespace {
 
 constexpr float kFade = 2.2f;  // of the glow in a second
 constexpr float kHeight = 2.75f;
+constexpr float kClear = 0.3f, kClearing = 1.3f;       // opacity, and units to the sides of the view
 constexpr float kHalo = 0.92f, kPool = 0.62f;          // opacity when lit
 constexpr float kUnlit = 0.0f, kEmission = 0.92f;      // of the paper's colour
 constexpr float kBrightness = 1.15f, kReachQ = 0.11f;  // of the light
@@ -51,9 +52,19 @@ void LanternView::arrange(const Evening &evening) {
     for (int i = count; i < kMostLanterns; ++i) parts[i].post->setPosition(0.0f, -50.0f, 60.0f);
 }
 
+void LanternView::clearView(R3XVECTOR3D eye, R3XVECTOR3D boy) {
+    for (int i = 0; i < count; ++i) {
+        const R3XVECTOR3D at = parts[i].post->getPosition();
+        const float part = (at.z - boy.z) / (eye.z - boy.z);
+        const float aside = std::fabs(at.x - boy.x - part * (eye.x - boy.x));
+        wantedOpacity[i] = part > 0.1f && part < 1.0f && aside < kClearing ? kClear : 1.0f;
+    }
+}
+
 void LanternView::light(int lit) {
     for (int i = 0; i < kMostLanterns; ++i) {
         wanted[i] = glow[i] = (lit >> i & 1) != 0 ? 1.0f : 0.0f;
+        opacity[i] = wantedOpacity[i] = 1.0f;
         show(i, 1.0f);
     }
 }
@@ -62,6 +73,7 @@ void LanternView::update(float seconds, float time, float azimuth) {
     for (int i = 0; i < count; ++i) {
         const float step = kFade * seconds;
         glow[i] += std::fmax(-step, std::fmin(step, wanted[i] - glow[i]));
+        opacity[i] += std::fmax(-step, std::fmin(step, wantedOpacity[i] - opacity[i]));
         const float phase = static_cast<float>(i);
         show(i, 0.94f + 0.06f * std::sin(5.0f * time + 1.7f * phase) * std::sin(3.1f * time + phase));
         parts[i].halo->setRotation(0.0f, azimuth, 0.0f);
@@ -77,7 +89,8 @@ void LanternView::show(int lantern, float flicker) const {
     part.halo->setDisplayStatus(isGlowing);
     part.pool->setDisplayStatus(isGlowing);
     part.paper->getMaterial()->setEmission(part.color * (kUnlit + (kEmission - kUnlit) * strength));
-    part.halo->getMaterial()->setTransparency(kHalo * strength);
+    part.paper->getMaterial()->setTransparency(opacity[lantern]);
+    part.halo->getMaterial()->setTransparency(kHalo * strength * opacity[lantern]);
     part.pool->getMaterial()->setTransparency(kPool * strength);
     // White in the middle of the spectrum: light of a saturated colour blackens what has another one.
     part.light->setDiffuse((part.color * 0.7f + R3XVECTOR4D(0.30f, 0.24f, 0.14f, 0.0f)) *
@@ -88,6 +101,12 @@ void LanternView::passLights() const {
     for (int i = 0; i < count; ++i) {
         if (glow[i] > 0.01f) parts[i].light->pass();
     }
+}
+
+float LanternView::getGlow() const {
+    float sum = 0.0f;
+    for (int i = 0; i < count; ++i) sum += glow[i];
+    return sum;
 }
 
 R3XVECTOR3D LanternView::getPlace(int lantern) const {

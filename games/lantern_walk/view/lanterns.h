@@ -21,8 +21,12 @@ class LanternView {
     void setLit(int lantern, bool isLit) { wanted[lantern] = isLit ? 1.0f : 0.0f; }
     /// Moves the glow on. Halos face a viewer at that azimuth (degrees); `time` makes flames flicker.
     void update(float seconds, float time, float azimuth);
+    /// Those between the eye and the boy become clear.
+    void clearView(R3XVECTOR3D eye, R3XVECTOR3D boy);
     /// Passes the lights of those that glow.
     void passLights() const;
+    /// How many are lit, with parts of those that are just going on or out.
+    float getGlow() const;
     /// Where it hangs.
     R3XVECTOR3D getPlace(int lantern) const;
 
@@ -38,6 +42,7 @@ class LanternView {
 
     Parts parts[kMostLanterns] = {};
     float glow[kMostLanterns] = {}, wanted[kMostLanterns] = {};
+    float opacity[kMostLanterns], wantedOpacity[kMostLanterns];
     int count = 0;
 };
 

@@ -8,7 +8,7 @@
 namespace lantern_walk {
 namespace {
 
-constexpr int kSparks = 24;
+constexpr int kSparks = 12;
 constexpr float kSparklingTime = 1.1f, kGlide = 1.8f, kWaveEvery = 7.0f;
 constexpr Place kTitlePlace = {0.9f, 9.4f};
 constexpr float kTitleHeading = -14.0f;
@@ -37,6 +37,11 @@ bool World::prepareStage() {
         if (!far[i]) return false;
         farColor[i] = far[i]->getEmission();
     }
+    lawn = KTMATERIAL::findByName("garden.lawn");
+    if (!lawn) return false;
+    lawnColor = lawn->getDiffuse();
+    lawn->setDiffuse(0.0f, 0.0f, 0.0f, 1.0f);
+    lawn->setAmbient(0.0f, 0.0f, 0.0f, 1.0f);
     well->setAuxId(kWellCode);
     for (unsigned i = 0; i < well->getNumberOfChildren(); ++i) well->getChild(i)->setAuxId(kWellCode);
     for (KTTEXTURE *texture = KTTEXTURE::getFirst(); texture; texture = texture->getNext())
@@ -114,13 +119,14 @@ void World::update(const Walk *walk, float seconds) {
         for (int i = 0; i < walk->getEvening().lanterns; ++i) lanterns.setLit(i, walk->getLantern(i).isLit);
         moths.update(walk->getMoths(), time, azimuth);
         marker->setDisplayStatus(walk->hasGoal());
-        marker->setPosition(walk->getGoal().x, 0.1f, walk->getGoal().z);
+        marker->setPosition(walk->getGoal().x, 0.12f, walk->getGoal().z);
         marker->getMaterial()->setTransparency(0.6f + 0.3f * std::sin(8.0f * time));
         setDusk(1.0f - walk->getTimeLeft() / walk->getEvening().dusk);
     } else if ((untilWave -= seconds) <= 0.0f) {
         boy.wave();
         untilWave = kWaveEvery;
     }
+    if (walk) lanterns.clearView(eye.getCamera()->getPosition(), boy.getPlace());
     lanterns.update(seconds, time, azimuth);
     boy.update(seconds, time, azimuth);
     water->setRotation(0.0f, 14.0f * time, 0.0f);
@@ -135,6 +141,11 @@ void World::setDusk(float passed) {
     const R3XVECTOR4D tint(0.45f + 0.55f * day, 0.42f + 0.58f * day, 0.66f + 0.34f * day, 1.0f);
     for (int i = 0; i < kFar; ++i) far[i]->setEmission(farColor[i] * tint);
     moon->setDiffuse(0.24f + 0.14f * day, 0.26f + 0.06f * day, 0.46f + 0.02f * day, 1.0f);
+    // Each tile would be lit by the lamps that are nearest to it, and end with an edge: the lawn has one
+    // colour, which each lantern that is lit makes warmer, and the pools lie on it.
+    const R3XVECTOR4D night(0.46f, 0.44f, 0.62f, 1.0f), evening(0.76f, 0.70f, 0.78f, 1.0f);
+    const R3XVECTOR4D warmth(0.030f, 0.024f, 0.010f, 0.0f);
+    lawn->setEmission(lawnColor * (night.lerp(evening, day) + warmth * lanterns.getGlow()));
 }
 
 void World::draw() {

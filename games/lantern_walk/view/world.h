@@ -59,6 +59,8 @@ class World {
     KTNODE *stage = nullptr, *sky = nullptr, *water = nullptr;
     KTMESH *marker = nullptr;
     KTLIGHT *moon = nullptr;
+    KTMATERIAL *lawn = nullptr;
+    R3XVECTOR4D lawnColor;
     KTEMITTER *sparks = nullptr, *fountain = nullptr;
     LanternView lanterns;
     BoyView boy;
