@@ -173,7 +173,7 @@ void warnRange(FaultCall call, FaultText argument, long found, long last) {
 bool failFull(FaultCall call, FaultText what, unsigned int most) {
     KTFAULT &fault = newFault(KT_FAULT_FULL);
     writeFaultText(fault.field, what);
-    std::snprintf(fault.expected, sizeof fault.expected, kFaultTexts ? "%u" : "", most);
+    if (kFaultTexts) std::snprintf(fault.expected, sizeof fault.expected, "%u", most);
     return tellFault(call, fault);
 }
 
