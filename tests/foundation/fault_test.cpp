@@ -129,9 +129,9 @@ TEST_F(FaultTest, WhatALoadCanDoWithoutIsAWarning) {
 }
 
 TEST_F(FaultTest, AFileThatCannotBeReadSaysWhy) {
-    FaultScope("KTTEXTURE::load", "wood.tga").fail(KT_FAULT_FILE_ACCESS);
+    FaultScope(KT_CALL("KTTEXTURE::load"), "wood.tga").fail(KT_FAULT_FILE_ACCESS);
     EXPECT_EQ(last(), "KTTEXTURE::load: wood.tga: the file cannot be opened: no permission, or it is locked");
-    FaultScope("KTTEXTURE::load", "wood.tga").fail(KT_FAULT_FILE_READ);
+    FaultScope(KT_CALL("KTTEXTURE::load"), "wood.tga").fail(KT_FAULT_FILE_READ);
     EXPECT_EQ(last(), "KTTEXTURE::load: wood.tga: the file cannot be read to its end");
 }
 
