@@ -78,13 +78,14 @@ int main(int argc, char **argv) {
 
     // 1. Start. A run with a given number of frames leaves nothing behind.
     const bool isScripted = options.frames > 0;
+    Show show;
+    bool ok = example::start(options, "scene.cfg") && load(&show);
     std::string folder = "capture";
     if (isScripted)
         folder += "_" + std::to_string(KTSETTINGS::getSDLColorDepth()) + "_" + std::to_string(options.frames);
     std::error_code failed;
     std::filesystem::create_directory(folder, failed);
-    Show show;
-    bool ok = !failed && example::start(options, "scene.cfg") && load(&show);
+    ok = ok && !failed;
     if (ok) buildPanel(&show);
     KTCAMERA camera;
     camera.setTargetNode(&camera);  // itself: it looks at its fixed target

@@ -35,7 +35,6 @@ const char *const kAlways[] = {
 // Models that the engine cannot show exactly, and the word that the report must contain.
 constexpr char kScales[] = "animated scales", kInfluences[] = "influences", kBindPose[] = "bind pose";
 const std::map<std::string, std::string> kInexact = {
-    {"ASE/anim.ASE", kScales},  // a box has a scale in its rest pose only
     {"ASE/anim2.ASE", kScales},
     // Skeletons without clips, whose rest pose is not their bind pose.
     {"Collada/cameras.dae", kBindPose},
