@@ -50,7 +50,7 @@ void countFrames(const char *row, const char *data, const lantern_walk::Snapshot
         run([=](const Game &, KTINPUT *input) {
             if (frame == kFirst) input->putKey(key, 0, true);
             if (frame == kFirst + 1 && !isHeld) input->putKey(key, 0, false);
-            if (counts) count::start(row, 1);
+            if (counts) count::start(row, 1, count::Kind::kGame);
         });
         if (counts) count::stop();
     }

@@ -4,8 +4,9 @@
 
 namespace count {
 
-// In a frame no function for double precision may be executed.
-enum class Kind { kFrame, kLoad };
+// In a frame of the engine no function for double precision may be executed. A game's own sines are those of
+// the C library, which computes them in double precision.
+enum class Kind { kFrame, kLoad, kGame };
 
 // From start to stop all instructions count for a row of the table. tests/count/plugin.c sees two markers;
 // the row's name goes to the standard output. Regions of one name are added up, and divided by their
