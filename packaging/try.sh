@@ -31,38 +31,38 @@ say "a bare Debian 12"
 quiet mmdebstrap --variant=apt bookworm "$root"
 mount -t proc proc "$root/proc"
 [ ! -f /etc/resolv.conf ] || cp -L /etc/resolv.conf "$root/etc/resolv.conf"
-mkdir "$root/packages" "$root/work"
+mkdir "$root/packages" "$root/try"
 cp "$folder"/*.deb "$folder"/keltra-[0-9]*.tar.gz "$root/packages"
 quiet inside apt-get update -q
-tar -C "$root/work" -xf "$folder"/keltra-[0-9]*.tar.gz
-source=/$(cd "$root" && echo work/keltra-*)
+tar -C "$root/try" -xf "$folder"/keltra-[0-9]*.tar.gz
+source=/$(cd "$root" && echo try/keltra-*)
 
 say "the tools: a model becomes a scene, is checked and shown without a display"
 install "$(package libkeltra1)" "$(package keltra-tools)"
-quiet inside sh -ec "cd /work && keltra-convert $source/examples/assets/figure.gltf --fps 24 -o figure
+quiet inside sh -ec "cd /try && keltra-convert $source/examples/assets/figure.gltf --fps 24 -o figure
     keltra-info --check figure/*
     keltra-view figure/figure.kte --clip figure/figure_walk.kta --frames 5 --shot figure.png
     for page in keltra-convert.1 keltra-view.1 keltra-screen.1 keltra-kte.5 keltra-settings.5; do
         zcat /usr/share/man/man\${page##*.}/\$page.gz | grep -q SEE
     done"
-say "$(inside sh -c 'cd /work && keltra-info --version && ls figure | wc -l && wc -c <figure.png' | tr '\n' ' ')files, bytes of the picture"
+say "$(inside sh -c 'cd /try && keltra-info --version && ls figure | wc -l && wc -c <figure.png' | tr '\n' ' ')files, bytes of the picture"
 
 say "the examples: the demo and the game, on a screen of keltra-screen"
 install "$(package keltra-examples)"
-quiet inside sh -ec 'cd /work
+quiet inside sh -ec 'cd /try
     for program in /usr/lib/*/keltra/examples/[0-9]*; do
         keltra-screen 16 "$program" --frames 10 --shot "$(basename "$program").png"
     done
-    keltra-screen 16 /usr/lib/*/keltra/games/lantern_walk/lantern_walk --play --no-film --save /work/saved --frames 60 --shot game.png
+    keltra-screen 16 /usr/lib/*/keltra/games/lantern_walk/lantern_walk --play --no-film --save /try/saved --frames 60 --shot game.png
     programs=$(find /usr/lib/*/keltra/examples -maxdepth 1 -name "[0-9]*" | wc -l)
     [ "$programs" -gt 1 ] && [ "$(find . -maxdepth 1 -name "[0-9g]*.png" -size +99c | wc -l)" -eq $((programs + 1)) ]'
-say "$(inside sh -c 'ls /work/[0-9]*.png | wc -l') examples and the game ran"
+say "$(inside sh -c 'ls /try/[0-9]*.png | wc -l') examples and the game ran"
 
 say "the consumer, by CMake's package and by pkg-config"
 needs=$(sed -n 's/^Depends: *//p' "$root$source/packaging/debian/tests/control" | tr -d , | sed -E 's/(lib)?keltra-[a-z]+//g')
 # shellcheck disable=SC2086  # a list of names
 install "$(package libkeltra-dev)" $needs
-quiet inside sh -ec "mkdir /work/consumer; cd $source; AUTOPKGTEST_TMP=/work/consumer packaging/debian/tests/consumer
+quiet inside sh -ec "mkdir /try/consumer; cd $source; AUTOPKGTEST_TMP=/try/consumer packaging/debian/tests/consumer
     for page in KTNODE keltra_foundation.h; do zcat /usr/share/man/man3/\$page.3.gz | grep -q SYNOPSIS; done"
 say "$(grep -c '^keltra .*: drawn$' "$log") times: $(grep '^keltra .*: drawn$' "$log" | tail -n 1)"
 quiet inside sh -c "apt-get install -y -q $(package keltra-doc) && test -f /usr/share/doc/keltra-doc/html/index.html"
@@ -75,10 +75,10 @@ needs=$(sed -n '/^Build-Depends:/,/^[A-Z].*:/p' "$root$source/packaging/debian/c
 install $needs g++ libgles1 libegl-mesa0 libgl1-mesa-dri xvfb
 # Unoptimised, for that takes half of the time: what is optimised are the packages.
 quiet unshare --net chroot "$root" sh -ec "! getent hosts deb.debian.org
-    cmake -S $source -B /work/build -G Ninja -DCMAKE_BUILD_TYPE= -DKELTRA_TESTS=OFF
-    cmake --build /work/build
-    cmake --install /work/build --prefix /work/prefix
-    /work/prefix/bin/keltra-screen 16 /work/prefix/lib/*/keltra/examples/02_scene --frames 10 --shot /work/built.png ||
-        /work/prefix/bin/keltra-screen 16 /work/prefix/lib/keltra/examples/02_scene --frames 10 --shot /work/built.png"
-say "the demo of the archive: $(wc -c <"$root/work/built.png") bytes of picture"
+    cmake -S $source -B /try/build -G Ninja -DCMAKE_BUILD_TYPE= -DKELTRA_TESTS=OFF
+    cmake --build /try/build
+    cmake --install /try/build --prefix /try/prefix
+    /try/prefix/bin/keltra-screen 16 /try/prefix/lib/*/keltra/examples/02_scene --frames 10 --shot /try/built.png ||
+        /try/prefix/bin/keltra-screen 16 /try/prefix/lib/keltra/examples/02_scene --frames 10 --shot /try/built.png"
+say "the demo of the archive: $(wc -c <"$root/try/built.png") bytes of picture"
 say "all good"

@@ -2,8 +2,9 @@
 #ifndef KELTRA_EXAMPLES_RULES_H
 #define KELTRA_EXAMPLES_RULES_H
 
-// The game alone, without a picture: eight by eight squares. Whoever puts a stone down turns all stones of
-// the other one that then lie in a row between two of his own; he has to turn one at least.
+// The game alone, without a picture: eight by eight squares. A stone that is put down turns all
+// stones of the other player that then lie in a row between two of its own colour; it has to turn one at
+// least.
 
 constexpr int kSide = 8;
 

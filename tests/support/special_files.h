@@ -14,7 +14,7 @@
 
 namespace keltra::test {
 
-/// Paths of what is there, but is no regular file: a folder and, where the system has them, a pipe that
+/// Paths of what is there, but not a regular file: a folder and, where the system has them, a pipe that
 /// nobody writes to and a device that never ends.
 inline std::vector<std::string> specialFiles(const TempFolder &folder) {
     std::vector<std::string> paths = {folder.prefix()};
