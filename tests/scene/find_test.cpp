@@ -71,6 +71,19 @@ TEST_F(FindTest, TheFirstOfANameIsFoundWhicheverTookItLast) {
     EXPECT_EQ(KTNODE::findByName("node 150"), node(179));
 }
 
+// Where a name's entry lies differs in each round; in some, searches go past the table's end to its
+// beginning.
+TEST_F(FindTest, TheFirstOfANameIsFoundWhereverItsEntryLies) {
+    for (int round = 0; round < 50; ++round) {
+        for (unsigned int i = 0; i < 200; ++i)
+            node(i)->setName((std::to_string(round) + " " + std::to_string(i)).c_str());
+        for (unsigned int i = 0; i < 199; ++i) {
+            node(199)->setName(node(i)->getName());
+            ASSERT_EQ(KTNODE::findByName(node(i)->getName()), node(i)) << "in round " << round;
+        }
+    }
+}
+
 TEST_F(FindTest, ANameWrittenToTheFieldIsFoundAndTheFormerOneIsNot) {
     EXPECT_EQ(KTNODE::findByName("node 30"), node(30));
     std::strcpy(node(30)->name, "hidden");
