@@ -11,10 +11,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const bool loaded = emitter->load(fileOf(data, size));
     compareVerdict("emitter", data, size, loaded);
     for (int frame = 0; frame < 3; ++frame) draw(emitter, nullptr);
-    KTEMITTER other;
-    other.setNumberOfParticles(600);
-    other.initialize();
-    draw(&other, nullptr);
+    if (size % 16 == 0) {  // takes longer than all the rest
+        KTEMITTER other;
+        other.setNumberOfParticles(600);
+        other.initialize();
+        draw(&other, nullptr);
+    }
     emitter->setNumberOfParticles(3);
     draw(emitter, nullptr);
     finish(size);

@@ -114,7 +114,9 @@ const char *fileOf(const std::uint8_t *data, std::size_t size, unsigned slot) {
         file.file = memfd_create("fuzz", 0);
         file.path = "/proc/self/fd/" + std::to_string(file.file);
     }
-    require(ftruncate(file.file, 0) == 0 && pwrite(file.file, data, size, 0) == static_cast<ssize_t>(size),
+    // In this order the file keeps its memory.
+    require(pwrite(file.file, data, size, 0) == static_cast<ssize_t>(size) &&
+                ftruncate(file.file, static_cast<off_t>(size)) == 0,
             "a file in memory");
     return file.path.c_str();
 }
@@ -158,7 +160,7 @@ void restart() {
 void compareVerdict(const char *kind, const std::uint8_t *data, std::size_t size, bool accepted) {
     if (size % 4) return;
     ProbedVerdict verdict = {};
-    keltra_probe(kind, data, size, &verdict);
+    keltra_probe(kind, data, size, size % 64 == 0, &verdict);
     if (verdict.isGood != accepted)
         std::fprintf(stderr, "fuzz: %s: the engine says %d, keltra-info %s %s\n", kind, accepted,
                      verdict.field, verdict.reason);

@@ -23,7 +23,7 @@ namespace keltra::test {
 inline void expectSameVerdict(const char *kind, const void *bytes, std::size_t size, bool accepted) {
     ProbedVerdict verdict = {};
     // In a thread of its own: the caller's stack may be as small as the device's.
-    std::thread([&] { keltra_probe(kind, bytes, size, &verdict); }).join();
+    std::thread([&] { keltra_probe(kind, bytes, size, true, &verdict); }).join();
     EXPECT_EQ(verdict.isGood, accepted) << kind << ": " << verdict.field << ": " << verdict.reason;
     EXPECT_TRUE(verdict.isPrintable) << "neither the table nor the JSON may hold what is no text";
     if (verdict.isGood) return;

@@ -15,20 +15,24 @@ bool isPlain(const std::string &text) {
                         [](char c) { return (c >= 0 && c < 32 && c != '\n') || c == 127; });
 }
 
+bool isPrintable(const FileReport &report) {
+    const std::string line = verdictLine(report);
+    const std::string json = jsonText({report}, false);
+    return isPlain(table(report)) && isPlain(line) && std::count(line.begin(), line.end(), '\n') == 1 &&
+           isPlain(json) && Fields::accept(json);
+}
+
 }  // namespace
 
-void keltra_probe(const char *kind, const void *bytes, std::size_t size, ProbedVerdict *verdict) {
+void keltra_probe(const char *kind, const void *bytes, std::size_t size, bool prints,
+                  ProbedVerdict *verdict) {
     FileReport report;
     report.file = "file";
     report.inspection = inspect(kindOfName(kind), bytes, size);
     const Inspection &inspection = report.inspection;
-    const std::string line = verdictLine(report);
-    const std::string json = jsonText({report}, false);
     verdict->isGood = inspection.good;
     verdict->offset = inspection.flaw.offset;
     std::snprintf(verdict->field, sizeof verdict->field, "%s", inspection.flaw.field.c_str());
     std::snprintf(verdict->reason, sizeof verdict->reason, "%s", inspection.flaw.reason.c_str());
-    verdict->isPrintable = isPlain(table(report)) && isPlain(line) &&
-                           std::count(line.begin(), line.end(), '\n') == 1 && isPlain(json) &&
-                           Fields::accept(json);
+    verdict->isPrintable = !prints || isPrintable(report);
 }

@@ -12,6 +12,8 @@ struct ProbedVerdict {
     char field[64], reason[160];
 };
 
-extern "C" void keltra_probe(const char *kind, const void *bytes, std::size_t size, ProbedVerdict *verdict);
+// Without `prints`, which takes most of the time, nothing is printed, and `isPrintable` is true.
+extern "C" void keltra_probe(const char *kind, const void *bytes, std::size_t size, bool prints,
+                             ProbedVerdict *verdict);
 
 #endif
