@@ -2,17 +2,21 @@
 # SPDX-License-Identifier: Zlib
 """Changes one operator, constant or condition of the library at a time and runs the tests of that file's room.
 
-    mutate.py BUILD [--sample N] [--first N] [--seed N] [FILE...]
+    mutate.py BUILD [--sample N] [--first N] [--seed N] [--again] [FILE...]
 
 BUILD is a built debug tree, which stays as it is: one object is compiled anew, and the library and the programs that are linked
-to its objects are linked into BUILD/mutants. Of all places in all files a fixed sample is drawn (400, or all of the FILEs); --first
-takes only its beginning. Prints what survives, and the share that is found. Returns 1 when that is below nine tenths."""
+to its objects are linked into BUILD/mutants. Of all places in all files a fixed sample is drawn (400, or all of the FILEs) that
+edits elsewhere leave as it is; --first takes only its beginning. BUILD/mutants/results.txt keeps what came of each change, which
+is then not tried again without --again. Prints what survives, and the share that is found. Returns 1 when that is below nine
+tenths. To be run on a screen: tests/support/with_screen.sh 16 mutate.py ..."""
 
 import argparse
+import collections
+import hashlib
 import json
 import os
-import random
 import re
+import resource
 import shlex
 import subprocess
 import sys
@@ -28,7 +32,9 @@ ROOMS = {
     "gui": ["gui_unit", "gui_draw", "gui_file", "interface", "engine"],
     "engine": ["engine", "core", "scene"],
 }
-LONGEST = 300  # seconds that a test program may take; more is a hang, which is found
+LONGEST = 60  # seconds of processor time that a test program may take; more is a hang, which is found
+MOST_MEMORY = 4 << 30
+SURVIVES, NO_PROGRAM = "SURVIVES", "is no program"
 
 BINARY = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "+": "-", "-": "+", "*": "/", "/": "*", "%": "*",
           "&&": "||", "||": "&&", "+=": "-=", "-=": "+=", "*=": "/=", "<<": ">>", ">>": "<<", "&": "|", "|": "&", "|=": "&=",
@@ -72,6 +78,26 @@ def sites(text):
         yield match.start(), len(token), change
 
 
+def sample(tree, files, seed):
+    """(key, file, site) of every mutation, in an order that depends on each alone: on what its line says, not on where it stands."""
+    places = []
+    for name in files:
+        text, met = tree.text(name), collections.Counter()
+        for site in sites(text):
+            begin = text.rfind("\n", 0, site[0]) + 1
+            line = text[begin:text.find("\n", site[0])]
+            place = f"{seed} {name} {line.strip()} {site[0] - begin - len(line) + len(line.lstrip())} {site[2]}"
+            met[place] += 1
+            key = hashlib.sha256(f"{place} {met[place]}".encode()).hexdigest()[:16]
+            places.append((key, name, site))
+    return sorted(places)
+
+
+def limit():
+    resource.setrlimit(resource.RLIMIT_CPU, (LONGEST, LONGEST))
+    resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY))
+
+
 def closing(code, at):
     depth = 1
     while at < len(code):
@@ -87,10 +113,8 @@ class Tree:
         self.build = os.path.abspath(build)
         self.work = os.path.join(self.build, "mutants")
         os.makedirs(self.work, exist_ok=True)
-        root = os.path.realpath(os.path.join(os.path.dirname(__file__), "../.."))
         with open(os.path.join(self.build, "CMakeCache.txt"), encoding="utf-8") as cache:
             self.source = re.search(r"^CMAKE_HOME_DIRECTORY:INTERNAL=(.*)$", cache.read(), re.M).group(1)
-        self.screen = os.path.join(root, "tests/support/with_screen.sh")
         self.compile, self.objects = {}, {}
         with open(os.path.join(self.build, "compile_commands.json"), encoding="utf-8") as commands:
             for entry in json.load(commands):
@@ -134,6 +158,7 @@ class Tree:
     def linked(self, target, name, mutant):
         out = os.path.join(self.work, os.path.basename(target))
         command = self.link_command(target).replace(self.objects[name], mutant).replace("-o " + target, "-o " + out)
+        command += " -fuse-ld=gold -Wl,--strip-debug"  # in a fifth of the time
         if self.run(["sh", "-c", command]) != 0:
             raise SystemExit("mutate: cannot link " + target)
         return out
@@ -149,7 +174,7 @@ class Runner:
             os.symlink(library[0], soname)
 
     def finds(self, name, mutant):
-        """The test program that fails with the mutant; None when all pass."""
+        """The first test program that fails with the mutant, as a result."""
         library = None
         for test in ROOMS[name.split("/")[0]]:
             program = "bin/" + test + "_test"
@@ -159,14 +184,28 @@ class Runner:
             else:
                 library = library or self.tree.linked(self.library, name, mutant)
                 environment["LD_LIBRARY_PATH"] = self.tree.work + ":" + os.path.join(self.tree.build, "lib")
-                command = [self.tree.screen, "16", os.path.join(self.tree.build, program)]
+                command = [os.path.join(self.tree.build, program)]
             command += ["--gtest_fail_fast", "--gtest_brief=1"]
             try:
-                if self.tree.run(command, env=environment, timeout=LONGEST) != 0:
-                    return test
+                if self.tree.run(command, env=environment, timeout=50 * LONGEST, preexec_fn=limit) != 0:
+                    return "found by " + test
             except subprocess.TimeoutExpired:
-                return test + " (does not end)"
-        return None
+                return "found by " + test + ", which waits"
+        return SURVIVES
+
+
+class Results:
+    """What came of each change, a line for each: its key, the result, and what it was."""
+
+    def __init__(self, path, again):
+        self.path, self.known = path, {}
+        if os.path.exists(path) and not again:
+            with open(path, encoding="utf-8") as file:
+                self.known = {line.split("\t")[0]: line.split("\t")[1] for line in file}
+
+    def add(self, key, result, what):
+        with open(self.path, "a", encoding="utf-8") as file:
+            file.write("\t".join([key, result, " ".join(what.split())]) + "\n")
 
 
 def main():
@@ -175,27 +214,31 @@ def main():
     parser.add_argument("files", nargs="*")
     parser.add_argument("--sample", type=int)
     parser.add_argument("--first", type=int)
-    parser.add_argument("--skip", type=int, default=0)
     parser.add_argument("--seed", type=int, default=20261122)
+    parser.add_argument("--again", action="store_true")
     options = parser.parse_args()
     tree = Tree(options.build)
     files = options.files or tree.files()
-    places = [(name, site) for name in files for site in sites(tree.text(name))]
-    random.Random(options.seed).shuffle(places)
-    places = places[:options.sample or (len(places) if options.files else 400)][options.skip:]
+    places = sample(tree, files, options.seed)
+    places = places[:options.sample or (len(places) if options.files else 400)]
     print(f"mutate: {len(places)} changes in {len(files)} files", flush=True)
-    runner, found, tried = Runner(tree), 0, 0
-    for name, (offset, length, change) in places[:options.first]:
+    runner, results = Runner(tree), Results(os.path.join(tree.work, "results.txt"), options.again)
+    found = tried = 0
+    for key, name, (offset, length, change) in places[:options.first]:
         text = tree.text(name)
-        mutant = tree.compiled(name, text[:offset] + change + text[offset + length:])
-        if mutant is None:
-            continue
         line = text.count("\n", 0, offset) + 1
-        by = runner.finds(name, mutant)
+        what = f"{name}:{line}: {text[offset:offset + length]!r} -> {change!r} in: {text.splitlines()[line - 1].strip()}"
+        result = results.known.get(key)
+        if result is None:
+            mutant = tree.compiled(name, text[:offset] + change + text[offset + length:])
+            result = NO_PROGRAM if mutant is None else runner.finds(name, mutant)
+            results.add(key, result, what)
+        if result == NO_PROGRAM:
+            continue
         tried += 1
-        found += by is not None
-        shown = text.splitlines()[line - 1].strip()
-        print(f"{'found by ' + by if by else 'SURVIVES'}: {name}:{line}: {text[offset:offset + length]!r} -> {change!r} in: {shown}", flush=True)
+        found += result != SURVIVES
+        if result == SURVIVES:
+            print(f"{result}: {what}", flush=True)
     print(f"mutate: {found} of {tried} are found")
     return 0 if tried and found >= 0.9 * tried else 1
 
