@@ -6,7 +6,7 @@ add_library(keltra_internals INTERFACE)
 target_sources(keltra_internals INTERFACE $<TARGET_OBJECTS:keltra>)
 target_include_directories(keltra_internals INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(keltra_internals INTERFACE PkgConfig::SDL PkgConfig::EGL PkgConfig::GLES PkgConfig::TINYXML
-  $<TARGET_NAME_IF_EXISTS:PkgConfig::MPEG2>)
+  $<TARGET_NAME_IF_EXISTS:PkgConfig::MPEG2> $<$<BOOL:${KELTRA_COVERAGE}>:gcov>)
 if(WIN32)
   # What the public headers declare as imported, these programs have themselves.
   set(KELTRA_OWN_IMPORTS ${CMAKE_CURRENT_BINARY_DIR}/own_imports.c)
