@@ -9,7 +9,7 @@ failed=0
 
 compiles() {
     printf '#include <keltra/keltra.h>\n%s\n' "$1" |
-        "$compiler" -std=c++11 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -I "$folder" -x c++ -
+        "$compiler" -std=c++11 -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -fsyntax-only -I "$folder" -x c++ -
 }
 accept() { compiles "$1" || { echo "should compile: $1" >&2; failed=1; }; }
 refuse() { ! compiles "$1" 2>/dev/null || { echo "should be warned of: $1" >&2; failed=1; }; }
