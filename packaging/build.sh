@@ -27,6 +27,11 @@ for library in libkeltra:include/keltra libkeltra-kit:include/keltra/kit; do
 done
 find "keltra-$version" -maxdepth 2 -name keltra-blender.zip -exec mv {} "keltra-blender-$version.zip" \;
 rm -rf "keltra-$version"
+# What desktops read of the installed files.
+dpkg-deb -x keltra-examples_*.deb desktop
+desktop-file-validate desktop/usr/share/applications/*.desktop
+appstreamcli validate --no-net desktop/usr/share/metainfo/*.xml
+rm -rf desktop
 # Only a package that enters the distribution closes a bug.
 lintian --allow-root --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs keltra_*.changes
 wc -c ./*.deb ./*.tar.gz ./*.zip | sed 's/^/package: /'
