@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: Zlib
 # outside.sh WAY CMAKE BUILD SOURCE SCENE
-# Builds a project of somebody else with the library and runs it on a screen. The ways: "installed", "build-folder", "pkg-config"
-# and "subdirectory".
+# Builds a project of somebody else and the README's program with the library and runs both on a screen. The ways: "installed",
+# "build-folder", "pkg-config", "subdirectory" and "fetch".
 set -eu
 way=$1
 cmake=$2
@@ -21,14 +21,19 @@ install_moved() {
     "$cmake" --install "$build" --prefix "$folder/first" --component development >/dev/null
     mv "$folder/first" "$prefix"
 }
-# consume [ARGUMENT...]: configures, builds and runs it.
+# consume [ARGUMENT...]: configures, builds and runs them.
 consume() {
-    if ! { "$cmake" -S "$here/consumer" -B "$folder/build" -DCMAKE_BUILD_TYPE=Debug "$@" &&
+    mkdir "$folder/readme"
+    (cd "$source" && awk -v out="$folder/readme" -v source="$source" -f tests/docs/blocks.awk README.md)
+    if ! { "$cmake" -S "$here/consumer" -B "$folder/build" -DCMAKE_BUILD_TYPE=Debug \
+        -DREADME="$folder/readme/program_README.cpp" "$@" &&
         "$cmake" --build "$folder/build" --parallel 2; } >"$folder/log" 2>&1; then
         cat "$folder/log" >&2
         return 1
     fi
     "$here/../support/with_screen.sh" 16 "$folder/build/consumer" "$scene"
+    "$here/../docs/in_folder.sh" "$(dirname "$scene")" "build/release/examples/data/scene.kte=$(basename "$scene")" -- \
+        "$here/../support/with_screen.sh" 16 "$folder/build/readme"
 }
 
 case $way in
@@ -52,5 +57,9 @@ case $way in
         ;;
     # Unoptimised: only that it builds and links is tested.
     subdirectory) consume -DWAY=subdirectory -DKELTRA_SOURCE="$source" -DCMAKE_CXX_FLAGS_DEBUG=-O0 ;;
+    fetch)
+        tar -C "$source" --exclude=./build --exclude=./.git -czf "$folder/keltra.tar.gz" .
+        consume -DWAY=fetch -DKELTRA_SOURCE="file://$folder/keltra.tar.gz" -DCMAKE_CXX_FLAGS_DEBUG=-O0
+        ;;
     *) echo "outside.sh: no way $way" >&2; exit 1 ;;
 esac
