@@ -219,6 +219,17 @@ def manual_pages():
     )
 
 
+def document_pages():
+    """The documents, whose links to sources of examples and to manual pages lead to the pages of these."""
+    (source / "docs").mkdir()
+    for path in (project / "docs").iterdir():
+        if path.suffix != ".md":
+            (source / "docs" / path.name).symlink_to(path)
+            continue
+        text = re.sub(r"\]\(\.\./examples/(\w+)/main\.cpp\)", r"](../examples/\1.md)", path.read_text())
+        write(f"docs/{path.name}", re.sub(r"\]\(man/([a-z-]+\.[1-8])\)", r"](../manual/\1.md)", text).rstrip("\n"))
+
+
 def format_pages():
     names = [f"docs/formats/{page.stem}" for page in sorted(project.glob("docs/formats/*.md"))]
     write(
@@ -233,8 +244,9 @@ def format_pages():
 def main():
     shutil.rmtree(source, ignore_errors=True)
     source.mkdir(parents=True)
-    for name in ("README.md", "CHANGELOG.md", "SECURITY.md", "CONTRIBUTING.md", "LICENSE", "include", "docs"):
+    for name in ("README.md", "CHANGELOG.md", "SECURITY.md", "CONTRIBUTING.md", "LICENSE", "include"):
         (source / name).symlink_to(project / name)
+    document_pages()
     classes = described_classes()
     example_pages(classes)
     (source / "games").symlink_to(project / "games")

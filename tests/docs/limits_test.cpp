@@ -128,7 +128,7 @@ TEST(LimitsTest, TheTableOfLimitsIsThatOfTheEngine) {
         {"interface and emitter files", xml},
         {"objects of an interface file", number(kGuiObjects)},
     };
-    const auto rows = readDocument("docs/conventions.md").table("## Limits");
+    const auto rows = readDocument("docs/limits.md").table("# Limits");
     EXPECT_EQ(rows.size(), limits.size());
     for (const auto &row : rows) {
         ASSERT_TRUE(limits.count(row[0])) << row[0];

@@ -17,6 +17,7 @@ extern KTNODE *scene, *world, *panel, *figure, *door;
 extern KTMESH *skin;
 extern KTCAMERA *camera;
 extern KTWINDOW *journal;
+extern KTEMITTER *sparks;
 extern KTBUTTON *closeButton;
 
 // Its input of this frame, and what it remembers.
