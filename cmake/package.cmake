@@ -28,21 +28,21 @@ endif()
 include(CMakePackageConfigHelpers)
 set(KELTRA_CMAKE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/keltra)
 
-install(TARGETS keltra keltra_kit EXPORT keltra
-  RUNTIME COMPONENT runtime
-  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
-  ARCHIVE COMPONENT development)
+# What has not been built is left out. The kit has an export of its own, so that the library is found without it.
+foreach(library keltra keltra_kit)
+  install(TARGETS ${library} EXPORT ${library}
+    RUNTIME COMPONENT runtime OPTIONAL
+    LIBRARY COMPONENT runtime OPTIONAL NAMELINK_COMPONENT development
+    ARCHIVE COMPONENT development OPTIONAL)
+endforeach()
 install(DIRECTORY include/keltra DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(EXPORT keltra NAMESPACE keltra:: FILE keltra-library.cmake DESTINATION ${KELTRA_CMAKE_FOLDER} COMPONENT development)
+install(EXPORT keltra_kit NAMESPACE keltra:: FILE keltra-kit.cmake DESTINATION ${KELTRA_CMAKE_FOLDER} COMPONENT development)
 export(EXPORT keltra NAMESPACE keltra:: FILE ${PROJECT_BINARY_DIR}/keltra-library.cmake)
-
-if(KELTRA_TOOLS)
-  export(EXPORT keltra-tools NAMESPACE keltra:: FILE ${PROJECT_BINARY_DIR}/keltra-tools.cmake)
-  install(EXPORT keltra-tools NAMESPACE keltra:: FILE keltra-tools.cmake DESTINATION ${KELTRA_CMAKE_FOLDER} COMPONENT tools)
-endif()
+export(EXPORT keltra_kit NAMESPACE keltra:: FILE ${PROJECT_BINARY_DIR}/keltra-kit.cmake)
 
 configure_package_config_file(cmake/keltra-config.cmake.in ${PROJECT_BINARY_DIR}/keltra-config.cmake
-  INSTALL_DESTINATION ${KELTRA_CMAKE_FOLDER} NO_SET_AND_CHECK_MACRO)
+  INSTALL_DESTINATION ${KELTRA_CMAKE_FOLDER} PATH_VARS CMAKE_INSTALL_BINDIR NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/keltra-config-version.cmake COMPATIBILITY SameMajorVersion)
 configure_file(cmake/keltra-assets.cmake ${PROJECT_BINARY_DIR}/keltra-assets.cmake COPYONLY)
 install(FILES ${PROJECT_BINARY_DIR}/keltra-config.cmake ${PROJECT_BINARY_DIR}/keltra-config-version.cmake cmake/keltra-assets.cmake
