@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: Zlib
 """check.py SITE AXE [SHOTS]: whether every link and anchor of the pages in SITE resolves, and, in a browser that opens them from
 the folder: whether they load without errors and without asking for another machine, fit screens of 360 and 1,280 pixels, pass AXE
-(axe.min.js), in light on the narrow screen and in dark on the wide one, and whether the search finds what it should. SHOTS: a folder for pictures of some of the pages."""
+(axe.min.js), in light on the narrow screen and in dark on the wide one, and whether the search finds what it should. SHOTS: a
+folder for pictures of some of the pages."""
 import html.parser
 import json
 import pathlib
@@ -11,6 +12,7 @@ import time
 import urllib.parse
 
 from selenium import webdriver
+from selenium.common.exceptions import WebDriverException
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 
@@ -60,8 +62,9 @@ def check_links(site):
 
 def open_browser():
     options = webdriver.ChromeOptions()
-    for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--allow-file-access-from-files=false",
-                     "--host-resolver-rules=MAP * ~NOTFOUND"):  # fmt: skip
+    # A container's /dev/shm is too small for large pages.
+    for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
+                     "--allow-file-access-from-files=false", "--host-resolver-rules=MAP * ~NOTFOUND"):  # fmt: skip
         options.add_argument(argument)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
     browser = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
@@ -124,23 +127,39 @@ def accessibility(browser, axe, whole):
     return [f"{entry['id']}: {[node['html'][:100] for node in entry['nodes'][:3]]}" for entry in serious], minor
 
 
-def check_pages(browser, site, pages, axe):
-    faults, minor, runs = [], set(), 0
-    for path in pages:
+def check_page(browser, path, name, width, axe, whole):
+    """The faults of a page on a screen, and the names of the rules of less weight that it breaks."""
+    dark = width > 500
+    set_width(browser, width)
+    set_dark(browser, dark)
+    browser.get(path.as_uri())
+    faults = [f"{name}: {fault}" for fault in errors(browser)]
+    wide = overflow(browser)
+    if wide:
+        faults.append(f"{name}: at {width} too wide: {wide}")
+    serious, lesser = accessibility(browser, axe, whole)
+    return faults + [f"{name}: at {width}, {'dark' if dark else 'light'}: {fault}" for fault in serious], lesser
+
+
+def check_pages(site, pages, axe):
+    """A browser that ends by itself is replaced, and the page is tried again, once."""
+    faults, minor, browser = [], set(), open_browser()
+    for path, width in ((path, width) for path in pages for width in WIDTHS):
         name = str(path.relative_to(site))
-        for width in WIDTHS:
-            dark = width > 500
-            set_width(browser, width)
-            set_dark(browser, dark)
-            browser.get(path.as_uri())
-            faults += [f"{name}: {fault}" for fault in errors(browser)]
-            wide = overflow(browser)
-            if wide:
-                faults.append(f"{name}: at {width} too wide: {wide}")
-            serious, lesser = accessibility(browser, axe, path in pages[:12])
-            faults += [f"{name}: at {width}, {'dark' if dark else 'light'}: {fault}" for fault in serious]
-            minor |= lesser
-            runs += 1
+        for left in (1, 0):
+            try:
+                found, lesser = check_page(browser, path, name, width, axe, path in pages[:12])
+                faults += found
+                minor |= lesser
+                break
+            except WebDriverException as error:
+                print(f"site: {name}: at {width}: the browser ends: {error.msg}", flush=True)
+                if not left:
+                    faults.append(f"{name}: at {width}: the browser ends, twice")
+                browser.quit()
+                browser = open_browser()
+    browser.quit()
+    runs = len(pages) * len(WIDTHS)
     print(f"site: {len(pages)} pages loaded at {' and '.join(map(str, WIDTHS))} pixels; axe run {runs} times; "
           f"rules of less weight broken: {', '.join(sorted(minor)) or 'none'}")  # fmt: skip
     return faults
@@ -178,9 +197,9 @@ def main():
     site = pathlib.Path(sys.argv[1]).resolve()
     axe = pathlib.Path(sys.argv[2]).read_text()
     pages, faults = check_links(site)
+    faults += check_pages(site, pages, axe)
     browser = open_browser()
     try:
-        faults += check_pages(browser, site, pages, axe)
         faults += check_search(browser, site)
         if len(sys.argv) > 3:
             take_shots(browser, site, pathlib.Path(sys.argv[3]))
