@@ -11,6 +11,8 @@ namespace {
 
 constexpr float kShortestFrame = 1.0f / 30.0f;
 constexpr float kGlide = 1.6f, kIntroduction = 5.0f;
+constexpr float kTapTime = 0.25f;  // a pen that is held longer leads
+constexpr float kPenReach = 0.4f;  // units from the boy; he stands below it
 const char *const kNumbers[kEvenings] = {"First", "Second", "Third"};
 
 // Buttons of the pages, in the order in which they are loaded.
@@ -75,6 +77,7 @@ void Game::show(Screen next) {
     screenTime = 0.0f;
     reported = 0;
     hasTap = false;
+    penTime = 0.0f;
     clock.setPaused(next == Screen::kPause);
     world.showSky(next != Screen::kFilm);
     title.setEnabled(kContinue, saved.isBegun());
@@ -89,6 +92,7 @@ void Game::startEvening(int evening) {
     std::snprintf(text, sizeof text, "%s evening: light %d lanterns", kNumbers[walk.getEveningNumber()],
                   walk.getEvening().lanterns);
     hud.say(text, kIntroduction);
+    isHintDue = evening == 0;
     show(Screen::kWalk);
 }
 
@@ -144,7 +148,7 @@ void Game::update(float seconds, float realSeconds) {
             updateTitle(pressed);
             break;
         case Screen::kWalk:
-            updateWalk(seconds);
+            updateWalk(seconds, realSeconds);
             break;
         case Screen::kPause:
             updatePause(pressed);
@@ -179,16 +183,21 @@ void Game::updateTitle(int pressed) {
     if (pressed == kQuit || input.wasPressed(static_cast<unsigned>(pauseAction))) over = true;
 }
 
-void Game::updateWalk(float seconds) {
+void Game::updateWalk(float seconds, float realSeconds) {
     if (hud.isPauseReported(reported) || input.wasPressed(static_cast<unsigned>(pauseAction)) ||
         input.wasPressed(KT_ACTION_THIRD)) {
         hud.update(walk, 0.0f);
         return show(Screen::kPause);
     }
-    steer();
+    if (isHintDue && screenTime > kIntroduction) {
+        hud.say("He goes where the pen is held", kIntroduction);
+        isHintDue = false;
+    }
+    const bool isLed = followPen(realSeconds);
+    if (!isLed) steer();
     if (input.wasPressed(KT_ACTION_FIRST)) walk.act();
     if (input.wasPressed(KT_ACTION_SECOND)) walk.chase(-1);
-    if (input.hasTapped()) {  // picked in the frame that is drawn next
+    if (input.hasTapped() && !isLed) {  // picked in the frame that is drawn next
         hasTap = true;
         tap = input.getPoint();
         ringTime = kRingTime;
@@ -205,6 +214,20 @@ void Game::steer() {
     const float z =
         static_cast<float>(input.isHeld(KT_ACTION_DOWN)) - static_cast<float>(input.isHeld(KT_ACTION_UP));
     walk.steer(x, z);
+}
+
+// He follows the pen while it is held or drawn over the ground; beyond the horizon it means north. True in
+// the frame in which it is lifted, too: that is no tap.
+bool Game::followPen(float seconds) {
+    const bool isLed = penTime > kTapTime || input.isDragging();
+    penTime = input.isOnScene() ? std::fmax(penTime, input.isDragging() ? kTapTime : 0.0f) + seconds : 0.0f;
+    if (!isLed || !input.isOnScene()) return isLed;
+    tap = input.getPoint();
+    ringTime = kRingTime;
+    Place place, at = walk.getPlace();
+    if (!world.toGround(tap, &place)) place = {at.x, kNorthEnd};
+    if (distance(place, at) > kPenReach) walk.steer(place.x - at.x, place.z - at.z);
+    return true;
 }
 
 void Game::takeEvents() {

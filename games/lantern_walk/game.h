@@ -59,17 +59,19 @@ class Game {
 
     void update(float seconds, float realSeconds);
     void updateTitle(int pressed);
-    void updateWalk(float seconds);
+    void updateWalk(float seconds, float realSeconds);
     void updatePause(int pressed);
     void updateWon(int pressed);
     void updateLost(int pressed);
     void steer();
+    bool followPen(float seconds);
     void finish(Phase phase);
     void takeEvents();
     void writeWon();
     bool draw();
     void drawPages();
     int findDarkLantern() const;
+    int findMoth() const;
     void pick();
 
     GameOptions options;
@@ -85,9 +87,10 @@ class Game {
     KTBOX *ring = nullptr;
     Screen screen = Screen::kTitle;
     float screenTime = 0.0f, ringTime = 0.0f;
+    float penTime = 0.0f;  // since it was put on the scene
     unsigned reported = 0;
     int pauseAction = -1;
-    bool over = false, hasTap = false;
+    bool over = false, hasTap = false, isHintDue = false;
     R3XVECTOR2D tap;
 };
 

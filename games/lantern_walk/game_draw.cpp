@@ -9,7 +9,25 @@
 namespace lantern_walk {
 namespace {
 
-constexpr float kTapRadius = 16.0f;  // pixels
+constexpr float kTapRadius = 16.0f, kMothRadius = 22.0f;  // pixels; moths are small, and fly on
+constexpr float kBeyond = 6.0f;  // units behind the wall; a tap on the sky sends him nowhere
+
+// The nearest of the things that are shown within so many pixels of a point; -1 for none. `findPlace` is
+// false for those that do not count.
+template <class Places>
+int findShown(const KTVIEW &view, R3XVECTOR2D tap, int count, float within, const Places &findPlace) {
+    int nearest = -1;
+    for (int i = 0; i < count; ++i) {
+        R3XVECTOR3D place;
+        R3XVECTOR2D point;
+        if (!findPlace(i, &place) || !view.toScreen(place, &point)) continue;
+        const float away = (point - tap).length();
+        if (away >= within) continue;
+        within = away;
+        nearest = i;
+    }
+    return nearest;
+}
 
 }  // namespace
 
@@ -42,17 +60,19 @@ void Game::drawPages() {
 // A dark lantern that is shown near the tap, though something may be before it: the halo of a lit one is
 // large. -1 for none.
 int Game::findDarkLantern() const {
-    int nearest = -1;
-    float within = kTapRadius;
-    for (int i = 0; i < walk.getEvening().lanterns; ++i) {
-        R3XVECTOR2D point;
-        if (walk.getLantern(i).isLit || !world.getView().toScreen(world.getLanternPlace(i), &point)) continue;
-        const float away = (point - tap).length();
-        if (away >= within) continue;
-        within = away;
-        nearest = i;
-    }
-    return nearest;
+    return findShown(world.getView(), tap, walk.getEvening().lanterns, kTapRadius,
+                     [this](int i, R3XVECTOR3D *place) {
+                         *place = world.getLanternPlace(i);
+                         return !walk.getLantern(i).isLit;
+                     });
+}
+
+int Game::findMoth() const {
+    const Moths &moths = walk.getMoths();
+    return findShown(world.getView(), tap, moths.getCount(), kMothRadius, [&](int i, R3XVECTOR3D *place) {
+        *place = world.getMothPlace(i);
+        return moths.get(i).mood == MothMood::kComing || moths.get(i).mood == MothMood::kCircling;
+    });
 }
 
 // What was tapped, in what was just drawn: a moth, a lantern, the well; otherwise the ground. Lit lanterns
@@ -65,14 +85,17 @@ void Game::pick() {
                             : -1;
     const bool isDark = lantern >= 0 && !walk.getLantern(lantern).isLit;
     const int dark = isDark ? lantern : findDarkLantern();
+    const int moth =
+        code >= kMothCode && code < kMothCode + kMostMoths ? static_cast<int>(code - kMothCode) : findMoth();
     Place place;
-    if (code >= kMothCode && code < kMothCode + kMostMoths) {
-        walk.chase(static_cast<int>(code - kMothCode));
+    const bool isGround = world.toGround(tap, &place);
+    if (moth >= 0) {
+        walk.chase(moth);
     } else if (isDark || (dark >= 0 && code != kWellCode)) {
         walk.goToLantern(dark);
-    } else if (code == kWellCode) {
+    } else if (code == kWellCode || (isGround && distance(place, kWell) < kWellRadius)) {
         walk.goToWell();
-    } else if (world.toGround(tap, &place)) {
+    } else if (isGround && place.z > kNorthEnd - kBeyond) {
         walk.goTo(place);
     }
 }

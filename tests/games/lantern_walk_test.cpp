@@ -24,8 +24,9 @@ using lantern_walk::Player;
 using lantern_walk::Screen;
 
 constexpr float kStep = 0.1f;
-constexpr int kMostFrames = 3000;
+constexpr int kMostFrames = 6000;
 constexpr int kMostTriangles = 3000;
+constexpr int kMostSkinned = 20000;  // vertices times their influences
 constexpr unsigned kMostTexture = 8u << 20;
 constexpr std::size_t kMostMemory = 4u << 20;  // beside them
 constexpr Tolerance kTolerance = {48, 0.35};
@@ -159,10 +160,9 @@ class LanternWalkTest : public EngineTest {
         ASSERT_EQ(game->getScreen(), Screen::kWalk);
         while (game->getScreenTime() < 4.0f) frame();
     }
-    /// All evenings, with what `means` says; seconds from the title to the last page, those of the
-    /// evenings in `evenings`.
-    float finishWith(Means means, float *evenings) {
-        player = Player(means);
+    /// All evenings; seconds from the beginning to the last page, those of the evenings in `evenings`.
+    float finishWith(const Player &somebody, float *evenings) {
+        player = somebody;
         *evenings = 0.0f;
         if (!game->start(options)) return 0.0f;
         float seconds = 0.0f;
@@ -213,6 +213,27 @@ TEST_F(LanternWalkTest, ThePlayerFinishesThreeEvenings) {
                 most.scene, most.all - most.scene, mostTexture, player.getTaps(), player.getKeys());
 }
 
+// Whatever is in view: all that was loaded, while sparks burst from a lantern.
+TEST_F(LanternWalkTest, TheWholeGardenIsWithinTheMeans) {
+    ASSERT_TRUE(game->start(options));
+    ASSERT_TRUE(playUntil([this] { return game->getWalk().countLit() == 1; }));
+    int triangles = 0, skinned = 0, corners = 0;
+    for (KTNODE *node = KTNODE::getFirstNode(); node != nullptr; node = node->getNextNode()) {
+        if (node->isOfClass(KT_EMITTER))
+            corners += 4 * static_cast<KTEMITTER *>(node)->getNumberOfParticles();
+        if (!node->isOfClass(KT_MESH)) continue;
+        const KTMESH *const mesh = static_cast<KTMESH *>(node);
+        triangles += static_cast<int>(mesh->getNumberOfFaces());
+        skinned += static_cast<int>(mesh->getNumberOfVertices() * mesh->numberOfInfluences);
+    }
+    std::printf("%d triangles of meshes, %d of particles; %d skinned vertices, times influences\n", triangles,
+                corners / 3, skinned);
+    EXPECT_GT(corners, 40);
+    EXPECT_LE(triangles + corners / 3, kMostTriangles);
+    EXPECT_GT(skinned, 0);
+    EXPECT_LE(skinned, kMostSkinned);
+}
+
 TEST_F(LanternWalkTest, TheThirdEvening) {
     lantern_walk::Snapshot walk;
     walk.evening = 2;
@@ -237,18 +258,64 @@ TEST_F(LanternWalkTest, AMothAtALantern) {
     expectMoment("moth");
 }
 
-// The player knows where all is, and reads nothing: others take longer.
-TEST_F(LanternWalkTest, ThePenAloneWinsAnEvening) {
-    player = Player(Means::kPen);
-    ASSERT_TRUE(game->start(options));
-    EXPECT_TRUE(playUntil([this] { return game->getScreen() == Screen::kWon; }));
-    EXPECT_GT(player.getTaps(), 6);
+// These know where all is, and read nothing: others take longer.
+TEST_F(LanternWalkTest, ThePenAloneFinishesIt) {
+    float evenings = 0.0f;
+    EXPECT_GT(finishWith(Player(Means::kPen), &evenings), 60.0f);
     EXPECT_EQ(player.getKeys(), 0);
+}
+
+TEST_F(LanternWalkTest, ANewcomerTakesFiveToTenMinutes) {
+    float evenings = 0.0f;
+    options.isFilmShown = true;
+    const float seconds = finishWith(Player::newcomer(), &evenings);
+    EXPECT_GT(seconds, 300.0f);
+    EXPECT_LT(seconds, 600.0f);
+}
+
+TEST_F(LanternWalkTest, APenThatIsHeldLeadsAndTapsNothing) {
+    lantern_walk::Snapshot walk;
+    walk.evening = 1;
+    walk.left = 100.0f;
+    walk.oil = 0.9f;
+    walk.at = {0.6f, 1.6f};
+    resume(walk);
+    const auto hold = [](KTINPUT *input) { input->putPen(120, 285, true); };
+    for (int i = 0; i < 15; ++i) frame(false, hold);
+    EXPECT_GT(game->getWalk().getPlace().z, 3.0f) << "toward the viewer";
+    EXPECT_FALSE(game->getWalk().hasGoal());
+    frame(false, [](KTINPUT *input) { input->putPen(120, 285, false); });
+    for (int i = 0; i < 3; ++i) frame();
+    EXPECT_FALSE(game->getWalk().hasGoal());
+    const float z = game->getWalk().getPlace().z;
+    for (int i = 0; i < 10; ++i) frame();
+    EXPECT_NEAR(game->getWalk().getPlace().z, z, 0.01f) << "he stands";
+}
+
+TEST_F(LanternWalkTest, TheWellIsTappedFromBehindToo) {
+    lantern_walk::Snapshot walk;
+    walk.evening = 1;
+    walk.left = 100.0f;
+    walk.oil = 0.1f;
+    walk.at = {5.1f, -4.5f};
+    resume(walk);
+    R3XVECTOR2D point;
+    const R3XVECTOR3D edge(lantern_walk::kWell.x, 0.0f, lantern_walk::kWell.z - 1.5f);
+    ASSERT_TRUE(game->getWorld().getView().toScreen(edge, &point));
+    const auto tap = [&](bool isDown) {
+        frame(false, [&](KTINPUT *input) {
+            input->putPen(static_cast<int>(point.x), static_cast<int>(point.y), isDown);
+        });
+    };
+    tap(true);
+    tap(false);
+    for (int i = 0; i < 20; ++i) frame();
+    EXPECT_GT(game->getWalk().getOil(), 0.9f);
 }
 
 TEST_F(LanternWalkTest, TheKeysAloneFinishIt) {
     float evenings = 0.0f;
-    EXPECT_GT(finishWith(Means::kKeys, &evenings), 60.0f);
+    EXPECT_GT(finishWith(Player(Means::kKeys), &evenings), 60.0f);
     EXPECT_GT(evenings, 60.0f);
     EXPECT_EQ(player.getTaps(), 0);
 }
@@ -256,7 +323,7 @@ TEST_F(LanternWalkTest, TheKeysAloneFinishIt) {
 TEST_F(LanternWalkTest, InLandscapeItIsFinishedToo) {
     KTSETTINGS::landscape = true;
     float evenings = 0.0f;
-    EXPECT_GT(finishWith(Means::kBoth, &evenings), 60.0f);
+    EXPECT_GT(finishWith(Player(), &evenings), 60.0f);
     EXPECT_LE(most.scene, kMostTriangles);
 }
 

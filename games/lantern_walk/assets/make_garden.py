@@ -159,8 +159,8 @@ def add_green(model, root, chance):
               (-12.8, 1.5, 7.4), (12.8, 3, 8.0)]
     for i, (x, z, height) in enumerate(places):
         cypress = Mesh(tree)
-        cypress.turned(3, [(0.6, 0.0, 1.6), (1.1, 0.22 * height, 1.1), (0.0, height, 0.0)],
-                       sweep=(-100, 100), across=1.5)
+        profile = [(0.6, 0.0, 1.6), (1.1, 0.22 * height, 1.1), (0.0, height, 0.0)]
+        cypress.turned(3, profile[1 if z < -15 else 0:], sweep=(-100, 100), across=1.5)  # the wall hides what is lower
         model.node("cypress%d" % (i + 1), cypress, (x, 0, z), root)
     rock = model.material("rock", (0.55, 0.52, 0.62), "paving", ambient=(0.62, 0.60, 0.74))
     for i, (x, z, size) in enumerate([(-5.6, 8.4, 0.8), (6.8, 5.2, 1.0), (-7.6, -2.2, 1.2), (8.0, -6.4, 0.9), (-4.4, -11.2, 1.0), (2.9, -6.6, 0.6)]):

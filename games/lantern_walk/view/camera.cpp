@@ -10,6 +10,7 @@ namespace {
 const R3XVECTOR3D kBehind(0.0f, 5.6f, 10.6f), kAhead(0.0f, 2.5f, -3.5f);
 constexpr float kCatchUp = 3.0f;  // about so much of the way a second, times
 constexpr float kSide = 0.72f;    // of the boy's way to the sides: the path stays in view
+constexpr float kBack = 2.0f;     // units that it draws back, so that the way south is in view
 constexpr float kDegrees = 57.29578f;
 
 }  // namespace
@@ -35,8 +36,8 @@ Eye::Aim Eye::aimAtTitle(R3XVECTOR3D boy, float time) {
     return aim;
 }
 
-void Eye::update(R3XVECTOR3D boy, float seconds, float time) {
-    const R3XVECTOR3D base(kSide * boy.x, 0.0f, std::max(boy.z, -11.0f));
+void Eye::update(R3XVECTOR3D boy, float south, float seconds, float time) {
+    const R3XVECTOR3D base(kSide * boy.x, 0.0f, std::max(boy.z, -11.0f) + kBack * south);
     const float part = isPlaced ? 1.0f - std::exp(-kCatchUp * seconds) : 1.0f;
     isPlaced = true;
     followed.eye = followed.eye.lerp(base + kBehind, part);

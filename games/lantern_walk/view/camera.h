@@ -17,7 +17,8 @@ class Eye {
     void follow(float seconds);
     /// Before the boy, who stands at that place.
     void showTitle(float seconds);
-    void update(R3XVECTOR3D boy, float seconds, float time);
+    /// `south`: how much of his way leads toward the viewer, 0 to 1.
+    void update(R3XVECTOR3D boy, float south, float seconds, float time);
     KTCAMERA *getCamera() { return &camera; }
     /// Degrees about y, by which flat things face the viewer.
     float getAzimuth() const { return azimuth; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include "games/lantern_walk/view/world.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "games/lantern_walk/view/nodes.h"
@@ -131,7 +132,9 @@ void World::update(const Walk *walk, float seconds) {
     boy.update(seconds, time, azimuth);
     water->setRotation(0.0f, 14.0f * time, 0.0f);
     if (sparkling > 0.0f && (sparkling -= seconds) <= 0.0f) sparks->setNumberOfParticles(0);
-    eye.update(boy.getPlace(), seconds, time);
+    const bool isGoing = walk && walk->getSpeed() > 0.0f;
+    const float south = isGoing ? std::max(0.0f, std::cos(walk->getHeading() / 57.29578f)) : 0.0f;
+    eye.update(boy.getPlace(), south, seconds, time);
 }
 
 // The light goes while the dusk passes: 0 at first, 1 at its end.
