@@ -27,11 +27,11 @@ struct ExampleFile {
 inline std::vector<ExampleFile> exampleFiles(const std::string &beginning, const std::string &ending) {
     std::vector<ExampleFile> files;
     for (const auto &entry : std::filesystem::directory_iterator(KELTRA_EXAMPLE_DATA)) {
-        const std::string name = entry.path().filename();
+        const std::string name = entry.path().filename().string();
         if (name.size() < ending.size() || name.compare(0, beginning.size(), beginning) != 0 ||
             name.compare(name.size() - ending.size(), ending.size(), ending) != 0)
             continue;
-        files.push_back({name, readFile(entry.path())});
+        files.push_back({name, readFile(entry.path().string())});
     }
     std::sort(files.begin(), files.end(),
               [](const ExampleFile &a, const ExampleFile &b) { return a.name < b.name; });
