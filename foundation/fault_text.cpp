@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Zlib
 #include "foundation/fault.h"
 
-#include <array>
+#include "foundation/packed_text.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -9,87 +10,63 @@
 namespace keltra {
 namespace {
 
-// The parts, names and texts of foundation/fault_texts.h, one behind the other, each with its zero. A byte
-// from 128 on stands for a part.
-constexpr unsigned char kFirstPart = 128;
-constexpr std::size_t kParts = countOf(kFaultParts), kCalls = countOf(kFaultCalls),
-                      kTexts = kFaultTexts ? countOf(kFaultTextList) : 0;
-static_assert(kParts <= 128, "a part is a byte");
+// The names and texts of foundation/fault_texts.h.
+constexpr std::size_t kCalls = countOf(kFaultCalls), kTexts = kFaultTexts ? countOf(kFaultTextList) : 0;
 
-// For each first character the parts that begin with it, longest first, as kFaultParts has them.
-struct PartIndex {
-    unsigned char first[128], behind[128];
+constexpr const char *textAt(std::size_t number) {
+    return number < kCalls ? kFaultCalls[number] : kFaultTextList[number - kCalls];
+}
+
+constexpr std::size_t sizeOfTexts() {
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < kCalls + kTexts; ++i) size += sharedLength(textAt(i), textAt(i)) + 1;
+    return size;
+}
+constexpr std::size_t kTextSize = sizeOfTexts();
+
+struct Packing {
+    unsigned char bytes[kTextSize];
+    std::size_t size;
 };
 
-constexpr PartIndex indexOfParts() {
-    PartIndex index = {};
-    for (std::size_t i = 0; i < kParts; ++i) {
-        const std::size_t c = static_cast<unsigned char>(*kFaultParts[i]);
-        if (index.behind[c] == 0) index.first[c] = static_cast<unsigned char>(i);
-        index.behind[c] = static_cast<unsigned char>(i + 1);
+constexpr Packing packTexts() {
+    Packing packing = {};
+    PackedText<kTextSize> text;
+    PackedWriter writer(packing.bytes);
+    std::size_t number = 0;
+    for (std::size_t i = 0; i < kCalls + kTexts; ++i) {
+        const char *c = textAt(i);
+        do text.take(number++, writer, *c);
+        while (*c++);
     }
-    return index;
-}
-constexpr PartIndex kPartIndex = indexOfParts();
-
-// Packs the text behind `used` bytes and returns how many are used then. Null counts only. A part may hold
-// others.
-constexpr std::size_t pack(const char *text, bool isPart, unsigned char *packed, std::size_t used) {
-    const char *const begin = text;
-    while (*text) {
-        const std::size_t c = static_cast<unsigned char>(*text);
-        unsigned char byte = static_cast<unsigned char>(c);
-        std::size_t length = 1;
-        for (std::size_t i = kPartIndex.first[c]; i < kPartIndex.behind[c]; ++i) {
-            const std::size_t shared = sharedLength(kFaultParts[i], text);
-            const bool isItself = isPart && text == begin && !text[shared];
-            if (kFaultParts[i][shared] || isItself) continue;
-            byte = static_cast<unsigned char>(kFirstPart + i);
-            length = shared;
-            break;
-        }
-        if (packed) packed[used] = byte;
-        ++used;
-        text += length;
-    }
-    if (packed) packed[used] = 0;
-    return used + 1;
+    packing.size = writer.finish();
+    return packing;
 }
 
-constexpr std::size_t packAll(unsigned char *packed) {
-    std::size_t used = 0;
-    for (std::size_t i = 0; i < kParts; ++i) used = pack(kFaultParts[i], true, packed, used);
-    for (std::size_t i = 0; i < kCalls; ++i) used = pack(kFaultCalls[i], false, packed, used);
-    for (std::size_t i = 0; i < kTexts; ++i) used = pack(kFaultTextList[i], false, packed, used);
-    return used;
-}
+constexpr Packing kPacking = packTexts();
 
 struct Packed {
-    unsigned char bytes[packAll(nullptr)];
+    unsigned char bytes[kPacking.size];
 };
 
-constexpr Packed packed() {
-    Packed result = {};
-    packAll(result.bytes);
-    return result;
+constexpr Packed firstOf(const Packing &packing) {
+    Packed packed = {};
+    for (std::size_t i = 0; i < packing.size; ++i) packed.bytes[i] = packing.bytes[i];
+    return packed;
 }
-constexpr Packed kPacked = packed();
+constexpr Packed kPacked = firstOf(kPacking);
 
-// Writes entry `number` of what is packed, without a zero, and returns the end.
-char *unpack(char *target, std::size_t number) {
-    const unsigned char *byte = kPacked.bytes;
-    while (number)
-        if (!*byte++) --number;
-    for (; *byte; ++byte)
-        if (*byte < kFirstPart)
-            *target++ = static_cast<char>(*byte);
-        else
-            target = unpack(target, *byte - kFirstPart);
-    return target;
-}
-
-void unpackText(char (&target)[96], FaultText text) {
-    *(kFaultTexts ? unpack(target, kParts + kCalls + static_cast<std::size_t>(text)) : target) = '\0';
+// Text `number` of both lists. The first call unpacks them.
+const char *unpacked(std::size_t number) {
+    static PackedText<kTextSize> texts;
+    const bool isUnpacked = texts.begin()[1];  // the first text is empty
+    if (!isUnpacked) {
+        PackedReader reader(kPacked.bytes);
+        for (std::size_t i = 0; i < kTextSize; ++i) texts.take(i, reader);
+    }
+    const char *text = texts.begin();
+    for (; number; --number) text += std::strlen(text) + 1;
+    return text;
 }
 
 // What comes before the text of the code.
@@ -146,20 +123,14 @@ void setFaultPath(char (&target)[256], const char *path) {
 }
 
 void writeFaultText(char (&target)[96], FaultText text, ...) {
-    char format[96];
-    unpackText(format, text);
+    if (!kFaultTexts) return;
     std::va_list arguments;
     va_start(arguments, text);
-    std::vsnprintf(target, sizeof target, format, arguments);
+    std::vsnprintf(target, sizeof target, unpacked(kCalls + static_cast<std::size_t>(text)), arguments);
     va_end(arguments);
 }
 
-const char *faultCallName(FaultCall call) {
-    static char names[kCalls][32];
-    char(&name)[32] = names[static_cast<std::size_t>(call)];
-    if (!*name) *unpack(name, kParts + static_cast<std::size_t>(call)) = '\0';
-    return name;
-}
+const char *faultCallName(FaultCall call) { return unpacked(static_cast<std::size_t>(call)); }
 
 unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size) {
     char place[32] = "", needLine[32] = "", code[16], pattern[160];
@@ -172,7 +143,7 @@ unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size) {
         std::snprintf(code, sizeof code, "%d", fault.code);
         std::strcpy(body, kCodeOnly);
     } else if (fault.code <= KT_FAULT_START) {
-        *unpack(body, kParts + kCalls + fault.code) = '\0';
+        std::strcpy(body, unpacked(kCalls + fault.code));
     }
     const bool hasFile = *fault.file, hasPlace = *place;
     const Pieces pieces = {{fault.call ? fault.call : "", fault.file, hasFile && hasPlace ? ", " : "", place,

@@ -196,52 +196,6 @@ constexpr const char *const kFaultTextList[] = {
     "vertex index out of range", "vertex normals", "vertices", "weights", "which", "width",
     "window and GL context"};
 
-// What occurs often in these, sorted by the first character, and longer ones before shorter ones. Each makes
-// the library smaller.
-constexpr const char *const kFaultParts[] = {" or ",       "$e]",         "$g",
-                                             "%ld ",       "255 charact", "::set",
-                                             ": ",         "::",          "D::operator[]",
-                                             "FrameRotat", "GL con",      "KTEMITTER::",
-                                             "KTMATERIAL", "KTSETTINGS",  "KTELEMENT",
-                                             "KTLIGHT::",  "KTTEXTURE",   "KELTRA::",
-                                             "KTMESH::",   "KTSHADER",    "KTWINDOW",
-                                             "KTVIDEO",    "KTANIM",      "KTFONT",
-                                             "KTNODE",     "KT_gl",       "KT",
-                                             "Path",       "R3XVECTOR",   "SCROLLBAR",
-                                             "Texture",    "Timer",       "[, expecte",
-                                             "`$f`",       "`%s`",        "already",
-                                             "aterial",    "attribu",     "atrix",
-                                             "ame",        "an ",         "at ",
-                                             "ate",        "a ",          "ac",
-                                             "ad",         "ag",          "al",
-                                             "am",         "an",          "ap",
-                                             "ar",         "at",          "bon",
-                                             "cannot be ", "cursive",     "count",
-                                             "d ",         "de",          "di",
-                                             "do",         "elemen",      "egl",
-                                             "er ",        "ers",         "e ",
-                                             "en",         "er",          "es",
-                                             "et",         "font",        "free",
-                                             "for",        "fi",          "fr",
-                                             "has no ",    "is empty",    "ight",
-                                             "its ",       "ing",         "ion",
-                                             "is ",        "ize",         "im",
-                                             "in",         "it",          "ke",
-                                             "load",       "le",          "lo",
-                                             "more than ", "mesh",        "miss",
-                                             "mo",         "not ",        "no ",
-                                             "no",         "of ",         "ol",
-                                             "on",         "or",          "ou",
-                                             "paren",      "pixel",       "render",
-                                             "re",         "s ",          "se",
-                                             "sh",         "st",          "the file ",
-                                             "to %ld",     "text",        "the ",
-                                             "too ",       "t ",          "th",
-                                             "ti",         "umber",       "ul",
-                                             "un",         "ur",          "vertex",
-                                             "vnf",        "ve",          "without ",
-                                             "wn "};
-
 template <class Item, std::size_t kSize>
 constexpr std::size_t countOf(const Item (&)[kSize]) {
     return kSize;
