@@ -34,11 +34,17 @@ struct State {
     std::vector<std::uint8_t> pixels;
 };
 
+// Neither recording nor passing calls on, as in benchmarks: a call takes no more than that of an empty
+// function.
+bool quiet = false;
+
 // Never destroyed: the engine's unload step may still call the GL after the statics of this file are gone.
 State &state() {
     static State *const instance = new State;
     return *instance;
 }
+
+void updateQuiet() { quiet = state().stubbed && !state().recording; }
 
 int bytesPerTexel(GLenum format, GLenum type) {
     if (type != GL_UNSIGNED_BYTE) return 2;
@@ -161,6 +167,19 @@ struct Wrapper;
 template <GlFunction f, bool isFloat, class R, class... A>
 struct Wrapper<f, isFloat, R GL_APIENTRY(A...)> {
     static R call(const char *name, A... arguments) {
+        constexpr bool keepsState = f == GlFunction::glPixelStorei || f == GlFunction::glGenTextures ||
+                                    f == GlFunction::glGenBuffers || f == GlFunction::glGetIntegerv ||
+                                    f == GlFunction::glReadPixels || f == GlFunction::glTexImage2D;
+        if constexpr (f == GlFunction::glEnable || f == GlFunction::glDisable) {
+            if (quiet && !isScissor(arguments...)) return;
+        } else if constexpr (std::is_void_v<R> && !keepsState) {
+            if (quiet) return;
+        }
+        return handle(name, arguments...);
+    }
+
+   private:
+    [[gnu::noinline]] static R handle(const char *name, A... arguments) {
         State &now = state();
         if constexpr (f == GlFunction::glPixelStorei) noteAlignment(arguments...);
         if constexpr (f == GlFunction::glEnable || f == GlFunction::glDisable)
@@ -187,7 +206,6 @@ struct Wrapper<f, isFloat, R GL_APIENTRY(A...)> {
         }
     }
 
-   private:
     static void keepInputs(A... arguments) {
         if constexpr (f != GlFunction::glGenTextures && f != GlFunction::glGenBuffers) {
             keepContents<f>(*state().log.newest(), arguments...);
@@ -200,8 +218,10 @@ struct Wrapper<f, isFloat, R GL_APIENTRY(A...)> {
         if (state().listener) state().listener(*state().log.newest(), pointers);
     }
 
+    static bool isScissor(GLenum capability) { return capability == GL_SCISSOR_TEST; }
+
     static void noteScissor(bool on, GLenum capability) {
-        if (capability == GL_SCISSOR_TEST) state().scissored = on;
+        if (isScissor(capability)) state().scissored = on;
     }
 
     static void noteAlignment(GLenum pname, GLint value) {
@@ -246,9 +266,15 @@ int GlRecorder::countFloat() { return state().floatCalls; }
 
 void GlRecorder::setListener(Listener listener) { state().listener = listener; }
 void GlRecorder::setDrawing(bool on) { state().drawing = on; }
-void GlRecorder::setRecording(bool on) { state().recording = on; }
+void GlRecorder::setRecording(bool on) {
+    state().recording = on;
+    updateQuiet();
+}
 bool GlRecorder::isRecording() { return state().recording; }
-void GlRecorder::setStubbed(bool on) { state().stubbed = on; }
+void GlRecorder::setStubbed(bool on) {
+    state().stubbed = on;
+    updateQuiet();
+}
 bool GlRecorder::isStubbed() { return state().stubbed; }
 void GlRecorder::setInteger(GLenum pname, std::vector<GLint> values) {
     state().integers[pname] = std::move(values);
@@ -266,7 +292,10 @@ GlRecorder::Stub::Stub() {
     state() = State();
     setStubbed(true);
 }
-GlRecorder::Stub::~Stub() { state() = State(); }
+GlRecorder::Stub::~Stub() {
+    state() = State();
+    updateQuiet();
+}
 
 }  // namespace keltra::test
 
