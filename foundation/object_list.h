@@ -72,6 +72,7 @@ class ObjectList {
     void removeId(Registration &object);
     Registration **idEntry(unsigned int id) const;
     std::uint64_t *nameEntry(std::uint32_t key, const char *name) const;
+    std::uint64_t *nearEntry(std::uint32_t key, const char *name) const;
     unsigned int idHome(unsigned int id) const;
     unsigned int homeOf(std::uint32_t key) const;
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -48,6 +49,31 @@ TEST(NameTableTest, FindsEveryNameAmongMany) {
     for (std::string &name : names) ASSERT_TRUE(table.add(name.c_str(), &name));
     for (std::string &name : names) EXPECT_EQ(table.find(name.c_str()), &name);
     EXPECT_EQ(table.find("name"), nullptr);
+}
+
+/// From blocks as long as the names: a sanitizer sees what is read behind them.
+TEST(HashNameTest, EveryCharacterAndTheLengthCount) {
+    for (std::size_t length = 0; length < 70; ++length) {
+        std::vector<char> name(length + 1, 'a');
+        name[length] = '\0';
+        const std::uint32_t hash = hashName(name.data(), 1);
+        EXPECT_EQ(hashName(name.data(), 1), hash);
+        EXPECT_NE(hashName(name.data(), 2), hash);
+        EXPECT_NE(hashName(std::string(length + 1, 'a').c_str(), 1), hash);
+        for (std::size_t i = 0; i < length; ++i) {
+            name[i] = 'b';
+            EXPECT_NE(hashName(name.data(), 1), hash) << i << " of " << length;
+            name[i] = 'a';
+        }
+    }
+}
+
+TEST(HashNameTest, SpreadsNumberedNames) {
+    std::vector<int> homes(1024);
+    for (const std::string &name : someNames(1024)) ++homes[hashName(name.c_str(), 1) * 0x9E3779B1u >> 22];
+    EXPECT_GT(std::count(homes.begin(), homes.end(), 0), 250);  // 377 by chance
+    EXPECT_LT(std::count(homes.begin(), homes.end(), 0), 500);
+    EXPECT_LT(*std::max_element(homes.begin(), homes.end()), 12);
 }
 
 TEST(NameTableTest, KeepsTheFirstObjectOfAName) {
