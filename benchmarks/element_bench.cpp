@@ -6,10 +6,16 @@
 #include <keltra/material.h>
 #include <keltra/mesh.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <memory>
 #include <random>
+#include <utility>
 #include <vector>
 
+#include "math/fixed.h"
+#include "math/sine.h"
 #include "tests/support/gl_recorder.h"
 
 namespace {
@@ -72,6 +78,8 @@ class Scene {
         return true;
     }
 
+    KTNODE *root() { return nodes[0].get(); }
+
    private:
     std::unique_ptr<KTNODE> make(unsigned int index) {
         if (index % (kNodes / kLights) == 7) return std::make_unique<KTLIGHT>();
@@ -108,6 +116,139 @@ void passAndSortTree(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * kNodes);
 }
 BENCHMARK(passAndSortTree);
+
+// The same work by hand: what the tree needs lies in one array in the order of the walk, and nothing is asked
+// that this tree does not need. The calls of the GL are the same. With known sines no node may turn.
+template <bool areSinesKnown>
+class BareTree {
+   public:
+    explicit BareTree(KTNODE *root) { add(root, 0); }
+
+    void passAndSort() {
+        unsigned int depth = 0;
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            const Step &step = steps[i];
+            for (; depth > step.depth; --depth) glPopMatrix();
+            std::memcpy(stack[depth + 1], stack[depth], sizeof stack[0]);
+            ++depth;
+            glPushMatrix();
+            place(step, stack[depth]);
+            Entry &entry = entries[i];
+            entry.node = step.node;
+            entry.auxId = entry.param1 = 0;
+            entry.distance = 0.0f;
+            entry.nearestLight[0] = entry.nearestLight[1] = entry.nearestLight[2] = entry.nearestLight[3] =
+                nullptr;
+            std::memcpy(entry.matrix, stack[depth], sizeof entry.matrix);
+            std::memcpy(cached[i], stack[depth], sizeof entry.matrix);
+        }
+        for (; depth > 0; --depth) glPopMatrix();
+        sort();
+    }
+
+    // The entries of the engine's list, in its order.
+    bool isTheList() const {
+        for (unsigned int i = 0; i < kNodes; ++i) {
+            const KTELEMENT &listed = *KTELEMENT::elementPointer[i];
+            if (listed.node != order[i]->node ||
+                !std::equal(listed.matrix.m, listed.matrix.m + 16, order[i]->matrix))
+                return false;
+        }
+        return true;
+    }
+
+   private:
+    enum Rank { kFirst, kMiddle, kBehind };
+    struct Step {
+        KTNODE *node;
+        unsigned int depth;
+        float position[3], degrees;
+        keltra::Rotation turn;
+        float radius;
+        Rank rank;
+    };
+    struct Entry {
+        KTNODE *node;
+        float matrix[16];
+        unsigned int auxId;
+        float distance;
+        Entry *nearestLight[4];
+        unsigned int param1;
+    };
+
+    void add(KTNODE *node, unsigned int depth) {
+        const KTMESH *mesh = node->type == KT_MESH ? static_cast<KTMESH *>(node) : nullptr;
+        const R3XVECTOR3D at = node->position;
+        steps.push_back({node,
+                         depth,
+                         {at.x, at.y, at.z},
+                         node->rotation.y,
+                         keltra::rotationOf(node->rotation.y),
+                         mesh ? mesh->radius : 0.0f,
+                         mesh ? mesh->material->isTransparent() ? kBehind : kMiddle : kFirst});
+        for (unsigned int i = 0; i < node->numberOfChildren; ++i) add(node->children[i], depth + 1);
+    }
+
+    static void place(const Step &step, float *m) {
+        const float *const p = step.position;
+        for (int j = 0; j < 4; ++j) m[12 + j] = p[0] * m[j] + p[1] * m[4 + j] + p[2] * m[8 + j] + m[12 + j];
+        keltra::Rotation turn = step.turn;
+        if (!areSinesKnown) {
+            const float radians = step.degrees * 0.0055555557f * 3.1415927f;
+            turn.sine = static_cast<float>(std::sin(static_cast<double>(radians)));
+            turn.cosine = static_cast<float>(std::cos(static_cast<double>(radians)));
+            turn.unit = (1.0f - turn.cosine) + turn.cosine;
+        }
+        for (int j = 0; j < 4; ++j) {
+            const float x = m[j], z = m[8 + j];
+            m[j] = turn.cosine * x - turn.sine * z;
+            m[4 + j] *= turn.unit;
+            m[8 + j] = turn.sine * x + turn.cosine * z;
+        }
+        glTranslatex(keltra::toFixed(p[0]), keltra::toFixed(p[1]), keltra::toFixed(p[2]));
+        glRotatex(0, 65536, 0, 0);
+        glRotatex(keltra::toFixed(step.degrees), 0, 65536, 0);
+        glRotatex(0, 0, 0, 65536);
+    }
+
+    void sort() {
+        unsigned int places[3] = {0, kLights, kNodes - kTransparent};
+        std::pair<float, Entry *> behind[kTransparent];
+        for (std::size_t i = 0; i < kNodes; ++i) {
+            const unsigned int at = places[steps[i].rank]++;
+            order[at] = &entries[i];
+            if (steps[i].rank == kBehind)
+                behind[at - (kNodes - kTransparent)] = {entries[i].matrix[14] - steps[i].radius, &entries[i]};
+        }
+        std::sort(behind, behind + kTransparent);
+        for (std::size_t i = 0; i < kTransparent; ++i) order[kNodes - kTransparent + i] = behind[i].second;
+    }
+
+    std::vector<Step> steps;
+    float stack[32][16] = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}};
+    Entry entries[kNodes], *order[kNodes];
+    float cached[kNodes][16];
+};
+
+template <bool areSinesKnown>
+void bareTree(benchmark::State &state) {
+    const Silence silence;
+    Scene scene;
+    scene.pass();
+    KTELEMENT::sort3D();
+    const auto tree = std::make_unique<BareTree<areSinesKnown>>(scene.root());
+    tree->passAndSort();
+    if (!tree->isTheList()) return state.SkipWithError("the list is another one");
+    for (auto _ : state) {
+        tree->passAndSort();
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kNodes);
+}
+void passAndSortByHand(benchmark::State &state) { bareTree<false>(state); }
+void passAndSortByHandStill(benchmark::State &state) { bareTree<true>(state); }
+BENCHMARK(passAndSortByHand);
+BENCHMARK(passAndSortByHandStill);
 
 // The nearest lights of one object, as each mesh asks for them.
 void sortLights(benchmark::State &state) {

@@ -14,6 +14,10 @@
 #include <cstdint>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 using keltra::toFixed;
@@ -53,6 +57,47 @@ inline void copyMatrix(const float *from, float *to) {
 #endif
 }
 
+#if defined(__SSE2__)
+// The first three columns of the top, each of which becomes a sum of products of all three.
+class Columns {
+   public:
+    explicit Columns(float *t) : t(t), x(_mm_loadu_ps(t)), y(_mm_loadu_ps(t + 4)), z(_mm_loadu_ps(t + 8)) {}
+    void set(int column, float a, float b, float c) const {
+        const __m128 two = _mm_add_ps(_mm_mul_ps(_mm_set1_ps(a), x), _mm_mul_ps(_mm_set1_ps(b), y));
+        _mm_storeu_ps(t + 4 * column, _mm_add_ps(two, _mm_mul_ps(_mm_set1_ps(c), z)));
+    }
+
+   private:
+    float *const t;
+    const __m128 x, y, z;
+};
+
+// top := m x top, where the last row of m is (0, 0, 0, 1) and m does not translate.
+void multiplyTopByRotation(const float *m) {
+    const Columns columns(top());
+    for (int i = 0; i < 3; ++i) columns.set(i, m[4 * i], m[4 * i + 1], m[4 * i + 2]);
+}
+
+// The same for the matrix of keltra::setTurn.
+void multiplyTopByTurn(const keltra::Rotation &turn, int axis) {
+    const bool isNone = keltra::isZero(turn.sine);
+    const float c = turn.cosine, u = turn.unit, s = isNone ? 0.0f : turn.sine, b = isNone ? 0.0f : -turn.sine;
+    const Columns columns(top());
+    if (axis == 0) {
+        columns.set(0, u, 0.0f, 0.0f);
+        columns.set(1, 0.0f, c, s);
+        columns.set(2, 0.0f, b, c);
+    } else if (axis == 1) {
+        columns.set(0, c, 0.0f, b);
+        columns.set(1, 0.0f, u, 0.0f);
+        columns.set(2, s, 0.0f, c);
+    } else {
+        columns.set(0, c, s, 0.0f);
+        columns.set(1, b, c, 0.0f);
+        columns.set(2, 0.0f, 0.0f, u);
+    }
+}
+#else
 // top := m x top, where the last row of m is (0, 0, 0, 1) and m does not translate.
 void multiplyTopByRotation(const float *m) {
     float *t = top();
@@ -63,6 +108,7 @@ void multiplyTopByRotation(const float *m) {
         t[8 + j] = m[8] * x + m[9] * y + m[10] * z;
     }
 }
+#endif
 
 void rotateTop(float angle, float x, float y, float z) {
     R3XMATRIX rotation;
@@ -71,8 +117,15 @@ void rotateTop(float angle, float x, float y, float z) {
 }
 
 GLfixed turnTopByAngle(int axis, float degrees) {
-    if (!keltra::kSoftFloat || !keltra::turnBy(keltra::rotationOf(degrees), axis, top()))
-        rotateTop(degrees, axis == 0, axis == 1, axis == 2);
+    const keltra::Rotation &turn = keltra::rotationOf(degrees);
+    if (keltra::kSoftFloat && keltra::turnBy(turn, axis, top())) return toFixed(degrees);
+#if defined(__SSE2__)
+    if (keltra::isFinite(turn.sine)) {
+        multiplyTopByTurn(turn, axis);
+        return toFixed(degrees);
+    }
+#endif
+    rotateTop(degrees, axis == 0, axis == 1, axis == 2);
     return toFixed(degrees);
 }
 

@@ -21,7 +21,9 @@ struct Known {
     Rotation rotation;
 };
 
-constexpr unsigned int kKnownBits = kSoftFloat ? 8 : 11;
+constexpr unsigned int kKnownBits = kSoftFloat ? 8 : 13;
+// An angle has one place, and where memory is cheap two: that of a thousand nodes' angles few are thrown out.
+constexpr unsigned int kPlaces = kSoftFloat ? 1 : 2;
 Known known[1u << kKnownBits];
 
 std::uint64_t product(std::uint32_t a, std::uint32_t b) { return std::uint64_t{a} * b; }
@@ -133,13 +135,14 @@ SineCosine sineCosine(float radians) {
 
 const Rotation &rotationOf(float degrees) {
     const std::uint32_t bits = bitsOf(degrees);
-    Known &entry = known[bits * 2654435769u >> (32 - kKnownBits)];
+    Known *const home = &known[(bits * 2654435769u >> (32 - kKnownBits)) & ~(kPlaces - 1)];
     const std::uint32_t key = bits + 1;
-    if (entry.key != key || key == 0) {
-        const SineCosine turn = sineCosine(degrees * 0.0055555557f * 3.1415927f);
-        entry = {key, {turn.sine, turn.cosine, (1.0f - turn.cosine) + turn.cosine}};
-    }
-    return entry.rotation;
+    Known *const entry = home + (kPlaces > 1 && home->key != key);
+    if (entry->key == key && key != 0) return entry->rotation;
+    if (kPlaces > 1) home[1] = home[0];
+    const SineCosine turn = sineCosine(degrees * 0.0055555557f * 3.1415927f);
+    *home = {key, {turn.sine, turn.cosine, (1.0f - turn.cosine) + turn.cosine}};
+    return home->rotation;
 }
 
 }  // namespace keltra

@@ -347,13 +347,15 @@ void keltra::settleLightOrder() {
 bool KTELEMENT::sort3D() {
     if (numberOfPassedElements == 0) return false;
     if (numberOfLights == 0 && numberOfTransparencies == 0) return true;
-    unsigned int places[kRanks] = {};
-    for (unsigned int i = 0; i < numberOfPassedElements; ++i) ++places[ranks[i] = rankOf(element[i].node)];
-    places[kTransparent] = places[kLight] + places[kOpaque];
-    places[kOpaque] = places[kLight];
-    places[kLight] = 0;
+    // Most are opaque.
+    unsigned int counts[kRanks] = {};
     for (unsigned int i = 0; i < numberOfPassedElements; ++i)
-        elementPointer[places[ranks[i]]++] = &element[i];
+        if ((ranks[i] = rankOf(element[i].node)) != kOpaque) ++counts[ranks[i]];
+    KTELEMENT **places[kRanks] = {elementPointer, nullptr,
+                                  elementPointer + numberOfPassedElements - counts[kTransparent]};
+    KTELEMENT **opaque = elementPointer + counts[kLight];
+    for (unsigned int i = 0; i < numberOfPassedElements; ++i)
+        *(ranks[i] == kOpaque ? opaque : places[ranks[i]])++ = &element[i];
     if (numberOfTransparencies < 2) return true;
     unsigned int tail = std::min(numberOfTransparencies, numberOfPassedElements);
     KTELEMENT **end = elementPointer + numberOfPassedElements;
