@@ -11,6 +11,7 @@
 #include <limits>
 #include <random>
 
+#include "math/float_bits.h"
 #include "tests/support/gl_recorder.h"
 
 namespace keltra::test {
@@ -218,6 +219,38 @@ TEST_F(GlBridgeTest, RotationByZeroStillCallsTheGl) {
     KT_glRotatef(0.0f, 1.0f, 0.0f, 0.0f);
     EXPECT_EQ(top(kModelView), elements(start));
     EXPECT_THAT(GlRecorder::last("glRotatex").arguments, ElementsAre(0, 65536, 0, 0));
+}
+
+/// Whatever the top holds and the angle is: bits of the sums of three products, in their order.
+TEST_F(GlBridgeTest, ARotationAboutAMainAxisHasTheBitsOfTheProducts) {
+    std::mt19937 generator(1907);
+    std::uniform_real_distribution<float> ordinary(-3.0f, 3.0f);
+    const float special[] = {0.0f, -0.0f, 1e-40f, -1e38f, 1.0f, std::numeric_limits<float>::infinity()};
+    const float angles[] = {90.0f, -90.0f, 180.0f, -360.0f, 0.5f, 1e-38f, -1e-42f, 33.3f, 1e30f};
+    for (int round = 0; round < 2000; ++round) {
+        Top values;
+        for (float &value : values) value = generator() % 4 ? ordinary(generator) : special[generator() % 6];
+        const float angle = generator() % 2 ? 100.0f * ordinary(generator) : angles[generator() % 9];
+        const int axis = static_cast<int>(generator() % 3);
+        KT_glLoadMatrixf(values.data());
+        KT_glRotatef(angle, axis == 0, axis == 1, axis == 2);
+        R3XMATRIX turn;
+        turn.setRotation(angle, axis == 0, axis == 1, axis == 2);
+        Top expected = values;
+        for (int column = 0; column < 3; ++column)
+            for (int row = 0; row < 4; ++row)
+                expected[4 * column + row] = turn.m[4 * column] * values[row] +
+                                             turn.m[4 * column + 1] * values[4 + row] +
+                                             turn.m[4 * column + 2] * values[8 + row];
+        const Top actual = top(kModelView);
+        for (int i = 0; i < 16; ++i) {
+            if (std::isnan(expected[i])) {
+                EXPECT_TRUE(std::isnan(actual[i])) << round;
+            } else {
+                EXPECT_EQ(bitsOf(actual[i]), bitsOf(expected[i])) << i << " of " << round;
+            }
+        }
+    }
 }
 
 TEST_F(GlBridgeTest, FrustumAndOrthoMultiplyByTheMatricesOfTheGlStandard) {
