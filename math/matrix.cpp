@@ -83,7 +83,7 @@ R3XMATRIX::R3XMATRIX(const float *values) : R3XMATRIX() {
 }
 
 void R3XMATRIX::setIdentity() {
-    std::fill(m, m + 16, 0.0f);
+    m[1] = m[2] = m[3] = m[4] = m[6] = m[7] = m[8] = m[9] = m[11] = m[12] = m[13] = m[14] = 0.0f;
     m[0] = m[5] = m[10] = m[15] = 1.0f;
 }
 

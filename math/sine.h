@@ -13,6 +13,10 @@ struct SineCosine {
 SineCosine sineCosine(float radians);
 SineCosine sineCosineByIntegers(float radians);
 
+// degrees * 0.0055555557f * 3.1415927f, and (1 - cosine) + cosine of a cosine, rounded after each operation.
+float radiansByIntegers(float degrees);
+float unitByIntegers(float cosine);
+
 struct Rotation {
     float sine, cosine;
     float unit;  // (1 - cosine) + cosine, which is 1 or the float below

@@ -154,7 +154,7 @@ inline int mainAxis(float x, float y, float z) {
 // What R3XMATRIX::setRotation makes of a rotation about a main axis, 0 for x to 2 for z. Sine and cosine are
 // those of one angle, finite.
 inline void setTurn(const Rotation &turn, int axis, float *m) {
-    for (int i = 0; i < 15; ++i) m[i] = 0.0f;
+    m[1] = m[2] = m[3] = m[4] = m[6] = m[7] = m[8] = m[9] = m[11] = m[12] = m[13] = m[14] = 0.0f;
     m[15] = 1.0f;
     const int first = axis == 0 ? 1 : 0, second = axis == 2 ? 1 : 2;
     m[5 * first] = m[5 * second] = turn.cosine;

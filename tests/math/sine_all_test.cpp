@@ -23,5 +23,18 @@ TEST(SineAllTest, EveryFloatEqualsTheLibrary) {
     EXPECT_EQ(different, 0u);
 }
 
+// A cosine from 2^-27 to 1; with a positive one the unit is 1.
+TEST(SineAllTest, EveryUnitIsThePlainSum) {
+    std::uint64_t different = 0;
+    for (std::uint32_t bits = 100u << 23; bits <= kOneBits; ++bits) {
+        for (std::uint32_t sign : {0u, kSignBit}) {
+            const float cosine = floatOf(bits | sign);
+            const volatile float rest = 1.0f - cosine, unit = rest + cosine;
+            different += bitsOf(unitByIntegers(cosine)) != bitsOf(unit);
+        }
+    }
+    EXPECT_EQ(different, 0u);
+}
+
 }  // namespace
 }  // namespace keltra::test

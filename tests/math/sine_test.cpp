@@ -66,5 +66,33 @@ TEST(SineTest, AngleInDegreesIsRememberedByItsBits) {
     EXPECT_TRUE(isSame(rotationOf(-0.0f).cosine, 1.0f));
 }
 
+TEST(SineTest, RadiansAreThePlainProducts) {
+    std::mt19937 random(3);
+    for (int i = 0; i < 1000000; ++i) {
+        std::uint32_t bits = random();
+        if (i % 4) bits = (bits & 0x807fffff) | ((bits >> 4 & 15) + 122) << 23;
+        const float degrees = floatOf(bits);
+        const volatile float first = degrees * 0.0055555557f, radians = first * 3.1415927f;
+        if (std::isnan(radians)) continue;
+        ASSERT_TRUE(isSame(radiansByIntegers(degrees), radians)) << std::hexfloat << degrees;
+    }
+    for (std::uint32_t bits : {0u, 1u, 67u << 23, (67u << 23) - 1, 187u << 23, 0x7f7fffffu, 0x7f800000u})
+        for (std::uint32_t sign : {0u, kSignBit})
+            EXPECT_TRUE(isSame(radiansByIntegers(floatOf(bits | sign)),
+                               floatOf(bits | sign) * 0.0055555557f * 3.1415927f));
+}
+
+TEST(SineTest, UnitIsThePlainSum) {
+    for (std::uint32_t bits = 0; bits <= kOneBits; bits += 509) {
+        for (std::uint32_t sign : {0u, kSignBit}) {
+            const float cosine = floatOf(bits | sign);
+            const volatile float rest = 1.0f - cosine, unit = rest + cosine;
+            ASSERT_TRUE(isSame(unitByIntegers(cosine), unit)) << std::hexfloat << cosine;
+        }
+    }
+    EXPECT_TRUE(isSame(unitByIntegers(-1.0f), 1.0f));
+    EXPECT_TRUE(std::isnan(unitByIntegers(NAN)));
+}
+
 }  // namespace
 }  // namespace keltra::test
