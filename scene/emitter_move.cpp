@@ -26,16 +26,19 @@ struct KTEMITTER::BILLBOARD {
     // Where the processor has something for them: moves those that do not turn, from `index` on. True when
     // that one has no energy left, otherwise it is `count` or the first that was not moved.
     bool moveStill(const KTEMITTER &emitter, unsigned int &index, unsigned int count) const;
-    // The same for one whose square is turned; false when nothing was done.
-    bool moveTurned(const KTEMITTER &emitter, unsigned int index, const R3XVECTOR3D &turnedRight,
-                    const R3XVECTOR3D &turnedUp) const;
+    // The same for one, with a square of its own, and with the one that `angle` turns; false when nothing was
+    // done.
+    bool move(const KTEMITTER &emitter, unsigned int index, const R3XVECTOR3D &itsRight,
+              const R3XVECTOR3D &itsUp) const;
+    bool moveTurned(const KTEMITTER &emitter, unsigned int index, float angle) const;
 
     R3XVECTOR3D right, up, axis, gravityStep;
     float time, energyLoss;
 #if defined(KELTRA_SOFT_ARM)
     keltra::ArmParticleFrame armFrame;
     keltra::ArmParticleSquare armSquare;
-    bool armFits, armFitsStill;
+    keltra::ArmParticleTurn armTurn;
+    bool armFits, armFitsStill, armFitsTurned;
 #endif
 };
 
@@ -93,6 +96,19 @@ keltra::ArmParticleRun armRun(const KTEMITTER &emitter, unsigned int first, unsi
     const int *slots = emitter.slot;
     return {KTEMITTER::particle, &frame, &square, corners, colors, slots + first, slots + end};
 }
+
+bool moveOne(const KTEMITTER &emitter, unsigned int index, const keltra::ArmParticleFrame &frame,
+             const keltra::ArmParticleSquare &square) {
+    keltra::ArmParticleRun run = armRun(emitter, index, index + 1, frame, square);
+    return keltra::keltraMoveTurned(&run) || run.slot == run.end;
+}
+
+// Whether the kernel for particles that do not turn would leave the first one.
+bool turns(int index) {
+    if (!isInPool(index)) return true;
+    const KTPARTICLE &first = KTEMITTER::particle[index];
+    return (keltra::bitsOf(first.spinSpeed) | keltra::bitsOf(first.spinAngle)) != 0;
+}
 #endif
 
 }  // namespace
@@ -108,6 +124,7 @@ KTEMITTER::BILLBOARD::BILLBOARD(const KTEMITTER &emitter, const float *m)
 #if defined(KELTRA_SOFT_ARM)
     armFits = armFrame.set(&emitter.colorDelta.x, &emitter.colorEnd.x, &gravityStep.x, time, energyLoss);
     armFitsStill = armFits && armSquare.set(&right.x, &up.x);
+    armFitsTurned = armFits && armTurn.set(&axis.x, &right.x, &up.x);
 #endif
 }
 
@@ -115,29 +132,38 @@ KTEMITTER::BILLBOARD::BILLBOARD(const KTEMITTER &emitter, const float *m)
 
 bool KTEMITTER::BILLBOARD::moveStill(const KTEMITTER &emitter, unsigned int &index,
                                      unsigned int count) const {
-    if (!armFitsStill) return false;
+    if (!armFitsStill || turns(emitter.slot[index])) return false;
     keltra::ArmParticleRun run = armRun(emitter, index, count, armFrame, armSquare);
     const bool spent = keltra::keltraMoveParticles(&run);
     index = static_cast<unsigned int>(run.slot - emitter.slot) - spent;
     return spent;
 }
 
-bool KTEMITTER::BILLBOARD::moveTurned(const KTEMITTER &emitter, unsigned int index,
-                                      const R3XVECTOR3D &turnedRight, const R3XVECTOR3D &turnedUp) const {
+bool KTEMITTER::BILLBOARD::move(const KTEMITTER &emitter, unsigned int index, const R3XVECTOR3D &itsRight,
+                                const R3XVECTOR3D &itsUp) const {
     keltra::ArmParticleSquare square;
-    if (!armFits || !square.set(&turnedRight.x, &turnedUp.x)) return false;
-    keltra::ArmParticleRun run = armRun(emitter, index, index + 1, armFrame, square);
-    return keltra::keltraMoveTurned(&run) || run.slot == run.end;
+    return armFits && square.set(&itsRight.x, &itsUp.x) && moveOne(emitter, index, armFrame, square);
+}
+
+bool KTEMITTER::BILLBOARD::moveTurned(const KTEMITTER &emitter, unsigned int index, float angle) const {
+    if (!armFitsTurned) return false;
+    const keltra::Rotation &turn = keltra::rotationOf(angle);
+    const std::uint32_t sine = keltra::bitsOf(turn.sine), cosine = keltra::bitsOf(turn.cosine);
+    keltra::ArmParticleSquare square;
+    return keltra::keltraTurnSquare(&armTurn, sine, cosine, &square) &&
+           moveOne(emitter, index, armFrame, square);
 }
 
 #else
 
 bool KTEMITTER::BILLBOARD::moveStill(const KTEMITTER &, unsigned int &, unsigned int) const { return false; }
 
-bool KTEMITTER::BILLBOARD::moveTurned(const KTEMITTER &, unsigned int, const R3XVECTOR3D &,
-                                      const R3XVECTOR3D &) const {
+bool KTEMITTER::BILLBOARD::move(const KTEMITTER &, unsigned int, const R3XVECTOR3D &,
+                                const R3XVECTOR3D &) const {
     return false;
 }
+
+bool KTEMITTER::BILLBOARD::moveTurned(const KTEMITTER &, unsigned int, float) const { return false; }
 
 #endif
 
@@ -165,16 +191,18 @@ void KTEMITTER::updateParticles() {
 
 void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR4D *corners,
                         unsigned char *colors) {
+    const float angle = moved.spinAngle;
+    moved.spinAngle = keltra::multiplyAdd(moved.spinSpeed, billboard.time, angle);
+    const unsigned int index = static_cast<unsigned int>(corners - vertexArray) / kCorners;
     R3XVECTOR3D right = billboard.right, up = billboard.up;
-    if (!keltra::isZero(moved.spinAngle)) {
+    if (!keltra::isZero(angle)) {
+        if (billboard.moveTurned(*this, index, angle)) return;
         R3XMATRIX turn;
-        turn.setRotation(moved.spinAngle, billboard.axis.x, billboard.axis.y, billboard.axis.z);
+        turn.setRotation(angle, billboard.axis.x, billboard.axis.y, billboard.axis.z);
         right = turn.rotate(right);
         up = turn.rotate(up);
     }
-    moved.spinAngle = keltra::multiplyAdd(moved.spinSpeed, billboard.time, moved.spinAngle);
-    const unsigned int index = static_cast<unsigned int>(corners - vertexArray) / kCorners;
-    if (billboard.moveTurned(*this, index, right, up)) return;
+    if (billboard.move(*this, index, right, up)) return;
     moved.velocity += billboard.gravityStep;
     moved.position += moved.velocity * billboard.time;
     keltra::writeCorners(moved.position, std::fabs(moved.size - moved.energy), right, up, corners);

@@ -8,9 +8,6 @@
 namespace keltra {
 namespace {
 
-// From 2^-30 to 2^38: no result of the kernel can overflow or become denormal.
-bool isInRange(std::uint32_t bits) { return (bits << 1) - (97u << 24) < 68u << 24; }
-
 std::uint32_t mantissaOf(std::uint32_t bits) { return bits << 8 | kSignBit; }
 
 }  // namespace
@@ -24,14 +21,14 @@ bool ArmParticleFrame::set(const float *colorDelta, const float *colorEnd, const
         const std::uint32_t delta = bitsOf(colorDelta[i]), end = bitsOf(colorEnd[i]),
                             step = bitsOf(gravity[i]);
         const bool changes = delta << 1 != 0;
-        fits &= changes ? isInRange(delta) : delta == 0;
-        fits &= !changes || end << 1 == 0 || isInRange(end);
-        fits &= step << 1 == 0 || isInRange(step);
+        fits &= changes ? isInParticleRange(delta) : delta == 0;
+        fits &= !changes || end << 1 == 0 || isInParticleRange(end);
+        fits &= step << 1 == 0 || isInParticleRange(step);
         axes[i] = {changes ? mantissaOf(delta) : 0, (delta ^ kSignBit) >> 23,     end,
                    step << 1 == 0 ? 0 : step,       (time & 0x7fffff) | 0x800000, (time >> 23) - 127};
     }
     loss = bitsOf(energyLoss);
-    return fits && isInRange(loss);
+    return fits && isInParticleRange(loss);
 }
 
 bool ArmParticleSquare::set(const float *right, const float *up) {
@@ -39,7 +36,8 @@ bool ArmParticleSquare::set(const float *right, const float *up) {
         const std::uint32_t r = bitsOf(right[i]), u = bitsOf(up[i]);
         const bool rightIsLarger = r << 1 > u << 1;
         const std::uint32_t large = rightIsLarger ? r : u, small = rightIsLarger ? u : r;
-        if (!isInRange(large) || !(small << 1 == 0 || isInRange(small)) || large << 1 == small << 1)
+        if (!isInParticleRange(large) || !(small << 1 == 0 || isInParticleRange(small)) ||
+            large << 1 == small << 1)
             return false;
         const bool sameSigns = ((r ^ u) & kSignBit) == 0;
         // Right plus up belongs to the third corner at 32, right minus up to the second at 16. A negative one

@@ -12,6 +12,9 @@
 
 namespace keltra {
 
+// From 2^-30 to 2^38: no result of the kernels can overflow or become denormal.
+inline bool isInParticleRange(std::uint32_t bits) { return (bits << 1) - (97u << 24) < 68u << 24; }
+
 // The order of members is that of the kernel's registers. Mantissas have their leading one, as 32 bits or
 // as 24. An exponent has the sign above it.
 struct ArmParticleAxis {
@@ -42,6 +45,26 @@ struct ArmParticleSquare {
         std::uint32_t sumOffset, differenceOffset;  // in bytes: of the corner to which this is added
     } axes[3];
 };
+
+// What turns such a square: the axis and the two vectors, unpacked.
+struct alignas(8) ArmParticleTurn {
+    // False when there are values that the kernel is not made for.
+    bool set(const float *axisOfTurn, const float *right, const float *up);
+
+    struct {
+        std::uint32_t mantissa, exponent;  // 32 bits
+    } axis[3];
+    struct {
+        std::uint32_t mantissas[3], exponents[3];  // 24 bits; exponents less 127
+    } vectors[2];
+};
+
+// The square whose vectors are turned by R3XMATRIX::setRotation and ::rotate, for the bits of the angle's
+// sine and cosine. False, with the result lost, when there are values that the kernel is not made for.
+extern "C" __attribute__((visibility("hidden"))) bool keltraTurnSquare(const ArmParticleTurn *turn,
+                                                                       std::uint32_t sine,
+                                                                       std::uint32_t cosine,
+                                                                       ArmParticleSquare *square);
 
 // The particles of an emitter from `slot` on.
 struct alignas(8) ArmParticleRun {

@@ -3,12 +3,14 @@
 
 #include <gtest/gtest.h>
 #include <keltra/emitter.h>
+#include <keltra/matrix.h>
 
 #include <cmath>
 #include <cstring>
 #include <random>
 
 #include "math/fixed.h"
+#include "math/sine.h"
 
 namespace keltra::test {
 namespace {
@@ -163,6 +165,90 @@ TEST_F(ParticleArmTest, MovesAsPlainOperationsDo) {
     EXPECT_GT(moved, kFrames * kParticles / 10);
     EXPECT_GT(left, 0);
     RecordProperty("moved", moved);
+}
+
+// R3XMATRIX::setRotation about an axis and R3XMATRIX::rotate in plain operations, each rounded by itself.
+void turnPlainly(float sine, float c, const float *axis, const float *vector, float *result) {
+    const volatile float u = 1.0f - c;
+    const auto scaled = [](float a, float b) {
+        const volatile float product = a * b;
+        return float(product);
+    };
+    const auto element = [&](int i, int j, float other) {
+        const volatile float sum = scaled(scaled(u, axis[i]), axis[j]) + other;
+        return float(sum);
+    };
+    const float x = scaled(sine, axis[0]), y = scaled(sine, axis[1]), z = scaled(sine, axis[2]);
+    const float m[3][3] = {{element(0, 0, c), element(1, 0, z), element(2, 0, -y)},
+                           {element(0, 1, -z), element(1, 1, c), element(2, 1, x)},
+                           {element(2, 0, y), element(2, 1, -x), element(2, 2, c)}};
+    for (int j = 0; j < 3; ++j) {
+        const volatile float first = m[0][j] * vector[0], second = m[1][j] * vector[1],
+                             third = m[2][j] * vector[2];
+        const volatile float two = first + second, all = two + third;
+        result[j] = all;
+    }
+}
+
+class ParticleTurnTest : public ParticleArmTest {
+   protected:
+    // The view of a camera, often one that does not roll, or does not look up or down either; now and then
+    // anything.
+    void anyVectors(float (&vectors)[3][3]) {
+        float(&axis)[3] = vectors[0], (&right)[3] = vectors[1], (&up)[3] = vectors[2];
+        const unsigned int kind = any.random() % 8;
+        R3XMATRIX yaw, pitch, roll;
+        yaw.setRotation(anyAngle(), 0.0f, 1.0f, 0.0f);
+        if (kind > 0) pitch.setRotation(anyAngle(), 1.0f, 0.0f, 0.0f);
+        if (kind > 3) roll.setRotation(anyAngle(), 0.36f, 0.48f, 0.8f);
+        const R3XMATRIX view = roll * pitch * yaw;
+        const float scale = any.random() % 4 ? 1.0f : any.positive();
+        for (int i = 0; i < 3; ++i) {
+            right[i] = view.m[4 * i] * scale;
+            up[i] = view.m[4 * i + 1] * scale;
+        }
+        R3XVECTOR3D normal = R3XVECTOR3D(right[0], right[1], right[2]) ^ R3XVECTOR3D(up[0], up[1], up[2]);
+        normal.normalize();
+        axis[0] = normal.x, axis[1] = normal.y, axis[2] = normal.z;
+        if (kind == 7) vectors[any.random() % 3][any.random() % 3] = any();
+        if (any.random() % 8 == 0)
+            vectors[any.random() % 3][any.random() % 3] = floatOf(any.random() & kSignBit);
+    }
+    float anyAngle() { return static_cast<float>(any.random() % 72000) * 0.01f - 360.0f; }
+};
+
+TEST_F(ParticleTurnTest, TurnsAsPlainOperationsDo) {
+    int turned = 0, withZeros = 0, different = 0, left = 0;
+    for (int i = 0; i < kFrames * 20; ++i) {
+        float vectors[3][3];
+        anyVectors(vectors);
+        ArmParticleTurn turn;
+        if (!turn.set(vectors[0], vectors[1], vectors[2])) continue;
+        bool hasZeros = false;
+        for (const float(&vector)[3] : vectors)
+            for (float component : vector) hasZeros |= isZero(component);
+        for (int k = 0; k < 10; ++k) {
+            const float angle = any.random() % 16 ? anyAngle() : any();
+            const Rotation rotation = rotationOf(angle);
+            ArmParticleSquare square = {}, expected = {};
+            if (!keltraTurnSquare(&turn, bitsOf(rotation.sine), bitsOf(rotation.cosine), &square)) {
+                ++left;
+                continue;
+            }
+            ++turned;
+            withZeros += hasZeros;
+            float right[3], up[3];
+            turnPlainly(rotation.sine, rotation.cosine, vectors[0], vectors[1], right);
+            turnPlainly(rotation.sine, rotation.cosine, vectors[0], vectors[2], up);
+            different += !expected.set(right, up) || std::memcmp(&square, &expected, sizeof square) != 0;
+        }
+    }
+    EXPECT_EQ(different, 0);
+    EXPECT_GT(turned, kFrames * 100);
+    EXPECT_GT(withZeros, kFrames * 10);
+    EXPECT_GT(left, 0);
+    RecordProperty("turned", turned);
+    RecordProperty("withZeros", withZeros);
 }
 
 #endif
