@@ -25,13 +25,13 @@ for component in runtime development tools; do
     "$cmake" --install "$build" --prefix "$prefix" --component "$component" >/dev/null
 done
 mkdir "$models"
-cp "$source/examples/assets/film.bin" "$models"
+cp "$here/crate.bin" "$models"
 i=0
 while [ "$i" -lt "$count" ]; do
     i=$((i + 1))
     cp "$source/examples/assets/drop.png" "$models/crate$i.png"
     sed -e 's/"baseColorFactor"/"baseColorTexture":{"index":0},&/' -e "s/^\"meshes\"/\"textures\":[{\"source\":0}],\n\
-\"images\":[{\"uri\":\"crate$i.png\"}],\n&/" "$source/examples/assets/film.gltf" >"$models/crate$i.gltf"
+\"images\":[{\"uri\":\"crate$i.png\"}],\n&/" "$here/crate.gltf" >"$models/crate$i.gltf"
 done
 
 configure() {
@@ -59,7 +59,7 @@ touch "$models/crate1.png"
 step "one picture touched" 1
 step "nothing to do again" 0
 before=$(cat "$folder/build/data"/* | cksum)
-touch "$models/film.bin"
+touch "$models/crate.bin"
 step "the common buffer touched" "$count"
 [ "$before" = "$(cat "$folder/build/data"/* | cksum)" ] || fail "the same models become other files"
 
