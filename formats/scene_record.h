@@ -79,10 +79,10 @@ class SceneVisitor {
    public:
     virtual ~SceneVisitor() = default;
     virtual void header(const SceneHeader &) {}
-    virtual void material(const MaterialRecord &) {}
-    virtual void plain(const PlainRecord &, unsigned int) {}
-    virtual void light(const LightRecord &, unsigned int) {}
-    virtual void mesh(const MeshRecord &, unsigned int) {}
+    virtual void material(const MaterialRecord &) = 0;
+    virtual void plain(const PlainRecord &, unsigned int level) = 0;
+    virtual void light(const LightRecord &, unsigned int level) = 0;
+    virtual void mesh(const MeshRecord &, unsigned int level) = 0;
     // The offset behind the tree, when all of it is good.
     virtual void end(std::size_t) {}
 };

@@ -55,19 +55,19 @@ static_assert(kAnyAddress || __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the fir
 
 template <unsigned int kPart>
 std::uint32_t loadPixel(const std::uint8_t *source) {
-    if (kPart == 4) {
+    if constexpr (kPart == 4) {
         std::uint32_t pixel;
         std::memcpy(&pixel, kAnyAddress ? source : __builtin_assume_aligned(source, 4), 4);
         return pixel;
-    }
-    if (kPart == 2) {
+    } else if constexpr (kPart == 2) {
         std::uint16_t low, high;
         std::memcpy(&low, __builtin_assume_aligned(source, 2), 2);
         std::memcpy(&high, __builtin_assume_aligned(source + 2, 2), 2);
         return low | std::uint32_t{high} << 16;
+    } else {
+        return source[0] | std::uint32_t{source[1]} << 8 | std::uint32_t{source[2]} << 16 |
+               std::uint32_t{source[3]} << 24;
     }
-    return source[0] | std::uint32_t{source[1]} << 8 | std::uint32_t{source[2]} << 16 |
-           std::uint32_t{source[3]} << 24;
 }
 
 void storePixel(std::uint8_t *target, std::uint32_t pixel) {
@@ -84,6 +84,8 @@ std::uint32_t exchanged(std::uint32_t pixel) {
 }
 
 #if defined(KELTRA_TGA_SHUFFLES)
+constexpr bool kShuffles = true;
+
 // Bytes change their places 16 at a time; processors of 2004 cannot yet.
 bool hasShuffles() {
     static const bool has = [] {
@@ -118,6 +120,8 @@ std::size_t shuffle4(const std::uint8_t *source, std::uint8_t *target, std::size
     return hasShuffles() ? shuffle<4, 4>(source, target, pixels, kPlaces) : 0;
 }
 #else
+constexpr bool kShuffles = false;
+
 std::size_t shuffle3(const std::uint8_t *, std::uint8_t *, std::size_t) { return 0; }
 std::size_t shuffle4(const std::uint8_t *, std::uint8_t *, std::size_t) { return 0; }
 #endif
@@ -134,8 +138,9 @@ void convert3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixe
     source += 3 * done;
     target += 3 * done;
     pixels -= done;
-    for (; pixels >= 8; pixels -= 8, source += 24, target += 24)
-        for (unsigned int i = 0; i < 24; i += 3) convertPixel3(source + i, target + i);
+    if constexpr (!kShuffles)
+        for (; pixels >= 8; pixels -= 8, source += 24, target += 24)
+            for (unsigned int i = 0; i < 24; i += 3) convertPixel3(source + i, target + i);
     for (; pixels; --pixels, source += 3, target += 3) convertPixel3(source, target);
 }
 
@@ -167,8 +172,10 @@ void convert4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixe
     const std::uintptr_t place = reinterpret_cast<std::uintptr_t>(source);
     if (source == target) return convertInPlace4(target, pixels);
     if (kAnyAddress || place % 4 == 0) return convertParts4<4>(source, target, pixels);
-    if (place % 2 == 0) return convertParts4<2>(source, target, pixels);
-    convertParts4<1>(source, target, pixels);
+    if constexpr (!kAnyAddress) {
+        if (place % 2 == 0) return convertParts4<2>(source, target, pixels);
+        convertParts4<1>(source, target, pixels);
+    }
 }
 
 void repeat3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
@@ -195,7 +202,7 @@ std::uint8_t *storeFours(std::uint8_t *target, std::uint32_t pixel, std::size_t 
 #endif
 
 void repeat4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
-    const std::uint32_t pixel = exchanged(kAnyAddress ? loadPixel<4>(source) : loadPixel<1>(source));
+    const std::uint32_t pixel = exchanged(loadPixel < kAnyAddress ? 4 : 1 > (source));
 #if defined(__arm__) && !defined(__thumb__)
     target = storeFours(target, pixel, pixels);
 #endif
