@@ -126,6 +126,10 @@ TEST_F(FaultTableTest, Kerning) {
          "KTFONT::loadKerning: %Dfont.txt, line 1: `KELTRA_kerning_A`: the line cannot be read, expected a "
          "key, `=` and a value",
          -1, 1},
+        {"KTFONT::loadKerning", kerning("KELTRA_kerning_A = 4\ncolour = 4\n"), kWarning, KT_FAULT_LINE,
+         "KTFONT::loadKerning: %Dfont.txt, line 2: `colour=4`: the line cannot be read, expected a key, `=` "
+         "and a value",
+         -1, 2},
         {"KTFONT::loadKerning", kerning("KELTRA_kerning_A=1\nKELTRA_kerning_A=2\n"), kWarning,
          KT_FAULT_REPEATED,
          "KTFONT::loadKerning: %Dfont.txt, line 2: `KELTRA_kerning_A` is there again: the first one counts",

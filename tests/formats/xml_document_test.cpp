@@ -213,6 +213,42 @@ TEST(XmlDocument, NothingIsLostWhenMemoryRunsOut) {
     }
 }
 
+// Lets `left` allocations succeed and none after them.
+class MemoryEnds final : public test::AllocationWatch {
+   public:
+    explicit MemoryEnds(long left) : left(left) { test::AllocationWatch::install(this); }
+    ~MemoryEnds() { test::AllocationWatch::install(nullptr); }
+    bool mustFail(const void *) override { return left-- <= 0; }
+    void allocated(void *, const void *) override {}
+    void released(void *) override {}
+
+   private:
+    long left;
+};
+
+// What is released in need fails too, when it is asked for again.
+TEST(XmlDocument, IsRefusedWhenMemoryIsOutForGood) {
+    if (!test::Allocations::canFail()) GTEST_SKIP() << "memory belongs to the sanitizer";
+    const std::string text =
+        "<root><a_rather_long_element_name an_attribute_name_beyond_small_strings='a "
+        "value that is longer than small strings are'/></root>";
+    long refused = 0;
+    for (bool parsed = false; !parsed && refused < 1000;) {
+        Fault fault;
+        TiXmlDocument document;
+        {
+            const MemoryEnds end(refused);
+            parsed = parseXmlDocument(text.data(), text.size(), document, &fault);
+        }
+        EXPECT_EQ(parsed, document.FirstChild() != nullptr) << refused;
+        if (parsed) break;
+        EXPECT_EQ(fault.code, KT_FAULT_OUT_OF_MEMORY) << refused;
+        ++refused;
+    }
+    EXPECT_GT(refused, 5);
+    EXPECT_LT(refused, 1000);
+}
+
 TEST(XmlDocument, ComesFromAFile) {
     const test::TempFolder folder;
     TiXmlDocument document;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Zlib
 #include <gtest/gtest.h>
+#include <keltra/fault.h>
 #include <keltra/foundation.h>
 
 #include <climits>
@@ -104,7 +105,14 @@ TEST_F(ParserTest, OutOfMemoryIsLogged) {
     const std::string path = folder.write("text.txt", std::string(76543, 'x'));
     Allocations::failNext(76544);
     EXPECT_FALSE(vnfOpenParser(&parser, path.c_str()));
-    EXPECT_EQ(messages(), "vnfOpenParser: out of memory (76544 bytes needed)\n");
+    Allocations::failNth(1);  // the stream's block
+    EXPECT_FALSE(vnfOpenParser(&parser, path.c_str()));
+    EXPECT_TRUE(Allocations::hasFailed());
+    Allocations::clear();
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_OUT_OF_MEMORY);
+    EXPECT_EQ(messages(),
+              "vnfOpenParser: out of memory (76544 bytes needed)\nvnfOpenParser: unable to open file " +
+                  path + "\n");
 }
 
 TEST_F(ParserTest, ClosingWhatIsNotOpenIsLogged) {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/anim.h>
+#include <keltra/fault.h>
+#include <keltra/foundation.h>
 
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -379,6 +381,16 @@ TEST_F(AnimDamageTest, NoFileIsRefused) {
     EXPECT_FALSE(anim->load("missing.kta"));
     std::filesystem::create_directory(folder.path("folder.kta"));
     EXPECT_FALSE(anim->load("folder.kta"));
+    expectUntouched();
+}
+
+// A file of the kernel claims a page and holds less.
+TEST_F(AnimDamageTest, AFileThatEndsBeforeItsSizeIsRefused) {
+    KTANIM::setKTAPath(nullptr);
+    const char path[] = "/sys/devices/system/cpu/online";
+    if (vnfFileSize(path) < 100) GTEST_SKIP() << "no file here is shorter than it claims";
+    EXPECT_FALSE(anim->load(path));
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_FILE_READ);
     expectUntouched();
 }
 
