@@ -117,15 +117,15 @@ void rotateTop(float angle, float x, float y, float z) {
 }
 
 GLfixed turnTopByAngle(int axis, float degrees) {
-    const keltra::Rotation &turn = keltra::rotationOf(degrees);
-    if (keltra::kSoftFloat && keltra::turnBy(turn, axis, top())) return toFixed(degrees);
 #if defined(__SSE2__)
+    const keltra::Rotation &turn = keltra::rotationOf(degrees);
     if (keltra::isFinite(turn.sine)) {
         multiplyTopByTurn(turn, axis);
         return toFixed(degrees);
     }
 #endif
-    rotateTop(degrees, axis == 0, axis == 1, axis == 2);
+    if (!keltra::kSoftFloat || !keltra::turnBy(keltra::rotationOf(degrees), axis, top()))
+        rotateTop(degrees, axis == 0, axis == 1, axis == 2);
     return toFixed(degrees);
 }
 
