@@ -229,6 +229,18 @@ void destroyTextureBesideMaterials(benchmark::State &state) {
     for (auto _ : state) delete new KTTEXTURE;
 }
 
+// What looking at each material takes by itself: the textures are public fields.
+void readTexturesOfMaterials(benchmark::State &state) {
+    Objects<KTMATERIAL> materials(state);
+    const KTTEXTURE *const wanted = reinterpret_cast<const KTTEXTURE *>(&state);
+    for (auto _ : state) {
+        std::size_t found = 0;
+        for (const KTMATERIAL *material : materials)
+            for (const KTTEXTURE *texture : material->texture) found += texture == wanted;
+        if (found) return state.SkipWithError("a texture is found");
+    }
+}
+
 void destroyTextureOfOneMaterial(benchmark::State &state) {
     Objects<KTMATERIAL> materials(state);
     for (auto _ : state) {
@@ -276,6 +288,7 @@ GROWTH(releaseAndDrawId);
 BENCHMARK(destroyWindows)->Arg(100)->Arg(1000)->Arg(10000)->Arg(16000);
 GROWTH(destroyTextureBesideMaterials);
 GROWTH(destroyTextureOfOneMaterial);
+GROWTH(readTexturesOfMaterials);
 GROWTH(destroyTargets);
 GROWTH(destroyNodesBesideCopies);
 

@@ -14,11 +14,12 @@ while [ "$i" -lt "$times" ]; do
 done
 awk '!($1 in cpu) || $2 < cpu[$1] { cpu[$1] = $2 }
      !($1 in wall) || $3 < wall[$1] { wall[$1] = $3 }
+     !($1 in pages) || $4 < pages[$1] { pages[$1] = $4 }
      END {
-         printf "%-10s %14s %14s %16s\n", "window by", "processor, ms", "in all, ms", "over bare, ms"
+         printf "%-10s %14s %14s %16s %8s\n", "window by", "processor, ms", "in all, ms", "over bare, ms", "pages"
          split("bare sdl keltra", kinds)
          for (i = 1; i <= 3; ++i) {
              kind = kinds[i]
-             printf "%-10s %14.2f %14.2f %8.2f %7.2f\n", kind, cpu[kind], wall[kind], cpu[kind] - cpu["bare"], wall[kind] - wall["bare"]
+             printf "%-10s %14.2f %14.2f %8.2f %7.2f %8d\n", kind, cpu[kind], wall[kind], cpu[kind] - cpu["bare"], wall[kind] - wall["bare"], pages[kind]
          }
      }' "$figures"
