@@ -17,17 +17,18 @@
 
 namespace {
 
-const unsigned int kMaxRings = 1024;
+constexpr unsigned int kMaxRings = 1024;
+constexpr unsigned int kPixel = 65536;
 
 // The GL reads these arrays at each draw, so the pointers are given once a box and the values change between
 // draws.
-GLfixed quadVertices[8];
-GLfixed quadColors[16];
-GLfixed quadTexCoords[8];
-
 struct FixedColor {
     GLfixed rgba[4];
 };
+
+GLfixed quadVertices[8];
+FixedColor quadColors[4];
+GLfixed quadTexCoords[8];
 
 // Saturated like the conversion of floats, without any: this runs for each edge of each border.
 GLfixed pixelsToFixed(std::int64_t pixels) {
@@ -35,11 +36,15 @@ GLfixed pixelsToFixed(std::int64_t pixels) {
     return fits ? static_cast<GLfixed>(static_cast<std::uint32_t>(pixels) << 16) : INT32_MIN;
 }
 
-FixedColor shade(const R3XVECTOR4D &color, float factor, float alpha) {
-    const float rgba[4] = {color.x * factor, color.y * factor, color.z * factor, alpha};
+FixedColor toFixed(float r, float g, float b, float alpha) {
+    const float rgba[4] = {r, g, b, alpha};
     FixedColor fixed;
     keltra::toFixed(rgba, fixed.rgba, 4);
     return fixed;
+}
+
+FixedColor shade(const R3XVECTOR4D &color, float factor, float alpha) {
+    return toFixed(color.x * factor, color.y * factor, color.z * factor, alpha);
 }
 
 // Most boxes have the same coordinates, and a box has its border behind it.
@@ -56,32 +61,46 @@ void beginQuads(const KTBOX &box) {
 }
 
 void setQuadColor(const FixedColor &color) {
-    const GLfixed r = color.rgba[0], g = color.rgba[1], b = color.rgba[2], a = color.rgba[3];
-    for (GLfixed *corner = quadColors; corner != quadColors + 16; corner += 4) {
-        corner[0] = r;
-        corner[1] = g;
-        corner[2] = b;
-        corner[3] = a;
-    }
+    for (FixedColor &corner : quadColors) corner = color;
 }
 
-void drawQuad(GLfixed left, GLfixed top, GLfixed right, GLfixed bottom) {
+void setColumns(GLfixed left, GLfixed right) {
     quadVertices[0] = quadVertices[4] = left;
     quadVertices[2] = quadVertices[6] = right;
+}
+
+void setRows(GLfixed top, GLfixed bottom) {
     quadVertices[1] = quadVertices[3] = top;
     quadVertices[5] = quadVertices[7] = bottom;
-    glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+}
+
+void drawQuad() { glDrawArrays(GL_TRIANGLE_STRIP, 0, 4); }
+
+void drawQuad(GLfixed left, GLfixed top, GLfixed right, GLfixed bottom) {
+    setColumns(left, right);
+    setRows(top, bottom);
+    drawQuad();
 }
 
 // The lines along one axis that a ring of a border lies between.
 struct RingLines {
     GLfixed outer, inner, farInner, farOuter;
 
-    RingLines(std::int64_t ring, std::int64_t size)
-        : outer(pixelsToFixed(ring)),
-          inner(pixelsToFixed(ring + 1)),
-          farInner(pixelsToFixed(size - ring - 1)),
-          farOuter(pixelsToFixed(size - ring)) {}
+    RingLines(unsigned int ring, std::int64_t size) {
+        static_assert(kMaxRings <= 16384, "no line of a ring is left of -32768");
+        if (static_cast<std::uint64_t>(size) < 32768) {
+            outer = static_cast<GLfixed>(ring * kPixel);
+            inner = static_cast<GLfixed>(ring * kPixel + kPixel);
+            const unsigned int far = (static_cast<unsigned int>(size) - ring) * kPixel;
+            farInner = static_cast<GLfixed>(far - kPixel);
+            farOuter = static_cast<GLfixed>(far);
+            return;
+        }
+        outer = pixelsToFixed(ring);
+        inner = pixelsToFixed(std::int64_t{ring} + 1);
+        farInner = pixelsToFixed(size - ring - 1);
+        farOuter = pixelsToFixed(size - ring);
+    }
 };
 
 struct BorderColors {
@@ -113,14 +132,18 @@ void drawRing(const RingLines &x, const RingLines &y, const BorderColors &colors
     drawQuad(x.outer, y.inner, x.inner, y.farInner);
     setQuadColor(colors.lower);
     drawQuad(x.inner, y.farOuter, x.farInner, y.farInner);
-    drawQuad(x.farOuter, y.inner, x.farInner, y.farInner);
+    setColumns(x.farOuter, x.farInner);
+    setRows(y.inner, y.farInner);
+    drawQuad();
     setQuadColor(colors.upperCorner);
     drawQuad(x.outer, y.outer, x.inner, y.inner);
     setQuadColor(colors.middle);
-    drawQuad(x.outer, y.farOuter, x.inner, y.farInner);
+    setRows(y.farOuter, y.farInner);
+    drawQuad();
     drawQuad(x.farOuter, y.outer, x.farInner, y.inner);
     setQuadColor(colors.lowerCorner);
-    drawQuad(x.farOuter, y.farOuter, x.farInner, y.farInner);
+    setRows(y.farOuter, y.farInner);
+    drawQuad();
 }
 
 }  // namespace
@@ -164,12 +187,12 @@ bool KTBOX::render(void *data) {
         texture->render(nullptr);
     else
         KTTEXTURE::texturingOff(KTTEXTURE::channels);
-    if (isTransparent())
+    if (keltra::bitsOf(color.w) != keltra::kOneBits)  // isTransparent() without a floating-point comparison
         KTOPENGL::blendingOn();
     else
         KTOPENGL::blendingOff();
     beginQuads(*this);
-    setQuadColor(shade(color, clickedStatus ? 0.9f : 1.0f, color.w));
+    setQuadColor(clickedStatus ? shade(color, 0.9f, color.w) : toFixed(color.x, color.y, color.z, color.w));
     drawQuad(0, 0, pixelsToFixed(sizeX), pixelsToFixed(sizeY));
     keltra::drawBorder(*this, sizeX, sizeY, clickedStatus);
     if (scissorStatus) KTOPENGL::scissorOff();

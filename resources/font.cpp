@@ -44,8 +44,9 @@ unsigned char *KTFONT::fontCachedColor = nullptr;
 std::uint16_t *KTFONT::fontCachedIndex = nullptr;
 unsigned int KTFONT::fontCachedCurrent = 0;
 bool KTFONT::fontCachedFlushed = false;
-unsigned char KTFONT::fontCurrentColor[24] = {255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255,
-                                              255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255};
+alignas(std::uint32_t) unsigned char KTFONT::fontCurrentColor[24] = {255, 255, 255, 255, 255, 255, 255, 255,
+                                                                     255, 255, 255, 255, 255, 255, 255, 255,
+                                                                     255, 255, 255, 255, 255, 255, 255, 255};
 
 namespace {
 
@@ -132,7 +133,8 @@ struct Slot {
     void writeColor(std::uint32_t rgba) const {
         // Aligned as every block of the C library: the device has no other stores of words.
         std::uint32_t *target = static_cast<std::uint32_t *>(__builtin_assume_aligned(color, sizeof rgba));
-        for (unsigned int i = 0; i < kGlyphVertices; ++i) target[i] = rgba;
+        static_assert(kGlyphVertices == 6, "all of them");
+        target[0] = target[1] = target[2] = target[3] = target[4] = target[5] = rgba;
     }
 };
 

@@ -21,7 +21,8 @@ using Pixels = std::int64_t;
 
 Pixels advanceOf(const KTFONT &font, char c) {
     const unsigned int cell = static_cast<unsigned char>(c) - unsigned{' '};
-    return Pixels{font.charSizeX} - (cell < std::size(font.kerning) ? font.kerning[cell] : 0);
+    const Pixels width = font.charSizeX;
+    return cell < std::size(font.kerning) ? width - font.kerning[cell] : width;
 }
 
 // Copies a text and breaks its lines.
@@ -131,13 +132,14 @@ int keltra::formatText(const KTFONT &font, const char *source, char *destination
 unsigned int KTFONT::stringLength(const char *text) const {
     if (!text) return 0;
     Pixels length = 0;
-    while (*text) {
+    while (const char c = *text) {
         const TextToken token = keltra::textToken(text);
-        if (token == TextToken::kEnd) break;
         if (token == TextToken::kGlyph) {
-            length += advanceOf(*this, *text++);
+            length += advanceOf(*this, c);
+            ++text;
             continue;
         }
+        if (token == TextToken::kEnd) break;
         if (token == TextToken::kMoveX) length += keltra::escapeNumber(text);
         text += keltra::kEscapeLength;
     }

@@ -8,14 +8,16 @@ namespace {
 constexpr unsigned int kButtons = 10;
 constexpr char kText[] = "The quick brown fox jumps over the lazy dog.";
 constexpr unsigned int kGlyphs = sizeof kText - 1;
+constexpr char kCaption[] = "Lantern";
 
 void countButtons(KTFONT &font) {
+    count::require(font.stringLength(kCaption) < 120, "a caption that fits");
     KTNODE root;
     KTBUTTON buttons[kButtons];
     for (unsigned int i = 0; i < kButtons; ++i) {
-        buttons[i].setSizes(100, 20);
+        buttons[i].setSizes(120, 20);
         buttons[i].setPosition(5.0f, static_cast<float>(25 * i));
-        buttons[i].setCaption("Lantern");
+        buttons[i].setCaption(kCaption);
         buttons[i].setFont(&font);
         buttons[i].link(&root);
     }
