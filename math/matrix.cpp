@@ -2,6 +2,7 @@
 #include <keltra/matrix.h>
 
 #include "foundation/cold.h"
+#include "math/quotient.h"
 #include "math/sine.h"
 #include "math/soft_arm.h"
 #include "math/sparse.h"
@@ -69,6 +70,34 @@ inline void productColumn(const float *a, const float *b, float *result) {
     result[1] = a[0] * b[1] + a[1] * b[5] + a[2] * b[9] + a[3] * b[13];
     result[2] = a[0] * b[2] + a[1] * b[6] + a[2] * b[10] + a[3] * b[14];
     result[3] = a[0] * b[3] + a[1] * b[7] + a[2] * b[11] + a[3] * b[15];
+}
+#endif
+
+// The elements that rotate.
+void invertPlainly(const float *m, float *R) {
+    // The minors of the first column are those of the determinant.
+    const float first = minor(m[10], m[5], m[9], m[6]), second = minor(m[10], m[4], m[8], m[6]),
+                third = minor(m[9], m[4], m[8], m[5]);
+    const float r = 1.0f / (m[0] * first - m[1] * second + m[2] * third);
+    R[0] = first * r;
+    R[1] = -minor(m[10], m[1], m[9], m[2]) * r;
+    R[2] = minor(m[6], m[1], m[5], m[2]) * r;
+    R[4] = -second * r;
+    R[5] = minor(m[10], m[0], m[8], m[2]) * r;
+    R[6] = -minor(m[6], m[0], m[4], m[2]) * r;
+    R[8] = third * r;
+    R[9] = -minor(m[9], m[0], m[8], m[1]) * r;
+    R[10] = minor(m[5], m[0], m[4], m[1]) * r;
+}
+
+#if defined(KELTRA_SOFT_ARM)
+// The same for elements without zeros. False when not all of it is there.
+bool invertRotation(const float *m, float *R) {
+    if (!keltraMinors(m, R)) return false;
+    const std::uint32_t determinant = keltraSumOfThree(m, R);
+    if (determinant == keltra::kOneBits) return true;
+    if (determinant == 0) return false;
+    return keltraScaleRotation(keltra::bitsOf(keltra::quotient(1.0f, keltra::floatOf(determinant))), R);
 }
 #endif
 
@@ -159,20 +188,15 @@ KELTRA_COLD float R3XMATRIX::determinant() const {
 
 R3XMATRIX R3XMATRIX::inverse() const {
     R3XMATRIX result;
+#if defined(KELTRA_SOFT_ARM)
+    if (!invertRotation(m, result.m))
+        invertPlainly(m, result.m);
+    else if (keltraMoveBack(m + 12, result.m))
+        return result;
+#else
+    invertPlainly(m, result.m);
+#endif
     float *R = result.m;
-    // The minors of the first column are those of the determinant.
-    const float first = minor(m[10], m[5], m[9], m[6]), second = minor(m[10], m[4], m[8], m[6]),
-                third = minor(m[9], m[4], m[8], m[5]);
-    const float r = 1.0f / (m[0] * first - m[1] * second + m[2] * third);
-    R[0] = first * r;
-    R[1] = -minor(m[10], m[1], m[9], m[2]) * r;
-    R[2] = minor(m[6], m[1], m[5], m[2]) * r;
-    R[4] = -second * r;
-    R[5] = minor(m[10], m[0], m[8], m[2]) * r;
-    R[6] = -minor(m[6], m[0], m[4], m[2]) * r;
-    R[8] = third * r;
-    R[9] = -minor(m[9], m[0], m[8], m[1]) * r;
-    R[10] = minor(m[5], m[0], m[4], m[1]) * r;
     const float back[3] = {m[14], m[13], m[12]};
     for (int row = 0; row < 3; ++row) {
         const float columns[9] = {R[8 + row], 0.0f, 0.0f, 0.0f, R[4 + row], 0.0f, 0.0f, 0.0f, R[row]};

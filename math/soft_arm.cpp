@@ -38,26 +38,6 @@ function keltraSumOfThree
     pop {r4-r9, pc}
     .size keltraSumOfThree, . - keltraSumOfThree
 
-@ The product with an element, whose mantissa gets 32 bits.
-.macro elementProduct result, element, mantissa, exponent, low
-    mov \low, \element, lsl #8
-    orr \low, \low, #0x80000000
-    add \element, \exponent, \element, lsr #23
-    umull \low, \result, \mantissa, \low
-    cmp \result, #0x00800000
-    movlo \result, \result, lsl #1
-    orrlo \result, \result, \low, lsr #31
-    movlo \low, \low, lsl #1
-    sbc \element, \element, #127
-    cmp \low, #0x80000000
-    adc \result, \result, \element, lsl #23
-    biceq \result, \result, #1
-.endm
-.macro unpackFactor number, exponent
-    mov \exponent, \number, lsr #23
-    bic \number, \number, #0xff000000
-    orr \number, \number, #0x00800000
-.endm
 @ The factors' mantissas are in r2 to r4, their exponents in r5 to r7; all numbers are looked at first.
 function keltraTransform
     push {r0-r2, r4-r11, lr}

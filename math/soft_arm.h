@@ -52,6 +52,16 @@ extern "C" __attribute__((visibility("hidden"))) bool keltraTranslate(const floa
 extern "C" __attribute__((visibility("hidden"))) bool keltraMultiply(const float *a, const float *b,
                                                                      float *result);
 
+// The inverse of a matrix whose last row is 0 0 0 1, in three steps. The minors of the nine elements that
+// rotate, signed and in their places; false when nothing of use was done.
+extern "C" __attribute__((visibility("hidden"))) bool keltraMinors(const float *m, float *result);
+// The nine elements that are there then times a factor of bits; false when nothing was done.
+extern "C" __attribute__((visibility("hidden"))) bool keltraScaleRotation(std::uint32_t factor,
+                                                                          float *result);
+// result[12 + j] := -(place[2] result[8 + j] + place[1] result[4 + j] + place[0] result[j]), for elements as
+// they are then; false when not all of it is there.
+extern "C" __attribute__((visibility("hidden"))) bool keltraMoveBack(const float *place, float *result);
+
 // `fours` times four floats to 16.16 as toFixed does, and copies them. The copy may be where the results go.
 extern "C" __attribute__((visibility("hidden"))) void keltraToFixed(const float *values, void *copy,
                                                                     std::int32_t *fixed, unsigned int fours);
