@@ -60,7 +60,7 @@ void readKernings(const vnfParser &text, KerningValues &values) {
     while (vnfReadLine(&lines, line)) {
         char *kept = line;
         for (const char *read = line; *read; ++read)
-            if (*read != ' ' && *read != '\t') *kept++ = *read;
+            if (static_cast<unsigned char>(*read) > ' ' || (*read != ' ' && *read != '\t')) *kept++ = *read;
         *kept = '\0';
         takeLine(values, line);
     }

@@ -79,6 +79,10 @@ bool KeyLines::next() {
         firstWord = 0;
         char *kept = text;
         for (const char *c = raw; *c; ++c) {
+            if (static_cast<unsigned char>(*c) > ' ' && *c != '"') {  // most are
+                *kept++ = *c;
+                continue;
+            }
             const bool isBlank = *c == ' ' || *c == '\t';
             if (isBlank && firstWord == 0) firstWord = static_cast<std::size_t>(kept - text);
             hasBlank = hasBlank || (isBlank && isQuoted);

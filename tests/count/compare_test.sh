@@ -35,4 +35,13 @@ done
 printf 'other\t1\n' >"$folder/budgets"
 awk -v new="$folder/new" -f "$here/compare.awk" "$folder/budgets" "$folder/rows" "$folder/counts" >"$folder/table" &&
     fail "a row without a budget and a budget without a row pass"
+# Two frames of a game: the mean, and the longest.
+printf 'row\t15\nrow, longest of 2\t20\n' >"$folder/budgets"
+printf 'row\t1\tgame\nrow\t1\tgame\n' >"$folder/rows"
+printf 'region\t10\n\t10\tf\nregion\t20\n\t20\tf\n' >"$folder/counts"
+awk -v new="$folder/new" -f "$here/compare.awk" "$folder/budgets" "$folder/rows" "$folder/counts" >"$folder/table" ||
+    fail "frames of a game on their budgets fail"
+printf 'row\t15\nrow, longest of 2\t19\n' >"$folder/budgets"
+awk -v new="$folder/new" -f "$here/compare.awk" "$folder/budgets" "$folder/rows" "$folder/counts" >"$folder/table" &&
+    fail "a frame above the budget of the longest passes"
 exit 0

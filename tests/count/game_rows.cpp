@@ -21,8 +21,8 @@ using lantern_walk::GameOptions;
 using lantern_walk::SavedGame;
 using lantern_walk::Screen;
 
-// Goes on with a walk; `key` is struck or held in each frame that counts.
-void countFrames(const char *row, const char *data, const lantern_walk::Snapshot &walk, int key,
+// Goes on with a walk; `key` is struck or held in each frame that counts. Returns how it stands then.
+lantern_walk::Snapshot countFrames(const char *row, const char *data, const lantern_walk::Snapshot &walk, int key,
                  bool isHeld) {
     const char *const file = "/tmp/keltra_count.sav";
     SavedGame saved;
@@ -55,6 +55,7 @@ void countFrames(const char *row, const char *data, const lantern_walk::Snapshot
         if (counts) count::stop();
     }
     count::require(game.getScreen() == Screen::kWalk, "still a walk");
+    return game.getWalk().snapshot();
 }
 
 }  // namespace
@@ -72,10 +73,12 @@ void count::countGame(const char *data) {
     walk.oil = 0.55f;
     walk.at = {0.2f, 8.0f};
     count::require(KELTRA::init(&settings), "start of the engine");
-    countFrames("frame of the game, walking", data, walk, SDLK_UP, true);
+    lantern_walk::Snapshot end = countFrames("frame of the game, walking", data, walk, SDLK_UP, true);
+    count::require(end.at.z < walk.at.z - 5.0f, "a walk along the garden");
     count::require(KELTRA::free() && KELTRA::init(&settings), "start of the engine");
     walk.at = {2.4f, 5.6f};  // before a dark lantern, with most of the others lit
     walk.lit = 0x2fd;
-    countFrames("frame of the game, lighting", data, walk, SDLK_RETURN, false);
+    end = countFrames("frame of the game, lighting", data, walk, SDLK_RETURN, false);
+    count::require(end.lit == 0x2ff, "a lantern that was lit");
     count::require(KELTRA::free(), "end of the engine");
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/keltra.h>
+#include <tinyxml.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "formats/tga.h"
+#include "formats/xml_scan.h"
 #include "tests/count/region.h"
 
 namespace {
@@ -82,6 +84,23 @@ void countFile(const char *row, const char *data, const char *name) {
     count::require(root != nullptr, name);
 }
 
+// What the parser takes of the row above for the text that it is given: no figure of that row can be less.
+void countParser(const char *row, const char *data, const char *name) {
+    const unsigned int size = kilobytes(data, name);
+    std::FILE *file = std::fopen((std::string(data) + name).c_str(), "rb");
+    std::vector<char> text(size * 2048 + 1);
+    const std::size_t length = std::fread(text.data(), 1, text.size() - 1, file);
+    std::fclose(file);
+    std::vector<unsigned int> lines(length);
+    keltra::MarkupScan scan(text.data(), text.data() + length, lines.data(), keltra::MarkupScan::kShorter);
+    count::require(scan.run(), name);
+    const count::Region region(row, size, count::Kind::kLoad);
+    TiXmlDocument document;
+    document.SetTabSize(0);
+    document.Parse(text.data(), nullptr, TIXML_ENCODING_LEGACY);
+    count::require(!document.Error() && document.FirstChildElement(), name);
+}
+
 }  // namespace
 
 void count::countAnimation(const char *data) {
@@ -103,5 +122,7 @@ void count::countLoading(const char *data) {
     countPixels("Targa of 32 bits, a pixel, raw", rawFile());
     countPixels("Targa of 32 bits, a pixel, run-length", packedFile());
     countFile("scene file, a KB", data, "scene.kte");
+    countFile("scene file, a KB, loaded again with its textures kept", data, "scene.kte");
     countFile("interface.xml, a KB", data, "interface.xml");
+    countParser("interface.xml, a KB, TinyXML's share", data, "interface.xml");
 }
