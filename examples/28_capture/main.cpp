@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // A film of the screen: a flight through the court, of which each picture is saved, however long that takes.
 // The clock goes in steps of a picture, so that the film runs evenly. At the end stands the command that
-// makes a film of the pictures, for lesson 07_video among others. Next: what a frame takes (29_measuring).
+// makes a film of them, as lesson 07_video takes it. Next: what a frame takes (29_measuring).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>
@@ -109,10 +109,10 @@ int main(int argc, char **argv) {
     }
 
     // 4. Stop.
-    if (isScripted)
-        std::filesystem::remove_all(folder, failed);
-    else
-        std::printf("ffmpeg -framerate %d -i %s/%%04d.tga -c:v mpeg1video -b:v 900k film.m1v\n", kRate,
-                    folder.c_str());
+    if (isScripted) std::filesystem::remove_all(folder, failed);
+    const char *const command =
+        "ffmpeg -framerate %d -i %s/%%04d.tga -vf scale=96:128,pad=128:128:-1:-1 "
+        "-c:v mpeg1video -b:v 900k -f mpeg1video film.m1v\n";
+    if (!isScripted) std::printf(command, kRate, folder.c_str());
     return example::stop(ok);
 }
