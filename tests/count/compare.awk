@@ -2,9 +2,10 @@
 # awk -v new=FILE [-v profile=ROW] -f compare.awk BUDGETS ROWS COUNTS: prints the table and writes its figures to `new`.
 #
 # ROWS is what keltra_count prints, COUNTS what plugin.c writes: a region each, in the same order. Fails when a figure is
-# more than 1 % above its budget, a row has none, a budget has no row, or double precision was computed in a frame.
+# more than 1 % above its budget, a row has none, a budget has no row, double precision was computed in a frame, or a frame of
+# a game took more than 33 ms, at 400 MHz and an instruction a cycle.
 # With `profile`, prints the functions of the rows whose names contain it instead, "all" for all rows.
-BEGIN { FS = OFS = "\t" }
+BEGIN { FS = OFS = "\t"; mostOfGame = 0.033 * 400e6 }
 
 FILENAME == ARGV[1] {
     if ($0 !~ /^#/ && NF == 2) { budget[$1] = $2; listed[++budgets] = $1 }
@@ -81,6 +82,7 @@ END {
         row = order[i]
         printRow(row, total[row] / operations[row])
         if (games[row] > 1) printRow(row ", longest of " games[row], longest[row])
+        if (longest[row] > mostOfGame && games[row]) { failed = 1; print "  a frame of the game takes longer than 33 ms" }
         if (doubles[row] != "") { failed = 1; printf "  double precision in a frame:%s\n", doubles[row] }
     }
     for (i = 1; i <= budgets; ++i)

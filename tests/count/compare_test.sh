@@ -32,6 +32,8 @@ done
 for function in __aeabi_idiv __aeabi_fadd __mulsf3 __aeabi_lmul; do
     compare 100 1000 frame $function || fail "$function fails in a frame"
 done
+compare 1320000 13200000 game f || fail "a frame of a game of 33 ms fails"
+compare 1320001 13200010 game f && fail "a longer frame of a game passes"
 printf 'other\t1\n' >"$folder/budgets"
 awk -v new="$folder/new" -f "$here/compare.awk" "$folder/budgets" "$folder/rows" "$folder/counts" >"$folder/table" &&
     fail "a row without a budget and a budget without a row pass"

@@ -15,39 +15,46 @@ namespace {
 
 constexpr float kStep = 1.0f / 15.0f;
 constexpr int kFirst = 8, kFrames = 30;  // the first ones upload textures
+constexpr int kMostFrames = 2600;        // of an evening
 
 using lantern_walk::Game;
 using lantern_walk::GameOptions;
 using lantern_walk::SavedGame;
 using lantern_walk::Screen;
 
-// Goes on with a walk; `key` is struck or held in each frame that counts. Returns how it stands then.
-lantern_walk::Snapshot countFrames(const char *row, const char *data, const lantern_walk::Snapshot &walk, int key,
-                 bool isHeld) {
+void run(Game *game, const std::function<void(const Game &, KTINPUT *)> &play) {
+    count::require(game->frame(play) && KELTRA::swap(), "frame of the game");
+}
+
+// Goes on with what was saved.
+void begin(Game *game, const char *data, const SavedGame &saved) {
     const char *const file = "/tmp/keltra_count.sav";
-    SavedGame saved;
-    saved.hasWalk = true;
-    saved.walk = walk;
     GameOptions options;
     options.data = data;
     options.save = file;
     options.step = kStep;
     options.isFilmShown = false;
-    Game game;
-    count::require(lantern_walk::saveGame(file, saved) && game.start(options), "start of the game");
+    count::require(lantern_walk::saveGame(file, saved) && game->start(options), "start of the game");
     std::remove(file);
     std::srand(1);
-    const auto run = [&game](const std::function<void(const Game &, KTINPUT *)> &play) {
-        count::require(game.frame(play) && KELTRA::swap(), "frame of the game");
-    };
     for (int start : {SDLK_RIGHT, SDLK_RETURN}) {  // to "Continue"
-        run([start](const Game &, KTINPUT *input) { input->putKey(start, 0, true); });
-        run([start](const Game &, KTINPUT *input) { input->putKey(start, 0, false); });
+        run(game, [start](const Game &, KTINPUT *input) { input->putKey(start, 0, true); });
+        run(game, [start](const Game &, KTINPUT *input) { input->putKey(start, 0, false); });
     }
-    count::require(game.getScreen() == Screen::kWalk, "a walk");
+    count::require(game->getScreen() == Screen::kWalk, "a walk");
+}
+
+// Goes on with a walk; `key` is struck or held in each frame that counts. Returns how it stands then.
+lantern_walk::Snapshot countFrames(const char *row, const char *data, const lantern_walk::Snapshot &walk,
+                                   int key, bool isHeld) {
+    SavedGame saved;
+    saved.hasWalk = true;
+    saved.walk = walk;
+    Game game;
+    begin(&game, data, saved);
     for (int frame = 0; frame < kFirst + kFrames; ++frame) {
         const bool counts = frame >= kFirst;
-        run([=](const Game &, KTINPUT *input) {
+        run(&game, [=](const Game &, KTINPUT *input) {
             if (frame == kFirst) input->putKey(key, 0, true);
             if (frame == kFirst + 1 && !isHeld) input->putKey(key, 0, false);
             if (counts) count::start(row, 1, count::Kind::kGame);
@@ -56,6 +63,26 @@ lantern_walk::Snapshot countFrames(const char *row, const char *data, const lant
     }
     count::require(game.getScreen() == Screen::kWalk, "still a walk");
     return game.getWalk().snapshot();
+}
+
+// Every frame of the third evening, until the player has won it by keys; no picture is drawn that could be
+// tapped.
+void countEvening(const char *row, const char *data) {
+    SavedGame saved;
+    saved.stars[0] = saved.stars[1] = 1;
+    saved.next = 2;
+    Game game;
+    begin(&game, data, saved);
+    lantern_walk::Player player(lantern_walk::Means::kKeys);
+    for (int frame = 0; frame < kMostFrames && game.getScreen() == Screen::kWalk; ++frame) {
+        run(&game, [&](const Game &shown, KTINPUT *input) {
+            player.play(shown, input);
+            count::start(row, 1, count::Kind::kGame);
+        });
+        count::stop();
+    }
+    count::require(game.getScreen() == Screen::kWon && game.getWalk().getEveningNumber() == 2,
+                   "the third evening was won");
 }
 
 }  // namespace
@@ -80,5 +107,7 @@ void count::countGame(const char *data) {
     walk.lit = 0x2fd;
     end = countFrames("frame of the game, lighting", data, walk, SDLK_RETURN, false);
     count::require(end.lit == 0x2ff, "a lantern that was lit");
+    count::require(KELTRA::free() && KELTRA::init(&settings), "start of the engine");
+    countEvening("frame of the game, an evening", data);
     count::require(KELTRA::free(), "end of the engine");
 }
