@@ -20,8 +20,8 @@ const struct {
     float x;
 } kFilters[kLanes] = {{"nearest", false, false, 4.0f},
                       {"smooth", true, false, 66.0f},
-                      {"mipmap", false, true, 126.0f},
-                      {"both", true, true, 190.0f}};
+                      {"mipmap", false, true, 123.0f},
+                      {"both", true, true, 187.0f}};
 
 struct Show {
     KTNODE road, panel;
@@ -46,7 +46,7 @@ bool addLane(Show *show, int lane) {
     if (!texture->load("scene_mosaic_d.tga") || !texture->render(nullptr)) return false;
     KTMATERIAL *material = KTSHAPES::makeMaterial(kFilters[lane].name, 0.0f, 0.0f, 0.0f, texture);
     material->setEmission(1.0f, 0.94f, 0.86f, 1.0f);
-    example::place(KTSHAPES::makePlane(kWidth - 0.02f, kLength, 1, 24), material, &show->road,
+    example::place(KTSHAPES::makePlane(kWidth, kLength, 1, 24), material, &show->road,
                    kWidth * (static_cast<float>(lane) - 1.5f), 0.0f, -0.5f * kLength);
     KTMESH *plane = static_cast<KTMESH *>(show->road.getChild(static_cast<unsigned>(lane)));
     for (unsigned i = 0; i < plane->getNumberOfVertices(); ++i)
