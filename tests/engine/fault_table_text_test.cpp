@@ -38,6 +38,8 @@ TEST_F(FaultTableTest, Settings) {
          -1, 2},
         {"KTSETTINGS::load", withSettings("KELTRA_gamma=3\r\n"), kWarning, KT_FAULT_UNKNOWN,
          "KTSETTINGS::load: %Duser.cfg, line 1: `KELTRA_gamma`: unknown key", -1, 1},
+        {"KTSETTINGS::load", withSettings("KELTRA_AZ_az_09=3\n"), kWarning, KT_FAULT_UNKNOWN,
+         "KTSETTINGS::load: %Duser.cfg, line 1: `KELTRA_AZ_az_09`: unknown key", -1, 1},
         {"KTSETTINGS::load", withSettings("KELTRA_windowX = 320 px\n"), kWarning, KT_FAULT_VALUE,
          "KTSETTINGS::load: %Duser.cfg, line 1: `KELTRA_windowX`: found `320px`, expected a whole number", -1,
          1},

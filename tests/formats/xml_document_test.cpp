@@ -76,7 +76,7 @@ TEST(XmlDocument, HoldsElementsAndTheirTextOnly) {
 
 TEST(XmlDocument, ElementsKnowTheirLines) {
     const std::string text =
-        "\n<!-- a\r\n<b> -->\r<root at='\n\n'>\r\n\r\n<?x\n?> text\n<item\n/>\n<item/></root>\n<last/>";
+        "\r\n<!-- a\r\n<b> -->\r<root at='\n\n'>\r\n\r\n<?x\n?> text\n<item\n/>\n<item/></root>\n<last/>";
     TiXmlDocument document;
     ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document));
     const TiXmlElement *root = document.FirstChildElement("root");
@@ -87,6 +87,18 @@ TEST(XmlDocument, ElementsKnowTheirLines) {
     EXPECT_EQ(xmlLine(*item), 10u);
     EXPECT_EQ(xmlLine(*item->NextSiblingElement()), 12u);
     EXPECT_EQ(xmlLine(*root->NextSiblingElement()), 13u);
+}
+
+// Two bytes that end a line are one in the text that is parsed, from the first on.
+TEST(XmlDocument, FaultsKnowTheirBytes) {
+    const std::string text = "\r\n\r\n<a>\r\n\r\r\n<b";
+    TiXmlDocument document;
+    Fault fault;
+    ASSERT_FALSE(parseXmlDocument(text.data(), text.size(), document, &fault));
+    EXPECT_EQ(fault.offset, text.find("<b"));
+    const std::string marked = "\xEF\xBB\xBF" + text;
+    ASSERT_FALSE(parseXmlDocument(marked.data(), marked.size(), document, &fault));
+    EXPECT_EQ(fault.offset, marked.find("<b"));
 }
 
 // Only comments and text: the parser is given all of it, and takes it.
