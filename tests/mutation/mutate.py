@@ -144,7 +144,7 @@ class Tree:
         words = list(self.compile[name])
         words[words.index("-o") + 1] = target
         words[words.index("-c") + 1] = source
-        words += ["-w", "-g0", "-I", os.path.join(self.source, os.path.dirname(name))]
+        words += ["-w", "-g0", "-iquote", os.path.join(self.source, os.path.dirname(name))]
         return target if self.run(words) == 0 else None
 
     def link_command(self, target):
