@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <keltra/fault.h>
 #include <keltra/foundation.h>
+#include <keltra/fault.h>
 #include <keltra/settings.h>
 
 #include <algorithm>
@@ -124,8 +125,10 @@ TEST_F(SettingsFileTest, TextsReachFromTheFirstToTheLastQuote) {
 }
 
 TEST_F(SettingsFileTest, AnEmptyTextIsTaken) {
+    KTFAULTS::clear();
     ASSERT_TRUE(load("KELTRA_title = \"\"\n"));
     EXPECT_STREQ(settings.getTitle(), "");
+    EXPECT_EQ(KTFAULTS::getLast(), nullptr);
 }
 
 // Deliberate: not found, yet overwritten; settings files rely on it.
