@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: Zlib
 # Runs fuzz targets that are built: fuzz.sh FOLDER [TARGET [SECONDS]], or all in turn, 60 seconds each.
 # fuzz.sh FOLDER --nightly [MINUTES [SECONDS]] goes round all targets until the minutes are over (480), SECONDS each (300), keeps
-# what reached something new, looks for leaks at the end, and prints the sums of all nights.
+# what reached something new, looks for leaks at the end, and prints the sums of all nights. While there are targets with fewer
+# than three million executions in all nights, the others wait.
 #
 # FOLDER, that of the build, has bin/fuzz_TARGET. In it: corpus/ (inputs that reached something new), found/ (those that
 # failed), TARGET.txt (what the last run printed), history.txt (a line for each run) and figures.txt (the sums).
@@ -12,6 +13,7 @@ build=$1
 shift
 all_targets=$(ls fuzz/inputs)
 history=$build/history.txt
+enough=3000000
 
 # The allocator keeps little for later and short stacks, and gives nothing back to the system, which halves the time of a run; an
 # input that fails is looked at with the defaults. Leaks are looked for in the end, not after each input.
@@ -26,7 +28,12 @@ run_target() {
     mkdir -p "$build/corpus/$1" "$build/found/$1"
     log=$build/$1.txt
     result=ok
-    ASAN_OPTIONS=$fast "$build/bin/fuzz_$1" -max_total_time="$2" -rss_limit_mb=2048 -timeout=600 -print_final_stats=1 \
+    words=
+    case $1 in
+        emitter | interface | xml) words=-dict=fuzz/xml.dict ;;
+    esac
+    # shellcheck disable=SC2086  # an option or none
+    ASAN_OPTIONS=$fast "$build/bin/fuzz_$1" $words -max_total_time="$2" -rss_limit_mb=2048 -timeout=600 -print_final_stats=1 \
         -entropic=0 -detect_leaks=0 -artifact_prefix="$build/found/$1/" \
         "$build/corpus/$1" "fuzz/inputs/$1" >"$log" 2>&1 || result=failed
     executions=$(value number_of_executed_units "$log")
@@ -55,6 +62,13 @@ minimise() {
     mv "$build/corpus/$1.new" "$build/corpus/$1"
 }
 
+# behind: the targets with few executions so far.
+behind() {
+    for target in $all_targets; do
+        awk -v target="$target" -v enough=$enough '$3 == target { sum += $4 } END { if (sum < enough) print target }' "$history"
+    done
+}
+
 # For each target: executions, edges in the end, edges when nine tenths of the executions were done, runs that failed.
 sum_up() {
     awk '{ total[$3] += $4; edges[$3, ++runs[$3]] = $5; sum[$3, runs[$3]] = total[$3]; failed[$3] += $6 != "ok" }
@@ -77,8 +91,10 @@ if [ "${1:-}" != --nightly ]; then
     exit $status
 fi
 end=$(($(date +%s) + 60 * ${2:-480}))
+touch "$history"
 while [ "$(date +%s)" -lt $end ]; do
-    for target in $all_targets; do
+    targets=$(behind)
+    for target in ${targets:-$all_targets}; do
         left=$((end - $(date +%s)))
         [ $left -gt 0 ] || break
         seconds=${3:-300}
