@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Zlib
 # awk -f growth.awk FILE.json: nanoseconds an item of the rows NAME/NUMBER, the least of the repetitions, as data of gnuplot: a
-# block of each row's name with a line of number and time for each number, for rows of three numbers or more.
+# block of each row's name with a line of number and time for each number, for rows of three numbers or more. Repetitions come in
+# random order: the rows stand by name, their lines by number.
 function value(line) {
     sub(/^[^:]*: */, "", line)
     sub(/,?[ \r]*$/, "", line)
@@ -12,6 +13,13 @@ function nanoseconds(time, unit) {
     if (unit == "ms") return time * 1e6
     return unit == "s" ? time * 1e9 : time
 }
+function sort(list, count,    i, k, held) {
+    for (i = 2; i <= count; ++i) {
+        held = list[i]
+        for (k = i - 1; k > 0 && list[k] > held; --k) list[k + 1] = list[k]
+        list[k + 1] = held
+    }
+}
 function take() {
     if (!isRun || time == "" || row !~ /^[^\/]*\/[0-9]+$/) return
     name = number = row
@@ -21,7 +29,7 @@ function take() {
     if (!((name, number) in least)) {
         least[name, number] = each
         if (!(name in count)) order[++rows] = name
-        numbers[name, ++count[name]] = number
+        numbers[name, ++count[name]] = number + 0
     }
     if (each < least[name, number]) least[name, number] = each
 }
@@ -33,11 +41,14 @@ function take() {
 /^ *"items_per_second":/ { rate = value($0) + 0 }
 END {
     take()
+    sort(order, rows)
     for (i = 1; i <= rows; ++i) {
         name = order[i]
         if (count[name] < 3) continue
         printf "\n\n\"%s\"\n", name
-        for (k = 1; k <= count[name]; ++k) print numbers[name, k], least[name, numbers[name, k]]
+        for (k = 1; k <= count[name]; ++k) line[k] = numbers[name, k]
+        sort(line, count[name])
+        for (k = 1; k <= count[name]; ++k) print line[k], least[name, line[k]]
         ++drawn
     }
     if (!drawn) {

@@ -11,6 +11,8 @@ set key outside right top noenhanced samplen 2
 set style data linespoints
 set xrange [80:80000]
 stats data using 1 nooutput
-# Eight colours; what comes after them is dashed.
-plot for [i=0:STATS_blocks-1] data index i using 1:2 linetype i % 8 + 1 dashtype i / 8 + 1 linewidth 1.6 pointtype i % 8 + 4 pointsize 0.6 \
+# Seven colours that stay apart on white; what comes after them is dashed.
+array colour[7] = ["#4477aa", "#ee6677", "#228833", "#ccaa00", "#66ccee", "#aa3377", "#777777"]
+plot for [i=0:STATS_blocks-1] data index i using 1:2 linecolor rgb colour[i % 7 + 1] dashtype i / 7 + 1 linewidth 1.6 \
+  pointtype i % 7 + 4 pointsize 0.6 \
   title columnheader(1)
