@@ -32,6 +32,10 @@ class ArmSkin {
                          job.influences,
                          bones,
                          boneCount};
+        if (job.influences > kMost) {
+            for (std::size_t left = job.vertices; left; --left) skinMany(vertex);
+            return;
+        }
         for (std::size_t left = job.vertices; left; --left) skin(vertex);
     }
 
@@ -65,15 +69,27 @@ class ArmSkin {
         vertex.index = index + vertex.influences;
         vertex.weight = end;
         if (isRigid(weight, end) && *index < boneCount) return move(bones + *index, vertex.at);
-        if (vertex.influences > kMost) return blendMany(vertex, index, weight);
         Influence influences[kMost + 1], *next = influences;
-        for (; weight != end; ++weight) {
+        do {
+            std::size_t bone;  // *index++, which a compiler makes two instructions of
+            asm("ldrb %0, [%1], #1" : "=&r"(bone), "+r"(index) : : "memory");
             const std::int32_t w = positiveFixed(*weight);
-            const std::size_t bone = *index++;
-            if (w != 0 && bone < boneCount) *next++ = {w, bones + bone};
-        }
+            if (w == 0 || bone >= boneCount) continue;
+            next->weight = w;
+            next->bone = bones + bone;
+            ++next;
+        } while (++weight != end);
         next->weight = 0;
         add(influences, vertex.at);
+    }
+
+    static void skinMany(Vertex &vertex) {
+        const std::uint8_t *index = vertex.index;
+        const float *weight = vertex.weight, *end = weight + vertex.influences;
+        vertex.index = index + vertex.influences;
+        vertex.weight = end;
+        if (isRigid(weight, end) && *index < vertex.boneCount) return move(vertex.bones + *index, vertex.at);
+        blendMany(vertex, index, weight);
     }
 
     // One whole influence, the first: nine of ten vertices of a character.
@@ -153,12 +169,15 @@ class ArmSkin {
             "mov r4, #0                  \n"
             "mov r5, #0                  \n"
             "mov r6, #0                  \n"
-            "1: ldmia r0!, {r12, lr}     \n"
+            "ldmia r0!, {r12, lr}        \n"
             "cmp r12, #0                 \n"
             "beq 2f                      \n"
+            "1:                          \n"
             KELTRA_SKIN_ADD_POINT("r4", "lr, #24") KELTRA_SKIN_ADD_POINT("r5", "lr, #16")
             KELTRA_SKIN_ADD_POINT("r6", "lr, #8")
-            "b 1b                        \n"
+            "ldmia r0!, {r12, lr}        \n"
+            "cmp r12, #0                 \n"
+            "bne 1b                      \n"
             "2: ldmia sp, {r0, r12}      \n"
             "ldr lr, [r12, #4]           \n"
             "stmia lr!, {r4, r5, r6}     \n"
@@ -169,16 +188,18 @@ class ArmSkin {
             "mov r4, #0                  \n"
             "mov r5, #0                  \n"
             "mov r6, #0                  \n"
-            "3: ldmia r0!, {r12, lr}     \n"
+            "ldmia r0!, {r12, lr}        \n"
             "cmp r12, #0                 \n"
             "beq 4f                      \n"
+            "3:                          \n"
             KELTRA_SKIN_ADD_VECTOR("r4") KELTRA_SKIN_ADD_VECTOR("r5") KELTRA_SKIN_ADD_VECTOR("r6")
-            "b 3b                        \n"
-            "4: ldr r12, [sp, #4]        \n"
+            "ldmia r0!, {r12, lr}        \n"
+            "cmp r12, #0                 \n"
+            "bne 3b                      \n"
+            "4: pop {r1, r12}            \n"
             "ldr lr, [r12]               \n"
             "stmia lr!, {r4, r5, r6}     \n"
             "str lr, [r12]               \n"
-            "add sp, sp, #8              \n"
             "pop {r4-r11, pc}            \n");
     }
 
