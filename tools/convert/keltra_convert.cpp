@@ -136,6 +136,9 @@ void describeReductions(CLI::App &app, Arguments &arguments, CLI::Option *textur
                            "default, none, or triangles=5000,vertices=5000,bones=40,textures=2M,clips=1M"),
             checkBudgetText)
         ->capture_default_str();
+    app.add_flag("--atlas", options.atlas,
+                 "Pictures share textures, and meshes that then look alike are joined")
+        ->excludes(texture);
     CLI::Option *fit =
         app.add_flag("--fit", options.fit, "Reduce triangles, pictures and clips to the budget");
     checked(app.add_option("--clip-error", options.clipError,

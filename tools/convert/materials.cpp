@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/materials.h"
 
+#include "tools/convert/joined_materials.h"
 #include "tools/convert/names.h"
 #include "tools/convert/properties.h"
 #include "tools/convert/setup_code.h"
+#include "tools/convert/source_format.h"
 #include "tools/convert/surface.h"
 #include "tools/convert/textures.h"
 
@@ -20,7 +22,6 @@
 namespace keltra::convert {
 namespace {
 
-constexpr float kOutside = 1e-3f;  // of a picture's width, that texture coordinates may leave it by
 constexpr char kOneTexture[] = "a surface has one texture";
 constexpr char kUnused[] = "the engine's lighting does not use them";
 
@@ -124,29 +125,15 @@ const char *mapsOf(aiTextureType type) {
     }
 }
 
-// Whether some mesh of the material shows its picture more than once.
-bool repeatsPicture(const aiScene &scene, unsigned material, unsigned channel) {
-    for (unsigned i = 0; i < scene.mNumMeshes; ++i) {
-        const aiMesh &mesh = *scene.mMeshes[i];
-        if (mesh.mMaterialIndex != material) continue;
-        const aiVector3D *uvs =
-            channel < AI_MAX_NUMBER_OF_TEXTURECOORDS ? mesh.mTextureCoords[channel] : nullptr;
-        if (!uvs) return true;
-        for (unsigned v = 0; v < mesh.mNumVertices; ++v)
-            if (!(uvs[v].x >= -kOutside && uvs[v].x <= 1.0f + kOutside && uvs[v].y >= -kOutside &&
-                  uvs[v].y <= 1.0f + kOutside))
-                return true;
-    }
-    return false;
-}
-
 class Converter {
    public:
     Converter(const aiScene &scene, const Options &options, Report &report)
         : options(options),
           report(report),
           textures(scene, options, report),
-          properties(materialProperties(scene, options.model, report)) {}
+          properties(materialProperties(scene, options.model, report)),
+          alphaIsOpacity(importerOf(scene) == kAc3dImporter),
+          allTwoSided(isTwoSidedAc3d(scene, options.model, report)) {}
 
     void add(const aiMaterial &material);
     Materials finish(const aiScene &scene);
@@ -162,16 +149,18 @@ class Converter {
     void applyTexture(const aiMaterial &material, const Chosen &chosen, float opacity,
                       formats::Material &result);
     void dropRest(const std::vector<Layer> &layers, const Chosen &chosen);
-    void joinTextures(const aiScene &scene);
     void setFilter(const std::string &filter, const std::string &texture, bool clamped);
 
     const Options &options;
     Report &report;
     Textures textures;
     const std::map<std::string, MaterialProperties> properties;
+    const bool alphaIsOpacity;  // in all pictures: the format has no word for it
+    const bool allTwoSided;
     Names names;
     Materials made;
-    std::vector<bool> joinable;  // materials whose picture may become part of a larger texture
+    std::vector<const char *>
+        apart;  // why a material's picture cannot be part of a larger one; null if it can
 };
 
 // An emission map becomes the base texture only of a material that is otherwise black: a grey wall with a map
@@ -209,8 +198,8 @@ TextureRequest Converter::requestFor(const aiMaterial &material, const Chosen &c
     if (chosen.base) {
         request.base = chosen.base->path;
         const int flags = flagsOf(material, *chosen.base);
-        if (mode == AlphaMode::kBlend || (mode == AlphaMode::kNone && (flags & aiTextureFlags_UseAlpha)))
-            request.alpha = AlphaUse::kKeep;
+        const bool uses = alphaIsOpacity || (flags & aiTextureFlags_UseAlpha) != 0;
+        if (mode == AlphaMode::kBlend || (mode == AlphaMode::kNone && uses)) request.alpha = AlphaUse::kKeep;
         if (flags & aiTextureFlags_IgnoreAlpha) request.alpha = AlphaUse::kDrop;
     }
     if (chosen.base && mode == AlphaMode::kMask) {
@@ -321,36 +310,22 @@ void Converter::add(const aiMaterial &material) {
         report.drop("additive blending", 1, "the engine blends by alpha only");
     const Layer *mapped = chosen.base ? chosen.base : chosen.opacity;
     made.uvChannel.push_back(mapped ? uvChannelOf(material, *mapped) : 0);
-    int twoSided = 0;
+    int twoSided = allTwoSided ? 1 : 0;
     material.Get(AI_MATKEY_TWOSIDED, twoSided);
     made.twoSided.push_back(twoSided != 0 && result.transparency == 1.0f);
     made.uvPlace.emplace_back();
-    // A picture with normals has a partner, and a filter is that of the whole texture.
-    joinable.push_back(mapped && !chosen.normals && (own == properties.end() || own->second.filter.empty()));
+    made.same.push_back(static_cast<unsigned>(made.same.size()));
+    const bool filtered = own != properties.end() && !own->second.filter.empty();
+    apart.push_back(chosen.normals ? "they have normal maps beside them"
+                    : filtered     ? "a filter is set, which is that of a whole texture"
+                                   : nullptr);
     made.materials.push_back(std::move(result));
 }
 
-// Of all textures whose pictures nothing repeats.
-void Converter::joinTextures(const aiScene &scene) {
-    std::set<std::string> wanted, repeated;
-    for (std::size_t m = 0; m < made.materials.size(); ++m) {
-        const bool single =
-            joinable[m] && !repeatsPicture(scene, static_cast<unsigned>(m), made.uvChannel[m]);
-        (single ? wanted : repeated).insert(made.materials[m].texture);
-    }
-    for (const std::string &file : repeated) wanted.erase(file);
-    const std::map<std::string, Textures::Joined> joined = textures.join(wanted, options.budget.textures);
-    for (std::size_t m = 0; m < made.materials.size(); ++m) {
-        const auto found = joined.find(made.materials[m].texture);
-        if (found == joined.end()) continue;
-        made.materials[m].texture = found->second.file;
-        made.uvPlace[m] = found->second.place;
-    }
-}
-
 Materials Converter::finish(const aiScene &scene) {
-    if (options.fit) joinTextures(scene);
+    if (options.fit || options.atlas) joinPictures(scene, apart, options, textures, made);
     if (options.fit && options.budget.textures > 0) textures.shrinkTo(options.budget.textures);
+    if (options.atlas) joinEqualMaterials(made, report);
     made.textures = textures.take();
     const bool normals = std::any_of(made.textures.begin(), made.textures.end(), [](const OutputFile &f) {
         return f.name.size() > 6 && f.name.compare(f.name.size() - 6, 6, "_n.tga") == 0;

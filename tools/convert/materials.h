@@ -18,6 +18,7 @@ struct Materials {
     std::vector<unsigned> uvChannel;           // of each material's base texture
     std::vector<UvPlace> uvPlace;              // of its picture in its texture
     std::vector<bool> twoSided;                // opaque ones: the engine draws both sides of all others
+    std::vector<unsigned> same;                // the first one that is equal but for its name, or itself
     std::vector<OutputFile> textures;
 };
 

@@ -35,6 +35,7 @@ namespace {
 // with the version 5.2.5. The converter's own ones give better results; each has the figures beside it.
 constexpr unsigned kSteps = aiProcess_Triangulate | aiProcess_GenUVCoords | aiProcess_TransformUVCoords;
 
+constexpr char kBindBuffer[] = ".bind-matrices.bin";    // the same
 constexpr char kPlainBuffer[] = ".plain-vertices.bin";  // of a glTF file, in memory only
 constexpr char kUnknownFormat[] = "No suitable reader found";
 
@@ -124,9 +125,13 @@ void Model::prepareGltf(const std::string &path) {
     GltfBuffers buffers(document.json, document.behind(), files->where());
     std::string plain = buffers.makePlain(kPlainBuffer);
     const bool expanded = expandInstances(document.json, buffers, found);
+    const bool separated = separateSkins(document.json);
+    std::string binds = completeSkins(document.json, kBindBuffer);
     reportGltf(document.json, found);
-    const bool renamed = namePictures(document.json), changed = renamed || expanded || !plain.empty();
+    const bool renamed = namePictures(document.json),
+               changed = renamed || expanded || separated || !plain.empty() || !binds.empty();
     if (!plain.empty()) files->addFile(kPlainBuffer, std::move(plain));
+    if (!binds.empty()) files->addFile(kBindBuffer, std::move(binds));
     if (changed) files->replaceModel(document.bytes());
 }
 

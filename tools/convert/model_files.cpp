@@ -32,6 +32,9 @@ bool isMaterialLibrary(const std::string &file) {
     return lower(fs::path(file).extension().string()) == ".mtl";
 }
 
+// A figure of Quake III has a file for head, body and legs each, which the importer puts together.
+bool isPartOfModel(const std::string &file) { return lower(fs::path(file).extension().string()) == ".md3"; }
+
 // The entry of the folder that has this name in other letters; empty for none. The first in the order of
 // their bytes if there are several.
 std::string sameInOtherCase(const fs::path &folder, const std::string &name) {
@@ -102,7 +105,13 @@ Assimp::IOStream *ModelFiles::Open(const char *file, const char *mode) {
 void ModelFiles::tell(Report &report) const {
     // Also a model that no importer has read.
     addOnce(report.inputs, fs::path(model).lexically_normal().string());
-    for (const std::string &file : read) addOnce(report.inputs, file);
+    std::string parts;
+    for (const std::string &file : read) {
+        addOnce(report.inputs, file);
+        if (isPartOfModel(file) && fs::path(file).filename() != fs::path(model).filename())
+            parts += (parts.empty() ? "" : ", ") + fs::path(file).filename().string();
+    }
+    if (!parts.empty()) report.note(cleanText(parts) + ": the other parts of its figure are joined to it");
     for (const std::string &file : refused)
         report.miss("file " + cleanText(file) +
                     " is not read: it lies outside of the model's folder; --textures can name its folder");

@@ -33,6 +33,7 @@ struct Options {
     BackSides backSides = BackSides::kOpen;
     double simplify = 0.0;  // share of the triangles to keep, below 1, or how many; 0 for all
     Budget budget;
+    bool atlas = false;        // pictures share textures, and meshes of a node that then have equal materials
     bool fit = false;          // reduces triangles, pictures and clips to the budget
     double clipError = 0.005;  // how far `fit` may move a point of a clip, as a share of the model's size
     bool strict = false;       // nothing is written when anything was dropped, changed, missing or warned of

@@ -69,6 +69,7 @@ struct Report {
     std::uint64_t clipBytes = 0;      // of all animation files
     std::vector<Over> over;
     std::vector<Dropped> dropped, changed;
+    std::vector<Dropped> apart;         // pictures that share no texture although that was asked for
     std::uint64_t missing = 0;          // files and pictures that the model names and that were not read
     std::vector<std::string> warnings;  // results that the user should check
     std::vector<std::string> notes;     // changes that the user may not expect
@@ -81,6 +82,9 @@ struct Report {
     }
     void change(const std::string &what, std::uint64_t count, const std::string &why) {
         add(changed, what, count, why);
+    }
+    void keepApart(const std::string &what, std::uint64_t count, const std::string &why) {
+        add(apart, what, count, why);
     }
     void miss(const std::string &text) {
         ++missing;

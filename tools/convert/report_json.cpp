@@ -81,6 +81,7 @@ static void to_json(Json &json, const Report &report) {
     json["over"] = report.over;
     json["dropped"] = report.dropped;
     json["changed"] = report.changed;
+    json["apart"] = report.apart;
     json["missing"] = report.missing;
     json["warnings"] = report.warnings;
     json["notes"] = report.notes;
@@ -100,6 +101,7 @@ static void from_json(const Json &json, Report &report) {
     json.at("over").get_to(report.over);
     json.at("dropped").get_to(report.dropped);
     json.at("changed").get_to(report.changed);
+    json.at("apart").get_to(report.apart);
     json.at("missing").get_to(report.missing);
     json.at("warnings").get_to(report.warnings);
     json.at("notes").get_to(report.notes);

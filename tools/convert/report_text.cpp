@@ -148,6 +148,7 @@ std::string textOf(const std::string &model, const std::string &folder, const Ou
     put(text, "setup", setupLines(report.setup));
     put(text, "dropped", countedLines(report.dropped));
     put(text, "changed", countedLines(report.changed));
+    put(text, "apart", countedLines(report.apart));
     put(text, "warnings", printableAll(report.warnings));
     put(text, "source", printableAll(report.source));
     put(text, "notes", printableAll(report.notes));

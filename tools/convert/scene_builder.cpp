@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <map>
 #include <optional>
 
 namespace keltra::convert {
@@ -63,6 +64,7 @@ struct MeshPasses {
     float deviation = 0.0f;
     std::uint64_t twoSided = 0, closed = 0, oneSided = 0;  // meshes of two-sided materials
     std::uint64_t backs = 0;                               // triangles
+    std::uint64_t joined = 0;                              // meshes that became parts of others
 };
 
 class Builder {
@@ -97,7 +99,9 @@ class Builder {
     void simplifyAll(std::vector<formats::MeshData> &meshes, bool alone);
     void addBacks(std::vector<formats::MeshData> &meshes);
     void reportPasses();
+    std::vector<std::vector<RigidMesh>> rigidGroups() const;
     void addRigidMeshes();
+    bool joins(const Skin &skin, const Skin &first, bool tooMany) const;
     void addSkins();
     void addLights();
     void addLight(const aiLight &light);
@@ -132,7 +136,7 @@ class Builder {
 const std::string &Builder::materialOf(unsigned mesh) const {
     static const std::string none;
     const unsigned index = scene.mMeshes[mesh]->mMaterialIndex;
-    return index < materials.materials.size() ? materials.materials[index].name : none;
+    return index < materials.materials.size() ? materials.materials[materials.same[index]].name : none;
 }
 
 unsigned Builder::uvChannelOf(unsigned mesh) const {
@@ -207,6 +211,7 @@ void Builder::reportPasses() {
     report.change("two-sided meshes", passes.closed,
                   "they are closed: their back sides are left out, without --two-sided all");
     report.drop("back sides of meshes", passes.oneSided, "--two-sided none");
+    report.change("meshes", passes.joined, "they became parts of others of their node and material");
     if (passes.before == 0) return;
     char text[160];
     std::snprintf(text, sizeof text, "now %llu of %llu; a surface moved by up to %.2g %% of its mesh's size",
@@ -218,23 +223,48 @@ void Builder::reportPasses() {
                     " triangles without tearing");
 }
 
-void Builder::addRigidMeshes() {
+// Each alone or, with an atlas, those of a node that have the same material.
+std::vector<std::vector<RigidMesh>> Builder::rigidGroups() const {
+    std::vector<std::vector<RigidMesh>> groups;
+    std::map<std::pair<unsigned, std::string>, std::size_t> known;
     for (const RigidMesh &rigid : rig.rigidMeshes) {
+        const auto found = options.atlas ? known.find({rigid.joint, materialOf(rigid.mesh)}) : known.end();
+        if (found != known.end()) {
+            groups[found->second].push_back(rigid);
+            continue;
+        }
+        if (options.atlas) known[{rigid.joint, materialOf(rigid.mesh)}] = groups.size();
+        groups.push_back({rigid});
+    }
+    return groups;
+}
+
+void Builder::addRigidMeshes() {
+    for (const std::vector<RigidMesh> &group : rigidGroups()) {
+        const unsigned joint = group[0].joint, first = group[0].mesh;
         MeshBuilder builder = newMesh();
-        builder.add(*scene.mMeshes[rigid.mesh], rigid.bake, nullptr, uvChannelOf(rigid.mesh), rejects,
-                    uvPlaceOf(rigid.mesh));
-        const bool alone = rig.sources[rig.joints[rigid.joint].source].node->mNumMeshes == 1;
-        const bool isHelper = properties[rig.joints[rigid.joint].source].helper.has_value();
-        for (formats::MeshData &mesh : finish(builder, rigid.mesh, alone)) {
-            if (isHelper) {
-                setup.addHelperMesh(rigid.joint, mesh);
+        for (const RigidMesh &rigid : group)
+            builder.add(*scene.mMeshes[rigid.mesh], rigid.bake, nullptr, uvChannelOf(rigid.mesh), rejects,
+                        uvPlaceOf(rigid.mesh));
+        passes.joined += group.size() - 1;
+        const NodeProperties &own = properties[rig.joints[joint].source];
+        const bool alone = rig.sources[rig.joints[joint].source].node->mNumMeshes == group.size();
+        for (formats::MeshData &mesh : finish(builder, first, alone)) {
+            if (own.helper.has_value()) {
+                setup.addHelperMesh(joint, mesh);
                 continue;
             }
             count(mesh);
-            properties[rig.joints[rigid.joint].source].applyTo(mesh);
-            atJoint[rigid.joint].push_back(meshNode("", std::move(mesh), materialOf(rigid.mesh)));
+            own.applyTo(mesh);
+            atJoint[joint].push_back(meshNode("", std::move(mesh), materialOf(first)));
         }
     }
+}
+
+// Whether a skin becomes a part of another one's mesh.
+bool Builder::joins(const Skin &skin, const Skin &first, bool tooMany) const {
+    if (materialOf(skin.mesh) != materialOf(first.mesh)) return false;
+    return tooMany || (options.atlas && skin.source == first.source);
 }
 
 // The engine draws a limited number of skins per frame: if the model has more, skins of the same material are
@@ -246,14 +276,17 @@ void Builder::addSkins() {
         if (done[s]) continue;
         const Skin &first = rig.skins[s];
         MeshBuilder builder = newMesh();
-        for (std::size_t other = s; other < (joined ? rig.skins.size() : s + 1); ++other) {
+        std::size_t parts = 0;
+        for (std::size_t other = s; other < rig.skins.size(); ++other) {
             const Skin &skin = rig.skins[other];
-            if (done[other] || materialOf(skin.mesh) != materialOf(first.mesh)) continue;
+            if (done[other] || (other != s && !joins(skin, first, joined))) continue;
             builder.add(*scene.mMeshes[skin.mesh], skin.bake, &skin, uvChannelOf(skin.mesh), rejects,
                         uvPlaceOf(skin.mesh));
             done[other] = true;
+            ++parts;
         }
-        const bool alone = !joined && rig.sources[first.source].node->mNumMeshes == 1;
+        if (!joined) passes.joined += parts - 1;
+        const bool alone = !joined && rig.sources[first.source].node->mNumMeshes == parts;
         for (formats::MeshData &mesh : finish(builder, first.mesh, alone)) {
             count(mesh);
             properties[first.source].applyTo(mesh);
@@ -422,7 +455,8 @@ std::uint64_t countNodes(const formats::Node &node) {
 formats::Scene buildScene(const aiScene &scene, Rig &rig, const Materials &materials, const Options &options,
                           Report &report, const Progress &progress) {
     formats::Scene built;
-    built.materials = materials.materials;
+    for (unsigned m = 0; m < materials.materials.size(); ++m)
+        if (materials.same[m] == m) built.materials.push_back(materials.materials[m]);
     if (built.materials.size() > kMaxCount)
         throw Refusal("it has more than " + std::to_string(kMaxCount) + " materials");
     Builder(scene, rig, materials, options, report, progress).build(built.root);

@@ -221,4 +221,18 @@ SourceSpace spaceOf(const aiScene &scene, const Options &options, Report &report
     return space;
 }
 
+bool isTwoSidedAc3d(const aiScene &scene, const std::string &model, Report &report) {
+    if (importerOf(scene) != kAc3dImporter) return false;
+    constexpr unsigned long kTwoSided = 0x20;
+    std::ifstream file(model, std::ios::binary);
+    std::uint64_t two = 0, one = 0;
+    for (std::string line; std::getline(file, line);)
+        if (line.compare(0, 5, "SURF ") == 0)
+            ++((std::strtoul(line.c_str() + 5, nullptr, 0) & kTwoSided) != 0 ? two : one);
+    if (one == 0) return two > 0;
+    report.drop("two-sided surfaces", two,
+                "their importer does not say which they are: front sides are drawn");
+    return false;
+}
+
 }  // namespace keltra::convert

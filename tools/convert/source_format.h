@@ -15,9 +15,14 @@ struct aiScene;
 namespace keltra::convert {
 
 constexpr char kFbxImporter[] = "Autodesk FBX Importer";
+constexpr char kAc3dImporter[] = "AC3D Importer";
 
 // The name of the importer that read the model, as assimp has it; empty for a scene that none has read.
 std::string importerOf(const aiScene &scene);
+
+// Whether all surfaces of an AC3D model have two sides, which its importer does not read. Some of them are a
+// loss that the report has.
+bool isTwoSidedAc3d(const aiScene &scene, const std::string &model, Report &report);
 
 struct SourceSpace {
     double metres = 1.0;  // that a unit of the importer's scene has

@@ -2,7 +2,6 @@
 #include "tools/convert/textures.h"
 
 #include "formats/limits.h"
-#include "tools/convert/atlas.h"
 
 #include <algorithm>
 #include <cctype>
@@ -16,9 +15,7 @@ using formats::Rgba;
 
 constexpr std::size_t kLongestTextureName = 160;  // leaves room for a path before it
 constexpr std::size_t kSmallestShrunk = 64;       // pixels
-constexpr unsigned kLargestJoined = 128;          // pixels of a side
 constexpr char kNoFileName[] = "it is no name of a file, and the material has its colour only";
-constexpr char kBaseEnding[] = "_d.tga";
 
 // Alpha 0 everywhere means no alpha: some exporters write it so.
 bool isBlank(const Image &image) {
@@ -80,17 +77,48 @@ Textures::Textures(const aiScene &scene, const Options &options, Report &report)
       largest(largestSide(options.maxTexture)),
       report(report),
       source(scene, options.model, options.folders),
+      scripts(options.folders),
       names(kLongestTextureName, false) {}
 
-bool Textures::read(const std::string &path, const std::string &consequence, Image &image, bool ownName) {
+// A picture of that name, or what a material script names for it, or a picture of the model's own name.
+PicturePlace Textures::find(const std::string &path, bool ownName, const ScriptedMaterial *&scripted) {
     try {
-        const PicturePlace place = source.find(path, ownName);
+        return source.find(path);
+    } catch (const PictureFault &fault) {
+        if (!ownName || !fault.missing) throw;
+    }
+    scripted = scripts.find(path);
+    try {
+        if (scripted) return source.find(scripted->picture);
+    } catch (const PictureFault &) {
+    }
+    scripted = nullptr;
+    return source.find(path, true);
+}
+
+void Textures::tellScript(const std::string &path, const ScriptedMaterial &scripted) {
+    const std::string script = std::filesystem::path(scripted.script).lexically_normal().string();
+    if (reported.insert(script + "\ninput").second) report.inputs.push_back(script);
+    if (!reported.insert(path + "\nscript").second) return;
+    report.note(quoted(path) + " is " + cleanText(scripted.picture) + ", as " +
+                cleanText(std::filesystem::path(script).filename().string()) + " says");
+    report.drop("additive blending", scripted.additive ? 1 : 0, "the engine blends by alpha only");
+    report.drop("reflections", scripted.reflection ? 1 : 0, "texture coordinates are those of the vertices");
+}
+
+bool Textures::read(const std::string &path, const std::string &consequence, Image &image, bool ownName,
+                    bool *seeThrough) {
+    try {
+        const ScriptedMaterial *scripted = nullptr;
+        const PicturePlace place = find(path, ownName, scripted);
         std::string remark;
         const std::string file = std::filesystem::path(place.file).lexically_normal().string();
         if (!place.embedded && reported.insert(file + "\ninput").second) report.inputs.push_back(file);
         image = source.read(place, remark);
         const bool first = reported.insert(path).second;
-        if (first && !place.instead.empty())
+        if (scripted) tellScript(path, *scripted);
+        if (scripted && seeThrough) *seeThrough = scripted->seeThrough;
+        if (first && !scripted && !place.instead.empty())
             report.note(quoted(path) + " is read from " + cleanText(place.instead));
         reportSize(path, image);
         if (first && !remark.empty())
@@ -124,7 +152,8 @@ void Textures::loadBase(const TextureRequest &request, Pictures &pictures) {
         return;
     }
     const bool named = isFileName(request.base);
-    if (!read(request.base, named ? "a checkerboard replaces it" : kNoFileName, base, true)) {
+    bool scripted = false;
+    if (!read(request.base, named ? "a checkerboard replaces it" : kNoFileName, base, true, &scripted)) {
         if (!named) {
             pictures.plain = true;
             return;
@@ -136,7 +165,7 @@ void Textures::loadBase(const TextureRequest &request, Pictures &pictures) {
     }
     if (hasAlpha(base)) {
         if (isBlank(base)) makeOpaque(base);
-        if (request.alpha == AlphaUse::kDrop) {
+        if (request.alpha == AlphaUse::kDrop && !scripted) {
             makeOpaque(base);
             if (request.opacity.empty() && reported.insert(request.base + "\nalpha").second)
                 report.note("the alpha of " + quoted(request.base) +
@@ -261,40 +290,6 @@ void Textures::shrinkTo(std::uint64_t bytes) {
     }
     for (const std::size_t i : shrunk) files[i].bytes = targa(images[i], report.textures[i].bits == 32);
     report.change("pictures", shrunk.size(), "they were halved to fit the budget");
-}
-
-void Textures::remove(std::size_t index) {
-    const auto at = static_cast<std::ptrdiff_t>(index);
-    report.textureMemory -= std::uint64_t{images[index].pixels.size()} * 4;
-    report.textures.erase(report.textures.begin() + at);
-    files.erase(files.begin() + at);
-    images.erase(images.begin() + at);
-}
-
-std::map<std::string, Textures::Joined> Textures::join(const std::set<std::string> &wanted,
-                                                       std::uint64_t most) {
-    std::vector<std::size_t> small;
-    for (std::size_t i = 0; i < images.size(); ++i)
-        if (wanted.count(files[i].name) && !report.textures[i].missing &&
-            std::max(images[i].width, images[i].height) <= kLargestJoined)
-            small.push_back(i);
-    std::vector<const Image *> pictures;
-    std::uint64_t before = 0;
-    for (const std::size_t i : small) pictures.push_back(&images[i]);
-    const Atlas atlas = packAtlas(pictures, largest);
-    small.resize(atlas.places.size());
-    for (const std::size_t i : small) before += images[i].pixels.size();
-    const std::uint64_t after = atlas.image.pixels.size();
-    if (small.size() < 2 || after > 2 * before) return {};
-    if (most > 0 && report.textureMemory + 4 * after > most + 4 * before) return {};
-    const std::string file = names.take(name + "_atlas", name + "_texture", kBaseEnding);
-    std::map<std::string, Joined> joined;
-    for (std::size_t i = 0; i < small.size(); ++i) joined[files[small[i]].name] = {file, atlas.places[i]};
-    for (std::size_t i = small.size(); i-- > 0;) remove(small[i]);
-    add(file, std::to_string(small.size()) + " pictures", atlas.image, false,
-        targa(atlas.image, hasAlpha(atlas.image)));
-    report.change("pictures", small.size(), "they are small, and share the texture " + file);
-    return joined;
 }
 
 std::vector<OutputFile> Textures::take() { return std::move(files); }

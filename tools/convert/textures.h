@@ -4,6 +4,8 @@
 
 // Makes the texture files of a model. Materials that use the same pictures in the same way share a file.
 
+#include "tools/convert/atlas.h"
+#include "tools/convert/material_scripts.h"
 #include "tools/convert/names.h"
 #include "tools/convert/options.h"
 #include "tools/convert/picture_source.h"
@@ -18,6 +20,9 @@
 struct aiScene;
 
 namespace keltra::convert {
+
+// How names of base textures end.
+constexpr char kBaseEnding[] = "_d.tga";
 
 // Why a picture's size is changed.
 constexpr char kNewSize[] = "their sides become powers of two, within the limit";
@@ -57,9 +62,12 @@ class Textures {
         std::string file;
         UvPlace place;
     };
-    // Puts small pictures of these files into one, by their files' names; those that do not fit stay. Empty
-    // when fewer than two are small, when they would take twice the memory, or more than the budget.
-    std::map<std::string, Joined> join(const std::set<std::string> &wanted, std::uint64_t most);
+    // What keeps files out of an atlas, by their names; null for nothing.
+    using Apart = std::map<std::string, const char *>;
+    // Puts pictures of these files together into as few as possible. With `all`, large ones too, and the
+    // report has those that stay apart; otherwise small ones, without taking twice the memory. `most` is the
+    // budget of textures, 0 for none.
+    std::map<std::string, Joined> join(const Apart &apart, bool all, std::uint64_t most);
     // Halves the largest pictures until all take at most so many bytes of the engine's memory.
     void shrinkTo(std::uint64_t bytes);
     // All files. May be called once.
@@ -71,8 +79,10 @@ class Textures {
         bool missing = false, seeThrough = false;
         bool plain = false;  // there is no picture, and none is missing
     };
+    PicturePlace find(const std::string &path, bool ownName, const ScriptedMaterial *&scripted);
     bool read(const std::string &path, const std::string &consequence, formats::Image &image,
-              bool ownName = false);
+              bool ownName = false, bool *seeThrough = nullptr);
+    void tellScript(const std::string &path, const ScriptedMaterial &scripted);
     void loadBase(const TextureRequest &request, Pictures &pictures);
     void mergeOpacity(const TextureRequest &request, Pictures &pictures);
     void loadNormals(const TextureRequest &request, Pictures &pictures);
@@ -81,12 +91,16 @@ class Textures {
     void add(const std::string &name, const std::string &source, const formats::Image &image, bool missing,
              std::vector<std::uint8_t> bytes);
     TextureMade write(const TextureRequest &request, const Pictures &pictures);
+    std::vector<std::size_t> candidates(const Apart &apart, bool all, bool seeThrough);
+    Atlas packed(const std::vector<std::size_t> &wanted, bool all, std::uint64_t most) const;
+    void replace(std::vector<std::size_t> &wanted, const Atlas &atlas, std::map<std::string, Joined> &joined);
     void remove(std::size_t index);
 
     const std::string name;
     unsigned largest;  // side, a power of two
     Report &report;
     PictureSource source;
+    MaterialScripts scripts;
     Names names;
     std::map<std::string, TextureMade> madeBefore;                   // by request
     std::map<std::vector<std::uint8_t>, TextureMade> writtenBefore;  // by content

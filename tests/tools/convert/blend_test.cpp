@@ -20,7 +20,8 @@ class BlendTest : public ConvertTest {
    protected:
     void SetUp() override {
         ConvertTest::SetUp();
-        if (!std::filesystem::exists(kBlender)) GTEST_SKIP() << "Blender is not installed";
+        if (!std::filesystem::exists(kBlender))
+            GTEST_SKIP() << "./run blender installs Blender and runs this too";
         const ProgramRun run =
             runProgram({kBlender, "-b", "--factory-startup", "--python-exit-code", "3", "--python",
                         KELTRA_BLEND_SCRIPT, "--", model(), folder.path("reference")});

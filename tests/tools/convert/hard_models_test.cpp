@@ -5,6 +5,7 @@
 #include "tests/tools/convert/support/convert_fixture.h"
 #include "tests/tools/convert/support/source_pose.h"
 #include "tools/formats/fault_text.h"
+#include "tools/formats/tga_writer.h"
 
 #include <gtest/gtest.h>
 
@@ -307,6 +308,51 @@ TEST_F(HardModelsTest, TheFilesAreWhatTheReportSays) {
     SceneFault fault{};
     const std::vector<std::uint8_t> &scene = made.conversion.files.back().bytes;
     EXPECT_TRUE(checkScene(scene.data(), scene.size(), fault)) << formats::textOf(fault);
+}
+
+/// A leaf whose surfaces have these flags, in AC3D's format.
+std::string leafOf(const std::vector<std::string> &flags) {
+    std::string text =
+        "AC3Db\nMATERIAL \"m\" rgb 1 1 1 amb 1 1 1 emis 0 0 0 spec 0 0 0 shi 0 trans 0\n"
+        "OBJECT world\nkids 1\nOBJECT poly\nname \"leaf\"\ntexture \"leaf.tga\"\n"
+        "numvert 4\n0 0 0\n1 0 0\n0 1 0\n0 0 1\nnumsurf " +
+        std::to_string(flags.size()) + "\n";
+    for (std::size_t i = 0; i < flags.size(); ++i)
+        text += "SURF " + flags[i] + "\nmat 0\nrefs 3\n0 0 0\n1 1 0\n" + std::to_string(2 + i % 2) + " 0 1\n";
+    return text + "kids 0\n";
+}
+
+class Ac3dTest : public HardModelsTest {
+   protected:
+    void putLeaf(std::uint8_t alpha) {
+        formats::Image leaf(4, 4);
+        for (formats::Rgba &pixel : leaf.pixels) pixel = {20, 120, 30, 255};
+        leaf.pixels[5].a = alpha;
+        const std::vector<std::uint8_t> bytes = formats::writeTga(leaf, {false, 32, false});
+        folder.write("leaf.tga", bytes.data(), bytes.size());
+    }
+};
+
+// The format has no word for it: programs that show it blend every picture that has alpha.
+TEST_F(Ac3dTest, TheAlphaOfPicturesCounts) {
+    putLeaf(0);
+    const Made made = make("leaf.ac", leafOf({"0x10"}));
+    ASSERT_EQ(made.report().textures.size(), 1u);
+    EXPECT_EQ(made.report().textures[0].bits, 32u);
+    EXPECT_FALSE(mentions(made.report(), "alpha"));
+    const std::vector<KTMESH *> meshes = meshesOf(made.root());
+    ASSERT_FALSE(meshes.empty());
+    EXPECT_LT(meshes[0]->getMaterial()->getTransparency(), 1.0f);
+}
+
+TEST_F(Ac3dTest, TwoSidedSurfacesAreDrawnOrCounted) {
+    putLeaf(255);
+    EXPECT_EQ(trianglesOf(make("one.ac", leafOf({"0x10", "0x10"}))), 2u);
+    EXPECT_EQ(trianglesOf(make("two.ac", leafOf({"0x30", "0x20"}))), 4u);
+    const Made mixed = make("mixed.ac", leafOf({"0x30", "0x10"}));
+    EXPECT_EQ(trianglesOf(mixed), 2u);
+    EXPECT_TRUE(mentions(mixed.report(), "two-sided surfaces"));
+    EXPECT_EQ(mixed.report().tally().dropped, 1u);
 }
 
 }  // namespace
