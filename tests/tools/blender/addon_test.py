@@ -162,6 +162,14 @@ class ExportTest(AddonTest):
         self.assertEqual(bpy.context.scene.keltra.path, os.path.join(self.folder, "stage.kte"))
         self.assertIn("width: 64", self.info("stage_boards_d.tga"))
 
+    def test_textures_can_be_shared(self):
+        scenes.figure()
+        scenes.stage()
+        Exported(self.folder, "all", atlas=True)
+        textures = [file for file in os.listdir(self.folder) if file.endswith(".tga")]
+        self.assertEqual(textures, ["all_atlas_d.tga"])
+        self.assertTrue(bpy.context.scene.keltra.atlas)
+
     def test_files_pass_the_engines_own_check(self):
         scenes.figure()
         scenes.stage()

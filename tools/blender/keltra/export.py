@@ -48,6 +48,8 @@ def write(context, options, folder, stem):
         model = os.path.join(scratch, stem + ".glb")
         still = gltf.write(model, options, clips.of_scene(scene, objects, options.clips), rate)
         arguments = [model, "-o", folder, "--name", stem, "--fps", f"{rate:.9g}", "--max-texture", options.max_texture]
+        if options.atlas:
+            arguments.append("--atlas")
         if options.fit:
             arguments.append("--fit")
         if options.setup_code:

@@ -63,13 +63,15 @@ class ExportOptions:
     max_texture: bpy.props.EnumProperty(
         name="Size", default="512", description="The longest side of a texture",
         items=tuple((str(size), f"{size} pixels", "") for size in (64, 128, 256, 512)))
+    atlas: bpy.props.BoolProperty(
+        name="Share Textures", description="Pack pictures together, and join materials that are equal then")
     fit: bpy.props.BoolProperty(name="Fit the Budget", description="Reduce triangles and pictures to the budget")
 
     setup_code: bpy.props.BoolProperty(
         name="Setup Code", default=True,
         description="Also write a C++ header with ids, helpers, reaches and filters, which scene files cannot hold")
 
-    names = ("selection", "clips", "deform_only", "max_texture", "fit", "setup_code")
+    names = ("selection", "clips", "deform_only", "max_texture", "atlas", "fit", "setup_code")
 
     def copy_to(self, other):
         for name in ExportOptions.names:
