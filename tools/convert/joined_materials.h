@@ -4,10 +4,12 @@
 
 // Materials whose pictures share a texture, and those that are equal then.
 
-#include "tools/convert/materials.h"
+#include "tools/convert/made_materials.h"
 #include "tools/convert/textures.h"
 
 #include <vector>
+
+struct aiScene;
 
 namespace keltra::convert {
 
