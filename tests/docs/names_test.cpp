@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -128,6 +129,27 @@ TEST(DocumentsTest, FilesAndFoldersExist) {
         }
     }
     EXPECT_GT(checked, 40);
+}
+
+// The comment at the top of each lesson names the next one, in the order of the folders; each is short.
+TEST(DocumentsTest, LessonsAreACourse) {
+    std::set<fs::path> lessons;
+    for (const fs::directory_entry &entry : fs::directory_iterator(projectFolder() / "examples"))
+        if (fs::exists(entry.path() / "main.cpp")) lessons.insert(entry.path());
+    ASSERT_GE(lessons.size(), 29u);
+    const std::string page = contentsOf(projectFolder() / "docs/lessons.md");
+    for (auto lesson = lessons.begin(); lesson != lessons.end(); ++lesson) {
+        const std::string text = contentsOf(*lesson / "main.cpp"), name = lesson->filename().string();
+        EXPECT_LT(std::count(text.begin(), text.end(), '\n'), 120) << name;
+        EXPECT_NE(page.find('`' + name + '`'), std::string::npos) << name;
+        const std::size_t next = text.find(" Next: ");
+        if (std::next(lesson) == lessons.end()) continue;
+        ASSERT_LT(next, text.find("#include")) << name;
+        const std::string head = text.substr(next, text.find("#include") - next);
+        EXPECT_EQ(matches(head, "\\b([0-9]{2}_[a-z]+)"),
+                  std::set<std::string>{std::next(lesson)->filename().string()})
+            << name;
+    }
 }
 
 TEST(DocumentsTest, CommandsAreThoseOfRun) {

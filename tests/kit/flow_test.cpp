@@ -7,6 +7,8 @@
 #include <cmath>
 #include <string>
 
+#include "tests/support/allocations.h"
+
 namespace keltra::test {
 namespace {
 
@@ -120,6 +122,25 @@ TEST_F(KitScreensTest, TheStackHoldsEight) {
     EXPECT_FALSE(screens.push(&more[3]));
     EXPECT_EQ(screens.getNumberOfScreens(), KTSCREENS::maxScreens);
     EXPECT_STREQ(KTFAULTS::getLast()->call, "KTSCREENS::push");
+}
+
+TEST(KitFlowTest, AFrameAllocatesNothing) {
+    KTSCREEN title, menu;
+    KTSCREENS screens;
+    KTTWEEN tween;
+    Allocations::startCounting();
+    for (int i = 0; i < 6; ++i) {
+        if (i == 1) screens.change(&title);
+        if (i == 2) screens.push(&menu);
+        if (i == 4) screens.pop();
+        tween.go(static_cast<float>(i), 1.0f);
+        tween.update(0.1f);
+        screens.update(0.1f);
+        screens.draw3D();
+        screens.draw2D();
+    }
+    EXPECT_EQ(Allocations::stopCounting(), 0);
+    EXPECT_EQ(screens.getTop(), &title);
 }
 
 }  // namespace

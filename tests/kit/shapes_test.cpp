@@ -198,5 +198,17 @@ TEST_F(KitShapesTest, ABillboardFacesTheEye) {
     KTSHAPES::faceEye(nullptr, R3XVECTOR3D());
 }
 
+TEST_F(KitShapesTest, AFrameOfSpritesAndBillboardsAllocatesNothing) {
+    KTMESH *const quad = KTSHAPES::makeQuad(1.0f, 1.0f);
+    ASSERT_NE(quad, nullptr);
+    Allocations::startCounting();
+    for (unsigned int i = 0; i < 5; ++i) {
+        KTSHAPES::setCell(quad, 4, 2, i);
+        KTSHAPES::getCell(4, 2, i);
+        KTSHAPES::faceEye(quad, R3XVECTOR3D(static_cast<float>(i), 2, 9));
+    }
+    EXPECT_EQ(Allocations::stopCounting(), 0);
+}
+
 }  // namespace
 }  // namespace keltra::test
