@@ -101,6 +101,58 @@ TEST(XmlDocument, FaultsKnowTheirBytes) {
     EXPECT_EQ(fault.offset, marked.find("<b"));
 }
 
+TEST(XmlDocument, FaultsBehindInstructionsKnowTheirBytes) {
+    TiXmlDocument document;
+    Fault fault, wanted;
+    const std::string text = "<a><?skip it?></b></a>", blanks = "<a>           </b></a>";
+    ASSERT_FALSE(parseXmlDocument(text.data(), text.size(), document, &fault));
+    ASSERT_FALSE(parseXmlDocument(blanks.data(), blanks.size(), document, &wanted));
+    EXPECT_GT(wanted.offset, 3u);
+    EXPECT_EQ(fault.offset, wanted.offset);
+}
+
+TEST(XmlDocument, FaultsSayWhatIsWrongFirst) {
+    std::string attributes = "<a";
+    for (unsigned i = 0; i <= kMaxXmlAttributes; ++i) attributes += " x" + std::to_string(i) + "=''";
+    const struct {
+        std::string text;
+        FaultText reason;
+        long limit;
+    } cases[] = {
+        {"<a b='1", KT_TEXT("has a quote that is not closed"), 0},
+        {"<a b=1", KT_TEXT("does not end"), 0},
+        {nested(kMaxXmlNesting + 1), KT_TEXT("nests deeper than %ld elements"), kMaxXmlNesting},
+        {attributes + "/>", KT_TEXT("has more than %ld attributes"), kMaxXmlAttributes},
+        {"<r>" + repeat("<a/>", kMaxXmlTags), KT_TEXT("more than %ld tags"), kMaxXmlTags},
+    };
+    for (const auto &one : cases) {
+        TiXmlDocument document;
+        Fault fault;
+        ASSERT_FALSE(parseXmlDocument(one.text.data(), one.text.size(), document, &fault));
+        EXPECT_TRUE(fault.reason == one.reason) << one.text.substr(0, 20);
+        EXPECT_EQ(fault.limit, one.limit) << one.text.substr(0, 20);
+    }
+}
+
+TEST(XmlDocument, NamesBeginWithLettersAndWhatIsBeyondAscii) {
+    for (const char *name : {"a", "m", "z", "A", "M", "Z", "_", "\x7f", "\x80", "\xff"}) {
+        const std::string text = std::string("\n<") + name + "/>";
+        TiXmlDocument document;
+        ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document)) << name;
+        EXPECT_EQ(xmlLine(*document.FirstChildElement()), 2u) << name;
+    }
+}
+
+TEST(XmlDocument, TextIsHeldWithBlanksAndWithout) {
+    const std::string text = "<a>one<b/>\ttwo words\n</a>";
+    TiXmlDocument document;
+    ASSERT_TRUE(parseXmlDocument(text.data(), text.size(), document));
+    TiXmlPrinter printer;
+    printer.SetStreamPrinting();
+    document.Accept(&printer);
+    EXPECT_EQ(printer.Str(), "<a>one<b />two words</a>");
+}
+
 // Only comments and text: the parser is given all of it, and takes it.
 TEST(XmlDocument, WithoutElementsIsReadAsItIs) {
     TiXmlDocument document;
