@@ -101,10 +101,13 @@ def errors(browser):
 
 
 def overflow(browser):
-    """By how many pixels the page is wider than the screen, and what sticks out of it furthest."""
+    """By how many pixels the page is wider than the screen, and what sticks out of it furthest; or what is cut at the edge."""
     return browser.execute_script(
         """const wide = document.scrollingElement.scrollWidth - window.innerWidth;
-        if (wide <= 0) return null;
+        const cut = [...document.querySelectorAll('article :is(h1, h2, h3, h4, p, dt, li)')].find(
+            element => element.scrollWidth > element.clientWidth + 1 && element.clientWidth && !element.closest('.table-wrapper')
+                && getComputedStyle(element).overflowX === 'visible' && getComputedStyle(element).display !== 'inline');
+        if (wide <= 0) return cut ? 'cut: ' + cut.outerHTML.slice(0, 120) : null;
         let worst = null, edge = 0;
         for (const element of document.body.querySelectorAll('*')) {
             const right = element.getBoundingClientRect().right;
