@@ -18,23 +18,12 @@ namespace {
 
 bool isInterface(const char *path) { return std::strstr(path, ".xml") || std::strstr(path, ".XML"); }
 
-// A public fault is large: it has no place in the frames below which a scene is built.
-[[gnu::noinline]] KTNODE *refuse(keltra::FaultScope &scope, const keltra::SceneFault &fault) {
-    scope.fail(keltra::toPublic(fault));
-    return nullptr;
-}
-
-[[gnu::noinline]] KTNODE *refuseWithoutRoot(keltra::FaultScope &scope) {
-    scope.fail(keltra::toPublic(keltra::guiRootMissing(), "", 0));
-    return nullptr;
-}
-
 [[gnu::noinline]] KTNODE *loadScene(const char *path, keltra::FaultScope &scope) {
-    const keltra::FileBytes file(path);
-    if (!file.data()) return scope.failFile(file.isOutOfMemory()), nullptr;
+    const keltra::FileBytes file(path, keltra::kLargestFile, &scope);
+    if (!file.data()) return nullptr;
     keltra::SceneContents contents;
     keltra::SceneFault fault;
-    if (!contents.read(file.data(), file.size(), fault)) return refuse(scope, fault);
+    if (!contents.read(file.data(), file.size(), fault)) return keltra::refuse(scope, fault), nullptr;
     KTNODE *root = keltra::buildScene(contents);
     if (!root) return scope.fail(KT_FAULT_OUT_OF_MEMORY), nullptr;
     KELTRA::recursiveInitBones(root, root);
@@ -70,7 +59,7 @@ KTNODE *KELTRA::loadXML(const char *fileName) {
     TiXmlDocument document;
     if (!keltra::loadXmlDocument(fileName, document, &scope)) return nullptr;
     const TiXmlElement *description = keltra::guiRoot(document);
-    if (!description) return refuseWithoutRoot(scope);
+    if (!description) return keltra::refuse(scope, keltra::guiRootMissing(), "", 0), nullptr;
     return keltra::buildInterface(*description, fileName, scope);
 }
 

@@ -10,6 +10,7 @@ namespace keltra {
 namespace {
 
 const std::size_t kMagicSize = sizeof kAnimMagic - 1;
+const std::size_t kCountsOffset = kMagicSize + 1;  // behind the end of text
 
 bool readCounts(FieldReader &reader, AnimRecord &record) {
     const unsigned char *magic = reader.array(KT_TEXT("magic"), kMagicSize, 1);
@@ -17,16 +18,15 @@ bool readCounts(FieldReader &reader, AnimRecord &record) {
     if (std::memcmp(magic, kAnimMagic, kMagicSize) != 0)
         return reader.refuse(0, KT_TEXT("magic"), KT_TEXT("not an animation file of version 1.6a"));
     reader.u8(KT_TEXT("end of text"));
-    const std::size_t offset = reader.position();
     record.bones = reader.u16(KT_TEXT("bone count"));
     record.frames = reader.u16(KT_TEXT("frame count"));
     if (!reader.isWhole()) return false;
     if (record.bones > kMaxAnimBones)
-        return reader.refuseValue(offset, KT_TEXT("bone count"), record.bones, KT_TEXT("more than %ld"),
-                                  kMaxAnimBones);
+        return reader.refuseValue(kCountsOffset, KT_TEXT("bone count"), record.bones,
+                                  KT_TEXT("more than %ld"), kMaxAnimBones);
     if (record.frames > kMaxAnimFrames)
-        return reader.refuseValue(offset + 2, KT_TEXT("frame count"), record.frames, KT_TEXT("more than %ld"),
-                                  kMaxAnimFrames);
+        return reader.refuseValue(kCountsOffset + 2, KT_TEXT("frame count"), record.frames,
+                                  KT_TEXT("more than %ld"), kMaxAnimFrames);
     return true;
 }
 

@@ -67,7 +67,8 @@ class ByteReader {
     bool skip(std::size_t bytes) { return take(bytes) != nullptr; }
 
     std::size_t remaining() const { return left; }
-    std::size_t position() const { return std::size_t(cursor - begin); }
+    std::size_t position() const { return offsetOf(cursor); }
+    std::size_t offsetOf(const unsigned char *place) const { return std::size_t(place - begin); }
     bool ok() const { return !bad; }
 
    private:

@@ -13,9 +13,6 @@ namespace {
 constexpr int kZero = 0, kOne = 1, kSrcColor = 0x300, kOneMinusSrcColor = 0x301, kSrcAlpha = 0x302,
               kOneMinusDstAlpha = 0x305, kDstColor = 0x306, kSrcAlphaSaturate = 0x308;
 
-const char *const kValue[] = {"value", nullptr}, *const kSizes[] = {"x", "y", nullptr},
-                  *const kComponents[] = {"x", "y", "z", nullptr};
-
 }  // namespace
 
 const EmitterSetting kEmitterSettings[kEmitterSettingCount] = {
@@ -46,9 +43,9 @@ const EmitterSetting *findEmitterSetting(const char *name) {
     return nullptr;
 }
 
-const char *const *emitterAttributes(EmitterValue kind) {
-    if (kind == EmitterValue::kSize) return kSizes;
-    return kind == EmitterValue::kVector ? kComponents : kValue;
+XmlNames emitterAttributes(EmitterValue kind) {
+    if (kind == EmitterValue::kSize) return "x\0y\0";
+    return kind == EmitterValue::kVector ? "x\0y\0z\0" : "value\0";
 }
 
 bool isBlendFactor(int code, bool isSource) {

@@ -50,9 +50,8 @@ extern const EmitterSetting kEmitterSettings[kEmitterSettingCount];
 
 // Null for another name.
 const EmitterSetting *findEmitterSetting(const char *name);
-// Names of the attributes, `x` and `y` for a size, and `z` too for a vector, otherwise `value`; null behind
-// the last.
-const char *const *emitterAttributes(EmitterValue kind);
+// Names of the attributes: `x` and `y` for a size, and `z` too for a vector, otherwise `value`.
+XmlNames emitterAttributes(EmitterValue kind);
 
 // Null for a document of another root, which changes no setting.
 const TiXmlElement *emitterRoot(const TiXmlDocument &document);

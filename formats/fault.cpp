@@ -34,21 +34,27 @@ unsigned int distanceOf(const char *wanted, unsigned int rows, const char *known
 
 }  // namespace
 
-bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason, long limit) {
+bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason) {
     if (!fault) return false;
     *fault = {};
     fault->offset = offset;
     fault->field = field;
     fault->reason = reason;
-    fault->limit = limit;
     fault->code = KT_FAULT_DATA;
+    return false;
+}
+
+bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason, long limit) {
+    refuse(fault, offset, field, reason);
+    if (fault) fault->limit = limit;
     return false;
 }
 
 bool refuseValue(Fault *fault, std::size_t offset, FaultText field, long found, FaultText reason,
                  long limit) {
-    refuse(fault, offset, field, reason, limit);
+    refuse(fault, offset, field, reason);
     if (fault) {
+        fault->limit = limit;
         fault->found = found;
         fault->hasFound = true;
     }
@@ -64,7 +70,7 @@ bool refuseMemory(Fault *fault) {
 KTFAULT &toPublic(const Fault &fault) {
     KTFAULT &result = newFault(static_cast<KT_FAULT_CODE>(fault.code));
     writeFaultText(result.field, fault.field);
-    if (fault.hasFound) std::snprintf(result.found, sizeof result.found, "%ld", fault.found);
+    if (fault.hasFound) setFaultNumber(result.found, fault.found);
     writeFaultText(result.expected, fault.reason, fault.limit);
     result.byte = static_cast<long>(fault.offset);
     return result;
@@ -75,6 +81,29 @@ KTFAULT &toPublic(const Fault &fault, const char *text, std::size_t size) {
     result.byte = -1;
     result.line = lineAt(text, size, fault.offset);
     return result;
+}
+
+bool refuse(FaultScope &scope, const Fault &fault) { return scope.fail(toPublic(fault)); }
+
+bool refuse(FaultScope &scope, const Fault &fault, const char *text, std::size_t size) {
+    return scope.fail(toPublic(fault, text, size));
+}
+
+KTFAULT &unknownName(FaultText what, const char *whole, const char *found, const char *nearest) {
+    KTFAULT &fault = newFault(KT_FAULT_UNKNOWN);
+    fault.severity = KT_FAULT_WARNING;
+    writeFaultText(fault.field, what, whole);
+    setFaultText(fault.found, found);
+    setFaultText(fault.expected, nearest);
+    return fault;
+}
+
+KTFAULT &beyondLimit(FaultText field, FaultText found, unsigned int most, FaultText expected) {
+    KTFAULT &fault = newFault(KT_FAULT_LIMIT);
+    writeFaultText(fault.field, field);
+    writeFaultText(fault.found, found, most);
+    writeFaultText(fault.expected, expected);
+    return fault;
 }
 
 FaultText integerFlaw(const char *text, long least, long most) {
@@ -106,6 +135,10 @@ void NearestName::offer(const char *known) {
     if (distance >= least) return;
     least = distance;
     nearest = known;
+}
+
+void NearestName::offerEach(const char *const *name, std::size_t count, std::size_t step) {
+    for (; count; --count, name += step) offer(*name);
 }
 
 }  // namespace keltra

@@ -6,6 +6,7 @@
 // the file name. What has no effect in a file that loads is reported as warnings, without a call.
 
 #include <cstddef>
+#include <type_traits>
 
 #include "foundation/fault.h"
 
@@ -22,8 +23,8 @@ struct Fault {
 };
 
 // Each stores the fault unless `fault` is null. Always false.
-[[gnu::cold]] bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason,
-                          long limit = 0);
+[[gnu::cold]] bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason);
+[[gnu::cold]] bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason, long limit);
 [[gnu::cold]] bool refuseValue(Fault *fault, std::size_t offset, FaultText field, long found,
                                FaultText reason, long limit = 0);
 [[gnu::cold]] bool refuseMemory(Fault *fault);
@@ -32,6 +33,16 @@ struct Fault {
 KTFAULT &toPublic(const Fault &fault);
 // The same by line, for text.
 KTFAULT &toPublic(const Fault &fault, const char *text, std::size_t size);
+
+// Fails a call with it. Always false.
+[[gnu::cold]] bool refuse(FaultScope &scope, const Fault &fault);
+[[gnu::cold]] bool refuse(FaultScope &scope, const Fault &fault, const char *text, std::size_t size);
+
+// A warning of a name that is not known; `what` it names may have a %s for `whole`. `nearest` is the known
+// name most like it, or empty.
+KTFAULT &unknownName(FaultText what, const char *whole, const char *found, const char *nearest);
+// An error: `found` may have a %u for `most`.
+KTFAULT &beyondLimit(FaultText field, FaultText found, unsigned int most, FaultText expected);
 
 // What is wrong with the text of an integer, a text for the limits; nothing when it is one within them.
 FaultText integerFlaw(const char *text, long least, long most);
@@ -45,10 +56,18 @@ class NearestName {
    public:
     explicit NearestName(const char *wanted);
     void offer(const char *known);
+    // Names, or records that begin with a name.
+    template <class Record>
+    void offerAll(const Record *records, std::size_t count) {
+        static_assert(std::is_standard_layout<Record>::value, "the name is where the record is");
+        offerEach(reinterpret_cast<const char *const *>(records), count, sizeof *records / sizeof(char *));
+    }
     // Empty when none is near enough.
     const char *name() const { return nearest; }
 
    private:
+    void offerEach(const char *const *name, std::size_t count, std::size_t step);
+
     const char *wanted, *nearest;
     unsigned int least;
 };

@@ -32,15 +32,16 @@ class FieldReader {
 
     std::size_t remaining() const { return reader.remaining(); }
     std::size_t position() const { return reader.position(); }
+    // Of what an earlier read returned, not null.
+    std::size_t offsetOf(const unsigned char *place) const { return reader.offsetOf(place); }
     // False when a field reached past the end or a name is too long; the fault says which.
     bool isWhole() {
-        if (!reader.ok() && !found.code)
-            keltra::refuse(&found, fieldOffset, field, KT_TEXT("ends early or is too long"));
+        if (!reader.ok()) refuse(fieldOffset, field, KT_TEXT("ends early or is too long"));
         return reader.ok();
     }
     // Notes the first fault; always false.
-    bool refuse(std::size_t offset, FaultText name, FaultText reason, long limit = 0) {
-        if (!found.code) keltra::refuse(&found, offset, name, reason, limit);
+    bool refuse(std::size_t offset, FaultText name, FaultText reason) {
+        if (!found.code) keltra::refuse(&found, offset, name, reason);
         return false;
     }
     bool refuseValue(std::size_t offset, FaultText name, long value, FaultText reason, long limit = 0) {

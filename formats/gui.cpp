@@ -12,16 +12,11 @@ namespace keltra {
 const char *const kGuiObjectNames[kGuiObjectCount] = {"window", "button",  "text",    "label",
                                                       "box",    "vslider", "hslider", "font"};
 const GuiProperty kGuiProperties[kGuiPropertyCount] = {
-    {"name", XmlValue::kShortText, {"value"}},
-    {"title", XmlValue::kShortText, {"value"}},
-    {"position", XmlValue::kInteger, {"x", "y"}},
-    {"size", XmlValue::kInteger, {"width", "height"}},
-    {"usefont", XmlValue::kText, {"ref"}},
-    {"texture", XmlValue::kText, {"value"}},
-    {"kerning", XmlValue::kText, {"value"}},
-    {"write", XmlValue::kText, {"value"}},
-    {"color", XmlValue::kReal, {"r", "g", "b", "a"}},
-    {"kind", XmlValue::kText, {"value"}},
+    {"name", XmlValue::kShortText, "value\0"},  {"title", XmlValue::kShortText, "value\0"},
+    {"position", XmlValue::kInteger, "x\0y\0"}, {"size", XmlValue::kInteger, "width\0height\0"},
+    {"usefont", XmlValue::kText, "ref\0"},      {"texture", XmlValue::kText, "value\0"},
+    {"kerning", XmlValue::kText, "value\0"},    {"write", XmlValue::kText, "value\0"},
+    {"color", XmlValue::kReal, "r\0g\0b\0a\0"}, {"kind", XmlValue::kText, "value\0"},
 };
 const char *const kGuiKinds[kGuiKindCount] = {"normal", "inverted", "switch"};
 

@@ -31,12 +31,12 @@ enum GuiPropertyName {
     kGuiColor,
     kGuiKind
 };
-constexpr int kGuiPropertyCount = 10, kGuiAttributes = 4;
+constexpr int kGuiPropertyCount = 10;
 
 struct GuiProperty {
     const char *name;
     XmlValue kind;
-    const char *attributes[kGuiAttributes + 1];  // null behind the last; without all of them it is skipped
+    XmlNames attributes;  // without all of them it is skipped
 };
 extern const GuiProperty kGuiProperties[kGuiPropertyCount];
 

@@ -29,17 +29,15 @@ class KeyLines {
     bool next();
 
     void unknown(const char *word, const char *nearest) const {
-        KTFAULT &fault = newFault(KT_FAULT_UNKNOWN);
-        writeFaultText(fault.field, KT_TEXT("key"));
-        setFaultText(fault.expected, nearest);
-        tell(fault, word);
+        tell(unknownName(KT_TEXT("key"), nullptr, word, nearest));
     }
     void tell(KT_FAULT_CODE code, const char *key, const char *found, FaultText expected, long least = 0,
               long most = 0) const {
         KTFAULT &fault = newFault(code);
         setFaultText(fault.field, key);
+        setFaultText(fault.found, found);
         writeFaultText(fault.expected, expected, least, most);
-        tell(fault, found);
+        tell(fault);
     }
     void repeated(const char *word) const { tell(KT_FAULT_REPEATED, "", word, {}); }
     void unread() const { tell(KT_FAULT_LINE, "", text, KT_TEXT("a key, `=` and a value")); }
@@ -56,8 +54,7 @@ class KeyLines {
     bool lostBlanks;        // there were some between the first and the last quote
 
    private:
-    void tell(KTFAULT &fault, const char *found) const {
-        if (found) setFaultText(fault.found, found);
+    void tell(KTFAULT &fault) const {
         fault.line = line;
         warnFault({}, fault);
     }
@@ -95,11 +92,8 @@ bool KeyLines::next() {
         *kept = '\0';
         if (firstWord == 0) firstWord = static_cast<std::size_t>(kept - text);
         if (firstWord == 0 || end - begin < static_cast<std::int32_t>(kLineSize)) continue;
-        KTFAULT &fault = newFault(KT_FAULT_LIMIT);
-        writeFaultText(fault.field, KT_TEXT("line"));
-        writeFaultText(fault.found, KT_TEXT("longer than 255 characters"));
-        writeFaultText(fault.expected, KT_TEXT("the rest is not read"));
-        tell(fault, nullptr);
+        tell(beyondLimit(KT_TEXT("line"), KT_TEXT("longer than 255 characters"), 0,
+                         KT_TEXT("the rest is not read")));
     } while (firstWord == 0);
     return true;
 }
@@ -126,58 +120,44 @@ void checkSetting(const KeyLines &line, const SettingKey &key, const char *rest,
     if (flaw != FaultText()) line.tell(KT_FAULT_VALUE, key.name, value, flaw);
 }
 
-// Keys that a line may begin with: that of a character, and those with names, the last first.
-constexpr unsigned int kCandidates = 1 + kKerningKeys - kKerningCharacters;
-
-// The text of one of them, in `text`, and its number; kKerningKeys and an empty text when the character has
-// no key.
-unsigned int candidateKey(unsigned int candidate, char character, char (&text)[kKerningKeySize]) {
-    unsigned int key = kKerningKeys - candidate;
-    if (candidate == 0) key = static_cast<unsigned char>(character) - unsigned{' '};
-    if (candidate == 0 && key >= kKerningCharacters) key = kKerningKeys;
-    *text = '\0';
-    if (key < kKerningKeys) kerningKey(key, text);
+// The key of `length` characters at `name`, behind the prefix; kKerningKeys for none.
+unsigned int kerningKeyOf(const char *name, std::size_t length) {
+    const unsigned int character = static_cast<unsigned char>(*name) - unsigned{' '};
+    if (length == 1 && character < kKerningCharacters) return character;
+    unsigned int key = kKerningCharacters;
+    for (const char *named : kKerningNames) {
+        if (std::strlen(named) == length && std::memcmp(name, named, length) == 0) break;
+        ++key;
+    }
     return key;
 }
 
-// Most lines are a character's key and its value: no text is made for them.
-bool isPlainLine(const char *line, bool (&met)[kKerningKeys]) {
-    for (const char *c = kKerningPrefix; *c; ++c, ++line)
-        if (*line != *c) return false;
-    const unsigned int key = static_cast<unsigned char>(*line) - unsigned{' '};
-    long number;
-    if (key >= kKerningCharacters || met[key] || line[1] != '=' || !plainInteger(line + 2, number))
-        return false;
-    if (number < SCHAR_MIN || number > SCHAR_MAX) return false;
-    met[key] = true;
-    return true;
-}
-
-void checkKerningLine(const KeyLines &line, bool (&met)[kKerningKeys]) {
-    const bool isPrefixed = std::strncmp(line.text, kKerningPrefix, kKerningPrefixLength) == 0;
-    char keys[kCandidates][kKerningKeySize];
-    for (unsigned int i = 0; isPrefixed && i < kCandidates; ++i) {
-        const unsigned int key = candidateKey(i, line.text[kKerningPrefixLength], keys[i]);
-        const std::size_t length = std::strlen(keys[i]);
-        if (key == kKerningKeys || std::strncmp(line.text, keys[i], length) != 0 || line.text[length] != '=')
-            continue;
-        if (met[key]) return line.repeated(keys[i]);
-        met[key] = true;
-        line.integer(keys[i], line.text + length + 1, SCHAR_MIN, SCHAR_MAX);
-        return;
-    }
-    char word[kLineSize];
-    std::strcpy(word, line.text);
-    char *equals = std::strchr(word, '=');
+void checkKerningLine(KeyLines &line, bool (&met)[kKerningKeys]) {
+    char *const equals = std::strchr(line.text, '=');
     if (!equals) return line.unread();
-    *equals = '\0';
-    NearestName nearest(word);
-    // The last character is the one that the key is for.
-    for (unsigned int i = 0; i < kCandidates; ++i) {
-        candidateKey(i, *word ? equals[-1] : ' ', keys[i]);
-        nearest.offer(keys[i]);
+    const bool isPrefixed = std::strncmp(line.text, kKerningPrefix, kKerningPrefixLength) == 0;
+    char *const name = line.text + kKerningPrefixLength;
+    if (isPrefixed) {
+        char *const end = equals + (equals == name && equals[1] == '=');  // the key of that character
+        const unsigned int key = kerningKeyOf(name, static_cast<std::size_t>(end - name));
+        if (key < kKerningKeys) {
+            *end = '\0';
+            if (met[key]) return line.repeated(line.text);
+            met[key] = true;
+            line.integer(line.text, end + 1, SCHAR_MIN, SCHAR_MAX);
+            return;
+        }
     }
-    if (isPrefixed || *nearest.name()) return line.unknown(word, nearest.name());
+    *equals = '\0';
+    NearestName nearest(line.text);
+    // The last character is the one that the key is for.
+    const unsigned int last = static_cast<unsigned char>(*line.text ? equals[-1] : ' ') - unsigned{' '};
+    char keys[1 + kKerningKeys - kKerningCharacters][kKerningKeySize];
+    for (unsigned int i = 0; i < sizeof keys / sizeof *keys; ++i)
+        if (i > 0 || last < kKerningCharacters)
+            nearest.offer(kerningKey(i ? kKerningKeys - i : last, keys[i]));
+    if (isPrefixed || *nearest.name()) return line.unknown(line.text, nearest.name());
+    *equals = '=';
     line.unread();
 }
 
@@ -195,8 +175,7 @@ void checkSettings(const vnfParser &text) {
         std::size_t key = 0;
         while (key < kSettingsKeyCount && std::strcmp(kSettingsKeys[key].name, word) != 0) ++key;
         NearestName nearest(word);
-        for (std::size_t i = 0; key == kSettingsKeyCount && i < kSettingsKeyCount; ++i)
-            nearest.offer(kSettingsKeys[i].name);
+        if (key == kSettingsKeyCount) nearest.offerAll(kSettingsKeys, kSettingsKeyCount);
         if (key < kSettingsKeyCount)
             checkSetting(line, kSettingsKeys[key], rest, met[key]);
         else if (*nearest.name() || std::strncmp(word, kSettingsPrefix, sizeof kSettingsPrefix - 1) == 0)
@@ -211,8 +190,7 @@ void checkSettings(const vnfParser &text) {
 
 void checkKerning(const vnfParser &text) {
     bool met[kKerningKeys] = {};
-    for (KeyLines line(text); line.next();)
-        if (!isPlainLine(line.text, met)) checkKerningLine(line, met);
+    for (KeyLines line(text); line.next();) checkKerningLine(line, met);
 }
 
 }  // namespace keltra

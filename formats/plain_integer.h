@@ -8,7 +8,7 @@ namespace keltra {
 
 // True for a text of up to nine digits and a minus sign at most, which `strtol` would read as a whole; it
 // takes over a hundred instructions more.
-inline bool plainInteger(const char *text, long &value) {
+[[gnu::noinline]] inline bool plainInteger(const char *text, long &value) {
     const bool isNegative = *text == '-';
     const char *const first = text + isNegative, *c = first;
     std::int32_t digits = 0;

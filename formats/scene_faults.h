@@ -6,13 +6,20 @@
 // missing one, or empty.
 
 #include "formats/fault.h"
+#include "formats/limits.h"
 
 namespace keltra {
 
-KTFAULT &unknownMaterial(const char *mesh, const char *material, const char *nearest);
-KTFAULT &unknownBone(const char *mesh, const char *bone);
+inline KTFAULT &unknownMaterial(const char *mesh, const char *material, const char *nearest) {
+    return unknownName(KT_TEXT("material of mesh `%s`"), mesh, material, nearest);
+}
+inline KTFAULT &unknownBone(const char *mesh, const char *bone) {
+    return unknownName(KT_TEXT("bone of mesh `%s`"), mesh, bone, "");
+}
 // An error.
-KTFAULT &treeTooDeep();
+inline KTFAULT &treeTooDeep() {
+    return beyondLimit(KT_TEXT("tree"), KT_TEXT("more than %u levels"), kMaxTreeDepth, {});
+}
 
 }  // namespace keltra
 

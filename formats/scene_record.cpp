@@ -15,6 +15,7 @@ const std::size_t kMagicSize = 15, kComparedMagic = 14;
 const std::size_t kSmallestNode = 32;      // a plain node with an empty name, its type byte included
 const std::size_t kSmallestMaterial = 75;  // three empty names, 18 floats
 const std::size_t kOldVertexSize = 12, kOldFaceSize = 16;
+const std::size_t kCountSize = 2;
 
 bool acceptChildren(FieldReader &reader, std::size_t offset, unsigned int children) {
     if (children <= reader.remaining() / kSmallestNode) return true;
@@ -23,7 +24,7 @@ bool acceptChildren(FieldReader &reader, std::size_t offset, unsigned int childr
 }
 
 // Only the largest index matters.
-bool acceptFaces(FieldReader &reader, const MeshRecord &record, std::size_t offset) {
+bool acceptFaces(FieldReader &reader, const MeshRecord &record) {
     unsigned int largest = 0;
     const unsigned char *bytes = record.faces;
     for (const unsigned char *end = bytes + record.faceCount * kFaceSize; bytes != end; bytes += 2) {
@@ -31,7 +32,7 @@ bool acceptFaces(FieldReader &reader, const MeshRecord &record, std::size_t offs
         if (index > largest) largest = index;
     }
     if (record.faceCount == 0 || largest < record.vertexCount) return true;
-    return reader.refuseValue(offset, KT_TEXT("faces"), static_cast<long>(largest),
+    return reader.refuseValue(reader.offsetOf(record.faces), KT_TEXT("faces"), static_cast<long>(largest),
                               KT_TEXT("vertex index out of range"));
 }
 
@@ -42,7 +43,7 @@ bool countsAsInfluence(const unsigned char *bytes) {
     return toFixed(weight) > 0;
 }
 
-bool acceptInfluences(FieldReader &reader, const MeshRecord &record, std::size_t offset) {
+bool acceptInfluences(FieldReader &reader, const MeshRecord &record) {
     const std::size_t influences = std::size_t(record.vertexCount) * record.influenceCount;
     const unsigned int limit = record.boneCount < kMaxSkinBones ? record.boneCount : kMaxSkinBones;
     unsigned int largest = 0;
@@ -54,29 +55,27 @@ bool acceptInfluences(FieldReader &reader, const MeshRecord &record, std::size_t
         if (bone > largest) largest = bone;
     }
     if (good) return true;
-    return reader.refuseValue(offset, KT_TEXT("bone indices"), static_cast<long>(largest),
-                              KT_TEXT("bone index out of range"));
+    return reader.refuseValue(reader.offsetOf(record.influenceBones), KT_TEXT("bone indices"),
+                              static_cast<long>(largest), KT_TEXT("bone index out of range"));
 }
 
-void readGeometry(FieldReader &reader, bool oldVersion, MeshRecord &record, std::size_t &facesOffset) {
+void readGeometry(FieldReader &reader, bool oldVersion, MeshRecord &record) {
     record.vertices = reader.array(KT_TEXT("vertices"), record.vertexCount, kVectorSize);
     record.normals = reader.array(KT_TEXT("vertex normals"), record.vertexCount, kVectorSize);
     // Version 1.5a has an unused vector per vertex and an unused plane per face.
     if (oldVersion) reader.array(KT_TEXT("old vertex data"), record.vertexCount, kOldVertexSize);
     record.uvs = reader.array(KT_TEXT("texture coordinates"), record.uvCount, kUVSize);
-    facesOffset = reader.position();
     record.faces = reader.array(KT_TEXT("faces"), record.faceCount, kFaceSize);
     record.faceNormals = reader.array(KT_TEXT("face normals"), record.faceCount, kVectorSize);
     if (oldVersion) reader.array(KT_TEXT("old face data"), record.faceCount, kOldFaceSize);
 }
 
-void readSkin(FieldReader &reader, MeshRecord &record, std::size_t &influencesOffset) {
+void readSkin(FieldReader &reader, MeshRecord &record) {
     record.boneCount = 0;
     record.influenceBones = record.influenceWeights = nullptr;
     record.boneNames = nullptr;
     if (record.influenceCount == 0) return;
     const std::uint64_t influences = std::uint64_t(record.vertexCount) * record.influenceCount;
-    influencesOffset = reader.position();
     record.influenceBones = reader.array(KT_TEXT("bone indices"), influences, 1);
     record.influenceWeights = reader.array(KT_TEXT("weights"), influences, sizeof(float));
     record.boneCount = reader.u16(KT_TEXT("bone count"));
@@ -178,9 +177,8 @@ bool readPlain(FieldReader &reader, PlainRecord &record) {
     record.name = reader.string(KT_TEXT("name"));
     reader.floats(KT_TEXT("position"), record.position, 3);
     reader.floats(KT_TEXT("origin"), record.origin, 3);
-    const std::size_t childrenOffset = reader.position();
     record.children = reader.u16(KT_TEXT("children"));
-    return reader.isWhole() && acceptChildren(reader, childrenOffset, record.children);
+    return reader.isWhole() && acceptChildren(reader, reader.position() - kCountSize, record.children);
 }
 
 bool readLight(FieldReader &reader, LightRecord &record) {
@@ -191,9 +189,8 @@ bool readLight(FieldReader &reader, LightRecord &record) {
     reader.floats(KT_TEXT("direction"), record.direction, 3);
     record.cutOff = reader.f32(KT_TEXT("cutOff"));
     reader.floats(KT_TEXT("colour"), record.color, 3);
-    const std::size_t childrenOffset = reader.position();
     record.children = reader.u16(KT_TEXT("children"));
-    return reader.isWhole() && acceptChildren(reader, childrenOffset, record.children);
+    return reader.isWhole() && acceptChildren(reader, reader.position() - kCountSize, record.children);
 }
 
 bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record) {
@@ -208,23 +205,21 @@ bool readMesh(FieldReader &reader, bool oldVersion, MeshRecord &record) {
     reader.floats(KT_TEXT("maximum"), record.maximum, 3);
     record.hidden = reader.u8(KT_TEXT("hidden")) != 0;
     record.vertexCount = reader.u16(KT_TEXT("vertex count"));
-    const std::size_t uvCountOffset = reader.position();
     record.uvCount = reader.u16(KT_TEXT("texture coordinate count"));
     record.faceCount = reader.u16(KT_TEXT("face count"));
-    const std::size_t childrenOffset = reader.position();
     record.children = reader.u16(KT_TEXT("children"));
     record.influenceCount = reader.u16(KT_TEXT("influence count"));
+    const std::size_t behindCounts = reader.position();
     // Checked here, since everything after a wrong count is read from the wrong offset.
     if (reader.isWhole() && record.uvCount != 0 && record.uvCount < record.vertexCount)
-        return reader.refuseValue(uvCountOffset, KT_TEXT("texture coordinate count"),
+        return reader.refuseValue(behindCounts - 4 * kCountSize, KT_TEXT("texture coordinate count"),
                                   static_cast<long>(record.uvCount),
                                   KT_TEXT("neither 0 nor one for each vertex"));
-    std::size_t facesOffset = 0, influencesOffset = 0;
-    readGeometry(reader, oldVersion, record, facesOffset);
-    readSkin(reader, record, influencesOffset);
+    readGeometry(reader, oldVersion, record);
+    readSkin(reader, record);
     if (!reader.isWhole()) return false;
-    return acceptFaces(reader, record, facesOffset) && acceptInfluences(reader, record, influencesOffset) &&
-           acceptChildren(reader, childrenOffset, record.children);
+    return acceptFaces(reader, record) && acceptInfluences(reader, record) &&
+           acceptChildren(reader, behindCounts - 2 * kCountSize, record.children);
 }
 
 bool checkScene(const void *bytes, std::size_t size, SceneFault &fault, SceneVisitor *visitor) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/tga.h"
 
+#include "foundation/cold.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -245,7 +247,7 @@ void flipRows(const TgaImage &image, std::uint8_t *pixels) {
 
 }  // namespace
 
-bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault) {
+KELTRA_COLD bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault) {
     if (size < kHeaderSize)
         return refuse(fault, size, KT_TEXT("header"), KT_TEXT("ends before its 18 bytes"));
     const std::uint8_t *header = static_cast<const std::uint8_t *>(file);
@@ -254,12 +256,10 @@ bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault)
         return refuseValue(fault, 16, KT_TEXT("bits a pixel"), bits, KT_TEXT("neither 24 nor 32"));
     image.sizeX = header[12] | header[13] << 8;
     image.sizeY = header[14] | header[15] << 8;
-    if (!isSize(image.sizeX))
-        return refuseValue(fault, 12, KT_TEXT("width"), image.sizeX, KT_TEXT("outside 1 to %ld"),
-                           kMaxTextureSize);
-    if (!isSize(image.sizeY))
-        return refuseValue(fault, 14, KT_TEXT("height"), image.sizeY, KT_TEXT("outside 1 to %ld"),
-                           kMaxTextureSize);
+    const bool isWide = isSize(image.sizeX);
+    if (!isWide || !isSize(image.sizeY))
+        return refuseValue(fault, isWide ? 14 : 12, isWide ? KT_TEXT("height") : KT_TEXT("width"),
+                           isWide ? image.sizeY : image.sizeX, KT_TEXT("outside 1 to %ld"), kMaxTextureSize);
     image.kind = kindOf(header);
     image.bytesPerPixel = bits / 8;
     // Bit 5 says that the top row comes first, but any of bits 4 to 7 turns the picture: files rely on it.
@@ -270,7 +270,7 @@ bool parseTga(const void *file, std::size_t size, TgaImage &image, Fault *fault)
     return refuse(fault, size, KT_TEXT("pixels"), KT_TEXT("the file is too short for its image"));
 }
 
-Fault otherTgaKind() {
+KELTRA_COLD Fault otherTgaKind() {
     Fault fault;
     refuse(&fault, 2, KT_TEXT("kind"),
            KT_TEXT("neither uncompressed nor run-length true-colour: no pixels are loaded"));
@@ -313,8 +313,8 @@ std::size_t TgaUnpacker::unpack(const std::uint8_t *bytes, std::size_t size, boo
     return bytesPerPixel == 4 ? unpackAs<4>(bytes, size, isLast) : unpackAs<3>(bytes, size, isLast);
 }
 
-bool TgaUnpacker::finish(const TgaImage &image, std::uint8_t *pixels, std::size_t taken, std::size_t size,
-                         Fault *fault) const {
+KELTRA_COLD bool TgaUnpacker::finish(const TgaImage &image, std::uint8_t *pixels, std::size_t taken,
+                                     std::size_t size, Fault *fault) const {
     if (left == 0) {
         flipRows(image, pixels);
         return true;

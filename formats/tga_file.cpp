@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::size_t kPieceSize = 16384;
 
-bool readBytes(std::FILE *file, void *bytes, std::size_t size) {
-    return std::fread(bytes, 1, size, file) == size;
+bool readBytes(FaultScope &scope, std::FILE *file, void *bytes, std::size_t size) {
+    return std::fread(bytes, 1, size, file) == size || scope.failFile();
 }
 
 // Reads the packets piece by piece. What a piece has left of its last packet comes before the next piece.
@@ -30,7 +30,7 @@ bool readPackets(FaultScope &scope, std::FILE *file, const TgaImage &image, std:
     bool isRead = true;
     for (bool isLast = false; isRead && !isLast && !unpacker.isFull();) {
         const std::size_t size = std::min(unread, kPieceSize - kept);
-        isRead = readBytes(file, piece + kept, size);
+        isRead = readBytes(scope, file, piece + kept, size);
         if (!isRead) break;
         unread -= size;
         kept += size;
@@ -41,14 +41,14 @@ bool readPackets(FaultScope &scope, std::FILE *file, const TgaImage &image, std:
         std::memmove(piece, piece + used, kept);
     }
     releaseBlock(piece);
-    if (!isRead) return scope.failFile();
+    if (!isRead) return false;
     Fault fault;
-    return unpacker.finish(image, pixels, taken, image.dataSize, &fault) || scope.fail(toPublic(fault));
+    return unpacker.finish(image, pixels, taken, image.dataSize, &fault) || refuse(scope, fault);
 }
 
 bool readPixels(FaultScope &scope, std::FILE *file, const TgaImage &image, std::uint8_t *pixels) {
     if (image.kind == TgaKind::kRunLength) return readPackets(scope, file, image, pixels);
-    if (!readBytes(file, pixels, image.bytes())) return scope.failFile();
+    if (!readBytes(scope, file, pixels, image.bytes())) return false;
     decodeTgaInPlace(image, pixels);
     return true;
 }
@@ -56,9 +56,9 @@ bool readPixels(FaultScope &scope, std::FILE *file, const TgaImage &image, std::
 bool readPicture(FaultScope &scope, std::FILE *file, std::size_t size, TgaImage &image,
                  std::uint8_t *&pixels) {
     std::uint8_t header[kTgaHeaderSize];
-    if (!readBytes(file, header, std::min(size, sizeof header))) return scope.failFile();
+    if (!readBytes(scope, file, header, std::min(size, sizeof header))) return false;
     Fault fault;
-    if (!parseTga(header, size, image, &fault)) return scope.fail(toPublic(fault));
+    if (!parseTga(header, size, image, &fault)) return refuse(scope, fault);
     image.data = nullptr;
     if (image.kind == TgaKind::kOther) {
         warnFault({}, toPublic(otherTgaKind()));

@@ -18,10 +18,9 @@ namespace keltra {
 
 namespace {
 
-bool isOneOf(const char *const *names, const char *wanted) {
-    for (; *names; ++names)
-        if (std::strcmp(*names, wanted) == 0) return true;
-    return false;
+bool isOneOf(XmlNames name, const char *wanted) {
+    while (*name && std::strcmp(name, wanted) != 0) name = nextName(name);
+    return *name;
 }
 
 bool isReal(const char *text) {
@@ -59,9 +58,9 @@ class XmlCheck {
     void unknown(const TiXmlElement &element, const char *found, const char *nearest, FaultText what,
                  const char *whole) const;
     void unknownElement(const TiXmlElement &element, const char *nearest) const;
-    // Warns of each attribute that is not one of the names, a list with null behind the last, of those that
-    // are missing, and of values that are not of the kind.
-    void attributes(const TiXmlElement &element, const char *const *names, XmlValue kind) const;
+    // Warns of each attribute that is not one of the names, of those that are missing, and of values that are
+    // not of the kind.
+    void attributes(const TiXmlElement &element, XmlNames names, XmlValue kind) const;
 
     void tell(const TiXmlElement &element, KTFAULT &fault) const;
 
@@ -78,11 +77,7 @@ void XmlCheck::tell(const TiXmlElement &element, KTFAULT &fault) const {
 
 void XmlCheck::unknown(const TiXmlElement &element, const char *found, const char *nearest, FaultText what,
                        const char *whole) const {
-    KTFAULT &fault = newFault(KT_FAULT_UNKNOWN);
-    writeFaultText(fault.field, what, whole);
-    setFaultText(fault.found, found);
-    setFaultText(fault.expected, nearest);
-    tell(element, fault);
+    tell(element, unknownName(what, whole, found, nearest));
 }
 
 void XmlCheck::unknownElement(const TiXmlElement &element, const char *nearest) const {
@@ -92,23 +87,23 @@ void XmlCheck::unknownElement(const TiXmlElement &element, const char *nearest) 
             isInside ? KT_TEXT("element of `%s`") : KT_TEXT("root element"), isInside ? parent->Value() : "");
 }
 
-void XmlCheck::attributes(const TiXmlElement &element, const char *const *names, XmlValue kind) const {
+void XmlCheck::attributes(const TiXmlElement &element, XmlNames names, XmlValue kind) const {
     for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
          attribute = attribute->Next()) {
         if (isOneOf(names, attribute->Name())) continue;
         NearestName nearest(attribute->Name());
-        for (const char *const *name = names; *name; ++name) nearest.offer(*name);
+        for (XmlNames name = names; *name; name = nextName(name)) nearest.offer(name);
         unknown(element, attribute->Name(), nearest.name(), KT_TEXT("attribute of `%s`"), element.Value());
     }
-    for (; *names; ++names) {
-        const char *text = element.Attribute(*names);
+    for (; *names; names = nextName(names)) {
+        const char *text = element.Attribute(names);
         if (text) {
-            value(element, *names, text, kind);
+            value(element, names, text, kind);
             continue;
         }
         KTFAULT &fault = newFault(KT_FAULT_MISSING);
         setFaultText(fault.field, element.Value());
-        writeFaultText(fault.expected, KT_TEXT("attribute `%s`"), *names);
+        writeFaultText(fault.expected, KT_TEXT("attribute `%s`"), names);
         tell(element, fault);
     }
 }
@@ -149,7 +144,7 @@ class GuiCheck {
         for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
              attribute = attribute->Next()) {
             NearestName nearest(attribute->Name());
-            for (const GuiProperty &property : kGuiProperties) nearest.offer(property.name);
+            nearest.offerAll(kGuiProperties, kGuiPropertyCount);
             char tag[32];
             std::snprintf(tag, sizeof tag, "<%s>", nearest.name());
             const bool isElement = std::strcmp(nearest.name(), attribute->Name()) == 0;
@@ -160,17 +155,16 @@ class GuiCheck {
 
     void checkUnknown(const TiXmlElement &element) const {
         NearestName nearest(element.Value());
-        for (const char *name : kGuiObjectNames) nearest.offer(name);
-        for (const GuiProperty &property : kGuiProperties) nearest.offer(property.name);
+        nearest.offerAll(kGuiObjectNames, kGuiObjectCount);
+        nearest.offerAll(kGuiProperties, kGuiPropertyCount);
         check.unknownElement(element, nearest.name());
     }
 
     void checkKind(const TiXmlElement &element, const char *text) const {
-        NearestName nearest(text);
-        for (const char *kind : kGuiKinds) {
+        for (const char *kind : kGuiKinds)
             if (std::strcmp(kind, text) == 0) return;
-            nearest.offer(kind);
-        }
+        NearestName nearest(text);
+        nearest.offerAll(kGuiKinds, kGuiKindCount);
         check.unknown(element, text, nearest.name(), KT_TEXT("kind"), "");
     }
 
@@ -192,11 +186,8 @@ unsigned int xmlLine(const TiXmlElement &element) {
 }
 
 void warnOfObjects(const TiXmlElement &element, bool hasLines) {
-    KTFAULT &fault = newFault(KT_FAULT_LIMIT);
-    writeFaultText(fault.field, KT_TEXT("objects"));
-    writeFaultText(fault.found, KT_TEXT("more than %u"), kGuiObjects);
-    writeFaultText(fault.expected, KT_TEXT("the others are left out"));
-    XmlCheck(hasLines).tell(element, fault);
+    XmlCheck(hasLines).tell(element, beyondLimit(KT_TEXT("objects"), KT_TEXT("more than %u"), kGuiObjects,
+                                                 KT_TEXT("the others are left out")));
 }
 
 // Follows the links of the document instead of recursing: the device's stack is small.

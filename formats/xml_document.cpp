@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/xml_document.h"
 
+#include <keltra/foundation.h>
+
 #include "formats/plain_integer.h"
 #include "formats/xml_scan.h"
 #include "foundation/file_bytes.h"
@@ -229,11 +231,11 @@ bool parseSource(const XmlSource &source, TiXmlDocument &document, Fault *fault)
 }  // namespace
 
 bool loadXmlDocument(const char *path, TiXmlDocument &document, FaultScope *scope) {
-    const FileBytes file(path, kMaxXmlBytes);
-    if (scope && !file.data()) return scope->failFile(file.isOutOfMemory(), kMaxXmlBytes);
+    const FileBytes file(path, kMaxXmlBytes, scope);
+    if (scope && !file.data()) return false;
     Fault fault;
     if (parseXmlDocument(file.data(), file.size(), document, scope ? &fault : nullptr)) return true;
-    return scope && scope->fail(toPublic(fault, file.data(), file.size()));
+    return scope && refuse(*scope, fault, file.data(), file.size());
 }
 
 bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &document, Fault *fault) {

@@ -2,6 +2,8 @@
 #ifndef KELTRA_FORMATS_XML_VALUE_H
 #define KELTRA_FORMATS_XML_VALUE_H
 
+#include <cstring>
+
 namespace keltra {
 
 // What an attribute holds.
@@ -17,6 +19,10 @@ enum class XmlValue : unsigned char {
     kSourceFactor,
     kDestinationFactor,
 };
+
+// Names one behind the other, each with its zero, and an empty one behind the last.
+using XmlNames = const char *;
+inline XmlNames nextName(XmlNames name) { return name + std::strlen(name) + 1; }
 
 }  // namespace keltra
 

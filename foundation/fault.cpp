@@ -79,13 +79,6 @@ bool tell(KTFAULT &fault) {
     return false;
 }
 
-bool tellFound(FaultCall call, KT_FAULT_CODE code, FaultText field, FaultText found) {
-    KTFAULT &fault = newFault(code);
-    writeFaultText(fault.field, field);
-    writeFaultText(fault.found, found);
-    return tellFault(call, fault);
-}
-
 KT_FAULT_CODE problemOf(const char *path, long largest) {
     if (!*path) return KT_FAULT_FILE_NAME;
     const PathKind kind = platformPathKind(path);
@@ -122,6 +115,8 @@ bool FaultScope::failNull(FaultText argument) {
     return faults.channel.errors == errorsBefore && keltra::failNull(call, argument);
 }
 
+bool FaultScope::failFile() { return failFile(false); }
+
 bool FaultScope::failFile(bool isOutOfMemory, long largest) {
     if (!file) return failNull(KT_TEXT("name"));
     return fail(fileFault(file, isOutOfMemory, largest));
@@ -133,66 +128,42 @@ FaultSilence::FaultSilence() { ++faults.channel.silent; }
 FaultSilence::~FaultSilence() { --faults.channel.silent; }
 
 bool tellFault(FaultCall call, KTFAULT &fault) {
-    fault.call = faultCallName(call);
+    const unsigned int number = static_cast<unsigned int>(call);
+    if (number & kWarned) fault.severity = KT_FAULT_WARNING;
+    fault.call = faultCallName(static_cast<FaultCall>(number & ~unsigned{kWarned}));
     return tell(fault);
 }
 
-void warnFault(FaultCall call, KTFAULT &fault) {
-    fault.severity = KT_FAULT_WARNING;
-    tellFault(call, fault);
+bool failTexts(FaultCall call, KT_FAULT_CODE code, FaultText field, FaultText found) {
+    KTFAULT &fault = newFault(code);
+    writeFaultText(fault.field, field);
+    writeFaultText(fault.found, found);
+    return tellFault(call, fault);
 }
 
-bool failNull(FaultCall call, FaultText argument) { return tellFound(call, KT_FAULT_NULL, argument, {}); }
+bool failNull(FaultCall call, FaultText argument) { return failTexts(call, KT_FAULT_NULL, argument, {}); }
 
 bool failValue(FaultCall call, FaultText argument, long found, FaultText format, long first, long second) {
     KTFAULT &fault = newFault(KT_FAULT_ARGUMENT);
     writeFaultText(fault.field, argument);
-    std::snprintf(fault.found, sizeof fault.found, "%ld", found);
+    setFaultNumber(fault.found, found);
     writeFaultText(fault.expected, format, first, second);
     return tellFault(call, fault);
 }
 
-bool failState(FaultCall call, FaultText state) { return tellFound(call, KT_FAULT_STATE, {}, state); }
+bool failState(FaultCall call, FaultText state) { return failTexts(call, KT_FAULT_STATE, {}, state); }
 
-bool failMemory(FaultCall call) { return tellFound(call, KT_FAULT_OUT_OF_MEMORY, {}, {}); }
-
-void warnMemory(FaultCall call) {
-    const FaultOptional optional;
-    failMemory(call);
-}
+bool failMemory(FaultCall call) { return failTexts(call, KT_FAULT_OUT_OF_MEMORY, {}, {}); }
 
 bool failRange(FaultCall call, FaultText argument, long found, long last) {
     return failValue(call, argument, found, last < 0 ? KT_TEXT("none") : KT_TEXT("0 to %ld"), last);
 }
 
-void warnRange(FaultCall call, FaultText argument, long found, long last) {
-    const FaultOptional optional;
-    failRange(call, argument, found, last);
-}
-
 bool failFull(FaultCall call, FaultText what, unsigned int most) {
     KTFAULT &fault = newFault(KT_FAULT_FULL);
     writeFaultText(fault.field, what);
-    if (kFaultTexts) std::snprintf(fault.expected, sizeof fault.expected, "%u", most);
+    if (kFaultTexts) setFaultNumber(fault.expected, static_cast<long>(most));
     return tellFault(call, fault);
-}
-
-void warnFull(FaultCall call, FaultText what, unsigned int most) {
-    const FaultOptional optional;
-    failFull(call, what, most);
-}
-
-bool failLong(FaultCall call, FaultText argument) {
-    return tellFound(call, KT_FAULT_ARGUMENT, argument, KT_TEXT("longer than 255 characters"));
-}
-
-void warnLong(FaultCall call, FaultText argument) {
-    const FaultOptional optional;
-    failLong(call, argument);
-}
-
-bool failFormat(FaultCall call) {
-    return tellFound(call, KT_FAULT_ARGUMENT, KT_TEXT("format"), KT_TEXT("not to be written"));
 }
 
 bool mayCompareNames() { return !faults.channel.scope || faults.channel.reported < 64; }

@@ -44,6 +44,7 @@ KTFAULT &newFault(KT_FAULT_CODE code);
 // Copies what fits; of a path the end, after three dots.
 void setFaultText(char (&target)[96], const char *text);
 void setFaultPath(char (&target)[256], const char *path);
+void setFaultNumber(char (&target)[96], long number);
 // Writes a text, with printf's rules.
 void writeFaultText(char (&target)[96], FaultText text, ...);
 
@@ -68,7 +69,8 @@ class FaultScope {
     bool fail(KT_FAULT_CODE code);
     bool failNull(FaultText argument);
     // The file cannot be read: finds out why.
-    bool failFile(bool isOutOfMemory = false, long largest = 0x7fffffff);
+    bool failFile();
+    bool failFile(bool isOutOfMemory, long largest = 0x7fffffff);
 
     const char *file;
     unsigned int line;
@@ -97,20 +99,31 @@ class FaultSilence {
     FaultSilence &operator=(const FaultSilence &) = delete;
 };
 
+// The same call, of which a fault is a warning.
+constexpr FaultCall warned(FaultCall call) {
+    return static_cast<FaultCall>(static_cast<unsigned char>(call) | kWarned);
+}
+
 // Each reports an error of `call`, or of the scope around it. Always false.
 [[gnu::cold]] bool tellFault(FaultCall call, KTFAULT &fault);
 // The same of a warning.
-[[gnu::cold]] void warnFault(FaultCall call, KTFAULT &fault);
+inline void warnFault(FaultCall call, KTFAULT &fault) { tellFault(warned(call), fault); }
 [[gnu::cold]] bool failNull(FaultCall call, FaultText argument);
 // `format` is printf's, with up to two %ld.
 [[gnu::cold]] bool failValue(FaultCall call, FaultText argument, long found, FaultText format, long first = 0,
                              long second = 0);
 // An argument from 0 to `last`; no value is valid when that is negative. The warning: another value was used.
 [[gnu::cold]] bool failRange(FaultCall call, FaultText argument, long found, long last);
-[[gnu::cold]] void warnRange(FaultCall call, FaultText argument, long found, long last);
+inline void warnRange(FaultCall call, FaultText argument, long found, long last) {
+    failRange(warned(call), argument, found, last);
+}
+// The code, with a field and what was found.
+[[gnu::cold]] bool failTexts(FaultCall call, KT_FAULT_CODE code, FaultText field, FaultText found);
 // A text of more than 255 characters. The warning: it was cut.
-[[gnu::cold]] bool failLong(FaultCall call, FaultText argument);
-[[gnu::cold]] void warnLong(FaultCall call, FaultText argument);
+inline bool failLong(FaultCall call, FaultText argument) {
+    return failTexts(call, KT_FAULT_ARGUMENT, argument, KT_TEXT("longer than 255 characters"));
+}
+inline void warnLong(FaultCall call, FaultText argument) { failLong(warned(call), argument); }
 // `state` describes the present state: "the engine is not active".
 [[gnu::cold]] bool failState(FaultCall call, FaultText state);
 // States of many calls.
@@ -118,12 +131,16 @@ constexpr FaultText kActive = KT_TEXT("the engine is active already");
 constexpr FaultText kInactive = KT_TEXT("the engine is not active");
 // A table is full: `most` is its capacity.
 [[gnu::cold]] bool failFull(FaultCall call, FaultText what, unsigned int most);
-[[gnu::cold]] void warnFull(FaultCall call, FaultText what, unsigned int most);
+inline void warnFull(FaultCall call, FaultText what, unsigned int most) {
+    failFull(warned(call), what, most);
+}
 [[gnu::cold]] bool failMemory(FaultCall call);
 // Something is left out for lack of memory.
-[[gnu::cold]] void warnMemory(FaultCall call);
+inline void warnMemory(FaultCall call) { failMemory(warned(call)); }
 // vsnprintf was negative.
-[[gnu::cold]] bool failFormat(FaultCall call);
+inline bool failFormat(FaultCall call) {
+    return failTexts(call, KT_FAULT_ARGUMENT, KT_TEXT("format"), KT_TEXT("not to be written"));
+}
 // True while the application's handler runs.
 bool isInFaultHandler();
 

@@ -69,35 +69,50 @@ const char *unpacked(std::size_t number) {
     return text;
 }
 
-// What comes before the text of the code.
-constexpr char kPlace[] = "[$c: ]$p$,$l[ (needed by $n$m)]$:";
-constexpr char kCodeOnly[] = "fault $k[: $g]";
+// Writes what fits, and counts everything.
+class Sentence {
+   public:
+    Sentence(char *text, std::size_t size) : target(text), size(size) {}
 
-// A pattern: a letter behind `$` stands for a piece, and a part in brackets is dropped when its first piece
-// is empty.
-constexpr char kLetters[] = "cp,lnm:fgek";
-struct Pieces {
-    const char *texts[sizeof kLetters - 1];
-    const char *of(const char *letter) const { return texts[std::strchr(kLetters, *letter) - kLetters]; }
-};
-
-// Writes what fits and returns the length of everything.
-std::size_t writePattern(const char *pattern, const Pieces &pieces, char *text, std::size_t size) {
-    std::size_t length = 0;
-    for (const char *c = pattern; *c; ++c) {
-        if (*c == ']') continue;
-        if (*c == '[') {
-            if (!*pieces.of(std::strchr(c, '$') + 1)) c = std::strchr(c, ']');
-            continue;
-        }
-        const char letter[] = {*c, '\0'};
-        for (const char *piece = *c == '$' ? pieces.of(++c) : letter; *piece; ++piece)
+    [[gnu::noinline]] void add(const char *piece) {
+        for (; *piece; ++piece)
             if (++length < size)
-                text[length - 1] = static_cast<unsigned char>(*piece) < ' ' || *piece == 127 ? '?' : *piece;
+                target[length - 1] = static_cast<unsigned char>(*piece) < ' ' || *piece == 127 ? '?' : *piece;
     }
-    if (size) text[length < size ? length : size - 1] = '\0';
-    return length;
-}
+    [[gnu::noinline]] void add(const char *before, long number) {
+        char digits[24];
+        std::snprintf(digits, sizeof digits, "%ld", number);
+        add(before);
+        add(digits);
+    }
+    // The texts of the fault are in the places of $f, $g and $e. What is in brackets is left out when its
+    // first one is empty.
+    void addPattern(const char *pattern, const KTFAULT &fault) {
+        for (char letter[2] = {}; (*letter = *pattern); ++pattern) {
+            if (*letter == '[') {
+                const char *const first = std::strchr(pattern, '$') + 1;
+                if (!*textOf(*first, fault)) pattern = std::strchr(pattern, ']');
+            } else if (*letter == '$') {
+                add(textOf(*++pattern, fault));
+            } else if (*letter != ']') {
+                add(letter);
+            }
+        }
+    }
+    std::size_t end() {
+        if (size) target[length < size ? length : size - 1] = '\0';
+        return length;
+    }
+
+   private:
+    static const char *textOf(char letter, const KTFAULT &fault) {
+        return letter == 'f' ? fault.field : letter == 'g' ? fault.found : fault.expected;
+    }
+
+    char *const target;
+    const std::size_t size;
+    std::size_t length = 0;
+};
 
 }  // namespace
 
@@ -122,6 +137,8 @@ void setFaultPath(char (&target)[256], const char *path) {
                   path ? path + (isCut ? length - (sizeof target - 4) : 0) : "");
 }
 
+void setFaultNumber(char (&target)[96], long number) { std::snprintf(target, sizeof target, "%ld", number); }
+
 void writeFaultText(char (&target)[96], FaultText text, ...) {
     if (!kFaultTexts) return;
     std::va_list arguments;
@@ -133,23 +150,31 @@ void writeFaultText(char (&target)[96], FaultText text, ...) {
 const char *faultCallName(FaultCall call) { return unpacked(static_cast<std::size_t>(call)); }
 
 unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size) {
-    char place[32] = "", needLine[32] = "", code[16], pattern[160];
-    const long at = fault.line ? static_cast<long>(fault.line) : fault.byte;
-    if (at >= 0) std::snprintf(place, sizeof place, fault.line ? "line %ld" : "byte %ld", at);
-    if (fault.neededByLine) std::snprintf(needLine, sizeof needLine, ", line %u", fault.neededByLine);
-    std::strcpy(pattern, kPlace);
-    char *const body = pattern + sizeof kPlace - 1;
-    if (!kFaultTexts) {
-        std::snprintf(code, sizeof code, "%d", fault.code);
-        std::strcpy(body, kCodeOnly);
-    } else if (fault.code <= KT_FAULT_START) {
-        std::strcpy(body, unpacked(kCalls + fault.code));
+    Sentence sentence(text, size);
+    if (fault.call && *fault.call) {
+        sentence.add(fault.call);
+        sentence.add(": ");
     }
-    const bool hasFile = *fault.file, hasPlace = *place;
-    const Pieces pieces = {{fault.call ? fault.call : "", fault.file, hasFile && hasPlace ? ", " : "", place,
-                            fault.neededBy, needLine, hasFile || hasPlace ? ": " : "", fault.field,
-                            fault.found, fault.expected, code}};
-    return static_cast<unsigned int>(writePattern(pattern, pieces, text, size));
+    sentence.add(fault.file);
+    const bool hasPlace = fault.line || fault.byte >= 0;
+    if (hasPlace) {
+        if (*fault.file) sentence.add(", ");
+        fault.line ? sentence.add("line ", static_cast<long>(fault.line)) : sentence.add("byte ", fault.byte);
+    }
+    if (*fault.neededBy) {
+        sentence.add(" (needed by ");
+        sentence.add(fault.neededBy);
+        if (fault.neededByLine) sentence.add(", line ", static_cast<long>(fault.neededByLine));
+        sentence.add(")");
+    }
+    if (*fault.file || hasPlace) sentence.add(": ");
+    if (!kFaultTexts) {
+        sentence.add("fault ", fault.code);
+        sentence.addPattern("[: $g]", fault);
+    } else if (fault.code <= KT_FAULT_START) {
+        sentence.addPattern(unpacked(kCalls + fault.code), fault);
+    }
+    return static_cast<unsigned int>(sentence.end());
 }
 
 }  // namespace keltra

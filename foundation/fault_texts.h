@@ -140,8 +140,8 @@ constexpr const char *const kFaultCalls[] = {"",
                                              "vnfReadLine",
                                              "vnfRemoveComments"};
 
-// First the sentences of the codes, by number; see writePattern. Then texts for field, found and expected, of
-// less than 96 characters. Some are patterns of printf.
+// First the sentences of the codes, by number; see Sentence::addPattern. Then texts for field, found and
+// expected, of less than 96 characters. Some are patterns of printf.
 constexpr const char *const kFaultTextList[] = {
     "", "`$f` is null", "`$f` is $g[, expected $e]", "$g", "$f[, $e at most]: full", "out of memory", "", "",
     "", "", "the file name is empty or too long", "the file does not exist",
@@ -220,7 +220,9 @@ constexpr FaultCall faultCall(const char *name) { return static_cast<FaultCall>(
 constexpr FaultText faultText(const char *text) {
     return static_cast<FaultText>(placeOf(text, kFaultTextList));
 }
-static_assert(countOf(kFaultCalls) <= 256 && countOf(kFaultTextList) <= 256, "a number is a byte");
+// Set in the number of a call of which a fault is a warning.
+constexpr unsigned char kWarned = 128;
+static_assert(countOf(kFaultCalls) <= kWarned && countOf(kFaultTextList) <= 256, "a number is a byte");
 
 // The name, which stays where it is.
 const char *faultCallName(FaultCall call);

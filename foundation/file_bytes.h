@@ -2,45 +2,30 @@
 #ifndef KELTRA_FOUNDATION_FILE_BYTES_H
 #define KELTRA_FOUNDATION_FILE_BYTES_H
 
-#include <keltra/foundation.h>
-
-#include <cerrno>
+#include <cstddef>
 #include <cstdio>
-#include <cstring>
-
-#include "foundation/quiet.h"
-#include "platform/platform.h"
 
 namespace keltra {
+
+class FaultScope;
+
+constexpr long kLargestFile = 0x7fffffff;
 
 // The path of a file below a directory prefix, to which the name is appended as it is. Prefixes hold 255
 // characters, and so may names; a longer one, or null, makes the path empty, which no file has.
 struct FilePath {
     char text[512];
 
-    FilePath(const char *prefix, const char *name) : text() {
-        if (!prefix || !name || std::strlen(prefix) + std::strlen(name) >= sizeof text) return;
-        std::strcpy(text, prefix);
-        std::strcat(text, name);
-    }
+    FilePath(const char *prefix, const char *name);
 };
 
 // A whole file in a buffer of the counted allocator; empty when it cannot be read.
 class FileBytes {
    public:
-    // A file of more than `largest` bytes counts as one that cannot be read.
-    explicit FileBytes(const char *path, long largest = 0x7fffffff)
-        : bytes(nullptr), length(0), noMemory(false) {
-        std::int64_t end = 0;
-        std::FILE *file = path && *path ? platformOpenFile(path, end) : nullptr;
-        noMemory = path && *path && !file && errno == ENOMEM;
-        if (!file) return;
-        if (end > 0 && end <= largest) read(file, static_cast<std::size_t>(end));
-        std::fclose(file);
-    }
-    ~FileBytes() {
-        if (bytes) vnfFree(bytes);
-    }
+    // A file of more than `largest` bytes counts as one that cannot be read. Fails `scope`, if there is one,
+    // when it is empty.
+    explicit FileBytes(const char *path, long largest = kLargestFile, FaultScope *scope = nullptr);
+    ~FileBytes();
     FileBytes(const FileBytes &) = delete;
     FileBytes &operator=(const FileBytes &) = delete;
 
@@ -50,18 +35,7 @@ class FileBytes {
     bool isOutOfMemory() const { return noMemory; }
 
    private:
-    // A file that has become shorter counts as one that cannot be read.
-    void read(std::FILE *file, std::size_t end) {
-        bytes = static_cast<char *>(allocate(static_cast<unsigned int>(end)));
-        noMemory = !bytes;
-        if (noMemory) return;
-        platformExpectUse(bytes, end);
-        length = std::fread(bytes, 1, end, file);
-        if (length == end) return;
-        vnfFree(bytes);
-        bytes = nullptr;
-        length = 0;
-    }
+    void read(std::FILE *file, std::size_t end);
 
     char *bytes;
     std::size_t length;

@@ -3,6 +3,7 @@
 
 #include <keltra/foundation.h>
 
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "foundation/quiet.h"
 
@@ -108,7 +109,7 @@ bool keltra::returnId(unsigned int id) {
     return true;
 }
 
-bool releaseId(unsigned int id) {
+KELTRA_COLD bool releaseId(unsigned int id) {
     if (keltra::returnId(id)) return true;
     if (id - 1 >= kLargestId)
         return keltra::failValue(KT_CALL("releaseId"), KT_TEXT("id"), long(id), KT_TEXT("1 to %ld"),

@@ -5,6 +5,7 @@
 #include <keltra/opengl.h>
 
 #include "foundation/argument.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "gui/widgets.h"
 
@@ -22,9 +23,8 @@ bool fits(const KTFONT &font, const char *text, int width) {
 }  // namespace
 
 // A caption that is refused is a warning: the widget keeps the one that it has.
-void keltra::takeCaption(KTBUTTON &button, const char *text, keltra::FaultCall call) {
-    const FaultOptional optional;
-    takeName(button.caption, text, call);
+KELTRA_COLD void keltra::takeCaption(KTBUTTON &button, const char *text, keltra::FaultCall call) {
+    takeName(button.caption, text, warned(call));
 }
 
 KTBUTTON::KTBUTTON() : font(nullptr), eventType(KT_BUTTON_NORMAL) {
@@ -47,7 +47,7 @@ void KTBUTTON::setFont(KTFONT *newFont) {
     if (font) font->markHeld();
 }
 
-void KTBUTTON::setCaption(const char *text) {
+KELTRA_COLD void KTBUTTON::setCaption(const char *text) {
     keltra::takeCaption(*this, text, KT_CALL("KTBUTTON::setCaption"));
 }
 

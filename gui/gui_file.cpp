@@ -109,14 +109,11 @@ void readSize(const TiXmlElement &property, const Target &target) {
 }
 
 void tellUnknownFont(const char *name) {
-    KTFAULT &fault = keltra::newFault(KT_FAULT_UNKNOWN);
-    keltra::writeFaultText(fault.field, KT_TEXT("font"));
-    keltra::setFaultText(fault.found, name);
     keltra::NearestName nearest(name);
     KTFONT *font = keltra::mayCompareNames() ? KTFONT::getFirst() : nullptr;
     for (; font; font = font->getNext()) nearest.offer(font->getName());
-    keltra::setFaultText(fault.expected, nearest.name());
-    keltra::warnFault(KT_CALL("KELTRA::loadXML"), fault);
+    keltra::warnFault(KT_CALL("KELTRA::loadXML"),
+                      keltra::unknownName(KT_TEXT("font"), nullptr, name, nearest.name()));
 }
 
 void readFontReference(const TiXmlElement &property, const Target &target) {
@@ -269,7 +266,8 @@ class InterfaceReader {
             } else {
                 target.widget = makeLinked(kMakers[object], parent);
             }
-            if (!target.widget || (object == keltra::kGuiFont && !target.font)) return outOfMemory();
+            if (!target.widget || (object == keltra::kGuiFont && !target.font))
+                return keltra::warnMemory({}), nullptr;
         }
         readProperties(element, target);
         if (target.font) resources.fonts.add(target.font);
@@ -280,11 +278,6 @@ class InterfaceReader {
         if (objects++ < keltra::kGuiObjects) return true;
         if (objects == keltra::kGuiObjects + 1) keltra::warnOfObjects(element, hasLines);
         return false;
-    }
-
-    KTNODE *outOfMemory() {
-        keltra::warnFault({}, keltra::newFault(KT_FAULT_OUT_OF_MEMORY));
-        return nullptr;
     }
 
     void readProperties(const TiXmlElement &element, const Target &target) {
@@ -303,10 +296,10 @@ class InterfaceReader {
         return nullptr;
     }
 
-    Resources resources;
     keltra::FaultScope &scope;
     const bool hasLines;
     unsigned int objects;
+    Resources resources;  // last: what lies behind it is far away
 };
 
 }  // namespace

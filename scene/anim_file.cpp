@@ -81,17 +81,17 @@ class Writer {
     bool good;
 };
 
-void readKeyframe(keltra::ByteReader &reader, KTBONEFRAME &keyframe) {
-    keltra::KeyframeRecord record;
-    keltra::readKeyframe(reader, record);
-    keyframe.rotation.set(record.rotation);
-    keyframe.position.set(record.position);
-    keyframe.set = record.set;
-}
-
-// A public fault is large: it has no place in the frame of a load that succeeds.
-[[gnu::noinline]] bool refuse(keltra::FaultScope &scope, const keltra::Fault &fault) {
-    return scope.fail(keltra::toPublic(fault));
+void readKeyframes(keltra::ByteReader reader, const keltra::AnimRecord &anim,
+                   KTBONEFRAME (*keyframes)[KTANIM::maxBones]) {
+    for (unsigned int frame = 0; frame < anim.frames; ++frame)
+        for (unsigned int bone = 0; bone < anim.bones; ++bone) {
+            keltra::KeyframeRecord record;
+            keltra::readKeyframe(reader, record);
+            KTBONEFRAME &keyframe = keyframes[frame][bone];
+            keyframe.rotation.set(record.rotation);
+            keyframe.position.set(record.position);
+            keyframe.set = record.set;
+        }
 }
 
 }  // namespace
@@ -99,23 +99,21 @@ void readKeyframe(keltra::ByteReader &reader, KTBONEFRAME &keyframe) {
 static_assert(KTANIM::maxBones == keltra::kMaxAnimBones && KTANIM::maxFrames == keltra::kMaxAnimFrames,
               "a file that is taken fits");
 
-bool KTANIM::load(const char *fileName) {
+KELTRA_COLD bool KTANIM::load(const char *fileName) {
     const keltra::FilePath path(ktaPath, fileName);
     keltra::FaultScope scope(KT_CALL("KTANIM::load"), path.text);
     if (!fileName) return scope.failNull(KT_TEXT("fileName"));
     if (std::strlen(fileName) >= sizeof name) return scope.fail(KT_FAULT_FILE_NAME);
-    keltra::FileBytes file(path.text);
-    if (!file.data()) return scope.failFile(file.isOutOfMemory());
+    const keltra::FileBytes file(path.text, keltra::kLargestFile, &scope);
+    if (!file.data()) return false;
     keltra::AnimRecord record;
     keltra::Fault fault;
-    if (!keltra::readAnim(file.data(), file.size(), record, &fault)) return refuse(scope, fault);
+    if (!keltra::readAnim(file.data(), file.size(), record, &fault)) return keltra::refuse(scope, fault);
     numberOfBones = static_cast<std::uint16_t>(record.bones);
     numberOfFrames = static_cast<std::uint16_t>(record.frames);
     for (unsigned int bone = 0; bone < record.bones; ++bone)
         keltra::copyText(boneNames[bone], record.names[bone]);
-    keltra::ByteReader reader = keltra::keyframesOf(record);
-    for (unsigned int frame = 0; frame < record.frames; ++frame)
-        for (unsigned int bone = 0; bone < record.bones; ++bone) readKeyframe(reader, keyframes[frame][bone]);
+    readKeyframes(keltra::keyframesOf(record), record, keyframes);
     keltra::copyText(name, fileName);
     nameChanged();
     return true;

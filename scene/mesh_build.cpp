@@ -9,6 +9,7 @@
 #include "formats/scene_faults.h"
 #include "formats/trusted_record.h"
 #include "foundation/block.h"
+#include "foundation/cold.h"
 #include "math/fixed.h"
 #include "scene/skinning.h"
 
@@ -51,7 +52,7 @@ struct MeshLayout {
     }
 };
 
-void warnOfMaterial(const keltra::MeshRecord &record) {
+KELTRA_COLD void warnOfMaterial(const keltra::MeshRecord &record) {
     keltra::NearestName nearest(record.material);
     KTMATERIAL *known = keltra::mayCompareNames() ? KTMATERIAL::getFirst() : nullptr;
     for (; known; known = known->getNext()) nearest.offer(known->getName());

@@ -65,7 +65,7 @@ bool KTNODE::unlink() {
 }
 
 // Unlinking the children changes the array, so they are read from a copy of it.
-bool KTNODE::remove() {
+KELTRA_COLD bool KTNODE::remove() {
     if (!parent) return keltra::failState(KT_CALL("KTNODE::remove"), KT_TEXT("the node has no parent"));
     KTNODE *heir = parent;
     const unsigned int count = children ? numberOfChildren : 0;

@@ -45,7 +45,7 @@ TEST(TablesTest, SettingsKeysHaveTheirKindsAndDefaults) {
 
 Names attributesOf(EmitterValue kind) {
     Names names;
-    for (const char *const *name = emitterAttributes(kind); *name; ++name) names.push_back(*name);
+    for (XmlNames name = emitterAttributes(kind); *name; name = nextName(name)) names.push_back(name);
     return names;
 }
 
@@ -72,8 +72,8 @@ TEST(TablesTest, InterfaceElementsHaveTheirAttributes) {
         const int property = guiProperty(quoted(row[0]).at(0).c_str());
         ASSERT_GE(property, 0) << row[0];
         Names names;
-        for (const char *const *attribute = kGuiProperties[property].attributes; *attribute; ++attribute)
-            names.push_back(*attribute);
+        for (XmlNames name = kGuiProperties[property].attributes; *name; name = nextName(name))
+            names.push_back(name);
         EXPECT_THAT(quoted(row[1]), ElementsAreArray(names)) << row[0];
     }
 }

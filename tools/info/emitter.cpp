@@ -30,10 +30,10 @@ Fields valueOf(EmitterValue kind, const char *text) {
 }
 
 Fields valueOf(const TiXmlElement &element, EmitterValue kind) {
-    const char *const *names = emitterAttributes(kind);
-    if (!names[1]) return valueOf(kind, element.Attribute(*names));
+    XmlNames name = emitterAttributes(kind);
+    if (!*nextName(name)) return valueOf(kind, element.Attribute(name));
     Fields values = Fields::array();
-    for (; *names; ++names) values.push_back(valueOf(kind, element.Attribute(*names)));
+    for (; *name; name = nextName(name)) values.push_back(valueOf(kind, element.Attribute(name)));
     return values;
 }
 

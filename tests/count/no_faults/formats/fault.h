@@ -16,13 +16,22 @@ struct Fault {
 inline bool refuse(Fault *, std::size_t, FaultText, FaultText, long = 0) { return false; }
 inline bool refuseValue(Fault *, std::size_t, FaultText, long, FaultText, long = 0) { return false; }
 inline bool refuseMemory(Fault *) { return false; }
+inline bool refuse(FaultScope &, const Fault &) { return false; }
+inline bool refuse(FaultScope &, const Fault &, const char *, std::size_t) { return false; }
 inline KTFAULT &toPublic(const Fault &) { return newFault(KT_FAULT_NONE); }
 inline KTFAULT &toPublic(const Fault &, const char *, std::size_t) { return newFault(KT_FAULT_NONE); }
+
+inline KTFAULT &unknownName(FaultText, const char *, const char *, const char *) {
+    return newFault(KT_FAULT_NONE);
+}
+inline KTFAULT &beyondLimit(FaultText, FaultText, unsigned int, FaultText) { return newFault(KT_FAULT_NONE); }
 
 class NearestName {
    public:
     explicit NearestName(const char *) {}
     void offer(const char *) {}
+    template <class Record>
+    void offerAll(const Record *, std::size_t) {}
     const char *name() const { return ""; }
 };
 

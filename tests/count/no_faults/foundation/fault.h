@@ -23,6 +23,7 @@ inline KTFAULT &newFault(KT_FAULT_CODE) {
 }
 inline void setFaultText(char (&)[96], const char *) {}
 inline void setFaultPath(char (&)[256], const char *) {}
+inline void setFaultNumber(char (&)[96], long) {}
 template <class... Values>
 void writeFaultText(char (&)[96], FaultText, Values...) {}
 inline const char *faultCallName(FaultCall) { return ""; }
@@ -35,7 +36,8 @@ class FaultScope {
     bool fail(KTFAULT &) { return false; }
     bool fail(KT_FAULT_CODE) { return false; }
     bool failNull(FaultText) { return false; }
-    bool failFile(bool = false, long = 0) { return false; }
+    bool failFile() { return false; }
+    bool failFile(bool, long = 0) { return false; }
 
     const char *file;
     static constexpr FaultCall call = {};
@@ -47,6 +49,8 @@ struct FaultSilence {
     FaultSilence() {}
 };
 
+inline FaultCall warned(FaultCall call) { return call; }
+inline bool failTexts(FaultCall, KT_FAULT_CODE, FaultText, FaultText) { return false; }
 inline bool tellFault(FaultCall, KTFAULT &) { return false; }
 inline void warnFault(FaultCall, KTFAULT &) {}
 inline bool failNull(FaultCall, FaultText) { return false; }
