@@ -25,11 +25,7 @@ extern "C" {
 #include "tools/support/interpose.h"
 
 // Each is the main function of an example.
-#ifdef _WIN32  // SDL's name for it has no C++ in it
-#define KELTRA_DECLARE(name) extern "C" int example_##name(int argc, char **argv);
-#else
 #define KELTRA_DECLARE(name) int example_##name(int argc, char **argv);
-#endif
 KELTRA_EXAMPLE_LIST(KELTRA_DECLARE)
 #undef KELTRA_DECLARE
 

@@ -124,10 +124,10 @@ struct Reference {
 
     void expectCorner(std::size_t index, const R3XVECTOR3D &corner, const Particle &p) const {
         const R3XVECTOR4D &drawn = KTEMITTER::vertexArray[index];
-        const float near = 1e-5f * (1.0f + corner.length());
-        EXPECT_NEAR(drawn.x, corner.x, near);
-        EXPECT_NEAR(drawn.y, corner.y, near);
-        EXPECT_NEAR(drawn.z, corner.z, near);
+        const float tolerance = 1e-5f * (1.0f + corner.length());
+        EXPECT_NEAR(drawn.x, corner.x, tolerance);
+        EXPECT_NEAR(drawn.y, corner.y, tolerance);
+        EXPECT_NEAR(drawn.z, corner.z, tolerance);
         EXPECT_EQ(drawn.w, 1.0f);
         const float ratio = p.initialEnergy == 0.0f ? 0.0f : p.energy / p.initialEnergy;
         const R3XVECTOR3D rgb = e.colorEnd - e.colorDelta * ratio;

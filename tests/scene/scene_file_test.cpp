@@ -371,9 +371,16 @@ TEST_F(SceneFileTest, AFileOfAnotherKindLeavesNoAllocationBehind) {
     folder.write("other.kte", other);
     EXPECT_EQ(KELTRA::load("other.kte"), nullptr);
     expectSameVerdict("kte", other, false);
+#ifdef _WIN32  // which tells no sum
+    Allocations::failNth(0);
+    EXPECT_EQ(KELTRA::load("other.kte"), nullptr);
+    EXPECT_EQ(Allocations::live(), 0);
+    Allocations::clear();
+#else
     const std::size_t before = mallinfo2().uordblks;
     EXPECT_EQ(KELTRA::load("other.kte"), nullptr);
     EXPECT_EQ(mallinfo2().uordblks, before);
+#endif
 }
 
 TEST_F(SceneFileTest, OnlyTheFirstFourteenBytesOfTheMagicCount) {

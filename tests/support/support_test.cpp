@@ -133,6 +133,7 @@ TEST(SmallStackTest, RunsToItsEnd) {
     EXPECT_EQ(result, 7);
 }
 
+#ifndef _WIN32  // which gives a thread more than it asks for
 TEST(SmallStackDeathTest, EndsTheProgramWhereTheStackEnds) {
     const auto overrun = [] {
         volatile char large[2 * kSmallStack];
@@ -140,6 +141,7 @@ TEST(SmallStackDeathTest, EndsTheProgramWhereTheStackEnds) {
     };
     EXPECT_DEATH(runOnSmallStack(overrun), "");
 }
+#endif
 
 TEST(TempFolderTest, IsGoneWithTheObject) {
     std::string path;
