@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Zlib
 # dependencies.sh 64|32 FOLDER: builds what the library needs on Windows of so many bits into FOLDER, from Debian's source packages:
 # SDL 1.2, TinyXML, libmpeg2, and Mesa's EGL and OpenGL ES 1.1 with its software rasteriser; for tests and examples libpng,
-# GoogleTest and CLI11.
+# GoogleTest and CLI11. For 32 bits no Mesa: only tests that draw nothing run there.
 #
 # Mesa takes minutes. A part that was built by the same lines of this script is not built again.
 set -eu
@@ -158,6 +158,19 @@ CROSS
     describe glesv1_cm 1.1 -lGLESv1_CM
 }
 
+# In the place of Mesa, where nothing is drawn.
+build_silence() {
+    for api in EGL GLES KHR; do cp -r "/usr/include/$api" "$root/include/"; done
+    for library in libEGL libGLESv1_CM; do
+        if [ $library = libEGL ]; then flag=KELTRA_SILENT_EGL; else flag=KELTRA_SILENT_GL; fi
+        $host-g++-posix -std=c++17 -O1 -shared -static -D$flag -DKHRONOS_STATIC -I"$root/include" -I"$here/../.." \
+            "$here/../../tests/support/silent_driver.cpp" -o "$root/bin/$library.dll" -Wl,--add-stdcall-alias \
+            -Wl,--out-implib,"$root/lib/$library.dll.a"
+    done
+    describe egl 1.5 -lEGL
+    describe glesv1_cm 1.1 -lGLESv1_CM
+}
+
 # cmake_build PACKAGE OPTION...: builds and installs a source with a CMakeLists.txt.
 cmake_build() {
     package=$1
@@ -182,5 +195,6 @@ build_cli11() {
     cmake_build cli11 -DCLI11_BUILD_TESTS=OFF -DCLI11_BUILD_DOCS=OFF -DCLI11_BUILD_EXAMPLES=OFF -DCLI11_SINGLE_FILE=OFF
 }
 
-for dependency in tinyxml mpeg2 googletest png cli11 sdl mesa; do once $dependency; done
+if [ "$bits" = 64 ]; then driver=mesa; else driver=silence; fi
+for dependency in tinyxml mpeg2 googletest png cli11 sdl $driver; do once $dependency; done
 rm -rf "$work"

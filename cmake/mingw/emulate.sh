@@ -10,6 +10,7 @@ WINEPATH=$(printf 'Z:%s;Z:%s' "$root/bin" "$build/bin" | tr / '\\')
 unset SDL_VIDEODRIVER  # with_screen.sh names that of X
 # Wine asks for neither .NET nor a browser.
 export WINEPATH WINEDEBUG="${WINEDEBUG:--all}" WINEPREFIX="$build/wine" WINEDLLOVERRIDES="mscoree,mshtml="
+[ ! -d "$root/wine" ] || PATH=$root/wine/usr/lib/wine:$PATH  # of 32 bits, by wine32.sh
 
 # Several tests may be the first. Windows lie on a desktop of wine's own, as large as the screen: on one without a window manager it
 # waits seconds for what no manager tells it.

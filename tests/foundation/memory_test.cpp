@@ -168,12 +168,18 @@ TEST_F(MemoryTest, OpeningTheLogRestartsThePeak) {
 }
 
 TEST_F(MemoryTest, ThePeakGoesBeyondTwoAndFourGibibytes) {
-    setPagesInUse(768 << 10, 8 << 20);
+#if defined(_WIN32) && !defined(_WIN64)  // which tells the size in 32 bits
+    constexpr unsigned long kAll = (1 << 20) - 1;
+#else
+    constexpr unsigned long kAll = 8 << 20;
+#endif
+    setPagesInUse(768 << 10, kAll);
     startLog();
     vnfCloseLog();
     EXPECT_NE(messages().find("Max. physical memory usage: 3072.00 mb (3221225472 bytes)\n"),
               std::string::npos);
-    setPagesInUse(1536 << 10, 8 << 20);
+    if (kAll < 1536 << 10) return;
+    setPagesInUse(1536 << 10, kAll);
     startLog();
     vnfCloseLog();
     EXPECT_NE(messages().find("Max. physical memory usage: 6144.00 mb (4294967295 bytes)\n"),
@@ -185,7 +191,7 @@ TEST_F(MemoryTest, TheCacheOfFilesIsNoMemoryInUse) {
     const PhysicalMemory memory = platformMemory();
     const std::uint64_t cache = platformReclaimableMemory(memory);
     const std::uint64_t filled = memory.total - memory.available;
-    if (cache < filled / 100) GTEST_SKIP() << "the system has no files cached";
+    if (cache <= filled / 100) GTEST_SKIP() << "the system has no files cached";
     vnfOpenLog(nullptr);
     EXPECT_LT(memoryCounters().peak, filled - cache / 2);
 }

@@ -18,7 +18,10 @@ trap 'rm -rf "$folder"' EXIT
     tolower(dll) !~ /^(msvcrt|sdl|libegl|libglesv1_cm)\.dll$/ && NF == 3 && $1 ~ /^[0-9a-f]+$/ { print $3 }' |
     sort -u >"$folder/system"
 [ -s "$folder/system" ] || { echo "$library takes nothing of the system" >&2; exit 1; }
-"$nm" -u "$@" | sed -n 's/^ *U \(__imp_\)\{0,1\}//p' | sort -u | comm -12 - "$folder/system" >"$folder/called"
+# With 32 bits a name has _ before it and, after @, the bytes of its arguments.
+undecorated=
+case $("$objdump" -f "$library") in *pei-i386*) undecorated='s/ \(__imp_\)\{0,1\}_\([^ @]*\)\(@[0-9]*\)\{0,1\}$/ \1\2/' ;; esac
+"$nm" -u "$@" | sed "$undecorated" | sed -n 's/^ *U \(__imp_\)\{0,1\}//p' | sort -u | comm -12 - "$folder/system" >"$folder/called"
 awk '/^### Calls of Win32/ { on = 1; next } /^#/ { on = 0 } on && /^\| `/ { print $2 }' "$document" |
     tr -d '`' | sort >"$folder/listed"
 if ! cmp -s "$folder/called" "$folder/listed"; then
@@ -28,7 +31,7 @@ if ! cmp -s "$folder/called" "$folder/listed"; then
 fi
 # Of the engine's rooms only platform/ calls the system, whose names of files are UTF-16; and no variable is one of a thread.
 for object in "$@"; do
-    "$nm" "$object" | sed -n 's/^.* \([UTtDdBbRr]\) \(__imp_\)\{0,1\}/\1 /p' | sort -u >"$folder/names"
+    "$nm" "$object" | sed "$undecorated" | sed -n 's/^.* \([UTtDdBbRr]\) \(__imp_\)\{0,1\}/\1 /p' | sort -u >"$folder/names"
     if grep -q ' __emutls' "$folder/names"; then
         echo "$object has variables of threads" >&2
         exit 1
