@@ -257,6 +257,7 @@ TEST_F(VideoTest, ReadsAreOf4096Bytes) {
     }
 }
 
+#ifndef _WIN32  // where a file that is open cannot be removed
 TEST_F(VideoTest, AFilmThatIsGoneAtItsEndClosesTheVideo) {
     KTVIDEO *video = loaded(firstBytes(1));
     video->playLoop();
@@ -275,6 +276,7 @@ TEST_F(VideoTest, AFilmThatIsGoneAtItsEndClosesTheVideo) {
     EXPECT_EQ(video->getStatus(), 0);
     EXPECT_EQ(video->stream->lastRead, -1);
 }
+#endif
 
 TEST_F(VideoTest, UsesOfTheTextureAreCounted) {
     KTTEXTURE *one = target(64, 48), *two = target(64, 48);
