@@ -30,8 +30,10 @@ TEST_F(FaultTableTest, RunLog) {
          kError, KT_FAULT_FILE_WRITE, "vnfOpenLog: %Dnone/run.txt: the file cannot be written"},
         {"vnfLog", [](Folder) { EXPECT_FALSE(vnfLog(nullptr)); }, kError, KT_FAULT_NULL,
          "vnfLog: `format` is null"},
+#ifndef _WIN32  // whose C library writes such a character in another form
         {"vnfLog", [](Folder folder) { withLog(folder, [] { EXPECT_FALSE(vnfLog("%ls", L"\u0100")); }); },
          kError, KT_FAULT_ARGUMENT, "vnfLog: `format` is not to be written"},
+#endif
     });
 }
 

@@ -55,6 +55,7 @@ TEST_F(FaultTableTest, TextOfWidgets) {
              EXPECT_TRUE(label.write("%s", tooLong.c_str()));
          },
          kWarning, KT_FAULT_ARGUMENT, "KTLABEL::write: `text` is longer than 255 characters"},
+#ifndef _WIN32  // whose C library writes such a character in another form
         {"KTLABEL::write",
          [](Folder) {
              KTLABEL label;
@@ -62,13 +63,16 @@ TEST_F(FaultTableTest, TextOfWidgets) {
              EXPECT_FALSE(label.write("%ls", L"\u0100"));
          },
          kError, KT_FAULT_ARGUMENT, "KTLABEL::write: `format` is not to be written"},
+#endif
         {"KTWINDOW::write", [](Folder) { EXPECT_FALSE(KTWINDOW().write(nullptr)); }, kError, KT_FAULT_NULL,
          "KTWINDOW::write: `format` is null"},
         {"KTWINDOW::write",
          [](Folder) { EXPECT_FALSE(KTWINDOW().write("%s", std::string(3968, 'a').c_str())); }, kError,
          KT_FAULT_FULL, "KTWINDOW::write: text, 3967 at most: full"},
+#ifndef _WIN32  // whose C library writes such a character in another form
         {"KTWINDOW::write", [](Folder) { EXPECT_FALSE(KTWINDOW().write("%ls", L"\u0100")); }, kError,
          KT_FAULT_ARGUMENT, "KTWINDOW::write: `format` is not to be written"},
+#endif
         {"KTWINDOW::format", [](Folder) { EXPECT_FALSE(KTWINDOW().format()); }, kError, KT_FAULT_STATE,
          "KTWINDOW::format: the window has no font"},
     });

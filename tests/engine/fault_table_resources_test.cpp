@@ -83,6 +83,7 @@ TEST_F(FaultTableTest, FontCalls) {
          KT_FAULT_NULL, "KTFONT::format: `destination` is null"},
         {"KTFONT::putString", [](Folder) { EXPECT_FALSE(KTFONT().putString(0, 0, nullptr)); }, kError,
          KT_FAULT_NULL, "KTFONT::putString: `format` is null"},
+#ifndef _WIN32  // whose C library writes such a character in another form
         {"KTFONT::putString",
          [](Folder) {
              KTTEXTURE texture;
@@ -91,6 +92,7 @@ TEST_F(FaultTableTest, FontCalls) {
              EXPECT_FALSE(font.putString(0, 0, "%ls", L"\u0100"));
          },
          kError, KT_FAULT_ARGUMENT, "KTFONT::putString: `format` is not to be written"},
+#endif
         {"KTFONT::setName", [](Folder) { KTFONT().setName(nullptr); }, kError, KT_FAULT_NULL,
          "KTFONT::setName: `text` is null"},
     });
@@ -138,6 +140,7 @@ TEST_F(FaultTableTest, FontsWithoutATexture) {
     });
 }
 
+#ifndef _WIN32  // where a file that is open cannot be removed
 TEST_F(FaultTableTest, AFilmThatIsGone) {
     check({
         {"KTVIDEO::update",
@@ -154,6 +157,7 @@ TEST_F(FaultTableTest, AFilmThatIsGone) {
          kError, KT_FAULT_FILE_MISSING, "KTVIDEO::update: %Dfilm.mpg: the file does not exist"},
     });
 }
+#endif
 
 TEST_F(FaultTableTest, ResourcesThatAreNotThereAreNoFault) {
     KTFAULTS::clear();
