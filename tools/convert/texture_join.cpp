@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // Pictures that share textures.
 
+#include "formats/limits.h"
 #include "tools/convert/picture.h"
 #include "tools/convert/textures.h"
 
@@ -12,8 +13,7 @@ namespace {
 constexpr unsigned kSmallSide = 128;           // pixels
 constexpr std::size_t kSmallPage = 128 * 128;  // pixels, that an atlas may have however little is in it
 constexpr char kMissing[] = "they are missing; what replaces a checkerboard has a file of its own";
-constexpr char kNoRoom[] =
-    "no other one fits into a texture with them, within its longest side and the budget";
+constexpr char kNoRoom[] = "no other one fits into a texture of 512 pixels and the budget with them";
 
 }  // namespace
 
@@ -36,22 +36,31 @@ std::vector<std::size_t> Textures::candidates(const Apart &apart, bool all, bool
     return found;
 }
 
+// Whether an atlas takes no more memory than it may.
+bool Textures::isWorthIt(const Atlas &atlas, const std::vector<const formats::Image *> &pictures, bool all,
+                         std::uint64_t most) const {
+    std::uint64_t before = 0;
+    for (const std::size_t i : atlas.taken) before += pictures[i]->pixels.size();
+    const std::uint64_t after = atlas.image.pixels.size();
+    const bool fits = most == 0 || report.textureMemory + 4 * after <= most + 4 * before;
+    return atlas.taken.size() > 1 && fits &&
+           after <= std::max<std::uint64_t>(2 * before, all ? kSmallPage : 0);
+}
+
 // Of the larger half, and so on, where all of them would take too much memory; nothing in it if any two do.
+// Pictures keep their pixels where no fewer of them fit then.
 Atlas Textures::packed(const std::vector<std::size_t> &wanted, bool all, std::uint64_t most) const {
     std::vector<const formats::Image *> pictures;
     for (const std::size_t i : wanted) pictures.push_back(&images[i]);
+    const unsigned side = all ? kMaxTextureSize : largest;
     for (; pictures.size() > 1; pictures.resize(pictures.size() / 2)) {
-        for (const Border border : {Border::kOutside, Border::kInside}) {
-            if (border == Border::kOutside && !all) continue;
-            Atlas atlas = packAtlas(pictures, largest, border);
-            std::uint64_t before = 0;
-            for (const std::size_t i : atlas.taken) before += pictures[i]->pixels.size();
-            const std::uint64_t after = atlas.image.pixels.size();
-            const bool fits = most == 0 || report.textureMemory + 4 * after <= most + 4 * before;
-            if (atlas.taken.size() > 1 && fits &&
-                after <= std::max<std::uint64_t>(2 * before, all ? kSmallPage : 0))
-                return atlas;
+        const Atlas tight = packAtlas(pictures, side, Border::kInside);
+        if (all) {
+            const Atlas whole = packAtlas(pictures, side, Border::kOutside);
+            if (whole.taken.size() >= tight.taken.size() && isWorthIt(whole, pictures, all, most))
+                return whole;
         }
+        if (isWorthIt(tight, pictures, all, most)) return tight;
     }
     return {};
 }

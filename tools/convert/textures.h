@@ -92,6 +92,8 @@ class Textures {
              std::vector<std::uint8_t> bytes);
     TextureMade write(const TextureRequest &request, const Pictures &pictures);
     std::vector<std::size_t> candidates(const Apart &apart, bool all, bool seeThrough);
+    bool isWorthIt(const Atlas &atlas, const std::vector<const formats::Image *> &pictures, bool all,
+                   std::uint64_t most) const;
     Atlas packed(const std::vector<std::size_t> &wanted, bool all, std::uint64_t most) const;
     void replace(std::vector<std::size_t> &wanted, const Atlas &atlas, std::map<std::string, Joined> &joined);
     void remove(std::size_t index);

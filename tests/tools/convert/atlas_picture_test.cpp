@@ -108,9 +108,9 @@ double wrongShare(const Image &one, const Image &other) {
     return static_cast<double>(wrong) / (one.width * one.height);
 }
 
-// Six pictures of 64 x 64 keep their pixels; four of 256 x 256 become a little smaller, to fill one exactly.
+// Six pictures of 32 x 32 keep their pixels; four of 256 x 256 become a little smaller, to fill one exactly.
 TEST_F(AtlasPictureTest, ItLooksTheSame) {
-    for (const auto &[count, side] : {std::pair(6u, 64u), std::pair(4u, 256u)}) {
+    for (const auto &[count, side] : {std::pair(6u, 32u), std::pair(4u, 256u)}) {
         const std::string path = boxes(count, side);
         const Drawn apart = draw(path, false), together = draw(path, true);
         EXPECT_EQ(apart.textures, count);
@@ -122,7 +122,7 @@ TEST_F(AtlasPictureTest, ItLooksTheSame) {
         for (std::size_t i = 0; i < 4; ++i) {
             const Difference difference = compare(apart.pictures[i], together.pictures[i]);
             EXPECT_TRUE(difference.sameSize);
-            EXPECT_LT(difference.mean, 0.4) << side << ", view " << i;
+            EXPECT_LT(difference.mean, 0.6) << side << ", view " << i;
             EXPECT_LT(wrongShare(apart.pictures[i], together.pictures[i]), 0.005) << side << ", view " << i;
         }
         // The view itself is not empty: the boxes are seen in front of the background.

@@ -252,6 +252,14 @@ TEST_F(AtlasModelTest, LargePicturesShareOneToo) {
     EXPECT_TRUE(conversion.report.apart.empty());
 }
 
+TEST_F(AtlasModelTest, TheLongestSideIsThatOfEachPicture) {
+    for (unsigned i = 0; i < 16; ++i) add(material(256, {std::uint8_t(10 * i), 0, 0, 255}));
+    const convert::Conversion conversion = withAtlas(128);
+    ASSERT_EQ(conversion.report.textures.size(), 1u);
+    EXPECT_EQ(conversion.report.textures[0].width, 512u);
+    EXPECT_EQ(conversion.report.textureMemory, 4u * 512 * 512);
+}
+
 TEST_F(AtlasModelTest, SeveralAreMadeWhereOneIsFull) {
     for (unsigned i = 0; i < 10; ++i) add(material(256, {std::uint8_t(20 * i), 0, 0, 255}));
     const convert::Conversion conversion = withAtlas();
