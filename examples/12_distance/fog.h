@@ -34,17 +34,18 @@ class Fog : public KTNODE {
 // horizon downward.
 inline KTMESH *makeSky() {
     constexpr int kHeight = 64;
-    char pixels[3 * 2 * kHeight];
+    unsigned char pixels[3 * 2 * kHeight];
     for (int i = 0; i < 2 * kHeight; ++i) {
         const float up = std::fmax(0.0f, float(i / 2) / (kHeight - 1) - 0.5f) * 2.0f, part = std::sqrt(up);
         const float zenith[] = {0.26f, 0.32f, 0.58f};
         for (int c = 0; c < 3; ++c)
-            pixels[3 * i + c] = static_cast<char>(255.0f * (kMist[c] + part * (zenith[c] - kMist[c])));
+            pixels[3 * i + c] =
+                static_cast<unsigned char>(255.0f * (kMist[c] + part * (zenith[c] - kMist[c])));
     }
     KTTEXTURE *texture = new KTTEXTURE;
     texture->setFilter(true, false, true);
     texture->create(2, kHeight, 3);
-    texture->modify(pixels, false);
+    texture->modify(reinterpret_cast<const char *>(pixels), false);
     KTMESH *sky = KTSHAPES::makeSphere(80.0f, 16, 16);
     for (unsigned i = 0; i < 3 * sky->getNumberOfFaces(); i += 3) {
         const auto corner = sky->faces[i];
