@@ -26,11 +26,11 @@ struct KTEMITTER::BILLBOARD {
     // Where the processor has something for them: moves those that do not turn, from `index` on. True when
     // that one has no energy left, otherwise it is `count` or the first that was not moved.
     bool moveStill(const KTEMITTER &emitter, unsigned int &index, unsigned int count) const;
-    // The same for one, with a square of its own, and with the one that `angle` turns; false when nothing was
-    // done.
+    // The same for those that turn.
+    bool moveTurning(const KTEMITTER &emitter, unsigned int &index, unsigned int count) const;
+    // The same for one, with a square of its own; false when nothing was done.
     bool move(const KTEMITTER &emitter, unsigned int index, const R3XVECTOR3D &itsRight,
               const R3XVECTOR3D &itsUp) const;
-    bool moveTurned(const KTEMITTER &emitter, unsigned int index, float angle) const;
 
     R3XVECTOR3D right, up, axis, gravityStep;
     float time, energyLoss;
@@ -97,12 +97,6 @@ keltra::ArmParticleRun armRun(const KTEMITTER &emitter, unsigned int first, unsi
     return {KTEMITTER::particle, &frame, &square, corners, colors, slots + first, slots + end};
 }
 
-bool moveOne(const KTEMITTER &emitter, unsigned int index, const keltra::ArmParticleFrame &frame,
-             const keltra::ArmParticleSquare &square) {
-    keltra::ArmParticleRun run = armRun(emitter, index, index + 1, frame, square);
-    return keltra::keltraMoveTurned(&run) || run.slot == run.end;
-}
-
 // Whether the kernel for particles that do not turn would leave the first one.
 bool turns(int index) {
     if (!isInPool(index)) return true;
@@ -142,16 +136,31 @@ bool KTEMITTER::BILLBOARD::moveStill(const KTEMITTER &emitter, unsigned int &ind
 bool KTEMITTER::BILLBOARD::move(const KTEMITTER &emitter, unsigned int index, const R3XVECTOR3D &itsRight,
                                 const R3XVECTOR3D &itsUp) const {
     keltra::ArmParticleSquare square;
-    return armFits && square.set(&itsRight.x, &itsUp.x) && moveOne(emitter, index, armFrame, square);
+    if (!armFits || !square.set(&itsRight.x, &itsUp.x)) return false;
+    keltra::ArmParticleRun run = armRun(emitter, index, index + 1, armFrame, square);
+    return keltra::keltraMoveTurned(&run) || run.slot == run.end;
 }
 
-bool KTEMITTER::BILLBOARD::moveTurned(const KTEMITTER &emitter, unsigned int index, float angle) const {
-    if (!armFitsTurned) return false;
-    const keltra::Rotation &turn = keltra::rotationOf(angle);
-    const std::uint32_t sine = keltra::bitsOf(turn.sine), cosine = keltra::bitsOf(turn.cosine);
+bool KTEMITTER::BILLBOARD::moveTurning(const KTEMITTER &emitter, unsigned int &index,
+                                       unsigned int count) const {
+    if (!armFitsTurned || index == count) return false;
     keltra::ArmParticleSquare square;
-    return keltra::keltraTurnSquare(&armTurn, sine, cosine, &square) &&
-           moveOne(emitter, index, armFrame, square);
+    keltra::ArmParticleRun run = armRun(emitter, index, count, armFrame, square);
+    bool spent = false;
+    for (const int *const end = run.end; !spent && run.slot != end && isInPool(*run.slot);) {
+        KTPARTICLE &moved = KTEMITTER::particle[*run.slot];
+        const float angle = moved.spinAngle;
+        if (keltra::isZero(angle)) break;
+        const keltra::Rotation &turn = keltra::rotationOf(angle);
+        const std::uint32_t sine = keltra::bitsOf(turn.sine), cosine = keltra::bitsOf(turn.cosine);
+        if (!keltra::keltraTurnSquare(&armTurn, sine, cosine, &square)) break;
+        run.end = run.slot + 1;
+        spent = keltra::keltraMoveTurned(&run);
+        if (!spent && run.slot != run.end) break;
+        moved.spinAngle = keltra::multiplyAdd(moved.spinSpeed, time, angle);
+    }
+    index = static_cast<unsigned int>(run.slot - emitter.slot) - spent;
+    return spent;
 }
 
 #else
@@ -163,7 +172,9 @@ bool KTEMITTER::BILLBOARD::move(const KTEMITTER &, unsigned int, const R3XVECTOR
     return false;
 }
 
-bool KTEMITTER::BILLBOARD::moveTurned(const KTEMITTER &, unsigned int, float) const { return false; }
+bool KTEMITTER::BILLBOARD::moveTurning(const KTEMITTER &, unsigned int &, unsigned int) const {
+    return false;
+}
 
 #endif
 
@@ -176,13 +187,19 @@ void KTEMITTER::updateParticles() {
     KT_glGetFloatv(0, m);
     const BILLBOARD billboard(*this, m);
     for (unsigned int i = 0; i < count; ++i) {
-        const bool spent = billboard.moveStill(*this, i, count);
+        bool spent = billboard.moveStill(*this, i, count);
+        const unsigned int first = i;
+        spent = spent || billboard.moveTurning(*this, i, count);
         if (i == count) break;
         if (!isInPool(slot[i])) {
             hideParticle(i);
             continue;
         }
         KTPARTICLE &moved = particle[slot[i]];
+        if (!spent && i != first && keltra::isZero(moved.spinAngle)) {  // behind those that turn
+            --i;
+            continue;
+        }
         if (!spent)
             advance(moved, billboard, vertexArray + i * kCorners, colorArray + i * kCorners * kColorBytes);
         if (!keltra::isPositive(moved.energy)) updateParticle(&moved);
@@ -196,7 +213,6 @@ void KTEMITTER::advance(KTPARTICLE &moved, const BILLBOARD &billboard, R3XVECTOR
     const unsigned int index = static_cast<unsigned int>(corners - vertexArray) / kCorners;
     R3XVECTOR3D right = billboard.right, up = billboard.up;
     if (!keltra::isZero(angle)) {
-        if (billboard.moveTurned(*this, index, angle)) return;
         R3XMATRIX turn;
         turn.setRotation(angle, billboard.axis.x, billboard.axis.y, billboard.axis.z);
         right = turn.rotate(right);
