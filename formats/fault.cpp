@@ -83,12 +83,6 @@ KTFAULT &toPublic(const Fault &fault, const char *text, std::size_t size) {
     return result;
 }
 
-bool refuse(FaultScope &scope, const Fault &fault) { return scope.fail(toPublic(fault)); }
-
-bool refuse(FaultScope &scope, const Fault &fault, const char *text, std::size_t size) {
-    return scope.fail(toPublic(fault, text, size));
-}
-
 KTFAULT &unknownName(FaultText what, const char *whole, const char *found, const char *nearest) {
     KTFAULT &fault = newFault(KT_FAULT_UNKNOWN);
     fault.severity = KT_FAULT_WARNING;
