@@ -148,6 +148,7 @@ void Reader::makeBones(const IqmMesh &mesh, aiMesh &made) {
             if (weight[k] > 0.0f && bone[k] >= 0.0f && bone[k] < static_cast<float>(bones.size()))
                 byBone[static_cast<std::size_t>(bone[k])].emplace_back(v, weight[k]);
     }
+    if (byBone.empty()) return;  // a mesh without bones does not free their array
     made.mNumBones = static_cast<unsigned>(byBone.size());
     made.mBones = new aiBone *[byBone.size()];
     unsigned next = 0;

@@ -214,7 +214,7 @@ TEST_F(PictureSourceTest, LinksToFoldersAreNotSearchedForNames) {
 TEST_F(PictureSourceTest, NamesFormatsThatItDoesNotRead) {
     folder.write("model/a.ktx2", std::string("\xabKTX 20\xbb\r\n\x1a\n rest of it"));
     EXPECT_EQ(fault("a.ktx2", false), "its format is not read: KTX 2, Basis Universal or other GPU textures");
-    folder.write("model/a.avif", std::string("\0\0\0 ftypavif and more", 24));
+    folder.write("model/a.avif", std::string("\0\0\0 ftypavif and more", 21));
     EXPECT_EQ(fault("a.avif", false), "its format is not read: AVIF");
 }
 
