@@ -33,8 +33,8 @@ char KTANIM::ktaPath[256];
 
 namespace {
 
-KELTRA_COLD [[gnu::noinline]] bool failKeyframe(keltra::FaultCall call, const KTANIM &anim, unsigned int frame,
-                                    unsigned int bone) {
+KELTRA_COLD [[gnu::noinline]] bool failKeyframe(keltra::FaultCall call, const KTANIM &anim,
+                                                unsigned int frame, unsigned int bone) {
     const unsigned int frames = std::min(anim.getNumberOfFrames(), KTANIM::maxFrames + 0);
     if (frame > frames) return keltra::failRange(call, KT_TEXT("frame"), frame, frames);
     const unsigned int bones = std::min(anim.getNumberOfBones(), KTANIM::maxBones + 0);

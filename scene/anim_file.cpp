@@ -81,8 +81,9 @@ class Writer {
     bool good;
 };
 
-void readKeyframes(keltra::ByteReader reader, const keltra::AnimRecord &anim,
-                   KTBONEFRAME (*keyframes)[KTANIM::maxBones]) {
+// Apart from the load, which is built small.
+[[gnu::noinline, gnu::hot]] void readKeyframes(keltra::ByteReader reader, const keltra::AnimRecord &anim,
+                                               KTBONEFRAME (*keyframes)[KTANIM::maxBones]) {
     for (unsigned int frame = 0; frame < anim.frames; ++frame)
         for (unsigned int bone = 0; bone < anim.bones; ++bone) {
             keltra::KeyframeRecord record;
