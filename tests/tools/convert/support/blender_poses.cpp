@@ -13,17 +13,6 @@ namespace {
 
 constexpr double kNear = 1e-4;  // of the size; up to there partners are found exactly
 
-KTANIM *loadClip(const std::string &file) {
-    if (KTANIM *known = KTANIM::findByFilename(file.c_str())) return known;
-    KTANIM *animation = new KTANIM;
-    if (!animation->load(file.c_str())) {
-        delete animation;
-        return nullptr;
-    }
-    animation->setTranslating(true);
-    return animation;
-}
-
 }  // namespace
 
 std::vector<BlenderClip> readBlenderPoses(const std::string &path) {
@@ -49,7 +38,7 @@ std::vector<BlenderClip> readBlenderPoses(const std::string &path) {
 }
 
 double compareWithBlender(const BlenderClip &clip, KTNODE *root) {
-    KTANIM *animation = clip.file.empty() ? nullptr : loadClip(clip.file);
+    KTANIM *animation = clip.file.empty() ? nullptr : loadAnimation(clip.file);
     if (!clip.file.empty() && !animation) return 1.0;
     std::vector<std::vector<Point>> drawn;
     for (unsigned frame : clip.frames) {

@@ -126,7 +126,7 @@ Loaded::~Loaded() {
     KTTEXTURE::setPath(nullptr);
 }
 
-KTANIM *Loaded::animation(const std::string &file) {
+KTANIM *loadAnimation(const std::string &file) {
     if (KTANIM *known = KTANIM::findByFilename(file.c_str())) return known;
     KTANIM *animation = new KTANIM;
     if (!animation->load(file.c_str())) {

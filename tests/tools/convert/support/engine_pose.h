@@ -35,6 +35,10 @@ std::vector<PosedMesh> drawInRounds(KTNODE *root, const std::function<void()> &d
 /// The same without a window: the GL must be stubbed.
 std::vector<PosedMesh> poseWithoutWindow(KTNODE *root);
 
+/// The animation file of that name below the animations' prefix, loaded when it is first asked for; null when
+/// it cannot be.
+KTANIM *loadAnimation(const std::string &file);
+
 /// A conversion's files in a folder, which the engine is reported to read from. Everything loaded is
 /// destroyed with it.
 class Loaded {
@@ -45,8 +49,7 @@ class Loaded {
     Loaded &operator=(const Loaded &) = delete;
 
     KTNODE *root() const { return scene; }
-    /// The animation file of that name, loaded when it is first asked for; null when it cannot be.
-    KTANIM *animation(const std::string &file);
+    KTANIM *animation(const std::string &file) { return loadAnimation(file); }
     std::string path(const std::string &file) const { return folder.path(file); }
 
    private:
