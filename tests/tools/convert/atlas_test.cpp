@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
+#include <string>
 
 #include "tests/tools/convert/support/convert_fixture.h"
 #include "tools/formats/kte_reader.h"
@@ -137,6 +139,12 @@ TEST(AtlasTest, WhatDoesNotFitStaysOutside) {
 /// Boxes with a picture each.
 class AtlasModelTest : public ConvertTest {
    protected:
+    // A level down: pictures that are missing are looked for beside the model's folder too, where other tests
+    // have theirs.
+    const std::string kModelFolder = "model/";
+
+    AtlasModelTest() { std::filesystem::create_directory(folder.path("model")); }
+
     /// A material with a picture of its own; none is written for `side` 0.
     unsigned material(unsigned side, Rgba color = {200, 100, 50, 255}) {
         json &document = model.document();
@@ -148,7 +156,7 @@ class AtlasModelTest : public ConvertTest {
         const std::vector<std::uint8_t> bytes =
             side > 0 ? formats::writeTga(image, {false, color.a == 255 ? 24u : 32u, false})
                      : std::vector<std::uint8_t>();
-        if (side > 0) folder.write(file, bytes.data(), bytes.size());
+        if (side > 0) folder.write(kModelFolder + file, bytes.data(), bytes.size());
         document["images"].push_back({{"uri", file}});
         document["textures"].push_back({{"source", index}});
         document["materials"].push_back(
@@ -186,7 +194,7 @@ class AtlasModelTest : public ConvertTest {
         return mesh;
     }
     convert::Conversion convertIt(const Tweak &tweak) {
-        return convertFile(folder.write("boxes.gltf", model.text()), tweak);
+        return convertFile(folder.write(kModelFolder + "boxes.gltf", model.text()), tweak);
     }
     convert::Conversion withAtlas(unsigned most = 512) {
         return convertIt([most](convert::Options &options) {
