@@ -33,7 +33,7 @@ char KTANIM::ktaPath[256];
 
 namespace {
 
-KELTRA_COLD [[gnu::noinline]] bool failKeyframe(keltra::FaultCall call, const KTANIM &anim,
+[[gnu::noinline]] KELTRA_COLD bool failKeyframe(keltra::FaultCall call, const KTANIM &anim,
                                                 unsigned int frame, unsigned int bone) {
     const unsigned int frames = std::min(anim.getNumberOfFrames(), KTANIM::maxFrames + 0);
     if (frame > frames) return keltra::failRange(call, KT_TEXT("frame"), frame, frames);
