@@ -6,6 +6,8 @@
 
 #include <SDL_syswm.h>
 
+#include <cerrno>
+
 namespace keltra {
 namespace {
 
@@ -59,6 +61,7 @@ PathKind platformPathKind(const char *path) {
 }
 
 std::FILE *platformOpenFile(const char *path, std::int64_t &size) {
+    errno = 0;  // the calls of the system leave it alone
     return kindAndSize(path, size) == PathKind::kFile ? std::fopen(path, "rb") : nullptr;
 }
 

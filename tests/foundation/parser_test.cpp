@@ -3,7 +3,9 @@
 #include <keltra/fault.h>
 #include <keltra/foundation.h>
 
+#include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -12,9 +14,42 @@
 #include "tests/foundation/foundation_fixture.h"
 #include "tests/support/allocations.h"
 #include "tests/support/small_stack.h"
+#include "tools/support/interpose.h"
+
+#ifdef _WIN32
+namespace {
+bool mustFailStream = false;
+}
+
+// A stream is no block of malloc's there.
+KELTRA_INTERPOSE(FILE *, , fopen, (const char *path, const char *mode)) {
+    static auto *const next = keltra::nextFunction<FILE *(const char *, const char *)>("fopen");
+    if (!mustFailStream) return next(path, mode);
+    mustFailStream = false;
+    errno = ENOMEM;
+    return nullptr;
+}
+#endif
 
 namespace keltra::test {
 namespace {
+
+// The next file that is opened finds no memory for its stream.
+void failNextStream() {
+#ifdef _WIN32
+    mustFailStream = true;
+#else
+    Allocations::failNth(1);
+#endif
+}
+
+bool hasFailedStream() {
+#ifdef _WIN32
+    return !mustFailStream;
+#else
+    return Allocations::hasFailed();
+#endif
+}
 
 class ParserTest : public FoundationTest {
    protected:
@@ -105,14 +140,23 @@ TEST_F(ParserTest, OutOfMemoryIsLogged) {
     const std::string path = folder.write("text.txt", std::string(76543, 'x'));
     Allocations::failNext(76544);
     EXPECT_FALSE(vnfOpenParser(&parser, path.c_str()));
-    Allocations::failNth(1);  // the stream's block
+    failNextStream();
     EXPECT_FALSE(vnfOpenParser(&parser, path.c_str()));
-    EXPECT_TRUE(Allocations::hasFailed());
+    EXPECT_TRUE(hasFailedStream());
     Allocations::clear();
     EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_OUT_OF_MEMORY);
     EXPECT_EQ(messages(),
               "vnfOpenParser: out of memory (76544 bytes needed)\nvnfOpenParser: unable to open file " +
                   path + "\n");
+}
+
+TEST_F(ParserTest, AMissingFileIsNoLackOfMemoryAfterOne) {
+    errno = ENOMEM;
+    EXPECT_FALSE(vnfOpenParser(&parser, folder.path("missing.txt").c_str()));
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_FILE_MISSING);
+    errno = ENOMEM;
+    EXPECT_FALSE(vnfOpenParser(&parser, folder.prefix().c_str()));
+    EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_FILE_KIND);
 }
 
 TEST_F(ParserTest, ClosingWhatIsNotOpenIsLogged) {
