@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Zlib
 # To be read by a shell script: private_apt FOLDER ARCHITECTURE makes a configuration of apt in FOLDER, with this machine's Debian
 # archives, packages and sources, for that architecture, sets APT_CONFIG to it and reads the lists. It sees no installed package
-# and installs none.
+# and installs none. While the lists of one archive are being renewed on the server, packages are taken from the others.
 private_apt() {
     apt=$1
     rm -rf "$apt"
@@ -37,5 +37,5 @@ Acquire::Retries "5";
 Debug::NoLocking "true";
 CONF
     export APT_CONFIG="$apt/apt.conf"
-    apt-get -qq update
+    apt-get -qq update || echo "private_apt.sh: not all lists of packages could be read" >&2
 }

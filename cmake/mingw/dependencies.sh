@@ -30,34 +30,67 @@ quietly() {
     "$@" >"$log" 2>&1 || { tail -n 30 "$log" >&2; echo "dependencies.sh: $* failed, see $log" >&2; exit 1; }
 }
 
-# source_of PACKAGE: its source in work/PACKAGE, with Debian's patches unless the mirror lacks them, and its licence.
-source_of() {
-    if [ ! -f "$work/apt/ready" ]; then
+lists=old
+
+# fetch PACKAGE: into work/download-PACKAGE the sources of its newest version that the archive has whole. An archive may list a
+# version, or the patches of one, that it no longer has. Then the sources are taken without Debian's patches.
+fetch() {
+    if [ $lists = old ]; then
         echo "dependencies.sh: reading the lists of source packages"
         private_apt "$work/apt" amd64
-        touch "$work/apt/ready"
+        lists=new
     fi
     export APT_CONFIG="$work/apt/apt.conf"
-    echo "dependencies.sh: building $1"
-    rm -rf "${work:?}/$1" "$work/download-$1"
+    rm -rf "$work/download-$1"
     mkdir -p "$work/download-$1"
     cd "$work/download-$1"
-    if apt-get -qq source --download-only "$1" >/dev/null; then
-        quietly "unpack-$1" dpkg-source --no-check -x ./*.dsc "$work/$1"
-        cp "$work/$1/debian/copyright" "$root/licences/$1.txt"
-    else
-        apt-get -qq source --download-only --tar-only "$1" >/dev/null
-        mkdir "$work/$1"
-        tar -C "$work/$1" --strip-components=1 -xf ./*.orig.tar.*
-        cat "$work/$1"/COPYING* "$work/$1"/LICENSE* >"$root/licences/$1.txt" 2>/dev/null || true
+    fetched=
+    version=
+    for version in $(apt-cache showsrc --only-source "$1" | sed -n 's/^Version: //p' | sort -Vru); do
+        if apt-get -qq source --download-only "$1=$version" >"$work/fetch-$1.log" 2>&1; then
+            fetched="$1 $version"
+            break
+        fi
+        echo "dependencies.sh: the archive lacks files of $1 $version"
+        rm -f ./*
+    done
+    if [ -z "$fetched" ]; then
+        quietly "fetch-$1" apt-get -qq source --download-only --tar-only "$1"
+        fetched="$1 $version without Debian's patches"
     fi
     unset APT_CONFIG
+}
+
+# source_of PACKAGE: its source in work/PACKAGE, a line in sources.txt and its licence.
+source_of() {
+    echo "dependencies.sh: building $1"
+    fetch "$1"
+    rm -rf "${work:?}/$1"
+    licence=$root/licences/$1.txt
+    if ls ./*.dsc >/dev/null 2>&1; then
+        quietly "unpack-$1" dpkg-source --no-check -x ./*.dsc "$work/$1"
+        cp "$work/$1/debian/copyright" "$licence"
+    else
+        mkdir "$work/$1"
+        tar -C "$work/$1" --strip-components=1 -xf "$(find . -name '*.orig.tar.*' ! -name '*.asc')"
+        find "$work/$1" -maxdepth 1 '(' -name 'COPYING*' -o -name 'LICENSE*' ')' -exec cat {} + >"$licence"
+        [ -s "$licence" ] || cat "$work/$1"/readme.txt "$work/$1"/docs/license.rst >"$licence" 2>/dev/null || true
+    fi
+    [ -s "$licence" ] || { echo "dependencies.sh: $1 has no licence" >&2; exit 1; }
+    touch "$root/sources.txt"
+    { sed "/^$1 /d" "$root/sources.txt"; echo "$fetched"; } >"$work/sources.txt"
+    mv "$work/sources.txt" "$root/sources.txt"
+    case $1 in libsdl1.2 | mpeg2dec)  # who passes these libraries on passes on their sources
+        mkdir -p "$root/sources"
+        cp ./* "$root/sources/"
+        ;;
+    esac
     cd "$work"
 }
 
 # once NAME: runs build_NAME unless the same lines did so before.
 once() {
-    lines=$(sed -n "/^build_$1() {/,/^}/p" "$script")
+    lines=$(sed -n "/^fetch() {/,/^}/p; /^source_of() {/,/^}/p; /^build_$1() {/,/^}/p" "$script")
     if [ -f "$root/built/$1" ] && [ "$(cat "$root/built/$1")" = "$lines" ]; then return 0; fi
     "build_$1"
     printf '%s\n' "$lines" >"$root/built/$1"

@@ -16,8 +16,7 @@ mkdir -p "$root"
 # shellcheck source=cmake/debian/private_apt.sh
 . "$(dirname "$0")/../debian/private_apt.sh"
 echo "wine32.sh: fetching a wine of 32 bits"
-# While the lists of security updates are being renewed on the server, packages are taken from the others.
-private_apt "$root/apt" i386 || true
+private_apt "$root/apt" i386
 # shellcheck disable=SC2086  # a list of names
 apt-get -qq -y --download-only install $packages >/dev/null
 for package in "$root"/apt/cache/archives/*.deb; do
