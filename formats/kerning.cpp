@@ -50,12 +50,70 @@ void takeLine(KerningValues &values, const char *line) {
     }
 }
 
+const char *skipBlanks(const char *c) {
+    while (*c == ' ' || *c == '\t') ++c;
+    return c;
+}
+
+// The line feed behind a number of up to three digits that fits; null for anything else.
+const char *readPlainValue(const char *c, int &value) {
+    const bool isNegative = *c == '-';
+    const char *const first = c += isNegative;
+    for (value = 0; *c >= '0' && *c <= '9' && c - first < 3; ++c) value = 10 * value + (*c - '0');
+    if (c == first) return nullptr;
+    if (isNegative) value = -value;
+    c = skipBlanks(c);
+    c += *c == '\r';
+    return *c == '\n' && value >= SCHAR_MIN && value <= SCHAR_MAX ? c : nullptr;
+}
+
+// Takes the value of a line as tools write it: blank, or a key that was not there yet, `=` and a value that
+// fits. Returns what is behind its line feed, and null for all other lines.
+const char *takePlainLine(KerningValues &values, const char *const line) {
+    const char *c = skipBlanks(line);
+    if (*c == '\n') return c + 1;
+    c = line;
+    for (const char *prefix = kKerningPrefix; *prefix; ++prefix, ++c)
+        if (*c != *prefix) return nullptr;
+    unsigned int key = characterKey(c);
+    if (key == kNoKey || *c == ' ') return nullptr;
+    const char *separator = skipBlanks(c + 1);
+    if (*separator != '=') {
+        // Its first letter is a key too, which this line would set.
+        if (!values.isThere[key]) return nullptr;
+        std::size_t length = 0;
+        for (key = kKerningCharacters; key < kKerningKeys; ++key)
+            if ((length = namedKey(c, key - kKerningCharacters))) break;
+        separator = skipBlanks(c + length);
+    }
+    int value;
+    if (*separator != '=' || key == kNoKey || values.isThere[key]) return nullptr;
+    const char *const end = readPlainValue(skipBlanks(separator + 1), value);
+    if (!end || static_cast<std::size_t>(end - line) >= kLineSize) return nullptr;
+    values.isThere[key] = true;
+    values.value[key] = static_cast<signed char>(value);
+    return end + 1;
+}
+
+// The place behind the plain lines from `line` on.
+const char *takePlainLines(KerningValues &values, const char *line, const char *end) {
+    while (end > line && end[-1] != '\n') --end;
+    while (line < end) {
+        const char *const next = takePlainLine(values, line);
+        if (!next) break;
+        line = next;
+    }
+    return line;
+}
+
 }  // namespace
 
-void readKernings(const vnfParser &text, KerningValues &values) {
+bool readKernings(const vnfParser &text, KerningValues &values) {
     values = {};
     vnfParser lines = text;
-    lines.position = 0;
+    const char *const begin = text.buffer, *const plain = takePlainLines(values, begin, begin + text.size);
+    lines.position = static_cast<std::int32_t>(plain - begin);
+    if (lines.position == lines.size) return true;
     char line[kLineSize];
     while (vnfReadLine(&lines, line)) {
         char *kept = line;
@@ -64,6 +122,7 @@ void readKernings(const vnfParser &text, KerningValues &values) {
         *kept = '\0';
         takeLine(values, line);
     }
+    return false;
 }
 
 }  // namespace keltra

@@ -39,8 +39,9 @@ struct KerningValues {
     signed char value[kKerningKeys];
 };
 
-// Looks all keys up at once, each as `vnfParseInt` does: the first line that contains it.
-void readKernings(const vnfParser &text, KerningValues &values);
+// Looks all keys up at once, each as `vnfParseInt` does: the first line that contains it. True when there is
+// nothing that `checkKerning` would warn of; false when it has to look.
+bool readKernings(const vnfParser &text, KerningValues &values);
 
 }  // namespace keltra
 

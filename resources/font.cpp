@@ -350,10 +350,10 @@ KELTRA_COLD bool KTFONT::loadKerning(const char *filename) {
     if (!vnfOpenParser(&file, path.text)) return false;
     vnfRemoveComments(&file, keltra::kKerningComment);
     keltra::KerningValues values;
-    keltra::readKernings(file, values);
+    const bool isPlain = keltra::readKernings(file, values);
     for (unsigned int i = 0; i < keltra::kKerningKeys; ++i)
         if (values.isThere[i]) kerning[cellOf(keltra::kerningCharacter(i))] = values.value[i];
-    keltra::checkKerning(file);
+    if (!isPlain) keltra::checkKerning(file);
     vnfCloseParser(&file);
     return true;
 }
