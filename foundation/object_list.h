@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "foundation/identifier.h"
+#include "foundation/object_pool.h"
 
 namespace keltra {
 
@@ -60,6 +61,7 @@ class ObjectList {
     Registration *first = nullptr, *last = nullptr;
     unsigned int count = 0;
     FreshBlocks fresh = {};
+    ObjectPool pool = {};
 
    private:
     void leaveTables(Registration &object);

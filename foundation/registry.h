@@ -54,8 +54,13 @@ void KTREGISTERED<T>::show(keltra::Registration *before, keltra::Registration *a
 
 template <class T>
 void *KTREGISTERED<T>::operator new(std::size_t size, const std::nothrow_t &) noexcept {
-    void *block = keltra::ObjectMemory<T>::isCleared ? std::calloc(1, size) : std::malloc(size);
-    list().fresh.add(block, size);
+    keltra::ObjectList &objects = list();
+    void *block = nullptr;
+    if constexpr (keltra::ObjectMemory<T>::isCleared)
+        block = std::calloc(1, size);
+    else if (!(block = objects.pool.take(size, objects.count)))
+        block = std::malloc(size);
+    objects.fresh.add(block, size);
     return block;
 }
 
@@ -69,8 +74,9 @@ void *KTREGISTERED<T>::operator new(std::size_t size) {
 // Removes the block of a constructor that threw: a later object at its address must not be taken for it.
 template <class T>
 void KTREGISTERED<T>::operator delete(void *block) noexcept {
-    list().fresh.take(block);
-    std::free(block);
+    keltra::ObjectList &objects = list();
+    objects.fresh.take(block);
+    if (!objects.pool.giveBack(block, objects.count)) std::free(block);
 }
 
 template <class T>

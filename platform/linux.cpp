@@ -118,6 +118,38 @@ void platformExpectUse(void *block, std::size_t size) {
 #endif
 }
 
+#if __SIZEOF_POINTER__ == 8
+namespace {
+
+char *mapPages(std::size_t size) {
+    void *const pages = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return pages == MAP_FAILED ? nullptr : static_cast<char *>(pages);
+}
+
+}  // namespace
+
+// Behind one such block the system most often puts the next; else the ends of a larger one are given back.
+void *platformTakePages(std::size_t size) {
+    const int earlier = errno;
+    const auto excess = [size](const char *block) { return reinterpret_cast<std::uintptr_t>(block) % size; };
+    char *block = mapPages(size);
+    if (block && excess(block)) {
+        munmap(block, size);
+        block = mapPages(2 * size);
+        if (block) {
+            const std::size_t before = (size - excess(block)) % size;
+            if (before) munmap(block, before);
+            block += before;
+            munmap(block + size, size - before);
+        }
+    }
+    errno = earlier;
+    return block;
+}
+
+void platformReturnPages(void *block, std::size_t size) { munmap(block, size); }
+#endif
+
 LocalTime platformLocalTime() {
     timespec now;
     tm fields;

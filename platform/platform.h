@@ -29,6 +29,11 @@ std::uint64_t platformReclaimableMemory(const PhysicalMemory &memory);
 // large pages.
 void platformExpectUse(void *block, std::size_t size);
 
+// A cleared block at a multiple of its size, which is a power of two; null when out of memory. Its pages take
+// memory when they are first written to. On systems of 64 bits only, and not on Windows.
+void *platformTakePages(std::size_t size);
+void platformReturnPages(void *block, std::size_t size);
+
 struct LocalTime {
     unsigned int day, month, year, hour, minute, second, millisecond;  // month 1 to 12, year with its century
 };

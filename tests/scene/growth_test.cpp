@@ -76,6 +76,41 @@ TEST_F(GrowthTest, SearchesBetweenAllOtherChanges) {
     EXPECT_LT(time.seconds(), kLongestSeconds);
 }
 
+struct LargeNode : KTNODE {
+    explicit LargeNode(unsigned int number) : numbers{number, ~number} {
+        if (number == ~0u) throw number;
+    }
+    unsigned int numbers[2], more[100] = {};
+};
+
+// Thousands have memory of their own kind, from which derived ones are destroyed, too.
+TEST_F(GrowthTest, NodesOfAllSizesMadeAndDestroyedInRandomOrder) {
+    std::vector<KTNODE *> nodes;
+    for (unsigned int step = 0; step < kMany; ++step) {
+        if (step % 1000 == 0) {
+            EXPECT_THROW(new LargeNode(~0u), unsigned int);
+        }
+        if (nodes.empty() || generator() % 3 > 0) {
+            const unsigned int kind = generator() % 8;
+            nodes.push_back(kind == 0 ? new KTCAMERA : kind < 4 ? new LargeNode(step) : new KTNODE);
+            nodes.back()->setAuxId(kind == 0 || kind >= 4 ? 0 : step + 1);
+        } else {
+            std::swap(nodes[generator() % nodes.size()], nodes.back());
+            if (const unsigned int number = nodes.back()->getAuxId()) {
+                const auto &large = static_cast<LargeNode &>(*nodes.back());
+                ASSERT_EQ(large.numbers[0], number - 1);
+                ASSERT_EQ(large.numbers[1], ~(number - 1));
+            }
+            delete nodes.back();
+            nodes.pop_back();
+        }
+    }
+    EXPECT_EQ(KTNODE::getNumberOfNodes(), nodes.size());
+    KTNODE stays;
+    EXPECT_TRUE(KTNODE::cleanUp()) << "which deletes those that were made with new";
+    EXPECT_EQ(KTNODE::getNumberOfNodes(), 0u);
+}
+
 TEST_F(GrowthTest, SixtyThousandTextureFiles) {
     const std::vector<KTTEXTURE *> textures = make<KTTEXTURE>(kMany);
     const CpuTime time;
