@@ -109,9 +109,11 @@ void releaseBlock(void *block) {
     if (block) vnfFree(block);
 }
 
-bool isShared(const void *block) {
+BlockState stateOf(const void *block) {
     const Note *note = find(block);
-    return note && note->holders > 1;
+    if (!note) return {0, false};
+    const std::ptrdiff_t dropped = static_cast<const char *>(block) - static_cast<char *>(note->allocation);
+    return {note->room ? note->room - static_cast<std::size_t>(dropped) : 0, note->holders > 1};
 }
 
 void *newRoomyBlock(std::size_t room) {
@@ -121,16 +123,10 @@ void *newRoomyBlock(std::size_t room) {
     return nullptr;
 }
 
-std::size_t roomOf(const void *block) {
-    const Note *note = find(block);
-    if (!note || note->room == 0) return 0;
-    return note->room -
-           static_cast<std::size_t>(static_cast<const char *>(block) - static_cast<char *>(note->allocation));
-}
-
 void *dropFront(void *block, std::size_t bytes) {
-    Note moved = *find(block);
-    remove(*find(block));
+    Note &note = *find(block);
+    Note moved = note;
+    remove(note);
     moved.block = static_cast<char *>(block) + bytes;
     add(moved);  // into the place that has just become free
     return moved.block;

@@ -23,14 +23,15 @@ void *retainBlock(void *block);
 // Takes a holder away as vnfFree does. Null is ignored.
 void releaseBlock(void *block);
 
-// True when the block has more than one holder: it must not be changed for one of them.
-bool isShared(const void *block);
+// What the table says of a block.
+struct BlockState {
+    std::size_t room;  // bytes from the block's address on; 0 when only its holders know its length
+    bool isShared;     // it has more than one holder: it must not be changed for one of them
+};
+BlockState stateOf(const void *block);
 
 // A block whose contents may grow up to `room` bytes.
 void *newRoomyBlock(std::size_t room);
-
-// How many bytes such a block holds from `block` on; 0 for all others, whose length only their holders know.
-std::size_t roomOf(const void *block);
 
 // Takes bytes from the front of a roomy block with one holder. Returns where it begins from now on: the
 // address that vnfFree expects.

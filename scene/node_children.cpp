@@ -2,6 +2,7 @@
 #include <keltra/node.h>
 
 #include "foundation/block.h"
+#include "foundation/pointer_array.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -17,8 +18,6 @@ KTNODE **newChildren(unsigned int count, unsigned int room = 0) {
     const std::size_t bytes = std::max(count, room) * sizeof(KTNODE *);
     return static_cast<KTNODE **>(room > count ? keltra::newRoomyBlock(bytes) : keltra::newBlock(bytes));
 }
-
-std::size_t roomOf(KTNODE *const *children) { return keltra::roomOf(children) / sizeof(KTNODE *); }
 
 }  // namespace
 
@@ -66,12 +65,8 @@ unsigned int KTNODE::findChild(const KTNODE *child) const {
         const unsigned int place = child->slot - children[0]->slot;
         if (place < span) before = static_cast<std::int64_t>(std::uint64_t{place} * last / span);
     }
-    std::int64_t behind = before + 1;
-    for (; before >= 0 || behind <= last; --before, ++behind) {
-        if (before >= 0 && children[before] == child) return static_cast<unsigned int>(before);
-        if (behind <= last && children[behind] == child) return static_cast<unsigned int>(behind);
-    }
-    return numberOfChildren;
+    return static_cast<unsigned int>(
+        keltra::findNear(children, numberOfChildren, static_cast<std::size_t>(before), child));
 }
 
 void KTNODE::leaveLister() {
@@ -93,7 +88,8 @@ void KTNODE::abandonChildren() {
 // application's, or one that copies show: neither has room to be used.
 bool KTNODE::makeRoomForChild() {
     const unsigned int needed = numberOfChildren + 1;
-    if (children && roomOf(children) >= needed && !keltra::isShared(children)) return true;
+    const keltra::BlockState state = keltra::stateOf(children);
+    if (state.room / sizeof(KTNODE *) >= needed && !state.isShared) return true;
     KTNODE **grown = newChildren(needed, needed < kFirstRoom ? 0 : needed + needed / 2);
     if (!grown) return false;
     for (unsigned int i = 0; i < numberOfChildren; ++i) grown[i] = getChild(i);
@@ -105,21 +101,21 @@ bool KTNODE::makeRoomForChild() {
 bool KTNODE::takeChild(unsigned int index) {
     const unsigned int rest = numberOfChildren - 1;
     const bool front = index < numberOfChildren / 2;
-    const std::size_t room = roomOf(children);
-    const bool shared = keltra::isShared(children), tooLong = room / 4 > rest;
+    const keltra::BlockState state = keltra::stateOf(children);
+    const bool tooLong = state.room / sizeof(KTNODE *) / 4 > rest;
     KTNODE **left = nullptr;
-    if (shared || tooLong) left = newChildren(rest, rest < kFirstRoom ? 0 : rest + rest / 2);
-    if (shared && !left) return false;
+    if (state.isShared || tooLong) left = newChildren(rest, rest < kFirstRoom ? 0 : rest + rest / 2);
+    if (state.isShared && !left) return false;
     if (left) {
         std::copy_n(children, index, left);
         std::copy(children + index + 1, children + numberOfChildren, left + index);
         setChildren(left, rest);
-    } else if (front && room > 0) {
-        std::copy_backward(children, children + index, children + index + 1);
+    } else if (front && state.room > 0) {
+        keltra::closeGapFromFront(children, index);
         children = static_cast<KTNODE **>(keltra::dropFront(children, sizeof(KTNODE *)));
         numberOfChildren = rest;
     } else {
-        std::copy(children + index + 1, children + numberOfChildren, children + index);
+        keltra::closeGapFromBehind(children + index, rest - index);
         numberOfChildren = rest;
     }
     if (front) ++taken;
