@@ -44,6 +44,7 @@ constexpr Packing packTexts() {
 }
 
 constexpr Packing kPacking = packTexts();
+static_assert(kPacking.size > 0, "the texts can be packed");
 
 struct Packed {
     unsigned char bytes[kPacking.size];
@@ -59,12 +60,11 @@ constexpr Packed kPacked = firstOf(kPacking);
 // Text `number` of both lists. The first call unpacks them.
 const char *unpacked(std::size_t number) {
     static PackedText<kTextSize> texts;
-    const bool isUnpacked = texts.begin()[1];  // the first text is empty
-    if (!isUnpacked) {
+    const char *text = texts.begin();
+    if (!text[1]) {  // the first text is empty
         PackedReader reader(kPacked.bytes);
         for (std::size_t i = 0; i < kTextSize; ++i) texts.take(i, reader);
     }
-    const char *text = texts.begin();
     for (; number; --number) text += std::strlen(text) + 1;
     return text;
 }

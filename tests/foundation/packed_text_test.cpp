@@ -21,6 +21,7 @@ std::size_t expectReturn(const std::string &text) {
     keltra::PackedWriter writer(packed.data());
     for (std::size_t i = 0; i < text.size(); ++i) given.take(i, writer, text[i]);
     const std::size_t size = writer.finish();
+    EXPECT_GT(size, 0u);
     keltra::PackedReader reader(packed.data());
     for (std::size_t i = 0; i < text.size(); ++i) read.take(i, reader);
     EXPECT_EQ(std::string(read.begin(), text.size()), text);
@@ -31,6 +32,14 @@ TEST(PackedTextTest, ReturnsWhatWasPacked) {
     expectReturn("the file does not exist");
     expectReturn(std::string("a\0\0a\0b\0ab", 9));
     expectReturn(std::string(kSize, '~'));
+}
+
+TEST(PackedTextTest, RefusesTooMuchOfTheSame) {
+    static keltra::PackedText<2000> text;
+    unsigned char packed[100];
+    keltra::PackedWriter writer(packed);
+    for (std::size_t i = 0; i < 2000; ++i) text.take(i, writer, '~');
+    EXPECT_EQ(writer.finish(), 0u);
 }
 
 TEST(PackedTextTest, TakesAnyCharacterInAnyOrder) {
