@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Zlib
 #include "core/gl_state.h"
-#include "foundation/cold.h"
 
 #include <keltra/opengl.h>
+
+#include "foundation/cold.h"
 
 #include <cstring>
 

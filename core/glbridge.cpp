@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Zlib
+#include "core/glbridge.h"
 #include <keltra/glbridge.h>
 
 #include <keltra/matrix.h>
 
 #include "core/gl_state.h"
-#include "core/glbridge.h"
 #include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"

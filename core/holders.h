@@ -2,9 +2,9 @@
 #ifndef KELTRA_CORE_HOLDERS_H
 #define KELTRA_CORE_HOLDERS_H
 
-#include <cstdint>
-
 #include "foundation/cold.h"
+
+#include <cstdint>
 
 namespace keltra {
 

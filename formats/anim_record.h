@@ -5,11 +5,11 @@
 // The contents of a KTA animation file. Names and keyframes stay in the file, little-endian and without
 // alignment.
 
-#include <cstddef>
-
 #include "formats/byte_reader.h"
 #include "formats/fault.h"
 #include "formats/limits.h"
+
+#include <cstddef>
 
 namespace keltra {
 

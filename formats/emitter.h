@@ -4,10 +4,10 @@
 
 // The settings of emitter files.
 
-#include <cstddef>
-
 #include "formats/blend_factor.h"
 #include "formats/xml_value.h"
+
+#include <cstddef>
 
 class TiXmlDocument;
 class TiXmlElement;

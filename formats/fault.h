@@ -5,10 +5,10 @@
 // What the parsers report. Neither depends on the reader of the file: the engine adds its call, keltra-info
 // the file name. What has no effect in a file that loads is reported as warnings, without a call.
 
+#include "foundation/fault.h"
+
 #include <cstddef>
 #include <type_traits>
-
-#include "foundation/fault.h"
 
 namespace keltra {
 

@@ -2,12 +2,12 @@
 #ifndef KELTRA_FORMATS_FIELD_READER_H
 #define KELTRA_FORMATS_FIELD_READER_H
 
-#include <cstddef>
-#include <cstdint>
-
 #include "formats/byte_reader.h"
 #include "formats/fault.h"
 #include "formats/limits.h"
+
+#include <cstddef>
+#include <cstdint>
 
 namespace keltra {
 

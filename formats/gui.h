@@ -4,10 +4,10 @@
 
 // What interface descriptions are made of: the names of objects, properties, attributes and kinds.
 
-#include <cstddef>
-
 #include "formats/fault.h"
 #include "formats/xml_value.h"
+
+#include <cstddef>
 
 class TiXmlDocument;
 class TiXmlElement;

@@ -6,9 +6,9 @@
 // The exported constants are asserted to be equal in the sources of their classes; the tools take theirs from
 // here, and messages print them.
 
-#include <cstddef>
-
 #include "foundation/identifier.h"
+
+#include <cstddef>
 
 namespace keltra {
 

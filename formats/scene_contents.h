@@ -5,10 +5,10 @@
 // A scene file, read once: its records in file order. Names and arrays of the records stay in the file, which
 // must outlive them.
 
-#include <cstddef>
-
 #include "formats/scene_record.h"
 #include "foundation/arena.h"
+
+#include <cstddef>
 
 namespace keltra {
 

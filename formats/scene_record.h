@@ -6,10 +6,10 @@
 // little-endian and without alignment. The readers neither allocate nor recurse, and a record that they
 // accept is whole and consistent.
 
+#include "formats/field_reader.h"
+
 #include <cstddef>
 #include <cstdint>
-
-#include "formats/field_reader.h"
 
 namespace keltra {
 

@@ -2,11 +2,11 @@
 #ifndef KELTRA_FORMATS_TGA_H
 #define KELTRA_FORMATS_TGA_H
 
-#include <cstddef>
-#include <cstdint>
-
 #include "formats/fault.h"
 #include "formats/limits.h"
+
+#include <cstddef>
+#include <cstdint>
 
 namespace keltra {
 

@@ -2,10 +2,10 @@
 #ifndef KELTRA_FORMATS_TGA_FILE_H
 #define KELTRA_FORMATS_TGA_FILE_H
 
-#include <cstdint>
-
 #include "formats/tga.h"
 #include "foundation/fault.h"
+
+#include <cstdint>
 
 namespace keltra {
 

@@ -2,10 +2,10 @@
 #ifndef KELTRA_FORMATS_XML_DOCUMENT_H
 #define KELTRA_FORMATS_XML_DOCUMENT_H
 
-#include <cstddef>
-
 #include "formats/fault.h"
 #include "formats/limits.h"
+
+#include <cstddef>
 
 class TiXmlDocument;
 

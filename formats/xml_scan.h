@@ -2,10 +2,10 @@
 #ifndef KELTRA_FORMATS_XML_SCAN_H
 #define KELTRA_FORMATS_XML_SCAN_H
 
+#include "formats/fault.h"
+
 #include <algorithm>
 #include <cstddef>
-
-#include "formats/fault.h"
 
 namespace keltra {
 

@@ -4,11 +4,11 @@
 
 #include <keltra/foundation.h>
 
+#include "foundation/quiet.h"
+
 #include <cstddef>
 #include <new>
 #include <type_traits>
-
-#include "foundation/quiet.h"
 
 namespace keltra {
 

@@ -24,10 +24,10 @@
 
 #include <keltra/fault.h>
 
+#include "foundation/fault_texts.h"
+
 #include <cstddef>
 #include <type_traits>
-
-#include "foundation/fault_texts.h"
 
 // The number of a name or text.
 #define KT_CALL(literal) (std::integral_constant<keltra::FaultCall, keltra::faultCall(literal)>::value)

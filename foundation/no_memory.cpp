@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Zlib
-#include <new>
-
 #include "foundation/memory.h"
+
+#include <new>
 
 void keltra::throwNoMemory() { throw std::bad_alloc(); }

@@ -6,10 +6,10 @@
 
 #include <keltra/registered.h>
 
-#include <cstdint>
-
 #include "foundation/identifier.h"
 #include "foundation/object_pool.h"
+
+#include <cstdint>
 
 namespace keltra {
 

@@ -7,13 +7,13 @@
 
 #include <keltra/registered.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <type_traits>
-
 #include "foundation/cold.h"
 #include "foundation/memory.h"
 #include "foundation/object_list.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <type_traits>
 
 namespace keltra {
 

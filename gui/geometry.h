@@ -6,11 +6,11 @@
 
 #include <keltra/node.h>
 
+#include "scene/tree_walk.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-
-#include "scene/tree_walk.h"
 
 namespace keltra {
 

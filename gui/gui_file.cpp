@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Zlib
+#include "gui/gui_file.h"
+
 #include <keltra/box.h>
 #include <keltra/button.h>
 #include <keltra/font.h>
@@ -16,7 +18,6 @@
 #include "foundation/fault.h"
 #include "foundation/name_index.h"
 #include "foundation/text.h"
-#include "gui/gui_file.h"
 #include "scene/node_class.h"
 
 #include <tinyxml.h>

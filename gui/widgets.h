@@ -7,11 +7,11 @@
 #include <keltra/box.h>
 #include <keltra/light.h>
 
-#include <cstdint>
-
 #include "foundation/fault.h"
 #include "gui/geometry.h"
 #include "scene/node_class.h"
+
+#include <cstdint>
 
 namespace keltra {
 

@@ -2,9 +2,9 @@
 #ifndef KELTRA_KIT_MESH_BUILDER_H
 #define KELTRA_KIT_MESH_BUILDER_H
 
-#include <cstdint>
-
 #include <keltra/vector.h>
+
+#include <cstdint>
 
 class KTMESH;
 

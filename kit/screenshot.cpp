@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Zlib
-#include <keltra/kit/view.h>
-
-#include <GLES/gl.h>
 #include <keltra/engine.h>
 #include <keltra/foundation.h>
+#include <keltra/kit/view.h>
 #include <keltra/settings.h>
 
 #include "kit/fault.h"
+
+#include <GLES/gl.h>
 
 #include <cstdio>
 

@@ -6,11 +6,11 @@
 // not-a-number, the result is INT32_MIN, which is what the x86 conversion instruction gives; the integer path
 // gives the same everywhere.
 
-#include <cstddef>
-#include <cstdint>
-
 #include "math/float_bits.h"
 #include "math/soft_arm.h"
+
+#include <cstddef>
+#include <cstdint>
 
 #if defined(__SSE2__) || defined(_M_X64)
 #include <emmintrin.h>

@@ -8,9 +8,9 @@
 // operations. Operands from 2^-50 to 2^59 are accepted: nothing can overflow, nor become denormal. With
 // another one, or when a sum is zero, the result is 0, and the caller computes it plainly.
 
-#include <cstdint>
-
 #include "math/float_bits.h"
+
+#include <cstdint>
 
 #if defined(__SOFTFP__) && defined(__arm__) && !defined(__thumb__) && defined(__GNUC__) && __ARM_ARCH >= 5
 #define KELTRA_SOFT_ARM

@@ -2,10 +2,10 @@
 #ifndef KELTRA_MATH_SQUARE_ROOT_H
 #define KELTRA_MATH_SQUARE_ROOT_H
 
-#include <cmath>
-
 #include "math/float_bits.h"
 #include "math/soft_arm.h"
+
+#include <cmath>
 
 namespace keltra {
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Zlib
+#include <keltra/material.h>
+
 #include <keltra/engine_state.h>
 #include <keltra/glbridge.h>
-#include <keltra/material.h>
 #include <keltra/opengl.h>
 #include <keltra/settings.h>
 #include <keltra/shader.h>

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Zlib
+#include <keltra/texture.h>
+
 #include <keltra/engine_state.h>
 #include <keltra/shader.h>
-#include <keltra/texture.h>
 
 #include "core/gl_state.h"
 #include "formats/limits.h"

@@ -30,8 +30,8 @@ struct VideoSequence {
 VideoSequence sequenceOf(const KTVIDEOSTREAM &stream);
 // False for an engine without video.
 bool hasVideo();
-// One step of the decoder of an open stream. True when a picture is to be shown. Closes the stream when memory
-// runs out.
+// One step of the decoder of an open stream. True when a picture is to be shown. Closes the stream when
+// memory runs out.
 bool stepStream(KTVIDEOSTREAM &stream, VideoPicture &picture);
 
 }  // namespace keltra

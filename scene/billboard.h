@@ -6,11 +6,11 @@
 
 #include <keltra/vector.h>
 
+#include "math/fixed.h"
+
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-
-#include "math/fixed.h"
 
 namespace keltra {
 

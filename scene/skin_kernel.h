@@ -10,10 +10,10 @@
 // kernels give the same bits. Weights are converted on the way: they belong to the application, which may
 // change them between frames.
 
+#include "math/fixed.h"
+
 #include <cstddef>
 #include <cstdint>
-
-#include "math/fixed.h"
 
 // Windows compilers do not align the stack for 32-byte values.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)

@@ -5,10 +5,10 @@
 // The inner loop of skinning in ARM instructions; the formula is in skin_kernel.h. A compiler has too few
 // registers for it: its loop takes 150 instructions an influence, this one 85.
 
+#include "math/float_bits.h"
+
 #include <cstddef>
 #include <cstdint>
-
-#include "math/float_bits.h"
 
 namespace keltra {
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include "scene/skinning.h"
-#include "foundation/cold.h"
 
 #include <keltra/mesh.h>
 #include <keltra/shader.h>
 
 #include "foundation/block.h"
+#include "foundation/cold.h"
 #include "foundation/fault.h"
 #include "math/fixed.h"
 #include "math/sparse.h"

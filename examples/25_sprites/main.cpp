@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // Sprites, and a 2D game on one page: catch falling stars with a basket, by pen or by the direction pad.
-// Sprites are boxes of the interface that show cells of one picture, which is painted here. Next: a road without
-// an end (26_streaming).
+// Sprites are boxes of the interface that show cells of one picture, which is painted here. Next: a road
+// without an end (26_streaming).
 
 #include <keltra/keltra.h>
 #include <keltra/kit/kit.h>

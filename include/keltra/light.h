@@ -91,8 +91,8 @@ class KT_API KTLIGHT : public KTNODE {
     static bool lighting;
 
    private:
-    // The parameters from `ambient` to `exponent` in 16.16, and what they were made from: they are made anew once one
-    // of them has changed.
+    // The parameters from `ambient` to `exponent` in 16.16, and what they were made from: they are made anew
+    // once one of them has changed.
     static const unsigned int parameterCount = 17;
     struct PARAMETERS {
         std::uint32_t madeFrom[parameterCount];

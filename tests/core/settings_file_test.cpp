@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <keltra/fault.h>
 #include <keltra/foundation.h>
-#include <keltra/fault.h>
 #include <keltra/settings.h>
 
 #include <algorithm>

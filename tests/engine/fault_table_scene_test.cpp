@@ -244,7 +244,8 @@ TEST_F(FaultTableTest, AHandlerMayLoadAndMayNotStop) {
     KTTEXTURE texture;
     KTFAULTS::clear();
     EXPECT_FALSE(texture.load("none.tga"));
-    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 4u) << "this load, and the handler's three calls: no font either";
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 4u)
+        << "this load, and the handler's three calls: no font either";
     EXPECT_TRUE(KELTRA::isActive());
 }
 

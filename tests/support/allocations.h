@@ -18,8 +18,8 @@ class Allocations {
 
     /// False in a sanitizer build, whose runtime owns malloc: tests of failure then skip themselves.
     static bool canFail();
-    /// Lets the `nth` malloc of `size` bytes from now on return null, once: of those that the engine or the test
-    /// calls, since a driver may want blocks of the same size.
+    /// Lets the `nth` malloc of `size` bytes from now on return null, once: of those that the engine or the
+    /// test calls, since a driver may want blocks of the same size.
     static void failNext(std::size_t size, int nth = 1);
     /// Lets the next malloc of `size` bytes or more return null, once.
     static void failNextFrom(std::size_t size);

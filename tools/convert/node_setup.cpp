@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/node_setup.h"
 
+#include "tools/convert/losses.h"
+#include "tools/convert/setup_code.h"
+
 #include <assimp/light.h>
 
 #include <algorithm>
-
-#include "tools/convert/losses.h"
-#include "tools/convert/setup_code.h"
 
 namespace keltra::convert {
 

@@ -5,12 +5,12 @@
 // What nodes and lights of a model say and scene files have no place for: calls of the application, or
 // losses.
 
-#include <map>
-#include <string>
-
 #include "tools/convert/options.h"
 #include "tools/convert/properties.h"
 #include "tools/convert/report.h"
+
+#include <map>
+#include <string>
 
 struct aiLight;
 

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/properties.h"
 
+#include "tools/convert/gltf_document.h"
+#include "tools/convert/names.h"
+
 #include <assimp/commonMetaData.h>
 #include <assimp/scene.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <nlohmann/json.hpp>
-
-#include "tools/convert/gltf_document.h"
-#include "tools/convert/names.h"
 
 namespace keltra::convert {
 namespace {

@@ -6,13 +6,13 @@
 // users add them to nodes and materials; their names begin with "keltra_". Unknown ones, and values out of
 // range, are left out with a warning.
 
+#include "tools/convert/report.h"
+#include "tools/formats/kte_writer.h"
+
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
-
-#include "tools/convert/report.h"
-#include "tools/formats/kte_writer.h"
 
 struct aiNode;
 struct aiScene;

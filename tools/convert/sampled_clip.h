@@ -2,12 +2,12 @@
 #ifndef KELTRA_CONVERT_SAMPLED_CLIP_H
 #define KELTRA_CONVERT_SAMPLED_CLIP_H
 
-#include <string>
-#include <vector>
-
 #include "tools/convert/options.h"
 #include "tools/convert/report.h"
 #include "tools/convert/rig.h"
+
+#include <string>
+#include <vector>
 
 namespace keltra::convert {
 

@@ -4,9 +4,9 @@
 
 // What a model says and scene files have no place for, as C++ that an application includes.
 
-#include <string>
-
 #include "tools/convert/report.h"
+
+#include <string>
 
 namespace keltra::convert {
 

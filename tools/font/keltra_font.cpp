@@ -3,6 +3,8 @@
 // KTFONT.
 
 #include "tools/font/font_baker.h"
+#include "tools/formats/version.h"
+#include "tools/support/whole_file.h"
 
 #include <png.h>
 #include <CLI/CLI.hpp>
@@ -10,9 +12,6 @@
 #include <cstdio>
 #include <string>
 #include <vector>
-
-#include "tools/formats/version.h"
-#include "tools/support/whole_file.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Zlib
+#include "tools/support/interpose.h"
+
 #include <windows.h>
 
 #include <cstring>
-
-#include "tools/support/interpose.h"
 
 namespace keltra {
 namespace {

@@ -3,12 +3,12 @@
 
 #include <keltra/settings.h>
 
+#include "tools/support/whole_file.h"
+
 #include <GLES/gl.h>
 #include <png.h>
 
 #include <algorithm>
-
-#include "tools/support/whole_file.h"
 
 namespace keltra::support {
 namespace {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Zlib
 // keltra-view FILE: shows a scene or a model in the engine, with its frame time, triangles and memory.
 
+#include <keltra/fault.h>
+
 #include "tools/formats/version.h"
 #include "tools/support/own_screen.h"
 #include "tools/support/shot.h"
@@ -9,7 +11,6 @@
 #include "tools/view/viewer.h"
 
 #include <SDL.h>
-#include <keltra/fault.h>
 #include <CLI/CLI.hpp>
 
 #include <chrono>
