@@ -22,9 +22,9 @@ namespace {
 
 using keltra::test::GlRecorder;
 
-const unsigned int kNodes = 1000;
-const unsigned int kTransparent = 100;
-const unsigned int kLights = 4;
+constexpr unsigned int kNodes = 1000;
+constexpr unsigned int kTransparent = 100;
+constexpr unsigned int kLights = 4;
 
 // The GL does nothing and notes nothing: only the engine is measured.
 class Silence {

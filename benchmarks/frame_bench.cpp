@@ -14,7 +14,7 @@ namespace {
 
 using keltra::test::GlRecorder;
 
-const unsigned int kNodes = 1000, kCorners = 11, kFaces = 10;
+constexpr unsigned int kNodes = 1000, kCorners = 11, kFaces = 10;
 
 class Stage {
    public:

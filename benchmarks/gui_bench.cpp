@@ -12,9 +12,9 @@ namespace {
 
 using keltra::test::GlRecorder;
 
-const unsigned int kWidgets = 100;
-const unsigned int kWindows = 4;
-const unsigned int kPointers = 1024;
+constexpr unsigned int kWidgets = 100;
+constexpr unsigned int kWindows = 4;
+constexpr unsigned int kPointers = 1024;
 
 struct Pointer {
     int x, y;

@@ -18,12 +18,12 @@
 
 namespace {
 
-const EGLint kMaxConfigs = 32;
+constexpr EGLint kMaxConfigs = 32;
 
 // The flags of the mode check and of the mode itself differ: swapping belongs to EGL, so SDL makes no second
 // buffer. The full-screen and resizable settings change neither.
-const Uint32 kCheckedMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_DOUBLEBUF | SDL_FULLSCREEN;
-const Uint32 kWindowMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_FULLSCREEN;
+constexpr Uint32 kCheckedMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_DOUBLEBUF | SDL_FULLSCREEN;
+constexpr Uint32 kWindowMode = SDL_HWSURFACE | SDL_NOFRAME | SDL_FULLSCREEN;
 
 bool modeAvailable(const KTSETTINGS::RECORD &record) {
     // Before SDL_Init, SDL would read through a null video device.

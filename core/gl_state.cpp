@@ -11,8 +11,8 @@ namespace keltra {
 
 namespace {
 
-const GLfixed kOne = 1 << 16;
-const Color kWhite = {{kOne, kOne, kOne, kOne}};
+constexpr GLfixed kOne = 1 << 16;
+constexpr Color kWhite = {{kOne, kOne, kOne, kOne}};
 
 // State of the GL without a public flag. These are the values of a new context.
 struct State {

@@ -22,12 +22,12 @@ namespace {
 
 using keltra::toFixed;
 
-const unsigned int kLevels = 32;  // matrices a stack, and the deepest push
-const int kStacks = 2;            // 0 model-view, 1 projection
+constexpr unsigned int kLevels = 32;  // matrices a stack, and the deepest push
+constexpr int kStacks = 2;            // 0 model-view, 1 projection
 // Below these levels trees nest in a store of their own: with the levels above it, room for the deepest tree
 // and the skeleton of its deepest mesh.
-const unsigned int kTreeLevels = kLevels - 1;
-const unsigned int kDeepLevels = 228;
+constexpr unsigned int kTreeLevels = kLevels - 1;
+constexpr unsigned int kDeepLevels = 228;
 
 // The stacks are contiguous, and depth runs from 0 to 32. So level 32 of the model-view stack is the base of
 // the projection stack: deliberate, applications have been tuned against it. Level 32 of the projection gets
@@ -42,9 +42,9 @@ unsigned int deepDepth;
 // Whether the GL has a level for the current depth.
 bool isInGL() { return sizes[current] == 0 || depths[current] < sizes[current]; }
 
-const GLfixed kOne = 1 << 16;
-const float kIdentity[16] = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f,
-                             0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f};
+constexpr GLfixed kOne = 1 << 16;
+constexpr float kIdentity[16] = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f,
+                                 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f};
 
 float *top() { return mirror[current * kLevels + depths[current]]; }
 
@@ -159,7 +159,7 @@ struct Fixed16 {
 
 // Each lit mesh loads the matrices of its lights, so the same few come again and again within a frame.
 // Without a floating-point unit it takes a third of the instructions to see that a matrix is the same.
-const unsigned int kKnownMatrices = 16;
+constexpr unsigned int kKnownMatrices = 16;
 struct KnownMatrix {
     std::uint32_t bits[16];
     GLfixed fixed[16];

@@ -19,7 +19,7 @@ namespace {
     { nullptr, nullptr, &KTSETTINGS::RECORD::name }
 
 // In the order of the keys.
-const SettingMember kMembers[] = {
+constexpr SettingMember kMembers[] = {
     INTEGER(windowX),
     INTEGER(windowY),
     INTEGER(colorDepth),

@@ -9,8 +9,8 @@ namespace keltra {
 
 namespace {
 
-const std::size_t kMagicSize = sizeof kAnimMagic - 1;
-const std::size_t kCountsOffset = kMagicSize + 1;  // behind the end of text
+constexpr std::size_t kMagicSize = sizeof kAnimMagic - 1;
+constexpr std::size_t kCountsOffset = kMagicSize + 1;  // behind the end of text
 
 bool readCounts(FieldReader &reader, AnimRecord &record) {
     const unsigned char *magic = reader.array(KT_TEXT("magic"), kMagicSize, 1);

@@ -10,12 +10,12 @@ namespace keltra {
 
 namespace {
 
-const char kMagic[] = "KTE file v1.6a", kOldMagic[] = "KTE file v1.5a";
-const std::size_t kMagicSize = 15, kComparedMagic = 14;
-const std::size_t kSmallestNode = 32;      // a plain node with an empty name, its type byte included
-const std::size_t kSmallestMaterial = 75;  // three empty names, 18 floats
-const std::size_t kOldVertexSize = 12, kOldFaceSize = 16;
-const std::size_t kCountSize = 2;
+constexpr char kMagic[] = "KTE file v1.6a", kOldMagic[] = "KTE file v1.5a";
+constexpr std::size_t kMagicSize = 15, kComparedMagic = 14;
+constexpr std::size_t kSmallestNode = 32;      // a plain node with an empty name, its type byte included
+constexpr std::size_t kSmallestMaterial = 75;  // three empty names, 18 floats
+constexpr std::size_t kOldVertexSize = 12, kOldFaceSize = 16;
+constexpr std::size_t kCountSize = 2;
 
 bool acceptChildren(FieldReader &reader, std::size_t offset, unsigned int children) {
     if (children <= reader.remaining() / kSmallestNode) return true;

@@ -16,14 +16,14 @@ namespace keltra {
 
 namespace {
 
-const std::size_t kHeaderSize = kTgaHeaderSize;
-const std::size_t kTemplateSize = 12;
-const unsigned int kPacketPixels = 128;
-const unsigned int kFlippedDescriptor = 16;
+constexpr std::size_t kHeaderSize = kTgaHeaderSize;
+constexpr std::size_t kTemplateSize = 12;
+constexpr unsigned int kPacketPixels = 128;
+constexpr unsigned int kFlippedDescriptor = 16;
 
 // An image name, a colour map or an origin make a file of another kind.
-const std::uint8_t kUncompressedTemplate[kTemplateSize] = {0, 0, 2};
-const std::uint8_t kRunLengthTemplate[kTemplateSize] = {0, 0, 10};
+constexpr std::uint8_t kUncompressedTemplate[kTemplateSize] = {0, 0, 2};
+constexpr std::uint8_t kRunLengthTemplate[kTemplateSize] = {0, 0, 10};
 
 TgaKind kindOf(const std::uint8_t *header) {
     if (std::memcmp(header, kUncompressedTemplate, kTemplateSize) == 0) return TgaKind::kUncompressed;
@@ -113,12 +113,12 @@ __attribute__((target("ssse3"))) std::size_t shuffle(const std::uint8_t *source,
 }
 
 std::size_t shuffle3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
-    static const std::int8_t kPlaces[16] = {2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, 15};
+    static constexpr std::int8_t kPlaces[16] = {2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, 15};
     return hasShuffles() ? shuffle<3, 5>(source, target, pixels, kPlaces) : 0;
 }
 
 std::size_t shuffle4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
-    static const std::int8_t kPlaces[16] = {2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15};
+    static constexpr std::int8_t kPlaces[16] = {2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15};
     return hasShuffles() ? shuffle<4, 4>(source, target, pixels, kPlaces) : 0;
 }
 #else

@@ -54,7 +54,7 @@ struct XmlText {
     std::size_t longestPiece;
 };
 
-const int kNoMemory = -1;
+constexpr int kNoMemory = -1;
 
 // The parser loses the element that it is working on when an exception passes through it. While one of these
 // exists, memory that runs out ends the text instead: the handler of `operator new` releases a reserve, of
@@ -80,7 +80,7 @@ class TextEndsWithMemory {
     static bool isExhausted() { return exhausted; }
 
    private:
-    static const std::size_t kReserve = 8192;
+    static constexpr std::size_t kReserve = 8192;
 
     static void endText() {
         if (!reserve) throw std::bad_alloc();
@@ -88,7 +88,7 @@ class TextEndsWithMemory {
         reserve = nullptr;
         exhausted = true;
         // No zeros: the parser asserts that there is something where a comment begins.
-        static const char kEnds[] = "'\"-->]]></>";
+        static constexpr char kEnds[] = "'\"-->]]></>";
         for (char *c = text.begin; c < text.end; ++c)
             *c = kEnds[static_cast<std::size_t>(c - text.begin) % (sizeof kEnds - 1)];
     }
@@ -247,7 +247,7 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
     if (const void *zero = std::memchr(bytes, '\0', size))
         return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - bytes),
                       KT_TEXT("document"), KT_TEXT("holds a zero byte"));
-    static const char kByteOrderMark[] = "\xEF\xBB\xBF";
+    static constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
     const std::size_t textSize = size - mark, linesSize = mostElements(textSize) * sizeof(unsigned int);
     void *const block = allocate(static_cast<unsigned int>(linesSize + textSize + 1));

@@ -32,7 +32,7 @@ class NameTable {
         void *object;
         std::uint32_t hash;
     };
-    static const std::size_t kFirstEntries = 32;
+    static constexpr std::size_t kFirstEntries = 32;
 
     Entry &entryOf(const char *name, std::uint32_t hash) const;
     bool grow();

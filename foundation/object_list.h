@@ -23,7 +23,7 @@ class FreshBlocks {
     bool take(const void *object);
 
    private:
-    static const unsigned int kMost = 4;
+    static constexpr unsigned int kMost = 4;
     struct Block {
         char *begin;
         std::size_t size;
@@ -42,7 +42,7 @@ class ObjectList {
     // Writes to public fields that two objects stand next to one another; null for the list's beginning or
     // end.
     using Show = void (*)(Registration *before, Registration *after);
-    static const unsigned int kFewest = 64;
+    static constexpr unsigned int kFewest = 64;
 
     constexpr ObjectList(NameOf nameOf, Show show) : nameOf(nameOf), show(show) {}
 

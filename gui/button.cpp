@@ -14,7 +14,7 @@
 
 namespace {
 
-const char kTooLong[] = "[...]";
+constexpr char kTooLong[] = "[...]";
 
 bool fits(const KTFONT &font, const char *text, int width) {
     return std::int64_t{font.stringLength(text)} < width;

@@ -37,9 +37,9 @@ KTNODE *makeWidget() {
 using MakeWidget = KTNODE *(*)();
 
 // In the order of the objects; a font is not a widget.
-const MakeWidget kMakers[] = {makeWidget<KTWINDOW>,    makeWidget<KTBUTTON>, makeWidget<KTTEXTFIELD>,
-                              makeWidget<KTLABEL>,     makeWidget<KTBOX>,    makeWidget<KTVSCROLLBAR>,
-                              makeWidget<KTHSCROLLBAR>};
+constexpr MakeWidget kMakers[] = {makeWidget<KTWINDOW>,    makeWidget<KTBUTTON>, makeWidget<KTTEXTFIELD>,
+                                  makeWidget<KTLABEL>,     makeWidget<KTBOX>,    makeWidget<KTVSCROLLBAR>,
+                                  makeWidget<KTHSCROLLBAR>};
 static_assert(sizeof kMakers / sizeof *kMakers == keltra::kGuiFont, "one for each object but the font");
 
 // --- properties
@@ -224,8 +224,8 @@ void readKind(const TiXmlElement &property, const Target &target) {
 using ReadProperty = void (*)(const TiXmlElement &property, const Target &target);
 
 // In the order of the properties.
-const ReadProperty kReaders[] = {readName,    readTitle,   readPosition, readSize,  readFontReference,
-                                 readTexture, readKerning, readText,     readColor, readKind};
+constexpr ReadProperty kReaders[] = {readName,    readTitle,   readPosition, readSize,  readFontReference,
+                                     readTexture, readKerning, readText,     readColor, readKind};
 static_assert(sizeof kReaders / sizeof *kReaders == keltra::kGuiPropertyCount, "one for each property");
 
 // --- the tree

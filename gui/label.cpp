@@ -14,7 +14,7 @@
 
 namespace {
 
-const unsigned int kWidthLimit = 65000;
+constexpr unsigned int kWidthLimit = 65000;
 
 }  // namespace
 

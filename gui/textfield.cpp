@@ -16,10 +16,10 @@
 
 namespace {
 
-const char kBackspace = 8;
-const char kCaret = 127;
-const float kCaretDelay = 0.3f;
-const float kCaretPeriod = 1.0f;
+constexpr char kBackspace = 8;
+constexpr char kCaret = 127;
+constexpr float kCaretDelay = 0.3f;
+constexpr float kCaretPeriod = 1.0f;
 
 }  // namespace
 

@@ -25,17 +25,17 @@ const unsigned int KTWINDOW::textSize;
 
 namespace {
 
-const int kTitleHeight = 19;
-const int kScrollWidth = 8;
-const int kScrollMargin = 16;  // above and below the scroll bar
-const int kLabelHeight = 16;
-const int kShortestCursor = 8;
-const unsigned int kFirstWidget = 2;  // children before it are the title bar and the scroll bar
-const unsigned int kWriteBuffer = 4000;
-const char kFoldedMark[] = "[+] ";
-const std::size_t kMarkLength = sizeof kFoldedMark - 1;
+constexpr int kTitleHeight = 19;
+constexpr int kScrollWidth = 8;
+constexpr int kScrollMargin = 16;  // above and below the scroll bar
+constexpr int kLabelHeight = 16;
+constexpr int kShortestCursor = 8;
+constexpr unsigned int kFirstWidget = 2;  // children before it are the title bar and the scroll bar
+constexpr unsigned int kWriteBuffer = 4000;
+constexpr char kFoldedMark[] = "[+] ";
+constexpr std::size_t kMarkLength = sizeof kFoldedMark - 1;
 // This part of the scroll offset is added to the contents, as room below the last widget.
-const float kScrollSlack = 0.01f;
+constexpr float kScrollSlack = 0.01f;
 
 // Twice the text and its end: each character may get a line break of its own.
 char wrapped[2 * KTWINDOW::textSize];

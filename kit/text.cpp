@@ -91,7 +91,7 @@ struct Piece {
     unsigned int count = 0;
 
     Piece(const Glyph &glyph, int x, int y) {
-        static const int kX[] = {0, 1, 1, 0}, kY[] = {0, 0, 1, 1};
+        static constexpr int kX[] = {0, 1, 1, 0}, kY[] = {0, 0, 1, 1};
         for (int i = 0; i < 4; ++i) {
             const int j = (i + 1) % 4;
             const unsigned int here = glyph.alpha(x + kX[i], y + kY[i]);

@@ -17,7 +17,7 @@ R3XMATRIX matrixTo(const KTNODE &node, const KTNODE *ancestor);
 // Calls `visit(node)` for a node and all below it, as deep as trees are.
 template <class Visit>
 void visitTree(KTNODE &node, const Visit &visit, unsigned int depth = 0) {
-    const unsigned int kDeepest = 256;
+    constexpr unsigned int kDeepest = 256;
     visit(node);
     for (unsigned int i = 0; depth + 1 < kDeepest && i < node.getNumberOfChildren(); ++i)
         if (KTNODE *child = node.getChild(i)) visitTree(*child, visit, depth + 1);

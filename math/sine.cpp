@@ -49,10 +49,12 @@ std::uint64_t series(const std::uint64_t *c, std::uint64_t x) {
     return c[0] - (multiply(x, sum) >> 1);
 }
 
-const std::uint64_t kSine[8] = {0xc90fdaa22168c235, 0x295779cc4b7ca577, 0x1466bc6775aad92, 0x4cb4b3398ab09,
-                                0xa83c1a42e5f,      0xf183a5a80,        0xf477689,         0xb62dc};
-const std::uint64_t kCosine[8] = {0x8000000000000000, 0x4ef4f326f9177922, 0x40f07c206d6ab0d, 0x155d3c7e3c90f8,
-                                  0x3c3ea0d06abc,     0x69b47b1e42,       0x7e731045,        0x6c992f};
+constexpr std::uint64_t kSine[8] = {
+    0xc90fdaa22168c235, 0x295779cc4b7ca577, 0x1466bc6775aad92, 0x4cb4b3398ab09,
+    0xa83c1a42e5f,      0xf183a5a80,        0xf477689,         0xb62dc};
+constexpr std::uint64_t kCosine[8] = {
+    0x8000000000000000, 0x4ef4f326f9177922, 0x40f07c206d6ab0d, 0x155d3c7e3c90f8,
+    0x3c3ea0d06abc,     0x69b47b1e42,       0x7e731045,        0x6c992f};
 
 // The bits of the float nearest to mantissa x 2^-(63 + scale), by way of the nearest double as in the plain
 // formulation.

@@ -49,7 +49,7 @@ KTSHADER **const kLightingShaders[4][4] = {
     {&KTSHADER::pplSpot, &KTSHADER::pplSpotT, &KTSHADER::pplSpotA, &KTSHADER::pplSpotTA},
     {&KTSHADER::pplSpotS, &KTSHADER::pplSpotTS, &KTSHADER::pplSpotSA, &KTSHADER::pplSpotTSA},
 };
-const unsigned int kShadowRow = 3;
+constexpr unsigned int kShadowRow = 3;
 
 bool usesShadowMap(const KTSHADER *shader) {
     for (KTSHADER **named : kLightingShaders[kShadowRow])

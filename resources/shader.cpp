@@ -65,7 +65,7 @@ KTSHADER **const kNamed[] = {
     &KTSHADER::terrainSimple,
 };
 
-const char kNoFile[] = "[none]";
+constexpr char kNoFile[] = "[none]";
 
 }  // namespace
 

@@ -40,7 +40,7 @@ alignas(std::uint32_t) bool KTTEXTURE::channelActive[KTTEXTURE::channels] = {};
 
 namespace {
 
-const char kDynamicName[] = "[dynamic]";
+constexpr char kDynamicName[] = "[dynamic]";
 
 const keltra::OnNewContext forgetChannels([] {
     std::fill_n(KTTEXTURE::channelActive, KTTEXTURE::channels, false);

@@ -59,7 +59,7 @@ class DecoderMemory {
     struct Links {
         Links *previous, *next;
     };
-    static const unsigned int kLinksSize = 64;  // blocks lie at multiples of it
+    static constexpr unsigned int kLinksSize = 64;  // blocks lie at multiples of it
 
     static Links *linksOf(void *block) {
         return reinterpret_cast<Links *>(static_cast<char *>(block) - kLinksSize);

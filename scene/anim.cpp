@@ -68,7 +68,7 @@ class BoneTable {
         std::int16_t bone = -1;
         bool taken = false;
     };
-    static const unsigned int kEntries = 2 * KTANIM::maxBones;
+    static constexpr unsigned int kEntries = 2 * KTANIM::maxBones;
 
     // Where the name is, or would be put.
     unsigned int find(const char (*names)[256], const char *name) const {

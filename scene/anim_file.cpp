@@ -13,7 +13,7 @@
 
 namespace {
 
-const unsigned char kEndOfText = 26;  // follows the magic, so that a text viewer stops there; not checked
+constexpr unsigned char kEndOfText = 26;  // follows the magic, so that a text viewer stops there; not checked
 
 // Little-endian, on any machine. A file that exists is replaced when the new one is complete: when there is
 // no room for it or the power fails, the old one is still there.

@@ -7,7 +7,7 @@
 namespace keltra {
 namespace {
 
-const char kReferenceFrame[] = "HumanoidRoot";
+constexpr char kReferenceFrame[] = "HumanoidRoot";
 
 R3XMATRIX bindMatrix(KTNODE &node) { return node.getFinalMatrix(kReferenceFrame).inverse(); }
 

@@ -18,16 +18,17 @@ bool KTLIGHT::lighting = false;
 
 namespace {
 
-const unsigned int kGlLights = 8;  // what every GL has
-const float kNoCutOff = 180.0f;
-const float kWidestCone = 90.0f;
-const float kSharpest = 128.0f;
-const float kLargest = 32767.998f;  // that 16.16 holds
+constexpr unsigned int kGlLights = 8;  // what every GL has
+constexpr float kNoCutOff = 180.0f;
+constexpr float kWidestCone = 90.0f;
+constexpr float kSharpest = 128.0f;
+constexpr float kLargest = 32767.998f;  // that 16.16 holds
 
 const keltra::OnNewContext forgetLighting([] { KTLIGHT::lighting = false; });
 
-const unsigned int kAmbient = 0, kDiffuse = 4, kSpecular = 8, kAttenuation = 12, kCutOff = 15, kExponent = 16;
-const GLfixed kOne = 1 << 16;
+constexpr unsigned int kAmbient = 0, kDiffuse = 4, kSpecular = 8, kAttenuation = 12, kCutOff = 15,
+                       kExponent = 16;
+constexpr GLfixed kOne = 1 << 16;
 
 // A value that the GL refuses is replaced: its error would be found far from the file that caused it, and the
 // value of an earlier light must not remain. As the GL reads it, in 16.16.

@@ -30,9 +30,9 @@ struct KTMESH::DRAWING {
 
 namespace {
 
-const unsigned int kEdgeIndices = 6;       // of a triangle drawn as three lines
-const float kNormalLength = 1.0f / 16.0f;  // of the bounding radius
-const float kNormalLengthWithoutRadius = 1.0f;
+constexpr unsigned int kEdgeIndices = 6;       // of a triangle drawn as three lines
+constexpr float kNormalLength = 1.0f / 16.0f;  // of the bounding radius
+constexpr float kNormalLengthWithoutRadius = 1.0f;
 
 // The colour that picking reads back, as exactly as the display can hold it.
 void setPickingColor(unsigned int code) {

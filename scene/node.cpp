@@ -19,7 +19,7 @@ template class KTREGISTERED<KTNODE>;
 
 namespace {
 
-const unsigned int kTypeNames = 19;
+constexpr unsigned int kTypeNames = 19;
 const char typeNames[kTypeNames][256] = {
     "node",   "root",      "light",      "mesh",       "camera", "emitter", "skydome",
     "water",  "terrain",   "helper",     "sound",      "box",    "label",   "button",

@@ -12,7 +12,7 @@ KTLISTED<KTNODE> *KTNODE::borrowers = nullptr;
 namespace {
 
 // An array of fewer children is as long as their number; a longer one grows by half its length and has room.
-const unsigned int kFirstRoom = 64;
+constexpr unsigned int kFirstRoom = 64;
 
 KTNODE **newChildren(unsigned int count, unsigned int room = 0) {
     const std::size_t bytes = std::max(count, room) * sizeof(KTNODE *);

@@ -17,9 +17,9 @@ KTNODE *KTNODE::ancestors[64];
 
 namespace {
 
-const unsigned int kMaxAncestors = 64;
+constexpr unsigned int kMaxAncestors = 64;
 constexpr keltra::FaultText kNotListed = KT_TEXT("the parent does not list the node");
-const int kMaxIndent = 512;  // with the longest name the line still fits the log's 1,023 characters
+constexpr int kMaxIndent = 512;  // with the longest name the line still fits the log's 1,023 characters
 
 }  // namespace
 

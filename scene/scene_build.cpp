@@ -23,9 +23,9 @@
 
 namespace {
 
-const char kNone[] = "[none]";
-const char kNormalMapEnding[] = "_n.tga";
-const std::size_t kNormalMapEndingLength = sizeof kNormalMapEnding - 1;
+constexpr char kNone[] = "[none]";
+constexpr char kNormalMapEnding[] = "_n.tga";
+constexpr std::size_t kNormalMapEndingLength = sizeof kNormalMapEnding - 1;
 
 // --- materials
 

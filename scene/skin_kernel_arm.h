@@ -58,7 +58,7 @@ class ArmSkin {
         const Bone *bones;
         std::size_t boneCount;
     };
-    static const std::size_t kMost = 8;
+    static constexpr std::size_t kMost = 8;
 
     // Skins a vertex and moves on to the next.
     __attribute__((noinline)) static void skin(Vertex &vertex) {

@@ -16,7 +16,7 @@
 
 namespace {
 
-const char kReferenceFrame[] = "HumanoidRoot";
+constexpr char kReferenceFrame[] = "HumanoidRoot";
 
 // `KTELEMENT::pass` has reported a mesh without a slot. Always false.
 bool refuseSlot(unsigned int slot) {

@@ -9,10 +9,10 @@
 namespace keltra {
 
 // What `enter` returns to end the whole walk; otherwise it returns how many of the node's children to visit.
-const unsigned int kStopWalk = ~0u;
+constexpr unsigned int kStopWalk = ~0u;
 
-const unsigned int kMaxBorrowed = 2;
-const unsigned int kMostChildren = (1u << 30) - 1;  // more pointers than 32 bits address
+constexpr unsigned int kMaxBorrowed = 2;
+constexpr unsigned int kMostChildren = (1u << 30) - 1;  // more pointers than 32 bits address
 
 // Visits `root` and its subtree depth first, a node before its children, children in order. `enter(node,
 // depth)` comes first, `leave(node, depth)` after the node's children. Returns the node at which `enter`

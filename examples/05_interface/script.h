@@ -12,7 +12,7 @@ inline void playScript(int frame, KTINPUT *input) {
         int frame, x, y, pressed;
         char key;
     };
-    static const Step kSteps[] = {
+    static constexpr Step kSteps[] = {
         {2, 186, 46, 1, 0},     {3, 186, 56, 1, 0},     {4, 186, 56, 0, 0},  // the guide's scroll bar
         {6, 200, 284, 1, 0},    {7, 200, 284, 0, 0},                         // lanterns
         {9, 120, 306, 1, 0},    {10, 150, 306, 1, 0},   {11, 160, 306, 1, 0},

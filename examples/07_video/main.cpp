@@ -19,9 +19,9 @@ constexpr unsigned int kRate = 25, kPictures = 150;
 // The mean colour of each half of a second, as ffmpeg tells it:
 // ffmpeg -i film.m1v -vf "fps=2:round=down,scale=1:1:flags=area,format=rgb24" -f rawvideo - | od -An -tu1 -w3
 constexpr int kTones = 12;
-const float kTone[kTones][3] = {{117, 146, 166}, {142, 134, 143}, {133, 101, 108}, {96, 67, 80},
-                                {45, 38, 58},    {21, 27, 51},    {37, 34, 55},    {79, 56, 72},
-                                {127, 94, 102},  {141, 125, 133}, {123, 143, 160}, {104, 149, 173}};
+constexpr float kTone[kTones][3] = {{117, 146, 166}, {142, 134, 143}, {133, 101, 108}, {96, 67, 80},
+                                    {45, 38, 58},    {21, 27, 51},    {37, 34, 55},    {79, 56, 72},
+                                    {127, 94, 102},  {141, 125, 133}, {123, 143, 160}, {104, 149, 173}};
 
 struct Show {
     KTNODE *scene = nullptr, *interface = nullptr;

@@ -10,8 +10,8 @@
 namespace {
 
 // Three corners counter-clockwise, seen from the front, and the one face that they make.
-const float kVertices[] = {-1.5f, -1.2f, 0.0f, 1.5f, -1.2f, 0.0f, 0.0f, 1.4f, 0.0f};
-const std::uint16_t kFaces[] = {0, 1, 2};
+constexpr float kVertices[] = {-1.5f, -1.2f, 0.0f, 1.5f, -1.2f, 0.0f, 0.0f, 1.4f, 0.0f};
+constexpr std::uint16_t kFaces[] = {0, 1, 2};
 
 void build(KTNODE *world, KTNODE *turning) {
     // Without normals, those of the faces are taken.

@@ -14,9 +14,9 @@ namespace {
 
 constexpr int kPanes = 7;
 constexpr float kTurn = 6.2831853f;
-const float kColors[kPanes][3] = {{1.0f, 0.25f, 0.2f},  {1.0f, 0.6f, 0.1f},  {0.95f, 0.9f, 0.2f},
-                                  {0.3f, 0.85f, 0.35f}, {0.2f, 0.7f, 0.95f}, {0.35f, 0.35f, 0.95f},
-                                  {0.85f, 0.3f, 0.85f}};
+constexpr float kColors[kPanes][3] = {{1.0f, 0.25f, 0.2f},  {1.0f, 0.6f, 0.1f},  {0.95f, 0.9f, 0.2f},
+                                      {0.3f, 0.85f, 0.35f}, {0.2f, 0.7f, 0.95f}, {0.35f, 0.35f, 0.95f},
+                                      {0.85f, 0.3f, 0.85f}};
 
 void build(KTNODE *world, KTNODE *ring, KTNODE **panes) {
     KTMATERIAL *ground =

@@ -9,7 +9,7 @@
 #include <cmath>
 
 constexpr float kReach = 34.0f;  // units that one sees
-const float kMist[4] = {0.80f, 0.66f, 0.74f, 1.0f};
+constexpr float kMist[4] = {0.80f, 0.66f, 0.74f, 1.0f};
 
 inline int fixed(float value) { return static_cast<int>(value * 65536.0f); }
 

@@ -11,7 +11,7 @@ inline void playWidgets(int frame, KTINPUT *input) {
         int frame, x, y, pressed;
         char key;
     };
-    static const Step kSteps[] = {
+    static constexpr Step kSteps[] = {
         {2, 40, 42, 1, 0},    {3, 40, 42, 0, 0},    {5, 120, 42, 1, 0},   {6, 120, 42, 0, 0},
         {8, 196, 42, 1, 0},   {9, 196, 42, 0, 0},   {11, 60, 88, 1, 0},   {12, 60, 88, 0, 0},
         {13, 60, 88, 0, 'M'}, {14, 60, 88, 0, 'o'}, {15, 60, 88, 0, 't'}, {16, 60, 88, 0, 'h'},

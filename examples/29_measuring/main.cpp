@@ -12,7 +12,7 @@
 namespace {
 
 const char *const kNames[kParts] = {"update", "pass", "draw", "swap"};
-const float kColors[kParts][3] = {
+constexpr float kColors[kParts][3] = {
     {0.45f, 0.75f, 0.45f}, {0.45f, 0.65f, 0.95f}, {0.95f, 0.65f, 0.3f}, {0.7f, 0.5f, 0.85f}};
 
 struct Show {

@@ -15,10 +15,10 @@ constexpr float kBelow = 1.6f;                                 // units below a 
 constexpr float kThere = 0.7f, kBeside = 1.4f;                 // of a lantern that he is led to; of the well
 constexpr float kSide = 14.0f, kTop = 30.0f, kBottom = 30.0f;  // of the screen, where nothing is tapped
 // To and fro through the garden, from its south to its north.
-const Place kTour[] = {{0.0f, 8.0f},   {6.0f, 7.5f},   {6.5f, 2.0f},    {-5.0f, 5.0f},
-                       {-6.0f, 0.0f},  {1.0f, -3.0f},  {6.5f, -5.5f},   {0.0f, -7.0f},
-                       {-6.0f, -8.0f}, {5.5f, -10.5f}, {-3.0f, -11.0f}, {0.0f, -3.0f}};
-const int kPad[4] = {SDLK_UP, SDLK_DOWN, SDLK_LEFT, SDLK_RIGHT};
+constexpr Place kTour[] = {{0.0f, 8.0f},   {6.0f, 7.5f},   {6.5f, 2.0f},    {-5.0f, 5.0f},
+                           {-6.0f, 0.0f},  {1.0f, -3.0f},  {6.5f, -5.5f},   {0.0f, -7.0f},
+                           {-6.0f, -8.0f}, {5.5f, -10.5f}, {-3.0f, -11.0f}, {0.0f, -3.0f}};
+constexpr int kPad[4] = {SDLK_UP, SDLK_DOWN, SDLK_LEFT, SDLK_RIGHT};
 
 bool isDry(const Walk &walk) { return walk.getOil() < kLightCost + 0.02f; }
 

@@ -36,7 +36,7 @@ struct IntKey {
     int (KTSETTINGS::*get)() const;
 };
 
-const IntKey kIntKeys[] = {
+constexpr IntKey kIntKeys[] = {
     {"KELTRA_windowX", &KTSETTINGS::getWindowX},
     {"KELTRA_windowY", &KTSETTINGS::getWindowY},
     {"KELTRA_colorDepth", &KTSETTINGS::getColorDepth},
@@ -57,7 +57,7 @@ struct BoolKey {
     bool (KTSETTINGS::*get)() const;
 };
 
-const BoolKey kBoolKeys[] = {
+constexpr BoolKey kBoolKeys[] = {
     {"KELTRA_fullScreen", &KTSETTINGS::isFullScreen},
     {"KELTRA_resizable", &KTSETTINGS::isResizable},
     {"KELTRA_landscape", &KTSETTINGS::isLandscape},
@@ -70,7 +70,7 @@ struct StringKey {
     const char *(KTSETTINGS::*get)() const;
 };
 
-const StringKey kStringKeys[] = {
+constexpr StringKey kStringKeys[] = {
     {"KELTRA_title", &KTSETTINGS::getTitle},
     {"KELTRA_ktePath", &KTSETTINGS::getKTEPath},
     {"KELTRA_ktaPath", &KTSETTINGS::getKTAPath},

@@ -14,7 +14,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-const char kDefaultTitle[] = "Keltra 3D Graphics Engine for PDA v1.6.6a";
+constexpr char kDefaultTitle[] = "Keltra 3D Graphics Engine for PDA v1.6.6a";
 
 void expectDefaults(const KTSETTINGS &settings) {
     EXPECT_STREQ(settings.getTitle(), kDefaultTitle);
@@ -129,7 +129,7 @@ struct Text {
     const char *(KTSETTINGS::*get)() const;
 };
 
-const Text kTexts[] = {
+constexpr Text kTexts[] = {
     {"title", &KTSETTINGS::setTitle, &KTSETTINGS::getTitle},
     {"ktePath", &KTSETTINGS::setKTEPath, &KTSETTINGS::getKTEPath},
     {"ktaPath", &KTSETTINGS::setKTAPath, &KTSETTINGS::getKTAPath},

@@ -12,7 +12,7 @@ using Folder = const TempFolder &;
 constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR;
 
 // A record type without a body, and a name that does not end.
-const char kBadType[] = {0, 0, 9};
+constexpr char kBadType[] = {0, 0, 9};
 const std::vector<char> &endlessName() {
     static const std::vector<char> bytes(1024, 'a');
     return bytes;

@@ -199,7 +199,7 @@ TEST_P(StartupFaultTest, LeavesNothingBehindAndALaterStartWorks) {
     expectNothingLeft();
 }
 
-const Fault kFaults[] = {
+constexpr Fault kFaults[] = {
     {"SdlInit", [] { StartupFaults::fail("SDL_Init"); }, "SDL_VideoModeOK"},
     {"VideoModeOK", [] { StartupFaults::fail("SDL_VideoModeOK"); }, "SDL_SetVideoMode"},
     {"SetVideoMode", [] { StartupFaults::fail("SDL_SetVideoMode"); }, "eglGetDisplay"},

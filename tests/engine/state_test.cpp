@@ -136,7 +136,7 @@ void pick() {
         KELTRA::select(point.first, point.second);
 }
 
-const Disturbance kDisturbances[] = {
+constexpr Disturbance kDisturbances[] = {
     {"Picking", nullptr, pick},
     {"AFailedLoad", failToLoad, nullptr},
     {"GarbageCollection", collectGarbage, nullptr, true},

@@ -57,7 +57,7 @@ formats::Animation sway() {
     return made;
 }
 
-const char kInterface[] =
+constexpr char kInterface[] =
     "<root><font><name value='small'/><texture value='glyphs.tga'/><kerning value='kerning.txt'/></font>"
     "<window><name value='window'/><position x='20' y='60'/><size width='120' height='90'/>"
     "<usefont ref='small'/><title value='a title'/><write value='a text that is longer than the window'/>"
@@ -69,7 +69,7 @@ const char kInterface[] =
     "</text><hslider><position x='20' y='240'/><size width='100' height='16'/></hslider>"
     "<vslider><position x='200' y='120'/><size width='16' height='90'/></vslider></root>";
 
-const char kEmitter[] =
+constexpr char kEmitter[] =
     "<emitter><type value='0'/><texture value='puff.tga'/><nbOfParticles value='24'/><maxEnergy value='90'/>"
     "<maxVelocity value='9'/><maxParticleSize value='14'/><center x='1' y='-1' z='-8'/>"
     "<colorStart x='1' y='0.4' z='0.2'/><colorEnd x='1' y='1' z='0'/></emitter>";

@@ -8,8 +8,8 @@
 namespace keltra::test {
 namespace {
 
-const unsigned char kRecord[] = {0x12, 0x34, 0x56, 0x78, 0x9a, 0xbc, 0xde, 0x00,
-                                 0x00, 0x80, 0xbf, 'h',  'i',  0,    7};
+constexpr unsigned char kRecord[] = {0x12, 0x34, 0x56, 0x78, 0x9a, 0xbc, 0xde, 0x00,
+                                     0x00, 0x80, 0xbf, 'h',  'i',  0,    7};
 
 TEST(ByteReaderTest, ReadsLittleEndianAtAnyAlignment) {
     ByteReader reader(kRecord, sizeof kRecord);

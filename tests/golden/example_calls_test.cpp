@@ -39,7 +39,7 @@ struct Example {
 
 void PrintTo(const Example &example, std::ostream *stream) { *stream << example.name; }
 
-const Example kExamples[] = {
+constexpr Example kExamples[] = {
 #define KELTRA_ENTRY(name) {#name, example_##name},
     KELTRA_EXAMPLE_LIST(KELTRA_ENTRY)
 #undef KELTRA_ENTRY

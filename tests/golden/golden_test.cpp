@@ -15,7 +15,7 @@ using keltra::test::matchesGolden;
 
 // The software driver gives the same pixels on every machine, except for the last bit of an interpolated
 // colour, which is 8 steps in a channel of five bits.
-const keltra::test::Tolerance kTolerance = {8, 0.05};
+constexpr keltra::test::Tolerance kTolerance = {8, 0.05};
 
 class Golden : public keltra::test::GoldenTest {
    protected:

@@ -10,7 +10,7 @@ namespace {
 using keltra::test::Image;
 using keltra::test::matchesGolden;
 
-const keltra::test::Tolerance kTolerance = {8, 0.05};
+constexpr keltra::test::Tolerance kTolerance = {8, 0.05};
 
 // A distinct glyph for each character: its code in the dots of a cell.
 keltra::formats::Image glyphs() {
@@ -38,7 +38,7 @@ keltra::formats::Image stripes() {
     return image;
 }
 
-const char kStart[] =
+constexpr char kStart[] =
     "<root><font><name value='f'/><texture value='glyphs.tga'/></font><font><name value='none'/></font>";
 
 class Interface : public keltra::test::GoldenTest {

@@ -6,7 +6,7 @@ namespace {
 
 // Widgets as the screen shows them, in portrait and in landscape mode.
 
-const float kFace = 0.5f;
+constexpr float kFace = 0.5f;
 
 class GuiDrawTest : public EngineTest, public ::testing::WithParamInterface<bool> {
    protected:

@@ -9,7 +9,7 @@
 namespace keltra::test {
 namespace {
 
-const unsigned int kMany = 30000;
+constexpr unsigned int kMany = 30000;
 
 /// So many boxes with a texture and a shader, labels with a font, meshes with a material and materials with a
 /// texture and a shader, each with its own.

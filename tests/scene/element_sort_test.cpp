@@ -16,8 +16,8 @@ namespace {
 using ::testing::ElementsAre;
 
 const R3XVECTOR3D kEye(0.0f, 0.0f, 0.0f);
-const float kNan = std::numeric_limits<float>::quiet_NaN();
-const float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 void place(KTNODE &node, float z) { node.setPosition(0.0f, 0.0f, z); }
 

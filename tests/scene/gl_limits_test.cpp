@@ -10,8 +10,8 @@
 namespace keltra::test {
 namespace {
 
-const float kNan = std::numeric_limits<float>::quiet_NaN();
-const float kInfinite = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinite = std::numeric_limits<float>::infinity();
 
 class GlLimitsTest : public EngineTest {
    protected:

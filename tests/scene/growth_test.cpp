@@ -22,7 +22,7 @@
 namespace keltra::test {
 namespace {
 
-const unsigned int kMany = 60000;
+constexpr unsigned int kMany = 60000;
 
 class GrowthTest : public ::testing::Test {
    protected:

@@ -15,7 +15,7 @@
 namespace keltra::test {
 namespace {
 
-const float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 struct Lit {
     const KTELEMENT *light;

@@ -22,7 +22,7 @@ namespace {
 using formats::KteVersion;
 using Bytes = std::vector<std::uint8_t>;
 
-const KteVersion kVersions[] = {KteVersion::k15a, KteVersion::k16a};
+constexpr KteVersion kVersions[] = {KteVersion::k15a, KteVersion::k16a};
 
 /// A scene with all kinds of records is damaged in many ways. Before each load the engine holds objects of an
 /// earlier one, which must come out of a failed load as they were.

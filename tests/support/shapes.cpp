@@ -55,9 +55,9 @@ void addSide(Node &node, Vec3 right, Vec3 up, Vec3 middle) {
 
 Node boxNode(const std::string &name, const std::string &material, float half) {
     // The directions right and up as seen when facing a side.
-    static const Vec3 kSides[6][2] = {{{1, 0, 0}, {0, 1, 0}},  {{-1, 0, 0}, {0, 1, 0}},
-                                      {{0, 0, -1}, {0, 1, 0}}, {{0, 0, 1}, {0, 1, 0}},
-                                      {{1, 0, 0}, {0, 0, -1}}, {{1, 0, 0}, {0, 0, 1}}};
+    static constexpr Vec3 kSides[6][2] = {{{1, 0, 0}, {0, 1, 0}},  {{-1, 0, 0}, {0, 1, 0}},
+                                          {{0, 0, -1}, {0, 1, 0}}, {{0, 0, 1}, {0, 1, 0}},
+                                          {{1, 0, 0}, {0, 0, -1}}, {{1, 0, 0}, {0, 0, 1}}};
     Node node = meshNode(name, material);
     for (const Vec3(&side)[2] : kSides) {
         const Vec3 out = formats::cross(side[0], side[1]);

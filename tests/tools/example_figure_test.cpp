@@ -15,9 +15,9 @@ namespace {
 
 using namespace formats;
 
-constexpr size_t kMostVertices = 1550;  // sixteen figures are skinned in every frame
+constexpr std::size_t kMostVertices = 1550;  // sixteen figures are skinned in every frame
 
-constexpr size_t kBones = 20;
+constexpr std::size_t kBones = 20;
 
 const Scene &figure() {
     static const Scene read = exampleScene("figure.kte");
@@ -77,7 +77,7 @@ TEST(ExampleFigure, EveryVertexIsHeldByTwoBonesWithWeightsOfOne) {
     ASSERT_EQ(mesh.influenceBones.size(), 2 * mesh.vertices.size());
     ASSERT_EQ(mesh.influenceWeights.size(), 2 * mesh.vertices.size());
     for (uint8_t bone : mesh.influenceBones) EXPECT_LT(bone, kBones);
-    for (size_t i = 0; i < mesh.influenceWeights.size(); i += 2) {
+    for (std::size_t i = 0; i < mesh.influenceWeights.size(); i += 2) {
         EXPECT_GE(mesh.influenceWeights[i], 0.0f);
         EXPECT_GE(mesh.influenceWeights[i + 1], 0.0f);
         EXPECT_EQ(mesh.influenceWeights[i] + mesh.influenceWeights[i + 1], 1.0f);
@@ -115,11 +115,11 @@ TEST(ExampleFigure, AnimationsFitTheFigureAndRunInACircle) {
         EXPECT_EQ(std::set<std::string>(animation.bones.begin(), animation.bones.end()),
                   std::set<std::string>(held.begin(), held.end()));
         ASSERT_GE(animation.frames.size(), 16u);
-        for (size_t frame = 0; frame < animation.frames.size(); ++frame) {
+        for (std::size_t frame = 0; frame < animation.frames.size(); ++frame) {
             const std::vector<Keyframe> &now = animation.frames[frame];
             const std::vector<Keyframe> &then = animation.frames[(frame + 1) % animation.frames.size()];
             ASSERT_EQ(now.size(), kBones);
-            for (size_t bone = 0; bone < now.size(); ++bone) {
+            for (std::size_t bone = 0; bone < now.size(); ++bone) {
                 EXPECT_TRUE(now[bone].set);
                 EXPECT_LT(length(now[bone].rotation - then[bone].rotation), 25.0f) << frame << ' ' << bone;
                 EXPECT_LT(length(now[bone].position - then[bone].position), 0.1f) << frame << ' ' << bone;
@@ -130,14 +130,14 @@ TEST(ExampleFigure, AnimationsFitTheFigureAndRunInACircle) {
 
 TEST(ExampleFigure, TheWalkStepsEquallyWithBothLegs) {
     const Animation walk = exampleAnimation("figure_walk.kta");
-    const size_t half = walk.frames.size() / 2;
+    const std::size_t half = walk.frames.size() / 2;
     ASSERT_GT(half, 0u);
-    const auto turnOf = [&walk](size_t frame, const std::string &name) {
+    const auto turnOf = [&walk](std::size_t frame, const std::string &name) {
         const auto bone = std::find(walk.bones.begin(), walk.bones.end(), name);
         EXPECT_NE(bone, walk.bones.end()) << name;
-        return walk.frames[frame][static_cast<size_t>(bone - walk.bones.begin())].rotation.x;
+        return walk.frames[frame][static_cast<std::size_t>(bone - walk.bones.begin())].rotation.x;
     };
-    for (size_t frame = 0; frame < half; ++frame)
+    for (std::size_t frame = 0; frame < half; ++frame)
         for (const std::string bone : {"Thigh", "Shin", "Foot"})
             EXPECT_NEAR(turnOf(frame, "left" + bone), turnOf(frame + half, "right" + bone), 0.01f) << frame;
 }

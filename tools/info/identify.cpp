@@ -117,7 +117,7 @@ std::vector<std::string> kindNames() {
 
 FileKind identify(const std::string &fileName, const void *bytes, std::size_t size) {
     // Keys and root elements are near the beginning.
-    const std::size_t kLookedAt = 65536;
+    constexpr std::size_t kLookedAt = 65536;
     const std::string_view text(bytes ? static_cast<const char *>(bytes) : "",
                                 bytes ? std::min(size, kLookedAt) : 0);
     const FileKind kind = kindOfContents(text);

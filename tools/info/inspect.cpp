@@ -12,8 +12,8 @@ namespace keltra::info {
 
 namespace {
 
-const char kLeftOut[] = "more faults are left out";
-const std::size_t kMostNotes = 100;  // and faults
+constexpr char kLeftOut[] = "more faults are left out";
+constexpr std::size_t kMostNotes = 100;  // and faults
 
 void inspectKind(FileKind kind, const Source &source, Inspection &result) {
     switch (kind) {
@@ -61,7 +61,7 @@ std::string counted(std::size_t count, const std::string &noun) {
 }
 
 std::string quoted(const std::string &name) {
-    const std::size_t kLongest = 100;
+    constexpr std::size_t kLongest = 100;
     return '"' + name.substr(0, kLongest) + (name.size() > kLongest ? "...\"" : "\"");
 }
 

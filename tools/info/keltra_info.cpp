@@ -22,7 +22,7 @@ struct Arguments {
     bool json = false, check = false, strict = false, limits = false;
 };
 
-const char kExamples[] =
+constexpr char kExamples[] =
     "Examples:\n"
     "  keltra-info hero.kte                  what is in a scene\n"
     "  keltra-info --check data/*            which files the engine takes\n"

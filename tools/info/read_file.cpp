@@ -13,7 +13,7 @@ namespace keltra::info {
 
 namespace {
 
-const off_t kLargest = 0x7fffffff;
+constexpr off_t kLargest = 0x7fffffff;
 
 class Descriptor {
    public:

@@ -15,8 +15,8 @@ namespace keltra::info {
 namespace {
 
 // More nodes than the engine has identifiers for are not listed.
-const std::size_t kMostListed = kLargestId;
-const char kNone[] = "[none]";
+constexpr std::size_t kMostListed = kLargestId;
+constexpr char kNone[] = "[none]";
 
 std::string lightKind(unsigned int type) {
     switch (type) {

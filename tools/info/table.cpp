@@ -10,8 +10,8 @@ namespace keltra::info {
 
 namespace {
 
-const std::size_t kWidestCell = 48;  // characters
-const char kLevel[] = "level";
+constexpr std::size_t kWidestCell = 48;  // characters
+constexpr char kLevel[] = "level";
 
 // Left out, since rows would be too wide; JSON has them.
 const std::set<std::string> kHidden = {kLevel,    "children", "origin",    "auxId",     "radius",

@@ -11,7 +11,7 @@ namespace keltra::info {
 namespace {
 
 // Each key is searched from the beginning, so a huge text would take minutes; the verdict needs no search.
-const std::size_t kMostText = 16u << 20;
+constexpr std::size_t kMostText = 16u << 20;
 
 // A text as the engine's parser holds it, without comments.
 class Text {

@@ -6,7 +6,7 @@
 namespace lantern_walk {
 namespace {
 
-const Evening kEvening[kEvenings] = {
+constexpr Evening kEvening[kEvenings] = {
     {110.0f,
      6,
      1,
@@ -43,7 +43,7 @@ const Evening kEvening[kEvenings] = {
       {-1.9f, -12.2f}}},
 };
 
-const Obstacle kObstacle[kObstacles] = {
+constexpr Obstacle kObstacle[kObstacles] = {
     {kWell, kWellRadius},  {{-5.6f, 8.4f}, 1.0f},   {{6.8f, 5.2f}, 1.2f},  {{-7.6f, -2.2f}, 1.4f},
     {{8.0f, -6.4f}, 1.1f}, {{-4.4f, -11.2f}, 1.1f}, {{2.9f, -6.6f}, 0.8f},
 };

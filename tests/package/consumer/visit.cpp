@@ -12,7 +12,7 @@
 
 namespace {
 
-const int kFrames = 3;
+constexpr int kFrames = 3;
 int frames = 0;
 
 void leave(const char *what) {

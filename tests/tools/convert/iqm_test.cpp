@@ -57,7 +57,7 @@ enum : unsigned {
     kFrames = 19
 };
 
-const float kElbow = 2.0f;  // above the shoulder
+constexpr float kElbow = 2.0f;  // above the shoulder
 constexpr unsigned kFrameCount = 11;
 constexpr double kRate = 25.0;
 constexpr float kStep = 0.001f;

@@ -11,7 +11,7 @@ namespace keltra::test {
 namespace {
 
 /// Three corners at different distances along the axes, so that the place of each tells the model's rotation.
-const char kCorners[] = "v 1 0 0\nv 0 2 0\nv 0 0 3\nf 1 2 3\n";
+constexpr char kCorners[] = "v 1 0 0\nv 0 2 0\nv 0 0 3\nf 1 2 3\n";
 
 class SpaceTest : public ConvertTest {
    protected:
