@@ -167,8 +167,8 @@ struct KnownMatrix {
 KnownMatrix knownMatrices[kKnownMatrices];  // zeros are right from the start
 
 // Copies the matrix to `mirrored` as well, while it is compared.
-void loadKnown(const float *m, float *mirrored) {
-    KnownMatrix &known = knownMatrices[reinterpret_cast<std::uintptr_t>(m) / 128 % kKnownMatrices];
+void loadKnown(const float *m, float *mirrored, unsigned int id) {
+    KnownMatrix &known = knownMatrices[id % kKnownMatrices];
 #if defined(KELTRA_SOFT_ARM)
     const bool isKnown = keltraCopySame(m, mirrored, known.bits);
 #else
@@ -235,9 +235,9 @@ void copyModelView(float *to, float *also) {
 #endif
 }
 
-void loadMatrixAgain(const float *m) {
+void loadMatrixAgain(const float *m, unsigned int id) {
     if (kSoftFloat)
-        loadKnown(m, top());
+        loadKnown(m, top(), id);
     else
         KT_glLoadMatrixf(m);
 }

@@ -21,8 +21,8 @@ void popMatrix();
 void copyModelView(float *to, float *also);
 
 // KT_glLoadMatrixf for a matrix that is loaded many times a frame: its 16.16 values are kept, and used while
-// it is the same.
-void loadMatrixAgain(const float *m);
+// it is the same. Matrices of consecutive ids do not displace one another.
+void loadMatrixAgain(const float *m, unsigned int id);
 
 // Rotates the current matrix by Euler angles in degrees about X, then Y, then Z.
 void applyRotation(const R3XVECTOR3D &degrees);

@@ -134,7 +134,7 @@ bool KTLIGHT::render(void *data) {
     const GLenum unit = GL_LIGHT0 + element->param1;
     glEnable(unit);
     loadParameters(unit);
-    keltra::loadMatrixAgain(element->matrix.m);
+    keltra::loadMatrixAgain(element->matrix.m, id);
     keltra::applyRotation(rotation);
     loadPlace(unit, *this);
     return true;
