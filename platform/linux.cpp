@@ -170,7 +170,11 @@ std::FILE *platformOpenFile(const char *path, std::int64_t &size) {
     const int file = openRegular(path, size);
     if (file < 0) return nullptr;
     std::FILE *stream = fdopen(file, "rb");
-    if (!stream) close(file);
+    if (!stream) {
+        close(file);
+        return nullptr;
+    }
+    std::setvbuf(stream, nullptr, _IONBF, 0);
     return stream;
 }
 

@@ -46,7 +46,8 @@ enum class PathKind { kNothing, kFile, kOther };
 PathKind platformPathKind(const char *path);
 
 // Opens a regular file for reading, and gives its size. Null for anything else: opening a pipe may wait for
-// ever, and a device may have no end; with errno ENOMEM when out of memory.
+// ever, and a device may have no end; with errno ENOMEM when out of memory. It has no buffer: each read is
+// one of the system, straight into its place, so read much at a time.
 std::FILE *platformOpenFile(const char *path, std::int64_t &size);
 
 // The size of a regular file that can be opened for reading; -1 for anything else.

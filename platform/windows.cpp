@@ -62,7 +62,9 @@ PathKind platformPathKind(const char *path) {
 
 std::FILE *platformOpenFile(const char *path, std::int64_t &size) {
     errno = 0;  // the calls of the system leave it alone
-    return kindAndSize(path, size) == PathKind::kFile ? std::fopen(path, "rb") : nullptr;
+    std::FILE *file = kindAndSize(path, size) == PathKind::kFile ? std::fopen(path, "rb") : nullptr;
+    if (file) std::setvbuf(file, nullptr, _IONBF, 0);
+    return file;
 }
 
 std::int64_t platformFileSize(const char *path) {
