@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/tga.h"
 
+#include "formats/tga_arm.h"
 #include "foundation/cold.h"
 
 #include <algorithm>
@@ -82,7 +83,7 @@ std::uint32_t exchanged(std::uint32_t pixel) {
     std::uint32_t mask;
     std::memcpy(&mask, movedBytes, 4);
     const std::uint32_t moved = pixel & mask;
-    return (pixel ^ moved) | moved << 16 | moved >> 16;
+    return (pixel ^ moved) | (moved << 16 | moved >> 16);
 }
 
 #if defined(KELTRA_TGA_SHUFFLES)
@@ -135,8 +136,13 @@ void convertPixel3(const std::uint8_t *source, std::uint8_t *target) {
     target[2] = blue;
 }
 
+std::size_t exchange3(std::uint8_t *place, std::size_t pixels) {
+    return kShuffles ? shuffle3(place, place, pixels) : exchangeWords3(place, pixels);
+}
+
+// The source may be the target, which is at a multiple of four then.
 void convert3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
-    const std::size_t done = shuffle3(source, target, pixels);
+    const std::size_t done = source == target ? exchange3(target, pixels) : shuffle3(source, target, pixels);
     source += 3 * done;
     target += 3 * done;
     pixels -= done;
@@ -151,18 +157,20 @@ constexpr std::size_t kTurn = kAnyAddress ? 1 : 4;
 
 template <unsigned int kPart>
 void convertParts4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
-    for (; pixels >= kTurn; pixels -= kTurn, source += 4 * kTurn, target += 4 * kTurn)
+    const std::uint8_t *const turnsEnd = source + pixels / kTurn * (4 * kTurn);
+    for (; source != turnsEnd; source += 4 * kTurn, target += 4 * kTurn)
         for (std::size_t i = 0; i < 4 * kTurn; i += 4)
             storePixel(target + i, exchanged(loadPixel<kPart>(source + i)));
-    for (; kTurn > 1 && pixels; --pixels, source += 4, target += 4)
+    for (pixels %= kTurn; pixels; --pixels, source += 4, target += 4)
         storePixel(target, exchanged(loadPixel<kPart>(source)));
 }
 
 void convertInPlace4(std::uint8_t *place, std::size_t pixels) {
-    for (; pixels >= kTurn; pixels -= kTurn, place += 4 * kTurn)
+    std::uint8_t *const turnsEnd = place + pixels / kTurn * (4 * kTurn);
+    for (; place != turnsEnd; place += 4 * kTurn)
         for (std::size_t i = 0; i < 4 * kTurn; i += 4)
             storePixel(place + i, exchanged(loadPixel<4>(place + i)));
-    for (; kTurn > 1 && pixels; --pixels, place += 4) storePixel(place, exchanged(loadPixel<4>(place)));
+    for (pixels %= kTurn; pixels; --pixels, place += 4) storePixel(place, exchanged(loadPixel<4>(place)));
 }
 
 // The source may be the target.
@@ -189,25 +197,9 @@ void repeat3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
     }
 }
 
-#if defined(__arm__) && !defined(__thumb__)
-// One instruction stores four registers; compilers use it only for structures.
-std::uint8_t *storeFours(std::uint8_t *target, std::uint32_t pixel, std::size_t &pixels) {
-    register std::uint32_t first asm("r4") = pixel, second asm("r5") = pixel, third asm("r6") = pixel,
-                                 fourth asm("r7") = pixel;
-    for (; pixels >= 8; pixels -= 8)
-        asm("stmia %0!, {%1, %2, %3, %4}\n\tstmia %0!, {%1, %2, %3, %4}"
-            : "+r"(target)
-            : "r"(first), "r"(second), "r"(third), "r"(fourth)
-            : "memory");
-    return target;
-}
-#endif
-
 void repeat4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
     const std::uint32_t pixel = exchanged(loadPixel < kAnyAddress ? 4 : 1 > (source));
-#if defined(__arm__) && !defined(__thumb__)
-    target = storeFours(target, pixel, pixels);
-#endif
+    target = storeEights(target, pixel, pixels);
     for (; pixels >= kTurn; pixels -= kTurn, target += 4 * kTurn)
         for (std::size_t i = 0; i < 4 * kTurn; i += 4) storePixel(target + i, pixel);
     for (; kTurn > 1 && pixels; --pixels, target += 4) storePixel(target, pixel);
@@ -283,29 +275,34 @@ TgaUnpacker::TgaUnpacker(const TgaImage &image, std::uint8_t *target)
 template <unsigned int kBytes>
 std::size_t TgaUnpacker::unpackAs(const std::uint8_t *bytes, std::size_t size, bool isLast) {
     const std::uint8_t *source = bytes, *const end = bytes + size;
+    // As members, each pixel that is stored could change them.
+    std::uint8_t *place = target;
+    std::size_t missing = left;
     // Nothing is short of what any packet takes: packets of a few pixels are most of a picture.
-    while (left >= kPacketPixels && static_cast<std::size_t>(end - source) >= kLongestPacket) {
+    while (missing >= kPacketPixels && static_cast<std::size_t>(end - source) >= kLongestPacket) {
         const unsigned int packet = *source++, pixels = packet % kPacketPixels + 1;
         const bool run = packet >= kPacketPixels;
-        run ? repeat<kBytes>(source, target, pixels) : convert<kBytes>(source, target, pixels);
+        run ? repeat<kBytes>(source, place, pixels) : convert<kBytes>(source, place, pixels);
         source += run ? kBytes : pixels * kBytes;
-        target += pixels * kBytes;
-        left -= pixels;
+        place += pixels * kBytes;
+        missing -= pixels;
     }
     const std::size_t wanted = isLast ? 1 : kLongestPacket;
-    while (left && static_cast<std::size_t>(end - source) >= wanted) {
+    while (missing && static_cast<std::size_t>(end - source) >= wanted) {
         const unsigned int packet = *source;
         const bool run = packet >= kPacketPixels;
         // A last packet that is longer than the image is cut.
-        const std::size_t pixels = std::min<std::size_t>(left, packet % kPacketPixels + 1);
+        const std::size_t pixels = std::min<std::size_t>(missing, packet % kPacketPixels + 1);
         const std::size_t taken = run ? kBytes : pixels * kBytes;
         if (static_cast<std::size_t>(end - source) < 1 + taken) break;
         ++source;
-        run ? repeat<kBytes>(source, target, pixels) : convert<kBytes>(source, target, pixels);
+        run ? repeat<kBytes>(source, place, pixels) : convert<kBytes>(source, place, pixels);
         source += taken;
-        target += pixels * kBytes;
-        left -= pixels;
+        place += pixels * kBytes;
+        missing -= pixels;
     }
+    target = place;
+    left = missing;
     return static_cast<std::size_t>(source - bytes);
 }
 

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Zlib
+#ifndef KELTRA_FORMATS_TGA_ARM_H
+#define KELTRA_FORMATS_TGA_ARM_H
+
+// Pixels in ARM instructions that load or store many registers, which compilers use for structures only.
+
+#include <cstddef>
+#include <cstdint>
+
+namespace keltra {
+
+#if defined(__arm__) && !defined(__thumb__) && defined(__GNUC__) && !defined(__ARM_BIG_ENDIAN)
+
+// Exchanges the first and the third byte of each pixel of three bytes, in place, at a multiple of four: eight
+// pixels are six words. At the first byte of a pixel stands what it differs by from the third one, which is
+// 16 bits higher, for two of four pixels in the next word. Returns the pixels that it converted, all but a
+// few.
+inline std::size_t exchangeWords3(std::uint8_t *place, std::size_t pixels) {
+    const std::size_t done = pixels & ~std::size_t{7};
+    if (done == 0) return 0;
+    asm volatile(
+        R"(
+    .macro exchangeFour a, b, c
+        eor r10, \a, \a, lsr #16
+        eor r10, r10, \b, lsl #16
+        and r10, r10, %[outer]
+        eor r12, \b, \c, lsl #16
+        and r12, r12, #0xff0000
+        eor lr, \c, \c, lsr #16
+        and lr, lr, #0xff00
+        eor \a, \a, r10
+        eor \a, \a, r10, lsl #16
+        eor \b, \b, r10, lsr #16
+        eor \b, \b, r12
+        eor \c, \c, r12, lsr #16
+        eor \c, \c, lr
+        eor \c, \c, lr, lsl #16
+    .endm
+    1:
+        ldmia %[place], {r4-r9}
+        exchangeFour r4, r5, r6
+        exchangeFour r7, r8, r9
+        stmia %[place]!, {r4-r9}
+        cmp %[place], %[end]
+        bne 1b
+    .purgem exchangeFour)"
+        : [place] "+r"(place)
+        : [end] "r"(place + 3 * done), [outer] "r"(0xff0000ff)
+        : "r4", "r5", "r6", "r7", "r8", "r9", "r10", "r12", "lr", "cc", "memory");
+    return done;
+}
+
+// Stores a pixel of four bytes as often as eights go into `pixels`, which keeps the rest of them; returns the
+// place behind.
+inline std::uint8_t *storeEights(std::uint8_t *target, std::uint32_t pixel, std::size_t &pixels) {
+    register std::uint32_t r4 asm("r4") = pixel, r5 asm("r5") = pixel, r6 asm("r6") = pixel,
+                              r7 asm("r7") = pixel, r8 asm("r8") = pixel, r9 asm("r9") = pixel,
+                              r10 asm("r10") = pixel, r12 asm("r12") = pixel;
+    for (; pixels >= 8; pixels -= 8)
+        asm("stmia %0!, {%1, %2, %3, %4, %5, %6, %7, %8}"
+            : "+r"(target)
+            : "r"(r4), "r"(r5), "r"(r6), "r"(r7), "r"(r8), "r"(r9), "r"(r10), "r"(r12)
+            : "memory");
+    return target;
+}
+
+#else
+
+inline std::size_t exchangeWords3(std::uint8_t *, std::size_t) { return 0; }
+
+inline std::uint8_t *storeEights(std::uint8_t *target, std::uint32_t, std::size_t &) { return target; }
+
+#endif
+
+}  // namespace keltra
+
+#endif
