@@ -2,6 +2,7 @@
 #include "tools/convert/picture.h"
 
 #include "tests/tools/convert/support/pictures.h"
+#include "tools/convert/textures.h"
 
 #include <gtest/gtest.h>
 
@@ -126,6 +127,24 @@ TEST(ReadPicture, ATargaNeedsItsExtensionOrItsFooter) {
     marked.insert(marked.end(), name.begin(), name.end());
     marked.push_back(0);
     EXPECT_EQ(difference(read(marked, "xyz"), image), 0);
+}
+
+TEST(WritePicture, IsPackedWhereThatSavesMoreThanASixteenth) {
+    constexpr std::uint8_t kUncompressed = 2, kRunLength = 10;
+    Image image(64, 8);
+    for (unsigned x = 0; x < 64; ++x)
+        for (unsigned y = 0; y < 8; ++y) image.at(x, y) = {static_cast<std::uint8_t>(x), 0, 0, 255};
+    EXPECT_EQ(targa(image, false)[2], kUncompressed);
+    // A packed row has 193 bytes, and 26 fewer with ten equal pixels; in four rows that is a sixteenth of
+    // 1,536.
+    for (unsigned x = 0; x < 10; ++x)
+        for (unsigned y = 0; y < 4; ++y) image.at(x, y).r = 9;
+    EXPECT_EQ(targa(image, false)[2], kUncompressed);
+    for (unsigned x = 0; x < 10; ++x)
+        for (unsigned y = 4; y < 8; ++y) image.at(x, y).r = 9;
+    EXPECT_EQ(targa(image, false)[2], kRunLength);
+    EXPECT_EQ(difference(read(targa(image, false), "tga"), image), 0);
+    EXPECT_EQ(difference(read(targa(image, true), "tga"), image), 0);
 }
 
 TEST(ReadPicture, TargasOfEveryKindAreUpright) {
