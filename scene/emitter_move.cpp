@@ -39,6 +39,19 @@ struct KTEMITTER::BILLBOARD {
     keltra::ArmParticleSquare armSquare;
     keltra::ArmParticleTurn armTurn;
     bool armFits, armFitsStill, armFitsTurned;
+
+   private:
+    // Particles that came into being together and turn alike have the same angles, and all of them do where
+    // nothing turns further: their square is turned once a frame. Angles have one place each.
+    static constexpr unsigned int kTurnedBits = 6;
+    struct TurnedSquare {
+        std::uint32_t angle = 0;  // bits; none is zero
+        keltra::ArmParticleSquare square;
+    };
+    mutable TurnedSquare turned[1u << kTurnedBits];
+
+    // The square for particles at that angle; null when there are values that the kernel is not made for.
+    const keltra::ArmParticleSquare *turnedSquare(float angle) const;
 #endif
 };
 
@@ -141,19 +154,28 @@ bool KTEMITTER::BILLBOARD::move(const KTEMITTER &emitter, unsigned int index, co
     return keltra::keltraMoveTurned(&run) || run.slot == run.end;
 }
 
+const keltra::ArmParticleSquare *KTEMITTER::BILLBOARD::turnedSquare(float angle) const {
+    const std::uint32_t bits = keltra::bitsOf(angle);
+    TurnedSquare &place = turned[bits * 2654435769u >> (32 - kTurnedBits)];
+    if (place.angle == bits) return &place.square;
+    const keltra::Rotation &turn = keltra::rotationOf(angle);
+    const std::uint32_t sine = keltra::bitsOf(turn.sine), cosine = keltra::bitsOf(turn.cosine);
+    const bool fits = keltra::keltraTurnSquare(&armTurn, sine, cosine, &place.square);
+    place.angle = fits ? bits : 0;
+    return fits ? &place.square : nullptr;
+}
+
 bool KTEMITTER::BILLBOARD::moveTurning(const KTEMITTER &emitter, unsigned int &index,
                                        unsigned int count) const {
     if (!armFitsTurned || index == count) return false;
-    keltra::ArmParticleSquare square;
-    keltra::ArmParticleRun run = armRun(emitter, index, count, armFrame, square);
+    keltra::ArmParticleRun run = armRun(emitter, index, count, armFrame, armSquare);
     bool spent = false;
     for (const int *const end = run.end; !spent && run.slot != end && isInPool(*run.slot);) {
         KTPARTICLE &moved = KTEMITTER::particle[*run.slot];
         const float angle = moved.spinAngle;
         if (keltra::isZero(angle)) break;
-        const keltra::Rotation &turn = keltra::rotationOf(angle);
-        const std::uint32_t sine = keltra::bitsOf(turn.sine), cosine = keltra::bitsOf(turn.cosine);
-        if (!keltra::keltraTurnSquare(&armTurn, sine, cosine, &square)) break;
+        run.square = turnedSquare(angle);
+        if (!run.square) break;
         run.end = run.slot + 1;
         spent = keltra::keltraMoveTurned(&run);
         if (!spent && run.slot != run.end) break;

@@ -245,6 +245,37 @@ TEST_F(EmitterTest, AMaximumSpinOfOneTurnsNothing) {
     }
 }
 
+// A hundred angles among more particles than that, beside each of them alone.
+TEST_F(EmitterTest, AParticleIsTurnedAmongOthersAsAlone) {
+    KTEMITTER many, one;
+    many.setNumberOfParticles(300);
+    one.setNumberOfParticles(1);
+    ASSERT_TRUE(many.initialize() && one.initialize());
+    R3XMATRIX matrix;
+    for (int frame = 0; frame < 3; ++frame) {
+        matrix.setRotation(20.0f + 31.0f * static_cast<float>(frame), 0.36f, 0.48f, 0.8f);
+        KTPARTICLE start = held(one, 0);
+        start.position.set(1.0f, 2.0f, 3.0f);
+        start.size = 3.0f;
+        start.energy = start.initialEnergy = 0.75f;
+        start.spinSpeed = 2.0f;
+        for (int i = 0; i < 300; ++i) {
+            KTPARTICLE &particle = KTEMITTER::particle[many.slot[i]];
+            particle = start;
+            particle.spinAngle = 3.7f * static_cast<float>(i * 7 % 100);
+        }
+        ASSERT_TRUE(render(many, 125, matrix));
+        const std::vector<R3XVECTOR4D> corners(KTEMITTER::vertexArray, KTEMITTER::vertexArray + 4 * 300);
+        for (int i = 0; i < 300; ++i) {
+            KTEMITTER::particle[one.slot[0]] = start;
+            KTEMITTER::particle[one.slot[0]].spinAngle = 3.7f * static_cast<float>(i * 7 % 100);
+            ASSERT_TRUE(render(one, 125, matrix));
+            for (int k = 0; k < 4; ++k) ASSERT_TRUE(KTEMITTER::vertexArray[k] == corners[4 * i + k]) << i;
+            EXPECT_EQ(held(one, 0).spinAngle, held(many, i).spinAngle);
+        }
+    }
+}
+
 TEST_F(EmitterTest, ADiscSubtractsItsCenter) {
     KTEMITTER emitter;
     emitter.setEmitterType(2);
