@@ -4,18 +4,15 @@
 
 // Arrays of pointers without gaps, which may be long: finding an entry and closing its gap.
 
+#include "foundation/wide_registers.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
-#if defined(__x86_64__) && defined(__GNUC__)
-#define KELTRA_WIDE_POINTERS 1
-#include <immintrin.h>
-#endif
-
 namespace keltra {
 
-#if defined(KELTRA_WIDE_POINTERS)
+#if defined(KELTRA_WIDE_REGISTERS)
 // Which of 16 pointers may be the wanted one: those with the same lower half.
 template <class T>
 unsigned int compareSixteen(T *const *pointers, __m128i wanted) {
@@ -38,7 +35,7 @@ std::size_t findNear(T *const *pointers, std::size_t count, std::size_t place, c
     if (pointers[place] == wanted) return place;
     std::int64_t before = static_cast<std::int64_t>(place) - 1, behind = before + 2;
     const auto end = static_cast<std::int64_t>(count);
-#if defined(KELTRA_WIDE_POINTERS)
+#if defined(KELTRA_WIDE_REGISTERS)
     const auto lower = static_cast<std::int32_t>(reinterpret_cast<std::uintptr_t>(wanted));
     for (const __m128i all = _mm_set1_epi32(lower); before >= 15 && behind + 16 <= end;
          before -= 16, behind += 16) {
@@ -58,7 +55,7 @@ std::size_t findNear(T *const *pointers, std::size_t count, std::size_t place, c
     return count;
 }
 
-#if defined(KELTRA_WIDE_POINTERS)
+#if defined(KELTRA_WIDE_REGISTERS)
 // As fast as the cache of the second level is read. What the C library does loads each line of the cache
 // twice, since source and destination do not begin at the same place of one.
 constexpr std::size_t kLongMove = 64, kLine = 64, kPerLine = kLine / sizeof(void *);
@@ -68,16 +65,13 @@ std::size_t untilLine(T **pointer) {
     return (0 - reinterpret_cast<std::uintptr_t>(pointer)) % kLine / sizeof(T *);
 }
 
-// Of a line. Without a mask, GCC 12 takes an operand that is not there for one that was not set.
-constexpr unsigned char kAllPointers = 0xff;
-
 // The lines of `count` pointers at `to` from those behind each; returns how many were moved.
 template <class T>
 __attribute__((target("avx512f"))) std::size_t moveLinesDown(T **to, std::size_t count) {
     std::size_t moved = 0;
     for (__m512i line = _mm512_load_si512(to); moved + 2 * kPerLine <= count; moved += kPerLine) {
         const __m512i next = _mm512_load_si512(to + moved + kPerLine);
-        _mm512_store_si512(to + moved, _mm512_maskz_alignr_epi64(kAllPointers, next, line, 1));
+        _mm512_store_si512(to + moved, _mm512_alignr_epi64(next, line, 1));
         line = next;
     }
     return moved;
@@ -89,20 +83,22 @@ __attribute__((target("avx512f"))) std::size_t moveLinesUp(T **end, std::size_t 
     std::size_t moved = 0;
     for (__m512i line = _mm512_load_si512(end - kPerLine); moved + 2 * kPerLine <= count; moved += kPerLine) {
         const __m512i next = _mm512_load_si512(end - moved - 2 * kPerLine);
-        _mm512_store_si512(end - moved - kPerLine,
-                           _mm512_maskz_alignr_epi64(kAllPointers, line, next, kPerLine - 1));
+        _mm512_store_si512(end - moved - kPerLine, _mm512_alignr_epi64(line, next, kPerLine - 1));
         line = next;
     }
     return moved;
 }
 
-inline bool hasWideLines() { return __builtin_cpu_supports("avx512f"); }
+inline bool hasWideLines() {
+    static const bool has = hasAvx512();
+    return has;
+}
 #endif
 
 // Takes the first of `count` + 1 entries: the others move one place towards the front.
 template <class T>
 void closeGapFromBehind(T **gap, std::size_t count) {
-#if defined(KELTRA_WIDE_POINTERS)
+#if defined(KELTRA_WIDE_REGISTERS)
     if (count >= kLongMove && hasWideLines()) {
         const std::size_t head = untilLine(gap);
         std::copy_n(gap + 1, head, gap);
@@ -117,7 +113,7 @@ void closeGapFromBehind(T **gap, std::size_t count) {
 // Takes the last of `count` + 1 entries: those before it move one place towards the end.
 template <class T>
 void closeGapFromFront(T **first, std::size_t count) {
-#if defined(KELTRA_WIDE_POINTERS)
+#if defined(KELTRA_WIDE_REGISTERS)
     if (count >= kLongMove && hasWideLines()) {
         T **const end = first + count + 1;
         const std::size_t tail = (kPerLine - untilLine(end)) % kPerLine;

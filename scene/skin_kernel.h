@@ -10,21 +10,14 @@
 // kernels give the same bits. Weights are converted on the way: they belong to the application, which may
 // change them between frames.
 
+#include "foundation/wide_registers.h"
 #include "math/fixed.h"
 
 #include <cstddef>
 #include <cstdint>
 
-// Windows compilers do not align the stack for 32-byte values.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
+#if defined(KELTRA_WIDE_REGISTERS)
 #define KELTRA_SKIN_AVX2
-#pragma GCC diagnostic push
-#if !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // GCC 12 warns of its own AVX-512 functions
-#endif
-#include <cpuid.h>
-#include <immintrin.h>
-#pragma GCC diagnostic pop
 #endif
 
 namespace keltra {
@@ -88,17 +81,6 @@ class ScalarSkin {
 };
 
 #if defined(KELTRA_SKIN_AVX2)
-// Whether the processor has an extension, a bit in EBX of leaf 7, and the system keeps the registers that it
-// needs, bits of XCR0. The compiler's own test brings 4.5 KB of it for all processors that there are.
-inline bool hasExtension(unsigned int bit, unsigned int registers) {
-    unsigned int eax, ebx, ecx, edx;
-    if (!__get_cpuid(1, &eax, &ebx, &ecx, &edx) || !(ecx & bit_OSXSAVE)) return false;
-    if (!__get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) || !(ebx & bit)) return false;
-    unsigned int kept;
-    __asm__("xgetbv" : "=a"(kept), "=d"(edx) : "c"(0));
-    return (kept & registers) == registers;
-}
-
 // Three rows at a time. The multiplication reads the low 32 bits of each 64-bit lane, with their sign, and of
 // its result only bits 16 to 47 are ever used: the bits above them do not matter, nor does the kind of shift.
 class Avx2Skin {
@@ -108,7 +90,7 @@ class Avx2Skin {
         std::int64_t columns[4][4];
     };
 
-    static bool isSupported() { return hasExtension(bit_AVX2, 0x06); }
+    static bool isSupported() { return hasAvx2(); }
 
     static void encode(const std::int32_t *matrix, Bone &bone) {
         for (int column = 0; column < 4; ++column)
@@ -165,7 +147,7 @@ class Avx512Skin {
         std::int64_t columns[4][8];  // a normal has no translation
     };
 
-    static bool isSupported() { return hasExtension(bit_AVX512F, 0xe6); }
+    static bool isSupported() { return hasAvx512(); }
 
     static void encode(const std::int32_t *matrix, Bone &bone) {
         for (int column = 0; column < 4; ++column) {
