@@ -52,8 +52,10 @@ Fields number(float value) {
 }
 
 void note(Inspection &result, const std::string &text) {
-    if (result.notes.size() < kMostNotes) result.notes.push_back(text);
-    if (result.notes.size() == kMostNotes) result.notes.push_back("more notes are left out");
+    if (result.notes.size() < kMostNotes)
+        result.notes.push_back(text);
+    else if (result.notes.size() == kMostNotes)
+        result.notes.push_back("more notes are left out");
 }
 
 std::string counted(std::size_t count, const std::string &noun) {
@@ -62,7 +64,11 @@ std::string counted(std::size_t count, const std::string &noun) {
 
 std::string quoted(const std::string &name) {
     constexpr std::size_t kLongest = 100;
-    return '"' + name.substr(0, kLongest) + (name.size() > kLongest ? "...\"" : "\"");
+    if (name.size() <= kLongest) return '"' + name + '"';
+    // Bytes 10xxxxxx continue a character, three of them at most.
+    std::size_t length = kLongest;
+    while (length > kLongest - 3 && (name[length] & 0xC0) == 0x80) --length;
+    return '"' + name.substr(0, length) + "...\"";
 }
 
 void addFault(Inspection &result, const KTFAULT &fault) {
