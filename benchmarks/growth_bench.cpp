@@ -6,6 +6,7 @@
 #include <keltra/camera.h>
 #include <keltra/foundation.h>
 #include <keltra/material.h>
+#include <keltra/mesh.h>
 #include <keltra/texture.h>
 #include <keltra/window.h>
 
@@ -250,6 +251,15 @@ void destroyTextureOfOneMaterial(benchmark::State &state) {
     }
 }
 
+void destroyMaterialOfOneMesh(benchmark::State &state) {
+    Objects<KTMESH> meshes(state);
+    for (auto _ : state) {
+        KTMATERIAL *material = new KTMATERIAL;
+        meshes.all.back()->setMaterial(material);
+        delete material;
+    }
+}
+
 void destroyTargets(benchmark::State &state) {
     for (auto _ : state) {
         state.PauseTiming();
@@ -289,6 +299,7 @@ BENCHMARK(destroyWindows)->Arg(100)->Arg(1000)->Arg(10000)->Arg(16000);
 GROWTH(destroyTextureBesideMaterials);
 GROWTH(destroyTextureOfOneMaterial);
 GROWTH(readTexturesOfMaterials);
+GROWTH(destroyMaterialOfOneMesh);
 GROWTH(destroyTargets);
 GROWTH(destroyNodesBesideCopies);
 

@@ -4,6 +4,7 @@
 
 #include "foundation/cold.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace keltra {
@@ -61,6 +62,41 @@ class Gone {
     const AddressTable *many = nullptr;
     std::uintptr_t lowest, span = 0;  // all lie within
     bool held;
+};
+
+// Objects that were made one after the other mostly lie at equal distances: while all of a list are visited,
+// the memory of those to come is asked for before their predecessors say where they are.
+class Ahead {
+   public:
+#if __SIZEOF_POINTER__ == 8
+    explicit Ahead(unsigned int objects) : areMany(objects > kCached) {}
+    // The visited object, and what of it is needed.
+    template <class... Parts>
+    void passes(const void *object, const Parts &...parts) {
+        if (!areMany) return;
+        const auto address = reinterpret_cast<std::uintptr_t>(object);
+        const std::uintptr_t further = (address - former) * kObjects;
+        former = address;
+        (ask(reinterpret_cast<std::uintptr_t>(&parts) + further, sizeof parts), ...);
+    }
+
+   private:
+    static constexpr std::uintptr_t kObjects = 12, kLine = 64;
+    static constexpr unsigned int kCached = 2000;  // what a cache holds comes fast enough
+    // Of no consequence where there is no memory. In line: GCC 12 takes a call of it for one without effect.
+    [[gnu::always_inline]] static void ask(std::uintptr_t begin, std::size_t size) {
+        for (std::uintptr_t at = begin; at < begin + size; at += kLine)
+            __builtin_prefetch(reinterpret_cast<const void *>(at), 1);
+        __builtin_prefetch(reinterpret_cast<const void *>(begin + size - 1), 1);
+    }
+    const bool areMany;
+    std::uintptr_t former = 0;
+#else
+    // A small machine has few of them.
+    explicit Ahead(unsigned int) {}
+    template <class... Parts>
+    void passes(const void *, const Parts &...) {}
+#endif
 };
 
 // A function that clears the pointers of one class to what is being destroyed. To be made at load time, as a

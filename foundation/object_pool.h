@@ -26,7 +26,7 @@ namespace keltra {
 class ObjectPool {
    public:
 #if KELTRA_OBJECT_POOL
-    static const unsigned int kFewest = 1024;  // objects of the class
+    static constexpr unsigned int kFewest = 1024;  // objects of the class
 
     // A block for one more object beside so many; null when it is to come from the C library.
     void *take(std::size_t size, unsigned int objects) {
@@ -42,7 +42,7 @@ class ObjectPool {
         unsigned int taken, chunks;
         Chunk *open;  // those with places left
     };
-    static const unsigned int kSizes = 4;  // derived classes differ in size
+    static constexpr unsigned int kSizes = 4;  // derived classes differ in size
 
     void *takePlace(std::size_t bytes);
     bool leavePlace(void *block, unsigned int objects);

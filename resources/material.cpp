@@ -34,8 +34,6 @@ const unsigned int KTMATERIAL::levels;
 KTMATERIAL *KTMATERIAL::firstMaterial = nullptr;
 KTMATERIAL *KTMATERIAL::currentMaterial = nullptr;
 KTLISTED<KTMATERIAL> *KTMATERIAL::allMaterials = nullptr;
-const keltra::OnGone<KTTEXTURE> KTMATERIAL::onTextureGone(&KTMATERIAL::forgetTexture);
-const keltra::OnGone<KTSHADER> KTMATERIAL::onShaderGone(&KTMATERIAL::forgetShader);
 
 namespace {
 
@@ -160,18 +158,6 @@ void KTMATERIAL::release() {
     if (currentMaterial == this) currentMaterial = nullptr;
     keltra::OnGone<KTMATERIAL>::notify({*this, isHeld()});
     delist();
-}
-
-void KTMATERIAL::forgetTexture(const keltra::Gone<KTTEXTURE> &gone) {
-    visitList(allMaterials, gone.mostVisited(), [gone](KTMATERIAL &material) {
-        for (KTTEXTURE *&slot : material.texture)
-            if (slot) gone.clear(slot);
-    });
-}
-
-void KTMATERIAL::forgetShader(const keltra::Gone<KTSHADER> &gone) {
-    visitList(allMaterials, gone.mostVisited(),
-              [&gone](KTMATERIAL &material) { gone.clear(material.shader); });
 }
 
 void KTMATERIAL::setShader(KTSHADER *value) {

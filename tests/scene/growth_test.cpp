@@ -141,6 +141,28 @@ TEST_F(GrowthTest, ResourcesBesideManyThatMayHoldThem) {
     destroyShuffled(materials);
 }
 
+// Wherever they lie, and in each of their slots.
+TEST_F(GrowthTest, ATextureAndAShaderOfThousandsOfMaterials) {
+    std::vector<KTMATERIAL> inARow(1000);
+    std::vector<KTMATERIAL *> materials = make<KTMATERIAL>(4000);
+    for (KTMATERIAL &material : inARow) materials.push_back(&material);
+    auto *const texture = new KTTEXTURE, *const other = new KTTEXTURE;
+    auto *const shader = new KTSHADER;
+    for (KTMATERIAL *material : materials) {
+        const unsigned int level = static_cast<unsigned int>(generator() % KTMATERIAL::levels);
+        material->setTexture(level, texture);
+        material->setTexture((level + 1) % KTMATERIAL::levels, other);
+        material->setShader(shader);
+    }
+    delete texture;
+    delete shader;
+    for (const KTMATERIAL *material : materials) {
+        ASSERT_EQ(std::count(material->texture, material->texture + KTMATERIAL::levels, nullptr), 15);
+        ASSERT_EQ(std::count(material->texture, material->texture + KTMATERIAL::levels, other), 1);
+        ASSERT_EQ(material->shader, nullptr);
+    }
+}
+
 // The application may write to public fields, of which the engine learns when it draws.
 TEST_F(GrowthTest, FieldsWrittenByTheApplicationAreClearedAmongManyOthers) {
     KTMATERIAL painted;
