@@ -8,7 +8,7 @@ using namespace keltra::fuzz;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     begin();
     KTTEXTURE *screen = new KTTEXTURE;
-    const unsigned int side = size % 2 ? 512 : 32;
+    const unsigned int side = isChosen(16, data, size) ? 512 : 32;  // all of its mipmaps are made
     screen->create(side, side, 3);
     KTVIDEO *film = new KTVIDEO;
     film->setTexture(screen);

@@ -37,14 +37,27 @@ class Bytes {
     const std::uint8_t *cursor, *end;
 };
 
-/// The path of a file in memory with these bytes, good until the next call for the same slot.
+/// The path of a file in memory that the engine can read. The bytes stay the caller's, and the path is good
+/// until the next call for the same slot.
 const char *fileOf(const std::uint8_t *data, std::size_t size, unsigned slot = 0);
+/// The path of a file that the engine can write.
+const char *fileToWrite();
+
+/// Names in the current folder are those of no files meanwhile.
+void setExecuting(bool executing);
 
 /// Before each input: starts the engine unless it runs.
 void begin();
+/// Its first part: takes the time.
+void beginTime();
+/// Whether an input is one of so many that something costly is done with, by a hash of its bytes. When inputs
+/// are replayed, all are.
+bool isChosen(unsigned oneOf, const std::uint8_t *data, std::size_t size);
 /// After each: destroys everything and looks whether anything is left. `size` is the input's: work that takes
 /// longer than it may for so many bytes is a failure.
 void finish(std::size_t size);
+/// The last part of `finish`: looks whether the work took too long.
+void finishTime(std::size_t size);
 /// Stops the engine and starts it again.
 void restart();
 

@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Bytes bytes(data, size);
     for (int i = 0; i < kMostCalls && !bytes.isAtEnd(); ++i) call(bytes);
     checkLists();
-    if (size % 16 == 1) restart();  // takes as long as some fifty calls
+    if (isChosen(16, data, size)) restart();  // takes as long as some fifty calls
     finish(size);
     return 0;
 }

@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     require(isRead || save.getSize() == 0, "a file that is refused changes nothing");
     Bytes bytes(data, size);
     use(save, bytes);
-    if (size % 64 == 0) {
+    if (isChosen(64, data, size)) {
         const std::string path = "/dev/shm/keltra-fuzz-save-" + std::to_string(getpid());
         KTSAVE again;
         require(save.write(path.c_str()) && again.read(path.c_str()), "KTSAVE::write");
