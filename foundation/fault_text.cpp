@@ -72,29 +72,18 @@ const char *unpacked(std::size_t number) {
 // Writes what fits, and counts everything.
 class Sentence {
    public:
-    Sentence(char *text, std::size_t size) : target(text), size(size) {}
+    Sentence(const KTFAULT &fault, char *text, std::size_t size) : fault(fault), target(text), size(size) {}
 
-    [[gnu::noinline]] void add(const char *piece) {
-        for (; *piece; ++piece)
-            if (++length < size)
-                target[length - 1] = static_cast<unsigned char>(*piece) < ' ' || *piece == 127 ? '?' : *piece;
-    }
-    [[gnu::noinline]] void add(const char *before, long number) {
-        char digits[24];
-        std::snprintf(digits, sizeof digits, "%ld", number);
-        add(before);
-        add(digits);
-    }
-    // The texts of the fault are in the places of $f, $g and $e. What is in brackets is left out when its
-    // first one is empty.
-    void addPattern(const char *pattern, const KTFAULT &fault) {
-        for (char letter[2] = {}; (*letter = *pattern); ++pattern) {
-            if (*letter == '[') {
-                const char *const first = std::strchr(pattern, '$') + 1;
-                if (!*textOf(*first, fault)) pattern = std::strchr(pattern, ']');
-            } else if (*letter == '$') {
-                add(textOf(*++pattern, fault));
-            } else if (*letter != ']') {
+    // The parts of the fault are in the places of $c, $f and so on. What is in brackets is left out when the
+    // part whose letter follows the bracket is empty.
+    void addPattern(const char *pattern) {
+        for (; const char letter = *pattern; ++pattern) {
+            if (letter == '[') {
+                if (!*part(*++pattern)) pattern = std::strchr(pattern, ']');
+            } else if (letter == '$') {
+                for (const char *c = part(*++pattern); *c; ++c)
+                    add(static_cast<unsigned char>(*c) < ' ' || *c == 127 ? '?' : *c);
+            } else if (letter != ']') {
                 add(letter);
             }
         }
@@ -105,13 +94,31 @@ class Sentence {
     }
 
    private:
-    static const char *textOf(char letter, const KTFAULT &fault) {
-        return letter == 'f' ? fault.field : letter == 'g' ? fault.found : fault.expected;
+    void add(char c) {
+        if (++length < size) target[length - 1] = c;
+    }
+    // Good until the next one.
+    const char *part(char letter) {
+        if (letter == 'c') return fault.call ? fault.call : "";
+        if (letter == 'e') return fault.expected;
+        if (letter == 'f') return fault.field;
+        if (letter == 'g') return fault.found;
+        if (letter == 'n') return fault.neededBy;
+        if (letter == 'p') return fault.file;
+        const unsigned int line = letter == 'm' ? fault.neededByLine : fault.line;
+        long number = static_cast<long>(line);
+        if (letter == 'b') number = line ? 0 : fault.byte + 1;
+        if (!kFaultTexts && letter == 'k') number = fault.code;
+        *digits = '\0';
+        if (number > 0) std::snprintf(digits, sizeof digits, "%ld", number - (letter == 'b'));
+        return digits;
     }
 
+    const KTFAULT &fault;
     char *const target;
     const std::size_t size;
     std::size_t length = 0;
+    char digits[24];
 };
 
 }  // namespace
@@ -150,29 +157,14 @@ void writeFaultText(char (&target)[96], FaultText text, ...) {
 const char *faultCallName(FaultCall call) { return unpacked(static_cast<std::size_t>(call)); }
 
 unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size) {
-    Sentence sentence(text, size);
-    if (fault.call && *fault.call) {
-        sentence.add(fault.call);
-        sentence.add(": ");
-    }
-    sentence.add(fault.file);
-    const bool hasPlace = fault.line || fault.byte >= 0;
-    if (hasPlace) {
-        if (*fault.file) sentence.add(", ");
-        fault.line ? sentence.add("line ", static_cast<long>(fault.line)) : sentence.add("byte ", fault.byte);
-    }
-    if (*fault.neededBy) {
-        sentence.add(" (needed by ");
-        sentence.add(fault.neededBy);
-        if (fault.neededByLine) sentence.add(", line ", static_cast<long>(fault.neededByLine));
-        sentence.add(")");
-    }
-    if (*fault.file || hasPlace) sentence.add(": ");
-    if (!kFaultTexts) {
-        sentence.add("fault ", fault.code);
-        sentence.addPattern("[: $g]", fault);
-    } else if (fault.code <= KT_FAULT_START) {
-        sentence.addPattern(unpacked(kCalls + fault.code), fault);
+    Sentence sentence(fault, text, size);
+    const unsigned int place = *fault.file ? kPlaceInFile : kPlace;
+    if (kFaultTexts) {
+        sentence.addPattern(unpacked(kCalls + place));
+        if (fault.code <= KT_FAULT_START) sentence.addPattern(unpacked(kCalls + fault.code));
+    } else {
+        sentence.addPattern(kFaultTextList[place]);
+        sentence.addPattern("fault $k[g: $g]");
     }
     return static_cast<unsigned int>(sentence.end());
 }

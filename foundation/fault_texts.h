@@ -142,15 +142,18 @@ constexpr const char *const kFaultCalls[] = {"",
 
 // First the sentences of the codes, by number; see Sentence::addPattern. Then texts for field, found and
 // expected, of less than 96 characters. Some are patterns of printf.
+constexpr unsigned int kPlace = 6, kPlaceInFile = 7;  // what stands before the sentence of the code
 constexpr const char *const kFaultTextList[] = {
-    "", "`$f` is null", "`$f` is $g[, expected $e]", "$g", "$f[, $e at most]: full", "out of memory", "", "",
-    "", "", "the file name is empty or too long", "the file does not exist",
+    "", "`$f` is null", "`$f` is $g[e, expected $e]", "$g", "$f[e, $e at most]: full", "out of memory",
+    "[c$c: ][lline $l: ][bbyte $b: ]",
+    "[c$c: ]$p[l, line $l][b, byte $b][n (needed by $n][m, line $m][n)]: ", "", "",
+    "the file name is empty or too long", "the file does not exist",
     "the file cannot be opened: no permission, or it is locked", "not a regular file", "the file is empty",
-    "the file is too large[: $e at most]", "the file cannot be read to its end", "the file cannot be written",
-    "", "", "[$f: ]$e[ (found $g)]", "`$g`: unknown $f[; did you mean `$e`?]", "[`$f`: ]$e is missing",
-    "`$f`: found `$g`[, expected $e]", "`$g` is there again: the first one counts",
-    "`$g`: the line cannot be read[, expected $e]", "$f: $g[, $e]", "", "", "", "no display[: $g]",
-    "the step `$f` of start-up failed[: $g]",
+    "the file is too large[e: $e at most]", "the file cannot be read to its end",
+    "the file cannot be written", "", "", "[f$f: ]$e[g (found $g)]",
+    "`$g`: unknown $f[e; did you mean `$e`?]", "[f`$f`: ]$e is missing", "`$f`: found `$g`[e, expected $e]",
+    "`$g` is there again: the first one counts", "`$g`: the line cannot be read[e, expected $e]",
+    "$f: $g[e, $e]", "", "", "", "no display[g: $g]", "the step `$f` of start-up failed[g: $g]",
     // The others.
     "%ld bytes", "%ld to %ld", "0 or 1", "0 or more", "0 to %ld", "1 to %ld", "3 to 6", "GL state", "SDL",
     "SDL_SetVideoMode", "`=`", "a blend factor of that side", "a fault handler is running",
