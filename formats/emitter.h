@@ -6,6 +6,7 @@
 
 #include "formats/blend_factor.h"
 #include "formats/xml_value.h"
+#include "foundation/hidden.h"
 
 #include <cstddef>
 
@@ -46,7 +47,7 @@ enum EmitterKey {
 };
 constexpr std::size_t kEmitterSettingCount = 19;
 // By the key.
-extern const EmitterSetting kEmitterSettings[kEmitterSettingCount];
+KT_HIDDEN extern const EmitterSetting kEmitterSettings[kEmitterSettingCount];
 
 // Null for another name.
 const EmitterSetting *findEmitterSetting(const char *name);

@@ -6,6 +6,7 @@
 
 #include "formats/fault.h"
 #include "formats/xml_value.h"
+#include "foundation/hidden.h"
 
 #include <cstddef>
 
@@ -17,7 +18,7 @@ namespace keltra {
 
 enum GuiObject { kGuiWindow, kGuiButton, kGuiText, kGuiLabel, kGuiBox, kGuiVSlider, kGuiHSlider, kGuiFont };
 constexpr int kGuiObjectCount = 8;
-extern const char *const kGuiObjectNames[kGuiObjectCount];
+KT_HIDDEN extern const char *const kGuiObjectNames[kGuiObjectCount];
 
 enum GuiPropertyName {
     kGuiName,
@@ -38,10 +39,10 @@ struct GuiProperty {
     XmlValue kind;
     XmlNames attributes;  // without all of them it is skipped
 };
-extern const GuiProperty kGuiProperties[kGuiPropertyCount];
+KT_HIDDEN extern const GuiProperty kGuiProperties[kGuiPropertyCount];
 
 constexpr int kGuiKindCount = 3;
-extern const char *const kGuiKinds[kGuiKindCount];
+KT_HIDDEN extern const char *const kGuiKinds[kGuiKindCount];
 
 // Index of the name; -1 for another one.
 int guiObject(const char *element);

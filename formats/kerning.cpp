@@ -3,6 +3,7 @@
 
 #include "formats/limits.h"
 #include "formats/plain_integer.h"
+#include "foundation/quiet.h"
 
 #include <algorithm>
 #include <climits>
@@ -116,10 +117,7 @@ bool readKernings(const vnfParser &text, KerningValues &values) {
     if (lines.position == lines.size) return true;
     char line[kLineSize];
     while (vnfReadLine(&lines, line)) {
-        char *kept = line;
-        for (const char *read = line; *read; ++read)
-            if (static_cast<unsigned char>(*read) > ' ' || (*read != ' ' && *read != '\t')) *kept++ = *read;
-        *kept = '\0';
+        squeezeLine(line);
         takeLine(values, line);
     }
     return false;

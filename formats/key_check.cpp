@@ -4,10 +4,9 @@
 #include "formats/fault.h"
 #include "formats/kerning.h"
 #include "formats/limits.h"
-#include "formats/plain_integer.h"
 #include "formats/settings.h"
+#include "foundation/quiet.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -16,181 +15,174 @@ namespace keltra {
 
 namespace {
 
-constexpr char kSettingsPrefix[] = "KELTRA_";
+// Settings' keys begin like it.
+constexpr std::size_t kSettingsPrefixLength = sizeof "KELTRA_" - 1;
 constexpr std::size_t kKerningPrefixLength = sizeof kKerningPrefix - 1;
 
-// The lines of the text as its readers see them, one by one, without blanks and tabs, and the warnings about
-// them, worded alike for all keys.
-class KeyLines {
+// The lines of a text, one by one, and the warnings about them, worded alike for all keys.
+class KeyCheck {
    public:
-    explicit KeyLines(const vnfParser &text) : parser(text), line(0) { parser.position = 0; }
+    KeyCheck(const vnfParser &lines, bool isKerning)
+        : parser(lines), line(0), isKerning(isKerning), most(isKerning ? SCHAR_MAX : INT_MAX), met() {
+        parser.position = 0;
+    }
 
+    void run();
+
+   private:
     // Moves to the next line that is not empty, and warns when it is cut; false at the end.
     bool next();
+    // The end of the key in `text`; null without one.
+    char *endOfKey();
+    // Of what stands before it; `count()` for another name.
+    unsigned int keyBefore(const char *end) const;
+    unsigned int count() const { return isKerning ? kKerningKeys : unsigned{kSettingsKeyCount}; }
+    void offerTo(NearestName &nearest, const char *end);
+    // Of a key that is not met yet.
+    void value(unsigned int key, const char *given) const;
+    void note(unsigned int key);
 
-    void unknown(const char *word, const char *nearest) const {
-        tell(unknownName(KT_TEXT("key"), nullptr, word, nearest));
+    bool isPrefixed() const {
+        return std::strncmp(text, kKerningPrefix, isKerning ? kKerningPrefixLength : kSettingsPrefixLength) ==
+               0;
     }
-    void tell(KT_FAULT_CODE code, const char *key, const char *found, FaultText expected, long least = 0,
-              long most = 0) const {
+    void tell(KT_FAULT_CODE code, const char *key, const char *found, FaultText expected) const {
         KTFAULT &fault = newFault(code);
         setFaultText(fault.field, key);
         setFaultText(fault.found, found);
-        writeFaultText(fault.expected, expected, least, most);
+        writeFaultText(fault.expected, expected, -most - 1, most);
         tell(fault);
     }
-    void repeated(const char *word) const { tell(KT_FAULT_REPEATED, "", word, {}); }
-    void unread() const { tell(KT_FAULT_LINE, "", text, KT_TEXT("a key, `=` and a value")); }
-    // True for an integer within the range; otherwise warns.
-    bool integer(const char *key, const char *found, long least, long most) const {
-        const FaultText flaw = integerFlaw(found, least, most);
-        if (flaw == FaultText()) return true;
-        tell(KT_FAULT_VALUE, key, found, flaw, least, most);
-        return false;
-    }
-
-    char text[kLineSize];
-    std::size_t firstWord;  // characters before the first blank
-    bool lostBlanks;        // there were some between the first and the last quote
-
-   private:
     void tell(KTFAULT &fault) const {
         fault.line = line;
         warnFault({}, fault);
     }
+    void unread() const { tell(KT_FAULT_LINE, "", text, KT_TEXT("a key, `=` and a value")); }
 
     vnfParser parser;
     unsigned int line;
+    const bool isKerning;
+    const long most;  // of an integer
+    char text[kLineSize];  // the line as its readers see it, without blanks and tabs
+    char raw[kLineSize];
+    bool met[kKerningKeys];
+    char keys[1 + kKerningKeys - kKerningCharacters][kKerningKeySize];  // those that were offered
 };
 
-bool KeyLines::next() {
-    char raw[kLineSize];
+[[gnu::noinline]] bool KeyCheck::next() {
     do {
         const std::int32_t begin = parser.position;
         if (!vnfReadLine(&parser, raw)) return false;
         ++line;
-        std::int32_t end = std::min(parser.position, parser.size);
-        if (end > begin && (parser.buffer[end - 1] == '\n' || parser.buffer[end - 1] == '\r')) --end;
-        bool isQuoted = false, hasBlank = false;  // since the first quote
-        lostBlanks = false;
-        firstWord = 0;
-        char *kept = text;
-        for (const char *c = raw; *c; ++c) {
-            if (static_cast<unsigned char>(*c) > ' ' && *c != '"') {  // most are
-                *kept++ = *c;
-                continue;
-            }
-            const bool isBlank = *c == ' ' || *c == '\t';
-            if (isBlank && firstWord == 0) firstWord = static_cast<std::size_t>(kept - text);
-            hasBlank = hasBlank || (isBlank && isQuoted);
-            if (*c == '"') {
-                isQuoted = true;
-                lostBlanks = hasBlank;
-            }
-            if (!isBlank && *c != '\r') *kept++ = *c;
-        }
-        *kept = '\0';
-        if (firstWord == 0) firstWord = static_cast<std::size_t>(kept - text);
-        if (firstWord == 0 || end - begin < static_cast<std::int32_t>(kLineSize)) continue;
+        raw[std::strcspn(raw, "\r")] = '\0';
+        squeezeLine(std::strcpy(text, raw));
+        const bool isLast = parser.position > parser.size;  // without the end of a line
+        if (!*text || parser.position - begin - isLast <= static_cast<std::int32_t>(kLineSize)) continue;
         tell(beyondLimit(KT_TEXT("line"), KT_TEXT("longer than 255 characters"), 0,
                          KT_TEXT("the rest is not read")));
-    } while (firstWord == 0);
+    } while (!*text);
     return true;
 }
 
-bool isWordPart(char c) {
-    return c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+[[gnu::noinline]] char *KeyCheck::endOfKey() {
+    if (isKerning) {
+        char *const equals = std::strchr(text, '=');
+        // The key of that character.
+        return equals + (equals == text + kKerningPrefixLength && equals[1] == '=' && isPrefixed());
+    }
+    const char *word = raw;
+    while (*word == ' ' || *word == '\t') ++word;
+    char *end = text;
+    for (;; ++end, ++word) {
+        const unsigned int c = static_cast<unsigned char>(*word);
+        if (c != '_' && c - '0' > 9 && (c | 32) - 'a' > 25) return end;
+    }
 }
 
-void checkSetting(const KeyLines &line, const SettingKey &key, const char *rest, bool isMet) {
-    if (isMet) return line.repeated(key.name);
-    if (*rest != '=') return line.tell(KT_FAULT_MISSING, key.name, "", KT_TEXT("`=`"));
-    const char *value = rest + 1;
-    FaultText flaw = {};
-    if (key.kind == SettingKind::kText) {
-        const std::size_t length = std::strlen(value);
-        if (length < 2 || value[0] != '"' || value[length - 1] != '"')
-            flaw = KT_TEXT("a text between two quotes");
-        else if (line.lostBlanks)
-            flaw = KT_TEXT("a text without blanks: they are lost");
-    } else if (line.integer(key.name, value, INT_MIN, INT_MAX) && key.kind == SettingKind::kBoolean) {
-        const long number = std::strtol(value, nullptr, 10);
-        if (number != 0 && (number & 0xff) == 0) flaw = KT_TEXT("0 or 1");
+[[gnu::noinline]] unsigned int KeyCheck::keyBefore(const char *end) const {
+    unsigned int key = 0;
+    if (!isKerning) {
+        while (key < kSettingsKeyCount && std::strcmp(kSettingsKeys[key].name, text) != 0) ++key;
+        return key;
     }
-    if (flaw != FaultText()) line.tell(KT_FAULT_VALUE, key.name, value, flaw);
-}
-
-// The key of `length` characters at `name`, behind the prefix; kKerningKeys for none.
-unsigned int kerningKeyOf(const char *name, std::size_t length) {
-    const unsigned int character = static_cast<unsigned char>(*name) - unsigned{' '};
-    if (length == 1 && character < kKerningCharacters) return character;
-    unsigned int key = kKerningCharacters;
-    for (const char *named : kKerningNames) {
-        if (std::strlen(named) == length && std::memcmp(name, named, length) == 0) break;
-        ++key;
-    }
+    if (!isPrefixed()) return kKerningKeys;
+    const char *const name = text + kKerningPrefixLength;
+    key = static_cast<unsigned char>(*name) - unsigned{' '};
+    if (end == name + 1 && key < kKerningCharacters) return key;
+    key = kKerningCharacters;
+    while (key < kKerningKeys && std::strcmp(name, kKerningNames[key - kKerningCharacters]) != 0) ++key;
     return key;
 }
 
-void checkKerningLine(KeyLines &line, bool (&met)[kKerningKeys]) {
-    char *const equals = std::strchr(line.text, '=');
-    if (!equals) return line.unread();
-    const bool isPrefixed = std::strncmp(line.text, kKerningPrefix, kKerningPrefixLength) == 0;
-    char *const name = line.text + kKerningPrefixLength;
-    if (isPrefixed) {
-        char *const end = equals + (equals == name && equals[1] == '=');  // the key of that character
-        const unsigned int key = kerningKeyOf(name, static_cast<std::size_t>(end - name));
-        if (key < kKerningKeys) {
-            *end = '\0';
-            if (met[key]) return line.repeated(line.text);
-            met[key] = true;
-            line.integer(line.text, end + 1, SCHAR_MIN, SCHAR_MAX);
-            return;
-        }
-    }
-    *equals = '\0';
-    NearestName nearest(line.text);
+[[gnu::noinline]] void KeyCheck::offerTo(NearestName &nearest, const char *end) {
+    if (!isKerning) return nearest.offerAll(kSettingsKeys, kSettingsKeyCount);
     // The last character is the one that the key is for.
-    const unsigned int last = static_cast<unsigned char>(*line.text ? equals[-1] : ' ') - unsigned{' '};
-    char keys[1 + kKerningKeys - kKerningCharacters][kKerningKeySize];
+    const unsigned int last = static_cast<unsigned char>(*text ? end[-1] : ' ') - unsigned{' '};
     for (unsigned int i = 0; i < sizeof keys / sizeof *keys; ++i)
         if (i > 0 || last < kKerningCharacters)
             nearest.offer(kerningKey(i ? kKerningKeys - i : last, keys[i]));
-    if (isPrefixed || *nearest.name()) return line.unknown(line.text, nearest.name());
-    *equals = '=';
-    line.unread();
+}
+
+[[gnu::noinline]] void KeyCheck::value(unsigned int key, const char *given) const {
+    const SettingKind kind = isKerning ? SettingKind::kInteger : kSettingsKeys[key].kind;
+    FaultText flaw = {};
+    if (kind == SettingKind::kText) {
+        const std::size_t length = std::strlen(given);
+        const char *const quote = std::strchr(raw, '"');
+        if (length < 2 || given[0] != '"' || given[length - 1] != '"')
+            flaw = KT_TEXT("a text between two quotes");
+        else if (quote + std::strcspn(quote, " \t") < std::strrchr(quote, '"'))
+            flaw = KT_TEXT("a text without blanks: they are lost");
+    } else {
+        flaw = integerFlaw(given, -most - 1, most);
+        if (flaw == FaultText() && kind == SettingKind::kBoolean) {
+            const long number = std::strtol(given, nullptr, 10);
+            if (number != 0 && (number & 0xff) == 0) flaw = KT_TEXT("0 or 1");
+        }
+    }
+    if (flaw != FaultText()) tell(KT_FAULT_VALUE, text, given, flaw);
+}
+
+[[gnu::noinline]] void KeyCheck::note(unsigned int key) {
+    if (isKerning && key < kKerningKeys) met[key] = true;
+    // A key of settings counts anywhere in a line.
+    for (unsigned int i = 0; !isKerning && i < kSettingsKeyCount; ++i)
+        met[i] = met[i] || std::strstr(text, kSettingsKeys[i].name);
+}
+
+void KeyCheck::run() {
+    while (next()) {
+        char *const end = endOfKey();
+        if (!end) {
+            unread();
+            continue;
+        }
+        const char separator = *end;
+        *end = '\0';
+        const unsigned int key = keyBefore(end);
+        if (key < count()) {
+            if (met[key])
+                tell(KT_FAULT_REPEATED, "", text, {});
+            else if (separator != '=')
+                tell(KT_FAULT_MISSING, text, "", KT_TEXT("`=`"));
+            else
+                value(key, end + 1);
+            *end = separator;
+        } else {
+            NearestName nearest(text);
+            offerTo(nearest, end);
+            const bool isKnown = isPrefixed() || *nearest.name();
+            if (isKnown) tell(unknownName(KT_TEXT("key"), nullptr, text, nearest.name()));
+            const bool isOther = !isKerning && *text && separator == '=';
+            *end = separator;
+            if (!isKnown && !isOther) unread();
+        }
+        note(key);
+    }
 }
 
 }  // namespace
 
-void checkSettings(const vnfParser &text) {
-    bool met[kSettingsKeyCount] = {};
-    for (KeyLines line(text); line.next();) {
-        char word[kLineSize];
-        std::size_t length = 0;
-        for (; length < line.firstWord && isWordPart(line.text[length]); ++length)
-            word[length] = line.text[length];
-        word[length] = '\0';
-        const char *rest = line.text + length;
-        std::size_t key = 0;
-        while (key < kSettingsKeyCount && std::strcmp(kSettingsKeys[key].name, word) != 0) ++key;
-        NearestName nearest(word);
-        if (key == kSettingsKeyCount) nearest.offerAll(kSettingsKeys, kSettingsKeyCount);
-        if (key < kSettingsKeyCount)
-            checkSetting(line, kSettingsKeys[key], rest, met[key]);
-        else if (*nearest.name() || std::strncmp(word, kSettingsPrefix, sizeof kSettingsPrefix - 1) == 0)
-            line.unknown(word, nearest.name());
-        else if (length == 0 || *rest != '=')
-            line.unread();
-        // A key counts anywhere in a line.
-        for (std::size_t i = 0; i < kSettingsKeyCount; ++i)
-            met[i] = met[i] || std::strstr(line.text, kSettingsKeys[i].name);
-    }
-}
-
-void checkKerning(const vnfParser &text) {
-    bool met[kKerningKeys] = {};
-    for (KeyLines line(text); line.next();) checkKerningLine(line, met);
-}
+void checkKeys(const vnfParser &text, bool isKerning) { KeyCheck(text, isKerning).run(); }
 
 }  // namespace keltra

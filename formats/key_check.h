@@ -9,9 +9,11 @@
 
 namespace keltra {
 
+void checkKeys(const vnfParser &text, bool isKerning);
+
 // Keys that do not begin like the engine's belong to another program.
-void checkSettings(const vnfParser &text);
-void checkKerning(const vnfParser &text);
+inline void checkSettings(const vnfParser &text) { checkKeys(text, false); }
+inline void checkKerning(const vnfParser &text) { checkKeys(text, true); }
 
 }  // namespace keltra
 

@@ -8,6 +8,8 @@
 
 #include <cstddef>
 
+#include "foundation/hidden.h"
+
 namespace keltra {
 
 constexpr char kSettingsComment = '#';
@@ -20,7 +22,7 @@ struct SettingKey {
 };
 
 constexpr std::size_t kSettingsKeyCount = 25;
-extern const SettingKey kSettingsKeys[kSettingsKeyCount];
+KT_HIDDEN extern const SettingKey kSettingsKeys[kSettingsKeyCount];
 
 // Look a key up in a text without comments; false when it is not there. A text (of 256 characters) without
 // its two quotes counts as missing, although its raw rest has been written: deliberate, it is what

@@ -64,19 +64,12 @@ bool readLine(const vnfParser &parser, std::int32_t &position, char *line) {
     return true;
 }
 
-void squeeze(char *line) {
-    char *kept = line;
-    for (const char *read = line; *read; ++read)
-        if (*read != ' ' && *read != '\t') *kept++ = *read;
-    *kept = '\0';
-}
-
 // Looks the key up from the beginning of the text. Returns the value text inside `line`, null without the
 // key.
 const char *findValue(const vnfParser &parser, const char *key, char (&line)[kLineSize]) {
     std::int32_t cursor = 0;
     while (readLine(parser, cursor, line)) {
-        squeeze(line);
+        keltra::squeezeLine(line);
         const char *match = std::strstr(line, key);
         if (!match) continue;
         const char *separator = match + std::strlen(key);
@@ -91,6 +84,13 @@ int toInt(const char *text) {
 }
 
 }  // namespace
+
+void keltra::squeezeLine(char *line) {
+    char *kept = line;
+    for (const char *read = line; *read; ++read)
+        if (static_cast<unsigned char>(*read) > ' ' || (*read != ' ' && *read != '\t')) *kept++ = *read;
+    *kept = '\0';
+}
 
 KT_FAULT_CODE keltra::readParser(vnfParser &parser, const char *path) {
     std::int64_t size = 0;

@@ -20,6 +20,7 @@ bool returnTimer(int timer);        // vnfFreeTimer
 
 constexpr long kLargestText = INT32_MAX - 2;  // the position may end two bytes past the contents
 KT_FAULT_CODE readParser(vnfParser &parser, const char *path);  // vnfOpenParser
+void squeezeLine(char *line);                                   // leaves blanks and tabs out, as parsers do
 
 }  // namespace keltra
 
