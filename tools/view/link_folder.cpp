@@ -18,7 +18,10 @@ constexpr std::size_t kLongestPrefix = 200;  // leaves room for names within the
 LinkFolder::LinkFolder() {
     std::error_code error;
     const fs::path above = fs::temp_directory_path(error);
-    if (error) throw failure("temporary folder", error.message());
+    if (error) {
+        const char *named = getenv("TMPDIR");
+        throw failure(named ? named : "temporary folder", error.message());
+    }
     std::string pattern = (above / "keltra-view-XXXXXX").string();
     if (pattern.size() > kLongestPrefix)
         throw failure(above.string(), "the path of the temporary folder is too long");

@@ -25,5 +25,12 @@ TEST(GlCalls, CountsThoseOfTheProgramAndOfTheEngine) {
     KTOPENGL::blendingOff();
     EXPECT_FALSE(glIsEnabled(GL_BLEND));
 
+    const unsigned long floats = glCallsMade();
+    glAlphaFunc(GL_GREATER, 0.5f);
+    EXPECT_EQ(glCallsMade(), floats + 1) << "the calls with floats, too";
+    GLfloat reference = 0.0f;
+    glGetFloatv(GL_ALPHA_TEST_REF, &reference);
+    EXPECT_NEAR(reference, 0.5f, 0.01f) << "they reach the driver";
+
     KELTRA::free();
 }

@@ -2,6 +2,7 @@
 #include "tools/view/link_folder.h"
 
 #include "tests/support/temp_file.h"
+#include "tests/support/unprivileged.h"
 #include "tools/view/failure.h"
 
 #include <gtest/gtest.h>
@@ -94,5 +95,25 @@ TEST(LinkFolder, NeedsATemporaryFolderOfBearableLength) {
 
 TEST(LinkFolder, WithoutATemporaryFolderThereIsNone) {
     const TempDirectory here("/nowhere/at/all");
-    EXPECT_THROW(LinkFolder(), Failure);
+    try {
+        LinkFolder links;
+        ADD_FAILURE() << "it was made in " << links.prefix();
+    } catch (const Failure &fault) {
+        EXPECT_EQ(std::string(fault.what()).find("/nowhere/at/all: "), 0u) << fault.what();
+    }
+}
+
+TEST(LinkFolder, SaysThatItCannotBeMade) {
+    TempFolder folder;
+    fs::permissions(folder.prefix(), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read |
+                                         fs::perms::others_exec);
+    const TempDirectory here(folder.path(""));
+    const Unprivileged unprivileged;
+    try {
+        LinkFolder links;
+        ADD_FAILURE() << "it was made in " << links.prefix();
+    } catch (const Failure &fault) {
+        EXPECT_NE(std::string(fault.what()).find("no temporary folder can be made there"), std::string::npos)
+            << fault.what();
+    }
 }

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
@@ -50,6 +51,7 @@ class Program : public ::testing::Test {
         list.push_back(nullptr);
         const pid_t child = fork();
         if (child == 0) {
+            if (chdir(from.c_str()) != 0) _exit(127);
             const int out = open(folder.path("out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
             const int err = open(folder.path("err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
             dup2(out, 1);
@@ -83,6 +85,7 @@ class Program : public ::testing::Test {
     }
 
     TempFolder folder;
+    std::string from = ".";  // the folder that the program is started in
 };
 
 // The environment names no display meanwhile.
@@ -154,6 +157,55 @@ TEST_F(Program, ConvertsAModel) {
     const Ended run = view({model, "--frames", "2", "--shot", folder.path("tri.png")});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(loadPng(folder.path("tri.png")).width, 240);
+}
+
+TEST_F(Program, WithoutANumberOfFramesThePictureIsTheTwentyFifth) {
+    const std::string model = kData + "figure.kte", clip = kData + "figure_walk.kta";
+    ASSERT_EQ(view({model, "--clip", clip, "--shot", folder.path("default.png")}).status, 0);
+    ASSERT_EQ(view({model, "--clip", clip, "--frames", "25", "--shot", folder.path("25.png")}).status, 0);
+    ASSERT_EQ(view({model, "--clip", clip, "--frames", "12", "--shot", folder.path("12.png")}).status, 0);
+    EXPECT_EQ(readFile(folder.path("default.png")), readFile(folder.path("25.png")));
+    EXPECT_NE(readFile(folder.path("default.png")), readFile(folder.path("12.png")));
+}
+
+TEST_F(Program, TakesPathsFromTheFolderThatItIsStartedIn) {
+    from = folder.path("models");
+    fs::create_directory(from);
+    fs::copy_file(kData + "figure.kte", from + "/figure.kte");
+    fs::copy_file(kData + "figure_figure_d.tga", from + "/figure_figure_d.tga");
+    fs::copy_file(kData + "figure_walk.kta", folder.path("walk.kta"));
+    const Ended run = view({"figure.kte", "--clip", "../walk.kta", "--frames", "3", "--shot", "a.png"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.err, "") << "the texture is found";
+    EXPECT_GT(colorsOf(loadPng(from + "/a.png")), 100);
+}
+
+TEST_F(Program, PrintsWhatTheEngineGoesOnWithout) {
+    const std::string model = folder.path("figure.kte");
+    fs::copy_file(kData + "figure.kte", model);  // and no texture
+    const Ended run = view({model, "--frames", "2", "--shot", folder.path("a.png")});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err.find("keltra-view: "), 0u) << run.err;
+    EXPECT_NE(run.err.find("figure_figure_d.tga"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("the file does not exist"), std::string::npos) << run.err;
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+    EXPECT_EQ(loadPng(folder.path("a.png")).width, 240);
+}
+
+TEST_F(Program, NeedsATemporaryFolder) {
+    setenv("TMPDIR", folder.path("none").c_str(), 1);
+    const Ended run = view({kData + "figure.kte", "--frames", "1"});
+    expectRefused(run, folder.path("none"));
+}
+
+TEST_F(Program, RefusesWhatIsNotAFile) {
+    fs::create_directory(folder.path("folder.kte"));
+    expectRefused(view({folder.path("folder.kte"), "--frames", "1"}),
+                  folder.path("folder.kte") + ": is a folder");
+    ASSERT_EQ(mkfifo(folder.path("pipe.kte").c_str(), 0600), 0);
+    expectRefused(view({folder.path("pipe.kte"), "--frames", "1"}),
+                  folder.path("pipe.kte") + ": is not a regular file");
+    expectRefused(view({"", "--frames", "1"}), ": No such file");
 }
 
 TEST_F(Program, RefusesWhatItCannotShow) {

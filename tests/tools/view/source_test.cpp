@@ -2,6 +2,7 @@
 #include "tools/view/source.h"
 
 #include "tests/support/temp_file.h"
+#include "tests/support/unprivileged.h"
 #include "tools/view/failure.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 namespace fs = std::filesystem;
 using keltra::test::readFile;
 using keltra::test::TempFolder;
+using keltra::test::Unprivileged;
 using namespace keltra::view;
 
 namespace {
@@ -102,6 +104,19 @@ TEST(Source, SaysWhatCannotBeOpened) {
     const std::string scene = folder.write("fox.kte", "scene");
     EXPECT_EQ(reasonOf(scene, {folder.path("no.kta")}),
               folder.path("no.kta") + ": No such file or directory");
+}
+
+TEST(Source, AFileWithoutPermissionIsAFailure) {
+    TempFolder folder;
+    const std::string scene = folder.write("fox.kte", "scene");
+    fs::permissions(folder.prefix(), fs::perms::all);
+    fs::permissions(scene, fs::perms::none);
+    const Unprivileged unprivileged;
+    EXPECT_EQ(reasonOf(scene), scene + ": Permission denied");
+}
+
+TEST(Source, AFolderThatCannotBeReadHasNoClips) {
+    EXPECT_TRUE(clipsBeside("/nowhere/at/all/fox.kte").empty());
 }
 
 TEST(Source, WhatNoImporterReadsIsAFailure) {
