@@ -268,7 +268,7 @@ TEST_F(SettingsFileTest, TwoGibibytesAreTooMany) {
 }
 
 TEST_F(SettingsFileTest, OutOfMemoryIsAFailure) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "memory belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     const std::string path = folder.write("settings", "KELTRA_windowX=1\n" + std::string(70000, '#'));
     Allocations::failNextFrom(70000);
     EXPECT_FALSE(settings.load(path.c_str()));

@@ -14,7 +14,7 @@ constexpr KT_FAULT_CODE kMemory = KT_FAULT_OUT_OF_MEMORY;
 class FaultMemoryTest : public FaultTableTest {
    protected:
     void SetUp() override {
-        if (!Allocations::canFail()) GTEST_SKIP() << "memory belongs to the sanitizer";
+        if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
         FaultTableTest::SetUp();
     }
     void TearDown() override {

@@ -15,7 +15,7 @@ constexpr bool kIsDevice = sizeof(void *) == 4;
 class MemoryUseTest : public EngineTest {
    protected:
     void SetUp() override {
-        if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+        if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
         heap = std::make_unique<EngineHeap>();
         EngineTest::SetUp();
     }

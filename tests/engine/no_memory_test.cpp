@@ -14,7 +14,7 @@ namespace {
 template <class T>
 void expectNoMemoryFor(const char *name) {
     SCOPED_TRACE(name);
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     T *object = nullptr;
     Allocations::failNth(1);
     EXPECT_THROW(object = new T, std::bad_alloc);

@@ -177,7 +177,7 @@ class StartupFaultTest : public StartupTest, public ::testing::WithParamInterfac
 TEST_P(StartupFaultTest, LeavesNothingBehindAndALaterStartWorks) {
     const Fault &fault = GetParam();
     if (std::string(fault.name).find("Memory") == 0 && !Allocations::canFail())
-        GTEST_SKIP() << "a sanitizer owns malloc here";
+        GTEST_SKIP() << "a sanitizer owns malloc";
     settings.setRenderingElements(777);
     fault.cause();
     EXPECT_FALSE(KELTRA::init(&settings));

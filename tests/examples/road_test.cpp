@@ -63,7 +63,7 @@ TEST_F(RoadTest, LeavesNothingBehind) {
 }
 
 TEST_F(RoadTest, TakesNoMoreOfTheHeapFromRoundToRound) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     ASSERT_TRUE(KELTRA::free());
     const auto heap = std::make_unique<EngineHeap>();
     ASSERT_TRUE(KELTRA::init(&settings));

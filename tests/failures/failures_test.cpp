@@ -34,7 +34,7 @@ Steps stepsOf(long all) {
 class FailuresTest : public ::testing::TestWithParam<Failing> {
    protected:
     void SetUp() override {
-        if (!Allocations::canFail()) GTEST_SKIP() << "memory belongs to the sanitizer";
+        if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
         GlRecorder::setRecording(false);
     }
     void TearDown() override {

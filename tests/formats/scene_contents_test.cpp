@@ -114,7 +114,7 @@ TEST(SceneContentsTest, RefusesWhatTheCheckRefuses) {
 }
 
 TEST(SceneContentsTest, TellsThatItIsOutOfMemory) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     formats::Scene scene = smallScene();
     for (int i = 0; i < 200; ++i) scene.root.children.push_back(nodeOf(formats::NodeKind::kMesh, "more"));
     const Bytes bytes = bytesOf(scene);

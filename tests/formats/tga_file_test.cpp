@@ -120,7 +120,7 @@ TEST_F(TgaFileTest, TakesThePicturesMemoryAndAPieceOfTheFile) {
 }
 
 TEST_F(TgaFileTest, EachFailedAllocationIsRefused) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     const Bytes packed = packets(24, 0);
     for (std::size_t size : {std::size_t{150 * 161 * 3}, std::size_t{16384}}) {
         Allocations::failNext(size);

@@ -246,7 +246,7 @@ TEST(XmlDocument, AttributesTagsAndBytesAreLimited) {
 
 // Every allocation of a load fails once; what the parser had made by then is released.
 TEST(XmlDocument, NothingIsLostWhenMemoryRunsOut) {
-    if (!test::Allocations::canFail()) GTEST_SKIP() << "memory belongs to the sanitizer";
+    if (!test::Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     const std::string text =
         "<?xml version='1.0'?><!-- a comment that is no short text --><root><a_rather_long_element_name "
         "an_attribute_name_beyond_small_strings='a value that is longer than small strings are'/>"
@@ -292,7 +292,7 @@ class MemoryEnds final : public test::AllocationWatch {
 
 // What is released in need fails too, when it is asked for again.
 TEST(XmlDocument, IsRefusedWhenMemoryIsOutForGood) {
-    if (!test::Allocations::canFail()) GTEST_SKIP() << "memory belongs to the sanitizer";
+    if (!test::Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     const std::string text =
         "<root><a_rather_long_element_name an_attribute_name_beyond_small_strings='a "
         "value that is longer than small strings are'/></root>";

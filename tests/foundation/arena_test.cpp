@@ -51,7 +51,7 @@ TEST(ArenaTest, TakesChunksAndReleasesThemAll) {
 }
 
 TEST(ArenaTest, WithoutMemoryNothingIsAddedAndTheRestStays) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     Arena arena;
     const int *first = arena.add(7);
     Allocations::failNext(Arena::kChunkSize);

@@ -60,7 +60,7 @@ TEST(BlockTest, SizesOver32BitsAreRefusedUncounted) {
 }
 
 TEST(BlockTest, FailedAllocationGivesNull) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     Allocations::failNext(1000);
     EXPECT_EQ(newBlock(1000), nullptr);
     Allocations::failNext(1000);

@@ -87,7 +87,7 @@ TEST_F(MemoryTest, ReleasingNullIsCountedAndHarmless) {
 }
 
 TEST_F(MemoryTest, AFailedAllocationIsCounted) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     const MemoryCounters before = memoryCounters();
     Allocations::failNext(12345);
     EXPECT_EQ(vnfMalloc(12345), nullptr);
@@ -98,7 +98,7 @@ TEST_F(MemoryTest, AFailedAllocationIsCounted) {
 
 // In a child: nothing lowers the total again.
 TEST_F(MemoryTest, TheTotalStopsAtItsLimit) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     EXPECT_EXIT(
         {
             for (int i = 0; i < 2; ++i) {

@@ -93,7 +93,7 @@ TEST(NameTableTest, FewNamesTakeNoMemory) {
 }
 
 TEST(NameTableTest, SaysThatItIsOutOfMemoryAndKeepsWhatItHas) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     std::vector<std::string> names = someNames(kWithoutMemory + 1);
     NameTable table;
     for (std::size_t i = 0; i < kWithoutMemory; ++i) ASSERT_TRUE(table.add(names[i].c_str(), &names[i]));
@@ -107,7 +107,7 @@ TEST(NameTableTest, SaysThatItIsOutOfMemoryAndKeepsWhatItHas) {
 }
 
 TEST(NameIndexTest, SearchesTheListWhenMemoryIsOut) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     std::vector<std::unique_ptr<Named>> all;
     for (const std::string &name : someNames(40)) all.push_back(std::make_unique<Named>(name));
     NameIndex<Named> index([](const Named &one) { return one.name.c_str(); }, Named::search);

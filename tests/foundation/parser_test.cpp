@@ -135,7 +135,7 @@ TEST_F(ParserTest, AShortReadIsLoggedAndStaysInTheCounters) {
 }
 
 TEST_F(ParserTest, OutOfMemoryIsLogged) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     startLog();
     const std::string path = folder.write("text.txt", std::string(76543, 'x'));
     Allocations::failNext(76544);

@@ -408,7 +408,7 @@ TEST_F(LanternWalkTest, TheFilmEndsByItself) {
 }
 
 TEST_F(LanternWalkTest, TakesLittleMemory) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     ASSERT_TRUE(KELTRA::free());
     const auto heap = std::make_unique<EngineHeap>();
     ASSERT_TRUE(KELTRA::init(&settings));
@@ -426,7 +426,7 @@ TEST_F(LanternWalkTest, TakesLittleMemory) {
 }
 
 TEST_F(LanternWalkTest, AllocatesNothingInAFrame) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     lantern_walk::Snapshot walk;
     walk.evening = 2;
     walk.lit = 0x2db;

@@ -83,7 +83,7 @@ TEST_F(ManyHeldTest, PointersInFieldsAreClearedToo) {
 }
 
 TEST_F(ManyHeldTest, WithoutMemoryTheyAreForgottenOneByOne) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     make(20);
     Allocations::failNth(1);
     EXPECT_TRUE(KTSHADER::cleanUp());

@@ -208,7 +208,7 @@ TEST_F(KitTextTest, SolidTextNeedsAPictureWithAlpha) {
 }
 
 TEST_F(KitTextTest, EndsWithoutMemory) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     for (long nth = 1;; ++nth) {
         SCOPED_TRACE(nth);
         KTFAULTS::clear();

@@ -139,7 +139,7 @@ TEST_F(VideoDamageTest, ALargeHeaderTakesNoMemory) {
 }
 
 TEST_F(VideoDamageTest, AFilmWithoutMemoryForItsPicturesShowsNothing) {
-    if (!Allocations::canFail()) GTEST_SKIP();
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     Bytes once = film("wide.m1v");
     once.resize(4096);
     KTVIDEO *film64 = loaded(once, target(64, 48));
@@ -155,7 +155,7 @@ TEST_F(VideoDamageTest, AFilmWithoutMemoryForItsPicturesShowsNothing) {
 
 // Each allocation of a film fails once: the decoder itself would write to null.
 TEST_F(VideoDamageTest, AFilmThatRunsOutOfMemoryIsClosed) {
-    if (!Allocations::canFail()) GTEST_SKIP();
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     const Bytes bytes = joined(firstBytes(8192), film("small.m1v"));
     KTVIDEO *mixed = loaded(bytes);
     mixed->load(nullptr);
@@ -189,7 +189,7 @@ TEST_F(VideoDamageTest, AFilmThatRunsOutOfMemoryIsClosed) {
 }
 
 TEST_F(VideoDamageTest, AVideoWithoutMemoryForItsStreamLoadsNothing) {
-    if (!Allocations::canFail()) GTEST_SKIP();
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     folder.write("film.m1v", film("wide.m1v"));
     Allocations::failNext(sizeof(KTVIDEOSTREAM));
     KTVIDEO empty;

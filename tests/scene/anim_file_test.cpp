@@ -478,7 +478,7 @@ TEST_F(AnimDamageTest, BoneNamesAreShorterThanTheirArrays) {
 }
 
 TEST_F(AnimDamageTest, AFailedAllocationIsRefused) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     const Bytes bytes = formats::writeKta(numbered(3, 2));
     folder.write("test.kta", bytes);
     Allocations::failNext(bytes.size());

@@ -54,7 +54,7 @@ long residentBytes() {
 }
 
 TEST_F(AnimTest, RowsThatAreNotUsedTakeNoMemory) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     constexpr long kAnims = 10, kRows = 24, kBones = 20;
     const long before = residentBytes();
     ASSERT_GT(before, 0);

@@ -174,7 +174,7 @@ TEST_F(BuffersTest, ACopyKeepsItsChildrenWhenTheOriginalsChange) {
 }
 
 TEST_F(BuffersTest, WithoutMemoryForTheNoteACopyHasNoBuffer) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     std::vector<void *> shared(32);  // the table takes no memory for as many
     for (void *&block : shared) block = retainBlock(newBlock(8));
     KTMESH mesh;

@@ -122,7 +122,7 @@ TEST_F(RenderListTest, TakesNothingWhileItIsNotStarted) {
 }
 
 TEST_F(RenderListTest, StartsLaterWhenMemoryHadRunOut) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     KTELEMENT::free();
     for (std::size_t size : {777 * sizeof(KTELEMENT), 777 * sizeof(KTELEMENT *)}) {
         Allocations::failNext(size);

@@ -168,7 +168,7 @@ TEST_F(FindTest, AFewNodesTakeNoMemory) {
 }
 
 TEST_F(FindTest, SearchesGoOnWithoutMemory) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     for (int nth : {1, 2}) {
         Allocations::failNth(nth);
         EXPECT_EQ(KTNODE::findByName("node 199"), node(199));

@@ -451,7 +451,7 @@ TEST_F(MeshRenderTest, ALaterFrameAllocatesNothing) {
 }
 
 TEST_F(MeshRenderTest, WithoutMemoryForTheLinesTheTrianglesAreDrawn) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     KTMESH *mesh = load(stripNode("mesh", 503));
     KELTRA::wireframeOn();
     KTMESH::showNormals();

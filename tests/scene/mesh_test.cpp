@@ -153,7 +153,7 @@ TEST(MeshPoolTest, IsMadeOnceOfIdentities) {
 }
 
 TEST(MeshPoolTest, InitFailsWithoutMemoryAndWorksLater) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     Allocations::failNext(KTMESH::maxSkins * KTMESH::maxBones * sizeof(R3XMATRIX));
     EXPECT_FALSE(KTMESH::init());
     Allocations::clear();

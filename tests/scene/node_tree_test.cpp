@@ -180,7 +180,7 @@ TEST_F(NodeTreeTest, RemoveFromACycleEnds) {
 }
 
 TEST_F(NodeTreeTest, WithoutMemoryLinkAndUnlinkChangeNothing) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "the sanitizer owns malloc";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     KTNODE parent, a, b, c;
     a.link(&parent);
     b.link(&parent);

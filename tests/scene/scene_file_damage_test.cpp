@@ -295,7 +295,7 @@ TEST_F(SceneDamageTest, DamageIsRefusedOnTheDevicesStack) {
 }
 
 TEST_F(SceneDamageTest, WithoutMemoryNothingIsLeftBehind) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "malloc belongs to the sanitizer";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     const GlRecorder::Pause pause;  // it takes memory of such sizes too
     const Bytes bytes = formats::writeKte(everything(), KteVersion::k16a);
     const std::size_t sizes[] = {

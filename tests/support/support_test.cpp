@@ -93,7 +93,7 @@ TEST(AllocationsTest, AreCountedAlsoInsideTheLibrary) {
 }
 
 TEST(AllocationsTest, FailOnceWhenTold) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc here";
+    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     Allocations::failNext(1000, 2);
     void *first = vnfMalloc(1000);
     void *second = vnfMalloc(1000);
