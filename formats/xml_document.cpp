@@ -4,6 +4,7 @@
 #include <keltra/foundation.h>
 
 #include "formats/plain_integer.h"
+#include "formats/xml_plain.h"
 #include "formats/xml_scan.h"
 #include "foundation/file_bytes.h"
 #include "foundation/quiet.h"
@@ -215,9 +216,18 @@ bool parseWhole(const XmlSource &source, TiXmlDocument &document, Fault *fault) 
     return false;
 }
 
-// The parser takes some hundred instructions for a character, so it is given no more than is read. What is
-// wrong with a text can only be told from the whole of it, and without an element the parser has to say it.
+// The parser takes some hundred instructions for a character, so it is given what others cannot read, and no
+// more of it than is used. What is wrong with a text can only be told from the whole of it, and without an
+// element the parser has to say it.
 bool parseSource(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
+    copyLines(source.copy, source.bytes, source.size);
+    try {
+        if (readPlainXml(source.copy, document)) return true;
+    } catch (const std::bad_alloc &) {
+        document.Clear();
+        return refuseMemory(fault);
+    }
+    document.Clear();
     char *const end = copyLines(source.copy, source.bytes, source.size);
     MarkupScan scan(source.copy, end, source.lines, MarkupScan::kShorter);
     if (scan.run() && scan.elementCount() > 0) {
