@@ -30,8 +30,7 @@ std::uint64_t mix(std::uint64_t a, std::uint64_t b) {
 
 // Sixteen characters a product, each half beside a value that no file knows: no name makes it zero. The last
 // ones are read together with some of those before them.
-std::uint32_t hashName(const char *name, std::uint32_t seed) {
-    const std::size_t length = std::strlen(name);
+std::uint32_t hashName(const char *name, std::size_t length, std::uint32_t seed) {
     const char *const end = name + length;
     std::uint64_t hash = mix(seed, length), first, last;
     const std::uint64_t secret = hash * 0x9FB21C651E98DF25u;
@@ -49,6 +48,10 @@ std::uint32_t hashName(const char *name, std::uint32_t seed) {
     }
     hash = mix(first ^ hash, last ^ secret);
     return static_cast<std::uint32_t>(hash ^ hash >> 32);
+}
+
+std::uint32_t hashName(const char *name, std::uint32_t seed) {
+    return hashName(name, std::strlen(name), seed);
 }
 #else
 std::uint32_t hashName(const char *name, std::uint32_t seed) {

@@ -31,12 +31,25 @@ constexpr std::uint64_t kAddressMask = (std::uint64_t{1} << kAddressBits) - 1;
 constexpr std::uint64_t kMoreObjects = std::uint64_t{1} << kAddressBits;
 constexpr std::uint64_t kNameMask = ~(kAddressMask | kMoreObjects);
 
-std::uint32_t keyOf(const char *name) {
+std::uint32_t nameSeed() {
     static const std::uint32_t seed = newNameSeed();
-    return hashName(name, seed) * 0x9E3779B1u;  // names that differ in their last characters only lie apart
+    return seed;
 }
 
+// Names that differ in their last characters only lie apart.
+std::uint32_t spread(std::uint32_t hash) { return hash * 0x9E3779B1u; }
+
+std::uint32_t keyOf(const char *name) { return spread(hashName(name, nameSeed())); }
+
+#if defined(KELTRA_NAME_WINDOW)
+// Never 0: these bits tell an entry from a free one.
+std::uint64_t nameBits(std::uint32_t key) {
+    const std::uint64_t bits = std::uint64_t{key} << (kAddressBits + 1);
+    return bits ? bits : std::uint64_t{1} << (kAddressBits + 1);
+}
+#else
 std::uint64_t nameBits(std::uint32_t key) { return std::uint64_t{key} << (kAddressBits + 1); }
+#endif
 
 std::uint64_t addressOf(const Registration &object) { return reinterpret_cast<std::uintptr_t>(&object); }
 
@@ -45,23 +58,30 @@ Registration *objectOf(std::uint64_t entry) {
 }
 
 #if defined(KELTRA_NAME_WINDOW)
-// The lower halves of four entries that were shifted.
-__m128i lowerHalves(__m128i two, __m128i more) {
-    return _mm_castps_si128(
-        _mm_shuffle_ps(_mm_castsi128_ps(two), _mm_castsi128_ps(more), _MM_SHUFFLE(2, 0, 2, 0)));
-}
-
 // Which of four entries have these bits of the key, and which are free.
 unsigned int compareFour(const std::uint64_t *entries, __m128i wanted, unsigned int &free) {
-    const auto *const four = reinterpret_cast<const __m128i *>(entries);
-    const __m128i two = _mm_loadu_si128(four), more = _mm_loadu_si128(four + 1);
+    const auto keysOfTwo = [](const std::uint64_t *two) {
+        return _mm_srli_epi64(_mm_loadu_si128(reinterpret_cast<const __m128i *>(two)), kAddressBits + 1);
+    };
     const __m128i keys =
-        lowerHalves(_mm_srli_epi64(two, kAddressBits + 1), _mm_srli_epi64(more, kAddressBits + 1));
-    const __m128i halves =
-        _mm_or_si128(lowerHalves(two, more), lowerHalves(_mm_srli_epi64(two, 32), _mm_srli_epi64(more, 32)));
+        _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(keysOfTwo(entries)),
+                                        _mm_castsi128_ps(keysOfTwo(entries + 2)), _MM_SHUFFLE(2, 0, 2, 0)));
     const auto bits = [](__m128i equal) { return unsigned(_mm_movemask_ps(_mm_castsi128_ps(equal))); };
-    free = bits(_mm_cmpeq_epi32(halves, _mm_setzero_si128()));
+    free = bits(_mm_cmpeq_epi32(keys, _mm_setzero_si128()));
     return bits(_mm_cmpeq_epi32(keys, wanted));
+}
+
+// Whether an object has the name of that length, without a branch for most of them.
+bool isNamed(const char *own, const char *name, std::size_t length) {
+    if (length < 8 || length > 16) return std::strcmp(own, name) == 0;
+    const auto eight = [](const char *from) {
+        std::uint64_t characters;
+        std::memcpy(&characters, from, sizeof characters);
+        return characters;
+    };
+    const char *const end = name + length - 8, *const ownEnd = own + length - 8;
+    return ((eight(own) ^ eight(name)) | (eight(ownEnd) ^ eight(end)) |
+            static_cast<unsigned char>(own[length])) == 0;
 }
 #endif
 
@@ -149,13 +169,20 @@ void ObjectList::learn(Registration &object) {
 }
 
 Registration *ObjectList::propose(unsigned int id) {
-    if (assigned > 0 || id == 0 || id > kLargestId || !catchUp()) return nullptr;
+    if (assigned > 0 || id == 0 || id > kLargestId || !isComplete()) return nullptr;
     return *idEntry(id);
 }
 
 Registration *ObjectList::propose(const char *name) {
-    if (!catchUp()) return nullptr;
-    return objectOf(*nameEntry(keyOf(name), name));
+    if (!isComplete()) return nullptr;
+#if defined(KELTRA_NAME_WINDOW)
+    const std::size_t length = std::strlen(name);
+    const std::uint32_t key = spread(hashName(name, length, nameSeed()));
+    if (const std::uint64_t *const entry = nearEntry(key, name, length)) return objectOf(*entry);
+    return objectOf(*farEntry(key, name));
+#else
+    return objectOf(*farEntry(keyOf(name), name));
+#endif
 }
 
 // The entry of the object with that identifier of its own, or the free one behind the search.
@@ -167,7 +194,13 @@ Registration **ObjectList::idEntry(unsigned int id) const {
 // The entry of an object that still has this name; else one that stands for an unknown object, which may have
 // it; else the free one behind the search.
 std::uint64_t *ObjectList::nameEntry(std::uint32_t key, const char *name) const {
-    if (std::uint64_t *const entry = nearEntry(key, name)) return entry;
+#if defined(KELTRA_NAME_WINDOW)
+    if (std::uint64_t *const entry = nearEntry(key, name, std::strlen(name))) return entry;
+#endif
+    return farEntry(key, name);
+}
+
+std::uint64_t *ObjectList::farEntry(std::uint32_t key, const char *name) const {
     std::uint64_t *unknown = nullptr;
     for (unsigned int i = homeOf(key);; i = i + 1 == capacity ? 0 : i + 1) {
         const std::uint64_t entry = names[i];
@@ -183,9 +216,8 @@ std::uint64_t *ObjectList::nameEntry(std::uint32_t key, const char *name) const 
 
 // The same for most objects that are found: without a branch that depends on where the object stands, a
 // processor begins the next search while it waits for the memory of this one. Null for all that is not so.
-std::uint64_t *ObjectList::nearEntry([[maybe_unused]] std::uint32_t key,
-                                     [[maybe_unused]] const char *name) const {
 #if defined(KELTRA_NAME_WINDOW)
+std::uint64_t *ObjectList::nearEntry(std::uint32_t key, const char *name, std::size_t length) const {
     const unsigned int home = homeOf(key);
     if (capacity - home < KELTRA_NAME_WINDOW) return nullptr;
     const __m128i wanted = _mm_set1_epi32(std::int32_t(nameBits(key) >> (kAddressBits + 1)));
@@ -198,13 +230,10 @@ std::uint64_t *ObjectList::nearEntry([[maybe_unused]] std::uint32_t key,
     if (!matches) return nullptr;
     std::uint64_t *const entry = names + home + __builtin_ctz(matches);
     Registration *const object = objectOf(*entry);
-    return object && *entry != kGoneName && std::strcmp(nameOf(*object), name) == 0 ? entry : nullptr;
-#else
-    return nullptr;
-#endif
+    return object && *entry != kGoneName && isNamed(nameOf(*object), name, length) ? entry : nullptr;
 }
+#endif
 
-// True when every object is in the tables.
 bool ObjectList::catchUp() {
     // One entry in five stays free, so that searches are short and end.
     for (Registration *next; (next = lastIndexed ? lastIndexed->listNext : first);) {

@@ -65,6 +65,8 @@ class ObjectList {
 
    private:
     void leaveTables(Registration &object);
+    // True when every object is in the tables.
+    bool isComplete() { return (lastIndexed == last && skipped == 0) || catchUp(); }
     bool catchUp();
     void add(Registration &object);
     bool restart();
@@ -74,7 +76,8 @@ class ObjectList {
     void removeId(Registration &object);
     Registration **idEntry(unsigned int id) const;
     std::uint64_t *nameEntry(std::uint32_t key, const char *name) const;
-    std::uint64_t *nearEntry(std::uint32_t key, const char *name) const;
+    std::uint64_t *farEntry(std::uint32_t key, const char *name) const;
+    std::uint64_t *nearEntry(std::uint32_t key, const char *name, std::size_t length) const;
     unsigned int idHome(unsigned int id) const;
     unsigned int homeOf(std::uint32_t key) const;
 

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 namespace keltra {
 
@@ -39,6 +40,8 @@ keltra::ObjectList &KTREGISTERED<T>::list() {
 
 template <class T>
 const char *KTREGISTERED<T>::nameOf(keltra::Registration &place) {
+    static_assert(sizeof(std::declval<T &>().*keltra::PublicFields<T>::name) > 16,
+                  "a search compares 16 at once");
     return objectOf(&place)->*keltra::PublicFields<T>::name;
 }
 

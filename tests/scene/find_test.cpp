@@ -98,6 +98,31 @@ TEST_F(FindTest, ANameWrittenToTheFieldIsFoundAndTheFormerOneIsNot) {
     EXPECT_EQ(KTNODE::findByName("again"), nullptr);
 }
 
+// Names of all lengths that differ in one place, and one that the application made longer or shorter: its
+// entry stays in the table.
+TEST_F(FindTest, EveryCharacterOfANameCounts) {
+    for (std::size_t length = 1; length <= 40; ++length) {
+        const std::string plain(length, 'k');
+        for (unsigned int i = 0; i < 200; ++i) {
+            std::string name = plain;
+            if (i <= length) name[i % length] = i < length ? 'm' : 'k';
+            node(i)->setName(i <= length ? name.c_str() : std::to_string(i).c_str());
+        }
+        node(static_cast<unsigned int>(length))->setName(plain.c_str());
+        for (unsigned int i = 0; i <= length; ++i)
+            ASSERT_EQ(KTNODE::findByName(node(i)->getName()), node(i)) << length << ", " << i;
+        for (unsigned int i = 0; i <= length; ++i) {
+            const std::string former = node(i)->name;
+            std::strcat(node(i)->name, "m");
+            ASSERT_EQ(KTNODE::findByName(former.c_str()), nullptr) << length << ", " << i;
+            ASSERT_EQ(KTNODE::findByName(node(i)->name), node(i));
+            node(i)->name[length - 1] = '\0';
+            ASSERT_EQ(KTNODE::findByName(former.c_str()), nullptr) << length << ", " << i;
+            node(i)->setName(std::to_string(i).c_str());
+        }
+    }
+}
+
 TEST_F(FindTest, AnIdentifierWrittenToTheFieldIsFound) {
     const unsigned int former = node(50)->getId();
     EXPECT_EQ(KTNODE::findById(former), node(50));
