@@ -8,6 +8,7 @@
 #include <new>
 
 #include "tests/scene/scene_parts.h"
+#include "tests/support/gl_recorder.h"
 #include "tests/support/held_clock.h"
 #include "tests/support/shapes.h"
 #include "tools/formats/kta_writer.h"
@@ -182,7 +183,7 @@ void Program::change(Parts &parts) {
     }
 }
 
-void Program::draw(Parts &parts, unsigned int frame) {
+void Program::draw(Parts &parts, unsigned int frame, bool isPictured) {
     HeldClock::passMilliseconds(20);
     if (parts.film && parts.film->getStatus() != KT_VIDEO_STOPPED)
         check(parts.film->update(20), "KTVIDEO::update");
@@ -197,8 +198,49 @@ void Program::draw(Parts &parts, unsigned int frame) {
     if (parts.interface) check(parts.interface->pass(), "KTNODE::pass");
     if (parts.canvas) check(parts.canvas->pass(), "KTNODE::pass");
     KELTRA::end2D();
-    result.picture = captureFrame();
+    if (isPictured) result.picture = captureFrame();
     check(KELTRA::swap(), "KELTRA::swap");
+}
+
+// Everything but the engine.
+void Program::release(Parts &parts) {
+    if (parts.film) parts.film->load(nullptr);
+    parts = Parts();
+    for (auto cleanUp : {KTFONT::cleanUp, KTNODE::cleanUp, KTMATERIAL::cleanUp, KTTEXTURE::cleanUp})
+        cleanUp();
+}
+
+ProgramRun Program::runFrames(long frames, long period, long pictured,
+                              const std::function<void(long)> &released) {
+    const HeldClock clock;
+    result = ProgramRun();
+    KTFAULTS::clear();
+    Image first;
+    Parts parts;
+    if (!start(parts)) return result;
+    for (long frame = 0; frame < frames; ++frame) {
+        const long place = frame % period;
+        if (place == 0) {
+            std::srand(1);
+            load(parts);
+        }
+        const bool isPictured = place == period - 1 && frame / period % pictured == 0;
+        GlRecorder::setDrawing(isPictured, false);
+        draw(parts, static_cast<unsigned int>(place % 4), isPictured);
+        check(glGetError() == GL_NO_ERROR, "glGetError");
+        if (isPictured && first.pixels.empty()) first = result.picture;
+        check(result.picture.pixels == first.pixels, "the picture of a later period");
+        if (place == 1) change(parts);
+        if (place < period - 1) continue;
+        release(parts);
+        released(frame + 1);
+    }
+    GlRecorder::setDrawing(true);
+    release(parts);
+    check(KELTRA::free(), "KELTRA::free");
+    vnfCloseLog();
+    result.faults = KTFAULTS::getNumberOfFaults();
+    return result;
 }
 
 ProgramRun Program::run() {
@@ -211,7 +253,7 @@ ProgramRun Program::run() {
         if (start(parts)) {
             load(parts);
             for (unsigned int frame = 0; frame < 4; ++frame) {
-                draw(parts, frame);
+                draw(parts, frame, true);
                 if (frame == 1) change(parts);
             }
             if (parts.film) parts.film->load(nullptr);

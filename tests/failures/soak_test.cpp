@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Zlib
 // A whole program over and over in one process: nothing that it takes from the system may grow.
-// KELTRA_SOAK_MINUTES goes on for so long, KELTRA_SOAK_CYCLES for so many starts; otherwise some runs are
-// made.
+// KELTRA_SOAK_MINUTES goes on for so long, KELTRA_SOAK_CYCLES for so many starts, KELTRA_SOAK_FRAMES for so
+// many frames of one start; otherwise some runs are made.
 
 #include <GLES/gl.h>
 #include <gtest/gtest.h>
@@ -124,6 +124,35 @@ TEST(SoakTest, ManyStartsAndStopsTakeNothing) {
         if (cycle % 1000 == 999) expectNotGrown(before, held(), cycle + 1);
     }
     expectNotGrown(before, held(), cycles);
+    AllocationWatch::install(nullptr);
+    GlRecorder::setRecording(true);
+}
+
+// KELTRA_SOAK_FRAMES of them, with one start; everything is loaded anew for each 250.
+TEST(SoakTest, ManyFramesAndLoadsTakeNothing) {
+    constexpr long kPeriod = 250, kPictured = 10, kFirst = 4 * kPeriod;
+    const char *given = std::getenv("KELTRA_SOAK_FRAMES");
+    const long frames = given ? std::atol(given) : 2 * kFirst;
+    if (Allocations::canFail()) Injector::start(Failing::kNothing, 0);
+    GlRecorder::setRecording(false);
+    Held before;
+    GLuint last = 0;
+    const auto look = [&](long frame) {
+        // The driver gives each name once.
+        GLuint next = 0;
+        glGenTextures(1, &next);
+        for (GLuint name = last + 1; name < next; ++name)
+            ASSERT_FALSE(glIsTexture(name)) << "left at frame " << frame;
+        last = next;
+        glDeleteTextures(1, &next);
+        if (frame == kFirst) before = held();
+        if (frame > kFirst && frame % (200 * kFirst) == 0) expectNotGrown(before, held(), frame / kPeriod);
+        if (frame == frames) expectNotGrown(before, held(), frame / kPeriod);
+    };
+    Program program;
+    const ProgramRun run = program.runFrames(frames, kPeriod, kPictured, look);
+    EXPECT_TRUE(run.failed.empty()) << run.failed.size() << " calls, first " << run.failed[0];
+    EXPECT_EQ(run.faults, 0u);
     AllocationWatch::install(nullptr);
     GlRecorder::setRecording(true);
 }

@@ -252,6 +252,10 @@ TEST(MatrixTest, ToQuaterionTakesItsFourBranches) {
     expectQuaternion(branchMatrix({1, -2, -2}).toQuaterion(), 0.25f * s, 0.4f / s, 0.7f / s, -0.3f / s);
     expectQuaternion(branchMatrix({-2, 1, -2}).toQuaterion(), 0.4f / s, 0.25f * s, 1.1f / s, -0.3f / s);
     expectQuaternion(branchMatrix({-2, -2, 1}).toQuaterion(), 0.7f / s, 1.1f / s, 0.25f * s, -0.2f / s);
+    s = 2 * std::sqrt(4.5f);  // only the diagonal chooses, whatever lies beside it
+    expectQuaternion(branchMatrix({1, 0.5f, -3}).toQuaterion(), 0.25f * s, 0.4f / s, 0.7f / s, -0.3f / s);
+    expectQuaternion(branchMatrix({1, -3, 0.5f}).toQuaterion(), 0.25f * s, 0.4f / s, 0.7f / s, -0.3f / s);
+    expectQuaternion(branchMatrix({-3, 1, 0.5f}).toQuaterion(), 0.4f / s, 0.25f * s, 1.1f / s, -0.3f / s);
 }
 
 TEST(MatrixTest, ToQuaternionVeltoTakesItsFourBranches) {

@@ -2,13 +2,14 @@
 # SPDX-License-Identifier: Zlib
 """Changes one operator, constant or condition of the library at a time and runs the tests of that file's room.
 
-    mutate.py BUILD [--sample N] [--first N] [--seed N] [--again] [FILE...]
+    mutate.py BUILD [--sample N] [--first N] [--part I/N] [--seed N] [--again] [FILE...]
 
 BUILD is a built debug tree, which stays as it is: one object is compiled anew, and the library and the programs that are linked
 to its objects are linked into BUILD/mutants. Of all places in all files a fixed sample is drawn (400, or all of the FILEs) that
-edits elsewhere leave as it is; --first takes only its beginning. BUILD/mutants/results.txt keeps what came of each change, which
-is then not tried again without --again. Prints what survives, and the share that is found. Returns 1 when that is below nine
-tenths. To be run on a screen: tests/support/with_screen.sh 16 mutate.py ..."""
+edits elsewhere leave as it is; --first takes only its beginning, and --part each N-th, beside others that run at the same time.
+BUILD/mutants/results.txt keeps what came of each change, which is then not tried again without --again. A change that the
+compiler makes the same code of, with or without optimisation, is an equal program and is not tried. Prints what survives, and the
+share that is found. Returns 1 when that is below nine tenths. To be run on a screen: tests/support/with_screen.sh 16 mutate.py ..."""
 
 import argparse
 import collections
@@ -32,9 +33,12 @@ ROOMS = {
     "gui": ["gui_unit", "gui_draw", "gui_file", "interface", "engine"],
     "engine": ["engine", "core", "scene"],
 }
+# Tests that take longer than all others of their programs; they come last.
+SLOW = ("SceneDamageTest.EveryDamaged*:EmitterDamageTest.*:GuiFileDamageTest.EveryDamaged*:GuiFileDamageTest.Huge*:"
+        "BoxTest.SizesOfAnyKind*:XmlDocument.EveryChangedByte*:DamagedFiles.Many*:StateTest.*")
 LONGEST = 60  # seconds of processor time that a test program may take; more is a hang, which is found
 MOST_MEMORY = 4 << 30
-SURVIVES, NO_PROGRAM = "SURVIVES", "is no program"
+SURVIVES, NO_PROGRAM, EQUAL = "SURVIVES", "is no program", "is an equal program"
 
 BINARY = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "+": "-", "-": "+", "*": "/", "/": "*", "%": "*",
           "&&": "||", "||": "&&", "+=": "-=", "-=": "+=", "*=": "/=", "<<": ">>", ">>": "<<", "&": "|", "|": "&", "|=": "&=",
@@ -109,9 +113,9 @@ def closing(code, at):
 
 
 class Tree:
-    def __init__(self, build):
+    def __init__(self, build, part):
         self.build = os.path.abspath(build)
-        self.work = os.path.join(self.build, "mutants")
+        self.work = os.path.join(self.build, "mutants", part)
         os.makedirs(self.work, exist_ok=True)
         with open(os.path.join(self.build, "CMakeCache.txt"), encoding="utf-8") as cache:
             self.source = re.search(r"^CMAKE_HOME_DIRECTORY:INTERNAL=(.*)$", cache.read(), re.M).group(1)
@@ -123,7 +127,7 @@ class Tree:
                 if target.startswith("CMakeFiles/keltra.dir/"):
                     name = os.path.relpath(entry["file"], self.source)
                     self.compile[name], self.objects[name] = words, target
-        self.links = {}
+        self.links, self.codes = {}, {}
 
     def files(self):
         return sorted(name for name in self.compile if name.split("/")[0] in ROOMS)
@@ -135,17 +139,36 @@ class Tree:
     def run(self, words, **how):
         return subprocess.run(words, cwd=self.build, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False, **how).returncode
 
-    def compiled(self, name, text):
+    def compiled(self, name, text, *more):
         """The object of a changed text; None when it does not compile."""
         source = os.path.join(self.work, os.path.basename(name))
         with open(source, "w", encoding="utf-8") as file:
             file.write(text)
         target = os.path.join(self.work, "mutant.o")
         words = list(self.compile[name])
+        if os.path.basename(words[0]) == "ccache":  # which would keep what is never asked for again
+            del words[0]
         words[words.index("-o") + 1] = target
         words[words.index("-c") + 1] = source
-        words += ["-w", "-g0", "-iquote", os.path.join(self.source, os.path.dirname(name))]
+        words += ["-w", "-g0", "-iquote", os.path.join(self.source, os.path.dirname(name)), *more]
         return target if self.run(words) == 0 else None
+
+    def code(self, name, text, *more):
+        """What the compiler makes of a text."""
+        target = self.compiled(name, text, *more)
+        if target is None:
+            return None
+        with open(target, "rb") as file:
+            return hashlib.sha256(file.read()).digest()
+
+    def is_equal(self, name, text):
+        """Whether the compiler makes the same of a changed text as of the file."""
+        for more in "-Og", "-O2":
+            if (name, more) not in self.codes:
+                self.codes[name, more] = self.code(name, self.text(name), more)
+            if self.code(name, text, more) == self.codes[name, more]:
+                return True
+        return False
 
     def link_command(self, target):
         if target not in self.links:
@@ -177,23 +200,30 @@ class Runner:
 
     def finds(self, name, mutant):
         """The first test program that fails with the mutant, as a result."""
-        library = None
-        for test in ROOMS[name.split("/")[0]]:
-            program = "bin/" + test + "_test"
-            environment = dict(os.environ)
-            if self.tree.objects[name] in self.tree.link_command(program):
-                command = [self.tree.linked(program, name, mutant)]
-            else:
-                library = library or self.tree.linked(self.library, name, mutant)
-                environment["LD_LIBRARY_PATH"] = self.tree.work + ":" + os.path.join(self.tree.build, "lib")
-                command = [os.path.join(self.tree.build, program)]
-            command += ["--gtest_fail_fast", "--gtest_brief=1"]
-            try:
-                if self.tree.run(command, env=environment, timeout=50 * LONGEST, preexec_fn=limit) != 0:
-                    return "found by " + test
-            except subprocess.TimeoutExpired:
-                return "found by " + test + ", which waits"
+        commands, library = {}, []
+        for tests in "-" + SLOW, SLOW:
+            for test in ROOMS[name.split("/")[0]]:
+                if test not in commands:
+                    commands[test] = self.command(test, name, mutant, library)
+                command, environment = commands[test]
+                try:
+                    if self.tree.run(command + ["--gtest_filter=" + tests], env=environment, timeout=50 * LONGEST, preexec_fn=limit) != 0:
+                        return "found by " + test
+                except subprocess.TimeoutExpired:
+                    return "found by " + test + ", which waits"
         return SURVIVES
+
+    def command(self, test, name, mutant, library):
+        """What runs a test program with the mutant, and its environment; `library` holds the one that was linked."""
+        program = "bin/" + test + "_test"
+        environment = dict(os.environ)
+        if self.tree.objects[name] in self.tree.link_command(program):
+            words = [self.tree.linked(program, name, mutant)]
+        else:
+            library[:] = library or [self.tree.linked(self.library, name, mutant)]
+            environment["LD_LIBRARY_PATH"] = self.tree.work + ":" + os.path.join(self.tree.build, "lib")
+            words = [os.path.join(self.tree.build, program)]
+        return words + ["--gtest_fail_fast", "--gtest_brief=1"], environment
 
 
 class Results:
@@ -216,32 +246,40 @@ def main():
     parser.add_argument("files", nargs="*")
     parser.add_argument("--sample", type=int)
     parser.add_argument("--first", type=int)
+    parser.add_argument("--part", type=lambda text: tuple(int(number) for number in text.split("/")), default=(1, 1))
     parser.add_argument("--seed", type=int, default=20261122)
     parser.add_argument("--again", action="store_true")
     options = parser.parse_args()
-    tree = Tree(options.build)
+    part, parts = options.part
+    tree = Tree(options.build, str(part))
     files = options.files or tree.files()
     places = sample(tree, files, options.seed)
     places = places[:options.sample or (len(places) if options.files else 400)]
     print(f"mutate: {len(places)} changes in {len(files)} files", flush=True)
-    runner, results = Runner(tree), Results(os.path.join(tree.work, "results.txt"), options.again)
-    found = tried = 0
-    for key, name, (offset, length, change) in places[:options.first]:
+    runner, results = Runner(tree), Results(os.path.join(tree.build, "mutants", "results.txt"), options.again)
+    found = tried = equal = 0
+    for key, name, (offset, length, change) in places[:options.first][part - 1::parts]:
         text = tree.text(name)
         line = text.count("\n", 0, offset) + 1
         what = f"{name}:{line}: {text[offset:offset + length]!r} -> {change!r} in: {text.splitlines()[line - 1].strip()}"
         result = results.known.get(key)
         if result is None:
-            mutant = tree.compiled(name, text[:offset] + change + text[offset + length:])
-            result = NO_PROGRAM if mutant is None else runner.finds(name, mutant)
+            changed = text[:offset] + change + text[offset + length:]
+            if tree.compiled(name, changed) is None:
+                result = NO_PROGRAM
+            elif tree.is_equal(name, changed):
+                result = EQUAL
+            else:
+                result = runner.finds(name, tree.compiled(name, changed))
             results.add(key, result, what)
-        if result == NO_PROGRAM:
+        equal += result == EQUAL
+        if result in (NO_PROGRAM, EQUAL):
             continue
         tried += 1
         found += result != SURVIVES
         if result == SURVIVES:
             print(f"{result}: {what}", flush=True)
-    print(f"mutate: {found} of {tried} are found")
+    print(f"mutate: {found} of {tried} are found; {equal} more are equal programs")
     return 0 if tried and found >= 0.9 * tried else 1
 
 

@@ -373,6 +373,14 @@ TEST_F(TextureMemoryTest, CopyOutlivesItsOriginal) {
     EXPECT_EQ(KTTEXTURE::getUsedMemory(), 0u);
 }
 
+TEST_F(TextureMemoryTest, AnEmptyBitmapKeepsTheChargeOfTheFile) {
+    KTTEXTURE *texture = loaded("a.tga", kSize);
+    ASSERT_TRUE(texture->create(2, 2, 4));
+    EXPECT_EQ(KTTEXTURE::getUsedMemory(), kCharge);
+    EXPECT_TRUE(texture->unload(true));
+    EXPECT_EQ(KTTEXTURE::getUsedMemory(), 0u);
+}
+
 TEST_F(TextureMemoryTest, UploadOfACopyLeavesTheOriginalResident) {
     KTTEXTURE *texture = loaded("a.tga", kSize);
     ASSERT_TRUE(texture->update());

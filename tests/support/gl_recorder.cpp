@@ -23,7 +23,7 @@ struct State {
     bool recording = true;
     bool stubbed = false;
     bool drawing = true;
-    bool scissored = false;
+    bool scissored = false, drawingScissored = true;
     GlRecorder::Listener listener = nullptr;
     GLuint nextName = 1;
     GLint unpackAlignment = 4;
@@ -242,7 +242,7 @@ struct Wrapper<f, isFloat, R GL_APIENTRY(A...)> {
         }
         if (state().stubbed) return stub<f, R>(arguments...);
         if constexpr (f == GlFunction::glDrawArrays || f == GlFunction::glDrawElements)
-            if (!state().drawing && !state().scissored) return;
+            if (!state().drawing && !(state().scissored && state().drawingScissored)) return;
         static auto *const driver = nextFunction<R GL_APIENTRY(A...)>(name);
         return driver(arguments...);
     }
@@ -265,7 +265,10 @@ const Call &GlRecorder::last(std::string_view name) { return state().log.last(na
 int GlRecorder::countFloat() { return state().floatCalls; }
 
 void GlRecorder::setListener(Listener listener) { state().listener = listener; }
-void GlRecorder::setDrawing(bool on) { state().drawing = on; }
+void GlRecorder::setDrawing(bool on, bool scissored) {
+    state().drawing = on;
+    state().drawingScissored = scissored;
+}
 void GlRecorder::setRecording(bool on) {
     state().recording = on;
     updateQuiet();
