@@ -36,8 +36,9 @@ unsigned int distanceOf(const char *wanted, unsigned int rows, const char *known
 
 bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason) {
     if (!fault) return false;
-    *fault = {};
     fault->offset = offset;
+    fault->limit = 0;
+    fault->hasFound = false;
     fault->field = field;
     fault->reason = reason;
     fault->code = KT_FAULT_DATA;

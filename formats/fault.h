@@ -13,12 +13,12 @@
 namespace keltra {
 
 // Where a file is damaged: the offset and name of the field, and what is wrong with it. The reason may have a
-// %ld for the limit.
+// %ld for the limit. Without a code there is no fault, and the rest says nothing.
 struct Fault {
-    std::size_t offset = 0;
-    long limit = 0, found = 0;
-    FaultText field = {}, reason = {};
-    bool hasFound = false;
+    std::size_t offset;
+    long limit, found;
+    FaultText field, reason;
+    bool hasFound;
     unsigned char code = KT_FAULT_NONE;
 };
 

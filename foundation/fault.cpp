@@ -12,7 +12,7 @@ namespace {
 // Constant-initialised: objects of other sources may fail before anything in here has run.
 struct Channel {
     FaultScope *scope;
-    unsigned int optional, silent;
+    int level;
     unsigned int errors;    // reported so far
     unsigned int reported;  // since the outermost scope began
     bool inHandler;
@@ -39,7 +39,7 @@ void print(const KTFAULT &fault) {
 void handOver(const KTFAULT &fault) {
     faults.handed = fault;
     const Channel before = faults.channel;
-    faults.channel = {nullptr, 0, 0, 0, 0, true};
+    faults.channel = {nullptr, 0, 0, 0, true};
     faults.handler(&faults.handed, faults.user);
     const unsigned int errors = faults.channel.errors;
     faults.channel = before;
@@ -63,8 +63,8 @@ void addScopes(KTFAULT &fault) {
 
 // Always false.
 bool tell(KTFAULT &fault) {
-    if (faults.channel.silent) return false;
-    if (faults.channel.optional) fault.severity = KT_FAULT_WARNING;
+    if (faults.channel.level >= kFaultsSilent) return false;
+    if (faults.channel.level) fault.severity = KT_FAULT_WARNING;
     if (fault.severity == KT_FAULT_ERROR) ++faults.channel.errors;
     ++faults.channel.reported;
     addScopes(fault);
@@ -122,10 +122,7 @@ bool FaultScope::failFile(bool isOutOfMemory, long largest) {
     return fail(fileFault(file, isOutOfMemory, largest));
 }
 
-FaultOptional::FaultOptional() { ++faults.channel.optional; }
-FaultOptional::~FaultOptional() { --faults.channel.optional; }
-FaultSilence::FaultSilence() { ++faults.channel.silent; }
-FaultSilence::~FaultSilence() { --faults.channel.silent; }
+void addFaultLevel(int level) { faults.channel.level += level; }
 
 bool tellFault(FaultCall call, KTFAULT &fault) {
     const unsigned int number = static_cast<unsigned int>(call);

@@ -81,22 +81,26 @@ class FaultScope {
     const unsigned int errorsBefore;
 };
 
-// While one exists, errors are reported as warnings.
+// Added up for what surrounds a call.
+enum FaultLevel : int { kFaultsOptional = 1, kFaultsSilent = 128 };
+[[gnu::cold]] void addFaultLevel(int level);
+
+// While one exists, errors are reported as warnings, or with the other level nothing.
 class FaultOptional {
    public:
-    FaultOptional();
-    ~FaultOptional();
+    explicit FaultOptional(FaultLevel level = kFaultsOptional) : level(level) { addFaultLevel(level); }
+    ~FaultOptional() { addFaultLevel(-level); }
     FaultOptional(const FaultOptional &) = delete;
     FaultOptional &operator=(const FaultOptional &) = delete;
+
+   private:
+    const int level;
 };
 
 // While one exists, nothing is reported.
-class FaultSilence {
+class FaultSilence : FaultOptional {
    public:
-    FaultSilence();
-    ~FaultSilence();
-    FaultSilence(const FaultSilence &) = delete;
-    FaultSilence &operator=(const FaultSilence &) = delete;
+    FaultSilence() : FaultOptional(kFaultsSilent) {}
 };
 
 // The same call, of which a fault is a warning.

@@ -176,12 +176,9 @@ KELTRA_COLD bool KTTEXTURE::load(const char *name) {
 // Reads its file again. A failure is reported once, until the file can be read, and not at all for a name
 // that is not a file's.
 KELTRA_COLD bool KTTEXTURE::loadAgain() {
-    if (toldMissing || *filename == '[') {
-        const keltra::FaultSilence silence;
-        return load(filename);
-    }
     const keltra::FaultScope scope(KT_CALL("KTTEXTURE::render"));
-    const keltra::FaultOptional optional;
+    const bool isTold = toldMissing || *filename == '[';
+    const keltra::FaultOptional optional(isTold ? keltra::kFaultsSilent : keltra::kFaultsOptional);
     return load(filename);
 }
 

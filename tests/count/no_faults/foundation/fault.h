@@ -42,8 +42,9 @@ class FaultScope {
     const char *file;
     static constexpr FaultCall call = {};
 };
+enum FaultLevel { kFaultsOptional, kFaultsSilent };
 struct FaultOptional {
-    FaultOptional() {}
+    explicit FaultOptional(FaultLevel = kFaultsOptional) {}
 };
 struct FaultSilence {
     FaultSilence() {}
