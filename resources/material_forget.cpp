@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Zlib
+// First: with code of two sizes in a source, GCC 12 for ARM takes functions over classes that are only
+// declared so far for those of another kind.
+#include "core/holders.h"
+
 #include <keltra/material.h>
 #include <keltra/shader.h>
 #include <keltra/texture.h>
-
-#include "core/holders.h"
 
 const keltra::OnGone<KTTEXTURE> KTMATERIAL::onTextureGone(&KTMATERIAL::forgetTexture);
 const keltra::OnGone<KTSHADER> KTMATERIAL::onShaderGone(&KTMATERIAL::forgetShader);
