@@ -144,6 +144,7 @@ class Converter {
         bool glow = false;  // the base is an emission map
     };
     Chosen choose(const aiMaterial &material, const std::vector<Layer> &layers);
+    static SurfaceUse useOf(const std::string &name, const std::vector<Layer> &layers, const Chosen &chosen);
     void chooseOpacity(const aiMaterial &material, const std::vector<Layer> &layers, Chosen &chosen);
     TextureRequest requestFor(const aiMaterial &material, const Chosen &chosen, float &opacity) const;
     void applyTexture(const aiMaterial &material, const Chosen &chosen, float opacity,
@@ -275,6 +276,17 @@ void Converter::setFilter(const std::string &filter, const std::string &texture,
     report.setup.push_back(entry);
 }
 
+SurfaceUse Converter::useOf(const std::string &name, const std::vector<Layer> &layers, const Chosen &chosen) {
+    SurfaceUse use;
+    use.name = name;
+    use.textured = chosen.base != nullptr;
+    use.glowTexture = chosen.glow;
+    const Layer *glow = firstOf(layers, {aiTextureType_EMISSION_COLOR, aiTextureType_EMISSIVE});
+    use.glowDropped = glow && !(chosen.base && chosen.base->path == glow->path);
+    use.metalMaps = firstOf(layers, {aiTextureType_METALNESS, aiTextureType_DIFFUSE_ROUGHNESS}) != nullptr;
+    return use;
+}
+
 void Converter::add(const aiMaterial &material) {
     const std::string ownName = material.GetName().C_Str();
     formats::Material result;
@@ -288,15 +300,7 @@ void Converter::add(const aiMaterial &material) {
     const float opacity = opacityOf(material, result.name, report);
     applyTexture(material, chosen, opacity, result);
     dropRest(layers, chosen);
-
-    SurfaceUse use;
-    use.name = result.name;
-    use.textured = chosen.base != nullptr;
-    use.glowTexture = chosen.glow;
-    const Layer *glow = firstOf(layers, {aiTextureType_EMISSION_COLOR, aiTextureType_EMISSIVE});
-    use.glowDropped = glow && !(chosen.base && chosen.base->path == glow->path);
-    use.metalMaps = firstOf(layers, {aiTextureType_METALNESS, aiTextureType_DIFFUSE_ROUGHNESS}) != nullptr;
-    setColours(material, use, result, report);
+    setColours(material, useOf(result.name, layers, chosen), result, report);
     const auto own = properties.find(ownName);
     if (own != properties.end()) {
         own->second.applyTo(result);
