@@ -199,7 +199,6 @@ void repeat3(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
 
 void repeat4(const std::uint8_t *source, std::uint8_t *target, std::size_t pixels) {
     const std::uint32_t pixel = exchanged(loadPixel < kAnyAddress ? 4 : 1 > (source));
-    target = storeEights(target, pixel, pixels);
     for (; pixels >= kTurn; pixels -= kTurn, target += 4 * kTurn)
         for (std::size_t i = 0; i < 4 * kTurn; i += 4) storePixel(target + i, pixel);
     for (; kTurn > 1 && pixels; --pixels, target += 4) storePixel(target, pixel);
@@ -219,6 +218,20 @@ void convert(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
              unsigned int bytesPerPixel) {
     bytesPerPixel == 4 ? convert4(source, target, pixels) : convert3(source, target, pixels);
 }
+
+#if defined(KELTRA_TGA_ARM)
+void unpackShort4(const std::uint8_t *&source, std::uint8_t *&target, std::size_t &missing,
+                  const std::uint8_t *end) {
+    if (static_cast<std::size_t>(end - source) < TgaUnpacker::kLongestPacket) return;
+    TgaPackets packets = {source, target, missing, end - TgaUnpacker::kLongestPacket};
+    keltraUnpackShort4(&packets);
+    source = packets.source;
+    target = packets.target;
+    missing = packets.missing;
+}
+#else
+void unpackShort4(const std::uint8_t *&, std::uint8_t *&, std::size_t &, const std::uint8_t *) {}
+#endif
 
 void flipRows(std::uint8_t *pixels, std::size_t rowBytes, unsigned int rows) {
     std::uint8_t *top = pixels, *bottom = pixels + rowBytes * (rows - 1);
@@ -279,7 +292,9 @@ std::size_t TgaUnpacker::unpackAs(const std::uint8_t *bytes, std::size_t size, b
     std::uint8_t *place = target;
     std::size_t missing = left;
     // Nothing is short of what any packet takes: packets of a few pixels are most of a picture.
-    while (missing >= kPacketPixels && static_cast<std::size_t>(end - source) >= kLongestPacket) {
+    for (;;) {
+        if constexpr (kBytes == 4) unpackShort4(source, place, missing, end);
+        if (missing < kPacketPixels || static_cast<std::size_t>(end - source) < kLongestPacket) break;
         const unsigned int packet = *source++, pixels = packet % kPacketPixels + 1;
         const bool run = packet >= kPacketPixels;
         run ? repeat<kBytes>(source, place, pixels) : convert<kBytes>(source, place, pixels);

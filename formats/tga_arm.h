@@ -10,6 +10,19 @@
 namespace keltra {
 
 #if defined(__arm__) && !defined(__thumb__) && defined(__GNUC__) && !defined(__ARM_BIG_ENDIAN)
+#define KELTRA_TGA_ARM
+
+// Packets of pixels of four bytes. The order of members is that of the registers.
+struct TgaPackets {
+    const std::uint8_t *source;
+    std::uint8_t *target;          // at a multiple of four
+    std::size_t missing;           // pixels
+    const std::uint8_t *lastFull;  // from here on, not all of the longest packet may be there
+};
+
+// Unpacks runs, and packets of up to twelve pixels: most of a picture of glyphs. Stops before a longer one,
+// at `lastFull`, and with less than the longest packet missing.
+extern "C" __attribute__((visibility("hidden"))) void keltraUnpackShort4(TgaPackets *packets);
 
 // Exchanges the first and the third byte of each pixel of three bytes, in place, at a multiple of four: eight
 // pixels are six words. At the first byte of a pixel stands what it differs by from the third one, which is
@@ -50,25 +63,9 @@ inline std::size_t exchangeWords3(std::uint8_t *place, std::size_t pixels) {
     return done;
 }
 
-// Stores a pixel of four bytes as often as eights go into `pixels`, which keeps the rest of them; returns the
-// place behind.
-inline std::uint8_t *storeEights(std::uint8_t *target, std::uint32_t pixel, std::size_t &pixels) {
-    register std::uint32_t r4 asm("r4") = pixel, r5 asm("r5") = pixel, r6 asm("r6") = pixel,
-                              r7 asm("r7") = pixel, r8 asm("r8") = pixel, r9 asm("r9") = pixel,
-                              r10 asm("r10") = pixel, r12 asm("r12") = pixel;
-    for (; pixels >= 8; pixels -= 8)
-        asm("stmia %0!, {%1, %2, %3, %4, %5, %6, %7, %8}"
-            : "+r"(target)
-            : "r"(r4), "r"(r5), "r"(r6), "r"(r7), "r"(r8), "r"(r9), "r"(r10), "r"(r12)
-            : "memory");
-    return target;
-}
-
 #else
 
 inline std::size_t exchangeWords3(std::uint8_t *, std::size_t) { return 0; }
-
-inline std::uint8_t *storeEights(std::uint8_t *target, std::uint32_t, std::size_t &) { return target; }
 
 #endif
 
