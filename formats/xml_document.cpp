@@ -216,18 +216,24 @@ bool parseWhole(const XmlSource &source, TiXmlDocument &document, Fault *fault) 
     return false;
 }
 
-// The parser takes some hundred instructions for a character, so it is given what others cannot read, and no
-// more of it than is used. What is wrong with a text can only be told from the whole of it, and without an
-// element the parser has to say it.
-bool parseSource(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
-    copyLines(source.copy, source.bytes, source.size);
+// 0 when the document is there, kNoMemory, or another number for a text that is not plain.
+int readPlain(const XmlSource &source, TiXmlDocument &document) {
+    std::memcpy(source.copy, source.bytes, source.size);
+    source.copy[source.size] = '\0';
     try {
-        if (readPlainXml(source.copy, document)) return true;
+        if (readPlainXml(source.copy, source.copy + source.size, document)) return 0;
     } catch (const std::bad_alloc &) {
         document.Clear();
-        return refuseMemory(fault);
+        return kNoMemory;
     }
     document.Clear();
+    return 1;
+}
+
+// The parser takes some hundred instructions for a character, so it is given what is not plain, and no more
+// of it than is used. What is wrong with a text can only be told from the whole of it, and without an element
+// the parser has to say it.
+bool parseSource(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
     char *const end = copyLines(source.copy, source.bytes, source.size);
     MarkupScan scan(source.copy, end, source.lines, MarkupScan::kShorter);
     if (scan.run() && scan.elementCount() > 0) {
@@ -236,6 +242,18 @@ bool parseSource(const XmlSource &source, TiXmlDocument &document, Fault *fault)
         if (error == kNoMemory) return refuseMemory(fault);
     }
     return parseWhole(source, document, fault);
+}
+
+bool parseAny(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
+    const int error = readPlain(source, document);
+    if (error == 0) return true;
+    if (error == kNoMemory) return refuseMemory(fault);
+    if (const void *zero = std::memchr(source.bytes, '\0', source.size))
+        return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - source.bytes),
+                      KT_TEXT("document"), KT_TEXT("holds a zero byte"));
+    if (parseSource(source, document, fault)) return true;
+    if (fault) fault->offset = offsetInBytes(source.bytes, source.size, fault->offset);
+    return false;
 }
 
 }  // namespace
@@ -254,9 +272,6 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
     if (size > static_cast<std::size_t>(kMaxXmlBytes))
         return refuse(fault, static_cast<std::size_t>(kMaxXmlBytes), KT_TEXT("document"),
                       KT_TEXT("is larger than %ld MiB"), kMaxXmlBytes >> 20);
-    if (const void *zero = std::memchr(bytes, '\0', size))
-        return refuse(fault, static_cast<std::size_t>(static_cast<const char *>(zero) - bytes),
-                      KT_TEXT("document"), KT_TEXT("holds a zero byte"));
     static constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
     const std::size_t textSize = size - mark, linesSize = mostElements(textSize) * sizeof(unsigned int);
@@ -264,8 +279,8 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
     if (!block) return refuseMemory(fault);
     const XmlSource source = {bytes + mark, textSize, static_cast<char *>(block) + linesSize,
                               static_cast<unsigned int *>(block)};
-    const bool parsed = parseSource(source, document, fault);
-    if (!parsed && fault) fault->offset = mark + offsetInBytes(bytes + mark, textSize, fault->offset);
+    const bool parsed = parseAny(source, document, fault);
+    if (!parsed && fault) fault->offset += mark;
     vnfFree(block);
     return parsed;
 }

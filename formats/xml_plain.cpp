@@ -41,7 +41,8 @@ char readEntity(char *&from) {
 
 class PlainReader {
    public:
-    PlainReader(char *text, TiXmlDocument &document) : cursor(text), node(&document) {}
+    PlainReader(char *text, const char *end, TiXmlDocument &document)
+        : cursor(text), end(end), node(&document) {}
 
     bool run();
 
@@ -57,19 +58,26 @@ class PlainReader {
     static constexpr unsigned int kMostAttributes = 8;
 
     char *cursor;
+    const char *const end;
     TiXmlNode *node;  // whose contents these are
     unsigned int line = 1, depth = 0, tags = 0, elements = 0, attributes = 0;
     const char *names[kMostAttributes];  // of the element's attributes
 };
 
+// A carriage return ends a line by itself too, which is not plain.
 void PlainReader::skipBlanks() {
-    for (char c; (c = *cursor) == ' ' || (c >= '\t' && c <= '\r'); ++cursor) line += c == '\n';
+    for (char c; (c = *cursor) == ' ' || (c >= '\t' && c < '\r') || (c == '\r' && cursor[1] == '\n');
+         ++cursor)
+        line += c == '\n';
 }
 
 bool PlainReader::skipPast(const char *closing) {
-    char *const end = std::strstr(cursor, closing);
-    if (!end) return false;
-    for (; cursor < end; ++cursor) line += *cursor == '\n';
+    char *const place = std::strstr(cursor, closing);
+    if (!place) return false;
+    for (; cursor < place; ++cursor) {
+        if (*cursor == '\r' && cursor[1] != '\n') return false;
+        line += *cursor == '\n';
+    }
     cursor += std::strlen(closing);
     return true;
 }
@@ -84,13 +92,13 @@ bool PlainReader::isNew(const char *name) const {
 char *PlainReader::readValue(char quote) {
     char *const value = cursor;
     for (char c; (c = *cursor) != quote && c != '&'; ++cursor) {
-        if (c == '\0') return nullptr;
+        if (c == '\0' || c == '\r') return nullptr;
         line += c == '\n';
     }
     char *to = cursor;
     for (; *cursor != quote; ++to) {
         *to = *cursor == '&' ? readEntity(cursor) : *cursor++;
-        if (*to == '\0') return nullptr;
+        if (*to == '\0' || cursor[-1] == '\r') return nullptr;
         line += cursor[-1] == '\n';
     }
     ++cursor;
@@ -149,7 +157,7 @@ bool PlainReader::readEnd() {
 bool PlainReader::run() {
     for (bool isPlain = true; isPlain;) {
         skipBlanks();
-        if (*cursor != '<') return *cursor == '\0' && depth == 0 && elements > 0;
+        if (*cursor != '<') return cursor == end && depth == 0 && elements > 0;
         if (++tags > kMaxXmlTags) return false;
         const char kind = cursor[1];
         if (kind == '/') {
@@ -170,6 +178,8 @@ bool PlainReader::run() {
 
 }  // namespace
 
-bool readPlainXml(char *text, TiXmlDocument &document) { return PlainReader(text, document).run(); }
+bool readPlainXml(char *text, const char *end, TiXmlDocument &document) {
+    return PlainReader(text, end, document).run();
+}
 
 }  // namespace keltra

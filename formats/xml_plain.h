@@ -9,9 +9,9 @@ namespace keltra {
 // Makes the nodes of a document that has nothing but elements, attributes, comments and blanks, in a third of
 // the instructions that the parser takes. False for any other text, with faults or without: the parser reads
 // it, and the document is to be cleared first. The nodes are those that the parser makes of the text without
-// comments; elements know their lines. `text` ends with a zero byte, has no other, and is lost. May throw
+// comments; elements know their lines. `text` has a zero byte at `end`, and is lost. May throw
 // std::bad_alloc.
-bool readPlainXml(char *text, TiXmlDocument &document);
+bool readPlainXml(char *text, const char *end, TiXmlDocument &document);
 
 }  // namespace keltra
 

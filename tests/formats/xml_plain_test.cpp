@@ -16,7 +16,7 @@ namespace {
 
 bool isPlain(std::string text) {
     TiXmlDocument document;
-    return readPlainXml(text.data(), document);
+    return readPlainXml(text.data(), text.data() + text.size(), document);
 }
 
 std::string printed(const TiXmlDocument &document) {
@@ -33,7 +33,7 @@ struct Text {
     }
 
     void blank() {
-        const char *const blanks[] = {"", "", "\n", "  ", "\t\n\n", "<!-- <a>\n & -->", "<?p <b\n?>"};
+        const char *const blanks[] = {"", "", "\n", "  ", "\t\r\n\n", "<!-- <a>\n & -->", "<?p <b\n?>"};
         all += blanks[random() % std::size(blanks)];
     }
     void add(const std::string &part) {
@@ -81,7 +81,7 @@ TEST(XmlPlain, NodesAreThoseOfTheParser) {
         const Text text(seed);
         std::string lost = text.all;
         TiXmlDocument document, expected;
-        ASSERT_TRUE(readPlainXml(lost.data(), document)) << text.all;
+        ASSERT_TRUE(readPlainXml(lost.data(), lost.data() + lost.size(), document)) << text.all;
         expected.SetTabSize(0);
         expected.Parse(text.bare.c_str(), nullptr, TIXML_ENCODING_LEGACY);
         ASSERT_FALSE(expected.Error()) << text.bare;
@@ -92,7 +92,7 @@ TEST(XmlPlain, NodesAreThoseOfTheParser) {
 TEST(XmlPlain, ElementsKnowTheirLines) {
     std::string text = "<?a\n?><!--\n-->\n<b x='1\n&#10;\n'\ny='2'>\n<c/></b\n><d/>";
     TiXmlDocument document;
-    ASSERT_TRUE(readPlainXml(text.data(), document));
+    ASSERT_TRUE(readPlainXml(text.data(), text.data() + text.size(), document));
     const TiXmlElement *const b = document.FirstChildElement("b");
     ASSERT_TRUE(b && b->FirstChildElement() && b->NextSiblingElement());
     EXPECT_EQ(xmlLine(*b), 4u);
@@ -143,6 +143,14 @@ TEST(XmlPlain, OtherTextsAreLeftToTheParser) {
                                   "<a x='&nbsp;'/>",
                                   "<a x='&amp'/>"};
     for (const char *other : others) EXPECT_FALSE(isPlain(other)) << other;
+    // Ends of lines that the parser does not know, and a byte that no text has.
+    EXPECT_TRUE(isPlain("<!--\r\n--><a\r\nx='1'/>\r\n"));
+    EXPECT_FALSE(isPlain("\r<a/>"));
+    EXPECT_FALSE(isPlain("<!--\r--><a/>"));
+    EXPECT_FALSE(isPlain("<a x='\r\n'/>"));
+    EXPECT_FALSE(isPlain("<a x='&amp;\r\n'/>"));
+    EXPECT_FALSE(isPlain(std::string("<a/>\0<b/>", 9)));
+    EXPECT_FALSE(isPlain(std::string("<!-- \0 --><a/>", 14)));
 }
 
 TEST(XmlPlain, LimitsAreThoseOfDocuments) {
