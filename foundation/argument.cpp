@@ -22,20 +22,36 @@ bool keltra::takeName(char (&target)[256], const char *text, FaultCall call) {
     return true;
 }
 
-void keltra::writeName(char (&target)[256], const char *pattern, unsigned int id) {
-    const std::size_t before = std::strcspn(pattern, "%");
-    const char *const behind = pattern + before + 2;
+namespace {
+
+// Writes the number and returns its end. Smaller ones are divided by a multiplication.
+char *writeNumber(char *target, unsigned int number) {
     char digits[10];
-    if (before + sizeof digits >= sizeof target / 2 || std::strncmp(pattern + before, "%d", 2) != 0 ||
-        std::strchr(behind, '%') || std::strlen(behind) >= sizeof target / 2 || id > INT_MAX) {
-        std::snprintf(target, sizeof target, pattern, id);
-        return;
-    }
-    std::memcpy(target, pattern, before);
     unsigned int length = 0;
-    do digits[length++] = static_cast<char>('0' + id % 10);
-    while (id /= 10);
-    char *end = target + before;
-    while (length > 0) *end++ = digits[--length];
-    std::strcpy(end, behind);
+    do {
+        const unsigned int rest = number < 65536 ? number * 52429 >> 19 : number / 10;
+        digits[length++] = static_cast<char>('0' + (number - 10 * rest));
+        number = rest;
+    } while (number);
+    while (length > 0) *target++ = digits[--length];
+    return target;
+}
+
+}  // namespace
+
+void keltra::writeName(char (&target)[256], const char *pattern, unsigned int id) {
+    char *to = target, *const full = target + sizeof target / 2;
+    bool isWritten = id > INT_MAX;
+    for (const char *from = pattern; to < full; ++from) {
+        *to = *from;
+        if (*from == '\0') return;
+        if (*from != '%') {
+            ++to;
+            continue;
+        }
+        if (isWritten || *++from != 'd') break;
+        isWritten = true;
+        to = writeNumber(to, id);
+    }
+    std::snprintf(target, sizeof target, pattern, id);
 }
