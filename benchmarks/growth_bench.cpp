@@ -18,6 +18,8 @@
 #include <string>
 #include <vector>
 
+#include "foundation/wide_registers.h"
+
 namespace {
 
 std::mt19937 generator(1907);
@@ -127,9 +129,10 @@ void unlinkFromOneParent(benchmark::State &state, Order order) {
     perItem(state);
 }
 
-// The array has to stay without gaps, and only the node knows whose it is: this is what reading that and
-// moving the array's shorter part take by themselves.
-void moveShorterPart(benchmark::State &state) {
+// The array has to stay without gaps, and only the node knows whose it is: what reading that and one pass
+// over the array's shorter part take by themselves.
+template <class Pass>
+void passShorterPart(benchmark::State &state, Pass pass) {
     Objects<KTNODE> nodes(state);
     nodes.shuffle();
     const std::size_t count = nodes.all.size();
@@ -140,15 +143,44 @@ void moveShorterPart(benchmark::State &state) {
             const std::size_t index = generator() % left;
             void **const first =
                 array.data() + reinterpret_cast<std::uintptr_t>(node->parent);  // which is null
-            if (index < left / 2)
-                std::memmove(first + 1, first, index * sizeof(void *));
-            else
-                std::memmove(first + index, first + index + 1, (left - index - 1) * sizeof(void *));
+            pass(first, index, left - index - 1);
             --left;
             benchmark::ClobberMemory();
         }
     }
     perItem(state);
+}
+
+void moveShorterPart(benchmark::State &state) {
+    passShorterPart(state, [](void **first, std::size_t before, std::size_t behind) {
+        if (before <= behind)
+            std::memmove(first + 1, first, before * sizeof(void *));
+        else
+            std::memmove(first + before, first + before + 1, behind * sizeof(void *));
+    });
+}
+
+#if defined(KELTRA_WIDE_REGISTERS)
+__attribute__((target("avx512f"))) void readLines(void *const *begin, std::size_t count) {
+    const auto address = (reinterpret_cast<std::uintptr_t>(begin) + 63) / 64 * 64;
+    const auto *line = reinterpret_cast<const __m512i *>(address);
+    __m512i all[4] = {};
+    for (std::size_t left = count / 8; left > 4; left -= 4)
+        for (__m512i &each : all) each = _mm512_or_si512(each, _mm512_load_si512(line++));
+    benchmark::DoNotOptimize(all);
+}
+#endif
+
+// No pointer is moved that was not read: no processor unlinks in less.
+void readShorterPart(benchmark::State &state) {
+#if defined(KELTRA_WIDE_REGISTERS)
+    if (!keltra::hasAvx512()) return state.SkipWithError("this processor has no AVX-512");
+    passShorterPart(state, [](void **first, std::size_t before, std::size_t behind) {
+        readLines(before <= behind ? first : first + before, std::min(before, behind));
+    });
+#else
+    state.SkipWithError("not built for this processor");
+#endif
 }
 
 void unlinkAtRandom(benchmark::State &state) { unlinkFromOneParent(state, kRandom); }
@@ -289,6 +321,7 @@ GROWTH(unlinkFirst);
 GROWTH(unlinkLast);
 GROWTH(unlinkAtRandom);
 GROWTH(moveShorterPart);
+GROWTH(readShorterPart);
 GROWTH(findNodeByName);
 GROWTH(findNodeById);
 GROWTH(findTextureByFilename);

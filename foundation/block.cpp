@@ -109,11 +109,12 @@ void releaseBlock(void *block) {
     if (block) vnfFree(block);
 }
 
-BlockState stateOf(const void *block) {
+std::size_t roomOf(const void *block) {
     const Note *note = find(block);
-    if (!note) return {0, false};
+    if (!note) return 0;
+    if (note->holders > 1) return kShared;
     const std::ptrdiff_t dropped = static_cast<const char *>(block) - static_cast<char *>(note->allocation);
-    return {note->room ? note->room - static_cast<std::size_t>(dropped) : 0, note->holders > 1};
+    return note->room ? note->room - static_cast<std::size_t>(dropped) : 0;
 }
 
 void *newRoomyBlock(std::size_t room) {

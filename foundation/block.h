@@ -23,12 +23,10 @@ void *retainBlock(void *block);
 // Takes a holder away as vnfFree does. Null is ignored.
 void releaseBlock(void *block);
 
-// What the table says of a block.
-struct BlockState {
-    std::size_t room;  // bytes from the block's address on; 0 when only its holders know its length
-    bool isShared;     // it has more than one holder: it must not be changed for one of them
-};
-BlockState stateOf(const void *block);
+// How many bytes the block of a single holder has from `block` on; 0 when only the holder knows its length.
+// `kShared` when there are more: it must not be changed for one of them.
+constexpr std::size_t kShared = ~std::size_t{0};
+std::size_t roomOf(const void *block);
 
 // A block whose contents may grow up to `room` bytes.
 void *newRoomyBlock(std::size_t room);

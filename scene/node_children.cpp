@@ -88,8 +88,8 @@ void KTNODE::abandonChildren() {
 // application's, or one that copies show: neither has room to be used.
 bool KTNODE::makeRoomForChild() {
     const unsigned int needed = numberOfChildren + 1;
-    const keltra::BlockState state = keltra::stateOf(children);
-    if (state.room / sizeof(KTNODE *) >= needed && !state.isShared) return true;
+    const std::size_t room = keltra::roomOf(children);
+    if (room / sizeof(KTNODE *) >= needed && room != keltra::kShared) return true;
     KTNODE **grown = newChildren(needed, needed < kFirstRoom ? 0 : needed + needed / 2);
     if (!grown) return false;
     for (unsigned int i = 0; i < numberOfChildren; ++i) grown[i] = getChild(i);
@@ -101,16 +101,17 @@ bool KTNODE::makeRoomForChild() {
 bool KTNODE::takeChild(unsigned int index) {
     const unsigned int rest = numberOfChildren - 1;
     const bool front = index < numberOfChildren / 2;
-    const keltra::BlockState state = keltra::stateOf(children);
-    const bool tooLong = state.room / sizeof(KTNODE *) / 4 > rest;
+    const std::size_t room = keltra::roomOf(children);
+    const bool shared = room == keltra::kShared;
     KTNODE **left = nullptr;
-    if (state.isShared || tooLong) left = newChildren(rest, rest < kFirstRoom ? 0 : rest + rest / 2);
-    if (state.isShared && !left) return false;
+    if (shared || room / sizeof(KTNODE *) / 4 > rest)
+        left = newChildren(rest, rest < kFirstRoom ? 0 : rest + rest / 2);
+    if (shared && !left) return false;
     if (left) {
         std::copy_n(children, index, left);
         std::copy(children + index + 1, children + numberOfChildren, left + index);
         setChildren(left, rest);
-    } else if (front && state.room > 0) {
+    } else if (front && room > 0) {
         keltra::closeGapFromFront(children, index);
         children = static_cast<KTNODE **>(keltra::dropFront(children, sizeof(KTNODE *)));
         numberOfChildren = rest;

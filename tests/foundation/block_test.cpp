@@ -80,11 +80,11 @@ TEST(BlockTest, IsAPlainBlockOfTheAllocator) {
 
 TEST(BlockTest, IsSharedWhileItHasSeveralHolders) {
     void *block = newBlock(8);
-    EXPECT_FALSE(stateOf(block).isShared);
+    EXPECT_NE(roomOf(block), kShared);
     retainBlock(block);
-    EXPECT_TRUE(stateOf(block).isShared);
+    EXPECT_EQ(roomOf(block), kShared);
     vnfFree(block);
-    EXPECT_FALSE(stateOf(block).isShared);
+    EXPECT_NE(roomOf(block), kShared);
     vnfFree(block);
     EXPECT_EQ(notedBlocks, 0u);
 }
@@ -98,9 +98,9 @@ TEST(BlockTest, ThousandsMayBeShared) {
     EXPECT_EQ(notedBlocks, 5000u);
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         void *block = blocks[i * 7 % blocks.size()];
-        ASSERT_TRUE(stateOf(block).isShared);
+        ASSERT_EQ(roomOf(block), kShared);
         releaseBlock(block);
-        ASSERT_FALSE(stateOf(block).isShared);
+        ASSERT_NE(roomOf(block), kShared);
     }
     EXPECT_EQ(notedBlocks, 0u);
     for (void *block : blocks) releaseBlock(block);
@@ -108,28 +108,28 @@ TEST(BlockTest, ThousandsMayBeShared) {
 
 TEST(BlockTest, ARoomyBlockBeginsWhereItsFrontWasDropped) {
     char *block = static_cast<char *>(newRoomyBlock(100));
-    EXPECT_EQ(stateOf(block).room, 100u);
+    EXPECT_EQ(roomOf(block), 100u);
     std::memset(block, 1, 100);
     char *rest = static_cast<char *>(dropFront(block, 8));
     EXPECT_EQ(rest, block + 8);
-    EXPECT_EQ(stateOf(rest).room, 92u);
-    EXPECT_EQ(stateOf(block).room, 0u);
+    EXPECT_EQ(roomOf(rest), 92u);
+    EXPECT_EQ(roomOf(block), 0u);
     std::memset(rest, 2, 92);
     EXPECT_EQ(retainBlock(rest), rest);
     vnfFree(rest);
-    EXPECT_EQ(stateOf(rest).room, 92u) << "the last holder's room";
+    EXPECT_EQ(roomOf(rest), 92u) << "the last holder's room";
     vnfFree(rest);
     EXPECT_EQ(notedBlocks, 0u);
 }
 
 TEST(BlockTest, PlainBlocksHaveNoRoom) {
     void *block = vnfMalloc(100);
-    EXPECT_EQ(stateOf(block).room, 0u);
+    EXPECT_EQ(roomOf(block), 0u);
     retainBlock(block);
-    EXPECT_EQ(stateOf(block).room, 0u);
+    EXPECT_EQ(roomOf(block), 0u);
     releaseBlock(block);
     releaseBlock(block);
-    EXPECT_EQ(stateOf(nullptr).room, 0u);
+    EXPECT_EQ(roomOf(nullptr), 0u);
 }
 
 }  // namespace
