@@ -11,9 +11,6 @@
 namespace keltra {
 
 std::uint32_t hashName(const char *name, std::uint32_t seed);
-#if defined(__SIZEOF_INT128__)
-std::uint32_t hashName(const char *name, std::size_t length, std::uint32_t seed);
-#endif
 // Another one at each start, so that no file can be made whose names all collide.
 std::uint32_t newNameSeed();
 

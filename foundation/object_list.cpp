@@ -3,6 +3,7 @@
 
 #include <keltra/foundation.h>
 
+#include "foundation/name_hash.h"
 #include "foundation/name_index.h"
 #include "foundation/quiet.h"
 
@@ -173,6 +174,28 @@ Registration *ObjectList::propose(unsigned int id) {
     return *idEntry(id);
 }
 
+// What nameEntry finds, for most objects that are found: without a branch that depends on where the object
+// stands, a processor begins the next search while it waits for the memory of this one. Null for all that is
+// not so.
+#if defined(KELTRA_NAME_WINDOW)
+[[gnu::always_inline]] inline std::uint64_t *ObjectList::nearEntry(std::uint32_t key, const char *name,
+                                                                   std::size_t length) const {
+    const unsigned int home = homeOf(key);
+    if (capacity - home < KELTRA_NAME_WINDOW) return nullptr;
+    const __m128i wanted = _mm_set1_epi32(std::int32_t(nameBits(key) >> (kAddressBits + 1)));
+    unsigned int free, laterFree;
+    unsigned int matches = compareFour(names + home, wanted, free);
+    matches |= compareFour(names + home + 4, wanted, laterFree) << 4;
+    free |= laterFree << 4;
+    // Nothing behind a free entry counts.
+    matches &= free ^ (free - 1);
+    if (!matches) return nullptr;
+    std::uint64_t *const entry = names + home + __builtin_ctz(matches);
+    Registration *const object = objectOf(*entry);
+    return object && *entry != kGoneName && isNamed(nameOf(*object), name, length) ? entry : nullptr;
+}
+#endif
+
 Registration *ObjectList::propose(const char *name) {
     if (!isComplete()) return nullptr;
 #if defined(KELTRA_NAME_WINDOW)
@@ -213,26 +236,6 @@ std::uint64_t *ObjectList::farEntry(std::uint32_t key, const char *name) const {
             return names + i;
     }
 }
-
-// The same for most objects that are found: without a branch that depends on where the object stands, a
-// processor begins the next search while it waits for the memory of this one. Null for all that is not so.
-#if defined(KELTRA_NAME_WINDOW)
-std::uint64_t *ObjectList::nearEntry(std::uint32_t key, const char *name, std::size_t length) const {
-    const unsigned int home = homeOf(key);
-    if (capacity - home < KELTRA_NAME_WINDOW) return nullptr;
-    const __m128i wanted = _mm_set1_epi32(std::int32_t(nameBits(key) >> (kAddressBits + 1)));
-    unsigned int free, laterFree;
-    unsigned int matches = compareFour(names + home, wanted, free);
-    matches |= compareFour(names + home + 4, wanted, laterFree) << 4;
-    free |= laterFree << 4;
-    // Nothing behind a free entry counts.
-    matches &= free ^ (free - 1);
-    if (!matches) return nullptr;
-    std::uint64_t *const entry = names + home + __builtin_ctz(matches);
-    Registration *const object = objectOf(*entry);
-    return object && *entry != kGoneName && isNamed(nameOf(*object), name, length) ? entry : nullptr;
-}
-#endif
 
 bool ObjectList::catchUp() {
     // One entry in five stays free, so that searches are short and end.
