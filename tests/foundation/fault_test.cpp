@@ -145,6 +145,15 @@ TEST_F(FaultTest, AnUnknownNameComesWithTheNearest) {
               "`color`?");
 }
 
+TEST_F(FaultTest, TheFirstAndTheLastCodeHaveTheirSentences) {
+    EXPECT_THAT(sentenceOf(&newFault(KT_FAULT_NULL)), ::testing::HasSubstr("null"));
+    KTFAULT fault = newFault(KT_FAULT_START);
+    setFaultText(fault.field, "SDL_Init");
+    EXPECT_EQ(sentenceOf(&fault), "the step `SDL_Init` of start-up failed");
+    fault.code = static_cast<KT_FAULT_CODE>(KT_FAULT_START + 1);
+    EXPECT_EQ(sentenceOf(&fault), "") << "of a later engine";
+}
+
 TEST_F(FaultTest, SilenceTellsNothing) {
     const FaultSilence silence;
     EXPECT_FALSE(failNull(KT_CALL("KELTRA::load"), KT_TEXT("name")));

@@ -25,7 +25,7 @@ import sys
 ROOMS = {
     "platform": ["foundation", "core_unit", "core", "resources"],
     "foundation": ["foundation", "core_unit", "core", "scene_unit"],
-    "math": ["math", "scene_unit"],
+    "math": ["math", "scene_unit", "sine_all"],
     "formats": ["formats", "foundation", "core_unit", "resources_unit", "scene_unit", "gui_unit", "gui_file", "engine"],
     "core": ["core_unit", "core", "state", "engine"],
     "resources": ["resources_unit", "resources", "video", "engine"],
@@ -35,7 +35,7 @@ ROOMS = {
 }
 # Tests that take longer than all others of their programs; they come last.
 SLOW = ("SceneDamageTest.EveryDamaged*:EmitterDamageTest.*:GuiFileDamageTest.EveryDamaged*:GuiFileDamageTest.Huge*:"
-        "BoxTest.SizesOfAnyKind*:XmlDocument.EveryChangedByte*:DamagedFiles.Many*:StateTest.*")
+        "BoxTest.SizesOfAnyKind*:XmlDocument.EveryChangedByte*:DamagedFiles.Many*:StateTest.*:SineAllTest.*")
 LONGEST = 60  # seconds of processor time that a test program may take; more is a hang, which is found
 MOST_MEMORY = 4 << 30
 SURVIVES, NO_PROGRAM, EQUAL = "SURVIVES", "is no program", "is an equal program"
