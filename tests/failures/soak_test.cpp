@@ -159,7 +159,7 @@ TEST(SoakTest, ManyFramesAndLoadsTakeNothing) {
         last = next;
         glDeleteTextures(1, &next);
         if (frame == kFirst) before = held();
-        if (frame > kFirst && frame % (200 * kFirst) == 0) expectNotGrown(before, held(), frame / kPeriod);
+        if (frame > kFirst && frame % (50 * kFirst) == 0) expectNotGrown(before, held(), frame / kPeriod);
         if (frame == frames) expectNotGrown(before, held(), frame / kPeriod);
     };
     Program program;

@@ -243,6 +243,8 @@ struct Wrapper<f, isFloat, R GL_APIENTRY(A...)> {
         if (state().stubbed) return stub<f, R>(arguments...);
         if constexpr (f == GlFunction::glDrawArrays || f == GlFunction::glDrawElements)
             if (!state().drawing && !(state().scissored && state().drawingScissored)) return;
+        if constexpr (f == GlFunction::glClear)
+            if (!state().drawing && !state().drawingScissored) return;
         static auto *const driver = nextFunction<R GL_APIENTRY(A...)>(name);
         return driver(arguments...);
     }

@@ -42,8 +42,8 @@ class GlRecorder {
     /// of `pointers` says that argument n is an address. Null: nobody.
     using Listener = void (*)(const Call &call, unsigned pointers);
     static void setListener(Listener listener);
-    /// Off, drawing calls do not reach the driver, unless they are scissored and `scissored` says that these
-    /// do: picking reads what it draws. On at program start.
+    /// Off, drawing calls do not reach the driver. With `scissored` those do that are scissored, and glClear:
+    /// picking reads what it draws. On at program start.
     static void setDrawing(bool on, bool scissored = true);
 
     /// Calls are still passed on while this is off. On at program start.
