@@ -162,11 +162,4 @@ std::string totalsOf(const ManyTotals &totals) {
            " refused; " + countsOf(totals.tally);
 }
 
-std::string warningsOf(const Outcome &outcome) {
-    std::string text;
-    for (const std::string &warning : outcome.report.warnings)
-        text += "warning: " + printable(warning) + "\n";
-    return text;
-}
-
 }  // namespace keltra::convert

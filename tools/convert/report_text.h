@@ -30,8 +30,6 @@ struct ManyTotals {
     }
 };
 std::string totalsOf(const ManyTotals &totals);
-// The warnings, one per line.
-std::string warningsOf(const Outcome &outcome);
 
 }  // namespace keltra::convert
 

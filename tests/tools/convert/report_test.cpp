@@ -92,13 +92,6 @@ TEST(ReportText, NamesCannotBreakLines) {
     EXPECT_THAT(text, Not(HasSubstr("\x1b")));
 }
 
-TEST(ReportText, QuietOnesAreWarningsOnly) {
-    Outcome outcome = fullOutcome();
-    EXPECT_EQ(warningsOf(outcome), "warning: texture x.png is missing; a checkerboard replaces it\n");
-    outcome.report.warnings.clear();
-    EXPECT_EQ(warningsOf(outcome), "");
-}
-
 TEST(ReportText, OfAStrictFailureSaysThatNothingIsWritten) {
     Outcome outcome = fullOutcome();
     outcome.converted = false;
