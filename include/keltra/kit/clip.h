@@ -34,6 +34,7 @@ class KTKIT_API KTCLIP {
      * changed and a fault, for null and when out of memory. */
     bool take(const KTANIM *animation);
 
+    /** 0 for a clip that holds nothing. */
     unsigned int getNumberOfBones() const { return bones; }
     unsigned int getNumberOfFrames() const { return frames; }
     /** Null for an index beyond the last. */
