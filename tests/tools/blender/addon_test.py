@@ -265,6 +265,14 @@ class PanelTest(AddonTest):
         self.assertIn("auxiliary ids (1)", report)
         self.assertNotIn("stage_setup.h", os.listdir(self.folder))
 
+    def test_large_figures_are_short_enough_for_the_panel(self):
+        from keltra import panel
+        for count, text in ((0, "0"), (9999, "9,999"), (10000, "10.0k"), (42207, "42.2k"), (99999, "99.9k"),
+                            (100000, "100k"), (1234567, "1,234k")):
+            self.assertEqual(panel.amount("vertices", count), text)
+        self.assertEqual(panel.amount("textures", 1), "1")
+        self.assertEqual(panel.amount("textures", 8388608), "8,192")
+
     def test_figures_are_counted_after_a_change(self):
         from keltra import panel
         scenes.stage()

@@ -102,7 +102,11 @@ class KELTRA_PT_material(Part, bpy.types.Panel):
 
 
 def amount(name, value):
-    return f"{(value + 1023) // 1024:,}" if name == "textures" else f"{value:,}"
+    """A count of up to five characters and a letter: the panel has no room for more beside its limit."""
+    count = (value + 1023) // 1024 if name == "textures" else value
+    if count < 10000:
+        return f"{count:,}"
+    return f"{count // 100 / 10:.1f}k" if count < 100000 else f"{count // 1000:,}k"
 
 
 class KELTRA_PT_budget(Part, bpy.types.Panel):
