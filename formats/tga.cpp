@@ -222,8 +222,8 @@ void convert(const std::uint8_t *source, std::uint8_t *target, std::size_t pixel
 #if defined(KELTRA_TGA_ARM)
 void unpackShort4(const std::uint8_t *&source, std::uint8_t *&target, std::size_t &missing,
                   const std::uint8_t *end) {
-    if (static_cast<std::size_t>(end - source) < TgaUnpacker::kLongestPacket) return;
-    TgaPackets packets = {source, target, missing, end - TgaUnpacker::kLongestPacket};
+    if (static_cast<std::size_t>(end - source) < TgaPackets::kLongest) return;
+    TgaPackets packets = {source, target, missing, end - TgaPackets::kLongest};
     keltraUnpackShort4(&packets);
     source = packets.source;
     target = packets.target;

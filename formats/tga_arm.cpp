@@ -27,14 +27,14 @@ keltraUnpackShort4:
     push {r0, r4-r10, lr}
     ldmia r0, {r0-r3}
 1:
-    cmp r2, #128
-    cmphs r3, r0
+    cmp r3, r0
     blo 9f
     ldrb lr, [r0], #1
     subs lr, lr, #127
     ble 5f
 @ a run
-    sub r2, r2, lr
+    subs r2, r2, lr
+    blo 7f
     tgaPixel
     subs lr, lr, #8
     bmi 3f
@@ -62,15 +62,20 @@ keltraUnpackShort4:
 5:
     add lr, lr, #128
     cmp lr, #12
-    subhi r0, r0, #1
-    bhi 9f
-    sub r2, r2, lr
+    bhi 8f
+    subs r2, r2, lr
+    blo 7f
 6:
     tgaPixel
     subs lr, lr, #1
     str r4, [r1], #4
     bne 6b
     b 1b
+@ more than there is room for
+7:
+    add r2, r2, lr
+8:
+    sub r0, r0, #1
 9:
     pop {r3}
     stmia r3, {r0-r2}

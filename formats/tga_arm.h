@@ -14,14 +14,16 @@ namespace keltra {
 
 // Packets of pixels of four bytes. The order of members is that of the registers.
 struct TgaPackets {
+    static constexpr std::size_t kLongest = 1 + 12 * 4;  // bytes
+
     const std::uint8_t *source;
-    std::uint8_t *target;          // at a multiple of four
-    std::size_t missing;           // pixels
-    const std::uint8_t *lastFull;  // from here on, not all of the longest packet may be there
+    std::uint8_t *target;      // at a multiple of four
+    std::size_t missing;       // pixels
+    const std::uint8_t *last;  // place of which all of a packet is there
 };
 
-// Unpacks runs, and packets of up to twelve pixels: most of a picture of glyphs. Stops before a longer one,
-// at `lastFull`, and with less than the longest packet missing.
+// Unpacks runs, and packets of up to twelve pixels: most of a picture of glyphs. Stops behind `last`, and
+// before a packet that is longer or has more pixels than are missing.
 extern "C" __attribute__((visibility("hidden"))) void keltraUnpackShort4(TgaPackets *packets);
 
 // Exchanges the first and the third byte of each pixel of three bytes, in place, at a multiple of four: eight

@@ -23,9 +23,16 @@ bool isOneOf(XmlNames name, const char *wanted) {
     return *name;
 }
 
+// Whether the attributes are those of the names, in their order, as nearly always.
+bool isInOrder(const TiXmlAttribute *attribute, XmlNames name) {
+    for (; attribute && *name; attribute = attribute->Next(), name = nextName(name))
+        if (std::strcmp(attribute->Name(), name) != 0) return false;
+    return !attribute && !*name;
+}
+
 bool isReal(const char *text) {
+    if (isXmlPlainFloat(text)) return true;
     float number;
-    if (xmlPlainFloat(text, number)) return true;
     int length = 0;
     return std::sscanf(text, "%f%n", &number, &length) == 1 && number - number == 0.0f && !text[length];
 }
@@ -88,8 +95,13 @@ void XmlCheck::unknownElement(const TiXmlElement &element, const char *nearest) 
 }
 
 void XmlCheck::attributes(const TiXmlElement &element, XmlNames names, XmlValue kind) const {
-    for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
-         attribute = attribute->Next()) {
+    const TiXmlAttribute *attribute = element.FirstAttribute();
+    if (isInOrder(attribute, names)) {
+        for (; attribute; attribute = attribute->Next())
+            value(element, attribute->Name(), attribute->Value(), kind);
+        return;
+    }
+    for (; attribute; attribute = attribute->Next()) {
         if (isOneOf(names, attribute->Name())) continue;
         NearestName nearest(attribute->Name());
         for (XmlNames name = names; *name; name = nextName(name)) nearest.offer(name);

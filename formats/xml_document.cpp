@@ -244,6 +244,35 @@ bool parseSource(const XmlSource &source, TiXmlDocument &document, Fault *fault)
     return parseWhole(source, document, fault);
 }
 
+constexpr int kMostDecimals = 10;
+struct PlainDecimal {
+    std::int32_t digits;
+    int decimals;  // of them; -1 without a point
+    bool isNegative;
+};
+
+// False for more digits than a float holds.
+bool readPlainDecimal(const char *text, PlainDecimal &number) {
+    constexpr std::int32_t kExact = 1 << 24;
+    std::int32_t digits = 0;
+    int decimals = -1;
+    number.isNegative = *text == '-';
+    const char *c = text + number.isNegative;
+    if (*c < '0' || *c > '9') return false;
+    for (; *c; ++c) {
+        if (*c == '.' && decimals < 0 && *std::localeconv()->decimal_point == '.') {
+            decimals = 0;
+            continue;
+        }
+        if (*c < '0' || *c > '9') return false;
+        digits = 10 * digits + (*c - '0');
+        if (digits > kExact || (decimals >= 0 && ++decimals > kMostDecimals)) return false;
+    }
+    number.digits = digits;
+    number.decimals = decimals;
+    return true;
+}
+
 bool parseAny(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
     const int error = readPlain(source, document);
     if (error == 0) return true;
@@ -294,28 +323,20 @@ int xmlInteger(const char *text) {
     return value < INT_MIN ? INT_MIN : static_cast<int>(value);
 }
 
+bool isXmlPlainFloat(const char *text) {
+    PlainDecimal number;
+    return readPlainDecimal(text, number);
+}
+
 // The quotient of two numbers that a float holds exactly is rounded as the text would be.
 bool xmlPlainFloat(const char *text, float &value) {
-    constexpr std::int32_t kExact = 1 << 24, kMostDecimals = 10;
-    const bool isNegative = *text == '-';
-    std::int32_t digits = 0;
-    int decimals = -1;
-    float divisor = 1.0f;
-    const char *c = text + isNegative;
-    if (*c < '0' || *c > '9') return false;
-    for (; *c; ++c) {
-        if (*c == '.' && decimals < 0 && *std::localeconv()->decimal_point == '.') {
-            decimals = 0;
-            continue;
-        }
-        if (*c < '0' || *c > '9') return false;
-        digits = 10 * digits + (*c - '0');
-        if (digits > kExact || (decimals >= 0 && ++decimals > kMostDecimals)) return false;
-        if (decimals > 0) divisor *= 10.0f;
-    }
-    value = static_cast<float>(digits);
-    if (decimals > 0) value /= divisor;
-    if (isNegative) value = -value;
+    static constexpr float kPowers[kMostDecimals + 1] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f, 1e5f,
+                                                         1e6f, 1e7f, 1e8f, 1e9f, 1e10f};
+    PlainDecimal number;
+    if (!readPlainDecimal(text, number)) return false;
+    value = static_cast<float>(number.digits);
+    if (number.decimals > 0) value /= kPowers[number.decimals];
+    if (number.isNegative) value = -value;
     return true;
 }
 

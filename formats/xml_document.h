@@ -24,6 +24,7 @@ int xmlInteger(const char *text);
 // What `sscanf` reads with "%f"; `otherwise` when it reads nothing, infinity or not-a-number, and for null.
 // True for digits, with a minus sign and a point at most, that a float division gives as `sscanf` would.
 bool xmlPlainFloat(const char *text, float &value);
+bool isXmlPlainFloat(const char *text);
 float xmlFloat(const char *text, float otherwise);
 
 }  // namespace keltra

@@ -358,7 +358,9 @@ TEST(XmlValues, PlainFloatsAreThoseOfTheCLibrary) {
         for (unsigned int left = random() % 5; left; --left) text += static_cast<char>('0' + random() % 10);
         if (random() % 8 == 0) text += ".-e1x"[random() % 5];
         float value = 0.0f, expected = 0.0f;
-        if (!xmlPlainFloat(text.c_str(), value)) continue;
+        const bool isPlain = xmlPlainFloat(text.c_str(), value);
+        ASSERT_EQ(isXmlPlainFloat(text.c_str()), isPlain) << text;
+        if (!isPlain) continue;
         int length = 0;
         ASSERT_EQ(std::sscanf(text.c_str(), "%f%n", &expected, &length), 1) << text;
         ASSERT_EQ(length, int(text.size())) << text;
