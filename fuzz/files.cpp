@@ -31,8 +31,11 @@ bool isExecuting = false;
 
 // The file of a path or descriptor; null for the system's.
 const MemoryFile *fileAt(const char *path) {
-    const std::size_t length = sizeof kFolder - 1;
-    return std::strncmp(path, kFolder, length) == 0 ? &files[path[length] - '0'] : nullptr;
+    constexpr std::size_t kLength = sizeof kFolder - 1;
+    if (std::strncmp(path, kFolder, kLength) != 0) return nullptr;
+    const char digit = path[kLength];
+    const bool isFile = digit >= '0' && digit < '0' + static_cast<int>(kSlots) && !path[kLength + 1];
+    return isFile ? &files[digit - '0'] : nullptr;
 }
 const MemoryFile *fileAt(int descriptor) {
     return descriptor >= kFirstDescriptor ? &files[descriptor - kFirstDescriptor] : nullptr;
