@@ -12,6 +12,22 @@ version=$(sed -n 's/.*KELTRA_VERSION_STRING "\(.*\)"/\1/p' "$source/include/kelt
 name=keltra-$version-windows-x86_64
 strip=x86_64-w64-mingw32-strip
 
+# licences: what each library, the compiler's runtime and the font ask for, and the sources of those under the GPL and the LGPL.
+licences() {
+    cp "$source/LICENSE" "$tree/licences/keltra.txt"
+    cp "$source/docs/dependencies.md" "$tree/licences/"  # what libmpeg2's means for the library
+    cp "$root"/licences/*.txt "$tree/licences/"
+    for package in libz-mingw-w64-dev mingw-w64-x86-64-dev gcc-mingw-w64-x86-64-posix-runtime fonts-dejavu-core; do
+        cp "/usr/share/doc/$package/copyright" "$tree/licences/$package.txt"
+    done
+    # They name the texts of licences by their files of Debian.
+    for text in $(grep -oh '/usr/share/common-licenses/[A-Za-z0-9.-]*[A-Za-z0-9]' "$tree"/licences/*.txt | sort -u); do
+        cp -L "$text" "$tree/licences/common-${text##*/}.txt"
+    done
+    cp "$root/sources.txt" "$tree/licences/"
+    cp -r "$root/sources" "$tree/"
+}
+
 mkdir -p "$folder"
 tree=$folder/$name
 rm -rf "$tree" "$tree.zip"
@@ -27,18 +43,19 @@ cp "$build/games/lantern_walk/lantern_walk.exe" "$tree/game/"
 cp -r "$build/games/lantern_walk/data" "$tree/game/"
 $strip --strip-unneeded "$tree"/bin/*.dll "$tree"/*/*.exe
 for programs in examples game; do cp "$tree"/bin/*.dll "$tree/$programs/"; done
-cp "$source/LICENSE" "$tree/licences/keltra.txt"
-cp "$root"/licences/*.txt "$tree/licences/"
+licences
 cp "$source/README.md" "$source/CHANGELOG.md" "$tree/"
 (cd "$folder" && zip -q -r -9 "$name.zip" "$name")
 rm -rf "$tree"
 
 empty=$(mktemp -d)
-trap 'rm -rf "$empty"' EXIT
+export WINEPREFIX="$empty/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+trap 'wineserver -k || true; rm -rf "$empty"' EXIT
 unzip -q "$folder/$name.zip" -d "$empty"
 run() {
-    (cd "$empty/$name/$1" && WINEPREFIX="$build/wine" WINEDEBUG=-all "$source/tests/support/with_screen.sh" 24 \
-        env -u SDL_VIDEODRIVER WINEDLLOVERRIDES="mscoree,mshtml=" wine "$2.exe" --frames 30 --shot "$3")
+    (cd "$empty/$name/$1" && "$source/tests/support/with_screen.sh" 24 \
+        env -u SDL_VIDEODRIVER wine "$2.exe" --frames 30 --shot "$3")
+    wineserver -k || true  # it keeps to the screen that it started on
     # A picture of one colour is a hundredth of this.
     [ "$(wc -c <"$empty/$name/$1/$3")" -gt 10000 ] || { echo "windows.sh: $2 draws nothing" >&2; exit 1; }
     cp "$empty/$name/$1/$3" "$folder/"
