@@ -126,8 +126,9 @@ TEST(BlockTest, PlainBlocksHaveNoRoom) {
     void *block = vnfMalloc(100);
     EXPECT_EQ(roomOf(block), 0u);
     retainBlock(block);
-    EXPECT_EQ(roomOf(block), 0u);
+    EXPECT_EQ(roomOf(block), kShared);
     releaseBlock(block);
+    EXPECT_EQ(roomOf(block), 0u);
     releaseBlock(block);
     EXPECT_EQ(roomOf(nullptr), 0u);
 }
