@@ -4,6 +4,7 @@
 # fuzz.sh FOLDER --nightly [MINUTES [SECONDS]] goes round all targets until the minutes are over (480), SECONDS each (300), keeps
 # what reached something new, looks for leaks at the end, and prints the sums of all nights. While there are targets with fewer
 # than three million executions in all nights, the others wait.
+# fuzz.sh FOLDER --leaks [TARGET] only looks for leaks.
 #
 # FOLDER, that of the build, has bin/fuzz_TARGET. In it: corpus/ (inputs that reached something new), found/ (those that
 # failed), TARGET.txt (what the last run printed), history.txt (a line for each run) and figures.txt (the sums).
@@ -53,9 +54,10 @@ run_target() {
     [ $result = ok ]
 }
 
-# check_leaks TARGET: replays the corpus, with leak checking after each input that did not release what it allocated.
+# check_leaks TARGET: replays the corpus, with leak checking after each input that did not release what it allocated, and with all
+# that a run leaves out for most inputs.
 check_leaks() {
-    "$build/bin/fuzz_$1" -runs=0 -timeout=600 -artifact_prefix="$build/found/$1/" "$build/corpus/$1" \
+    KELTRA_FUZZ_PLAIN=1 "$build/bin/fuzz_$1" -runs=0 -timeout=600 -artifact_prefix="$build/found/$1/" "$build/corpus/$1" "fuzz/inputs/$1" \
         >"$build/$1.leaks.txt" 2>&1 && return
     echo "run: $1: fails when it is replayed, see $build/$1.leaks.txt"
     return 1
@@ -94,6 +96,10 @@ sum_up() {
 }
 
 status=0
+if [ "${1:-}" = --leaks ]; then
+    for target in ${2:-$all_targets}; do check_leaks "$target" || status=1; done
+    exit $status
+fi
 if [ "${1:-}" != --nightly ]; then
     for target in ${1:-$all_targets}; do run_target "$target" "${2:-60}" || status=1; done
     for target in ${1:-$all_targets}; do check_leaks "$target" || status=1; done
