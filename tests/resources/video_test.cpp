@@ -13,7 +13,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// Both decoders may round each transform differently, and pictures build upon pictures.
+// Both decoders may round each transform differently, and each picture depends on others.
 constexpr int kLargestDifference = 6;
 constexpr double kMeanDifference = 1.0;
 

@@ -75,7 +75,7 @@ TEST(InspectScene, ReadsTheOlderVersion) {
     EXPECT_EQ(result.fields["version"], "1.5a");
 }
 
-TEST(InspectScene, NotesWhatTheEngineTakesAndNobodyMeant) {
+TEST(InspectScene, NotesWhatIsTakenButUnusual) {
     const struct {
         const char *note;
         std::function<void(formats::Scene &)> change;
