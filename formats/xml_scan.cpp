@@ -51,10 +51,13 @@ template <std::size_t kOpening, std::size_t kClosing>
 bool MarkupScan::dropPast(const char (&opening)[kOpening], const char (&closing)[kClosing]) {
     char *const place = kept;
     if (!skipPast(opening, closing)) return false;
-    if (way == kShorter)
+    if (way == kShorter) {
         kept = place;
-    else
+        // Else what stands before and behind it could be read as one entity.
+        if (kept != textBegin) *kept++ = ' ';
+    } else {
         std::memset(place, ' ', static_cast<std::size_t>(kept - place));
+    }
     return true;
 }
 
@@ -149,7 +152,7 @@ bool MarkupScan::run() {
         char *const place = kept;
         if (!skipMarkup()) return refused(KT_TEXT("does not end"));
         measure(place);
-        if (kept != place) textBegin = kept;
+        if (*place == '<') textBegin = kept;
     }
     *kept = '\0';
     return true;

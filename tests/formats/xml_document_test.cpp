@@ -180,6 +180,16 @@ TEST(XmlDocument, RefusesWhatIsNoXml) {
     EXPECT_FALSE(parseXmlDocument(nullptr, 0, document));
 }
 
+TEST(XmlDocument, NoEntityReachesAcrossWhatIsLeftOut) {
+    for (const char *between : {"<!-- c -->", "<?p i?>", "<!-- c --><!-- d -->"}) {
+        TiXmlDocument document;
+        const std::string text = std::string("<a>&#12") + between + "6;</a>";
+        EXPECT_FALSE(parseXmlDocument(text.data(), text.size(), document)) << text;
+        const std::string words = std::string("<a>one") + between + "two</a>";
+        EXPECT_TRUE(parseXmlDocument(words.data(), words.size(), document)) << words;
+    }
+}
+
 TEST(XmlDocument, EveryTruncationIsRefusedOrWhole) {
     const std::string text =
         "<?xml version='1.0'?><!-- c --><!DOCTYPE r><r a=\"&#x41;&amp;\" b='\xC3\xA9'><![CDATA[x]]>t<s/></r>";
