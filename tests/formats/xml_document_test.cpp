@@ -255,7 +255,6 @@ TEST(XmlDocument, AttributesTagsAndBytesAreLimited) {
     EXPECT_FALSE(parses("<a v='" + large + "x'/>"));
 }
 
-// Every allocation of a load fails once; what the parser had made by then is released.
 // MinGW's runtime takes blocks for the first exceptions and keeps them. Without memory for the mutex of its
 // reserve it calls itself without end.
 void prepareExceptions() {
@@ -268,6 +267,7 @@ void prepareExceptions() {
 #endif
 }
 
+// Every allocation of a load fails once; what the parser had made by then is released.
 TEST(XmlDocument, NothingIsLostWhenMemoryRunsOut) {
     if (!test::Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
     prepareExceptions();
