@@ -5,10 +5,10 @@
 #include <keltra/export.h>
 
 /** A warning: the call went on without it. An error: the call failed. */
-enum KT_FAULT_SEVERITY { KT_FAULT_WARNING = 0, KT_FAULT_ERROR = 1 };
+enum KT_FAULT_SEVERITY : unsigned int { KT_FAULT_WARNING = 0, KT_FAULT_ERROR = 1 };
 
 /** What went wrong. The numbers stay as they are from version to version. */
-enum KT_FAULT_CODE {
+enum KT_FAULT_CODE : unsigned int {
     KT_FAULT_NONE = 0,
     // Of a call.
     KT_FAULT_NULL = 1,      ///< the argument `field` is null
