@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -61,6 +62,22 @@ TEST_F(FaultTest, AnApplicationReportsItsOwn) {
     EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 1u);
     EXPECT_EQ(KTFAULTS::getLast()->code, KT_FAULT_DATA);
     EXPECT_EQ(last().rfind("GAME::resume: checksum", 0), 0u) << last();
+}
+
+// An application may fill in any of them.
+TEST_F(FaultTest, PlacesOfAnyNumber) {
+    KTFAULT own = newFault(KT_FAULT_OUT_OF_MEMORY);
+    own.byte = LONG_MAX;
+    EXPECT_EQ(sentenceOf(&own), "byte " + std::to_string(LONG_MAX) + ": out of memory");
+    own.byte = 0;
+    EXPECT_EQ(sentenceOf(&own), "byte 0: out of memory");
+    own.byte = LONG_MIN;
+    EXPECT_EQ(sentenceOf(&own), "out of memory");
+    own.line = UINT_MAX;
+    EXPECT_EQ(sentenceOf(&own), "line 4294967295: out of memory");
+    setFaultPath(own.file, "desk.xml");
+    own.neededByLine = 5;
+    EXPECT_EQ(sentenceOf(&own), "desk.xml, line 4294967295: out of memory") << "by nothing";
 }
 
 TEST_F(FaultTest, ArgumentsAreNamed) {
