@@ -38,14 +38,6 @@ unsigned long frees = 0;
 char *all = nullptr;
 std::size_t taken = 0;
 
-bool isOff() {
-    static const bool off = [] {
-        const char *value = std::getenv("KELTRA_FUZZ_PLAIN");
-        return value && *value == '1';
-    }();
-    return off;
-}
-
 Place *newPlace(std::size_t room) {
     if (!all)
         all = static_cast<char *>(
@@ -90,7 +82,7 @@ Place *placeOf(void *block) {
     return nullptr;
 }
 
-bool isLarge(std::size_t size) { return size >= kSmallest && size <= kLargest && !isOff(); }
+bool isLarge(std::size_t size) { return size >= kSmallest && size <= kLargest && !keltra::fuzz::isPlain(); }
 
 }  // namespace
 
