@@ -193,7 +193,7 @@ class Runner:
     def __init__(self, tree):
         self.tree = tree
         library = [name for name in os.listdir(os.path.join(tree.build, "lib")) if re.match(r"libkeltra\.so\.\d+\.\d+", name)]
-        self.library = "lib/" + library[0]
+        self.shared = "lib/" + library[0]
         soname = os.path.join(tree.work, "libkeltra.so.1")
         if not os.path.islink(soname):
             os.symlink(library[0], soname)
@@ -220,7 +220,7 @@ class Runner:
         if self.tree.objects[name] in self.tree.link_command(program):
             words = [self.tree.linked(program, name, mutant)]
         else:
-            library[:] = library or [self.tree.linked(self.library, name, mutant)]
+            library[:] = library or [self.tree.linked(self.shared, name, mutant)]
             environment["LD_LIBRARY_PATH"] = self.tree.work + ":" + os.path.join(self.tree.build, "lib")
             words = [os.path.join(self.tree.build, program)]
         return words + ["--gtest_fail_fast", "--gtest_brief=1"], environment

@@ -2,6 +2,7 @@
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/support/temp_file.h"
+#include "tests/tools/info/inspections.h"
 #include "tests/tools/info/sentences.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
@@ -21,14 +22,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
-
-Inspection inspectBytes(FileKind kind, const Bytes &bytes, const std::string &folder = "") {
-    return info::inspect(kind, bytes.data(), bytes.size(), folder);
-}
-
-Inspection inspectScene(const formats::Scene &scene, const std::string &folder = "") {
-    return inspectBytes(FileKind::kScene, formats::writeKte(scene, formats::KteVersion::k16a), folder);
-}
 
 formats::Scene skinnedScene() {
     formats::Scene scene =

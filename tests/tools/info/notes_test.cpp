@@ -3,6 +3,7 @@
 
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
+#include "tests/tools/info/inspections.h"
 #include "tests/tools/info/sentences.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
@@ -24,14 +25,6 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-
-Inspection inspectBytes(FileKind kind, const Bytes &bytes) {
-    return info::inspect(kind, bytes.data(), bytes.size());
-}
-
-Inspection inspectScene(const formats::Scene &scene) {
-    return inspectBytes(FileKind::kScene, formats::writeKte(scene, formats::KteVersion::k16a));
-}
 
 /// An animation of that many bones without names: each has a note.
 Inspection inspectNameless(unsigned bones) {
