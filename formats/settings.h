@@ -6,9 +6,9 @@
 
 #include <keltra/foundation.h>
 
-#include <cstddef>
-
 #include "foundation/hidden.h"
+
+#include <cstddef>
 
 namespace keltra {
 
