@@ -105,18 +105,12 @@ class Sentence {
         if (letter == 'g') return fault.found;
         if (letter == 'n') return fault.neededBy;
         if (letter == 'p') return fault.file;
-        unsigned long number = letter != 'm' ? fault.line : *fault.neededBy ? fault.neededByLine : 0;
-        bool isThere = number > 0;
-        if (letter == 'b') {
-            isThere = !isThere && fault.byte >= 0;
-            number = static_cast<unsigned long>(fault.byte);
-        }
-        if (!kFaultTexts && letter == 'k') {
-            number = fault.code;
-            isThere = true;
-        }
+        const unsigned int line = letter == 'm' ? fault.neededByLine : fault.line;
+        long number = static_cast<long>(line) - !line;
+        if (letter == 'b') number = line ? -1 : fault.byte;
+        if (!kFaultTexts && letter == 'k') number = fault.code;
         *digits = '\0';
-        if (isThere) std::snprintf(digits, sizeof digits, "%lu", number);
+        if (number >= 0) std::snprintf(digits, sizeof digits, "%ld", number);
         return digits;
     }
 
