@@ -101,7 +101,7 @@ bool KELTRA::clear(bool color, bool depth, bool stencil) {
 
 bool KELTRA::begin3D(KTCAMERA *camera) {
     updateTimer();
-    ++timeStamp;
+    timeStamp = static_cast<long int>(static_cast<unsigned long int>(timeStamp) + 1);  // wraps around
     KTELEMENT::reset();
     KTSHADER::currentShader = nullptr;
     KTSHADER::disable();

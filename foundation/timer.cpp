@@ -34,6 +34,11 @@ void restart(Timer &timer) {
     timer.frequency = source.read ? kNanosecondsPerSecond : keltra::platformCounterFrequency();
 }
 
+// A counter may wrap around in between.
+std::int64_t ticksBetween(std::int64_t last, std::int64_t now) {
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(last));
+}
+
 // Null, with a line in the log, for a bad index or a free timer.
 Timer *findTimer(int index, keltra::FaultCall caller) {
     if (static_cast<unsigned int>(index) < kTimers && timers[index].base != 0.0f) return &timers[index];
@@ -83,7 +88,7 @@ bool keltra::adjournTimer(int index) {
         timer->factor = timer->fps = 0.0f;
         return true;
     }
-    timer->factor = float(timer->now - timer->last) / (float(timer->frequency) / timer->base);
+    timer->factor = float(ticksBetween(timer->last, timer->now)) / (float(timer->frequency) / timer->base);
     // Two frames in one tick, and a negative base, would give a rate without meaning.
     if (timer->factor <= 0.0f) timer->factor = 1.0f;
     timer->fps = timer->base / timer->factor;

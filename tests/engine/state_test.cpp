@@ -21,6 +21,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 #include "tests/engine/state_stage.h"
 #include "tests/support/engine_fixture.h"
@@ -136,11 +137,44 @@ void pick() {
         KELTRA::select(point.first, point.second);
 }
 
+// What loads without an identifier is drawn and destroyed.
+void takeAllIdentifiers() {
+    std::vector<unsigned int> taken;
+    while (const unsigned int id = vnfNewId()) taken.push_back(id);
+    ASSERT_FALSE(taken.empty());
+    {
+        const std::unique_ptr<Stage> other = subject("WholeScene").make(Side::kLeft);
+        for (KTNODE *node : other->scene) {
+            EXPECT_EQ(node->getId(), 0u);
+            node->pass();
+        }
+    }
+    for (const unsigned int id : taken) EXPECT_TRUE(releaseId(id));
+}
+
+// Nodes that are gone when the next pass begins.
+void fillTheList() {
+    KTHELPER helper;
+    for (unsigned int i = KTELEMENT::getNumberOfPassedElements(); i < KTELEMENT::getNumberOfElements(); ++i)
+        EXPECT_TRUE(KTELEMENT::pass(&helper));
+    EXPECT_FALSE(KTELEMENT::pass(&helper));
+}
+
+// The frame counter wraps around in the next frame, as after 2^31 frames where a long has 32 bits.
+void endTheCounter() { KELTRA::timeStamp = std::numeric_limits<long int>::max(); }
+
+// Later frames have stamps that a texture holds as negative ones.
+void passTwoThousandMillionFrames() { KELTRA::timeStamp = std::numeric_limits<std::int32_t>::max(); }
+
 constexpr Disturbance kDisturbances[] = {
     {"Picking", nullptr, pick},
     {"AFailedLoad", failToLoad, nullptr},
     {"GarbageCollection", collectGarbage, nullptr, true},
     {"AFilmUpdated", updateFilm, updateFilm},
+    {"NoIdentifierLeft", takeAllIdentifiers, nullptr},
+    {"AFullRenderList", nullptr, fillTheList},
+    {"TheLastFrameThatIsCounted", endTheCounter, nullptr},
+    {"TwoThousandMillionFrames", passTwoThousandMillionFrames, nullptr},
 };
 
 class StateTest : public EngineTest, public ::testing::WithParamInterface<const Subject *> {

@@ -144,6 +144,15 @@ TEST_F(SetClockTest, AClockThatRunsBackwardsGivesOneAsTheSystemsDoes) {
     EXPECT_EQ(vnfGetTimerFactor(timer), 1.0f);
 }
 
+TEST_F(SetClockTest, AClockMayWrapAround) {
+    now = std::numeric_limits<std::int64_t>::max() - 124999999;
+    vnfSetClock(tell, &now);
+    const int timer = vnfNewTimer(1.0f);
+    now = std::numeric_limits<std::int64_t>::min() + 125000000;
+    EXPECT_TRUE(vnfAdjournTimer(timer));
+    EXPECT_FLOAT_EQ(vnfGetTimerFactor(timer), 0.25f);
+}
+
 TEST_F(SetClockTest, TimersInUseGoOnFromTheNewClocksTime) {
     const int timer = vnfNewTimer(1.0f);
     passMilliseconds(300);
