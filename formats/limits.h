@@ -37,8 +37,8 @@ constexpr unsigned int kVideoMemory = 8u << 20;  // bytes of all textures that a
 // Emitters.
 constexpr unsigned int kMaxParticles = 512;
 
-// XML. The parser recurses for every nested element, and the device's stack is 64 KB; it looks each attribute
-// up among the element's others; and every tag costs it some hundred bytes.
+// XML. Nested elements are released by destructors that call one another, and the device's stack is 64 KB;
+// the parser looks each attribute up among the element's others; and every tag costs it some hundred bytes.
 constexpr long kMaxXmlBytes = 4L << 20;
 constexpr unsigned int kMaxXmlNesting = 64;
 constexpr unsigned int kMaxXmlAttributes = 64;

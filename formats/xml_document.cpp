@@ -6,6 +6,7 @@
 #include "formats/plain_integer.h"
 #include "formats/xml_plain.h"
 #include "formats/xml_scan.h"
+#include "formats/xml_tree.h"
 #include "foundation/file_bytes.h"
 #include "foundation/quiet.h"
 
@@ -15,7 +16,6 @@
 #include <climits>
 #include <clocale>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -103,19 +103,18 @@ XmlText TextEndsWithMemory::text = {};
 void *TextEndsWithMemory::reserve = nullptr;
 bool TextEndsWithMemory::exhausted = false;
 
-// The parser's number of the error, 0 without one. The text is lost when memory runs out.
-int parseText(const XmlText &text, TiXmlDocument &document, int tabSize) {
+// What `work` returns; the text is lost when memory runs out.
+template <class Work>
+XmlEnd withReserve(const XmlText &text, Work work) {
+    static constexpr XmlEnd kWithoutMemory = {kNoMemory, nullptr, false};
     const TextEndsWithMemory guard(text);
-    if (!guard.hasReserve()) return kNoMemory;
+    if (!guard.hasReserve()) return kWithoutMemory;
     try {
-        document.Clear();
-        document.SetTabSize(tabSize);
-        document.Parse(text.begin, nullptr, TIXML_ENCODING_LEGACY);
+        const XmlEnd end = work();
+        return guard.isExhausted() ? kWithoutMemory : end;
     } catch (const std::bad_alloc &) {
-        return kNoMemory;
+        return kWithoutMemory;
     }
-    if (guard.isExhausted()) return kNoMemory;
-    return document.Error() ? document.ErrorId() : 0;
 }
 
 Fault faultOf(int error) {
@@ -149,38 +148,33 @@ Fault faultOf(int error) {
 }
 
 // The parser reports the position of an error only when it tracks row and column, and then loops without end
-// on some bytes beyond ASCII. So the text is parsed again with letters, as which these bytes count, in their
-// place. Where that makes different names equal, the position is the beginning of the document.
-Fault findError(const XmlText &text, int error) {
-    Fault fault = faultOf(error);
-    if (error == kNoMemory) return fault;
-    for (char *c = text.begin; *c; ++c) {
+// on some bytes beyond ASCII. So the tag is parsed again with letters, as which these bytes count, in their
+// place. Where that makes different names equal, the position is the beginning of the tag.
+std::size_t offsetInTag(char *tag, std::size_t longestPiece) {
+    char *const end = tag + std::strlen(tag);
+    for (char *c = tag; c < end; ++c) {
         const unsigned char byte = static_cast<unsigned char>(*c);
         if (byte >= 127) *c = static_cast<char>('a' + byte % 26);
     }
     TiXmlDocument document;
-    if (parseText(text, document, 1) <= 0) return fault;
-    const char *at = text.begin;
+    document.SetTabSize(1);
+    const XmlEnd found = withReserve({tag, end, longestPiece}, [&]() -> XmlEnd {
+        document.Parse(tag, nullptr, TIXML_ENCODING_LEGACY);
+        return {document.ErrorId(), nullptr, true};
+    });
+    if (found.error <= 0) return 0;
+    const char *at = tag;
     for (int row = document.ErrorRow(); row > 1 && *at; ++at) row -= *at == '\n';
     for (int column = document.ErrorCol(); column > 1 && *at && *at != '\n'; --column) ++at;
-    fault.offset = static_cast<std::size_t>(at - text.begin);
-    return fault;
+    return static_cast<std::size_t>(at - tag);
 }
 
-// Gives each element its line.
-void noteLines(const unsigned int *lines, unsigned int count, TiXmlDocument &document) {
-    for (TiXmlNode *node = document.FirstChild(); node;) {
-        if (TiXmlElement *element = node->ToElement()) {
-            if (count-- == 0) return;
-            element->SetUserData(reinterpret_cast<void *>(std::uintptr_t{*lines++}));
-        }
-        if (node->FirstChild()) {
-            node = node->FirstChild();
-            continue;
-        }
-        while (node && !node->NextSibling()) node = node->Parent();
-        if (node) node = node->NextSibling();
-    }
+Fault findError(const XmlText &text, const XmlEnd &end) {
+    Fault fault = faultOf(end.error);
+    if (!end.at) return fault;
+    fault.offset = static_cast<std::size_t>(end.at - text.begin);
+    if (end.isInTag) fault.offset += offsetInTag(end.at, text.longestPiece);
+    return fault;
 }
 
 // A text of `size` bytes, with room for its copy and for the line of each element.
@@ -197,22 +191,26 @@ std::size_t mostElements(std::size_t size) {
 
 // Without tab stops the parser tracks no row and column: that code loops without end on some byte sequences.
 // Parsed as bytes, no character can claim a length beyond the end of the text.
-int parseScanned(const XmlSource &source, const MarkupScan &scan, TiXmlDocument &document) {
-    const int error = parseText({source.copy, scan.keptEnd(), scan.longestPiece()}, document, 0);
-    if (error == 0)
-        noteLines(source.lines, scan.elementCount(), document);
-    else
-        document.Clear();
-    return error;
+XmlEnd parseScanned(const XmlSource &source, const MarkupScan &scan, TiXmlDocument &document) {
+    const XmlEnd end =
+        withReserve({source.copy, scan.keptEnd(), scan.longestPiece()}, [&source, &document]() -> XmlEnd {
+            document.ClearError();
+            return readXmlTree(source.copy, source.lines, document);
+        });
+    if (end.error) document.Clear();
+    return end;
 }
 
 bool parseWhole(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
     char *const end = copyLines(source.copy, source.bytes, source.size);
     MarkupScan scan(source.copy, end, source.lines, MarkupScan::kSameLength);
-    const bool isMeasured = scan.run();
-    const int error = isMeasured ? parseScanned(source, scan, document) : 0;
-    if (isMeasured && error == 0) return true;
-    if (fault) *fault = isMeasured ? findError({source.copy, end, scan.longestPiece()}, error) : scan.fault();
+    if (!scan.run()) {
+        if (fault) *fault = scan.fault();
+        return false;
+    }
+    const XmlEnd reached = parseScanned(source, scan, document);
+    if (reached.error == 0) return true;
+    if (fault) *fault = findError({source.copy, end, scan.longestPiece()}, reached);
     return false;
 }
 
@@ -237,7 +235,7 @@ bool parseSource(const XmlSource &source, TiXmlDocument &document, Fault *fault)
     char *const end = copyLines(source.copy, source.bytes, source.size);
     MarkupScan scan(source.copy, end, source.lines, MarkupScan::kShorter);
     if (scan.run() && scan.elementCount() > 0) {
-        const int error = parseScanned(source, scan, document);
+        const int error = parseScanned(source, scan, document).error;
         if (error == 0) return true;
         if (error == kNoMemory) return refuseMemory(fault);
     }
@@ -304,7 +302,7 @@ bool parseXmlDocument(const char *bytes, std::size_t size, TiXmlDocument &docume
     static constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t mark = size >= 3 && std::memcmp(bytes, kByteOrderMark, 3) == 0 ? 3 : 0;
     const std::size_t textSize = size - mark, linesSize = mostElements(textSize) * sizeof(unsigned int);
-    void *const block = allocate(static_cast<unsigned int>(linesSize + textSize + 1));
+    void *const block = allocate(static_cast<unsigned int>(linesSize + textSize + 2));
     if (!block) return refuseMemory(fault);
     const XmlSource source = {bytes + mark, textSize, static_cast<char *>(block) + linesSize,
                               static_cast<unsigned int *>(block)};
