@@ -10,6 +10,7 @@
 #include "foundation/cold.h"
 #include "foundation/memory.h"
 #include "foundation/object_list.h"
+#include "platform/platform.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -24,6 +25,16 @@ template <class T>
 struct ObjectMemory {
     static const bool isCleared = false;
 };
+
+// For large blocks C libraries ask the system, which gives cleared pages; but on Linux of 64 bits they give
+// what was released before, and clear it.
+inline void *clearedBlock(std::size_t size) {
+    void *const block = std::calloc(1, size);
+#if defined(__linux__) && __SIZEOF_POINTER__ == 8
+    if (block) platformDropZeros(block, size);
+#endif
+    return block;
+}
 
 // Pointers to what a class shows of its list: the members `name`, `previous` and `next`, and the static
 // `first`, which may be nullptr.
@@ -60,7 +71,7 @@ void *KTREGISTERED<T>::operator new(std::size_t size, const std::nothrow_t &) no
     keltra::ObjectList &objects = list();
     void *block = nullptr;
     if constexpr (keltra::ObjectMemory<T>::isCleared)
-        block = std::calloc(1, size);
+        block = keltra::clearedBlock(size);
     else if (!(block = objects.pool.take(size, objects.count)))
         block = std::malloc(size);
     objects.fresh.add(block, size);

@@ -128,6 +128,17 @@ char *mapPages(std::size_t size) {
 
 }  // namespace
 
+// Memory of a C library's heap is private, and such pages read as zeros when they come back.
+void platformDropZeros(void *block, std::size_t size) {
+    const std::uintptr_t page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(block);
+    const std::uintptr_t begin = (address + page - 1) / page * page, end = (address + size) / page * page;
+    if (begin >= end) return;
+    const int earlier = errno;
+    madvise(reinterpret_cast<void *>(begin), end - begin, MADV_DONTNEED);
+    errno = earlier;
+}
+
 // Behind one such block the system most often puts the next; else the ends of a larger one are given back.
 void *platformTakePages(std::size_t size) {
     const int earlier = errno;

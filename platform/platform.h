@@ -34,6 +34,10 @@ void platformExpectUse(void *block, std::size_t size);
 void *platformTakePages(std::size_t size);
 void platformReturnPages(void *block, std::size_t size);
 
+// Gives the pages of a block back that the C library has cleared: they take no memory until they are used.
+// Where the two above are.
+void platformDropZeros(void *block, std::size_t size);
+
 struct LocalTime {
     unsigned int day, month, year, hour, minute, second, millisecond;  // month 1 to 12, year with its century
 };

@@ -1,14 +1,6 @@
 // SPDX-License-Identifier: Zlib
 #include <keltra/anim.h>
 
-#ifdef _WIN32
-#include <windows.h>
-
-#include <psapi.h>
-#else
-#include <unistd.h>
-#endif
-
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -35,57 +27,6 @@ TEST_F(AnimTest, IsEmptyAtFirst) {
         }
     }
     for (unsigned bone = 0; bone < KTANIM::maxBones; ++bone) ASSERT_STREQ(anim->getBoneName(bone), "");
-}
-
-// Bytes of this process that are in memory.
-long residentBytes() {
-#ifdef _WIN32
-    PROCESS_MEMORY_COUNTERS memory;
-    const BOOL read = GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
-    return read ? static_cast<long>(memory.WorkingSetSize) : 0;
-#else
-    long pages = 0, resident = 0;
-    std::FILE *file = std::fopen("/proc/self/statm", "r");
-    if (!file) return 0;
-    const int read = std::fscanf(file, "%ld %ld", &pages, &resident);
-    std::fclose(file);
-    return read == 2 ? resident * sysconf(_SC_PAGESIZE) : 0;
-#endif
-}
-
-TEST_F(AnimTest, RowsThatAreNotUsedTakeNoMemory) {
-    if (!Allocations::canFail()) GTEST_SKIP() << "a sanitizer owns malloc";
-    constexpr long kAnims = 10, kRows = 24, kBones = 20;
-    const long before = residentBytes();
-    ASSERT_GT(before, 0);
-    for (int i = 0; i < kAnims; ++i) {
-        KTANIM *anim = newAnim(kBones, kRows);
-        for (unsigned frame = 0; frame < kRows; ++frame) anim->setFrame(frame, 0, 1.0f, 2.0f, 3.0f);
-    }
-    const long used = residentBytes() - before, whole = kAnims * static_cast<long>(sizeof(KTANIM));
-    EXPECT_LT(used, whole / 10) << "of " << whole;
-}
-
-TEST_F(AnimTest, IsClearInMemoryThatWasUsed) {
-    const auto isClear = [](KTANIM &anim) {
-        for (unsigned frame = 0; frame <= KTANIM::maxFrames; ++frame)
-            for (const KTBONEFRAME &keyframe : anim.keyframes[frame])
-                if (keyframe.rotation != kZero || keyframe.position != kZero || keyframe.set) return false;
-        return true;
-    };
-    const std::unique_ptr<unsigned char[]> place(new unsigned char[sizeof(KTANIM) + alignof(KTANIM)]);
-    std::memset(place.get(), 0xa5, sizeof(KTANIM) + alignof(KTANIM));
-    void *aligned = place.get();
-    std::size_t room = sizeof(KTANIM) + alignof(KTANIM);
-    ASSERT_TRUE(std::align(alignof(KTANIM), sizeof(KTANIM), aligned, room));
-    KTANIM *placed = new (aligned) KTANIM;
-    EXPECT_TRUE(isClear(*placed));
-    placed->~KTANIM();
-    for (int i = 0; i < 8; ++i) {
-        const std::unique_ptr<KTANIM> anim(new KTANIM);
-        ASSERT_TRUE(isClear(*anim)) << i;
-        std::memset(static_cast<void *>(anim->keyframes), 0xa5, sizeof anim->keyframes);
-    }
 }
 
 TEST_F(AnimTest, StandsOnTheListInOrderOfCreation) {
