@@ -26,43 +26,43 @@ struct TgaPackets {
 // before a packet that is longer or has more pixels than are missing.
 extern "C" __attribute__((visibility("hidden"))) void keltraUnpackShort4(TgaPackets *packets);
 
-// Exchanges the first and the third byte of each pixel of three bytes, in place, at a multiple of four: eight
-// pixels are six words. At the first byte of a pixel stands what it differs by from the third one, which is
-// 16 bits higher, for two of four pixels in the next word. Returns the pixels that it converted, all but a
-// few.
+// Exchanges the first and the third byte of each pixel of three bytes, in place, at a multiple of four: four
+// pixels are three words. At both ends of a word stands what the two bytes of a pixel differ by: in the first
+// word of the first pixel and the second one, in the third word of the third and the fourth. Their other
+// bytes are 16 bits away. Returns the pixels that it converted, all but a few.
 inline std::size_t exchangeWords3(std::uint8_t *place, std::size_t pixels) {
-    const std::size_t done = pixels & ~std::size_t{7};
-    if (done == 0) return 0;
+    constexpr std::size_t kTurn = 12;
+    if (pixels < kTurn) return 0;
+    std::size_t left = pixels - kTurn;
     asm volatile(
         R"(
     .macro exchangeFour a, b, c
-        eor r10, \a, \a, lsr #16
-        eor r10, r10, \b, lsl #16
-        and r10, r10, %[outer]
-        eor r12, \b, \c, lsl #16
-        and r12, r12, #0xff0000
-        eor lr, \c, \c, lsr #16
-        and lr, lr, #0xff00
-        eor \a, \a, r10
-        eor \a, \a, r10, lsl #16
-        eor \b, \b, r10, lsr #16
-        eor \b, \b, r12
-        eor \c, \c, r12, lsr #16
+        eor lr, \a, \a, lsr #16
+        eor lr, lr, \b, lsl #16
+        and lr, lr, %[ends]
+        eor \a, \a, lr
+        eor \a, \a, lr, lsl #16
+        eor \b, \b, lr, lsr #16
+        eor lr, \c, \c, lsl #16
+        eor lr, lr, \b, lsr #16
+        and lr, lr, %[ends]
+        eor \b, \b, lr, lsl #16
         eor \c, \c, lr
-        eor \c, \c, lr, lsl #16
+        eor \c, \c, lr, lsr #16
     .endm
     1:
-        ldmia %[place], {r4-r9}
-        exchangeFour r4, r5, r6
-        exchangeFour r7, r8, r9
-        stmia %[place]!, {r4-r9}
-        cmp %[place], %[end]
-        bne 1b
+        ldmia %[place], {r3-r10, r12}
+        exchangeFour r3, r4, r5
+        exchangeFour r6, r7, r8
+        exchangeFour r9, r10, r12
+        stmia %[place]!, {r3-r10, r12}
+        subs %[left], %[left], %[turn]
+        bhs 1b
     .purgem exchangeFour)"
-        : [place] "+r"(place)
-        : [end] "r"(place + 3 * done), [outer] "r"(0xff0000ff)
-        : "r4", "r5", "r6", "r7", "r8", "r9", "r10", "r12", "lr", "cc", "memory");
-    return done;
+        : [place] "+r"(place), [left] "+r"(left)
+        : [turn] "I"(kTurn), [ends] "r"(0xff0000ff)
+        : "r3", "r4", "r5", "r6", "r7", "r8", "r9", "r10", "r12", "lr", "cc", "memory");
+    return pixels - (left + kTurn);
 }
 
 #else
