@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/scene_record.h"
 
+#include "formats/face_indices.h"
 #include "formats/limits.h"
 #include "math/fixed.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace keltra {
@@ -23,15 +25,12 @@ bool acceptChildren(FieldReader &reader, std::size_t offset, unsigned int childr
                               KT_TEXT("more than the rest of the file can hold"));
 }
 
-// Only the largest index matters.
 bool acceptFaces(FieldReader &reader, const MeshRecord &record) {
+    const std::size_t indices = 3 * record.faceCount;
+    if (areIndicesBelow(record.faces, indices, record.vertexCount)) return true;
     unsigned int largest = 0;
-    const unsigned char *bytes = record.faces;
-    for (const unsigned char *end = bytes + record.faceCount * kFaceSize; bytes != end; bytes += 2) {
-        const unsigned int index = bytes[0] | bytes[1] << 8;
-        if (index > largest) largest = index;
-    }
-    if (record.faceCount == 0 || largest < record.vertexCount) return true;
+    for (const unsigned char *index = record.faces; index != record.faces + 2 * indices; index += 2)
+        largest = std::max(largest, index[0] | unsigned{index[1]} << 8);
     return reader.refuseValue(reader.offsetOf(record.faces), KT_TEXT("faces"), static_cast<long>(largest),
                               KT_TEXT("vertex index out of range"));
 }
