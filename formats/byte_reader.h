@@ -39,6 +39,15 @@ class ByteReader {
         return value;
     }
 
+    // As the processor has floats too. All of them are 0 on overrun.
+    void floats(float *values, std::size_t count) {
+        const std::size_t size = count * sizeof(float);
+        if (const unsigned char *bytes = take(size))
+            std::memcpy(values, bytes, size);
+        else
+            std::memset(values, 0, size);
+    }
+
     // The next bytes, in place; null on overrun.
     const unsigned char *take(std::size_t bytes) {
         if (bytes > left) {

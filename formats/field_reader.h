@@ -20,10 +20,7 @@ class FieldReader {
     std::uint16_t u16(FaultText name) { return at(name).u16(); }
     std::uint32_t u32(FaultText name) { return at(name).u32(); }
     float f32(FaultText name) { return at(name).f32(); }
-    void floats(FaultText name, float *values, int count) {
-        at(name);
-        for (int i = 0; i < count; ++i) values[i] = reader.f32();
-    }
+    void floats(FaultText name, float *values, std::size_t count) { at(name).floats(values, count); }
     const char *string(FaultText name) { return at(name).string(kNameSize); }
     const unsigned char *array(FaultText name, std::uint64_t elements, std::size_t elementSize) {
         const std::uint64_t bytes = elements * elementSize;

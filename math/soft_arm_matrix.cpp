@@ -63,13 +63,13 @@ function keltraCopyTwice
     pop {r4-r10, pc}
     .size keltraCopyTwice, . - keltraCopyTwice
 
-@ Float to 16.16: the mantissa with 32 bits, shifted by 142 less the exponent. By less than 1 it does not fit.
+@ Float to 16.16: the mantissa with 32 bits, its first one in r9, shifted by 142 less the exponent. By less
+@ than 1 it does not fit.
 .macro toFixed value
     mov r12, \value, lsl #1
     subs r12, lr, r12, lsr #24
     ble 2\@f
-    mov r8, \value, lsl #8
-    orr r8, r8, #0x80000000
+    orr r8, r9, \value, lsl #8
     mov r8, r8, lsr r12
     eor r8, r8, \value, asr #31
     sub \value, r8, \value, asr #31
@@ -81,8 +81,9 @@ function keltraCopyTwice
     .subsection 0
 .endm
 function keltraToFixed
-    push {r4-r8, lr}
+    push {r4-r9, lr}
     mov lr, #142
+    mov r9, #0x80000000
 1:
     ldmia r0!, {r4, r5, r6, r7}
     stmia r1!, {r4, r5, r6, r7}
@@ -93,7 +94,7 @@ function keltraToFixed
     stmia r2!, {r4, r5, r6, r7}
     subs r3, r3, #1
     bne 1b
-    pop {r4-r8, pc}
+    pop {r4-r9, pc}
     .size keltraToFixed, . - keltraToFixed
 
 @ To 1 unless `number` is zero or in the range.
