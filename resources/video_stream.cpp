@@ -3,6 +3,11 @@
 
 #include <keltra/foundation.h>
 
+#include "formats/limits.h"
+#include "foundation/fault.h"
+#include "foundation/quiet.h"
+#include "platform/platform.h"
+
 #include <stdint.h>  // the decoder's headers use its types and do not include it
 
 extern "C" {
@@ -12,11 +17,6 @@ extern "C" {
 
 #include <csetjmp>
 #include <cstring>
-
-#include "formats/limits.h"
-#include "foundation/fault.h"
-#include "foundation/quiet.h"
-#include "platform/platform.h"
 
 namespace keltra {
 namespace {

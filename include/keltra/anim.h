@@ -2,10 +2,10 @@
 #ifndef KELTRA_ANIM_H
 #define KELTRA_ANIM_H
 
-#include <cstdint>
-
 #include <keltra/registered.h>
 #include <keltra/vector.h>
+
+#include <cstdint>
 
 class KTANIM;
 class KTMESH;

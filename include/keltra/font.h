@@ -2,9 +2,9 @@
 #ifndef KELTRA_FONT_H
 #define KELTRA_FONT_H
 
-#include <cstdint>
-
 #include <keltra/registered.h>
+
+#include <cstdint>
 
 namespace keltra {
 template <class T>

@@ -9,9 +9,9 @@
  * open. The state is process-wide and unguarded: everything is called from the one rendering thread.
  * Failures are reported by results and, where a call says so, by one line in the run log. */
 
-#include <cstdint>
-
 #include <keltra/export.h>
+
+#include <cstdint>
 
 #if defined(__GNUC__)
 #define KELTRA_PRINTF_LIKE __attribute__((format(printf, 1, 2)))

@@ -10,9 +10,9 @@
  * behind the other; everything that touches a GL matrix goes through them. Arrays of colours and positions
  * always hold four values; a null array does nothing. */
 
-#include <GLES/gl.h>
-
 #include <keltra/export.h>
+
+#include <GLES/gl.h>
 
 /** Parameters of the light model: glLightModelx with one value, glLightModelxv with four. */
 KT_API void KT_glLightModelf(GLenum pname, float param);

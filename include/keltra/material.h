@@ -2,10 +2,10 @@
 #ifndef KELTRA_MATERIAL_H
 #define KELTRA_MATERIAL_H
 
-#include <cstdint>
-
 #include <keltra/registered.h>
 #include <keltra/vector.h>
+
+#include <cstdint>
 
 namespace keltra {
 template <class T>

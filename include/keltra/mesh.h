@@ -2,9 +2,9 @@
 #ifndef KELTRA_MESH_H
 #define KELTRA_MESH_H
 
-#include <cstdint>
-
 #include <keltra/node.h>
+
+#include <cstdint>
 
 namespace keltra {
 template <class T>

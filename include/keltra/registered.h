@@ -2,10 +2,10 @@
 #ifndef KELTRA_REGISTERED_H
 #define KELTRA_REGISTERED_H
 
+#include <keltra/export.h>
+
 #include <cstddef>
 #include <new>
-
-#include <keltra/export.h>
 
 namespace keltra {
 

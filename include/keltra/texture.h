@@ -2,9 +2,9 @@
 #ifndef KELTRA_TEXTURE_H
 #define KELTRA_TEXTURE_H
 
-#include <cstdint>
-
 #include <keltra/registered.h>
+
+#include <cstdint>
 
 class KTEMITTER;
 class KTTEXTURE;

@@ -10,9 +10,9 @@
  * comparisons are exact. Compound assignments return a copy of the new value. Nothing guards against a
  * division by zero except where a call says so. Angles are in radians here. */
 
-#include <type_traits>
-
 #include <keltra/export.h>
+
+#include <type_traits>
 
 #if defined(__GNUC__)
 #pragma GCC diagnostic push

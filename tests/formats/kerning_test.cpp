@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Zlib
 #include "formats/kerning.h"
 
-#include "formats/key_check.h"
-
 #include <gtest/gtest.h>
 #include <keltra/fault.h>
 
 #include <cstring>
 #include <random>
 #include <string>
+
+#include "formats/key_check.h"
 
 namespace keltra::test {
 namespace {

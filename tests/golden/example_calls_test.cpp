@@ -13,12 +13,11 @@ extern "C" {
 #include <mpeg2.h>
 }
 #endif
+#include <example_list.h>  // made by CMake
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-
-#include <example_list.h>  // made by CMake
 
 #include "tests/support/call_hash.h"
 #include "tests/support/engine_fixture.h"

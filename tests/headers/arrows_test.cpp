@@ -39,12 +39,14 @@ TEST(ArrowsTest, NoIncludePointsUp) {
 
 TEST(ArrowsTest, NoFilesIncludeOneAnotherInACircle) { EXPECT_THAT(house().circles(), IsEmpty()); }
 
+TEST(ArrowsTest, IncludesStandInOneOrder) { EXPECT_THAT(house().misplacedIncludes(), IsEmpty()); }
+
 // --- a checkout with faults, which are found
 
 class ArrowsFaultTest : public ::testing::Test {
    protected:
     void SetUp() override {
-        for (const char *room : {"include/keltra", "cellar", "attic", "build"})
+        for (const char *room : {"include/keltra", "cellar", "attic", "tests", "build"})
             std::filesystem::create_directories(folder.path(room));
         folder.write("CONTRIBUTING.md",
                      "# Rooms\n\n| Room | Headers |\n|---|---|\n| `cellar/` | `jam.h` |\n"
@@ -52,7 +54,7 @@ class ArrowsFaultTest : public ::testing::Test {
         folder.write("include/keltra/jam.h", "");
         folder.write("include/keltra/owl.h", "#include <keltra/jam.h>\n");
         folder.write("include/keltra/bat.h", "  # include \"keltra/none.h\"\n");
-        folder.write("include/keltra/bat.h", "#include <cstdio>\n#include <keltra/owl.h> // why\n");
+        folder.write("include/keltra/bat.h", "#include <keltra/owl.h> // why\n#include <cstdio>\n");
         folder.write("cellar/jam.cpp", "#include <keltra/jam.h>\n");
         folder.write("attic/owl.cpp", "#include <keltra/owl.h>\n#include \"cellar/pot.h\"\n");
         folder.write("cellar/pot.h", "");
@@ -78,6 +80,7 @@ TEST_F(ArrowsFaultTest, AGoodCheckoutHasNone) {
     EXPECT_THAT(graph.unknownIncludes(), IsEmpty());
     EXPECT_THAT(graph.upwardIncludes(), IsEmpty());
     EXPECT_THAT(graph.circles(), IsEmpty());
+    EXPECT_THAT(graph.misplacedIncludes(), IsEmpty());
 }
 
 TEST_F(ArrowsFaultTest, AnIncludeThatPointsUpIsFound) {
@@ -104,6 +107,22 @@ TEST_F(ArrowsFaultTest, AFileOutsideOfTheTableIsFound) {
 TEST_F(ArrowsFaultTest, AHeaderThatIsNotThereIsFound) {
     folder.write("attic/owl.cpp", "#include \"nest.h\"\n");
     EXPECT_THAT(read().unknownIncludes(), ElementsAre("attic/owl.cpp:1 includes nest.h, which is not there"));
+}
+
+TEST_F(ArrowsFaultTest, AnIncludeInTheWrongPlaceIsFound) {
+    folder.write("attic/owl.cpp",
+                 "#include \"cellar/pot.h\"\n#include \"cellar/pot.h\"\n#include <keltra/owl.h>\n#include "
+                 "<keltra/jam.h>\n"
+                 "#include <string>\n#include <SDL.h>\n#if 1\n#include <SDL.h>\n#include <string>\n#endif\n");
+    folder.write("tests/owl_test.cpp",
+                 "#include \"cellar/pot.h\"\n#include <gtest/gtest.h>\n#include <string>\n"
+                 "#include \"cellar/pot.h\"\n#include <keltra/jam.h>\n#include <map>\n");
+    EXPECT_THAT(read().misplacedIncludes(),
+                ElementsAre("attic/owl.cpp:3 includes keltra/owl.h below cellar/pot.h",
+                            "attic/owl.cpp:4 includes keltra/jam.h below cellar/pot.h",
+                            "attic/owl.cpp:6 includes SDL.h below string",
+                            "tests/owl_test.cpp:5 includes keltra/jam.h below cellar/pot.h",
+                            "tests/owl_test.cpp:6 includes map below cellar/pot.h"));
 }
 
 TEST_F(ArrowsFaultTest, ATableThatDoesNotFitIsFound) {

@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 
 constexpr char kPublicFolder[] = "include/keltra/";
 constexpr char kTableHead[] = "| Room |";
+constexpr const char *kQuotedLast[] = {"tests/", "examples/", "games/", "fuzz/", "benchmarks/"};
 
 bool startsWith(const std::string &text, const std::string &start) { return text.rfind(start, 0) == 0; }
 
@@ -66,21 +67,42 @@ void IncludeGraph::readSources(const std::string &folder) {
 }
 
 void IncludeGraph::readIncludes(const std::string &folder, const std::string &file) {
-    static const std::regex include("^\\s*#\\s*include\\s*([\"<])([^\">]+)[\">].*");
+    static const std::regex directive("^\\s*#\\s*(include|if|el|endif)\\w*\\s*(([\"<])([^\">]+)[\">])?.*");
     std::ifstream text(folder + "/" + file);
-    std::string line;
+    std::string line, above;
     std::smatch match;
+    int rankAbove = 0;
     for (int number = 1; std::getline(text, line); ++number) {
-        if (line.find("include") == std::string::npos || !std::regex_match(line, match, include)) continue;
-        const bool quoted = match[1] == "\"";
-        if (!quoted && !startsWith(match[2], "keltra/")) continue;
-        const std::string target = resolve(file, quoted ? match[2].str() : "include/" + match[2].str());
-        if (target.empty())
-            unknown.push_back(file + ":" + std::to_string(number) + " includes " + match[2].str() +
-                              ", which is not there");
-        else
+        if (line.find('#') == std::string::npos || !std::regex_match(line, match, directive)) continue;
+        if (match[1] != "include") {
+            rankAbove = 0;
+            continue;
+        }
+        const std::string name = match[4];
+        const bool isProjects = match[3] == "\"" || startsWith(name, "keltra/");
+        const std::string target =
+            !isProjects ? "" : resolve(file, match[3] == "\"" ? name : "include/" + name);
+        const std::string place = file + ":" + std::to_string(number) + " includes " + name;
+        if (!target.empty())
             arrows.push_back({file, target, number});
+        else if (isProjects)
+            unknown.push_back(place + ", which is not there");
+        const int rank = rankOf(file, match[2], target, above.empty());
+        if (rank < rankAbove) misplaced.push_back(place + " below " + above);
+        rankAbove = std::max(rank, rankAbove);
+        if (rank == rankAbove) above = name;
     }
+}
+
+/// The place of an include among those of its file, as CONTRIBUTING.md orders them.
+int IncludeGraph::rankOf(const std::string &from, const std::string &name, const std::string &target,
+                         bool isFirst) const {
+    const bool isQuoted = name[0] == '"';
+    const bool isStandard = !isQuoted && name.find('.') == std::string::npos;
+    if (!target.empty() && (isFirst || unitOf(target) == unitOf(from))) return 0;
+    for (const char *folder : kQuotedLast)
+        if (startsWith(from, folder)) return isQuoted ? 3 : isStandard ? 2 : 1;
+    return isQuoted ? 2 : !target.empty() ? 1 : isStandard ? 4 : 3;
 }
 
 // Quoted names count from the top of the checkout, or else from the file's own folder. Empty when neither is

@@ -42,6 +42,8 @@ class IncludeGraph {
     std::vector<std::string> faultsOfTheTable() const;
     std::vector<std::string> filesWithoutRoom() const;
     std::vector<std::string> unknownIncludes() const { return unknown; }
+    /// Includes that stand below one that belongs after them. A preprocessor condition starts a new list.
+    std::vector<std::string> misplacedIncludes() const { return misplaced; }
     std::vector<std::string> upwardIncludes() const;
     /// One line for each set of units that include one another in a circle.
     std::vector<std::string> circles() const;
@@ -51,12 +53,14 @@ class IncludeGraph {
     void readSources(const std::string &folder);
     void readIncludes(const std::string &folder, const std::string &file);
     std::string resolve(const std::string &from, const std::string &name) const;
+    int rankOf(const std::string &from, const std::string &name, const std::string &target,
+               bool isFirst) const;
     std::map<std::string, std::map<std::string, std::string>> unitArrows() const;
 
     std::vector<Room> table;
     std::vector<std::string> sources;
     std::vector<Include> arrows;
-    std::vector<std::string> unknown;
+    std::vector<std::string> unknown, misplaced;
 };
 
 }  // namespace keltra::test

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/resources/video_fixture.h"
+
+#include <random>
+
 #include "tests/support/allocations.h"
 #include "tests/support/emulated.h"
 #include "tests/support/same_verdict.h"
-
-#include <random>
 
 namespace keltra::test {
 namespace {

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Zlib
-#include "tests/resources/video_fixture.h"
-#include "tests/support/allocations.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+
+#include "tests/resources/video_fixture.h"
+#include "tests/support/allocations.h"
 
 namespace keltra::test {
 namespace {

@@ -7,10 +7,10 @@
  * Clips, as compact as their files, and players that put them on characters: with a rate, looped or once,
  * cross-faded, in layers, with events. Characters share clips. See `docs/kit.md`. */
 
-#include <cstdint>
-
 #include <keltra/kit/export.h>
 #include <keltra/vector.h>
+
+#include <cstdint>
 
 class KTANIM;
 class KTNODE;

@@ -7,9 +7,9 @@
  * One time for a whole game: it can be paused, slowed down, and moved on in fixed steps for captures and
  * replays. Once started it is also the time of the engine's timers, and so of emitters and carets. */
 
-#include <cstdint>
-
 #include <keltra/kit/export.h>
+
+#include <cstdint>
 
 /** A clock that the application moves on once a frame. It stands still within a frame. */
 class KTKIT_API KTCLOCK {

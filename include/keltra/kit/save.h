@@ -7,9 +7,9 @@
  * Saved games and settings: named values in a small file with a version and a checksum. Writing replaces the
  * file as a whole: a battery that is pulled meanwhile leaves the old one or the new one. */
 
-#include <cstdint>
-
 #include <keltra/kit/export.h>
+
+#include <cstdint>
 
 /** Named values, in memory until they are written: 4,096 bytes with their names. Names have 1 to 31
  * characters. Setting a value again replaces it, of another kind too. Nothing is allocated. */

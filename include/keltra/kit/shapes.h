@@ -8,11 +8,11 @@
  * static meshes merged into one. Each call that makes one returns a new mesh without a material, which the
  * list of nodes owns, as those of files; the application may delete it earlier. */
 
-#include <cstdint>
-
 #include <keltra/box.h>
 #include <keltra/kit/export.h>
 #include <keltra/vector.h>
+
+#include <cstdint>
 
 class KTFONT;
 class KTMATERIAL;

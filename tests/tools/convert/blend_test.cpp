@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Zlib
 // Blender's own files, by an installed Blender and without. What Blender evaluates is the reference.
 
-#include "tests/tools/convert/program.h"
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tools/convert/blender.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+
+#include "tests/tools/convert/program.h"
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tools/convert/blender.h"
 
 namespace keltra::test {
 namespace {

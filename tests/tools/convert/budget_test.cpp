@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/budget.h"
-#include "tools/convert/report.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+
+#include "tools/convert/report.h"
 
 namespace keltra::convert {
 namespace {

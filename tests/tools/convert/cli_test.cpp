@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Zlib
-#include "tests/tools/convert/program.h"
-#include "tools/formats/kte_reader.h"
-#include "tools/formats/tga_writer.h"
-
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <csignal>
+
+#include "tests/tools/convert/program.h"
+#include "tools/formats/kte_reader.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra::convert {
 namespace {

@@ -2,12 +2,6 @@
 // Runs the program on every file of the package of models: each is converted or refused with a reason in one
 // line.
 
-#include "tests/scene/scene_parts.h"
-#include "tests/tools/convert/support/clips.h"
-#include "tests/tools/convert/support/converter_run.h"
-#include "tests/tools/convert/support/model_package.h"
-#include "tests/tools/convert/support/model_table.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -16,6 +10,12 @@
 #include <filesystem>
 #include <mutex>
 #include <thread>
+
+#include "tests/scene/scene_parts.h"
+#include "tests/tools/convert/support/clips.h"
+#include "tests/tools/convert/support/converter_run.h"
+#include "tests/tools/convert/support/model_package.h"
+#include "tests/tools/convert/support/model_table.h"
 
 namespace keltra::test {
 namespace {

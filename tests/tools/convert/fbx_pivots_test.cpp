@@ -2,11 +2,11 @@
 // Animated FBX files whose nodes have pivots, offsets, pre- and post-rotations. What the engine shows is
 // compared with the format's own formula, which knows nothing of the importer's helper nodes.
 
+#include <gtest/gtest.h>
+
 #include "tests/tools/convert/support/clips.h"
 #include "tests/tools/convert/support/convert_fixture.h"
 #include "tests/tools/convert/support/fbx_builder.h"
-
-#include <gtest/gtest.h>
 
 namespace keltra::test {
 namespace {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Zlib
 // Animations of further files for one skeleton, and Collada's one timeline.
 
+#include <gtest/gtest.h>
+
 #include "tests/tools/convert/support/convert_fixture.h"
 #include "tests/tools/convert/support/fbx_builder.h"
-
-#include <gtest/gtest.h>
 
 namespace keltra::test {
 namespace {

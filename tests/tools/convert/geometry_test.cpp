@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/geometry.h"
 
-#include "tools/convert/normals.h"
-
 #include <assimp/mesh.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <memory>
+
+#include "tools/convert/normals.h"
 
 namespace keltra::convert {
 namespace {

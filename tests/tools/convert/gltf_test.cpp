@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Zlib
 // Extensions of glTF: each is read, done without and reported, or the reason of a refusal.
 
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tests/tools/convert/support/pictures.h"
-
 #include <gmock/gmock.h>
 #include <meshoptimizer.h>
 
 #include <cmath>
 #include <cstring>
+
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tests/tools/convert/support/pictures.h"
 
 namespace keltra::test {
 namespace {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Zlib
 // Animations beyond the limits of the engine's files, and empty ones.
 
-#include "tests/tools/convert/support/clips.h"
-#include "tests/tools/convert/support/convert_fixture.h"
-
 #include <gtest/gtest.h>
 
 #include <set>
+
+#include "tests/tools/convert/support/clips.h"
+#include "tests/tools/convert/support/convert_fixture.h"
 
 namespace keltra::test {
 namespace {

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Zlib
 // Models with something wrong or unusual in their shapes, names and files.
 
-#include "formats/scene_record.h"
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tests/tools/convert/support/source_pose.h"
-#include "tools/formats/fault_text.h"
-#include "tools/formats/tga_writer.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <limits>
 #include <set>
+
+#include "formats/scene_record.h"
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tests/tools/convert/support/source_pose.h"
+#include "tools/formats/fault_text.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra::test {
 namespace {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Zlib
 // Skins with more bones, more influences or other names than the engine takes.
 
-#include "tests/tools/convert/support/clips.h"
-#include "tests/tools/convert/support/convert_fixture.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
 #include <set>
+
+#include "tests/tools/convert/support/clips.h"
+#include "tests/tools/convert/support/convert_fixture.h"
 
 namespace keltra::test {
 namespace {

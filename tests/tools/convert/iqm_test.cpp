@@ -2,13 +2,14 @@
 // Inter-Quake Models, made here byte by byte.
 
 #include "tools/convert/iqm.h"
-#include "tests/tools/convert/support/convert_fixture.h"
 
 #include <assimp/scene.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <random>
+
+#include "tests/tools/convert/support/convert_fixture.h"
 
 namespace keltra::test {
 namespace {

@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/isolated.h"
 
-#include "tests/support/temp_file.h"
-#include "tools/convert/convert.h"
-
-#include <gmock/gmock.h>
-
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
 #include <chrono>
 #include <cstdio>
 #include <new>
+
+#include "tests/support/temp_file.h"
+#include "tools/convert/convert.h"
 
 namespace keltra::convert {
 namespace {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Zlib
 // Models that move by key frames of all vertices.
 
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tools/convert/md3_file.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
+
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tools/convert/md3_file.h"
 
 namespace keltra::test {
 namespace {

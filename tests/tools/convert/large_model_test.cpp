@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Zlib
 // Models larger than the engine's meshes, and how long they take.
 
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tools/convert/model.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tools/convert/model.h"
 
 namespace keltra::test {
 namespace {

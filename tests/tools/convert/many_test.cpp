@@ -2,18 +2,19 @@
 // Many models in one run, and the rules of make that a run writes.
 
 #include "tools/convert/many.h"
-#include "tests/tools/convert/program.h"
-#include "tools/convert/depfile.h"
-#include "tools/convert/report.h"
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 #include <nlohmann/json.hpp>
 
-#include <unistd.h>
 #include <csignal>
 #include <filesystem>
 #include <sstream>
 #include <thread>
+
+#include "tests/tools/convert/program.h"
+#include "tools/convert/depfile.h"
+#include "tools/convert/report.h"
 
 namespace keltra::convert {
 namespace {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/material_scripts.h"
 
-#include "tests/support/temp_file.h"
-#include "tests/tools/convert/support/material_scene.h"
-#include "tests/tools/convert/support/pictures.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
+
+#include "tests/support/temp_file.h"
+#include "tests/tools/convert/support/material_scene.h"
+#include "tests/tools/convert/support/pictures.h"
 
 namespace keltra::convert {
 namespace {

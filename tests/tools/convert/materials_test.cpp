@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/materials.h"
 
-#include "tests/support/temp_file.h"
-#include "tests/tools/convert/support/material_scene.h"
-#include "tests/tools/convert/support/pictures.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+
+#include "tests/support/temp_file.h"
+#include "tests/tools/convert/support/material_scene.h"
+#include "tests/tools/convert/support/pictures.h"
 
 namespace keltra::convert {
 namespace {

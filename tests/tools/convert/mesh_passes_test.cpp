@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Zlib
 // Back sides of two-sided materials, and fewer triangles.
 
-#include "formats/limits.h"
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tools/convert/geometry.h"
-#include "tools/convert/simplify.h"
-#include "tools/convert/two_sided.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <set>
 #include <tuple>
+
+#include "formats/limits.h"
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tools/convert/geometry.h"
+#include "tools/convert/simplify.h"
+#include "tools/convert/two_sided.h"
 
 namespace keltra::test {
 namespace {

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/output_folder.h"
 
-#include "tests/support/small_disk.h"
-#include "tests/support/temp_file.h"
-
 #include <gmock/gmock.h>
-
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
 #include <random>
+
+#include "tests/support/small_disk.h"
+#include "tests/support/temp_file.h"
 
 namespace keltra::convert {
 namespace {

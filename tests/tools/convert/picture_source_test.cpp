@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/picture_source.h"
 
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
 #include "tests/support/temp_file.h"
 #include "tests/support/unprivileged.h"
 #include "tests/tools/convert/support/material_scene.h"
 #include "tests/tools/convert/support/pictures.h"
-
-#include <gtest/gtest.h>
-
-#include <sys/stat.h>
-#include <filesystem>
 
 namespace keltra::convert {
 namespace {

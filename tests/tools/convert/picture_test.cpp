@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/convert/picture.h"
 
-#include "tests/tools/convert/support/pictures.h"
-#include "tools/convert/textures.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <iterator>
+
+#include "tests/tools/convert/support/pictures.h"
+#include "tools/convert/textures.h"
 
 namespace keltra::convert {
 namespace {

@@ -2,15 +2,15 @@
 // Compares converted clips with their models: each vertex that the engine shows has the position that the
 // model's own matrices give.
 
+#include <cstdio>
+#include <map>
+#include <set>
+
 #include "tests/support/engine_fixture.h"
 #include "tests/tools/convert/support/clips.h"
 #include "tests/tools/convert/support/engine_pose.h"
 #include "tests/tools/convert/support/model_package.h"
 #include "tests/tools/convert/support/source_pose.h"
-
-#include <cstdio>
-#include <map>
-#include <set>
 
 namespace keltra::test {
 namespace {

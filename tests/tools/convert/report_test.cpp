@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Zlib
-#include "tools/convert/plain_text.h"
-#include "tools/convert/report_json.h"
-#include "tools/convert/report_text.h"
-
 #include <gmock/gmock.h>
 
 #include <cmath>
+
+#include "tools/convert/plain_text.h"
+#include "tools/convert/report_json.h"
+#include "tools/convert/report_text.h"
 
 namespace keltra::convert {
 namespace {

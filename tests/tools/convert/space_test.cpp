@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Zlib
 // The unit of a model's lengths, and which of its axes is up.
 
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tests/tools/convert/support/fbx_builder.h"
-
 #include <gtest/gtest.h>
 #include <zip.h>
+
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tests/tools/convert/support/fbx_builder.h"
 
 namespace keltra::test {
 namespace {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Zlib
 // Trees of nodes with every kind of transform: each vertex must keep its position in the world.
 
-#include "tests/tools/convert/support/convert_fixture.h"
-#include "tests/tools/convert/support/source_pose.h"
-
 #include <gtest/gtest.h>
 
 #include <array>
 #include <random>
+
+#include "tests/tools/convert/support/convert_fixture.h"
+#include "tests/tools/convert/support/source_pose.h"
 
 namespace keltra::test {
 namespace {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/formats/kta_reader.h"
 
-#include "tests/tools/example_data.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <random>
+
+#include "tests/tools/example_data.h"
 
 namespace keltra::formats {
 namespace {

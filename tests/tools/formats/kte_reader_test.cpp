@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/formats/kte_reader.h"
 
-#include "tests/tools/example_data.h"
-
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <limits>
 #include <random>
+
+#include "tests/tools/example_data.h"
 
 namespace keltra::formats {
 namespace {

@@ -2,17 +2,17 @@
 // Files of every kind, cut short and changed byte by byte: whatever they hold, what is printed of them is
 // text, and a fault lies within the file.
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/support/cpu_time.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
 #include "tools/info/print.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
 
 namespace keltra::test {
 namespace {

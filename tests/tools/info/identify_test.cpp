@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Zlib
+#include <gmock/gmock.h>
+
+#include <string>
+
 #include "tests/formats/tga_bytes.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
 #include "tools/info/inspect.h"
-
-#include <gmock/gmock.h>
-
-#include <string>
 
 namespace keltra::test {
 namespace {

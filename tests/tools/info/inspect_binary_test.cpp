@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: Zlib
+#include <gmock/gmock.h>
+
+#include <functional>
+
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/support/temp_file.h"
@@ -7,10 +11,6 @@
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
 #include "tools/info/inspect.h"
-
-#include <gmock/gmock.h>
-
-#include <functional>
 
 namespace keltra::test {
 namespace {

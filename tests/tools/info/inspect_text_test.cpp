@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Zlib
+#include <gmock/gmock.h>
+
 #include "tests/support/temp_file.h"
 #include "tests/tools/info/sentences.h"
 #include "tools/info/inspect.h"
-
-#include <gmock/gmock.h>
 
 namespace keltra::test {
 namespace {

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Zlib
 // The program as it is called: exit codes, streams, kinds of files, and what is no file.
 
+#include <gmock/gmock.h>
 #include <keltra/anim.h>
 #include <keltra/mesh.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <nlohmann/json.hpp>
 
 #include "tests/formats/tga_bytes.h"
 #include "tests/support/unprivileged.h"
@@ -11,12 +15,6 @@
 #include "tools/formats/kte_writer.h"
 #include "tools/info/print.h"
 #include "tools/info/read_file.h"
-
-#include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace keltra::test {
 namespace {

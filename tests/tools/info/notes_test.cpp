@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: Zlib
 // What is noted of a file that is only unusual, and how much of that is kept.
 
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstring>
+
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/tools/info/inspections.h"
@@ -8,11 +13,6 @@
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
 #include "tools/info/inspect.h"
-
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <cstring>
 
 namespace keltra::test {
 namespace {

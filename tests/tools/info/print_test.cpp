@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/info/print.h"
 
+#include <gmock/gmock.h>
+
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tools/formats/kte_writer.h"
-
-#include <gmock/gmock.h>
 
 namespace keltra::test {
 namespace {

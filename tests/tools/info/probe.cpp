@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/tools/info/probe.h"
 
-#include "tools/info/print.h"
-
 #include <algorithm>
 #include <cstdio>
+
+#include "tools/info/print.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/info/read_file.h"
 
-#include "tests/support/temp_file.h"
-
 #include <gtest/gtest.h>
-
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
+
 #include <cstring>
+
+#include "tests/support/temp_file.h"
 
 namespace keltra::test {
 namespace {

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Zlib
 // keltra-info --check --strict: the verdict on files that the engine takes, of every kind.
 
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+
 #include "tests/formats/tga_bytes.h"
 #include "tests/scene/scene_parts.h"
 #include "tests/tools/info/info_program.h"
 #include "tools/formats/kta_writer.h"
 #include "tools/formats/kte_writer.h"
-
-#include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
-
-#include <filesystem>
 
 namespace keltra::test {
 namespace {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Zlib
 // What is printed for people: the table of each kind of file, and of values that are hard to print.
 
-#include "tests/formats/tga_bytes.h"
-#include "tools/formats/kta_writer.h"
-#include "tools/info/print.h"
-
 #include <gmock/gmock.h>
 
 #include <string>
+
+#include "tests/formats/tga_bytes.h"
+#include "tools/formats/kta_writer.h"
+#include "tools/info/print.h"
 
 namespace keltra::test {
 namespace {

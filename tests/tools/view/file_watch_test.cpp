@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/view/file_watch.h"
 
-#include "tests/support/temp_file.h"
-
 #include <gtest/gtest.h>
+
+#include "tests/support/temp_file.h"
 
 using keltra::test::TempFolder;
 using keltra::view::FileStamp;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/view/input.h"
 
-#include "tests/tools/view/sdl_events.h"
-
 #include <cstdlib>
 #include <vector>
+
+#include "tests/tools/view/sdl_events.h"
 
 using keltra::view::Action;
 using keltra::view::Input;

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/view/link_folder.h"
 
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
 #include "tests/support/temp_file.h"
 #include "tests/support/unprivileged.h"
 #include "tools/view/failure.h"
-
-#include <gtest/gtest.h>
-
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <filesystem>
 
 namespace fs = std::filesystem;
 using namespace keltra::test;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/view/marks.h"
 
-#include "tests/tools/view/scenes.h"
-#include "tests/tools/view/viewer_fixture.h"
-
 #include <cmath>
 #include <vector>
+
+#include "tests/tools/view/scenes.h"
+#include "tests/tools/view/viewer_fixture.h"
 
 using keltra::test::GlRecorder;
 using keltra::test::ViewerTest;

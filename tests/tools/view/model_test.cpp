@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/view/model.h"
 
+#include <cmath>
+
 #include "tests/tools/view/scenes.h"
 #include "tests/tools/view/viewer_fixture.h"
-
-#include <cmath>
 
 using keltra::test::triangleScene;
 using keltra::test::ViewerTest;

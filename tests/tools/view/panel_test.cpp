@@ -3,15 +3,15 @@
 
 #include "tools/view/panel.h"
 
-#include "tests/support/gl_recorder.h"
-#include "tests/support/temp_file.h"
-#include "tools/view/failure.h"
-#include "tools/view/viewer.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+
+#include "tests/support/gl_recorder.h"
+#include "tests/support/temp_file.h"
+#include "tools/view/failure.h"
+#include "tools/view/viewer.h"
 
 using namespace keltra::test;
 using namespace keltra::view;

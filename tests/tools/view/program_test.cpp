@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: Zlib
 // The viewer as a program: what it prints, what it leaves, how it ends.
 
-#include "tests/support/image.h"
-#include "tests/support/temp_file.h"
-
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <set>
 #include <thread>
+
+#include "tests/support/image.h"
+#include "tests/support/temp_file.h"
 
 namespace fs = std::filesystem;
 using keltra::test::Image;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Zlib
+#include <malloc.h>
+
 #include "tests/support/allocations.h"
 #include "tests/tools/view/viewer_fixture.h"
 #include "tools/formats/kte_writer.h"
-
-#include <malloc.h>
 
 namespace fs = std::filesystem;
 using keltra::support::Shot;

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Zlib
 #include "tools/view/source.h"
 
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
 #include "tests/support/temp_file.h"
 #include "tests/support/unprivileged.h"
 #include "tools/view/failure.h"
-
-#include <gtest/gtest.h>
-
-#include <sys/stat.h>
-#include <filesystem>
 
 namespace fs = std::filesystem;
 using keltra::test::readFile;

@@ -4,6 +4,12 @@
 
 // A viewer in this process: keys and pen are put into SDL's queue, and pictures are kept beside the tests.
 
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
 #include "tests/support/gl_recorder.h"
 #include "tests/support/image.h"
 #include "tests/support/temp_file.h"
@@ -11,12 +17,6 @@
 #include "tools/support/shot.h"
 #include "tools/view/failure.h"
 #include "tools/view/viewer.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <memory>
-#include <string>
 
 namespace keltra::test {
 

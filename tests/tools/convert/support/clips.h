@@ -5,13 +5,13 @@
 // Which of a conversion's animation files hold which clip of the model, and how near the engine's poses come
 // to the model's.
 
-#include "tests/tools/convert/support/engine_pose.h"
-#include "tests/tools/convert/support/source_pose.h"
-
 #include <functional>
 #include <set>
 #include <string>
 #include <vector>
+
+#include "tests/tools/convert/support/engine_pose.h"
+#include "tests/tools/convert/support/source_pose.h"
 
 namespace keltra::test {
 

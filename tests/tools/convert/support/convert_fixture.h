@@ -4,15 +4,15 @@
 
 // For tests that write a small model, convert it and load the result, without a window.
 
-#include "tests/scene/scene_parts.h"
-#include "tests/tools/convert/support/engine_pose.h"
-#include "tests/tools/convert/support/gltf_builder.h"
-
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
 #include <string>
+
+#include "tests/scene/scene_parts.h"
+#include "tests/tools/convert/support/engine_pose.h"
+#include "tests/tools/convert/support/gltf_builder.h"
 
 namespace keltra::test {
 

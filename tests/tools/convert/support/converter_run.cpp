@@ -1,22 +1,23 @@
 // SPDX-License-Identifier: Zlib
 #include "tests/tools/convert/support/converter_run.h"
 
-#include <keltra/keltra.h>
-#include "formats/scene_record.h"
-#include "formats/tga.h"
-#include "tests/support/temp_file.h"
-#include "tools/formats/fault_text.h"
-
 #include <fcntl.h>
+#include <keltra/keltra.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <set>
 #include <thread>
+
+#include "formats/scene_record.h"
+#include "formats/tga.h"
+#include "tests/support/temp_file.h"
+#include "tools/formats/fault_text.h"
 
 namespace keltra::test {
 namespace {

@@ -5,13 +5,14 @@
 // The converter's output, posed by the engine.
 
 #include <keltra/keltra.h>
-#include "tests/support/temp_file.h"
-#include "tests/tools/convert/support/points.h"
-#include "tools/convert/convert.h"
 
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "tests/support/temp_file.h"
+#include "tests/tools/convert/support/points.h"
+#include "tools/convert/convert.h"
 
 namespace keltra::test {
 

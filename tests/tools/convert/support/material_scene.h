@@ -4,9 +4,6 @@
 
 // A scene of materials and embedded pictures, as importers make them.
 
-#include "tools/convert/materials.h"
-#include "tools/formats/tga_writer.h"
-
 #include <assimp/GltfMaterial.h>
 #include <assimp/material.h>
 #include <assimp/scene.h>
@@ -16,6 +13,9 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "tools/convert/materials.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra::test {
 

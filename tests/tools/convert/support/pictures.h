@@ -4,9 +4,6 @@
 
 // Pictures of the common formats, made in the test, and textures as the engine reads them.
 
-#include "formats/tga.h"
-#include "tools/formats/tga_writer.h"
-
 #include <Magick++.h>
 
 #include <algorithm>
@@ -16,6 +13,9 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "formats/tga.h"
+#include "tools/formats/tga_writer.h"
 
 namespace keltra::test {
 
