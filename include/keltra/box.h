@@ -5,12 +5,8 @@
 #include <keltra/node.h>
 
 namespace keltra {
-template <class T>
-class Gone;
-template <class T>
-class OnGone;
 struct Part;  // the list of the parts of a box
-}  // namespace keltra
+}
 
 class KTFONT;
 class KTSHADER;

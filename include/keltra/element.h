@@ -3,14 +3,8 @@
 #define KELTRA_ELEMENT_H
 
 #include <keltra/matrix.h>
+#include <keltra/registered.h>
 #include <keltra/vector.h>
-
-namespace keltra {
-template <class T>
-class Gone;
-template <class T>
-class OnGone;
-}  // namespace keltra
 
 class KTMESH;
 class KTNODE;

@@ -4,13 +4,6 @@
 
 #include <keltra/node.h>
 
-namespace keltra {
-template <class T>
-class Gone;
-template <class T>
-class OnGone;
-}  // namespace keltra
-
 class KTTEXTURE;
 
 /** One record of the pool. */

@@ -4,13 +4,6 @@
 
 #include <keltra/registered.h>
 
-namespace keltra {
-template <class T>
-class Gone;
-template <class T>
-class OnGone;
-}  // namespace keltra
-
 class KTFBO;
 class KTSHADER;
 class KTTEXTURE;

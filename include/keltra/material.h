@@ -7,13 +7,6 @@
 
 #include <cstdint>
 
-namespace keltra {
-template <class T>
-class Gone;
-template <class T>
-class OnGone;
-}  // namespace keltra
-
 class KTMATERIAL;
 class KTSHADER;
 class KTTEXTURE;

@@ -6,13 +6,6 @@
 
 #include <cstdint>
 
-namespace keltra {
-template <class T>
-class Gone;
-template <class T>
-class OnGone;
-}  // namespace keltra
-
 class KTELEMENT;
 class KTMATERIAL;
 

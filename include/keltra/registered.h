@@ -11,7 +11,11 @@ namespace keltra {
 
 class ObjectList;
 template <class T>
+class Gone;
+template <class T>
 class GoneMany;
+template <class T>
+class OnGone;
 
 /** What the list of a class keeps in each of its objects. */
 struct Registration {

@@ -5,13 +5,6 @@
 #include <keltra/registered.h>
 #include <keltra/video_stream.h>
 
-namespace keltra {
-template <class T>
-class Gone;
-template <class T>
-class OnGone;
-}  // namespace keltra
-
 class KTTEXTURE;
 class KTVIDEO;
 KT_LISTED_CLASS(KTVIDEO);
