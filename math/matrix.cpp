@@ -101,6 +101,17 @@ bool invertRotation(const float *m, float *R) {
 }
 #endif
 
+// A turn in the plane of two axes, from the first to the second.
+void setTurn(float *m, int first, int second, float degrees) {
+    const SineCosine turn = sineCosine(degrees * kRadiansPerDegree);
+    std::fill(m, m + 15, 0.0f);
+    m[0] = m[5] = m[10] = 1.0f;
+    m[5 * first] = m[5 * second] = turn.cosine;
+    m[4 * first + second] = turn.sine;
+    m[4 * second + first] = -turn.sine;
+    m[12] = 1.0f;  // deliberate, like the untouched m[15]: callers rely on both
+}
+
 }  // namespace
 
 R3XMATRIX::R3XMATRIX(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8,
@@ -224,35 +235,9 @@ void R3XMATRIX::setRotation(float angle, float x, float y, float z) {
     m[15] = 1.0f;
 }
 
-void R3XMATRIX::setRotationX(float angle) {
-    SineCosine turn = sineCosine(angle * kRadiansPerDegree);
-    m[0] = 1.0f;
-    m[5] = m[10] = turn.cosine;
-    m[6] = turn.sine;
-    m[9] = -turn.sine;
-    m[1] = m[2] = m[3] = m[4] = m[7] = m[8] = m[11] = m[13] = m[14] = 0.0f;
-    m[12] = 1.0f;  // deliberate, like the untouched m[15], in all three: callers rely on both
-}
-
-void R3XMATRIX::setRotationY(float angle) {
-    SineCosine turn = sineCosine(angle * kRadiansPerDegree);
-    m[5] = 1.0f;
-    m[0] = m[10] = turn.cosine;
-    m[2] = -turn.sine;
-    m[8] = turn.sine;
-    m[1] = m[3] = m[4] = m[6] = m[7] = m[9] = m[11] = m[13] = m[14] = 0.0f;
-    m[12] = 1.0f;
-}
-
-void R3XMATRIX::setRotationZ(float angle) {
-    SineCosine turn = sineCosine(angle * kRadiansPerDegree);
-    m[10] = 1.0f;
-    m[0] = m[5] = turn.cosine;
-    m[1] = turn.sine;
-    m[4] = -turn.sine;
-    m[2] = m[3] = m[6] = m[7] = m[8] = m[9] = m[11] = m[13] = m[14] = 0.0f;
-    m[12] = 1.0f;
-}
+void R3XMATRIX::setRotationX(float angle) { setTurn(m, 1, 2, angle); }
+void R3XMATRIX::setRotationY(float angle) { setTurn(m, 2, 0, angle); }
+void R3XMATRIX::setRotationZ(float angle) { setTurn(m, 0, 1, angle); }
 
 R3XMATRIX R3XMATRIX::fromQuaternion(const R3XVECTOR4D &q) {
     float xx = q.x * q.x, xy = q.x * q.y, xz = q.x * q.z, xw = q.x * q.w;

@@ -33,14 +33,8 @@ double angleBetween(const Vector &a, const Vector &b) {
 }  // namespace
 
 float &R3XVECTOR2D::operator[](int index) {
-    switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        default:
-            endProcess(KT_CALL("R3XVECTOR2D::operator[]"), index, 1);
-    }
+    if (index < 0 || index > 1) endProcess(KT_CALL("R3XVECTOR2D::operator[]"), index, 1);
+    return (&x)[index];
 }
 
 const float &R3XVECTOR2D::operator[](int index) const { return const_cast<R3XVECTOR2D &>(*this)[index]; }
@@ -52,16 +46,8 @@ R3XVECTOR2D R3XVECTOR2D::normalize() { return *this *= reciprocalLength(*this); 
 KELTRA_COLD double R3XVECTOR2D::angle(const R3XVECTOR2D &other) const { return angleBetween(*this, other); }
 
 float &R3XVECTOR3D::operator[](int index) {
-    switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        case 2:
-            return z;
-        default:
-            endProcess(KT_CALL("R3XVECTOR3D::operator[]"), index, 2);
-    }
+    if (index < 0 || index > 2) endProcess(KT_CALL("R3XVECTOR3D::operator[]"), index, 2);
+    return (&x)[index];
 }
 
 const float &R3XVECTOR3D::operator[](int index) const { return const_cast<R3XVECTOR3D &>(*this)[index]; }
@@ -73,18 +59,8 @@ R3XVECTOR3D R3XVECTOR3D::normalize() { return *this *= reciprocalLength(*this); 
 KELTRA_COLD double R3XVECTOR3D::angle(const R3XVECTOR3D &other) const { return angleBetween(*this, other); }
 
 float &R3XVECTOR4D::operator[](int index) {
-    switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        case 2:
-            return z;
-        case 3:
-            return w;
-        default:
-            endProcess(KT_CALL("R3XVECTOR4D::operator[]"), index, 3);
-    }
+    if (index < 0 || index > 3) endProcess(KT_CALL("R3XVECTOR4D::operator[]"), index, 3);
+    return (&x)[index];
 }
 
 const float &R3XVECTOR4D::operator[](int index) const { return const_cast<R3XVECTOR4D &>(*this)[index]; }
