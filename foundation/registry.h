@@ -41,6 +41,14 @@ inline void *clearedBlock(std::size_t size) {
 template <class T>
 struct PublicFields;
 
+// Of a class whose members are called `previous` and `next`.
+template <class T, auto Name, T **First>
+struct UsualFields {
+    static constexpr auto name = Name;
+    static constexpr auto previous = &T::previous, next = &T::next;
+    static constexpr T **first = First;
+};
+
 }  // namespace keltra
 
 template <class T>

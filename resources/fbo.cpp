@@ -14,11 +14,7 @@
 #include <cstring>
 
 template <>
-struct keltra::PublicFields<KTFBO> {
-    static constexpr auto name = &KTFBO::name;
-    static constexpr auto previous = &KTFBO::previous, next = &KTFBO::next;
-    static constexpr KTFBO **first = &KTFBO::firstFbo;
-};
+struct keltra::PublicFields<KTFBO> : keltra::UsualFields<KTFBO, &KTFBO::name, &KTFBO::firstFbo> {};
 template class KTREGISTERED<KTFBO>;
 
 KTFBO *KTFBO::firstFbo = nullptr;

@@ -25,11 +25,7 @@
 #include <cstring>
 
 template <>
-struct keltra::PublicFields<KTFONT> {
-    static constexpr auto name = &KTFONT::name;
-    static constexpr auto previous = &KTFONT::previous, next = &KTFONT::next;
-    static constexpr KTFONT **first = &KTFONT::firstFont;
-};
+struct keltra::PublicFields<KTFONT> : keltra::UsualFields<KTFONT, &KTFONT::name, &KTFONT::firstFont> {};
 template class KTREGISTERED<KTFONT>;
 
 const unsigned int KTFONT::maxGlyphs;

@@ -20,11 +20,8 @@
 #include <cstring>
 
 template <>
-struct keltra::PublicFields<KTMATERIAL> {
-    static constexpr auto name = &KTMATERIAL::name;
-    static constexpr auto previous = &KTMATERIAL::previous, next = &KTMATERIAL::next;
-    static constexpr KTMATERIAL **first = &KTMATERIAL::firstMaterial;
-};
+struct keltra::PublicFields<KTMATERIAL>
+    : keltra::UsualFields<KTMATERIAL, &KTMATERIAL::name, &KTMATERIAL::firstMaterial> {};
 template class KTREGISTERED<KTMATERIAL>;
 
 static_assert(KTMATERIAL::levels == keltra::kMaxTextureLevels && KTTEXTURE::channels == KTMATERIAL::levels,

@@ -10,11 +10,8 @@
 #include <new>
 
 template <>
-struct keltra::PublicFields<KTSHADER> {
-    static constexpr auto name = &KTSHADER::name;
-    static constexpr auto previous = &KTSHADER::previous, next = &KTSHADER::next;
-    static constexpr KTSHADER **first = &KTSHADER::firstShader;
-};
+struct keltra::PublicFields<KTSHADER>
+    : keltra::UsualFields<KTSHADER, &KTSHADER::name, &KTSHADER::firstShader> {};
 template class KTREGISTERED<KTSHADER>;
 
 const unsigned int KTSHADER::params;

@@ -21,11 +21,8 @@
 #include <cstring>
 
 template <>
-struct keltra::PublicFields<KTTEXTURE> {
-    static constexpr auto name = &KTTEXTURE::filename;
-    static constexpr auto previous = &KTTEXTURE::previous, next = &KTTEXTURE::next;
-    static constexpr KTTEXTURE **first = &KTTEXTURE::firstTexture;
-};
+struct keltra::PublicFields<KTTEXTURE>
+    : keltra::UsualFields<KTTEXTURE, &KTTEXTURE::filename, &KTTEXTURE::firstTexture> {};
 template class KTREGISTERED<KTTEXTURE>;
 
 static_assert(KTTEXTURE::maxSize == keltra::kMaxTextureSize, "what a file may hold is loaded");

@@ -19,11 +19,8 @@
 #include <cstring>
 
 template <>
-struct keltra::PublicFields<KTVIDEO> {
-    static constexpr auto name = &KTVIDEO::filename;
-    static constexpr auto previous = &KTVIDEO::previous, next = &KTVIDEO::next;
-    static constexpr KTVIDEO **first = &KTVIDEO::firstVideo;
-};
+struct keltra::PublicFields<KTVIDEO>
+    : keltra::UsualFields<KTVIDEO, &KTVIDEO::filename, &KTVIDEO::firstVideo> {};
 template class KTREGISTERED<KTVIDEO>;
 
 const unsigned int KTVIDEO::maxSize;

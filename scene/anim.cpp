@@ -19,11 +19,7 @@ struct keltra::ObjectMemory<KTANIM> {
     static const bool isCleared = true;
 };
 template <>
-struct keltra::PublicFields<KTANIM> {
-    static constexpr auto name = &KTANIM::name;
-    static constexpr auto previous = &KTANIM::previous, next = &KTANIM::next;
-    static constexpr KTANIM **first = &KTANIM::firstAnim;
-};
+struct keltra::PublicFields<KTANIM> : keltra::UsualFields<KTANIM, &KTANIM::name, &KTANIM::firstAnim> {};
 template class KTREGISTERED<KTANIM>;
 
 const unsigned int KTANIM::maxBones;
