@@ -227,6 +227,18 @@ bool placeLights() {
 // than 8 units beyond the fourth is farther, and the 8 are here: d + d/128 + 8192 >= (sqrt(d) + 8)^2 - 64.
 std::uint32_t limitFor(std::uint32_t fourth) { return fourth + (fourth >> 7) + 8300; }
 
+struct FourLeast {
+    std::uint32_t first = ~0u, second = ~0u, third = ~0u, fourth = ~0u;
+
+    void take(std::uint32_t square) {
+        if (square >= fourth) return;
+        fourth = std::max(square, third);
+        third = std::min(third, std::max(square, second));
+        second = std::min(second, std::max(square, first));
+        first = std::min(first, square);
+    }
+};
+
 #if defined(__SSE2__)
 // The fourth smallest is among the two smallest of every fourth light, but for rounding by 64, or the limit
 // is a greater one.
@@ -249,14 +261,9 @@ std::uint32_t estimate(const R3XVECTOR3D &position, std::uint32_t *squares) {
     alignas(16) std::uint32_t eight[8];
     _mm_store_si128(reinterpret_cast<__m128i *>(eight), _mm_cvtps_epi32(lowest));
     _mm_store_si128(reinterpret_cast<__m128i *>(eight + 4), _mm_cvtps_epi32(next));
-    std::uint32_t first = ~0u, second = ~0u, third = ~0u, fourth = ~0u;
-    for (const std::uint32_t square : eight) {
-        fourth = std::min(fourth, std::max(square, third));
-        third = std::min(third, std::max(square, second));
-        second = std::min(second, std::max(square, first));
-        first = std::min(first, square);
-    }
-    return limitFor(fourth);
+    FourLeast least;
+    for (const std::uint32_t square : eight) least.take(square);
+    return limitFor(least.fourth);
 }
 
 // Calls `visit(i)` for the lights whose squares are within the limit, which no square of 31 bits exceeds.
@@ -272,18 +279,14 @@ void visitNear(const std::uint32_t *squares, std::uint32_t limit, Visit visit) {
 #else
 std::uint32_t estimate(const R3XVECTOR3D &position, std::uint32_t *squares) {
     const std::int32_t x = inUnits(position.x), y = inUnits(position.y), z = inUnits(position.z);
-    std::uint32_t first = ~0u, second = ~0u, third = ~0u, fourth = ~0u;
+    FourLeast least;
     for (unsigned int i = 0; i < placed; ++i) {
         const std::int32_t dx = places[i].x - x, dy = places[i].y - y, dz = places[i].z - z;
         const std::uint32_t square = std::uint32_t(dx * dx + dy * dy + dz * dz) & places[i].farther;
         squares[i] = square;
-        if (square >= fourth) continue;
-        fourth = std::max(square, third);
-        third = std::min(third, std::max(square, second));
-        second = std::min(second, std::max(square, first));
-        first = std::min(first, square);
+        least.take(square);
     }
-    return limitFor(fourth);
+    return limitFor(least.fourth);
 }
 
 template <class Visit>
