@@ -49,12 +49,10 @@ bool loadFigures(Show *show) {
 }
 
 bool load(Show *show) {
-    show->stage = KELTRA::load("meadow.kte");
+    show->stage = example::loadWithSky("meadow.kte");
     if (show->stage == nullptr || !loadFigures(show)) return false;
     show->ground = show->stage->findByNameInHierarchy("ground");
-    KTNODE *sky = show->stage->findByNameInHierarchy("sky");
-    if (show->ground == nullptr || sky == nullptr || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
+    if (show->ground == nullptr) return false;
     KTOPENGL::setGlobalAmbientLight(0.30f, 0.30f, 0.34f, 1.0f);
     example::smoothTextures();
     return true;
@@ -89,9 +87,7 @@ int main(int argc, char **argv) {
     Show show;
     bool ok = example::start(options) && load(&show);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(1.4f, 4.8f, 12.2f);
-    camera.setTarget(-0.25f, 2.2f, -1.0f);
+    example::lookAt(&camera, 1.4f, 4.8f, 12.2f, -0.25f, 2.2f, -1.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

@@ -33,13 +33,11 @@ KTMESH *findMesh(KTNODE *root, const std::string &name) {
 }
 
 bool load(Garden *garden) {
-    garden->stage = KELTRA::load("garden.kte");
+    garden->stage = example::loadWithSky("garden.kte");
     garden->figure = KELTRA::load("figure.kte");
     if (!garden->stage || !garden->figure || !garden->wave.load("figure_wave.kta")) return false;
     KTMESH *skin = findMesh(garden->figure, "figureSkin");
-    KTNODE *sky = garden->stage->findByNameInHierarchy("sky");
-    if (skin == nullptr || sky == nullptr || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
+    if (skin == nullptr) return false;
     KTOPENGL::setGlobalAmbientLight(0.36f, 0.33f, 0.48f, 1.0f);
     garden->player.bind(garden->figure);
     garden->player.setTranslating(true);
@@ -92,9 +90,7 @@ int main(int argc, char **argv) {
     Garden garden;
     bool ok = example::start(options) && load(&garden);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 3.2f, 10.4f);
-    camera.setTarget(0.0f, 2.75f, 0.0f);
+    example::lookAt(&camera, 0.0f, 3.2f, 10.4f, 0.0f, 2.75f, 0.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

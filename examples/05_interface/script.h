@@ -5,14 +5,12 @@
 // The pen of a run with a given number of frames: scrolls the guide, lights the lanterns, turns the view,
 // types a name.
 
-#include <keltra/kit/input.h>
+#include <iterator>
+
+#include "examples/support/example.h"
 
 inline void playScript(int frame, KTINPUT *input) {
-    struct Step {
-        int frame, x, y, pressed;
-        char key;
-    };
-    static constexpr Step kSteps[] = {
+    static constexpr example::PenStep kSteps[] = {
         {2, 186, 46, 1, 0},     {3, 186, 56, 1, 0},     {4, 186, 56, 0, 0},  // the guide's scroll bar
         {6, 200, 284, 1, 0},    {7, 200, 284, 0, 0},                         // lanterns
         {9, 120, 306, 1, 0},    {10, 150, 306, 1, 0},   {11, 160, 306, 1, 0},
@@ -23,11 +21,7 @@ inline void playScript(int frame, KTINPUT *input) {
         {23, 100, 256, 0, 'p'}, {24, 100, 256, 0, 'e'}, {25, 100, 256, 0, 'r'},
         {26, 120, 284, 1, 0},   {27, 120, 284, 0, 0},  // the flash
     };
-    for (const Step &step : kSteps) {
-        if (step.frame != frame) continue;
-        input->putPen(step.x, step.y, step.pressed != 0);
-        if (step.key) input->putKey(0, step.key, true);
-    }
+    example::playSteps(kSteps, std::size(kSteps), frame, input);
 }
 
 #endif

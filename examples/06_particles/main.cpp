@@ -90,9 +90,7 @@ int main(int argc, char **argv) {
     bool ok = example::start(options, "scene.cfg") && loadScene(&show) && loadEmitters(&show, options.data);
     if (ok) makeSlider(&show);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 6.3f, 21.0f);
-    camera.setTarget(0.0f, 5.4f, 0.0f);
+    example::lookAt(&camera, 0.0f, 6.3f, 21.0f, 0.0f, 5.4f, 0.0f);
     KTINPUT input;
     for (int frame = 1; ok && !input.hasQuit(); ++frame) {
         // 2. Per frame. Drops that are in the air keep the speed they started with.

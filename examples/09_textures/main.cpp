@@ -69,11 +69,7 @@ bool build(Show *show) {
         addLabel(show, font, kFilters[lane].x, 262.0f)
             ->write("^c8748%s\n^c8888%u KB", kFilters[lane].name, show->kilobytes[lane]);
     show->told = addLabel(show, font, 4.0f, 298.0f);
-    KTNODE *meadow = KELTRA::load("meadow.kte");
-    KTNODE *sky = meadow ? meadow->findByNameInHierarchy("sky") : nullptr;
-    if (!sky || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
-    return true;
+    return example::loadWithSky("meadow.kte") != nullptr;
 }
 
 void tell(Show *show) {
@@ -92,9 +88,7 @@ int main(int argc, char **argv) {
     Show show;
     bool ok = example::start(options) && build(&show);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 0.8f, 0.9f);
-    camera.setTarget(0.0f, 0.36f, -3.0f);
+    example::lookAt(&camera, 0.0f, 0.8f, 0.9f, 0.0f, 0.36f, -3.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

@@ -56,9 +56,7 @@ int main(int argc, char **argv) {
     KTNODE *panes[kPanes];
     if (ok) build(&world, &ring, panes);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 1.9f, 7.2f);
-    camera.setTarget(0.0f, -0.15f, 0.0f);
+    example::lookAt(&camera, 0.0f, 1.9f, 7.2f, 0.0f, -0.15f, 0.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

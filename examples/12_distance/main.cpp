@@ -63,9 +63,7 @@ int main(int argc, char **argv) {
     bool ok = example::start(options);
     if (ok) build(&wood);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 1.7f, 4.0f);
-    camera.setTarget(0.0f, 2.6f, -6.0f);
+    example::lookAt(&camera, 0.0f, 1.7f, 4.0f, 0.0f, 2.6f, -6.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

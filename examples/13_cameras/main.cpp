@@ -23,12 +23,9 @@ struct Show {
 };
 
 bool load(Show *show) {
-    show->stage = KELTRA::load("meadow.kte");
+    show->stage = example::loadWithSky("meadow.kte");
     show->figure = KELTRA::load("figure.kte");
     if (!show->stage || !show->figure || !show->walk.load("figure_walk.kta")) return false;
-    KTNODE *sky = show->stage->findByNameInHierarchy("sky");
-    if (!sky || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
     KTOPENGL::setGlobalAmbientLight(0.34f, 0.34f, 0.38f, 1.0f);
     example::smoothTextures();
     show->figure->setPosition(1.5f, 0.0f, 0.0f);

@@ -20,15 +20,12 @@ struct Show {
 };
 
 bool load(Show *show) {
-    show->stage = KELTRA::load("meadow.kte");
+    show->stage = example::loadWithSky("meadow.kte");
     show->left = KELTRA::load("figure.kte");
     show->right = KELTRA::load("figure.kte");
     if (!show->stage || !show->left || !show->right || !show->walk.load("figure_walk.kta") ||
         !show->wave.load("figure_wave.kta"))
         return false;
-    KTNODE *sky = show->stage->findByNameInHierarchy("sky");
-    if (!sky || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
     KTOPENGL::setGlobalAmbientLight(0.34f, 0.34f, 0.38f, 1.0f);
     example::smoothTextures();
     show->left->setPosition(-0.85f, 0.0f, 0.0f);
@@ -72,9 +69,7 @@ int main(int argc, char **argv) {
     bool ok = example::start(options) && load(&show);
     show.sinceWave = 3.6f;  // they wave soon
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.5f, 2.3f, 6.6f);
-    camera.setTarget(0.0f, 1.45f, 0.0f);
+    example::lookAt(&camera, 0.5f, 2.3f, 6.6f, 0.0f, 1.45f, 0.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

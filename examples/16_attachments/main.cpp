@@ -39,12 +39,9 @@ KTNODE *makeLantern(KTNODE **glow) {
 }
 
 bool load(Show *show) {
-    show->garden = KELTRA::load("garden.kte");
+    show->garden = example::loadWithSky("garden.kte");
     show->boy = KELTRA::load("figure.kte");
     if (!show->garden || !show->boy || !show->walk.load("figure_walk.kta")) return false;
-    KTNODE *sky = show->garden->findByNameInHierarchy("sky");
-    if (!sky || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
     KTOPENGL::setGlobalAmbientLight(0.22f, 0.20f, 0.32f, 1.0f);
     show->lantern = makeLantern(&show->glow);
     example::smoothTextures();
@@ -88,9 +85,7 @@ int main(int argc, char **argv) {
     Show show;
     bool ok = example::start(options) && load(&show);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(1.0f, 2.6f, 9.6f);
-    camera.setTarget(0.0f, 2.1f, 1.5f);
+    example::lookAt(&camera, 1.0f, 2.6f, 9.6f, 0.0f, 2.1f, 1.5f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

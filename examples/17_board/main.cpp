@@ -75,9 +75,7 @@ int main(int argc, char **argv) {
     if (ok) buildTable(&table);
     if (options.frames > 0) beginLater(&table);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 11.5f, 11.0f);
-    camera.setTarget(0.0f, -0.4f, 0.6f);
+    example::lookAt(&camera, 0.0f, 11.5f, 11.0f, 0.0f, -0.4f, 0.6f);
     KTVIEW view;
     KTINPUT input;
     KTCLOCK clock;

@@ -78,9 +78,7 @@ int main(int argc, char **argv) {
     bool ok = example::start(options);
     if (ok) build(&show);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 0.0f, 7.4f);
-    camera.setTarget(0.0f, -0.7f, 0.0f);
+    example::lookAt(&camera, 0.0f, 0.0f, 7.4f, 0.0f, -0.7f, 0.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

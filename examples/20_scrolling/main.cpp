@@ -47,10 +47,7 @@ void tell(KTWINDOW *window, const char *line) {
 }
 
 void build(Show *show) {
-    KTFONT *font = new KTFONT;
-    font->setTexture(example::loadTexture("font.tga"));
-    font->getTexture()->setFilter(false, false, true);
-    font->loadKerning("font.txt");
+    KTFONT *font = example::loadFont();
     KTBOX *back = new KTBOX;
     back->setSizes(KTSETTINGS::getSDLWindowX(), KTSETTINGS::getSDLWindowY());
     back->setThickness(0);

@@ -76,9 +76,7 @@ int main(int argc, char **argv) {
     if (ok) build(&show);
     show.sinceBurst = 1.6f;
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 2.4f, 8.2f);
-    camera.setTarget(0.0f, 2.0f, 0.0f);
+    example::lookAt(&camera, 0.0f, 2.4f, 8.2f, 0.0f, 2.0f, 0.0f);
     KTINPUT input;
     for (int frame = 1; ok && !input.hasQuit(); ++frame) {
         // 2. Per frame.

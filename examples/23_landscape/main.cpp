@@ -23,23 +23,18 @@ struct Show {
 };
 
 bool load(Show *show) {
-    show->stage = KELTRA::load("meadow.kte");
+    show->stage = example::loadWithSky("meadow.kte");
     show->boy = KELTRA::load("figure.kte");
-    KTNODE *sky = show->stage ? show->stage->findByNameInHierarchy("sky") : nullptr;
-    if (!show->boy || !sky || !sky->unlink() || !show->walk.load("figure_walk.kta") ||
+    if (!show->stage || !show->boy || !show->walk.load("figure_walk.kta") ||
         !show->wave.load("figure_wave.kta"))
         return false;
-    KELTRA::setSkybox(sky);
     KTOPENGL::setGlobalAmbientLight(0.34f, 0.34f, 0.38f, 1.0f);
     example::smoothTextures();
-    KTFONT *font = new KTFONT;
-    font->setTexture(example::loadTexture("font.tga"));
-    font->getTexture()->setFilter(false, false, true);
     show->name = new KTLABEL;
-    show->name->setFont(font);
+    show->name->setFont(example::loadFont());
     show->name->write("^c8888Tap the grass");
     show->player.setTranslating(true);  // the hips move up and down
-    return font->loadKerning("font.txt") && show->player.bind(show->boy) && show->player.play(&show->walk);
+    return show->player.bind(show->boy) && show->player.play(&show->walk);
 }
 
 // Where the ray through a point of the picture meets the ground.
@@ -75,9 +70,7 @@ int main(int argc, char **argv) {
     Show show;
     bool ok = example::start(options, "landscape.cfg") && load(&show);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 3.0f, 7.5f);
-    camera.setTarget(0.0f, 1.5f, 0.0f);
+    example::lookAt(&camera, 0.0f, 3.0f, 7.5f, 0.0f, 1.5f, 0.0f);
     KTVIEW view;
     KTINPUT input;
     KTCLOCK clock;

@@ -30,10 +30,8 @@ void show(KTMESH *lantern, bool lit) {
 }
 
 bool load(Garden *garden) {
-    garden->stage = KELTRA::load("garden.kte");
-    KTNODE *sky = garden->stage ? garden->stage->findByNameInHierarchy("sky") : nullptr;
-    if (!sky || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
+    garden->stage = example::loadWithSky("garden.kte");
+    if (!garden->stage) return false;
     KTOPENGL::setGlobalAmbientLight(0.36f, 0.33f, 0.48f, 1.0f);
     while (KTNODE *lantern = garden->stage->findByNameInHierarchy(nameOf(garden->lanterns.size()).c_str())) {
         lantern->setAuxId(static_cast<unsigned>(garden->lanterns.size() + 1));
@@ -41,13 +39,10 @@ bool load(Garden *garden) {
         garden->lanterns.push_back(static_cast<KTMESH *>(lantern));
     }
     example::smoothTextures();
-    KTFONT *font = new KTFONT;
-    font->setTexture(example::loadTexture("font.tga"));
-    font->getTexture()->setFilter(false, false, true);
     garden->told = new KTLABEL;
-    garden->told->setFont(font);
+    garden->told->setFont(example::loadFont());
     garden->told->setPosition(8.0f, 298.0f);
-    return font->loadKerning("font.txt");
+    return true;
 }
 
 // A file that is not there is an ordinary beginning; a damaged one is told about, and forgotten.
@@ -88,9 +83,7 @@ int main(int argc, char **argv) {
                       std::to_string(KTSETTINGS::getSDLColorDepth()) + ".sav";
     if (ok) resume(&garden);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 3.2f, 10.4f);
-    camera.setTarget(0.0f, 2.75f, 0.0f);
+    example::lookAt(&camera, 0.0f, 3.2f, 10.4f, 0.0f, 2.75f, 0.0f);
     KTINPUT input;
     for (int frame = 1; ok && !input.hasQuit(); ++frame) {
         // 2. Per frame. In a run with a given number of frames, a lantern in each fourth one, and the file is

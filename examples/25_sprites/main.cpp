@@ -59,13 +59,10 @@ bool build(Game *game) {
     }
     game->basket = addSprite(&game->screen, atlas, kBasket);
     game->score = new KTLABEL;
-    KTFONT *font = new KTFONT;
-    font->setTexture(example::loadTexture("font.tga"));
-    font->getTexture()->setFilter(false, false, true);
-    game->score->setFont(font);
+    game->score->setFont(example::loadFont());
     game->score->setPosition(8.0f, 4.0f);
     game->score->link(&game->screen);
-    return font->loadKerning("font.txt");
+    return true;
 }
 
 void update(Game *game, const KTINPUT &input, float goal, float seconds) {

@@ -80,9 +80,7 @@ int main(int argc, char **argv) {
     Show show;
     bool ok = example::start(options) && load(&show);
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(1.0f, 3.3f, 8.4f);
-    camera.setTarget(-0.1f, 2.1f, -4.0f);
+    example::lookAt(&camera, 1.0f, 3.3f, 8.4f, -0.1f, 2.1f, -4.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

@@ -47,10 +47,8 @@ bool build(Chime *chime) {
         chime->sinceStruck[i] = 100.0f;
     }
     chime->world.setPosition(0.0f, 1.7f, 2.2f);
-    chime->stage = KELTRA::load("garden.kte");
-    KTNODE *sky = chime->stage ? chime->stage->findByNameInHierarchy("sky") : nullptr;
-    if (!sky || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
+    chime->stage = example::loadWithSky("garden.kte");
+    if (!chime->stage) return false;
     example::smoothTextures();
     example::addLight(&chime->world, 0.5f, 0.4f, 0.35f, 0.0f)->setPosition(-3.0f, 5.0f, 6.0f);
     KTOPENGL::setGlobalAmbientLight(0.36f, 0.33f, 0.48f, 1.0f);
@@ -94,9 +92,7 @@ int main(int argc, char **argv) {
     bool ok = example::start(options) && build(&chime);
     if (ok && !startSound(&chime.mixer)) std::printf("It is silent: %s\n", SDL_GetError());
     KTCAMERA camera;
-    camera.setTargetNode(&camera);  // itself: it looks at its fixed target
-    camera.setPosition(0.0f, 3.2f, 10.4f);
-    camera.setTarget(0.0f, 2.75f, 0.0f);
+    example::lookAt(&camera, 0.0f, 3.2f, 10.4f, 0.0f, 2.75f, 0.0f);
     KTINPUT input;
     KTCLOCK clock;
     clock.setStep(options.step);

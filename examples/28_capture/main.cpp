@@ -25,15 +25,8 @@ struct Show {
 };
 
 bool load(Show *show) {
-    show->scene = KELTRA::load("scene.kte");
-    KTNODE *sky = show->scene ? show->scene->findByNameInHierarchy("sky") : nullptr;
-    if (!sky || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
-    KTOPENGL::setGlobalAmbientLight(0.34f, 0.29f, 0.46f, 1.0f);
-    for (KTNODE *node = KTNODE::getFirstNode(); node != nullptr; node = node->getNextNode())
-        if (node->isOfClass(KT_LIGHT) && node != KTNODE::findByName("moonlight"))
-            static_cast<KTLIGHT *>(node)->setAttenuation(0.9f, 0.0f, 0.06f);
-    example::smoothTextures();
+    show->scene = example::loadScene();
+    if (!show->scene) return false;
 
     const R3XVECTOR3D head(0.5f, 8.5f, 0.0f);
     show->rail.addPoint(R3XVECTOR3D(-7.0f, 3.0f, 14.0f), R3XVECTOR3D(0.0f, 4.5f, 0.0f), 2.5f);

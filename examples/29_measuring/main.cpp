@@ -23,15 +23,8 @@ struct Show {
 };
 
 bool load(Show *show) {
-    show->scene = KELTRA::load("scene.kte");
-    KTNODE *sky = show->scene ? show->scene->findByNameInHierarchy("sky") : nullptr;
-    if (!sky || !sky->unlink()) return false;
-    KELTRA::setSkybox(sky);
-    KTOPENGL::setGlobalAmbientLight(0.34f, 0.29f, 0.46f, 1.0f);
-    for (KTNODE *node = KTNODE::getFirstNode(); node != nullptr; node = node->getNextNode())
-        if (node->isOfClass(KT_LIGHT) && node != KTNODE::findByName("moonlight"))
-            static_cast<KTLIGHT *>(node)->setAttenuation(0.9f, 0.0f, 0.06f);
-    example::smoothTextures();
+    show->scene = example::loadScene();
+    if (!show->scene) return false;
     KTBOX *back = new KTBOX;
     back->setSizes(240, 104);
     back->setPosition(0.0f, 216.0f);
@@ -46,13 +39,10 @@ bool load(Show *show) {
         bar->link(back);
     }
     show->text = new KTLABEL;
-    KTFONT *font = new KTFONT;
-    font->setTexture(example::loadTexture("font.tga"));
-    font->getTexture()->setFilter(false, false, true);
-    show->text->setFont(font);
+    show->text->setFont(example::loadFont());
     show->text->setPosition(6.0f, 2.0f);
     show->text->link(back);
-    return font->loadKerning("font.txt");
+    return true;
 }
 
 // Four pixels for a millisecond. Called after the 3D pass, while its list stands.

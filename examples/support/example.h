@@ -5,9 +5,12 @@
 // Shared by all examples: the command line, start and stop, and the end of a frame with a picture of the
 // last.
 
+#include <cstddef>
 #include <string>
 
+class KTCAMERA;
 class KTFONT;
+class KTINPUT;
 class KTLIGHT;
 class KTMATERIAL;
 class KTMESH;
@@ -33,6 +36,12 @@ bool parse(int argc, char **argv, const char *description, Options *options, int
 // that name in it, null for none. False, with a message, when it does not start.
 bool start(const Options &options, const char *settingsFile = nullptr);
 
+// Loads a scene of the sample files and makes its node "sky" the sky box. Null without either.
+KTNODE *loadWithSky(const char *file);
+
+// The scene of 02_scene, with its sky, its lights and smooth textures. Null without its file.
+KTNODE *loadScene();
+
 // Lets all textures that exist be drawn smoothly.
 void smoothTextures();
 
@@ -44,12 +53,22 @@ KTTEXTURE *loadTexture(const char *file);
 // A font of the sample files, NAME.tga with the kerning file NAME.txt, owned by the list of fonts.
 KTFONT *loadFont(const char *name = "font");
 
+// Puts a camera at a place, (x, y, z), and lets it look at a fixed target.
+void lookAt(KTCAMERA *camera, float x, float y, float z, float targetX, float targetY, float targetZ);
+
 // Gives a mesh its material (null for none), links it below a node, puts it at a place, and returns it.
 KTMESH *place(KTMESH *mesh, KTMATERIAL *material, KTNODE *parent, float x, float y, float z);
 
 // A new light below a node, of an RGB colour and a reach: where it has half of its strength, 0 for
 // everywhere.
 KTLIGHT *addLight(KTNODE *parent, float r, float g, float b, float reach);
+
+struct PenStep {
+    int frame, x, y, pressed;
+    char key;  // 0 for none
+};
+// Passes on the pen, and the key, of the steps of that frame, for runs with a given number of frames.
+void playSteps(const PenStep *steps, std::size_t count, int frame, KTINPUT *input);
 
 // Destroys a node with all below it: destroying one alone leaves its children without a parent.
 void destroyTree(KTNODE *root);

@@ -4,6 +4,7 @@
 
 #include <GLES/gl.h>
 #include <keltra/keltra.h>
+#include <keltra/kit/input.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -24,6 +25,25 @@ bool start(const Options &options, const char *settingsFile) {
     if (KELTRA::init(&settings)) return true;
     std::fprintf(stderr, "the engine does not start\n");
     return false;
+}
+
+KTNODE *loadWithSky(const char *file) {
+    KTNODE *scene = KELTRA::load(file);
+    KTNODE *sky = scene ? scene->findByNameInHierarchy("sky") : nullptr;
+    if (!sky || !sky->unlink()) return nullptr;
+    KELTRA::setSkybox(sky);
+    return scene;
+}
+
+KTNODE *loadScene() {
+    KTNODE *scene = loadWithSky("scene.kte");
+    if (!scene) return nullptr;
+    KTOPENGL::setGlobalAmbientLight(0.34f, 0.29f, 0.46f, 1.0f);
+    for (KTNODE *node = KTNODE::getFirstNode(); node != nullptr; node = node->getNextNode())
+        if (node->isOfClass(KT_LIGHT) && node != KTNODE::findByName("moonlight"))
+            static_cast<KTLIGHT *>(node)->setAttenuation(0.9f, 0.0f, 0.06f);
+    smoothTextures();
+    return scene;
 }
 
 void smoothTextures() {
@@ -57,6 +77,12 @@ KTFONT *loadFont(const char *name) {
     return require(font->loadKerning((std::string(name) + ".txt").c_str()) ? font : nullptr, name);
 }
 
+void lookAt(KTCAMERA *camera, float x, float y, float z, float targetX, float targetY, float targetZ) {
+    camera->setTargetNode(camera);  // itself: its fixed target counts
+    camera->setPosition(x, y, z);
+    camera->setTarget(targetX, targetY, targetZ);
+}
+
 KTMESH *place(KTMESH *mesh, KTMATERIAL *material, KTNODE *parent, float x, float y, float z) {
     require(mesh, "mesh");
     mesh->setMaterial(material);
@@ -71,6 +97,14 @@ KTLIGHT *addLight(KTNODE *parent, float r, float g, float b, float reach) {
     if (reach > 0.0f) light->setAttenuation(1.0f, 0.0f, 1.0f / (reach * reach));
     light->link(parent);
     return light;
+}
+
+void playSteps(const PenStep *steps, std::size_t count, int frame, KTINPUT *input) {
+    for (const PenStep *step = steps; step != steps + count; ++step) {
+        if (step->frame != frame) continue;
+        input->putPen(step->x, step->y, step->pressed != 0);
+        if (step->key) input->putKey(0, step->key, true);
+    }
 }
 
 void destroyTree(KTNODE *root) {
