@@ -18,9 +18,14 @@
 
 namespace keltra::test {
 
+using Folder = const TempFolder &;
+using Provoke = std::function<void(Folder)>;
+
+constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR, kWarning = KT_FAULT_WARNING;
+
 struct FaultRow {
-    const char *covers;                               // "KTNODE::link"
-    std::function<void(const TempFolder &)> provoke;  // in an engine that has started
+    const char *covers;  // "KTNODE::link"
+    Provoke provoke;     // in an engine that has started
     KT_FAULT_SEVERITY severity;
     KT_FAULT_CODE code;
     const char *sentence;  // %D is the folder with its slash; null when it is not predictable

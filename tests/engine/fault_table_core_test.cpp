@@ -6,9 +6,6 @@
 namespace keltra::test {
 namespace {
 
-using Folder = const TempFolder &;
-constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR, kWarning = KT_FAULT_WARNING;
-
 TEST_F(FaultTableTest, Bridge) {
     check({
         {"KT_glLightModelfv", [](Folder) { KT_glLightModelfv(GL_LIGHT_MODEL_AMBIENT, nullptr); }, kError,

@@ -6,9 +6,6 @@
 namespace keltra::test {
 namespace {
 
-using Folder = const TempFolder &;
-constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR;
-
 // All timers and identifiers are free again.
 void restart() { EXPECT_TRUE(vnfOpenLog(nullptr)); }
 

@@ -6,9 +6,6 @@
 namespace keltra::test {
 namespace {
 
-using Folder = const TempFolder &;
-constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR, kWarning = KT_FAULT_WARNING;
-
 const std::string tooLong(256, 'a');
 
 TEST_F(FaultTableTest, Widgets) {

@@ -7,8 +7,6 @@
 namespace keltra::test {
 namespace {
 
-using Folder = const TempFolder &;
-constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR;
 constexpr KT_FAULT_CODE kMemory = KT_FAULT_OUT_OF_MEMORY;
 
 class FaultMemoryTest : public FaultTableTest {

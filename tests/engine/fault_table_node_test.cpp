@@ -6,9 +6,6 @@
 namespace keltra::test {
 namespace {
 
-using Folder = const TempFolder &;
-constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR, kWarning = KT_FAULT_WARNING;
-
 TEST_F(FaultTableTest, Nodes) {
     static const std::string tooLong(256, 'a');
     check({

@@ -7,10 +7,6 @@
 namespace keltra::test {
 namespace {
 
-using Folder = const TempFolder &;
-
-constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR;
-
 // A record type without a body, and a name that does not end.
 constexpr char kBadType[] = {0, 0, 9};
 const std::vector<char> &endlessName() {

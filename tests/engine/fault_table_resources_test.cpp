@@ -6,9 +6,6 @@
 namespace keltra::test {
 namespace {
 
-using Folder = const TempFolder &;
-constexpr KT_FAULT_SEVERITY kError = KT_FAULT_ERROR, kWarning = KT_FAULT_WARNING;
-
 TEST_F(FaultTableTest, TextureCalls) {
     check({
         {"KTTEXTURE::create", [](Folder) { EXPECT_FALSE(KTTEXTURE().create(513, 1, 3)); }, kError,

@@ -7,10 +7,6 @@
 namespace keltra::test {
 namespace {
 
-using Provoke = std::function<void(const TempFolder &)>;
-
-constexpr KT_FAULT_SEVERITY kWarning = KT_FAULT_WARNING, kError = KT_FAULT_ERROR;
-
 std::vector<std::uint8_t> castle() {
     formats::Node root = plainNode("root", {stripNode("door", 4, "wood")});
     formats::Scene scene = sceneOf(root);

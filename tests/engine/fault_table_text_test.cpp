@@ -6,10 +6,6 @@
 namespace keltra::test {
 namespace {
 
-using Provoke = std::function<void(const TempFolder &)>;
-
-constexpr KT_FAULT_SEVERITY kWarning = KT_FAULT_WARNING, kError = KT_FAULT_ERROR;
-
 Provoke withSettings(const std::string &text) {
     return [text](const TempFolder &folder) {
         KTSETTINGS settings;
