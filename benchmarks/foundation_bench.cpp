@@ -44,36 +44,25 @@ void replaceIdentifierAmongMany(benchmark::State &state) {
 }
 BENCHMARK(replaceIdentifierAmongMany)->Arg(10000)->Arg(60000);
 
-// Beside the plain allocator: the difference is the sample of the physical memory.
-void countedAllocation(benchmark::State &state) {
+template <class Take, class Give>
+void allocation(benchmark::State &state, Take take, Give give) {
     for (auto _ : state) {
-        void *block = vnfMalloc(256);
+        void *block = take(256);
         benchmark::DoNotOptimize(block);
-        vnfFree(block);
+        give(block);
     }
     state.SetItemsProcessed(state.iterations());
 }
+
+// Beside the plain allocator: the difference is the sample of the physical memory.
+void countedAllocation(benchmark::State &state) { allocation(state, vnfMalloc, vnfFree); }
 BENCHMARK(countedAllocation);
 
 // As the engine allocates for itself: the sample comes later.
-void engineAllocation(benchmark::State &state) {
-    for (auto _ : state) {
-        void *block = keltra::allocate(256);
-        benchmark::DoNotOptimize(block);
-        vnfFree(block);
-    }
-    state.SetItemsProcessed(state.iterations());
-}
+void engineAllocation(benchmark::State &state) { allocation(state, keltra::allocate, vnfFree); }
 BENCHMARK(engineAllocation);
 
-void plainAllocation(benchmark::State &state) {
-    for (auto _ : state) {
-        void *block = std::malloc(256);
-        benchmark::DoNotOptimize(block);
-        std::free(block);
-    }
-    state.SetItemsProcessed(state.iterations());
-}
+void plainAllocation(benchmark::State &state) { allocation(state, std::malloc, std::free); }
 BENCHMARK(plainAllocation);
 
 }  // namespace

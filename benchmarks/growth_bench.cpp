@@ -61,16 +61,19 @@ void create(benchmark::State &state) {
     perItem(state);
 }
 
-void destroyInRandomOrder(benchmark::State &state) {
+template <class T>
+void destroyShuffled(benchmark::State &state) {
     for (auto _ : state) {
         state.PauseTiming();
-        Objects<KTNODE> nodes(state);
-        nodes.shuffle();
+        Objects<T> objects(state);
+        objects.shuffle();
         state.ResumeTiming();
-        for (KTNODE *node : nodes) delete node;
+        for (T *object : objects) delete object;
     }
     perItem(state);
 }
+void destroyInRandomOrder(benchmark::State &state) { destroyShuffled<KTNODE>(state); }
+void destroyWindows(benchmark::State &state) { destroyShuffled<KTWINDOW>(state); }
 
 // The same with blocks of a node's size from the C library, each cleared: no node takes less.
 template <bool isDestroyed>
@@ -244,17 +247,6 @@ void releaseAndDrawId(benchmark::State &state) {
     }
     perItem(state);
     vnfOpenLog(nullptr);
-}
-
-void destroyWindows(benchmark::State &state) {
-    for (auto _ : state) {
-        state.PauseTiming();
-        Objects<KTWINDOW> windows(state);
-        windows.shuffle();
-        state.ResumeTiming();
-        for (KTWINDOW *window : windows) delete window;
-    }
-    perItem(state);
 }
 
 void destroyTextureBesideMaterials(benchmark::State &state) {
