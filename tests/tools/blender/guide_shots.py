@@ -82,15 +82,7 @@ def walker():
             name = f"{bone}.{side}"
             length = (Vector(BONES[name][1]) - Vector(BONES[name][0])).length
             parts.append(blob(rig, name, colour, middle(name), (width, width, length * 0.62)))
-    for obj in bpy.data.objects:
-        obj.select_set(obj in parts)
-    bpy.context.view_layer.objects.active = parts[0]
-    bpy.ops.object.join()
-    body = bpy.context.object
-    body.name = "body"
-    body.data.materials.append(palette())
-    body.parent = rig
-    body.modifiers.new("armature", "ARMATURE").object = rig
+    scenes.joined("body", parts, rig, palette())
     rig.show_in_front = False
     wave(rig)
     walk(rig)
@@ -127,11 +119,6 @@ def wave(rig):
                        "head": (1, lambda t: 0.15 * math.sin(t))})
 
 
-def wait(steps):
-    for _ in range(steps):
-        yield
-
-
 def steps():
     scenes.empty()
     yield
@@ -146,29 +133,29 @@ def steps():
     window.look(0.6)
     yield
     window.choose_tab()
-    yield from wait(3)
+    yield from window.wait(3)
     window.shoot(FOLDER, "blender_panel")
     scene.keltra.path = os.path.join(DATA, "walker.kte")
     area = window.area_of("VIEW_3D")
     with bpy.context.temp_override(area=area, region=window.region_of(area, "WINDOW")):
         bpy.ops.export_scene.keltra("INVOKE_DEFAULT")
-    yield from wait(3)
+    yield from window.wait(3)
     window.shoot(FOLDER, "blender_export")
     bpy.context.window.event_simulate("RET", "PRESS", x=400, y=400)
     bpy.context.window.event_simulate("RET", "RELEASE", x=400, y=400)
-    yield from wait(6)
+    yield from window.wait(6)
     assert os.path.exists(os.path.join(DATA, "walker.kte")), "the dialog has exported nothing"
     area = window.area_of("VIEW_3D")
     area.type = "TEXT_EDITOR"
     area.spaces[0].text = bpy.data.texts["Keltra report"]
     area.spaces[0].show_region_ui = False
-    yield from wait(2)
+    yield from window.wait(2)
     window.shoot(FOLDER, "blender_report")
     area.type = "VIEW_3D"
     bpy.ops.wm.save_as_mainfile(filepath=os.path.join(FOLDER, "walker.blend"), copy=False)
-    yield from wait(2)
+    yield from window.wait(2)
     bpy.ops.keltra.show()
-    yield from wait(15)
+    yield from window.wait(15)
     window.shoot_with_viewer(FOLDER, "blender_show")
 
 

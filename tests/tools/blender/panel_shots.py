@@ -25,11 +25,6 @@ def exceed():
     window.select("body")
 
 
-def wait(steps):
-    for _ in range(steps):
-        yield
-
-
 def steps():
     scenes.empty()
     yield  # the window is another one
@@ -42,17 +37,17 @@ def steps():
     window.look(0.5)
     yield
     window.choose_tab()
-    yield from wait(3)
+    yield from window.wait(3)
     window.shoot(FOLDER, "character")
     window.shoot_with_viewer(FOLDER, "before")
     bpy.ops.keltra.show()
-    yield from wait(SHOWN)
+    yield from window.wait(SHOWN)
     window.shoot_with_viewer(FOLDER, "device")
     window.select("lamp")
-    yield from wait(2)
+    yield from window.wait(2)
     window.shoot(FOLDER, "light")
     exceed()
-    yield from wait(4)
+    yield from window.wait(4)
     window.shoot(FOLDER, "over_budget")
     yield from preferences()
 
@@ -65,7 +60,7 @@ def preferences():
     with bpy.context.temp_override(window=other):
         bpy.ops.preferences.addon_expand(module="keltra")
     other.screen.areas[0].tag_redraw()
-    yield from wait(2)
+    yield from window.wait(2)
     with bpy.context.temp_override(window=other):
         window.shoot(FOLDER, "preferences")
 

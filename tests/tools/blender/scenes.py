@@ -110,20 +110,27 @@ def limb(rig, bone, width, cuts=3):
     return obj
 
 
+def joined(name, parts, rig, look):
+    """Parts with weights as one skin of a skeleton, with that material."""
+    for obj in bpy.data.objects:
+        obj.select_set(obj in parts)
+    bpy.context.view_layer.objects.active = parts[0]
+    bpy.ops.object.join()
+    skin = bpy.context.object
+    skin.name = name
+    skin.data.materials.append(look)
+    skin.parent = rig
+    skin.modifiers.new("armature", "ARMATURE").object = rig
+    return skin
+
+
 def figure(skin_material=None):
     """A character of one mesh: nine bones, a control bone with inverse kinematics, two actions."""
     rig = armature("rig")
     parts = [limb(rig, bone, 0.16 if "arm" in bone or "shin" in bone else 0.24) for bone in BONES
              if not bone.startswith("foot_control")]
-    for obj in bpy.data.objects:
-        obj.select_set(obj in parts)
-    bpy.context.view_layer.objects.active = parts[0]
-    bpy.ops.object.join()
-    body = bpy.context.object
-    body.name = body.data.name = "body"
-    body.data.materials.append(skin_material or material("skin", (64, 64)))
-    body.parent = rig
-    body.modifiers.new("armature", "ARMATURE").object = rig
+    body = joined("body", parts, rig, skin_material or material("skin", (64, 64)))
+    body.data.name = "body"
     foot = rig.pose.bones["shin.L"].constraints.new("IK")
     foot.target, foot.subtarget, foot.chain_count = rig, "foot_control.L", 2
     action(rig, "wave", {"arm.L": (2, 1.2), "head": (1, 0.5)}, 1, 31)

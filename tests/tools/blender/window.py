@@ -63,6 +63,11 @@ def shoot_with_viewer(folder, name):
     subprocess.run(["/usr/bin/python3", "-c", paste, os.path.join(folder, name + ".png")], check=True)
 
 
+def wait(steps):
+    for _ in range(steps):
+        yield
+
+
 def run(steps, finish):
     """Takes one step of the generator after the other, then ends the program."""
 

@@ -28,16 +28,7 @@ def clear(timeline=LAST):
 
 def skin_of(rig):
     parts = [scenes.limb(rig, bone, 0.2, 1) for bone in rig.data.bones.keys()]
-    for obj in bpy.data.objects:
-        obj.select_set(obj in parts)
-    bpy.context.view_layer.objects.active = parts[0]
-    bpy.ops.object.join()
-    skin = bpy.context.object
-    skin.name = "skin"
-    skin.data.materials.append(bpy.data.materials.new("skin"))
-    skin.parent = rig
-    skin.modifiers.new("armature", "ARMATURE").object = rig
-    return skin
+    return scenes.joined("skin", parts, rig, bpy.data.materials.new("skin"))
 
 
 def chain(curves=None):
