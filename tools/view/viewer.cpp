@@ -19,6 +19,15 @@ constexpr float kZoomAPixel = 1.01f, kZoomAStep = 1.12f, kZoomASecond = 2.5f;
 constexpr float kPortraitPitch = 14.0f;
 constexpr unsigned kPoses = 4;  // poses of the first clip that are measured
 
+constexpr struct {
+    Action turning;
+    bool Switches::*turned;
+} kTurned[] = {
+    {Action::kWire, &Switches::wire},       {Action::kBoxes, &Switches::boxes},
+    {Action::kNormals, &Switches::normals}, {Action::kBones, &Switches::bones},
+    {Action::kLights, &Switches::lights},   {Action::kCulling, &Switches::culling},
+};
+
 double now() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
@@ -174,24 +183,6 @@ void Viewer::act(Action action) {
         case Action::kStepBack:
             clock.step(-1);
             break;
-        case Action::kWire:
-            switches.wire = !switches.wire;
-            break;
-        case Action::kBoxes:
-            switches.boxes = !switches.boxes;
-            break;
-        case Action::kNormals:
-            switches.normals = !switches.normals;
-            break;
-        case Action::kBones:
-            switches.bones = !switches.bones;
-            break;
-        case Action::kLights:
-            switches.lights = !switches.lights;
-            break;
-        case Action::kCulling:
-            switches.culling = !switches.culling;
-            break;
         case Action::kFold:
             panel.fold();
             break;
@@ -201,9 +192,9 @@ void Viewer::act(Action action) {
         case Action::kResetView:
             orbit.reset();
             break;
-        case Action::kQuit:
-        case Action::kNone:
-            break;
+        default:
+            for (const auto &[turning, turned] : kTurned)
+                if (turning == action) switches.*turned = !(switches.*turned);
     }
 }
 
