@@ -33,8 +33,9 @@ double angleBetween(const Vector &a, const Vector &b) {
 }  // namespace
 
 float &R3XVECTOR2D::operator[](int index) {
+    static constexpr float R3XVECTOR2D::*kComponents[] = {&R3XVECTOR2D::x, &R3XVECTOR2D::y};
     if (index < 0 || index > 1) endProcess(KT_CALL("R3XVECTOR2D::operator[]"), index, 1);
-    return (&x)[index];
+    return this->*kComponents[index];
 }
 
 const float &R3XVECTOR2D::operator[](int index) const { return const_cast<R3XVECTOR2D &>(*this)[index]; }
@@ -46,8 +47,9 @@ R3XVECTOR2D R3XVECTOR2D::normalize() { return *this *= reciprocalLength(*this); 
 KELTRA_COLD double R3XVECTOR2D::angle(const R3XVECTOR2D &other) const { return angleBetween(*this, other); }
 
 float &R3XVECTOR3D::operator[](int index) {
+    static constexpr float R3XVECTOR3D::*kComponents[] = {&R3XVECTOR3D::x, &R3XVECTOR3D::y, &R3XVECTOR3D::z};
     if (index < 0 || index > 2) endProcess(KT_CALL("R3XVECTOR3D::operator[]"), index, 2);
-    return (&x)[index];
+    return this->*kComponents[index];
 }
 
 const float &R3XVECTOR3D::operator[](int index) const { return const_cast<R3XVECTOR3D &>(*this)[index]; }
@@ -59,8 +61,10 @@ R3XVECTOR3D R3XVECTOR3D::normalize() { return *this *= reciprocalLength(*this); 
 KELTRA_COLD double R3XVECTOR3D::angle(const R3XVECTOR3D &other) const { return angleBetween(*this, other); }
 
 float &R3XVECTOR4D::operator[](int index) {
+    static constexpr float R3XVECTOR4D::*kComponents[] = {&R3XVECTOR4D::x, &R3XVECTOR4D::y, &R3XVECTOR4D::z,
+                                                          &R3XVECTOR4D::w};
     if (index < 0 || index > 3) endProcess(KT_CALL("R3XVECTOR4D::operator[]"), index, 3);
-    return (&x)[index];
+    return this->*kComponents[index];
 }
 
 const float &R3XVECTOR4D::operator[](int index) const { return const_cast<R3XVECTOR4D &>(*this)[index]; }
