@@ -5,7 +5,6 @@
 #include "formats/limits.h"
 #include "math/fixed.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace keltra {
@@ -29,8 +28,8 @@ bool acceptFaces(FieldReader &reader, const MeshRecord &record) {
     const std::size_t indices = 3 * record.faceCount;
     if (areIndicesBelow(record.faces, indices, record.vertexCount)) return true;
     unsigned int largest = 0;
-    for (const unsigned char *index = record.faces; index != record.faces + 2 * indices; index += 2)
-        largest = std::max(largest, index[0] | unsigned{index[1]} << 8);
+    for (unsigned int bit = 0x8000; bit > 0; bit /= 2)
+        if (!areIndicesBelow(record.faces, indices, largest + bit)) largest += bit;
     return reader.refuseValue(reader.offsetOf(record.faces), KT_TEXT("faces"), static_cast<long>(largest),
                               KT_TEXT("vertex index out of range"));
 }
