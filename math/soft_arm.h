@@ -65,6 +65,10 @@ extern "C" __attribute__((visibility("hidden"))) bool keltraMoveBack(const float
 // `fours` times four floats to 16.16 as toFixed does, and copies them. The copy may be where the results go.
 extern "C" __attribute__((visibility("hidden"))) void keltraToFixed(const float *values, void *copy,
                                                                     std::int32_t *fixed, unsigned int fours);
+// The same for floats at any address; the words that have a byte of them are read whole.
+extern "C" __attribute__((visibility("hidden"))) void keltraBytesToFixed(const void *bytes,
+                                                                         std::int32_t *fixed,
+                                                                         unsigned int fours);
 
 // Copies 16 words, which a compiler calls memcpy for.
 extern "C" __attribute__((visibility("hidden"))) void keltraCopyWords(const void *from, void *to);

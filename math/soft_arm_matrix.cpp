@@ -97,6 +97,40 @@ function keltraToFixed
     pop {r4-r9, pc}
     .size keltraToFixed, . - keltraToFixed
 
+@ Words that begin with the end of a number are read up to that of the last byte.
+.macro joined value, next
+    mov \value, \value, lsr r10
+    orr \value, \value, \next, lsl r11
+.endm
+function keltraBytesToFixed
+    ands r12, r0, #3
+    moveq r3, r2
+    moveq r2, r1
+    beq keltraToFixed
+    push {r4-r11, lr}
+    mov lr, #142
+    mov r9, #0x80000000
+    bic r0, r0, #3
+    mov r10, r12, lsl #3
+    rsb r11, r10, #32
+    ldr r7, [r0], #4
+1:
+    mov r3, r7
+    ldmia r0!, {r4, r5, r6, r7}
+    joined r3, r4
+    joined r4, r5
+    joined r5, r6
+    joined r6, r7
+    toFixed r3
+    toFixed r4
+    toFixed r5
+    toFixed r6
+    stmia r1!, {r3, r4, r5, r6}
+    subs r2, r2, #1
+    bne 1b
+    pop {r4-r11, pc}
+    .size keltraBytesToFixed, . - keltraBytesToFixed
+
 @ To 1 unless `number` is zero or in the range.
 .macro zeroOrInRange number, exponent
     movs \exponent, \number, lsl #1

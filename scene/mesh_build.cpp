@@ -20,6 +20,13 @@
 namespace {
 
 void convertToFixed(const unsigned char *bytes, std::int32_t *fixed, std::size_t count) {
+#if defined(KELTRA_SOFT_ARM)
+    const unsigned int fours = static_cast<unsigned int>(count / 4);
+    if (fours > 0) keltraBytesToFixed(bytes, fixed, fours);
+    bytes += fours * 4 * sizeof(float);
+    fixed += fours * 4;
+    count %= 4;
+#endif
     float values[64];
     while (count > 0) {
         const std::size_t some = std::min<std::size_t>(count, 64);
@@ -91,6 +98,17 @@ bool buildGeometry(KTMESH &mesh, const keltra::MeshRecord &record) {
     return true;
 }
 
+// Influences that do not count may name any bone; a shader's arrays end with the last one.
+[[gnu::noinline]] void convertBones(const KTMESH &mesh, std::size_t influences) {
+    float numbers[keltra::kMaxSkinBones];
+    for (unsigned int bone = 0; bone < keltra::kMaxSkinBones; ++bone)
+        numbers[bone] = static_cast<float>(bone);
+    for (std::size_t i = 0; i < influences; ++i) {
+        const unsigned int bone = mesh.influenceBones[i];
+        mesh.influenceBonesFloat[i] = bone < keltra::kMaxSkinBones ? numbers[bone] : 0.0f;
+    }
+}
+
 bool buildSkin(KTMESH &mesh, const keltra::MeshRecord &record) {
     if (record.influenceCount == 0) return true;
     const std::size_t influences = std::size_t(record.vertexCount) * record.influenceCount;
@@ -101,10 +119,7 @@ bool buildSkin(KTMESH &mesh, const keltra::MeshRecord &record) {
     mesh.influenceWeights = copyToBlock<float>(record.influenceWeights, influences);
     mesh.influenceBonesFloat = static_cast<float *>(keltra::newBlock(influences * sizeof(float)));
     if (!mesh.influenceBones || !mesh.influenceWeights || !mesh.influenceBonesFloat) return false;
-    // Influences that do not count may name any bone; a shader's arrays end with the last one.
-    for (std::size_t i = 0; i < influences; ++i)
-        mesh.influenceBonesFloat[i] =
-            mesh.influenceBones[i] < keltra::kMaxSkinBones ? mesh.influenceBones[i] : 0;
+    convertBones(mesh, influences);
     const char *name = record.boneNames;
     for (unsigned int b = 0; b < record.boneCount; ++b) {
         KTBONE *bone = new (mesh.bones + b) KTBONE;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <random>
 
 #include "math/fixed.h"
@@ -237,6 +238,22 @@ TEST(SoftArmTest, FixedNumbersAreThePlainOnes) {
             ASSERT_EQ(fixed[k], k < 4 * fours ? toFixedByIntegers(values[k]) : 0) << values[k];
             ASSERT_EQ(bitsOf(copy[k]), k < 4 * fours ? bitsOf(values[k]) : 0);
         }
+    }
+}
+
+TEST(SoftArmTest, BytesAtAnyAddressAreTheSameFixedNumbers) {
+    Operand any;
+    for (int i = 0; i < kTimes; ++i) {
+        float values[12];
+        for (float &value : values) value = any();
+        const unsigned int fours = 1 + i % 3, place = i % 4;
+        std::uint32_t words[13] = {};
+        std::memcpy(reinterpret_cast<char *>(words) + place, values, sizeof values);
+        std::int32_t fixed[12] = {};
+        keltraBytesToFixed(reinterpret_cast<char *>(words) + place, fixed, fours);
+        for (unsigned int k = 0; k < 12; ++k)
+            ASSERT_EQ(fixed[k], k < 4 * fours ? toFixedByIntegers(values[k]) : 0)
+                << values[k] << ' ' << place;
     }
 }
 
