@@ -16,13 +16,6 @@ namespace keltra {
 constexpr int kLongestContext = 5;
 constexpr unsigned int kCharacters = 128;
 
-// A character's part of an interval, how often it was met, and how often behind another one.
-struct PackedCharacter {
-    std::uint32_t share;
-    std::uint16_t met;
-    unsigned char metBehind[kCharacters];
-};
-
 // An interval is at least so wide that it has a part for each unit of the shares.
 constexpr std::uint32_t kLeastRange = std::uint32_t{1} << 24;
 
@@ -32,14 +25,14 @@ class PackedWriter {
 
     // Puts the given one of the characters, or gets one; `sum` is that of their shares. The last ones, which
     // are most letters, come first.
-    constexpr unsigned int take(const PackedCharacter *all, std::uint32_t sum, unsigned int given) {
+    constexpr unsigned int take(const std::uint32_t *shares, std::uint32_t sum, unsigned int given) {
         fits = fits && sum <= kLeastRange;
         if (!fits) return given;
         for (; range < kLeastRange; range <<= 8) put();
         range /= sum;
-        for (unsigned int c = kCharacters; --c > given;) low += std::uint64_t{range} * all[c].share;
+        for (unsigned int c = kCharacters; --c > given;) low += std::uint64_t{range} * shares[c];
         for (std::size_t i = written; low >> 32; low &= 0xffffffff) carry(i);
-        range *= all[given].share;
+        range *= shares[given];
         return given;
     }
     // The reader reads four bytes ahead. Returns the size; 0 when shares were too large for an interval,
@@ -75,12 +68,12 @@ class PackedReader {
    public:
     explicit PackedReader(const unsigned char *packed) : packed(packed), code(0), range(1) {}
 
-    unsigned int take(const PackedCharacter *all, std::uint32_t sum, unsigned int = 0) {
+    unsigned int take(const std::uint32_t *shares, std::uint32_t sum, unsigned int = 0) {
         for (; range < kLeastRange; range <<= 8) code = code << 8 | *packed++;
         range /= sum;
         unsigned int c = kCharacters;
-        for (std::uint32_t part; code >= (part = range * all[--c].share);) code -= part;
-        range *= all[c].share;
+        for (std::uint32_t part; code >= (part = range * shares[--c]);) code -= part;
+        range *= shares[c];
         return c;
     }
 
@@ -100,26 +93,20 @@ class PackedText {
     template <class Coder>
     [[gnu::noinline]] constexpr void take(std::size_t number, Coder &coder, char given = 0) {
         char *const end = characters + kLongestContext + number;
-        const unsigned int before = static_cast<unsigned char>(end[-1]);
         std::uint32_t sum = 0;
-        PackedCharacter *each = all + kCharacters;
-        do {
-            --each;
-            sum += each->share = 2u + each->met + each->metBehind[before] * 32u;
-        } while (each != all);
-        // Each place that the same characters are before, the more the better.
-        std::uint16_t &last = lasts[before * 8 ^ static_cast<unsigned char>(end[-2])];
+        for (unsigned int c = 0; c < kCharacters; ++c) sum += shares[c] = 2u + met[c];
+        // Each place that the same character is before, the more of them the better.
+        std::uint16_t &last = lasts[static_cast<unsigned char>(end[-1])];
         for (unsigned int place = last; place; place = previous[place]) {
             const char *const other = begin() + place;
-            int length = 0;
+            int length = 1;
             while (length < kLongestContext && other[-1 - length] == end[-1 - length]) ++length;
-            sum += add(*other, static_cast<std::uint32_t>(length * length * (length - 1) * 128));
+            sum += add(*other, static_cast<std::uint32_t>(length * length * length * length * 32));
         }
         if (above) sum += add(*above, sum * 2);
-        const unsigned int c = coder.take(all, sum, static_cast<unsigned char>(given));
+        const unsigned int c = coder.take(shares, sum, static_cast<unsigned char>(given));
         *end = static_cast<char>(c);
-        ++all[c].met;
-        ++all[c].metBehind[before];
+        ++met[c];
         previous[number] = last;
         last = static_cast<std::uint16_t>(number);
         above = above && *above == *end ? above + 1 : nullptr;
@@ -130,15 +117,16 @@ class PackedText {
 
    private:
     constexpr std::uint32_t add(char character, std::uint32_t share) {
-        all[static_cast<unsigned char>(character)].share += share;
+        shares[static_cast<unsigned char>(character)] += share;
         return share;
     }
 
     // The place in the text before while that was the same, the begin of this one.
     const char *above = nullptr, *text = nullptr;
-    PackedCharacter all[kCharacters] = {};
-    // Places with the same two characters before them are in one list, the last place first.
-    std::uint16_t lasts[1024] = {}, previous[kSize] = {};
+    // Of each character its part of an interval, and how often it was met.
+    std::uint32_t shares[kCharacters] = {}, met[kCharacters] = {};
+    // Places with the same character before them are in one list, the last place first.
+    std::uint16_t lasts[kCharacters] = {}, previous[kSize] = {};
     char characters[kLongestContext + kSize] = {};
 };
 
