@@ -117,7 +117,7 @@ XmlEnd withReserve(const XmlText &text, Work work) {
     }
 }
 
-Fault faultOf(int error) {
+void refuseText(Fault &fault, int error) {
     static const struct {
         unsigned char error;
         FaultText field, reason;
@@ -136,15 +136,10 @@ Fault faultOf(int error) {
         {TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY, KT_TEXT("document"), KT_TEXT("holds no markup")},
         {0, KT_TEXT("document"), KT_TEXT("is no XML")},
     };
-    Fault fault;
-    if (error == kNoMemory) {
-        refuseMemory(&fault);
-        return fault;
-    }
+    if (error == kNoMemory) return void(refuseMemory(&fault));
     const auto *known = kErrors;
     while (known->error && known->error != error) ++known;
     refuse(&fault, 0, known->field, known->reason);
-    return fault;
 }
 
 // The parser reports the position of an error only when it tracks row and column, and then loops without end
@@ -169,12 +164,11 @@ std::size_t offsetInTag(char *tag, std::size_t longestPiece) {
     return static_cast<std::size_t>(at - tag);
 }
 
-Fault findError(const XmlText &text, const XmlEnd &end) {
-    Fault fault = faultOf(end.error);
-    if (!end.at) return fault;
+void findError(const XmlText &text, const XmlEnd &end, Fault &fault) {
+    refuseText(fault, end.error);
+    if (!end.at) return;
     fault.offset = static_cast<std::size_t>(end.at - text.begin);
     if (end.isInTag) fault.offset += offsetInTag(end.at, text.longestPiece);
-    return fault;
 }
 
 // A text of `size` bytes, with room for its copy and for the line of each element.
@@ -204,13 +198,10 @@ XmlEnd parseScanned(const XmlSource &source, const MarkupScan &scan, TiXmlDocume
 bool parseWhole(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
     char *const end = copyLines(source.copy, source.bytes, source.size);
     MarkupScan scan(source.copy, end, source.lines, MarkupScan::kSameLength);
-    if (!scan.run()) {
-        if (fault) *fault = scan.fault();
-        return false;
-    }
+    if (!scan.run()) return scan.refuse(fault);
     const XmlEnd reached = parseScanned(source, scan, document);
     if (reached.error == 0) return true;
-    if (fault) *fault = findError({source.copy, end, scan.longestPiece()}, reached);
+    if (fault) findError({source.copy, end, scan.longestPiece()}, reached, *fault);
     return false;
 }
 
@@ -269,6 +260,12 @@ bool readPlainDecimal(const char *text, PlainDecimal &number) {
     number.digits = digits;
     number.decimals = decimals;
     return true;
+}
+
+// The length of the finite number that the text begins with; 0 without one.
+int scanFloat(const char *text, float &value) {
+    int length = 0;
+    return std::sscanf(text, "%f%n", &value, &length) == 1 && std::isfinite(value) ? length : 0;
 }
 
 bool parseAny(const XmlSource &source, TiXmlDocument &document, Fault *fault) {
@@ -339,10 +336,15 @@ bool xmlPlainFloat(const char *text, float &value) {
 }
 
 float xmlFloat(const char *text, float otherwise) {
-    float plain;
-    if (text && xmlPlainFloat(text, plain)) return plain;
-    float value = 0.0f;
-    return text && std::sscanf(text, "%f", &value) == 1 && std::isfinite(value) ? value : otherwise;
+    float value;
+    return text && (xmlPlainFloat(text, value) || scanFloat(text, value)) ? value : otherwise;
+}
+
+bool isXmlFloat(const char *text) {
+    if (isXmlPlainFloat(text)) return true;
+    float value;
+    const int length = scanFloat(text, value);
+    return length > 0 && !text[length];
 }
 
 }  // namespace keltra

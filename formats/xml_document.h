@@ -26,6 +26,8 @@ int xmlInteger(const char *text);
 bool xmlPlainFloat(const char *text, float &value);
 bool isXmlPlainFloat(const char *text);
 float xmlFloat(const char *text, float otherwise);
+// Whether the whole text is a finite number, as "%f" reads it.
+bool isXmlFloat(const char *text);
 
 }  // namespace keltra
 

@@ -2,6 +2,7 @@
 #include "formats/xml_scan.h"
 
 #include "formats/limits.h"
+#include "foundation/cold.h"
 
 #include <cstring>
 
@@ -15,7 +16,7 @@ bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 }  // namespace
 
 // Notes the first reason; always false.
-bool MarkupScan::refused(FaultText why, long most) {
+KELTRA_COLD [[gnu::noinline]] bool MarkupScan::refused(FaultText why, long most) {
     if (reason != FaultText()) return false;
     reason = why;
     limit = most;

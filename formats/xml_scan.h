@@ -36,11 +36,9 @@ class MarkupScan {
     // Valid after a run: where the text ends now, and the number of its elements.
     char *keptEnd() const { return kept; }
     unsigned int elementCount() const { return elements; }
-    // Valid after a run that returned false; the offset is that of the tag in the text.
-    Fault fault() const {
-        Fault noted;
-        refuse(&noted, static_cast<std::size_t>(tag - begin), KT_TEXT("tag"), reason, limit);
-        return noted;
+    // Valid after a run that returned false; the offset is that of the tag in the text. Always false.
+    bool refuse(Fault *fault) const {
+        return keltra::refuse(fault, static_cast<std::size_t>(tag - begin), KT_TEXT("tag"), reason, limit);
     }
 
    private:
