@@ -15,6 +15,8 @@ constexpr int kZero = 0, kOne = 1, kSrcColor = 0x300, kOneMinusSrcColor = 0x301,
 
 }  // namespace
 
+const char kEmitterRoot[] = "emitter";
+
 const EmitterSetting kEmitterSettings[kEmitterSettingCount] = {
     {"type", EmitterValue::kInteger},
     {"texture", EmitterValue::kText},
@@ -44,8 +46,8 @@ const EmitterSetting *findEmitterSetting(const char *name) {
 }
 
 XmlNames emitterAttributes(EmitterValue kind) {
-    if (kind == EmitterValue::kSize) return "x\0y\0";
-    return kind == EmitterValue::kVector ? "x\0y\0z\0" : "value\0";
+    static constexpr char kLists[] = "value\0\0x\0y\0\0x\0y\0z\0";
+    return kLists + (kind == EmitterValue::kSize ? 7 : kind == EmitterValue::kVector ? 12 : 0);
 }
 
 bool isBlendFactor(int code, bool isSource) {

@@ -17,7 +17,7 @@ namespace keltra {
 
 using EmitterValue = XmlValue;
 
-constexpr char kEmitterRoot[] = "emitter";
+KT_HIDDEN extern const char kEmitterRoot[sizeof "emitter"];
 
 struct EmitterSetting {
     char name[16];

@@ -11,6 +11,10 @@
 
 namespace keltra {
 
+const char kKerningPrefix[] = "KELTRA_kerning_";
+const char *const kKerningNames[] = {"SPACE", "DIESIS", "EQUAL"};
+const char kNamedCharacters[] = {' ', '#', '='};
+
 namespace {
 
 constexpr std::size_t kPrefixLength = sizeof kKerningPrefix - 1;

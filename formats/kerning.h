@@ -8,15 +8,17 @@
 
 #include <keltra/foundation.h>
 
+#include "foundation/hidden.h"
+
 #include <cstddef>
 #include <cstring>
 
 namespace keltra {
 
 constexpr char kKerningComment = '#';
-constexpr char kKerningPrefix[] = "KELTRA_kerning_";
-constexpr const char *kKerningNames[] = {"SPACE", "DIESIS", "EQUAL"};
-constexpr char kNamedCharacters[] = {' ', '#', '='};
+KT_HIDDEN extern const char kKerningPrefix[sizeof "KELTRA_kerning_"];
+KT_HIDDEN extern const char *const kKerningNames[3];
+KT_HIDDEN extern const char kNamedCharacters[3];
 constexpr unsigned int kKerningCharacters = 127 - 32, kKerningKeys = kKerningCharacters + 3;
 constexpr std::size_t kKerningKeySize = sizeof kKerningPrefix + 6;
 
@@ -27,9 +29,11 @@ inline char kerningCharacter(unsigned int key) {
 
 // The text of a key, in `text`.
 inline const char *kerningKey(unsigned int key, char (&text)[kKerningKeySize]) {
-    const char character[] = {kerningCharacter(key), '\0'};
     std::strcpy(text, kKerningPrefix);
-    std::strcat(text, key < kKerningCharacters ? character : kKerningNames[key - kKerningCharacters]);
+    char *const name = text + sizeof kKerningPrefix - 1;
+    name[0] = static_cast<char>(' ' + key);
+    name[1] = '\0';
+    if (key >= kKerningCharacters) std::strcpy(name, kKerningNames[key - kKerningCharacters]);
     return text;
 }
 
