@@ -44,14 +44,14 @@ unsigned int starts = 0;
 // An overflow repeats in every frame: reported once, until the list is restarted.
 bool listReported = false, skinsReported = false;
 
-[[gnu::noinline]] void warnOnce(bool &reported, keltra::FaultText what, unsigned int most) {
+KELTRA_COLD [[gnu::noinline]] void warnOnce(bool &reported, keltra::FaultText what, unsigned int most) {
     if (reported) return;
     reported = true;
     keltra::warnFull(KT_CALL("KTELEMENT::pass"), what, most);
 }
 
 // Always false.
-[[gnu::noinline]] bool noteFullList() {
+KELTRA_COLD [[gnu::noinline]] bool noteFullList() {
     if (!KTELEMENT::active) return keltra::failState(KT_CALL("KTELEMENT::pass"), keltra::kInactive);
     warnOnce(listReported, KT_TEXT("render list"), KTELEMENT::numberOfElements);
     return false;
