@@ -50,16 +50,13 @@ EGLint chooseConfig(EGLDisplay display, int depthBits, EGLConfig *config) {
 }
 
 [[gnu::noinline]] bool failMode(keltra::FaultScope &scope, const KTSETTINGS::RECORD &record) {
-    KTFAULT &fault = keltra::newFault(KT_FAULT_DISPLAY);
-    keltra::writeFaultText(fault.found, KT_TEXT("no mode of %d x %d pixels and %d bits"), record.windowX,
-                           record.windowY, record.colorDepth);
-    return scope.fail(fault);
+    return scope.fail(keltra::newFault(KT_FAULT_DISPLAY, {}, KT_TEXT("no mode of %d x %d pixels and %d bits"),
+                                       {}, record.windowX, record.windowY, record.colorDepth));
 }
 
 // Names the step of start-up that failed; the reason may be empty.
 [[gnu::noinline]] bool failStep(keltra::FaultText step, const char *reason) {
-    KTFAULT &fault = keltra::newFault(KT_FAULT_START);
-    keltra::writeFaultText(fault.field, step);
+    KTFAULT &fault = keltra::newFault(KT_FAULT_START, step, {}, {});
     keltra::setFaultText(fault.found, reason);
     return keltra::tellFault(KT_CALL("KTSETTINGS::init"), fault);
 }
@@ -129,11 +126,9 @@ bool KTSETTINGS::openContext(const RECORD &record) {
     EGLint count = chooseConfig(glesDisplay, record.zetaDepth, &config);
     if (count < 0) return failEGL(KT_TEXT("eglChooseConfig"));
     vnfLog("      Number of available configs: %d\n", count);
-    if (count < 1) {
-        char reason[96];
-        keltra::writeFaultText(reason, KT_TEXT("no configuration has that depth buffer"));
-        return failStep(KT_TEXT("eglChooseConfig"), reason);
-    }
+    if (count < 1)
+        return keltra::failTexts(KT_CALL("KTSETTINGS::init"), KT_FAULT_START, KT_TEXT("eglChooseConfig"),
+                                 KT_TEXT("no configuration has that depth buffer"));
     EGLNativeWindowType native = (EGLNativeWindowType)(std::uintptr_t)window;
     glesSurface = eglCreateWindowSurface(glesDisplay, config, native, nullptr);
     if (!glesSurface) return failEGL(KT_TEXT("eglCreateWindowSurface"));

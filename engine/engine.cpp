@@ -90,9 +90,7 @@ struct KELTRA::STARTUP {
     static bool startAll(KTSETTINGS &settings, keltra::FaultScope &scope) {
         for (int started = 0; started < kCount; ++started) {
             if (steps[started].start(settings)) continue;
-            KTFAULT &fault = keltra::newFault(KT_FAULT_START);
-            keltra::writeFaultText(fault.field, steps[started].name);
-            scope.fail(fault);
+            scope.fail(keltra::newFault(KT_FAULT_START, steps[started].name, {}, {}));
             while (started-- > 0) steps[started].stop();
             return false;
         }

@@ -59,7 +59,7 @@ KTNODE *KELTRA::loadXML(const char *fileName) {
     TiXmlDocument document;
     if (!keltra::loadXmlDocument(fileName, document, &scope)) return nullptr;
     const TiXmlElement *description = keltra::guiRoot(document);
-    if (!description) return keltra::refuse(scope, keltra::guiRootMissing(), "", 0), nullptr;
+    if (!description) return keltra::refuse(scope, keltra::guiRootMissing(), nullptr, 0), nullptr;
     return keltra::buildInterface(*description, fileName, scope);
 }
 

@@ -45,12 +45,6 @@ bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason)
     return false;
 }
 
-bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason, long limit) {
-    refuse(fault, offset, field, reason);
-    if (fault) fault->limit = limit;
-    return false;
-}
-
 bool refuseValue(Fault *fault, std::size_t offset, FaultText field, long found, FaultText reason,
                  long limit) {
     refuse(fault, offset, field, reason);
@@ -69,10 +63,9 @@ bool refuseMemory(Fault *fault) {
 }
 
 KTFAULT &toPublic(const Fault &fault) {
-    KTFAULT &result = newFault(static_cast<KT_FAULT_CODE>(fault.code));
-    writeFaultText(result.field, fault.field);
+    KTFAULT &result =
+        newFault(static_cast<KT_FAULT_CODE>(fault.code), fault.field, {}, fault.reason, fault.limit);
     if (fault.hasFound) setFaultNumber(result.found, fault.found);
-    writeFaultText(result.expected, fault.reason, fault.limit);
     result.byte = static_cast<long>(fault.offset);
     return result;
 }
@@ -84,20 +77,11 @@ KTFAULT &toPublic(const Fault &fault, const char *text, std::size_t size) {
     return result;
 }
 
-KTFAULT &unknownName(FaultText what, const char *whole, const char *found, const char *nearest) {
-    KTFAULT &fault = newFault(KT_FAULT_UNKNOWN);
+KTFAULT &unknownName(FaultText what, const char *whole, const NearestName &name) {
+    KTFAULT &fault = newFault(KT_FAULT_UNKNOWN, what, {}, {}, whole);
     fault.severity = KT_FAULT_WARNING;
-    writeFaultText(fault.field, what, whole);
-    setFaultText(fault.found, found);
-    setFaultText(fault.expected, nearest);
-    return fault;
-}
-
-KTFAULT &beyondLimit(FaultText field, FaultText found, unsigned int most, FaultText expected) {
-    KTFAULT &fault = newFault(KT_FAULT_LIMIT);
-    writeFaultText(fault.field, field);
-    writeFaultText(fault.found, found, most);
-    writeFaultText(fault.expected, expected);
+    setFaultText(fault.found, name.found());
+    setFaultText(fault.expected, name.name());
     return fault;
 }
 

@@ -24,7 +24,11 @@ struct Fault {
 
 // Each stores the fault unless `fault` is null. Always false.
 [[gnu::cold]] bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason);
-[[gnu::cold]] bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason, long limit);
+inline bool refuse(Fault *fault, std::size_t offset, FaultText field, FaultText reason, long limit) {
+    refuse(fault, offset, field, reason);
+    if (fault) fault->limit = limit;
+    return false;
+}
 [[gnu::cold]] bool refuseValue(Fault *fault, std::size_t offset, FaultText field, long found,
                                FaultText reason, long limit = 0);
 [[gnu::cold]] bool refuseMemory(Fault *fault);
@@ -37,12 +41,6 @@ KTFAULT &toPublic(const Fault &fault, const char *text, std::size_t size);
 // Fails a call with it. Always false.
 [[gnu::cold]] bool refuse(FaultScope &scope, const Fault &fault);
 [[gnu::cold]] bool refuse(FaultScope &scope, const Fault &fault, const char *text, std::size_t size);
-
-// A warning of a name that is not known; `what` it names may have a %s for `whole`. `nearest` is the known
-// name most like it, or empty.
-KTFAULT &unknownName(FaultText what, const char *whole, const char *found, const char *nearest);
-// An error: `found` may have a %u for `most`.
-KTFAULT &beyondLimit(FaultText field, FaultText found, unsigned int most, FaultText expected);
 
 // What is wrong with the text of an integer, a text for the limits; nothing when it is one within them.
 FaultText integerFlaw(const char *text, long least, long most);
@@ -62,8 +60,13 @@ class NearestName {
         static_assert(std::is_standard_layout<Record>::value, "the name is where the record is");
         offerEach(reinterpret_cast<const char *const *>(records), count, sizeof *records / sizeof(char *));
     }
+    // Takes the name, however near it is.
+    void take(const char *known) { nearest = known; }
+    const char *found() const { return wanted; }
     // Empty when none is near enough.
     const char *name() const { return nearest; }
+    // The name is one of those that were offered.
+    bool isKnown() const { return least == 0; }
 
    private:
     void offerEach(const char *const *name, std::size_t count, std::size_t step);
@@ -71,6 +74,9 @@ class NearestName {
     const char *wanted, *nearest;
     unsigned int least;
 };
+
+// A warning of a name that is not known; `what` it names may have a %s for `whole`.
+KTFAULT &unknownName(FaultText what, const char *whole, const NearestName &name);
 
 }  // namespace keltra
 

@@ -34,10 +34,12 @@ class KeyCheck {
     bool next();
     // The end of the key in `text`; null without one.
     char *endOfKey();
-    // Of what stands before it; `count()` for another name.
-    unsigned int keyBefore(const char *end) const;
+    // That of the name in `text`; `count()` for another one.
+    unsigned int findKey();
     unsigned int count() const { return isKerning ? kKerningKeys : unsigned{kSettingsKeyCount}; }
     void offerTo(NearestName &nearest, const char *end);
+    // Checks the line whose key ends there; false when it cannot be read.
+    bool check(char *end);
     // Of a key that is not met yet.
     void value(unsigned int key, const char *given) const;
     void note(unsigned int key);
@@ -47,25 +49,23 @@ class KeyCheck {
                0;
     }
     void tell(KT_FAULT_CODE code, const char *key, const char *found, FaultText expected) const {
-        KTFAULT &fault = newFault(code);
+        KTFAULT &fault = newFault(code, {}, {}, expected, -most - 1, most);
         setFaultText(fault.field, key);
         setFaultText(fault.found, found);
-        writeFaultText(fault.expected, expected, -most - 1, most);
         tell(fault);
     }
     void tell(KTFAULT &fault) const {
         fault.line = line;
         warnFault({}, fault);
     }
-    void unread() const { tell(KT_FAULT_LINE, "", text, KT_TEXT("a key, `=` and a value")); }
 
     vnfParser parser;
     unsigned int line;
     const bool isKerning;
     const long most;  // of an integer
+    bool met[kKerningKeys];
     char text[kLineSize];  // the line as its readers see it, without blanks and tabs
     char raw[kLineSize];
-    bool met[kKerningKeys];
     char keys[1 + kKerningKeys - kKerningCharacters][kKerningKeySize];  // those that were offered
 };
 
@@ -74,12 +74,12 @@ class KeyCheck {
         const std::int32_t begin = parser.position;
         if (!vnfReadLine(&parser, raw)) return false;
         ++line;
-        raw[std::strcspn(raw, "\r")] = '\0';
+        if (char *const end = std::strchr(raw, '\r')) *end = '\0';
         squeezeLine(std::strcpy(text, raw));
         const bool isLast = parser.position > parser.size;  // without the end of a line
         if (!*text || parser.position - begin - isLast <= static_cast<std::int32_t>(kLineSize)) continue;
-        tell(beyondLimit(KT_TEXT("line"), KT_TEXT("longer than 255 characters"), 0,
-                         KT_TEXT("the rest is not read")));
+        tell(newFault(KT_FAULT_LIMIT, KT_TEXT("line"), KT_TEXT("longer than 255 characters"),
+                      KT_TEXT("the rest is not read")));
     } while (!*text);
     return true;
 }
@@ -99,18 +99,11 @@ class KeyCheck {
     }
 }
 
-[[gnu::noinline]] unsigned int KeyCheck::keyBefore(const char *end) const {
+[[gnu::noinline]] unsigned int KeyCheck::findKey() {
     unsigned int key = 0;
-    if (!isKerning) {
-        while (key < kSettingsKeyCount && std::strcmp(kSettingsKeys[key].name, text) != 0) ++key;
-        return key;
-    }
-    if (!isPrefixed()) return kKerningKeys;
-    const char *const name = text + kKerningPrefixLength;
-    key = static_cast<unsigned char>(*name) - unsigned{' '};
-    if (end == name + 1 && key < kKerningCharacters) return key;
-    key = kKerningCharacters;
-    while (key < kKerningKeys && std::strcmp(name, kKerningNames[key - kKerningCharacters]) != 0) ++key;
+    while (key < count() &&
+           std::strcmp(isKerning ? kerningKey(key, keys[0]) : kSettingsKeys[key].name, text) != 0)
+        ++key;
     return key;
 }
 
@@ -128,10 +121,9 @@ class KeyCheck {
     FaultText flaw = {};
     if (kind == SettingKind::kText) {
         const std::size_t length = std::strlen(given);
-        const char *const quote = std::strchr(raw, '"');
         if (length < 2 || given[0] != '"' || given[length - 1] != '"')
             flaw = KT_TEXT("a text between two quotes");
-        else if (quote + std::strcspn(quote, " \t") < std::strrchr(quote, '"'))
+        else if (std::strrchr(raw, '"') - std::strchr(raw, '"') >= static_cast<std::ptrdiff_t>(length))
             flaw = KT_TEXT("a text without blanks: they are lost");
     } else {
         flaw = integerFlaw(given, -most - 1, most);
@@ -150,34 +142,33 @@ class KeyCheck {
         met[i] = met[i] || std::strstr(text, kSettingsKeys[i].name);
 }
 
+bool KeyCheck::check(char *end) {
+    const char separator = *end;
+    *end = '\0';
+    const unsigned int key = findKey();
+    bool isRead = true;
+    if (key == count()) {
+        NearestName nearest(text);
+        offerTo(nearest, end);
+        const bool isOurs = isPrefixed() || *nearest.name();
+        if (isOurs) tell(unknownName(KT_TEXT("key"), nullptr, nearest));
+        isRead = isOurs || (!isKerning && *text && separator == '=');
+    } else if (met[key]) {
+        tell(KT_FAULT_REPEATED, nullptr, text, {});
+    } else if (separator != '=') {
+        tell(KT_FAULT_MISSING, text, nullptr, KT_TEXT("`=`"));
+    } else {
+        value(key, end + 1);
+    }
+    *end = separator;
+    note(key);
+    return isRead;
+}
+
 void KeyCheck::run() {
     while (next()) {
         char *const end = endOfKey();
-        if (!end) {
-            unread();
-            continue;
-        }
-        const char separator = *end;
-        *end = '\0';
-        const unsigned int key = keyBefore(end);
-        if (key < count()) {
-            if (met[key])
-                tell(KT_FAULT_REPEATED, "", text, {});
-            else if (separator != '=')
-                tell(KT_FAULT_MISSING, text, "", KT_TEXT("`=`"));
-            else
-                value(key, end + 1);
-            *end = separator;
-        } else {
-            NearestName nearest(text);
-            offerTo(nearest, end);
-            const bool isKnown = isPrefixed() || *nearest.name();
-            if (isKnown) tell(unknownName(KT_TEXT("key"), nullptr, text, nearest.name()));
-            const bool isOther = !isKerning && *text && separator == '=';
-            *end = separator;
-            if (!isKnown && !isOther) unread();
-        }
-        note(key);
+        if (!end || !check(end)) tell(KT_FAULT_LINE, nullptr, text, KT_TEXT("a key, `=` and a value"));
     }
 }
 

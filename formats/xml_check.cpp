@@ -18,11 +18,6 @@ namespace keltra {
 
 namespace {
 
-bool isOneOf(XmlNames name, const char *wanted) {
-    while (*name && std::strcmp(name, wanted) != 0) name = nextName(name);
-    return *name;
-}
-
 // Whether the attributes are those of the names, in their order, as nearly always.
 bool isInOrder(const TiXmlAttribute *attribute, XmlNames name) {
     for (; attribute && *name; attribute = attribute->Next(), name = nextName(name))
@@ -30,165 +25,161 @@ bool isInOrder(const TiXmlAttribute *attribute, XmlNames name) {
     return !attribute && !*name;
 }
 
-bool isReal(const char *text) {
-    if (isXmlPlainFloat(text)) return true;
-    float number;
-    int length = 0;
-    return std::sscanf(text, "%f%n", &number, &length) == 1 && number - number == 0.0f && !text[length];
+// The one behind `node` in the document's order, within `top`; null at the end. Follows the links of the
+// document instead of recursing: the device's stack is small.
+const TiXmlNode *nextNode(const TiXmlNode *node, const TiXmlNode *top) {
+    if (node->FirstChild()) return node->FirstChild();
+    while (node != top && !node->NextSibling()) node = node->Parent();
+    return node == top ? nullptr : node->NextSibling();
 }
 
-// What is wrong with the value; nothing when it is of the kind. The range is one of integers.
-FaultText flawOf(const char *text, XmlValue kind, long least, long most) {
+// Checks one element after the other. With `hasLines`, they know their lines.
+class XmlCheck {
+   public:
+    explicit XmlCheck(bool hasLines) : hasLines(hasLines), element(nullptr) {}
+
+    void gui(const TiXmlElement &checked);
+    void emitter(const TiXmlElement &checked);
+    void emitterRoot(const TiXmlElement &root);
+
+   private:
+    void unknownElement(const NearestName &name) const;
+    KTFAULT &unknownAttribute(const NearestName &name) const {
+        return unknownName(KT_TEXT("attribute of `%s`"), element->Value(), name);
+    }
+    void guiObjectAttributes() const;
+    void guiKind() const;
+    // Warns of each attribute that is not one of the names, of those that are missing, and of values that are
+    // not of the kind.
+    void attributes(XmlNames names, XmlValue kind) const;
+    void value(const char *attribute, const char *text, XmlValue kind) const;
+    void tell(KTFAULT &fault) const;
+
+    const bool hasLines;
+    const TiXmlElement *element;
+};
+
+void XmlCheck::tell(KTFAULT &fault) const {
+    if (hasLines) fault.line = xmlLine(*element);
+    warnFault({}, fault);
+}
+
+void XmlCheck::unknownElement(const NearestName &name) const {
+    const TiXmlNode *parent = element->Parent();
+    const bool isInside = parent && parent->ToElement();
+    tell(unknownName(isInside ? KT_TEXT("element of `%s`") : KT_TEXT("root element"),
+                     isInside ? parent->Value() : nullptr, name));
+}
+
+void XmlCheck::attributes(XmlNames names, XmlValue kind) const {
+    const TiXmlAttribute *attribute = element->FirstAttribute();
+    if (isInOrder(attribute, names)) {
+        for (; attribute; attribute = attribute->Next()) value(attribute->Name(), attribute->Value(), kind);
+        return;
+    }
+    for (; attribute; attribute = attribute->Next()) {
+        NearestName nearest(attribute->Name());
+        for (XmlNames name = names; *name; name = nextName(name)) nearest.offer(name);
+        if (!nearest.isKnown()) tell(unknownAttribute(nearest));
+    }
+    for (; *names; names = nextName(names)) {
+        const char *text = element->Attribute(names);
+        if (text) {
+            value(names, text, kind);
+            continue;
+        }
+        KTFAULT &fault = newFault(KT_FAULT_MISSING, {}, {}, KT_TEXT("attribute `%s`"), names);
+        setFaultText(fault.field, element->Value());
+        tell(fault);
+    }
+}
+
+void XmlCheck::value(const char *attribute, const char *text, XmlValue kind) const {
+    FaultText flaw = {};
+    long least = INT_MIN, most = INT_MAX;
     switch (kind) {
         case XmlValue::kReal:
         case XmlValue::kSize:
         case XmlValue::kVector:
-            return isReal(text) ? FaultText() : KT_TEXT("a number");
-        case XmlValue::kShortText:
-            return std::strlen(text) < kNameSize ? FaultText() : KT_TEXT("at most 255 characters");
-        case XmlValue::kText:
-            return {};
-        default:
+            if (!isXmlFloat(text)) flaw = KT_TEXT("a number");
             break;
+        case XmlValue::kShortText:
+            if (std::strlen(text) >= kNameSize) flaw = KT_TEXT("at most 255 characters");
+            break;
+        case XmlValue::kText:
+            break;
+        case XmlValue::kNumber:
+            most = kMaxParticles;
+            [[fallthrough]];
+        case XmlValue::kMaximum:
+            least = 0;
+            [[fallthrough]];
+        default:
+            flaw = integerFlaw(text, least, most);
+            if (flaw == FaultText() && kind >= XmlValue::kSourceFactor &&
+                !isBlendFactor(xmlInteger(text), kind == XmlValue::kSourceFactor))
+                flaw = KT_TEXT("a blend factor of that side");
     }
-    const FaultText flaw = integerFlaw(text, least, most);
-    const bool isSource = kind == XmlValue::kSourceFactor;
-    if (flaw != FaultText() || (!isSource && kind != XmlValue::kDestinationFactor)) return flaw;
-    return isBlendFactor(xmlInteger(text), isSource) ? flaw : KT_TEXT("a blend factor of that side");
-}
-
-// With `hasLines`, the elements know their lines.
-class XmlCheck {
-   public:
-    explicit XmlCheck(bool hasLines) : hasLines(hasLines) {}
-
-    void unknown(const TiXmlElement &element, const char *found, const char *nearest, FaultText what,
-                 const char *whole) const;
-    void unknownElement(const TiXmlElement &element, const char *nearest) const;
-    // Warns of each attribute that is not one of the names, of those that are missing, and of values that are
-    // not of the kind.
-    void attributes(const TiXmlElement &element, XmlNames names, XmlValue kind) const;
-
-    void tell(const TiXmlElement &element, KTFAULT &fault) const;
-
-   private:
-    void value(const TiXmlElement &element, const char *attribute, const char *text, XmlValue kind) const;
-
-    const bool hasLines;
-};
-
-void XmlCheck::tell(const TiXmlElement &element, KTFAULT &fault) const {
-    if (hasLines) fault.line = xmlLine(element);
-    warnFault({}, fault);
-}
-
-void XmlCheck::unknown(const TiXmlElement &element, const char *found, const char *nearest, FaultText what,
-                       const char *whole) const {
-    tell(element, unknownName(what, whole, found, nearest));
-}
-
-void XmlCheck::unknownElement(const TiXmlElement &element, const char *nearest) const {
-    const TiXmlNode *parent = element.Parent();
-    const bool isInside = parent && parent->ToElement();
-    unknown(element, element.Value(), nearest,
-            isInside ? KT_TEXT("element of `%s`") : KT_TEXT("root element"), isInside ? parent->Value() : "");
-}
-
-void XmlCheck::attributes(const TiXmlElement &element, XmlNames names, XmlValue kind) const {
-    const TiXmlAttribute *attribute = element.FirstAttribute();
-    if (isInOrder(attribute, names)) {
-        for (; attribute; attribute = attribute->Next())
-            value(element, attribute->Name(), attribute->Value(), kind);
-        return;
-    }
-    for (; attribute; attribute = attribute->Next()) {
-        if (isOneOf(names, attribute->Name())) continue;
-        NearestName nearest(attribute->Name());
-        for (XmlNames name = names; *name; name = nextName(name)) nearest.offer(name);
-        unknown(element, attribute->Name(), nearest.name(), KT_TEXT("attribute of `%s`"), element.Value());
-    }
-    for (; *names; names = nextName(names)) {
-        const char *text = element.Attribute(names);
-        if (text) {
-            value(element, names, text, kind);
-            continue;
-        }
-        KTFAULT &fault = newFault(KT_FAULT_MISSING);
-        setFaultText(fault.field, element.Value());
-        writeFaultText(fault.expected, KT_TEXT("attribute `%s`"), names);
-        tell(element, fault);
-    }
-}
-
-void XmlCheck::value(const TiXmlElement &element, const char *attribute, const char *text,
-                     XmlValue kind) const {
-    const bool isNumber = kind == XmlValue::kNumber, isMaximum = kind == XmlValue::kMaximum;
-    const long least = isNumber || isMaximum ? 0 : INT_MIN, most = isNumber ? long{kMaxParticles} : INT_MAX;
-    const FaultText expected = flawOf(text, kind, least, most);
-    if (expected == FaultText()) return;
-    KTFAULT &fault = newFault(KT_FAULT_VALUE);
-    std::snprintf(fault.field, sizeof fault.field, "%s %s", element.Value(), attribute);
+    if (flaw == FaultText()) return;
+    KTFAULT &fault = newFault(KT_FAULT_VALUE, {}, {}, flaw, least, most);
+    std::snprintf(fault.field, sizeof fault.field, "%s %s", element->Value(), attribute);
     setFaultText(fault.found, text);
-    writeFaultText(fault.expected, expected, least, most);
-    tell(element, fault);
+    tell(fault);
 }
 
-class GuiCheck {
-   public:
-    explicit GuiCheck(bool hasLines) : check(hasLines) {}
-
-    void element(const TiXmlElement &element) const {
-        const int property = guiProperty(element.Value());
-        if (property >= 0) {
-            check.attributes(element, kGuiProperties[property].attributes, kGuiProperties[property].kind);
-            const char *kind = property == kGuiKind ? element.Attribute("value") : nullptr;
-            if (kind) checkKind(element, kind);
-        } else if (guiObject(element.Value()) >= 0) {
-            checkObject(element);
-        } else {
-            checkUnknown(element);
-        }
-    }
-
-   private:
-    // Objects have no attributes: nested elements hold their values.
-    void checkObject(const TiXmlElement &element) const {
-        for (const TiXmlAttribute *attribute = element.FirstAttribute(); attribute;
-             attribute = attribute->Next()) {
-            NearestName nearest(attribute->Name());
-            nearest.offerAll(kGuiProperties, kGuiPropertyCount);
-            char tag[32];
-            std::snprintf(tag, sizeof tag, "<%s>", nearest.name());
-            const bool isElement = std::strcmp(nearest.name(), attribute->Name()) == 0;
-            check.unknown(element, attribute->Name(), isElement ? tag : nearest.name(),
-                          KT_TEXT("attribute of `%s`"), element.Value());
-        }
-    }
-
-    void checkUnknown(const TiXmlElement &element) const {
-        NearestName nearest(element.Value());
+void XmlCheck::gui(const TiXmlElement &checked) {
+    element = &checked;
+    const char *const name = checked.Value();
+    const int property = guiProperty(name);
+    if (property >= 0) {
+        attributes(kGuiProperties[property].attributes, kGuiProperties[property].kind);
+        if (property == kGuiKind) guiKind();
+    } else if (guiObject(name) >= 0) {
+        guiObjectAttributes();
+    } else {
+        NearestName nearest(name);
         nearest.offerAll(kGuiObjectNames, kGuiObjectCount);
         nearest.offerAll(kGuiProperties, kGuiPropertyCount);
-        check.unknownElement(element, nearest.name());
+        unknownElement(nearest);
     }
+}
 
-    void checkKind(const TiXmlElement &element, const char *text) const {
-        for (const char *kind : kGuiKinds)
-            if (std::strcmp(kind, text) == 0) return;
-        NearestName nearest(text);
-        nearest.offerAll(kGuiKinds, kGuiKindCount);
-        check.unknown(element, text, nearest.name(), KT_TEXT("kind"), "");
+// Objects have no attributes: nested elements hold their values.
+void XmlCheck::guiObjectAttributes() const {
+    for (const TiXmlAttribute *attribute = element->FirstAttribute(); attribute;
+         attribute = attribute->Next()) {
+        NearestName nearest(attribute->Name());
+        nearest.offerAll(kGuiProperties, kGuiPropertyCount);
+        KTFAULT &fault = unknownAttribute(nearest);
+        if (nearest.isKnown()) std::snprintf(fault.expected, sizeof fault.expected, "<%s>", nearest.name());
+        tell(fault);
     }
+}
 
-    const XmlCheck check;
-};
+void XmlCheck::guiKind() const {
+    const char *kind = element->Attribute("value");
+    if (!kind) return;
+    for (const char *known : kGuiKinds)
+        if (std::strcmp(known, kind) == 0) return;
+    NearestName nearest(kind);
+    nearest.offerAll(kGuiKinds, kGuiKindCount);
+    tell(unknownName(KT_TEXT("kind"), nullptr, nearest));
+}
 
-void checkElement(const XmlCheck &check, const TiXmlElement &element) {
-    if (const EmitterSetting *setting = findEmitterSetting(element.Value()))
-        return check.attributes(element, emitterAttributes(setting->kind), setting->kind);
-    NearestName nearest(element.Value());
+void XmlCheck::emitter(const TiXmlElement &checked) {
+    element = &checked;
+    if (const EmitterSetting *setting = findEmitterSetting(checked.Value()))
+        return attributes(emitterAttributes(setting->kind), setting->kind);
+    NearestName nearest(checked.Value());
     for (const EmitterSetting &known : kEmitterSettings) nearest.offer(known.name);
-    check.unknownElement(element, nearest.name());
+    unknownElement(nearest);
+}
+
+void XmlCheck::emitterRoot(const TiXmlElement &root) {
+    element = &root;
+    NearestName nearest(root.Value());
+    nearest.take(kEmitterRoot);
+    unknownElement(nearest);
 }
 
 }  // namespace
@@ -197,36 +188,29 @@ unsigned int xmlLine(const TiXmlElement &element) {
     return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(element.GetUserData()));
 }
 
-void warnOfObjects(const TiXmlElement &element, bool hasLines) {
-    XmlCheck(hasLines).tell(element, beyondLimit(KT_TEXT("objects"), KT_TEXT("more than %u"), kGuiObjects,
-                                                 KT_TEXT("the others are left out")));
+KTFAULT &tooManyObjects() {
+    return newFault(KT_FAULT_LIMIT, KT_TEXT("objects"), KT_TEXT("more than %u"),
+                    KT_TEXT("the others are left out"), kGuiObjects);
 }
 
-// Follows the links of the document instead of recursing: the device's stack is small.
 void checkGui(const TiXmlNode &top, bool hasLines) {
-    const GuiCheck check(hasLines);
-    for (const TiXmlNode *node = &top; node;) {
+    XmlCheck check(hasLines);
+    for (const TiXmlNode *node = &top; node; node = nextNode(node, &top)) {
         const TiXmlElement *element = node->ToElement();
         const bool isRoot = element && node == &top && std::strcmp(element->Value(), "root") == 0;
-        if (element && !isRoot) check.element(*element);
-        if (node->FirstChild()) {
-            node = node->FirstChild();
-            continue;
-        }
-        while (node != &top && !node->NextSibling()) node = node->Parent();
-        node = node == &top ? nullptr : node->NextSibling();
+        if (element && !isRoot) check.gui(*element);
     }
 }
 
 void checkEmitter(const TiXmlDocument &document) {
-    const XmlCheck check(true);
+    XmlCheck check(true);
     const TiXmlElement *root = emitterRoot(document);
     if (!root) {
-        if (document.RootElement()) check.unknownElement(*document.RootElement(), kEmitterRoot);
+        if (document.RootElement()) check.emitterRoot(*document.RootElement());
         return;
     }
     for (const TiXmlElement *child = root->FirstChildElement(); child; child = child->NextSiblingElement())
-        checkElement(check, *child);
+        check.emitter(*child);
 }
 
 }  // namespace keltra

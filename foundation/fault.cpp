@@ -13,13 +13,13 @@ namespace {
 struct Channel {
     FaultScope *scope;
     int level;
-    unsigned int errors;    // reported so far
     unsigned int reported;  // since the outermost scope began
     bool inHandler;
 };
 
 struct Faults {
     Channel channel;
+    unsigned int errors;  // reported so far
     unsigned int count;
     bool isEnvironmentRead, isPrinting;
     KTFAULTHANDLER handler;
@@ -28,27 +28,28 @@ struct Faults {
 };
 Faults faults;
 
+// For functions that use it often: its address takes eight bytes of ARM code at each use.
+[[gnu::noinline]] Faults &allFaults() { return faults; }
+
 void print(const KTFAULT &fault) {
-    char sentence[1024];
+    static char sentence[1024];  // the device's stack is small
     faultSentence(fault, sentence, sizeof sentence);
     std::fprintf(stderr, "keltra: %s: %s\n", fault.severity == KT_FAULT_ERROR ? "error" : "warning",
                  sentence);
 }
 
 // Calls of the handler belong to no scope that is open.
-void handOver(const KTFAULT &fault) {
-    faults.handed = fault;
-    const Channel before = faults.channel;
-    faults.channel = {nullptr, 0, 0, 0, true};
-    faults.handler(&faults.handed, faults.user);
-    const unsigned int errors = faults.channel.errors;
-    faults.channel = before;
-    faults.channel.errors += errors;
+void handOver(Faults &all, const KTFAULT &fault) {
+    all.handed = fault;
+    const Channel before = all.channel;
+    all.channel = {nullptr, 0, 0, true};
+    all.handler(&all.handed, all.user);
+    all.channel = before;
 }
 
 // Names the call, the file and the file that named it by the scopes that are open.
-void addScopes(KTFAULT &fault) {
-    for (const FaultScope *scope = faults.channel.scope; scope; scope = scope->outer) {
+void addScopes(const FaultScope *scope, KTFAULT &fault) {
+    for (; scope; scope = scope->outer) {
         if (!scope->outer) fault.call = faultCallName(scope->call);
         if (!scope->file) continue;
         if (!*fault.file) {
@@ -63,19 +64,20 @@ void addScopes(KTFAULT &fault) {
 
 // Always false.
 bool tell(KTFAULT &fault) {
-    if (faults.channel.level >= kFaultsSilent) return false;
-    if (faults.channel.level) fault.severity = KT_FAULT_WARNING;
-    if (fault.severity == KT_FAULT_ERROR) ++faults.channel.errors;
-    ++faults.channel.reported;
-    addScopes(fault);
-    faults.last = fault;
-    ++faults.count;
-    if (!faults.isEnvironmentRead) {
-        faults.isEnvironmentRead = true;
-        faults.isPrinting = platformHasSwitch("KELTRA_FAULTS");
+    Faults &all = allFaults();
+    if (all.channel.level >= kFaultsSilent) return false;
+    if (all.channel.level) fault.severity = KT_FAULT_WARNING;
+    if (fault.severity == KT_FAULT_ERROR) ++all.errors;
+    ++all.channel.reported;
+    addScopes(all.channel.scope, fault);
+    all.last = fault;
+    ++all.count;
+    if (!all.isEnvironmentRead) {
+        all.isEnvironmentRead = true;
+        all.isPrinting = platformHasSwitch("KELTRA_FAULTS");
     }
-    if (faults.isPrinting) print(fault);
-    if (faults.handler && !faults.channel.inHandler) handOver(fault);
+    if (all.isPrinting) print(fault);
+    if (all.handler && !all.channel.inHandler) handOver(all, fault);
     return false;
 }
 
@@ -91,35 +93,32 @@ KT_FAULT_CODE problemOf(const char *path, long largest) {
 }
 
 KTFAULT &fileFault(const char *path, bool isOutOfMemory, long largest) {
-    KTFAULT &fault = newFault(isOutOfMemory ? KT_FAULT_OUT_OF_MEMORY : problemOf(path, largest));
+    const KT_FAULT_CODE code = isOutOfMemory ? KT_FAULT_OUT_OF_MEMORY : problemOf(path, largest);
+    KTFAULT &fault =
+        newFault(code, {}, {}, code == KT_FAULT_FILE_SIZE ? KT_TEXT("%ld bytes") : FaultText(), largest);
     setFaultPath(fault.file, path);
-    if (fault.code == KT_FAULT_FILE_SIZE) writeFaultText(fault.expected, KT_TEXT("%ld bytes"), largest);
     return fault;
 }
 
 }  // namespace
 
 FaultScope::FaultScope(FaultCall call, const char *file)
-    : file(file), line(0), outer(faults.channel.scope), call(call), errorsBefore(faults.channel.errors) {
-    if (!outer) faults.channel.reported = 0;
+    : file(file), line(0), outer(faults.channel.scope), call(call), errorsBefore(faults.errors) {
     faults.channel.scope = this;
+    if (!outer) faults.channel.reported = 0;
 }
 
 FaultScope::~FaultScope() { faults.channel.scope = outer; }
 
-bool FaultScope::fail(KTFAULT &fault) { return faults.channel.errors == errorsBefore && tell(fault); }
+bool FaultScope::fail(KTFAULT &fault) { return faults.errors == errorsBefore && tell(fault); }
 
 bool FaultScope::fail(KT_FAULT_CODE code) { return fail(newFault(code)); }
-
-bool FaultScope::failNull(FaultText argument) {
-    return faults.channel.errors == errorsBefore && keltra::failNull(call, argument);
-}
 
 bool FaultScope::failFile() { return failFile(false); }
 
 bool FaultScope::failFile(bool isOutOfMemory, long largest) {
-    if (!file) return failNull(KT_TEXT("name"));
-    return fail(fileFault(file, isOutOfMemory, largest));
+    return fail(file ? fileFault(file, isOutOfMemory, largest)
+                     : newFault(KT_FAULT_NULL, KT_TEXT("name"), {}, {}));
 }
 
 void addFaultLevel(int level) { faults.channel.level += level; }
@@ -132,19 +131,14 @@ bool tellFault(FaultCall call, KTFAULT &fault) {
 }
 
 bool failTexts(FaultCall call, KT_FAULT_CODE code, FaultText field, FaultText found) {
-    KTFAULT &fault = newFault(code);
-    writeFaultText(fault.field, field);
-    writeFaultText(fault.found, found);
-    return tellFault(call, fault);
+    return tellFault(call, newFault(code, field, found, {}));
 }
 
 bool failNull(FaultCall call, FaultText argument) { return failTexts(call, KT_FAULT_NULL, argument, {}); }
 
 bool failValue(FaultCall call, FaultText argument, long found, FaultText format, long first, long second) {
-    KTFAULT &fault = newFault(KT_FAULT_ARGUMENT);
-    writeFaultText(fault.field, argument);
+    KTFAULT &fault = newFault(KT_FAULT_ARGUMENT, argument, {}, format, first, second);
     setFaultNumber(fault.found, found);
-    writeFaultText(fault.expected, format, first, second);
     return tellFault(call, fault);
 }
 
@@ -157,10 +151,7 @@ bool failRange(FaultCall call, FaultText argument, long found, long last) {
 }
 
 bool failFull(FaultCall call, FaultText what, unsigned int most) {
-    KTFAULT &fault = newFault(KT_FAULT_FULL);
-    writeFaultText(fault.field, what);
-    if (kFaultTexts) setFaultNumber(fault.expected, static_cast<long>(most));
-    return tellFault(call, fault);
+    return tellFault(call, newFault(KT_FAULT_FULL, what, {}, KT_TEXT("%u"), most));
 }
 
 bool mayCompareNames() { return !faults.channel.scope || faults.channel.reported < 64; }

@@ -40,17 +40,21 @@ namespace keltra {
 // Begins the next fault: an error without texts and place. There is one, which the next call of this one or
 // of another function below overwrites.
 KTFAULT &newFault(KT_FAULT_CODE code);
+// The same with texts. Some are patterns of printf: each takes the values from the first one on.
+KTFAULT &newFault(KT_FAULT_CODE code, FaultText field, FaultText found, FaultText expected, ...);
 
-// Copies what fits; of a path the end, after three dots.
+// Copies what fits; of a path the end, after three dots. A null text is left out.
 void setFaultText(char (&target)[96], const char *text);
 void setFaultPath(char (&target)[256], const char *path);
 void setFaultNumber(char (&target)[96], long number);
-// Writes a text, with printf's rules.
-void writeFaultText(char (&target)[96], FaultText text, ...);
 
 unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size);
 
 // --- reporting
+
+// Each reports an error of `call`, or of the scope around it. Always false.
+[[gnu::cold]] bool tellFault(FaultCall call, KTFAULT &fault);
+[[gnu::cold]] bool failNull(FaultCall call, FaultText argument);
 
 // The outermost scope names the call. Its file, or that of the scope next below, is the one that names the
 // file of a fault. The file's name outlives the scope.
@@ -67,7 +71,8 @@ class FaultScope {
     // An error of this call, unless one was reported since it began. Always false.
     bool fail(KTFAULT &fault);
     bool fail(KT_FAULT_CODE code);
-    bool failNull(FaultText argument);
+    // The first thing that a call finds.
+    bool failNull(FaultText argument) { return keltra::failNull(call, argument); }
     // The file cannot be read: finds out why.
     bool failFile();
     bool failFile(bool isOutOfMemory, long largest = 0x7fffffff);
@@ -108,11 +113,9 @@ constexpr FaultCall warned(FaultCall call) {
     return static_cast<FaultCall>(static_cast<unsigned char>(call) | kWarned);
 }
 
-// Each reports an error of `call`, or of the scope around it. Always false.
-[[gnu::cold]] bool tellFault(FaultCall call, KTFAULT &fault);
-// The same of a warning.
+// A warning of `call`.
 inline void warnFault(FaultCall call, KTFAULT &fault) { tellFault(warned(call), fault); }
-[[gnu::cold]] bool failNull(FaultCall call, FaultText argument);
+// Each reports an error as above.
 // `format` is printf's, with up to two %ld.
 [[gnu::cold]] bool failValue(FaultCall call, FaultText argument, long found, FaultText format, long first = 0,
                              long second = 0);

@@ -4,6 +4,7 @@
 #include "foundation/packed_text.h"
 
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
@@ -74,8 +75,8 @@ class Sentence {
    public:
     Sentence(const KTFAULT &fault, char *text, std::size_t size) : fault(fault), target(text), size(size) {}
 
-    // The parts of the fault are in the places of $c, $f and so on. What is in brackets is left out when the
-    // part whose letter follows the bracket is empty.
+    // The parts of the fault are in the places of $C, $f and so on. What is between a bracket and the next
+    // closing one is left out when the part whose letter follows the bracket is empty.
     void addPattern(const char *pattern) {
         for (; const char letter = *pattern; ++pattern) {
             if (letter == '[') {
@@ -94,21 +95,20 @@ class Sentence {
     }
 
    private:
-    void add(char c) {
+    [[gnu::noinline]] void add(char c) {
         if (++length < size) target[length - 1] = c;
     }
     // Good until the next one.
     const char *part(char letter) {
-        if (letter == 'c') return fault.call ? fault.call : "";
-        if (letter == 'e') return fault.expected;
-        if (letter == 'f') return fault.field;
-        if (letter == 'g') return fault.found;
-        if (letter == 'n') return fault.neededBy;
-        if (letter == 'p') return fault.file;
-        const unsigned int line = letter == 'm' ? fault.neededByLine : fault.line;
+        static constexpr unsigned short kOffsets[] = {offsetof(KTFAULT, expected), offsetof(KTFAULT, field),
+                                                      offsetof(KTFAULT, found), offsetof(KTFAULT, neededBy),
+                                                      offsetof(KTFAULT, file)};
+        if (letter >= 'e') return reinterpret_cast<const char *>(&fault) + kOffsets[letter - 'e'];
+        if (letter == 'C') return fault.call ? fault.call : "";
+        const unsigned int line = letter == 'M' ? fault.neededByLine : fault.line;
         long number = static_cast<long>(line) - !line;
-        if (letter == 'b') number = line ? -1 : fault.byte;
-        if (!kFaultTexts && letter == 'k') number = fault.code;
+        if (letter == 'B') number = line ? -1 : fault.byte;
+        if (!kFaultTexts && letter == 'K') number = fault.code;
         *digits = '\0';
         if (number >= 0) std::snprintf(digits, sizeof digits, "%ld", number);
         return digits;
@@ -133,26 +133,35 @@ KTFAULT &newFault(KT_FAULT_CODE code) {
     return fault;
 }
 
+KTFAULT &newFault(KT_FAULT_CODE code, FaultText field, FaultText found, FaultText expected, ...) {
+    KTFAULT &fault = newFault(code);
+    static_assert(offsetof(KTFAULT, expected) - offsetof(KTFAULT, field) == 2 * sizeof fault.field,
+                  "one is behind the other");
+    char *target = reinterpret_cast<char *>(&fault) + offsetof(KTFAULT, field);
+    const FaultText texts[] = {field, found, expected};
+    for (const FaultText text : texts) {
+        if (!kFaultTexts) break;
+        std::va_list values;
+        va_start(values, expected);
+        std::vsnprintf(target, sizeof fault.field, unpacked(kCalls + static_cast<std::size_t>(text)), values);
+        va_end(values);
+        target += sizeof fault.field;
+    }
+    return fault;
+}
+
 void setFaultText(char (&target)[96], const char *text) {
-    std::snprintf(target, sizeof target, "%s", text ? text : "");
+    if (text) std::snprintf(target, sizeof target, "%s", text);
 }
 
 void setFaultPath(char (&target)[256], const char *path) {
-    const std::size_t length = path ? std::strlen(path) : 0;
+    const std::size_t length = std::strlen(path);
     const bool isCut = length >= sizeof target;
-    std::snprintf(target, sizeof target, "%s%s", isCut ? "..." : "",
-                  path ? path + (isCut ? length - (sizeof target - 4) : 0) : "");
+    std::snprintf(target, sizeof target, isCut ? "...%s" : "%s",
+                  path + (isCut ? length - (sizeof target - 4) : 0));
 }
 
 void setFaultNumber(char (&target)[96], long number) { std::snprintf(target, sizeof target, "%ld", number); }
-
-void writeFaultText(char (&target)[96], FaultText text, ...) {
-    if (!kFaultTexts) return;
-    std::va_list arguments;
-    va_start(arguments, text);
-    std::vsnprintf(target, sizeof target, unpacked(kCalls + static_cast<std::size_t>(text)), arguments);
-    va_end(arguments);
-}
 
 const char *faultCallName(FaultCall call) { return unpacked(static_cast<std::size_t>(call)); }
 
@@ -164,7 +173,7 @@ unsigned int faultSentence(const KTFAULT &fault, char *text, std::size_t size) {
         if (fault.code <= KT_FAULT_START) sentence.addPattern(unpacked(kCalls + fault.code));
     } else {
         sentence.addPattern(kFaultTextList[place]);
-        sentence.addPattern("fault $k[g: $g]");
+        sentence.addPattern("fault $K[g: $g]");
     }
     return static_cast<unsigned int>(sentence.end());
 }

@@ -145,8 +145,8 @@ constexpr const char *const kFaultCalls[] = {"",
 constexpr unsigned int kPlace = 6, kPlaceInFile = 7;  // what stands before the sentence of the code
 constexpr const char *const kFaultTextList[] = {
     "", "`$f` is null", "`$f` is $g[e, expected $e]", "$g", "$f[e, $e at most]: full", "out of memory",
-    "[c$c: ][lline $l: ][bbyte $b: ]",
-    "[c$c: ]$p[l, line $l][b, byte $b][n (needed by $n][m, line $m][n)]: ", "", "",
+    "[C$C: ][Lline $L: ][Bbyte $B: ]",
+    "[C$C: ]$i[L, line $L][B, byte $B][h (needed by $h][M, line $M][h)]: ", "", "",
     "the file name is empty or too long", "the file does not exist",
     "the file cannot be opened: no permission, or it is locked", "not a regular file", "the file is empty",
     "the file is too large[e: $e at most]", "the file cannot be read to its end",
@@ -155,8 +155,8 @@ constexpr const char *const kFaultTextList[] = {
     "`$g` is there again: the first one counts", "`$g`: the line cannot be read[e, expected $e]",
     "$f: $g[e, $e]", "", "", "", "no display[g: $g]", "the step `$f` of start-up failed[g: $g]",
     // The others.
-    "%ld bytes", "%ld to %ld", "0 or 1", "0 or more", "0 to %ld", "1 to %ld", "3 to 6", "GL state", "SDL",
-    "SDL_SetVideoMode", "`=`", "a blend factor of that side", "a fault handler is running",
+    "%ld bytes", "%ld to %ld", "%u", "0 or 1", "0 or more", "0 to %ld", "1 to %ld", "3 to 6", "GL state",
+    "SDL", "SDL_SetVideoMode", "`=`", "a blend factor of that side", "a fault handler is running",
     "a key, `=` and a value", "a log is open already", "a number", "a text between two quotes",
     "a text without blanks: they are lost", "a whole number", "ambient", "at most 255 characters",
     "attribute", "attribute `%s`", "attribute of `%s`", "auxId", "bits a pixel", "bone", "bone count",

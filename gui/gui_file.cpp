@@ -113,8 +113,7 @@ void tellUnknownFont(const char *name) {
     keltra::NearestName nearest(name);
     KTFONT *font = keltra::mayCompareNames() ? KTFONT::getFirst() : nullptr;
     for (; font; font = font->getNext()) nearest.offer(font->getName());
-    keltra::warnFault(KT_CALL("KELTRA::loadXML"),
-                      keltra::unknownName(KT_TEXT("font"), nullptr, name, nearest.name()));
+    keltra::warnFault(KT_CALL("KELTRA::loadXML"), keltra::unknownName(KT_TEXT("font"), nullptr, nearest));
 }
 
 void readFontReference(const TiXmlElement &property, const Target &target) {
@@ -232,9 +231,8 @@ static_assert(sizeof kReaders / sizeof *kReaders == keltra::kGuiPropertyCount, "
 
 class InterfaceReader {
    public:
-    // With `hasLines`, the elements know their lines.
-    InterfaceReader(keltra::FaultScope &scope, bool hasLines)
-        : scope(scope), hasLines(hasLines), objects(0) {}
+    // The lines of the elements are used when the scope has a file.
+    explicit InterfaceReader(keltra::FaultScope &scope) : scope(scope), objects(0) {}
 
     // Reads `top` and what is nested in it. The path is kept in an array: the device's stack is small.
     void read(KTNODE *parent, const TiXmlNode *top) {
@@ -277,7 +275,8 @@ class InterfaceReader {
 
     bool hasRoom(const TiXmlElement &element) {
         if (objects++ < keltra::kGuiObjects) return true;
-        if (objects == keltra::kGuiObjects + 1) keltra::warnOfObjects(element, hasLines);
+        scope.setLine(keltra::xmlLine(element));
+        if (objects == keltra::kGuiObjects + 1) keltra::warnFault({}, keltra::tooManyObjects());
         return false;
     }
 
@@ -285,7 +284,7 @@ class InterfaceReader {
         for (const TiXmlElement *child = element.FirstChildElement(); child;
              child = child->NextSiblingElement()) {
             const int property = keltra::guiProperty(child->Value());
-            if (hasLines) scope.setLine(keltra::xmlLine(*child));
+            scope.setLine(keltra::xmlLine(*child));
             if (property >= 0) kReaders[property](*child, target);
         }
     }
@@ -298,7 +297,6 @@ class InterfaceReader {
     }
 
     keltra::FaultScope &scope;
-    const bool hasLines;
     unsigned int objects;
     Resources resources;  // last: what lies behind it is far away
 };
@@ -316,7 +314,7 @@ KTNODE *buildInterface(const TiXmlElement &description, const char *name, FaultS
         root->setName(name);
     }
     checkGui(description, true);
-    InterfaceReader reader(scope, true);
+    InterfaceReader reader(scope);
     for (const TiXmlNode *node = description.FirstChild(); node; node = node->NextSibling())
         reader.read(root, node);
     return root;
@@ -329,7 +327,7 @@ void buildWidgets(KTNODE *parent, const TiXmlNode *node) {
         return;
     }
     checkGui(*node, false);
-    InterfaceReader(scope, false).read(parent, node);
+    InterfaceReader(scope).read(parent, node);
 }
 
 }  // namespace keltra

@@ -369,8 +369,7 @@ void KTFONT::queueGlyph(std::int64_t x, std::int64_t y, char c) const {
 KELTRA_COLD bool KTFONT::failTexture(const char *call) {
     if (toldMissing) return false;
     toldMissing = true;
-    KTFAULT &fault = keltra::newFault(KT_FAULT_STATE);
-    keltra::writeFaultText(fault.found, KT_TEXT("the font has no texture"));
+    KTFAULT &fault = keltra::newFault(KT_FAULT_STATE, {}, KT_TEXT("the font has no texture"), {});
     fault.call = call;
     KTFAULTS::report(&fault);
     return false;

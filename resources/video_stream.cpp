@@ -134,10 +134,8 @@ void beginSequence(KTVIDEOSTREAM &stream) {
     }
     stream.converted = mpeg2_convert(stream.decoder, mpeg2convert_rgb24, nullptr) == 0;
     if (stream.converted) return;
-    KTFAULT &fault = newFault(KT_FAULT_DATA);
-    writeFaultText(fault.field, KT_TEXT("sequence header"));
-    writeFaultText(fault.expected, KT_TEXT("its pictures cannot be shown in RGB"));
-    warnFault(KT_CALL("KTVIDEO::update"), fault);
+    warnFault(KT_CALL("KTVIDEO::update"), newFault(KT_FAULT_DATA, KT_TEXT("sequence header"), {},
+                                                   KT_TEXT("its pictures cannot be shown in RGB")));
 }
 
 void readOn(KTVIDEOSTREAM &stream) {

@@ -63,8 +63,7 @@ KELTRA_COLD void warnOfMaterial(const keltra::MeshRecord &record) {
     keltra::NearestName nearest(record.material);
     KTMATERIAL *known = keltra::mayCompareNames() ? KTMATERIAL::getFirst() : nullptr;
     for (; known; known = known->getNext()) nearest.offer(known->getName());
-    keltra::warnFault(KT_CALL("KTMESH::load"),
-                      keltra::unknownMaterial(record.name, record.material, nearest.name()));
+    keltra::warnFault(KT_CALL("KTMESH::load"), keltra::unknownMaterial(record.name, nearest));
 }
 
 bool buildGeometry(KTMESH &mesh, const keltra::MeshRecord &record) {
@@ -159,7 +158,7 @@ KTNODE *keltra::buildMesh(const MeshRecord &record, KTMATERIAL *material) {
     return nullptr;
 }
 
-KTNODE *KTMESH::load(const char *buffer, long *cursor, bool oldVersion) {
+KELTRA_COLD KTNODE *KTMESH::load(const char *buffer, long *cursor, bool oldVersion) {
     keltra::FaultScope scope(KT_CALL("KTMESH::load"));
     keltra::MeshRecord record;
     const auto read = [&record, oldVersion](keltra::FieldReader &reader) {

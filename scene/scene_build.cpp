@@ -214,10 +214,11 @@ KTNODE *buildTrustedNode(keltra::FaultScope &scope, const char *buffer, long *cu
             node = KTMESH::load(buffer, &body, false);
             break;
         default:
-            keltra::Fault fault;
-            keltra::refuseValue(&fault, static_cast<std::size_t>(*cursor), KT_TEXT("type"),
-                                static_cast<unsigned char>(buffer[*cursor]), KT_TEXT("unknown node type"));
-            scope.fail(keltra::toPublic(fault));
+            KTFAULT &fault =
+                keltra::newFault(KT_FAULT_DATA, KT_TEXT("type"), {}, KT_TEXT("unknown node type"));
+            keltra::setFaultNumber(fault.found, static_cast<unsigned char>(buffer[*cursor]));
+            fault.byte = *cursor;
+            scope.fail(fault);
     }
     if (node) *cursor = body;
     return node;

@@ -66,8 +66,9 @@ TEST(PackedTextTest, EveryNameAndTextOfTheFaultsIsUnpackedAsItIsListed) {
     for (std::size_t i = 0; keltra::kFaultTexts && i < keltra::countOf(keltra::kFaultTextList); ++i) {
         const std::string format = keltra::kFaultTextList[i];
         if (format.find("%s") != std::string::npos) continue;
-        char text[96], expected[96];
-        keltra::writeFaultText(text, static_cast<keltra::FaultText>(i), 1L, 2L, 3L);
+        char expected[96];
+        const char *const text =
+            keltra::newFault(KT_FAULT_DATA, {}, static_cast<keltra::FaultText>(i), {}, 1L, 2L, 3L).found;
         std::snprintf(expected, sizeof expected, format.c_str(), 1L, 2L, 3L);
         EXPECT_STREQ(text, expected);
     }

@@ -39,7 +39,9 @@ class Description {
         const bool isObject = guiObject(element.Value()) >= 0;
         if (isObject && ++objects == kGuiObjects + 1) {
             const Faults faults(result);
-            warnOfObjects(element, true);
+            KTFAULT &fault = tooManyObjects();
+            fault.line = xmlLine(element);
+            warnFault({}, fault);
         }
         properties += isProperty;
         if (isProperty) addFiles(element);

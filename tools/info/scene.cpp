@@ -151,7 +151,7 @@ class Description : public SceneVisitor {
         constexpr std::size_t kMostCompared = 64;
         if (unknownMaterials.size() <= kMostCompared)
             for (std::string_view known : materials) nearest.offer(known.data());
-        addFault(result, unknownMaterial(record.name, record.material, nearest.name()));
+        addFault(result, unknownMaterial(record.name, nearest));
     }
 
     void list(Fields &&node) {

@@ -21,19 +21,15 @@ inline bool refuse(FaultScope &, const Fault &, const char *, std::size_t) { ret
 inline KTFAULT &toPublic(const Fault &) { return newFault(KT_FAULT_NONE); }
 inline KTFAULT &toPublic(const Fault &, const char *, std::size_t) { return newFault(KT_FAULT_NONE); }
 
-inline KTFAULT &unknownName(FaultText, const char *, const char *, const char *) {
-    return newFault(KT_FAULT_NONE);
-}
-inline KTFAULT &beyondLimit(FaultText, FaultText, unsigned int, FaultText) { return newFault(KT_FAULT_NONE); }
-
 class NearestName {
    public:
     explicit NearestName(const char *) {}
     void offer(const char *) {}
     template <class Record>
     void offerAll(const Record *, std::size_t) {}
-    const char *name() const { return ""; }
 };
+
+inline KTFAULT &unknownName(FaultText, const char *, const NearestName &) { return newFault(KT_FAULT_NONE); }
 
 }  // namespace keltra
 

@@ -6,7 +6,7 @@
 
 namespace keltra {
 
-inline KTFAULT &unknownMaterial(const char *, const char *, const char *) { return newFault(KT_FAULT_NONE); }
+inline KTFAULT &unknownMaterial(const char *, const NearestName &) { return newFault(KT_FAULT_NONE); }
 inline KTFAULT &unknownBone(const char *, const char *) { return newFault(KT_FAULT_NONE); }
 inline KTFAULT &treeTooDeep() { return newFault(KT_FAULT_NONE); }
 

@@ -2,6 +2,8 @@
 #ifndef KELTRA_FORMATS_XML_CHECK_H
 #define KELTRA_FORMATS_XML_CHECK_H
 
+#include "foundation/fault.h"
+
 class TiXmlDocument;
 class TiXmlElement;
 class TiXmlNode;
@@ -10,7 +12,7 @@ namespace keltra {
 
 inline void checkGui(const TiXmlNode &, bool) {}
 inline void checkEmitter(const TiXmlDocument &) {}
-inline void warnOfObjects(const TiXmlElement &, bool) {}
+inline KTFAULT &tooManyObjects() { return newFault(KT_FAULT_NONE); }
 inline unsigned int xmlLine(const TiXmlElement &) { return 0; }
 
 }  // namespace keltra

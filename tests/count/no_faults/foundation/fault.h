@@ -21,11 +21,13 @@ inline KTFAULT &newFault(KT_FAULT_CODE) {
     static KTFAULT none;
     return none;
 }
+template <class... Values>
+KTFAULT &newFault(KT_FAULT_CODE code, FaultText, FaultText, FaultText, Values...) {
+    return newFault(code);
+}
 inline void setFaultText(char (&)[96], const char *) {}
 inline void setFaultPath(char (&)[256], const char *) {}
 inline void setFaultNumber(char (&)[96], long) {}
-template <class... Values>
-void writeFaultText(char (&)[96], FaultText, Values...) {}
 inline const char *faultCallName(FaultCall) { return ""; }
 
 class FaultScope {
