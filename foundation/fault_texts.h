@@ -146,7 +146,7 @@ constexpr unsigned int kPlace = 6, kPlaceInFile = 7;  // what stands before the 
 constexpr const char *const kFaultTextList[] = {
     "", "`$f` is null", "`$f` is $g[e, expected $e]", "$g", "$f[e, $e at most]: full", "out of memory",
     "[C$C: ][Lline $L: ][Bbyte $B: ]",
-    "[C$C: ]$i[L, line $L][B, byte $B][h (needed by $h][M, line $M][h)]: ", "", "",
+    "[C$C: ]$i[L, line $L][B, byte $B][h (needed by $h[M, line $M]][h)]: ", "", "",
     "the file name is empty or too long", "the file does not exist",
     "the file cannot be opened: no permission, or it is locked", "not a regular file", "the file is empty",
     "the file is too large[e: $e at most]", "the file cannot be read to its end",

@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -75,6 +76,17 @@ TEST_F(FaultTest, PlacesOfAnyNumber) {
     EXPECT_EQ(sentenceOf(&own), "out of memory");
     own.line = INT_MAX;
     EXPECT_EQ(sentenceOf(&own), "line 2147483647: out of memory");
+}
+
+TEST_F(FaultTest, TheLineOfTheFileThatNeedsItFollowsThatFile) {
+    KTFAULT own = newFault(KT_FAULT_OUT_OF_MEMORY);
+    std::strcpy(own.file, "a.tga");
+    own.neededByLine = 3;
+    EXPECT_EQ(sentenceOf(&own), "a.tga: out of memory");
+    std::strcpy(own.neededBy, "a.xml");
+    EXPECT_EQ(sentenceOf(&own), "a.tga (needed by a.xml, line 3): out of memory");
+    own.neededByLine = 0;
+    EXPECT_EQ(sentenceOf(&own), "a.tga (needed by a.xml): out of memory");
 }
 
 TEST_F(FaultTest, ArgumentsAreNamed) {
