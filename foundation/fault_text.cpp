@@ -78,7 +78,8 @@ class Sentence {
     // The parts of the fault are in the places of $C, $f and so on. What is between a bracket and the next
     // closing one is left out when the part whose letter follows the bracket is empty.
     void addPattern(const char *pattern) {
-        for (; const char letter = *pattern; ++pattern) {
+        for (; *pattern; ++pattern) {
+            const char letter = *pattern;
             if (letter == '[') {
                 if (!*part(*++pattern)) pattern = std::strchr(pattern, ']');
             } else if (letter == '$') {
