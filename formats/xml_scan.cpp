@@ -16,7 +16,7 @@ bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 }  // namespace
 
 // Notes the first reason; always false.
-KELTRA_COLD [[gnu::noinline]] bool MarkupScan::refused(FaultText why, long most) {
+[[gnu::noinline]] KELTRA_COLD bool MarkupScan::refused(FaultText why, long most) {
     if (reason != FaultText()) return false;
     reason = why;
     limit = most;

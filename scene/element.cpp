@@ -44,14 +44,14 @@ unsigned int starts = 0;
 // An overflow repeats in every frame: reported once, until the list is restarted.
 bool listReported = false, skinsReported = false;
 
-KELTRA_COLD [[gnu::noinline]] void warnOnce(bool &reported, keltra::FaultText what, unsigned int most) {
+[[gnu::noinline]] KELTRA_COLD void warnOnce(bool &reported, keltra::FaultText what, unsigned int most) {
     if (reported) return;
     reported = true;
     keltra::warnFull(KT_CALL("KTELEMENT::pass"), what, most);
 }
 
 // Always false.
-KELTRA_COLD [[gnu::noinline]] bool noteFullList() {
+[[gnu::noinline]] KELTRA_COLD bool noteFullList() {
     if (!KTELEMENT::active) return keltra::failState(KT_CALL("KTELEMENT::pass"), keltra::kInactive);
     warnOnce(listReported, KT_TEXT("render list"), KTELEMENT::numberOfElements);
     return false;

@@ -19,7 +19,7 @@ namespace {
 constexpr char kReferenceFrame[] = "HumanoidRoot";
 
 // `KTELEMENT::pass` has reported a mesh without a slot. Always false.
-KELTRA_COLD [[gnu::noinline]] bool refuseSlot(unsigned int slot) {
+[[gnu::noinline]] KELTRA_COLD bool refuseSlot(unsigned int slot) {
     constexpr keltra::FaultCall call = KT_CALL("KTMESH::animate");
     if (slot > KTMESH::maxSkins) return keltra::failRange(call, KT_TEXT("slot"), slot, KTMESH::maxSkins - 1);
     return slot < KTMESH::maxSkins && keltra::failState(call, keltra::kInactive);
