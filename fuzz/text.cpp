@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Zlib
 // Texts with escapes, in every place that formats or draws one.
 
+#include <cstring>
+#include <string>
+#include <vector>
+
 #include "fuzz/harness.h"
 
 using namespace keltra::fuzz;
@@ -25,8 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const unsigned int width = bytes.flag() ? bytes.u8() : static_cast<unsigned int>(bytes.i32());
     const std::string text(reinterpret_cast<const char *>(bytes.rest()), bytes.left());
     font->stringLength(text.c_str());
-    char broken[KTFONT::maxCharacters];
-    font->format(text.c_str(), broken, width);
+    std::vector<char> broken(2 * std::strlen(text.c_str()) + 1);  // as the header says
+    font->format(text.c_str(), broken.data(), width);
     window.write("%s", text.c_str());
     window.write("%s", text.c_str());
     window.format();
