@@ -6,6 +6,8 @@
 
 #include <sanitizer/asan_interface.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -105,6 +107,14 @@ void *calloc(std::size_t count, std::size_t size) {
     const bool isTooMuch = __builtin_mul_overflow(count, size, &bytes);
     void *block = !isTooMuch && isLarge(bytes) ? take(bytes) : nullptr;
     return block ? std::memset(block, 0, bytes) : __interceptor_calloc(count, size);
+}
+
+// Pages of these blocks are not given back after `calloc` has cleared them: the system would clear them
+// again.
+int madvise(void *address, std::size_t size, int advice) noexcept {
+    const char *const begin = static_cast<const char *>(address);
+    if (all && begin >= all && begin < all + taken) return 0;
+    return static_cast<int>(syscall(SYS_madvise, address, size, advice));
 }
 
 void *realloc(void *block, std::size_t size) {
