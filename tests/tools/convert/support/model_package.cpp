@@ -6,6 +6,7 @@
 #include <assimp/Importer.hpp>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
@@ -15,7 +16,8 @@
 namespace keltra::test {
 namespace {
 
-constexpr unsigned kLongestImport = 60;  // seconds
+constexpr unsigned kLongestImport = 60;             // seconds
+constexpr rlim_t kMostAddresses = rlim_t{4} << 30;  // one model of the package asks for as much as there is
 constexpr int kReadable = 16, kShaped = 1, kSkinned = 2, kMoving = 4;
 
 bool hasArea(const aiMesh &mesh) {
@@ -65,6 +67,10 @@ ModelKind kindOfModel(const std::string &path) {
         dup2(nowhere, STDOUT_FILENO);
         dup2(nowhere, STDERR_FILENO);
         alarm(kLongestImport);
+#if !defined(__SANITIZE_ADDRESS__)
+        const rlimit most = {kMostAddresses, kMostAddresses};
+        setrlimit(RLIMIT_AS, &most);
+#endif
         _exit(importAndJudge(path));
     }
     int status = 0;
