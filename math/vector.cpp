@@ -10,7 +10,7 @@
 
 namespace {
 
-[[noreturn, gnu::cold]] void endProcess(keltra::FaultCall call, int index, long last) {
+[[noreturn, gnu::noinline]] KELTRA_COLD void endProcess(keltra::FaultCall call, int index, long last) {
     keltra::failRange(call, KT_TEXT("index"), index, last);
     std::exit(1);
 }

@@ -59,7 +59,7 @@ struct MeshLayout {
     }
 };
 
-KELTRA_COLD void warnOfMaterial(const keltra::MeshRecord &record) {
+[[gnu::noinline]] KELTRA_COLD void warnOfMaterial(const keltra::MeshRecord &record) {
     keltra::NearestName nearest(record.material);
     KTMATERIAL *known = keltra::mayCompareNames() ? KTMATERIAL::getFirst() : nullptr;
     for (; known; known = known->getNext()) nearest.offer(known->getName());
