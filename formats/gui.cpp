@@ -39,6 +39,12 @@ int guiProperty(const char *element) {
     return -1;
 }
 
+int guiKind(const char *text) {
+    for (int i = 0; i < kGuiKindCount; ++i)
+        if (std::strcmp(kGuiKinds[i], text) == 0) return i;
+    return -1;
+}
+
 // Elements only: a comment with the text "root" has that name too.
 const TiXmlElement *guiRoot(const TiXmlDocument &document) { return document.FirstChildElement("root"); }
 

@@ -47,6 +47,7 @@ KT_HIDDEN extern const char *const kGuiKinds[kGuiKindCount];
 // Index of the name; -1 for another one.
 int guiObject(const char *element);
 int guiProperty(const char *element);
+int guiKind(const char *text);
 
 // The part of a document that is read; null for none, which loads nothing.
 const TiXmlElement *guiRoot(const TiXmlDocument &document);

@@ -96,7 +96,7 @@ void XmlCheck::attributes(XmlNames names, XmlValue kind) const {
 
 void XmlCheck::value(const char *attribute, const char *text, XmlValue kind) const {
     FaultText flaw = {};
-    long least = INT_MIN, most = INT_MAX;
+    long least = 0, most = 0;  // of an integer
     switch (kind) {
         case XmlValue::kReal:
         case XmlValue::kSize:
@@ -108,13 +108,9 @@ void XmlCheck::value(const char *attribute, const char *text, XmlValue kind) con
             break;
         case XmlValue::kText:
             break;
-        case XmlValue::kNumber:
-            most = kMaxParticles;
-            [[fallthrough]];
-        case XmlValue::kMaximum:
-            least = 0;
-            [[fallthrough]];
         default:
+            most = kind == XmlValue::kNumber ? kMaxParticles : INT_MAX;
+            if (kind != XmlValue::kNumber && kind != XmlValue::kMaximum) least = INT_MIN;
             flaw = integerFlaw(text, least, most);
             if (flaw == FaultText() && kind >= XmlValue::kSourceFactor &&
                 !isBlendFactor(xmlInteger(text), kind == XmlValue::kSourceFactor))
@@ -158,9 +154,7 @@ void XmlCheck::guiObjectAttributes() const {
 
 void XmlCheck::guiKind() const {
     const char *kind = element->Attribute("value");
-    if (!kind) return;
-    for (const char *known : kGuiKinds)
-        if (std::strcmp(known, kind) == 0) return;
+    if (!kind || keltra::guiKind(kind) >= 0) return;
     NearestName nearest(kind);
     nearest.offerAll(kGuiKinds, kGuiKindCount);
     tell(unknownName(KT_TEXT("kind"), nullptr, nearest));

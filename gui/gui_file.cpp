@@ -214,10 +214,8 @@ void readKind(const TiXmlElement &property, const Target &target) {
     const char *kind = property.Attribute("value");
     KTBUTTON *button = target.as<KTBUTTON>(KT_BUTTON);
     if (!kind || !button) return;
-    for (int i = 0; i < keltra::kGuiKindCount; ++i) {
-        if (std::strcmp(kind, keltra::kGuiKinds[i]) == 0)
-            button->setEventType(static_cast<KT_BUTTON_EVENT>(i));
-    }
+    const int event = keltra::guiKind(kind);
+    if (event >= 0) button->setEventType(static_cast<KT_BUTTON_EVENT>(event));
 }
 
 using ReadProperty = void (*)(const TiXmlElement &property, const Target &target);
