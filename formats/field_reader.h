@@ -11,7 +11,8 @@
 
 namespace keltra {
 
-// Reads fields by name, for the reports of faults. After an overrun everything reads as zero.
+// Reads fields by name, for the reports of faults. After an overrun everything reads as zero. What is not
+// inline is large where it is used, once or twice in a file.
 class FieldReader {
    public:
     FieldReader(const void *bytes, std::size_t size) : reader(bytes, size), fieldOffset(0), field() {}
@@ -21,8 +22,9 @@ class FieldReader {
     std::uint32_t u32(FaultText name) { return at(name).u32(); }
     float f32(FaultText name) { return at(name).f32(); }
     void floats(FaultText name, float *values, std::size_t count) { at(name).floats(values, count); }
-    const char *string(FaultText name) { return at(name).string(kNameSize); }
-    const unsigned char *array(FaultText name, std::uint64_t elements, std::size_t elementSize) {
+    [[gnu::noinline]] const char *string(FaultText name) { return at(name).string(kNameSize); }
+    [[gnu::noinline]] const unsigned char *array(FaultText name, std::uint64_t elements,
+                                                 std::size_t elementSize) {
         const std::uint64_t bytes = elements * elementSize;
         return at(name).take(bytes > SIZE_MAX ? SIZE_MAX : static_cast<std::size_t>(bytes));
     }
@@ -37,11 +39,12 @@ class FieldReader {
         return reader.ok();
     }
     // Notes the first fault; always false.
-    bool refuse(std::size_t offset, FaultText name, FaultText reason) {
+    [[gnu::noinline]] bool refuse(std::size_t offset, FaultText name, FaultText reason) {
         if (!found.code) keltra::refuse(&found, offset, name, reason);
         return false;
     }
-    bool refuseValue(std::size_t offset, FaultText name, long value, FaultText reason, long limit = 0) {
+    [[gnu::noinline]] bool refuseValue(std::size_t offset, FaultText name, long value, FaultText reason,
+                                       long limit = 0) {
         if (!found.code) keltra::refuseValue(&found, offset, name, value, reason, limit);
         return false;
     }
