@@ -62,9 +62,9 @@ class KeyCheck {
     vnfParser parser;
     unsigned int line;
     const bool isKerning;
-    const long most;  // of an integer
-    bool met[kKerningKeys];
-    char text[kLineSize];  // the line as its readers see it, without blanks and tabs
+    const long most;             // of an integer
+    bool met[kKerningKeys + 1];  // the last one is of no key
+    char text[kLineSize];        // the line as its readers see it, without blanks and tabs
     char raw[kLineSize];
     char keys[1 + kKerningKeys - kKerningCharacters][kKerningKeySize];  // those that were offered
 };
@@ -136,7 +136,7 @@ class KeyCheck {
 }
 
 [[gnu::noinline]] void KeyCheck::note(unsigned int key) {
-    if (isKerning && key < kKerningKeys) met[key] = true;
+    if (isKerning) met[key] = true;
     // A key of settings counts anywhere in a line.
     for (unsigned int i = 0; !isKerning && i < kSettingsKeyCount; ++i)
         met[i] = met[i] || std::strstr(text, kSettingsKeys[i].name);

@@ -146,6 +146,10 @@ bool failState(FaultCall call, FaultText state) { return failTexts(call, KT_FAUL
 
 bool failMemory(FaultCall call) { return failTexts(call, KT_FAULT_OUT_OF_MEMORY, {}, {}); }
 
+bool failFormat(FaultCall call) {
+    return failTexts(call, KT_FAULT_ARGUMENT, KT_TEXT("format"), KT_TEXT("not to be written"));
+}
+
 bool failRange(FaultCall call, FaultText argument, long found, long last) {
     return failValue(call, argument, found, last < 0 ? KT_TEXT("none") : KT_TEXT("0 to %ld"), last);
 }

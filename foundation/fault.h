@@ -145,9 +145,7 @@ inline void warnFull(FaultCall call, FaultText what, unsigned int most) {
 // Something is left out for lack of memory.
 inline void warnMemory(FaultCall call) { failMemory(warned(call)); }
 // vsnprintf was negative.
-inline bool failFormat(FaultCall call) {
-    return failTexts(call, KT_FAULT_ARGUMENT, KT_TEXT("format"), KT_TEXT("not to be written"));
-}
+[[gnu::cold]] bool failFormat(FaultCall call);
 // True while the application's handler runs.
 bool isInFaultHandler();
 
