@@ -15,6 +15,16 @@ bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 }  // namespace
 
+// A numeric reference without its digits and semicolon ends for the parser at a later semicolon, wherever
+// that is, so that it would meet other markup than is counted here.
+bool isOpenReference(const char *text) {
+    if (text[1] != '#') return false;
+    text += text[2] == 'x' ? 3 : 2;
+    while ((*text >= '0' && *text <= '9') || (*text >= 'a' && *text <= 'f') || (*text >= 'A' && *text <= 'F'))
+        ++text;
+    return *text != ';';
+}
+
 // Notes the first reason; always false.
 [[gnu::noinline]] KELTRA_COLD bool MarkupScan::refused(FaultText why, long most) {
     if (reason != FaultText()) return false;
@@ -71,6 +81,7 @@ bool MarkupScan::skipQuoted(char quote) {
             if (from == end) break;
             line += c == '\n';
         }
+        if (c == '&' && isOpenReference(from)) return false;
         *to++ = c;
     }
     cursor += from - cursor;
@@ -102,7 +113,7 @@ bool MarkupScan::skipElement() {
     for (;;) {
         const char c = skipNames();
         if (c == '"' || c == '\'') {
-            if (!skipQuoted(c)) return refused(KT_TEXT("has a quote that is not closed"));
+            if (!skipQuoted(c)) return cursor == end && refused(KT_TEXT("has a quote that is not closed"));
         } else if (c == '=') {
             if (++attributes > kMaxXmlAttributes)
                 return refused(KT_TEXT("has more than %ld attributes"), kMaxXmlAttributes);
@@ -129,29 +140,31 @@ bool MarkupScan::skipMarkup() {
     return skipPast("<", ">");
 }
 
-void MarkupScan::skipText() {
+bool MarkupScan::skipText() {
     const char *from = cursor;
     char *to = kept;
     bool blank = way == kShorter;
     for (char c; (c = *from) != '<' && from < end; ++from) {
+        if (c == '&' && isOpenReference(from)) return false;
         line += c == '\n';
         blank = blank && isBlank(c);
         *to++ = c;
     }
     cursor += from - cursor;
-    if (blank) return;
+    if (blank) return true;
     kept = to;
     measure(textBegin);
+    return true;
 }
 
 bool MarkupScan::run() {
     for (;;) {
-        skipText();
+        const bool isText = skipText();
         if (cursor == end) break;
         tag = cursor;
         if (++tags > kMaxXmlTags) return refused(KT_TEXT("more than %ld tags"), kMaxXmlTags);
         char *const place = kept;
-        if (!skipMarkup()) return refused(KT_TEXT("does not end"));
+        if (!isText || !skipMarkup()) return refused(KT_TEXT("does not end"));
         measure(place);
         if (*place == '<') textBegin = kept;
     }

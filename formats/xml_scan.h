@@ -51,7 +51,8 @@ class MarkupScan {
         ++cursor;
     }
     bool startsName() const;
-    void skipText();
+    // False for a reference that does not end.
+    bool skipText();
     bool skipMarkup();
     template <std::size_t kOpening, std::size_t kClosing>
     bool skipPast(const char (&opening)[kOpening], const char (&closing)[kClosing]);

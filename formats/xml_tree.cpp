@@ -19,8 +19,8 @@ bool startsName(char c) {
 
 bool isAt(const char *c, const char *text) { return std::strncmp(c, text, std::strlen(text)) == 0; }
 
-// The parser calls itself for the contents of an element, and a reference without its semicolon ends for it
-// at any later one. So it is given each tag as if the text ended there with an empty element.
+// The parser calls itself for the contents of an element. So it is given each tag as if the text ended there
+// with an empty element.
 class LoneTag {
    public:
     explicit LoneTag(char *tag) : close(tag) {

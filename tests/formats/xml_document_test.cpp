@@ -181,6 +181,30 @@ TEST(XmlDocument, RefusesWhatIsNoXml) {
     EXPECT_FALSE(parseXmlDocument(nullptr, 0, document));
 }
 
+// The parser looks for the semicolon in all that follows, and would find other tags than those that were
+// counted: nested as deeply as the file is long.
+TEST(XmlDocument, NoReferenceReachesBeyondItsDigits) {
+    const std::string deep = repeat("<a>", 200000);
+    const std::string texts[] = {"<r a=\"&#x\" 'x41;\">" + deep + "'>text</r>",
+                                 "<r a=\"&#x\" b='x41;\">" + deep + "'>text</r>",
+                                 "<r>text &#x<b c='x41;" + deep + "'/></r>",
+                                 "<r>text &#<b c='#65;" + deep + "'/></r>",
+                                 "<a x='&#6'><b>#66;'</b></a>",
+                                 "<a>&#x4g;</a>",
+                                 "<a x='&#'/>",
+                                 "text &#"};
+    for (const std::string &text : texts) {
+        TiXmlDocument document;
+        Fault fault;
+        EXPECT_FALSE(parseXmlDocument(text.data(), text.size(), document, &fault)) << text.substr(0, 40);
+        EXPECT_LT(fault.offset, 16u) << text.substr(0, 40);
+    }
+    for (const char *text : {"<a x='&#65;&#x4a;'>&#66;&amp;</a>", "<a>R&D</a>", "<a x='&'/>"}) {
+        TiXmlDocument document;
+        EXPECT_TRUE(parseXmlDocument(text, std::strlen(text), document)) << text;
+    }
+}
+
 TEST(XmlDocument, NoEntityReachesAcrossWhatIsLeftOut) {
     for (const char *between : {"<!-- c -->", "<?p i?>", "<!-- c --><!-- d -->"}) {
         TiXmlDocument document;
