@@ -7,6 +7,8 @@
 #include <initializer_list>
 #include <string>
 
+#include "formats/gui.h"
+
 namespace keltra {
 namespace {
 
@@ -45,6 +47,8 @@ TEST(NearestName, HasFewerThanSixtyFourLetters) {
     EXPECT_EQ(nearest(longest, {longer}), "");
     EXPECT_EQ(nearest(longer, {longest, longer}), "");
 }
+
+TEST(GuiRootMissing, LiesAtTheBeginning) { EXPECT_EQ(guiRootMissing().offset, 0u); }
 
 TEST(LineAt, CountsEveryKindOfLineEndOnce) {
     const std::string text = "a\rb\r\nc\nd";

@@ -5,7 +5,6 @@
 #include <windows.h>
 #else
 #include <sys/sysinfo.h>
-#include <unistd.h>
 #endif
 
 #include <cstdint>
@@ -203,22 +202,11 @@ TEST_F(MemoryTest, ASystemThatTellsTwoSizesIsAskedForNoCache) {
     EXPECT_EQ(platformReclaimableMemory(other), 0u);
 }
 
-#ifndef _WIN32
-// A process without standard input has its files from descriptor 0 on.
-TEST_F(MemoryTest, TheFirstDescriptorIsOneLikeAnyOther) {
-    const int input = dup(STDIN_FILENO);
-    ASSERT_EQ(close(STDIN_FILENO), 0);
-    platformReclaimableMemory(platformMemory());
-    const int next = dup(STDOUT_FILENO);
-    EXPECT_EQ(next, STDIN_FILENO) << "what was opened is closed";
-    dup2(input, STDIN_FILENO);
-    close(input);
-}
-#endif
-
 TEST_F(MemoryTest, ASystemThatTellsNothingCountsAsUnused) {
     setPagesInUse(1000);
     memoryFails = true;
+    EXPECT_EQ(platformMemory().total, 0u);
+    EXPECT_EQ(platformMemory().available, 0u);
     vnfOpenLog(nullptr);
     EXPECT_EQ(memoryCounters().peak, 0u);
 }

@@ -355,6 +355,23 @@ TEST_F(BoxTest, WithoutAShaderProgramsAreSwitchedOff) {
     EXPECT_FALSE(KTSHADER::enabled);
 }
 
+// 16.16 ends before 32,768 pixels; what lies beyond is drawn at -32,768.
+TEST_F(BoxTest, TheFarSidesOfAHugeBorderLieWhereTheFaceEnds) {
+    box.setThickness(1);
+    for (int size : {32767, 32768, 40000}) {
+        box.setSizes(size, 30);
+        GlRecorder::clear();
+        EXPECT_TRUE(box.render(nullptr));
+        const std::vector<Quad> drawn = quads();
+        ASSERT_EQ(drawn.size(), 9u);
+        const float far = size < 32768 ? float(size) : -32768,
+                    inner = size < 32769 ? float(size - 1) : -32768;
+        EXPECT_THAT(drawn[0].corners, ElementsAre(0, 0, far, 30)) << "the face";
+        EXPECT_THAT(drawn[1].corners, ElementsAre(1, 0, inner, 1)) << "upper side";
+        EXPECT_THAT(drawn[4].corners, ElementsAre(far, 1, inner, 29)) << "right side";
+    }
+}
+
 TEST_F(BoxTest, SizesOfAnyKindAreDrawn) {
     for (int size : {INT_MIN, -5, 0, 1, 1000000000, INT_MAX}) {
         box.setSizes(size, size);

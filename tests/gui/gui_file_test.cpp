@@ -152,6 +152,7 @@ TEST_F(GuiFileTest, KindsAreForButtonsOnly) {
     EXPECT_EQ(loadButton("<kind value='normal'/>")->getEventType(), KT_BUTTON_NORMAL);
     EXPECT_EQ(loadButton("<kind value='inverted'/>")->getEventType(), KT_BUTTON_INVERTED);
     EXPECT_EQ(loadButton("<kind value='switch'/>")->getEventType(), KT_BUTTON_SWITCH);
+    EXPECT_EQ(loadButton("<kind value='switch'/><kind value='normal'/>")->getEventType(), KT_BUTTON_NORMAL);
     EXPECT_EQ(
         loadButton("<kind value='switch'/><kind value='Normal'/><kind value=''/><kind/>")->getEventType(),
         KT_BUTTON_SWITCH);

@@ -310,6 +310,10 @@ TEST(MatrixTest, EulersAtThePolesPutTheRightAngleIntoY) {
     matrix.m[4] = -0.999f;
     EXPECT_EQ(matrix.toEuler().y, -90.0f);
     EXPECT_EQ(matrix.toEuler().z, 0.0f);
+    for (float edge : {0.998f, -0.998f}) {
+        matrix.m[4] = edge;
+        EXPECT_NE(matrix.toEuler().z, 0.0f) << "0.998 is no pole yet";
+    }
 }
 
 }  // namespace

@@ -111,6 +111,7 @@ TEST_F(FontLayoutTest, NullGivesNothing) {
 
 TEST_F(FontLayoutTest, ABlankThatOverflowsBecomesTheLineBreak) {
     EXPECT_EQ(format("aaa bbb", 50), (Layout{"aaa\nbbb", 16}));
+    EXPECT_EQ(format("aaa bbb", 48), (Layout{"aaa\nbbb", 16})) << "both lines are full";
     // Also when an earlier blank could be broken at, and at the end of the text.
     EXPECT_EQ(format("aa b ccc", 64), (Layout{"aa b\nccc", 16}));
     EXPECT_EQ(format("aaa ", 50), (Layout{"aaa\n", 16}));
@@ -135,6 +136,7 @@ TEST_F(FontLayoutTest, TheBlankOfABreakCountsForTheNewLine) {
 TEST_F(FontLayoutTest, AWordLongerThanTheWidthIsBrokenBeforeTheCharacterThatOverflows) {
     EXPECT_EQ(format("aaaa", 50), (Layout{"aaa\na", 16}));
     EXPECT_EQ(format("aaaaaa", 50), (Layout{"aaa\naaa", 16}));
+    EXPECT_EQ(format("aaaaaa", 48), (Layout{"aaa\naaa", 16})) << "both lines are full";
 }
 
 // Deliberate: the inserted break is a remembered break, at which the next overflow breaks again; existing

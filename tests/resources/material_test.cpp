@@ -43,6 +43,12 @@ TEST_F(MaterialTest, FreshMaterialSetsItsDefaults) {
     EXPECT_EQ(material.getName(), "[material " + std::to_string(material.getId()) + "]");
     EXPECT_EQ(material.getTimeStamp(), 0);
     EXPECT_EQ(material.getReferences(), 0);
+    EXPECT_EQ(material.getAmbient(), R3XVECTOR4D(0.2f, 0.2f, 0.2f, 1));
+    EXPECT_EQ(material.getDiffuse(), R3XVECTOR4D(0.6f, 0.6f, 0.6f, 1));
+    EXPECT_EQ(material.getSpecular(), R3XVECTOR4D(0.2f, 0.2f, 0.2f, 1));
+    EXPECT_EQ(material.getEmission(), R3XVECTOR4D(0, 0, 0, 1));
+    EXPECT_EQ(material.getTransparency(), 1);
+    EXPECT_EQ(material.getShininess(), 0);
     EXPECT_FALSE(material.isTransparent());
     EXPECT_FALSE(material.isTextured());
     EXPECT_FALSE(material.isSkinned());

@@ -381,6 +381,16 @@ TEST_F(TextureMemoryTest, AnEmptyBitmapKeepsTheChargeOfTheFile) {
     EXPECT_EQ(KTTEXTURE::getUsedMemory(), 0u);
 }
 
+TEST_F(TextureMemoryTest, ABitmapOfModifyHasTheChargeOfTheFile) {
+    KTTEXTURE *texture = loaded("a.tga", kSize);
+    ASSERT_TRUE(texture->create(2, 2, 5));
+    EXPECT_EQ(texture->getBitmap(), nullptr);
+    EXPECT_EQ(KTTEXTURE::getUsedMemory(), kCharge);
+    EXPECT_FALSE(texture->modify(std::string(20, 'x').c_str(), true));
+    EXPECT_TRUE(texture->unload(true));
+    EXPECT_EQ(KTTEXTURE::getUsedMemory(), 0u);
+}
+
 TEST_F(TextureMemoryTest, UploadOfACopyLeavesTheOriginalResident) {
     KTTEXTURE *texture = loaded("a.tga", kSize);
     ASSERT_TRUE(texture->update());

@@ -197,6 +197,18 @@ TEST_F(CameraTest, MoveDoomStepsInViewSpace) {
     EXPECT_NEAR(camera.getPosition().z, 4.0f, 1e-5f);
 }
 
+TEST_F(CameraTest, MoveDoomTurnsTheStepByTheWholeView) {
+    KTCAMERA camera;
+    camera.setRotation(30.0f, 50.0f, 70.0f);
+    camera.render(nullptr);
+    camera.moveDoom(1.0f, 2.0f, 3.0f);
+    const R3XVECTOR3D step = camera.getDirection();
+    const float *m = KTCAMERA::getCameraMatrix()->m;
+    EXPECT_NEAR(m[0] * step.x + m[4] * step.y + m[8] * step.z, 1.0f, 1e-5f);
+    EXPECT_NEAR(m[1] * step.x + m[5] * step.y + m[9] * step.z, 2.0f, 1e-5f);
+    EXPECT_NEAR(m[2] * step.x + m[6] * step.y + m[10] * step.z, 3.0f, 1e-5f);
+}
+
 TEST_F(CameraTest, MoveDoomFollowsTheCameraThatRenderedLast) {
     KTCAMERA walker, other;
     other.setRotation(0.0f, 90.0f, 0.0f);

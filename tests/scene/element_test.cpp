@@ -47,6 +47,7 @@ TEST(ElementTest, IsNewWithTheIdentityAndNothingElse) {
     EXPECT_EQ(elements(*element.getMatrix()), elements(R3XMATRIX()));
     EXPECT_EQ(element.getNode(), nullptr);
     EXPECT_EQ(element.getAuxId(), 0u);
+    EXPECT_EQ(element.getDistance(), 0.0f);
     EXPECT_EQ(element.getParam1(), 0u);
     EXPECT_THAT(element.nearestLight, Each(nullptr));
 }
