@@ -406,6 +406,17 @@ TEST_F(FrameTest, Begin2DTurnsALandscapeProjection) {
     KELTRA::end2D();
 }
 
+TEST_F(FrameTest, Begin2DProjectsToOnePixelAtLeast) {
+    const int x = KTSETTINGS::windowX, y = KTSETTINGS::windowY;
+    KTSETTINGS::windowX = 1;
+    KTSETTINGS::windowY = 0;
+    KELTRA::begin2D();
+    KTSETTINGS::windowX = x;
+    KTSETTINGS::windowY = y;
+    EXPECT_THAT(GlRecorder::last("glOrthox").arguments, ElementsAre(0, 65536, 65536, 0, 0, 65536));
+    KELTRA::end2D();
+}
+
 TEST_F(FrameTest, Begin2DSwitchesOffWhatWasOnAndCallsForNothingElse) {
     KTOPENGL::blendingOn();
     KTOPENGL::twoSideOn();

@@ -42,7 +42,8 @@ KELTRA_INTERPOSE(int, , sysinfo, (struct sysinfo * info) noexcept) {
     if (memoryFails) return -1;
     *info = {};
     info->totalram = totalPages;
-    info->freeram = freePages;
+    info->bufferram = freePages / 4;
+    info->freeram = freePages - info->bufferram;
     info->mem_unit = kPage;
     return 0;
 }

@@ -115,6 +115,19 @@ TEST_F(ObjectPoolTest, BlocksAreAlignedAndLieApart) {
     }
 }
 
+// 80 chunks, more than the first table has entries.
+TEST_F(ObjectPoolTest, TheTableOfChunksGrows) {
+    std::vector<void *> all;
+    for (unsigned int tries = 0; all.size() < 40000 && tries < 41000; ++tries)
+        if (void *const block = pool.take(4000, kMany)) all.push_back(block);
+    ASSERT_EQ(all.size(), 40000u);
+    std::sort(all.begin(), all.end());
+    ASSERT_EQ(std::adjacent_find(all.begin(), all.end()), all.end());
+    for (void *const block : all) ASSERT_TRUE(pool.giveBack(block, 0));
+    int own = 0;
+    EXPECT_FALSE(pool.giveBack(&own, 0));
+}
+
 // Sizes of whole cache lines would lay each field into few places of the cache.
 TEST_F(ObjectPoolTest, NeighboursDoNotFallIntoTheSameLines) {
     takeMany(512, 2);

@@ -59,6 +59,15 @@ TEST_F(GuiFileTest, CommentsTextAndUnknownElementsMakeNothing) {
     EXPECT_STREQ(root->getChild(0)->getName(), "b");
 }
 
+TEST_F(GuiFileTest, EveryAttributeThatIsAnotherIsTold) {
+    KTFAULTS::clear();
+    EXPECT_NE(load("<box><size width='1' height='2'/></box>"), nullptr);
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 0u);
+    EXPECT_NE(load("<box><size breadth='1' depth='2'/></box>"), nullptr);
+    EXPECT_EQ(KTFAULTS::getNumberOfFaults(), 4u) << "two are unknown and two are missing";
+    KTFAULTS::clear();
+}
+
 TEST_F(GuiFileTest, WidgetsNestAsTheirElements) {
     KTNODE *root = load(
         "<window><position x='10' y='20'/><box><position x='3' y='4'/><button><position x='1' "

@@ -417,6 +417,7 @@ TEST_F(TextureTest, SwitchesTexturingOncePerChannel) {
     EXPECT_TRUE(KTTEXTURE::texturingOff(2));
     EXPECT_TRUE(KTTEXTURE::texturingOff(2));
     EXPECT_EQ(GlRecorder::count("glDisable", {GL_TEXTURE_2D}), 1);
+    EXPECT_EQ(GlRecorder::count("glEnable", {GL_TEXTURE_2D}), 17) << "other channels are on";
     EXPECT_EQ(KTTEXTURE::channelCache[2], &texture) << "one channel's switch keeps its texture";
     EXPECT_TRUE(KTTEXTURE::texturingOff(99));
     EXPECT_EQ(GlRecorder::count("glDisable", {GL_TEXTURE_2D}), 16);
