@@ -12,11 +12,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <random>
 #include <vector>
 
+#include "platform/platform.h"
 #include "tests/support/allocations.h"
 
 namespace {
@@ -184,6 +186,23 @@ TEST_F(ObjectPoolTest, ChunksAreAlignedWhereverTheSystemPutsThem) {
         giveBack(blocks.size() / 2);
         if (HasFatalFailure()) return;
     }
+}
+
+std::size_t addressesInUse() {
+    std::size_t pages = 0;
+    std::FILE *const file = std::fopen("/proc/self/statm", "r");
+    if (!file || std::fscanf(file, "%zu", &pages) != 1) ADD_FAILURE() << "the system does not tell";
+    if (file) std::fclose(file);
+    return pages * kPage;
+}
+
+TEST_F(ObjectPoolTest, WhatIsTakenToBeAlignedIsGivenBack) {
+    const std::size_t before = addressesInUse();
+    mapping = Mapping::kAside;
+    void *const pages = platformTakePages(kChunk);
+    ASSERT_NE(pages, nullptr);
+    platformReturnPages(pages, kChunk);
+    EXPECT_LT(addressesInUse(), before + kChunk / 2);
 }
 
 TEST_F(ObjectPoolTest, WithoutMemoryBlocksComeFromTheCLibrary) {

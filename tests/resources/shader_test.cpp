@@ -138,6 +138,10 @@ TEST_F(ShaderTest, IsFoundOnTheList) {
     shader.setName(std::string(256, 'n').c_str());
     EXPECT_EQ(KTSHADER::findByName("mine"), &shader);
     EXPECT_EQ(KTSHADER::findByName("Mine"), nullptr);
+    shader.setName("yours");
+    EXPECT_EQ(KTSHADER::findByName("yours"), &shader);
+    EXPECT_EQ(KTSHADER::findByName("mine"), nullptr);
+    shader.setName("mine");
     EXPECT_EQ(KTSHADER::findByName(nullptr), nullptr);
     EXPECT_EQ(KTSHADER::findById(shader.getId()), &shader);
     EXPECT_EQ(shader.getPrevious(), KTSHADER::terrainSimple);

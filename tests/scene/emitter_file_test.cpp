@@ -80,6 +80,15 @@ TEST_F(EmitterFileTest, KeysWithoutAnElementKeepTheirValues) {
     EXPECT_EQ(emitter.getNumberOfParticles(), 0) << "the number starts from 0 in every file";
 }
 
+TEST_F(EmitterFileTest, AMaximumIsNotNegative) {
+    for (const auto &[text, maximum] :
+         {std::pair<std::string, unsigned>{"-1", 0}, {"0", 0}, {"1", 1}, {"2", 2}}) {
+        KTEMITTER emitter;
+        ASSERT_TRUE(load(emitter, ("<maxEnergy value='" + text + "'/>").c_str()));
+        EXPECT_EQ(emitter.getMaximumEnergy(), maximum) << text;
+    }
+}
+
 TEST_F(EmitterFileTest, NumbersAreReadAsTheCLibraryReadsThem) {
     KTEMITTER emitter;
     ASSERT_TRUE(load(emitter,
