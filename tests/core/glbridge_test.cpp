@@ -126,6 +126,13 @@ TEST_F(GlBridgeTest, EveryScalarCallMakesItsOneFixedPointCall) {
     EXPECT_THAT(GlRecorder::calls()[6].arguments, ElementsAre(65536));
 }
 
+TEST_F(GlBridgeTest, AnAngleWithoutASineLeavesNoNumbers) {
+    KT_glRotatef(std::numeric_limits<float>::infinity(), 0.0f, 0.0f, 1.0f);
+    const Top turned = top(kModelView);
+    for (int i : {0, 1, 4, 5}) EXPECT_TRUE(std::isnan(turned[i])) << i;
+    EXPECT_EQ(turned[15], 1.0f);
+}
+
 TEST_F(GlBridgeTest, VectorCallsAlwaysConvertFourValues) {
     const float values[4] = {1.0f, -2.0f, 0.5f, 4.0f};
     KT_glLightModelfv(GL_LIGHT_MODEL_AMBIENT, values);

@@ -267,6 +267,16 @@ TEST(XmlDocument, TheDeepestStandsOnTheDevicesStack) {
     }
 }
 
+TEST(XmlDocument, AFaultInATagHasItsPlace) {
+    for (const std::string text :
+         {"<root>\n<box a='1'\n b='2' &/></root>", "<root><box a='1' b &='2'/></root>"}) {
+        TiXmlDocument document;
+        Fault fault = {};
+        EXPECT_FALSE(parseXmlDocument(text.data(), text.size(), document, &fault));
+        EXPECT_EQ(fault.offset, text.find('&')) << text;
+    }
+}
+
 TEST(XmlDocument, AttributesTagsAndBytesAreLimited) {
     std::string element = "<a";
     for (unsigned i = 0; i < kMaxXmlAttributes; ++i) element += " x" + std::to_string(i) + "='='";
