@@ -138,14 +138,21 @@ TEST_F(ShaderTest, IsFoundOnTheList) {
     shader.setName(std::string(256, 'n').c_str());
     EXPECT_EQ(KTSHADER::findByName("mine"), &shader);
     EXPECT_EQ(KTSHADER::findByName("Mine"), nullptr);
-    shader.setName("yours");
-    EXPECT_EQ(KTSHADER::findByName("yours"), &shader);
-    EXPECT_EQ(KTSHADER::findByName("mine"), nullptr);
-    shader.setName("mine");
     EXPECT_EQ(KTSHADER::findByName(nullptr), nullptr);
     EXPECT_EQ(KTSHADER::findById(shader.getId()), &shader);
     EXPECT_EQ(shader.getPrevious(), KTSHADER::terrainSimple);
     EXPECT_EQ(shader.getNext(), nullptr);
+}
+
+// As many as are found by a table.
+TEST_F(ShaderTest, IsFoundByItsLastNameAmongMany) {
+    std::vector<KTSHADER> shaders(100);
+    for (KTSHADER &shader : shaders) shader.setName("one of many");
+    shaders[50].setName("mine");
+    EXPECT_EQ(KTSHADER::findByName("mine"), &shaders[50]);
+    shaders[50].setName("yours");
+    EXPECT_EQ(KTSHADER::findByName("yours"), &shaders[50]);
+    EXPECT_EQ(KTSHADER::findByName("mine"), nullptr);
 }
 
 TEST_F(ShaderTest, PathIsCutAt255Characters) {

@@ -415,9 +415,10 @@ TEST_F(TextureTest, SwitchesTexturingOncePerChannel) {
     KTTEXTURE texture;
     KTTEXTURE::channelCache[2] = KTTEXTURE::channelCache[9] = &texture;
     EXPECT_TRUE(KTTEXTURE::texturingOff(2));
-    EXPECT_TRUE(KTTEXTURE::texturingOff(2));
-    EXPECT_EQ(GlRecorder::count("glDisable", {GL_TEXTURE_2D}), 1);
     EXPECT_EQ(GlRecorder::count("glEnable", {GL_TEXTURE_2D}), 17) << "other channels are on";
+    EXPECT_TRUE(KTTEXTURE::texturingOff(2));
+    EXPECT_EQ(GlRecorder::count("glEnable", {GL_TEXTURE_2D}), 17);
+    EXPECT_EQ(GlRecorder::count("glDisable", {GL_TEXTURE_2D}), 1);
     EXPECT_EQ(KTTEXTURE::channelCache[2], &texture) << "one channel's switch keeps its texture";
     EXPECT_TRUE(KTTEXTURE::texturingOff(99));
     EXPECT_EQ(GlRecorder::count("glDisable", {GL_TEXTURE_2D}), 16);

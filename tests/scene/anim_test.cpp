@@ -213,6 +213,9 @@ TEST_F(AnimTest, AcquiresNothingFromNullAndRigidMeshes) {
     KTMESH rigid;
     EXPECT_FALSE(anim->acquireStructure(nullptr));
     EXPECT_FALSE(anim->acquireStructure(&rigid));
+    rigid.numberOfBones = 3;
+    EXPECT_FALSE(anim->acquireStructure(&rigid)) << "a number alone";
+    rigid.numberOfBones = 0;
     EXPECT_EQ(anim->getNumberOfBones(), 2u);
 }
 
