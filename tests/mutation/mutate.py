@@ -8,8 +8,10 @@ BUILD is a built debug tree, which stays as it is: one object is compiled anew, 
 to its objects are linked into BUILD/mutants. Of all places in all files a fixed sample is drawn (400, or all of the FILEs) that
 edits elsewhere leave as it is; --first takes only its beginning, and --part each N-th, beside others that run at the same time.
 BUILD/mutants/results.txt keeps what came of each change, which is then not tried again without --again. A change that the
-compiler makes the same code of, with or without optimisation, is an equal program and is not tried. Prints what survives, and the
-share that is found. Returns 1 when that is below nine tenths. To be run on a screen: tests/support/with_screen.sh 16 mutate.py ..."""
+compiler makes the same code of, with or without optimisation, is an equal program and is not tried. What survives is to be read:
+it gets a test, or a line in survivors.txt beside this file, which says why it is equal or what else finds it. Prints what survives
+without one, and the share that is found. Returns 1 when that is below nine tenths. To be run on a screen:
+tests/support/with_screen.sh 16 mutate.py ..."""
 
 import argparse
 import collections
@@ -95,6 +97,13 @@ def sample(tree, files, seed):
             key = hashlib.sha256(f"{place} {met[place]}".encode()).hexdigest()[:16]
             places.append((key, name, site))
     return sorted(places)
+
+
+def read_survivors():
+    """What stands in survivors.txt: the result of each key."""
+    with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "survivors.txt"), encoding="utf-8") as file:
+        words = [line.split(maxsplit=2) for line in file if not line.startswith("#")]
+    return {key: EQUAL if kind == "equal" else "found by " + kind for key, kind, _ in words}
 
 
 def limit():
@@ -254,6 +263,10 @@ def main():
     tree = Tree(options.build, str(part))
     files = options.files or tree.files()
     places = sample(tree, files, options.seed)
+    explained = read_survivors()
+    if not options.files:
+        for key in explained.keys() - {place[0] for place in places}:
+            print(f"survivors.txt: no change has the key {key} any more", flush=True)
     places = places[:options.sample or (len(places) if options.files else 400)]
     print(f"mutate: {len(places)} changes in {len(files)} files", flush=True)
     runner, results = Runner(tree), Results(os.path.join(tree.build, "mutants", "results.txt"), options.again)
@@ -272,6 +285,8 @@ def main():
             else:
                 result = runner.finds(name, tree.compiled(name, changed))
             results.add(key, result, what)
+        if result == SURVIVES:
+            result = explained.get(key, result)
         equal += result == EQUAL
         if result in (NO_PROGRAM, EQUAL):
             continue

@@ -153,6 +153,8 @@ TEST_F(ShaderTest, IsFoundByItsLastNameAmongMany) {
     shaders[50].setName("yours");
     EXPECT_EQ(KTSHADER::findByName("yours"), &shaders[50]);
     EXPECT_EQ(KTSHADER::findByName("mine"), nullptr);
+    shaders[10].setName("yours");
+    EXPECT_EQ(KTSHADER::findByName("yours"), &shaders[10]) << "the oldest of that name";
 }
 
 TEST_F(ShaderTest, PathIsCutAt255Characters) {
