@@ -66,6 +66,7 @@ TEST(SparseTest, MainAxesAreTakenByTheirBits) {
     EXPECT_EQ(mainAxis(0.0f, 1.0f, 0.0f), 1);
     EXPECT_EQ(mainAxis(0.0f, 0.0f, 1.0f), 2);
     EXPECT_EQ(mainAxis(1.0f, -0.0f, 0.0f), -1);
+    EXPECT_EQ(mainAxis(0.5f, floatOf(0x00800000), 0.0f), -1) << "together the bits of 1";
     EXPECT_EQ(mainAxis(1.0f, 1.0f, 0.0f), -1);
     EXPECT_EQ(mainAxis(-1.0f, 0.0f, 0.0f), -1);
     EXPECT_EQ(mainAxis(0.5f, 0.0f, 0.5f), -1);
