@@ -5,6 +5,7 @@
 # what reached something new, looks for leaks at the end, and prints the sums of all nights. While there are targets with fewer
 # than three million executions in all nights, the others wait.
 # fuzz.sh FOLDER --leaks [TARGET] only looks for leaks.
+# fuzz.sh FOLDER --keep [TARGET] puts into fuzz/inputs the fewest inputs of the corpus that reach each edge.
 #
 # FOLDER, that of the build, has bin/fuzz_TARGET. In it: corpus/ (inputs that reached something new), found/ (those that
 # failed), TARGET.txt (what the last run printed), history.txt (a line for each run) and figures.txt (the sums).
@@ -79,6 +80,18 @@ minimise() {
     mv "$build/corpus/$1.new" "$build/corpus/$1"
 }
 
+# keep TARGET: they lie beside those that have names, under their hashes.
+keep() {
+    rm -rf "$build/kept"
+    mkdir "$build/kept"
+    "$build/bin/fuzz_$1" -set_cover_merge=1 -use_counters=0 -timeout=600 -detect_leaks=0 \
+        "$build/kept" "fuzz/inputs/$1" "$build/corpus/$1" >"$build/$1.keep.txt" 2>&1
+    find "fuzz/inputs/$1" -regextype posix-extended -regex '.*/[0-9a-f]{40}' -delete
+    (cd "fuzz/inputs/$1" && sha1sum -- *) | while read -r hash _; do rm -f "$build/kept/$hash"; done
+    find "$build/kept" -type f -exec mv -t "fuzz/inputs/$1" {} +
+    echo "run: $1: $(find "fuzz/inputs/$1" -type f | wc -l) inputs are kept"
+}
+
 # behind: the targets with few executions so far.
 behind() {
     for target in $all_targets; do
@@ -110,6 +123,10 @@ status=0
 if [ "${1:-}" = --leaks ]; then
     for target in ${2:-$all_targets}; do check_leaks "$target" || status=1; done
     exit $status
+fi
+if [ "${1:-}" = --keep ]; then
+    for target in ${2:-$all_targets}; do keep "$target"; done
+    exit
 fi
 if [ "${1:-}" != --nightly ]; then
     for target in ${1:-$all_targets}; do run_target "$target" "${2:-60}" || status=1; done
