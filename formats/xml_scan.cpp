@@ -13,10 +13,8 @@ namespace {
 // As the parser takes it; it drops such text itself, after a call for each character.
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-}  // namespace
-
-// A numeric reference without its digits and semicolon ends for the parser at a later semicolon, wherever
-// that is, so that it would meet other markup than is counted here.
+// A numeric reference whose digits no semicolon ends reaches for the parser to a later one, wherever that is,
+// so that it would meet other markup than is counted here.
 bool isOpenReference(const char *text) {
     if (text[1] != '#') return false;
     text += text[2] == 'x' ? 3 : 2;
@@ -24,6 +22,8 @@ bool isOpenReference(const char *text) {
         ++text;
     return *text != ';';
 }
+
+}  // namespace
 
 // Notes the first reason; always false.
 [[gnu::noinline]] KELTRA_COLD bool MarkupScan::refused(FaultText why, long most) {
