@@ -15,7 +15,7 @@ bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 // A numeric reference whose digits no semicolon ends reaches for the parser to a later one, wherever that is,
 // so that it would meet other markup than is counted here.
-bool isOpenReference(const char *text) {
+[[gnu::noinline]] bool isOpenReference(const char *text) {
     if (text[1] != '#') return false;
     text += text[2] == 'x' ? 3 : 2;
     while ((*text >= '0' && *text <= '9') || (*text >= 'a' && *text <= 'f') || (*text >= 'A' && *text <= 'F'))
